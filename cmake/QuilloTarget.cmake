@@ -1,0 +1,58 @@
+# What every target of ours is built with.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTORCC ON)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+option(QUILLO_WERROR "Warnings are errors" OFF)
+option(QUILLO_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+
+add_library(quillo_options INTERFACE)
+target_compile_options(quillo_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+                       -Woverloaded-virtual $<$<BOOL:${QUILLO_WERROR}>:-Werror>)
+target_link_libraries(quillo_options INTERFACE quillo_base)
+target_compile_definitions(quillo_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_DEPRECATED_WARNINGS
+                           $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+if(QUILLO_SANITIZE)
+    target_compile_options(quillo_options INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer
+                           -fno-sanitize-recover=undefined)
+    target_link_options(quillo_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# quillo_library(<target> SOURCES … PUBLIC <libraries> PRIVATE <libraries>)
+# One library a folder. It exports its own folder only, so an include of a folder that is not listed fails to build.
+function(quillo_library target)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;PUBLIC;PRIVATE")
+    if(ARG_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "quillo_library(${target}): what is ${ARG_UNPARSED_ARGUMENTS}?")
+    endif()
+    add_library(${target} STATIC ${ARG_SOURCES})
+    target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${target} PUBLIC ${ARG_PUBLIC} PRIVATE quillo_options ${ARG_PRIVATE})
+endfunction()
+
+# quillo_test(<target> SOURCES … LIBRARIES <libraries> [TIMEOUT <seconds>])
+# One test program a folder; main() comes from tests/TestMain.cpp. ctest runs each test in a process of its own, without
+# a display. TIMEOUT is for one test and only catches one that hangs.
+function(quillo_test target)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "TIMEOUT" "SOURCES;LIBRARIES")
+    if(ARG_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "quillo_test(${target}): what is ${ARG_UNPARSED_ARGUMENTS}?")
+    endif()
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    add_executable(${target} ${ARG_SOURCES})
+    target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${target} PRIVATE quillo_options quillo_test_main ${ARG_LIBRARIES} GTest::gtest Qt6::Test)
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX ${target}/
+                         PROPERTIES ENVIRONMENT QT_QPA_PLATFORM=offscreen TIMEOUT ${ARG_TIMEOUT})
+endfunction()
