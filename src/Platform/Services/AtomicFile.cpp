@@ -1,0 +1,205 @@
+#include "AtomicFile.h"
+
+#include "DocumentError.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+#include <QScopeGuard>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+using std::filesystem::path;
+
+namespace {
+
+/// Closes its descriptor when it goes.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : m_number(number) {}
+    ~Descriptor() {
+        if (m_number >= 0)
+            close(m_number);
+    }
+    Q_DISABLE_COPY_MOVE(Descriptor)
+
+    int number() const { return m_number; }
+    bool isOpen() const { return m_number >= 0; }
+
+private:
+    const int m_number;
+};
+
+/// A file that writes all it is given or remembers why not; a QFile takes a disk that fills up for a short write.
+class TemporaryFile : public QFile {
+public:
+    explicit TemporaryFile(const path& name) : QFile(name) {}
+
+    /// The first write error, 0 if there was none.
+    int systemError() const { return m_systemError; }
+
+protected:
+    qint64 writeData(const char* data, qint64 length) override {
+        qint64 written = 0;
+        while (written < length) {
+            errno = 0;
+            const qint64 count = QFile::writeData(data + written, length - written);
+            if (count <= 0) {
+                if (m_systemError == 0)
+                    m_systemError = errno != 0 ? errno : EIO;
+                return -1;
+            }
+            written += count;
+        }
+        return written;
+    }
+
+private:
+    int m_systemError = 0;
+};
+
+/// The path with the symbolic links of its last part followed, also where the last one leads to nothing yet.
+path followLinks(const QString& fileName) {
+    constexpr int maximumLinkCount = 40; // the kernel's own limit
+    std::error_code error, ignored;
+    path file = std::filesystem::absolute(QFile::encodeName(fileName).toStdString(), error);
+    for (int count = 0; !error && is_symlink(symlink_status(file, ignored)); ++count) {
+        if (count == maximumLinkCount)
+            throw DocumentError::forSystemError(ELOOP);
+        file = file.parent_path() / read_symlink(file, error);
+    }
+    if (error)
+        throw DocumentError::forSystemError(error.value());
+    return file;
+}
+
+/// What is known of an existing file; none if there is no file. Throws if it may not be replaced.
+std::optional<struct stat> statusOfReplaceable(const path& file) {
+    struct stat status;
+    if (stat(file.c_str(), &status) != 0) {
+        if (errno == ENOENT)
+            return std::nullopt;
+        throw DocumentError::forSystemError(errno);
+    }
+    if (S_ISDIR(status.st_mode))
+        throw DocumentError::forSystemError(EISDIR);
+    if (!S_ISREG(status.st_mode))
+        throw DocumentError(QStringLiteral("It isn't an ordinary file."));
+    if (!Descriptor(open(file.c_str(), O_WRONLY | O_CLOEXEC)).isOpen()) {
+        if (errno == EACCES || errno == EPERM)
+            throw DocumentError(QStringLiteral("You don't have permission to change this file."));
+        throw DocumentError::forSystemError(errno);
+    }
+    return status;
+}
+
+[[noreturn]] void throwFolderError(int errorNumber, const path& folder) {
+    const QString name = QFile::decodeName(folder.filename().c_str());
+    if (errorNumber == ENOENT)
+        throw DocumentError(QStringLiteral("The folder “%1” doesn't exist.").arg(name));
+    if (errorNumber == EACCES || errorNumber == EPERM)
+        throw DocumentError(QStringLiteral("You don't have permission to write to the folder “%1”.").arg(name));
+    throw DocumentError::forSystemError(errorNumber);
+}
+
+/// Makes an empty file. One that replaces another can be read by nobody else before it has the permissions of that.
+path makeTemporaryFile(const path& folder, bool replaces) {
+    constexpr mode_t userOnly = 0600;
+    constexpr mode_t usual = 0666; // less the user's mask
+    constexpr int attempts = 100;
+    int error = EEXIST;
+    for (int attempt = 0; error == EEXIST && attempt < attempts; ++attempt) {
+        path file = folder / (".saving-" + std::to_string(QRandomGenerator::system()->generate64()));
+        const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+        if (Descriptor(open(file.c_str(), flags, replaces ? userOnly : usual)).isOpen())
+            return file;
+        error = errno;
+    }
+    throwFolderError(error, folder);
+}
+
+/// Access control lists, tags and the like. What the file system does not take is left out.
+void copyExtendedAttributes(const path& from, int to) {
+    const ssize_t namesSize = listxattr(from.c_str(), nullptr, 0);
+    if (namesSize <= 0)
+        return;
+    std::string names(static_cast<size_t>(namesSize), '\0');
+    if (listxattr(from.c_str(), names.data(), names.size()) != namesSize)
+        return;
+    for (const char* name = names.c_str(); name < names.c_str() + names.size(); name += std::strlen(name) + 1) {
+        const ssize_t size = getxattr(from.c_str(), name, nullptr, 0);
+        if (size < 0)
+            continue;
+        std::vector<char> value(static_cast<size_t>(size));
+        if (getxattr(from.c_str(), name, value.data(), value.size()) == size)
+            fsetxattr(to, name, value.data(), value.size(), 0);
+    }
+}
+
+void copyPermissions(const struct stat& status, const path& from, int to) {
+    mode_t mode = status.st_mode & 07777;
+    if (fchown(to, status.st_uid, status.st_gid) != 0) {
+        mode &= 0777; // running as its owner was meant for another owner
+        if (fchown(to, static_cast<uid_t>(-1), status.st_gid) != 0)
+            mode = (mode & 0707) | ((mode & 0007) << 3); // the same for the group: it may do what everybody may
+    }
+    copyExtendedAttributes(from, to);
+    if (fchmod(to, mode) != 0)
+        throw DocumentError::forSystemError(errno);
+}
+
+/// Some file systems can't do it, and say so.
+void synchronize(int descriptor) {
+    if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP)
+        throw DocumentError::forSystemError(errno);
+}
+
+void writeContent(const path& temporary, const std::function<void(QFile&)>& write) {
+    TemporaryFile file(temporary);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
+        throw DocumentError(QStringLiteral("A temporary file can't be written."));
+    write(file);
+    if (file.systemError() != 0)
+        throw DocumentError::forSystemError(file.systemError());
+}
+
+} // namespace
+
+void writeFileAtomically(const QString& path, const QByteArray& bytes) {
+    writeFileAtomically(path, [&bytes](QFile& file) { file.write(bytes); });
+}
+
+void writeFileAtomically(const QString& path, const std::function<void(QFile& file)>& write) {
+    const auto target = followLinks(path);
+    const auto replaced = statusOfReplaceable(target);
+    const auto temporary = makeTemporaryFile(target.parent_path(), replaced.has_value());
+    auto removeTemporary = qScopeGuard([&temporary] { unlink(temporary.c_str()); });
+
+    writeContent(temporary, write);
+    {
+        const Descriptor file(open(temporary.c_str(), O_WRONLY | O_CLOEXEC));
+        if (!file.isOpen())
+            throw DocumentError::forSystemError(errno);
+        if (replaced)
+            copyPermissions(*replaced, target, file.number());
+        synchronize(file.number());
+    }
+    if (rename(temporary.c_str(), target.c_str()) != 0)
+        throw DocumentError::forSystemError(errno);
+    removeTemporary.dismiss();
+
+    // The new content is in place now; a folder that can't be synchronized is no failure to tell.
+    const Descriptor folder(open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.isOpen())
+        fsync(folder.number());
+}

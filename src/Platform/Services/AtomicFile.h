@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+
+class QFile;
+
+/// Replaces the content of the file at `path`, or makes the file: a reader, and whoever looks after a crash, finds
+/// either the old content or the new one, complete. Returns when the bytes are safely on the disk.
+///
+/// Symbolic links are followed and kept. An existing file keeps its permission bits, its extended attributes and, as
+/// far as the user may give files away, its owner and group; a new one gets the usual permissions. Programs that have
+/// the old file open go on reading the old content; other hard links to it keep the old content too.
+///
+/// Throws DocumentError, with nothing changed and no file left behind. A file that the user may not write to is
+/// refused, even where the folder would let it be replaced.
+void writeFileAtomically(const QString& path, const QByteArray& bytes);
+
+/// The same for content that is written piece by piece: `write` gets a new, empty temporary file in the target's
+/// folder, open for reading and writing, without a buffer. It need not check its writes: a failed one makes the whole
+/// fail. It may close the file, or write to `fileName()` by other means, whose errors it must report itself. Whatever
+/// it throws passes through and leaves the target as it was.
+void writeFileAtomically(const QString& path, const std::function<void(QFile& file)>& write);

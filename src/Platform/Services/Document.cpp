@@ -1,0 +1,69 @@
+#include "Document.h"
+
+#include "AtomicFile.h"
+#include "UndoManager.h"
+
+#include <set>
+
+/// The numbers of the living untitled documents.
+static std::set<int>& untitledNumbers() {
+    static std::set<int> numbers;
+    return numbers;
+}
+
+static int takeUntitledNumber() {
+    int number = 1;
+    while (!untitledNumbers().insert(number).second)
+        ++number;
+    return number;
+}
+
+Document::Document(QObject* parent) : QObject(parent), m_undoManager(std::make_shared<UndoManager>()) {
+    connect(m_undoManager.get(), &UndoManager::documentEditedChanged, this, &Document::documentEditedChanged);
+}
+
+Document::~Document() {
+    untitledNumbers().erase(m_untitledNumber);
+}
+
+void Document::setFileURL(const QUrl& fileURL) {
+    if (fileURL == m_fileURL)
+        return;
+    const QString oldName = displayName();
+    m_fileURL = fileURL;
+    if (!m_fileURL.isEmpty()) {
+        untitledNumbers().erase(m_untitledNumber);
+        m_untitledNumber = 0;
+    }
+    Q_EMIT fileURLChanged(m_fileURL);
+    if (displayName() != oldName)
+        Q_EMIT displayNameChanged(displayName());
+}
+
+QString Document::displayName() const {
+    if (!m_fileURL.isEmpty())
+        return m_fileURL.fileName();
+    if (m_untitledNumber == 0)
+        m_untitledNumber = takeUntitledNumber();
+    if (m_untitledNumber == 1)
+        return QStringLiteral("Untitled");
+    return QStringLiteral("Untitled %1").arg(m_untitledNumber);
+}
+
+QString Document::suggestedFileName() const {
+    if (!m_fileURL.isEmpty() || fileNameExtension().isEmpty())
+        return displayName();
+    return displayName() + QLatin1Char('.') + fileNameExtension();
+}
+
+bool Document::isDocumentEdited() const {
+    return m_undoManager->isDocumentEdited();
+}
+
+void Document::write(const QString& path) const {
+    writeFileAtomically(path, dataRepresentation());
+}
+
+QString Document::fileNameExtension() const {
+    return {};
+}

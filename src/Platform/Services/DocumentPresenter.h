@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+class Document;
+
+/// What a DocumentController needs from the application to show documents and to ask the user. Calls come on the main
+/// thread; the asking ones return when the user has answered, and may run a nested event loop meanwhile.
+class DocumentPresenter {
+public:
+    enum class SaveAnswer { Save, DontSave, Cancel };
+
+    virtual ~DocumentPresenter() = default;
+
+    /// Makes a window for a document that has just been opened or made, and brings it to the front.
+    virtual void show(const std::shared_ptr<Document>& document) = 0;
+
+    /// Brings the document's window to the front; makes one if it has none.
+    virtual void bringForward(const std::shared_ptr<Document>& document) = 0;
+
+    /// Asks whether to save the changes of a document that is about to be closed.
+    virtual SaveAnswer askToSave(const std::shared_ptr<Document>& document) = 0;
+
+    /// Asks for the path to save to, and whether a file that is there may be replaced. None if the user cancels.
+    virtual std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>& document,
+                                                      const QString& suggestedName) = 0;
+
+    /// Tells that something failed: `title` says what, `sentence` why.
+    virtual void presentError(const QString& title, const QString& sentence) = 0;
+
+    /// The document is no longer open: its windows have to go, without asking anything.
+    virtual void didClose(const std::shared_ptr<Document>& document) = 0;
+};

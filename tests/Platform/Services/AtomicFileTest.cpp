@@ -1,0 +1,258 @@
+#include "AtomicFile.h"
+
+#include "DocumentError.h"
+#include "RestrictedRuns.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace {
+
+class AtomicFileTest : public testing::Test {
+protected:
+    QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
+
+    void make(const QString& file, const QByteArray& bytes = "old") const {
+        QFile out(file);
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size());
+    }
+
+    static QByteArray contentOf(const QString& file) {
+        QFile in(file);
+        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray("(unreadable)");
+    }
+
+    static QString sentenceOfFailure(const QString& file) {
+        try {
+            writeFileAtomically(file, QByteArray("new"));
+        } catch (const DocumentError& error) {
+            return error.sentence();
+        }
+        return QStringLiteral("(no error)");
+    }
+
+    QStringList names() const {
+        return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+
+    const QTemporaryDir m_folder;
+};
+
+TEST_F(AtomicFileTest, MakesAndReplacesFiles) {
+    const QByteArray contents[] = {"", QByteArray("\0\r\n\xff", 4), QByteArray(3'000'000, 'x'), "short"};
+    for (const QByteArray& content : contents) {
+        writeFileAtomically(path("räport 1.pdf"), content);
+        EXPECT_EQ(contentOf(path("räport 1.pdf")), content);
+    }
+    EXPECT_EQ(names().size(), 1) << "no temporary file stays behind";
+
+    const QString oldFolder = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(m_folder.path()));
+    writeFileAtomically(QStringLiteral("relative"), QByteArray("here"));
+    QDir::setCurrent(oldFolder);
+    EXPECT_EQ(contentOf(path("relative")), "here");
+}
+
+TEST_F(AtomicFileTest, PermissionsAndAttributesAreKept) {
+    const mode_t oldMask = umask(027); // a mask that the kept bits below go beyond
+    const auto restoreMask = qScopeGuard([oldMask] { umask(oldMask); });
+    writeFileAtomically(path("fresh"), QByteArray());
+    struct stat status = {};
+    ASSERT_EQ(stat(qPrintable(path("fresh")), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0640u) << "a new file follows the user's mask";
+
+    const QByteArray file = QFile::encodeName(path("kept"));
+    make(path("kept"));
+    const bool hasAttributes = setxattr(file.constData(), "user.tag", "red", 3, 0) == 0;
+    for (const mode_t mode : {0600, 0644, 0664, 0755, 0606, 02750}) {
+        ASSERT_EQ(chmod(file.constData(), mode), 0);
+        writeFileAtomically(path("kept"), [&status](QFile& temporary) {
+            ASSERT_EQ(fstat(temporary.handle(), &status), 0);
+            EXPECT_EQ(status.st_mode & 077, 0u) << "nobody may read what may become private";
+        });
+        ASSERT_EQ(stat(file.constData(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777, mode);
+    }
+    char value[8] = {};
+    if (hasAttributes) {
+        EXPECT_EQ(getxattr(file.constData(), "user.tag", value, sizeof value), 3);
+        EXPECT_STREQ(value, "red");
+    }
+
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(file.constData(), 1234, 4321), 0);
+        writeFileAtomically(path("kept"), QByteArray("new"));
+        ASSERT_EQ(stat(file.constData(), &status), 0);
+        EXPECT_EQ(status.st_uid, 1234u);
+        EXPECT_EQ(status.st_gid, 4321u);
+    }
+}
+
+TEST_F(AtomicFileTest, SymbolicLinksAreFollowedAndKept) {
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("a/b")));
+    make(path("a/target"));
+    // The link's own folder is reached through a link, so ".." must not be taken for the folder as written.
+    const struct {
+        const char* link;
+        const char* text;
+        const char* target;
+    } rows[] = {
+        {"shortcut", "a/b", nullptr},
+        {"a/b/up", "../target", "a/target"},
+        {"chain", "shortcut/up", "a/target"},
+        {"dangling", "a/not-yet", "a/not-yet"},
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(symlink(row.text, qPrintable(path(row.link))), 0);
+        if (!row.target)
+            continue;
+        writeFileAtomically(path(row.link), QByteArray(row.link));
+        EXPECT_TRUE(QFileInfo(path(row.link)).isSymLink()) << row.link;
+        EXPECT_FALSE(QFileInfo(path(row.target)).isSymLink()) << row.target;
+        EXPECT_EQ(contentOf(path(row.target)), row.link);
+    }
+}
+
+TEST_F(AtomicFileTest, FailuresAreToldAndChangeNothing) {
+    make(path("file"));
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("folder")));
+    ASSERT_EQ(symlink("circle", qPrintable(path("circle"))), 0);
+    ASSERT_EQ(mkfifo(qPrintable(path("pipe")), 0600), 0);
+    const QStringList before = names();
+    const struct {
+        QString file;
+        const char* sentence;
+    } rows[] = {
+        {path("missing/file"), "The folder “missing” doesn't exist."},
+        {path("file/inside"), "Its path leads through something that isn't a folder."},
+        {path("folder"), "There is a folder of this name."},
+        {path("circle"), "The link to the file leads in a circle."},
+        {path("pipe"), "It isn't an ordinary file."},
+        {path(QByteArray(300, 'n').constData()), "The file's name is too long."},
+        {QStringLiteral("/dev/full"), "It isn't an ordinary file."},
+        {QStringLiteral("/proc/new-file"), "The folder “proc” doesn't exist."},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(sentenceOfFailure(row.file).toStdString(), row.sentence);
+    EXPECT_EQ(names(), before);
+    EXPECT_EQ(contentOf(path("file")), "old");
+}
+
+TEST_F(AtomicFileTest, MissingPermissionIsTold) {
+    make(path("read-only"));
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("closed")));
+    make(path("closed/file"));
+    ASSERT_EQ(chmod(qPrintable(path("read-only")), 0444), 0);
+    ASSERT_EQ(chmod(qPrintable(path("closed")), 0555), 0);
+    QString file, inClosedFolder, newInClosedFolder;
+    RestrictedRuns::withoutPrivileges([&] {
+        file = sentenceOfFailure(path("read-only"));
+        inClosedFolder = sentenceOfFailure(path("closed/file"));
+        newInClosedFolder = sentenceOfFailure(path("closed/new"));
+    });
+    ASSERT_EQ(chmod(qPrintable(path("closed")), 0755), 0);
+    EXPECT_EQ(file.toStdString(), "You don't have permission to change this file.");
+    EXPECT_EQ(inClosedFolder.toStdString(), "You don't have permission to write to the folder “closed”.");
+    EXPECT_EQ(newInClosedFolder, inClosedFolder);
+    EXPECT_EQ(contentOf(path("read-only")), "old");
+    EXPECT_EQ(contentOf(path("closed/file")), "old");
+}
+
+TEST_F(AtomicFileTest, AFullOrReadOnlyDiskIsTold) {
+    const auto report = RestrictedRuns::onSmallDisk(m_folder.path(), [this](const auto& makeReadOnly) {
+        writeFileAtomically(path("file"), QByteArray("old"));
+        QStringList lines;
+        const auto note = [&](const std::function<void()>& write) {
+            try {
+                write();
+                lines.append(QStringLiteral("(no error)"));
+            } catch (const DocumentError& error) {
+                lines.append(error.sentence());
+            }
+        };
+        note([&] { writeFileAtomically(path("file"), QByteArray(1'000'000, 'x')); });
+        note([&] {
+            writeFileAtomically(path("file"), [](QFile& file) {
+                for (int i = 0; i < 1000; ++i)
+                    file.write(QByteArray(1001, 'x'));
+                file.close();
+            });
+        });
+        lines.append(QString::fromUtf8(contentOf(path("file"))));
+        makeReadOnly();
+        note([&] { writeFileAtomically(path("file"), QByteArray("x")); });
+        note([&] { writeFileAtomically(path("other"), QByteArray("x")); });
+        return lines + names();
+    });
+    if (!report)
+        GTEST_SKIP() << "a small disk can't be mounted here";
+    const QString full = QStringLiteral("There isn't enough space on the disk.");
+    const QString readOnly = QStringLiteral("The disk can't be written to.");
+    EXPECT_EQ(report->join(u'\n').toStdString(),
+              QStringList({full, full, QStringLiteral("old"), readOnly, readOnly, QStringLiteral("file")})
+                  .join(u'\n')
+                  .toStdString());
+}
+
+TEST_F(AtomicFileTest, TheWriterMayWriteInPiecesByNameOrFail) {
+    writeFileAtomically(path("file"), [](QFile& file) {
+        file.write("one ");
+        file.write("two");
+        file.seek(0);
+        EXPECT_EQ(file.read(3), "one");
+    });
+    EXPECT_EQ(contentOf(path("file")), "one two");
+
+    writeFileAtomically(path("file"), [this](QFile& file) {
+        file.close();
+        make(file.fileName(), "by name");
+        EXPECT_EQ(QFileInfo(file.fileName()).path(), m_folder.path()) << "the same folder, so the same disk";
+    });
+    EXPECT_EQ(contentOf(path("file")), "by name");
+
+    EXPECT_THROW(writeFileAtomically(path("file"),
+                                     [](QFile& file) {
+                                         file.write("half");
+                                         throw std::runtime_error("no more");
+                                     }),
+                 std::runtime_error);
+    EXPECT_EQ(contentOf(path("file")), "by name");
+    EXPECT_EQ(names(), QStringList(QStringLiteral("file")));
+}
+
+TEST_F(AtomicFileTest, AReaderNeverFindsAMixture) {
+    constexpr int size = 300'000;
+    writeFileAtomically(path("file"), QByteArray(size, 'a'));
+    QFile openBefore(path("file"));
+    ASSERT_TRUE(openBefore.open(QIODevice::ReadOnly));
+
+    std::atomic<bool> stop = false;
+    std::atomic<int> mixtures = 0;
+    std::thread reader([&] {
+        while (!stop) {
+            const QByteArray content = contentOf(path("file"));
+            if (content.size() != size || content.count(content.front()) != size)
+                ++mixtures;
+        }
+    });
+    for (int i = 1; i <= 40; ++i)
+        writeFileAtomically(path("file"), QByteArray(size, char('a' + i % 26)));
+    stop = true;
+    reader.join();
+    EXPECT_EQ(mixtures, 0);
+    EXPECT_EQ(openBefore.readAll(), QByteArray(size, 'a')) << "who had the old file open keeps it";
+}
+
+} // namespace

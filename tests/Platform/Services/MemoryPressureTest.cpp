@@ -1,0 +1,159 @@
+#include "MemoryPressureMonitor.h"
+#include "MemoryPressureSource.h"
+
+#include <QFile>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Level = MemoryPressureSource::Level;
+using Mechanism = MemoryPressureSource::Mechanism;
+
+class MemoryPressureTest : public testing::Test {
+protected:
+    void SetUp() override {
+        m_configuration.pressurePath = m_folder.filePath(QStringLiteral("no-such-file"));
+        m_configuration.meminfoPath = m_folder.filePath(QStringLiteral("meminfo"));
+        m_configuration.pollInterval = std::chrono::milliseconds(1);
+    }
+
+    /// Written at once, so that no look finds half of it.
+    void setAvailablePercent(int percent) const {
+        const QString temporary = m_folder.filePath(QStringLiteral("next"));
+        QFile file(temporary);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QStringLiteral("MemTotal:       2000000 kB\nMemFree:         1 kB\nMemAvailable:   %1 kB\n")
+                       .arg(percent * 20000)
+                       .toLatin1());
+        file.close();
+        ASSERT_EQ(rename(QFile::encodeName(temporary).constData(),
+                         QFile::encodeName(m_configuration.meminfoPath).constData()),
+                  0);
+    }
+
+    /// Returns when the source has looked more than once, so that a level told again and again shows.
+    void waitForLooks() const {
+        int ticks = 0;
+        QTimer timer; // fires no more often than the source's
+        QObject::connect(&timer, &QTimer::timeout, [&ticks] { ++ticks; });
+        timer.start(m_configuration.pollInterval);
+        ASSERT_TRUE(QTest::qWaitFor([&ticks] { return ticks >= 5; }));
+    }
+
+    const QTemporaryDir m_folder;
+    MemoryPressureSource::Configuration m_configuration;
+};
+
+TEST_F(MemoryPressureTest, AvailableMemoryIsToldWhenALevelIsReached) {
+    setAvailablePercent(50);
+    MemoryPressureSource source(m_configuration);
+    ASSERT_EQ(source.mechanism(), Mechanism::AvailableMemory);
+    std::vector<Level> levels;
+    QObject::connect(&source, &MemoryPressureSource::memoryPressure, [&](Level level) { levels.push_back(level); });
+
+    const struct {
+        int availablePercent;
+        std::vector<Level> told;
+    } rows[] = {
+        {11, {}},
+        {9, {Level::Warning}},
+        {11, {}}, // not recovered yet
+        {9, {}},
+        {4, {Level::Critical}},
+        {5, {}},
+        {4, {}},
+        {7, {}}, // back to warning, which was told
+        {4, {Level::Critical}},
+        {50, {}},
+        {3, {Level::Critical}},
+        {50, {}},
+        {9, {Level::Warning}},
+    };
+    for (const auto& row : rows) {
+        levels.clear();
+        setAvailablePercent(row.availablePercent);
+        waitForLooks();
+        EXPECT_EQ(levels, row.told) << row.availablePercent << " % in row " << (&row - rows);
+    }
+}
+
+TEST_F(MemoryPressureTest, AMechanismIsChosenByWhatTheSystemOffers) {
+    EXPECT_EQ(MemoryPressureSource(m_configuration).mechanism(), Mechanism::None);
+    for (const char* text : {"", "MemTotal: many kB\n", "MemTotal: 0 kB\nMemAvailable: 0 kB\n", "MemTotal: 5 kB\n"}) {
+        QFile file(m_configuration.meminfoPath);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) >= 0);
+        file.close();
+        EXPECT_EQ(MemoryPressureSource(m_configuration).mechanism(), Mechanism::None) << text;
+    }
+    m_configuration.meminfoPath = QStringLiteral("/proc/meminfo");
+    EXPECT_EQ(MemoryPressureSource(m_configuration).mechanism(), Mechanism::AvailableMemory);
+    if (QFile::exists(QStringLiteral("/proc/pressure/memory"))) {
+        m_configuration.pressurePath = QStringLiteral("/proc/pressure/memory");
+        m_configuration.warningTrigger = "not a trigger";
+        EXPECT_EQ(MemoryPressureSource(m_configuration).mechanism(), Mechanism::AvailableMemory);
+    }
+}
+
+// The kernel reports processor pressure by the same means, and that can be brought about.
+TEST_F(MemoryPressureTest, StallsAreToldByTheKernel) {
+    m_configuration.pressurePath = QStringLiteral("/proc/pressure/cpu");
+    m_configuration.warningTrigger = "some 1000 2000000";
+    m_configuration.criticalTrigger = "some 1001 2000000";
+    if (!QFile(m_configuration.pressurePath).open(QIODevice::ReadWrite | QIODevice::Unbuffered))
+        GTEST_SKIP() << "the kernel offers no pressure stall information to this user";
+    MemoryPressureSource source(m_configuration);
+    ASSERT_EQ(source.mechanism(), Mechanism::PressureStall);
+    QSet<Level> levels;
+    QObject::connect(&source, &MemoryPressureSource::memoryPressure, [&](Level level) { levels.insert(level); });
+
+    std::atomic<bool> stop = false;
+    std::vector<std::thread> threads(std::thread::hardware_concurrency() * 2 + 1);
+    for (auto& thread : threads)
+        thread = std::thread([&stop] {
+            while (!stop)
+                ;
+        });
+    const bool bothTold = QTest::qWaitFor([&] { return levels.size() == 2; }, 60000);
+    stop = true;
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_TRUE(bothTold);
+}
+
+TEST_F(MemoryPressureTest, TheMonitorCallsACopyOfTheHandlersInOrder) {
+    setAvailablePercent(50);
+    auto source = std::make_unique<MemoryPressureSource>(m_configuration);
+    MemoryPressureSource& sender = *source;
+    MemoryPressureMonitor monitor(std::move(source));
+    QString calls;
+    monitor.addHandler([&] { calls += u'a'; });
+    monitor.addHandler([&] {
+        calls += u'b';
+        monitor.addHandler([&] { calls += u'd'; });
+    });
+    monitor.addHandler([&] { calls += u'c'; });
+
+    setAvailablePercent(4);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !calls.isEmpty(); }));
+    EXPECT_EQ(calls.toStdString(), "abc");
+    Q_EMIT sender.memoryPressure(Level::Warning);
+    EXPECT_EQ(calls.toStdString(), "abcabcd");
+    EXPECT_EQ(monitor.handlers().size(), 5u);
+}
+
+TEST_F(MemoryPressureTest, TheSharedMonitorIsOne) {
+    MemoryPressureMonitor& monitor = MemoryPressureMonitor::shared();
+    EXPECT_EQ(&monitor, &MemoryPressureMonitor::shared());
+    EXPECT_EQ(monitor.parent(), QCoreApplication::instance());
+}
+
+} // namespace
