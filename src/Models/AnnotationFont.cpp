@@ -1,0 +1,66 @@
+#include "AnnotationFont.h"
+
+#include "EnumerationTable.h"
+
+#include <QFontDatabase>
+#include <QStringList>
+
+#include <algorithm>
+
+std::span<const AnnotationFontInfo> allAnnotationFonts() {
+    using enum AnnotationFont;
+    static const AnnotationFontInfo fonts[] = {
+        {system, u"system"_qs, u"Sans"_qs},
+        {serif, u"serif"_qs, u"Serif"_qs},
+        {mono, u"mono"_qs, u"Mono"_qs},
+        {rounded, u"rounded"_qs, u"Rounded"_qs},
+        {marker, u"marker"_qs, u"Handwritten"_qs},
+    };
+    return fonts;
+}
+
+const AnnotationFontInfo& info(AnnotationFont font) {
+    return EnumerationTable::row(allAnnotationFonts(), &AnnotationFontInfo::font, font);
+}
+
+std::optional<AnnotationFont> annotationFontFromRawValue(QStringView rawValue) {
+    return EnumerationTable::fromRawValue(allAnnotationFonts(), &AnnotationFontInfo::font, rawValue);
+}
+
+/// The first of `families` that is installed, or an empty string.
+static QString installedFamily(const QStringList& families) {
+    const auto found = std::find_if(families.begin(), families.end(),
+                                    [](const QString& family) { return QFontDatabase::hasFamily(family); });
+    return found == families.end() ? QString() : *found;
+}
+
+QFont platformFont(AnnotationFont font, double size, QFont::Weight weight) {
+    QFont result = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    switch (font) {
+    case AnnotationFont::system:
+        break;
+    case AnnotationFont::serif:
+        // The font configuration of the desktop knows what its serif font is; the hint chooses one where it doesn't.
+        result.setFamilies({u"serif"_qs});
+        result.setStyleHint(QFont::Serif);
+        break;
+    case AnnotationFont::mono:
+        result = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        break;
+    case AnnotationFont::rounded:
+        if (const QString family =
+                installedFamily({u"Nunito"_qs, u"Varela Round"_qs, u"Quicksand"_qs, u"Comfortaa"_qs});
+            !family.isEmpty())
+            result.setFamilies({family});
+        break;
+    case AnnotationFont::marker:
+        if (const QString family = installedFamily({u"Noteworthy"_qs}); !family.isEmpty()) {
+            result.setFamilies({family});
+            weight = QFont::Bold; // the face is bold, whatever weight is asked for
+        }
+        break;
+    }
+    result.setPointSizeF(size);
+    result.setWeight(weight);
+    return result;
+}

@@ -1,0 +1,18 @@
+#include "Palette.h"
+
+#include <QPalette>
+
+static constexpr QColor systemBlue{0x00, 0x7A, 0xFF};
+static constexpr QColor darkBackground{0x1E, 0x1E, 0x1E};
+static constexpr float tintFraction = 0.025F;
+
+static QColor blended(const QColor& color, float fraction, const QColor& other) {
+    const auto mix = [fraction](float from, float to) { return from + (to - from) * fraction; };
+    return QColor::fromRgbF(mix(color.redF(), other.redF()), mix(color.greenF(), other.greenF()),
+                            mix(color.blueF(), other.blueF()));
+}
+
+QColor Palette::appTint(const QPalette& widgets) {
+    const bool isDark = widgets.color(QPalette::Window).lightnessF() < widgets.color(QPalette::WindowText).lightnessF();
+    return blended(isDark ? darkBackground : QColor{0xFF, 0xFF, 0xFF}, tintFraction, systemBlue);
+}

@@ -1,0 +1,94 @@
+#include "AnnotationFont.h"
+#include "AnnotationTool.h"
+#include "EraserMode.h"
+#include "FormFieldMode.h"
+#include "LineEndStyle.h"
+#include "MarkupAction.h"
+
+#include <QFontInfo>
+#include <QSet>
+
+#include <gtest/gtest.h>
+
+// The raw values are what is stored and sent, so they are spelled out here.
+TEST(Enumerations, everyRawValueLeadsBackToItsCaseAndOthersToNone) {
+    QStringList tools;
+    for (const AnnotationToolInfo& row : allAnnotationTools()) {
+        tools << row.rawValue;
+        EXPECT_EQ(annotationToolFromRawValue(row.rawValue), row.tool);
+        EXPECT_EQ(&info(row.tool), &row);
+    }
+    EXPECT_EQ(tools.join(u' '), u"select ink rectangle oval line textBox note eraser signature redact form"_qs);
+
+    QStringList fonts;
+    for (const AnnotationFontInfo& row : allAnnotationFonts()) {
+        fonts << row.rawValue;
+        EXPECT_EQ(annotationFontFromRawValue(row.rawValue), row.font);
+        EXPECT_EQ(&info(row.font), &row);
+    }
+    EXPECT_EQ(fonts.join(u' '), u"system serif mono rounded marker"_qs);
+
+    QStringList actions;
+    for (const MarkupActionInfo& row : allMarkupActions()) {
+        actions << row.rawValue + u'=' + row.subtype;
+        EXPECT_EQ(markupActionFromRawValue(row.rawValue), row.action);
+        EXPECT_EQ(&info(row.action), &row);
+    }
+    EXPECT_EQ(actions.join(u' '), u"highlight=Highlight underline=Underline strikethrough=StrikeOut"_qs);
+
+    for (const EraserModeInfo& row : allEraserModes())
+        EXPECT_EQ(eraserModeFromRawValue(info(row.mode).rawValue), row.mode);
+    for (const FormFieldModeInfo& row : allFormFieldModes())
+        EXPECT_EQ(formFieldModeFromRawValue(info(row.mode).rawValue), row.mode);
+    EXPECT_EQ(eraserModeFromRawValue(u"wholeStroke"), EraserMode::wholeStroke);
+    EXPECT_EQ(formFieldModeFromRawValue(u"checkbox"), FormFieldMode::checkbox);
+
+    for (const QStringView unknown : {QStringView(u""), QStringView(u"Ink"), QStringView(u"ink "), QStringView(u"2")}) {
+        EXPECT_FALSE(annotationToolFromRawValue(unknown));
+        EXPECT_FALSE(annotationFontFromRawValue(unknown));
+        EXPECT_FALSE(markupActionFromRawValue(unknown));
+        EXPECT_FALSE(eraserModeFromRawValue(unknown));
+        EXPECT_FALSE(formFieldModeFromRawValue(unknown));
+    }
+}
+
+TEST(Enumerations, noTwoShortcutsOfAKindCollide) {
+    QString toolKeys;
+    for (const AnnotationToolInfo& row : allAnnotationTools())
+        toolKeys += row.shortcutKey;
+    EXPECT_EQ(toolKeys, u"123456789rf"_qs);
+    QString markupKeys;
+    for (const MarkupActionInfo& row : allMarkupActions())
+        markupKeys += row.shortcutKey;
+    EXPECT_EQ(markupKeys, u"hux"_qs);
+}
+
+TEST(Enumerations, helpTextsFollowTheirPattern) {
+    EXPECT_EQ(helpText(AnnotationTool::ink, u"Ctrl+2"_qs), u"Draw (Ctrl+2)"_qs);
+    EXPECT_EQ(helpText(MarkupAction::highlight, u"Ctrl+Shift+H"_qs),
+              u"Highlight selected text, or click with nothing selected to keep highlighting whatever you select next, "
+              "until you click it again (Ctrl+Shift+H)"_qs);
+    EXPECT_TRUE(helpText(MarkupAction::strikethrough, QString()).contains(u"keep strikethroughing whatever"));
+}
+
+TEST(Enumerations, thePlainLineIsTheFirstOfSixLineEnds) {
+    QStringList titles;
+    QSet<int> styles;
+    for (const LineEndStyleInfo& row : allLineEndStyles()) {
+        titles << row.title;
+        styles << static_cast<int>(row.style);
+    }
+    EXPECT_EQ(titles.join(u','), u"Line,Arrow,Open Arrow,Circle,Square,Diamond"_qs);
+    EXPECT_EQ(styles, (QSet<int>{0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(allLineEndStyles()[1].style, PDFLineStyle::closedArrow);
+}
+
+TEST(PlatformFont, everyChoiceResolvesAndKeepsSizeAndWeight) {
+    for (const AnnotationFontInfo& row : allAnnotationFonts()) {
+        const QFont font = platformFont(row.font, 17.5, QFont::DemiBold);
+        EXPECT_DOUBLE_EQ(font.pointSizeF(), 17.5) << row.rawValue.toStdString();
+        EXPECT_GE(font.weight(), QFont::DemiBold) << row.rawValue.toStdString();
+        EXPECT_FALSE(QFontInfo(font).family().isEmpty()) << row.rawValue.toStdString();
+    }
+    EXPECT_TRUE(QFontInfo(platformFont(AnnotationFont::mono, 12)).fixedPitch());
+}
