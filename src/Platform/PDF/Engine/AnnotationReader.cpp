@@ -1,0 +1,299 @@
+#include "Engine/AnnotationReader.h"
+
+#include "Engine/DestinationReader.h"
+#include "Engine/EngineValues.h"
+#include "Engine/SourceEngine.h"
+
+#include <QRegularExpression>
+
+#include <array>
+
+namespace {
+
+constexpr int annotationLimit = 20000;
+constexpr int pointLimit = 200000;
+constexpr int nameDepthLimit = 32;
+
+/// Reads one dictionary. Each step fetches inside `engineTry` and converts outside it, so that a broken key costs that
+/// key alone.
+class Reader {
+public:
+    Reader(fz_context* context, pdf_document* document, pdf_obj* dictionary)
+        : m_context(context), m_document(document), m_dictionary(dictionary) {}
+
+    std::optional<PDFAnnotation::Values> read() {
+        PDFAnnotation::Values values;
+        values.type = EngineValues::name(m_context, get("Subtype"));
+        if (values.type.isEmpty())
+            return std::nullopt;
+        values.bounds = rect(get("Rect"));
+        values.flags = integer(get("F"));
+        values.hasAppearance = get("AP/N") != nullptr;
+        values.color = EngineValues::color(m_context, get("C"));
+        values.interiorColor = EngineValues::color(m_context, get("IC"));
+        values.contents = EngineValues::text(m_context, get("Contents"));
+        values.modificationDate = EngineValues::date(EngineValues::text(m_context, get("M")));
+        readBorder(values);
+        readDefaultAppearance(values);
+        if (values.type == PDFAnnotationSubtype::widget)
+            readField(values);
+        else
+            values.userName = EngineValues::text(m_context, get("T"));
+        if (values.type == PDFAnnotationSubtype::line)
+            readLine(values);
+        if (values.type == PDFAnnotationSubtype::ink)
+            readInk(values);
+        if (values.type == PDFAnnotationSubtype::link)
+            readLink(values);
+        readQuads(values);
+        return values;
+    }
+
+private:
+    /// Null for a key that is missing or broken.
+    pdf_obj* get(const char* path) {
+        pdf_obj* object = nullptr;
+        engineTry(m_context,
+                  [&] { object = pdf_resolve_indirect(m_context, pdf_dict_getp(m_context, m_dictionary, path)); });
+        return object;
+    }
+
+    pdf_obj* inherited(const char* key) {
+        pdf_obj* object = nullptr;
+        pdf_obj* dictionary = m_dictionary;
+        engineTry(m_context, [&] {
+            for (int depth = 0; dictionary && !object && depth < nameDepthLimit; ++depth) {
+                object = pdf_dict_gets(m_context, dictionary, key);
+                dictionary = pdf_dict_get(m_context, dictionary, PDF_NAME(Parent));
+            }
+        });
+        return object;
+    }
+
+    int integer(pdf_obj* object) const { return pdf_to_int(m_context, object); }
+
+    std::vector<double> numbers(pdf_obj* array) const {
+        std::vector<double> values;
+        const int count = std::min(pdf_array_len(m_context, array), pointLimit);
+        for (int i = 0; i < count; ++i) {
+            pdf_obj* entry = nullptr;
+            engineTry(m_context, [&] { entry = pdf_array_get(m_context, array, i); });
+            values.push_back(EngineValues::number(m_context, entry).value_or(0.0));
+        }
+        return values;
+    }
+
+    QRectF rect(pdf_obj* array) const {
+        const std::vector<double> v = numbers(array);
+        return v.size() < 4 ? QRectF() : QRectF(QPointF(v[0], v[1]), QPointF(v[2], v[3])).normalized();
+    }
+
+    void readBorder(PDFAnnotation::Values& values) {
+        pdf_obj* style = get("BS");
+        pdf_obj* array = get("Border");
+        PDFBorder border;
+        pdf_obj* dashes = nullptr;
+        if (pdf_is_dict(m_context, style)) {
+            pdf_obj* width = get("BS/W");
+            border.lineWidth = width ? EngineValues::number(m_context, width).value_or(1.0) : 1.0;
+            const QString kind = EngineValues::name(m_context, get("BS/S"));
+            border.style = kind == QLatin1String("D")   ? PDFBorderStyle::dashed
+                           : kind == QLatin1String("B") ? PDFBorderStyle::beveled
+                           : kind == QLatin1String("I") ? PDFBorderStyle::inset
+                           : kind == QLatin1String("U") ? PDFBorderStyle::underline
+                                                        : PDFBorderStyle::solid;
+            dashes = get("BS/D");
+        } else if (pdf_array_len(m_context, array) >= 3) {
+            border.lineWidth = numbers(array)[2];
+            engineTry(m_context, [&] { dashes = pdf_array_get(m_context, array, 3); });
+            if (pdf_array_len(m_context, dashes) > 0)
+                border.style = PDFBorderStyle::dashed;
+        } else {
+            return;
+        }
+        border.lineWidth = std::clamp(border.lineWidth, 0.0, 1000.0);
+        if (border.style == PDFBorderStyle::dashed) {
+            border.dashPattern = numbers(dashes);
+            if (border.dashPattern.size() > 16 || border.dashPattern.empty())
+                border.dashPattern = {3.0};
+        }
+        values.border = border;
+    }
+
+    void readDefaultAppearance(PDFAnnotation::Values& values) {
+        const QString appearance = EngineValues::text(m_context, inherited("DA"));
+        if (appearance.isEmpty())
+            return;
+        static const QRegularExpression fontPattern(QStringLiteral(R"(/(\S+)\s+([-\d.]+)\s+Tf)"));
+        static const QRegularExpression colorPattern(QStringLiteral(R"(((?:[-\d.]+\s+){1,4})(g|rg|k)\b)"));
+        const QRegularExpressionMatch font = fontPattern.match(appearance);
+        if (font.hasMatch()) {
+            QFont described(font.captured(1));
+            const double size = font.captured(2).toDouble();
+            described.setPointSizeF(size > 0 && size < 1000 ? size : 12.0);
+            values.font = described;
+        }
+        const QRegularExpressionMatch color = colorPattern.match(appearance);
+        if (color.hasMatch()) {
+            std::array<float, 4> part{};
+            const QStringList parts = color.captured(1).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+            for (int i = 0; i < std::min<int>(4, int(parts.size())); ++i)
+                part[std::size_t(i)] = std::clamp(parts[i].toFloat(), 0.0F, 1.0F);
+            if (color.captured(2) == QLatin1String("g"))
+                values.fontColor = QColor::fromRgbF(part[0], part[0], part[0]);
+            else if (color.captured(2) == QLatin1String("rg"))
+                values.fontColor = QColor::fromRgbF(part[0], part[1], part[2]);
+            else
+                values.fontColor = QColor::fromCmykF(part[0], part[1], part[2], part[3]).toRgb();
+        }
+    }
+
+    void readField(PDFAnnotation::Values& values) {
+        const QString type = EngineValues::name(m_context, inherited("FT"));
+        values.widgetFieldType = type == QLatin1String("Tx")    ? PDFWidgetFieldType::text
+                                 : type == QLatin1String("Btn") ? PDFWidgetFieldType::button
+                                 : type == QLatin1String("Ch")  ? PDFWidgetFieldType::choice
+                                 : type == QLatin1String("Sig") ? PDFWidgetFieldType::signature
+                                                                : PDFWidgetFieldType::none;
+        values.fieldFlags = integer(inherited("Ff"));
+        constexpr int radio = 1 << 15;
+        constexpr int pushButton = 1 << 16;
+        values.widgetControlType = values.fieldFlags & pushButton ? PDFWidgetControlType::pushButton
+                                   : values.fieldFlags & radio    ? PDFWidgetControlType::radioButton
+                                                                  : PDFWidgetControlType::checkBox;
+        const QString state = EngineValues::name(m_context, get("AS"));
+        values.buttonWidgetState =
+            state.isEmpty() || state == QLatin1String("Off") ? PDFWidgetCellState::off : PDFWidgetCellState::on;
+        pdf_obj* value = inherited("V");
+        values.widgetStringValue =
+            pdf_is_name(m_context, value) ? EngineValues::name(m_context, value) : EngineValues::text(m_context, value);
+        values.interiorColor = EngineValues::color(m_context, get("MK/BG"));
+        if (const auto edge = EngineValues::color(m_context, get("MK/BC")))
+            values.color = edge;
+        pdf_obj* dictionary = m_dictionary;
+        QStringList parts;
+        for (int depth = 0; dictionary && depth < nameDepthLimit; ++depth) {
+            pdf_obj* partial = nullptr;
+            engineTry(m_context, [&] {
+                partial = pdf_dict_get(m_context, dictionary, PDF_NAME(T));
+                dictionary = pdf_dict_get(m_context, dictionary, PDF_NAME(Parent));
+            });
+            if (partial)
+                parts.prepend(EngineValues::text(m_context, partial));
+        }
+        values.fieldName = parts.join(QLatin1Char('.'));
+    }
+
+    static PDFLineStyle lineStyle(const QString& name) {
+        static const std::array<std::pair<QLatin1String, PDFLineStyle>, 5> styles{{
+            {QLatin1String("Square"), PDFLineStyle::square},
+            {QLatin1String("Circle"), PDFLineStyle::circle},
+            {QLatin1String("Diamond"), PDFLineStyle::diamond},
+            {QLatin1String("OpenArrow"), PDFLineStyle::openArrow},
+            {QLatin1String("ClosedArrow"), PDFLineStyle::closedArrow},
+        }};
+        for (const auto& [known, style] : styles)
+            if (name == known)
+                return style;
+        return PDFLineStyle::none;
+    }
+
+    void readLine(PDFAnnotation::Values& values) {
+        const std::vector<double> ends = numbers(get("L"));
+        if (ends.size() >= 4) {
+            values.startPoint = QPointF(ends[0], ends[1]);
+            values.endPoint = QPointF(ends[2], ends[3]);
+        }
+        pdf_obj* styles = get("LE");
+        pdf_obj* start = nullptr;
+        pdf_obj* end = nullptr;
+        engineTry(m_context, [&] {
+            start = pdf_array_get(m_context, styles, 0);
+            end = pdf_array_get(m_context, styles, 1);
+        });
+        values.startLineStyle = lineStyle(EngineValues::name(m_context, start));
+        values.endLineStyle = lineStyle(EngineValues::name(m_context, end));
+    }
+
+    void readInk(PDFAnnotation::Values& values) {
+        pdf_obj* strokes = get("InkList");
+        const int count = std::min(pdf_array_len(m_context, strokes), annotationLimit);
+        for (int i = 0; i < count; ++i) {
+            pdf_obj* stroke = nullptr;
+            engineTry(m_context, [&] { stroke = pdf_array_get(m_context, strokes, i); });
+            const std::vector<double> v = numbers(stroke);
+            QPainterPath path;
+            for (std::size_t at = 0; at + 1 < v.size(); at += 2) {
+                const QPointF point = QPointF(v[at], v[at + 1]) - values.bounds.topLeft();
+                if (at == 0)
+                    path.moveTo(point);
+                else
+                    path.lineTo(point);
+            }
+            if (path.elementCount() > 0)
+                values.paths.push_back(path);
+        }
+    }
+
+    void readQuads(PDFAnnotation::Values& values) {
+        const std::vector<double> v = numbers(get("QuadPoints"));
+        for (std::size_t i = 0; i + 7 < v.size(); i += 8)
+            values.quads.push_back(
+                {{v[i], v[i + 1]}, {v[i + 2], v[i + 3]}, {v[i + 4], v[i + 5]}, {v[i + 6], v[i + 7]}});
+    }
+
+    void readLink(PDFAnnotation::Values& values) {
+        PDFFileDestination target;
+        pdf_obj* uri = nullptr;
+        engineTry(m_context, [&] {
+            uri = DestinationReader::uriOf(m_context, m_dictionary);
+            DestinationReader::readTarget(m_context, m_document, m_dictionary, target);
+        });
+        values.url = EngineValues::text(m_context, uri);
+        if (target.isValid())
+            values.target = target;
+    }
+
+    fz_context* m_context;
+    pdf_document* m_document;
+    pdf_obj* m_dictionary;
+};
+
+pdf_obj* annotsOf(fz_context* context, pdf_document* document, int pageNumber) {
+    pdf_obj* annots = nullptr;
+    engineTry(context, [&] {
+        annots = pdf_dict_get(context, pdf_lookup_page_obj(context, document, pageNumber), PDF_NAME(Annots));
+    });
+    return annots;
+}
+
+} // namespace
+
+std::vector<std::optional<PDFAnnotation::Values>> AnnotationReader::read(SourceEngine& engine, int pageNumber) {
+    std::vector<std::optional<PDFAnnotation::Values>> result;
+    const SourceEngine::Lease borrowed = engine.lease();
+    if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
+        return result;
+    fz_context* context = borrowed.context();
+    pdf_obj* annots = annotsOf(context, borrowed.document(), pageNumber);
+    const int count = std::min(pdf_array_len(context, annots), annotationLimit);
+    for (int i = 0; i < count; ++i) {
+        pdf_obj* dictionary = nullptr;
+        engineTry(context, [&] { dictionary = pdf_resolve_indirect(context, pdf_array_get(context, annots, i)); });
+        result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, borrowed.document(), dictionary).read()
+                                                          : std::nullopt);
+    }
+    return result;
+}
+
+QRectF AnnotationReader::bounds(SourceEngine& engine, int pageNumber, int index) {
+    const SourceEngine::Lease borrowed = engine.lease();
+    if (!borrowed)
+        return {};
+    fz_context* context = borrowed.context();
+    pdf_obj* annots = annotsOf(context, borrowed.document(), pageNumber);
+    fz_rect rect = fz_empty_rect;
+    engineTry(context,
+              [&] { rect = pdf_dict_get_rect(context, pdf_array_get(context, annots, index), PDF_NAME(Rect)); });
+    return fromEngine(rect);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Engine/EngineContext.h"
+
+#include <QColor>
+#include <QDateTime>
+#include <QString>
+
+#include <optional>
+
+/// Plain values out of the engine's objects. None of these throws the engine's way by itself, but fetching an object
+/// may: keep the fetching inside `engineTry`.
+namespace EngineValues {
+
+/// Text of a string object (PDFDocEncoding, UTF-16 or UTF-8); empty for anything else. Cut at 4 million bytes.
+[[nodiscard]] QString text(fz_context* context, pdf_obj* object);
+[[nodiscard]] QString name(fz_context* context, pdf_obj* object);
+/// A colour array of 1, 3 or 4 components; none for another length.
+[[nodiscard]] std::optional<QColor> color(fz_context* context, pdf_obj* array);
+/// "D:YYYYMMDDHHmmSSOHH'mm'" (ISO 32000-1, 7.9.4), as much of it as is there; invalid for anything else.
+[[nodiscard]] QDateTime date(const QString& text);
+/// A finite number, or none.
+[[nodiscard]] std::optional<double> number(fz_context* context, pdf_obj* object);
+
+} // namespace EngineValues

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Engine/SourceEngine.h"
+
+/// Records what a page draws, for replay in tiles. Any thread.
+///
+/// Annotations are drawn by the appearances that the file gives them. The engine could make up those that are missing,
+/// but it would have to change its document for that, and its own lookups don't stand such a document: the program
+/// draws such annotations itself (`PDFAnnotation::drawsItself`).
+namespace PageRecorder {
+
+/// From the engine's recent recordings when it is there. Null when the page can't be read or `cookie` was aborted.
+[[nodiscard]] std::shared_ptr<const RecordedPage> record(SourceEngine& engine, const SourceEngine::RecordingKey& key,
+                                                         fz_cookie* cookie);
+
+/// The appearance of the file's annotation at `index` of the page's list, in page coordinates.
+/// Null when there is none.
+[[nodiscard]] std::shared_ptr<const RecordedPage> recordAnnotation(SourceEngine& engine, int pageNumber, int index);
+
+} // namespace PageRecorder

@@ -1,0 +1,229 @@
+#include "Engine/SourceEngine.h"
+
+#include "Engine/PageObjects.h"
+#include "PDFError.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Documents that stay open for the next borrower: the main thread's and those of two workers.
+constexpr std::size_t idleLimit = 3;
+constexpr std::size_t recordingLimit = 8;
+constexpr int lookupsBeforeTable = 24;
+
+PDFError openFailure(const QByteArray& bytes, const std::string& reason) {
+    const QString message = QString::fromStdString(reason);
+    if (message.contains(QLatin1String("crypt")))
+        return {PDFError::Kind::unsupportedEncryption,
+                QStringLiteral("It is protected in a way that isn't supported.")};
+    if (!bytes.left(1024).contains("%PDF-"))
+        return {PDFError::Kind::notPDF, QStringLiteral("It isn't a PDF file.")};
+    return {PDFError::Kind::notPDF, QStringLiteral("It is damaged beyond repair.")};
+}
+
+} // namespace
+
+bool OpenedDocument::open(const QByteArray& bytes, const QByteArray& password, std::string* error) {
+    if (!m_context)
+        return false;
+    fz_stream* stream = nullptr;
+    engineTry(
+        m_context,
+        [&] {
+            stream = fz_open_memory(m_context, reinterpret_cast<const unsigned char*>(bytes.constData()),
+                                    std::size_t(bytes.size()));
+            m_document = pdf_open_document_with_stream(m_context, stream);
+            if (!password.isEmpty())
+                pdf_authenticate_password(m_context, m_document, password.constData());
+        },
+        error);
+    fz_drop_stream(m_context, stream);
+    return m_document != nullptr;
+}
+
+SourceEngine::SourceEngine(QByteArray bytes) : m_bytes(std::move(bytes)) {
+    auto opened = std::make_unique<OpenedDocument>();
+    std::string error;
+    if (!opened->open(m_bytes, {}, &error))
+        throw openFailure(m_bytes, error);
+    fz_context* context = opened->context();
+    pdf_document* document = opened->document();
+    const bool known = engineTry(context, [&] {
+        pdf_obj* encryption = pdf_dict_get(context, pdf_trailer(context, document), PDF_NAME(Encrypt));
+        m_encrypted = encryption != nullptr;
+        m_securityRevision = pdf_dict_get_int(context, encryption, PDF_NAME(R));
+        m_needsPassword = pdf_needs_password(context, document) != 0;
+    });
+    if (!known)
+        throw openFailure(m_bytes, "crypt");
+    if (!m_needsPassword)
+        readSummary(*opened);
+    m_idle.push_back(std::move(opened));
+}
+
+SourceEngine::~SourceEngine() = default;
+
+void SourceEngine::readSummary(const OpenedDocument& opened) {
+    fz_context* context = opened.context();
+    std::string error;
+    bool hasPages = false;
+    const bool read = engineTry(
+        context,
+        [&] {
+            hasPages =
+                pdf_is_dict(context, pdf_dict_getp(context, pdf_trailer(context, opened.document()), "Root/Pages"));
+            m_pageCount = PageObjects::countPages(context, opened.document());
+        },
+        &error);
+    if (!read || (!hasPages && m_pageCount == 0))
+        throw openFailure(m_bytes, error);
+    m_repaired = pdf_was_repaired(context, opened.document()) != 0;
+}
+
+SourceEngine::Lease SourceEngine::lease() {
+    {
+        const std::lock_guard guard(m_mutex);
+        if (!m_idle.empty()) {
+            // The document used last has the page's resources at hand.
+            auto opened = std::move(m_idle.back());
+            m_idle.pop_back();
+            return {*this, std::move(opened)};
+        }
+    }
+    auto opened = std::make_unique<OpenedDocument>();
+    if (!opened->open(m_bytes, m_password, nullptr))
+        opened.reset();
+    return {*this, std::move(opened)};
+}
+
+void SourceEngine::takeBack(std::unique_ptr<OpenedDocument> opened) {
+    if (pdf_was_repaired(opened->context(), opened->document()))
+        m_repaired = true;
+    const std::lock_guard guard(m_mutex);
+    if (m_idle.size() < idleLimit)
+        m_idle.push_back(std::move(opened));
+}
+
+bool SourceEngine::authenticate(const QByteArray& password) {
+    const Lease borrowed = lease();
+    if (!borrowed)
+        return false;
+    int accepted = 0;
+    engineTry(borrowed.context(), [&] {
+        accepted = pdf_authenticate_password(borrowed.context(), borrowed.document(), password.constData());
+    });
+    if (!accepted)
+        return false;
+    m_password = password;
+    m_needsPassword = false;
+    readSummary(borrowed.opened());
+    return true;
+}
+
+std::shared_ptr<const SourceEngine::PageTable> SourceEngine::table() const {
+    const std::lock_guard guard(m_mutex);
+    return m_table;
+}
+
+bool SourceEngine::countLookup() {
+    const std::lock_guard guard(m_mutex);
+    return ++m_lookups > lookupsBeforeTable;
+}
+
+std::shared_ptr<const SourceEngine::PageTable> SourceEngine::makeTable() {
+    const std::lock_guard making(m_tableMaking);
+    if (auto made = table())
+        return made;
+    auto made = std::make_shared<PageTable>();
+    made->objectNumbers.resize(std::size_t(m_pageCount), 0);
+    made->geometries.resize(std::size_t(m_pageCount), PageObjects::fallbackGeometry());
+    const Lease borrowed = lease();
+    if (borrowed) {
+        fz_context* context = borrowed.context();
+        pdf_document* document = borrowed.document();
+        const bool loaded = engineTry(context, [&] { pdf_load_page_tree(context, document); });
+        for (int i = 0; i < m_pageCount; ++i) {
+            int& number = made->objectNumbers[std::size_t(i)];
+            PDFPageGeometry& geometry = made->geometries[std::size_t(i)];
+            engineTry(context, [&] {
+                pdf_obj* page = pdf_lookup_page_obj(context, document, i);
+                number = pdf_to_num(context, page);
+                PageObjects::readGeometry(context, page, geometry);
+            });
+        }
+        // A loaded tree hands out pages without their numbers, but knows them the other way round.
+        for (int i = 0; loaded && i < document->map_page_count; ++i) {
+            const pdf_rev_page_map& entry = document->rev_page_map[i];
+            if (entry.page >= 0 && entry.page < m_pageCount)
+                made->objectNumbers[std::size_t(entry.page)] = entry.object;
+        }
+        if (loaded)
+            engineTry(context, [&] { pdf_drop_page_tree(context, document); });
+        for (int i = 0; i < m_pageCount; ++i)
+            made->pageByObject.emplace(made->objectNumbers[std::size_t(i)], i);
+        made->pageByObject.erase(0);
+    }
+    const std::lock_guard guard(m_mutex);
+    m_table = made;
+    return made;
+}
+
+PDFPageGeometry SourceEngine::geometry(int pageNumber) {
+    PDFPageGeometry geometry = PageObjects::fallbackGeometry();
+    if (pageNumber < 0 || pageNumber >= m_pageCount)
+        return geometry;
+    auto all = table();
+    if (!all && countLookup())
+        all = makeTable();
+    if (all)
+        return all->geometries[std::size_t(pageNumber)];
+    const Lease borrowed = lease();
+    if (borrowed)
+        engineTry(borrowed.context(), [&] {
+            pdf_obj* page = pdf_lookup_page_obj(borrowed.context(), borrowed.document(), pageNumber);
+            PageObjects::readGeometry(borrowed.context(), page, geometry);
+        });
+    return geometry;
+}
+
+int SourceEngine::pageObjectNumber(int pageNumber) {
+    if (pageNumber < 0 || pageNumber >= m_pageCount)
+        return 0;
+    if (const auto all = table())
+        return all->objectNumbers[std::size_t(pageNumber)];
+    int number = 0;
+    const Lease borrowed = lease();
+    if (borrowed)
+        engineTry(borrowed.context(), [&] {
+            number = pdf_to_num(borrowed.context(),
+                                pdf_lookup_page_obj(borrowed.context(), borrowed.document(), pageNumber));
+        });
+    return number;
+}
+
+int SourceEngine::pageNumberOfObject(int objectNumber) {
+    auto all = table();
+    if (!all)
+        all = makeTable();
+    const auto found = all->pageByObject.find(objectNumber);
+    return found == all->pageByObject.end() ? -1 : found->second;
+}
+
+std::shared_ptr<const RecordedPage> SourceEngine::recording(const RecordingKey& key) const {
+    const std::lock_guard guard(m_mutex);
+    for (const auto& [kept, page] : m_recordings)
+        if (kept == key)
+            return page;
+    return nullptr;
+}
+
+void SourceEngine::keepRecording(const RecordingKey& key, std::shared_ptr<const RecordedPage> page) {
+    std::shared_ptr<const RecordedPage> oldest; // dropped after the lock
+    const std::lock_guard guard(m_mutex);
+    if (m_recordings.size() >= recordingLimit) {
+        oldest = m_recordings.front().second;
+        m_recordings.erase(m_recordings.begin());
+    }
+    m_recordings.emplace_back(key, std::move(page));
+}

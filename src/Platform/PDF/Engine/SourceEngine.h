@@ -1,0 +1,152 @@
+#pragma once
+
+#include "Engine/EngineContext.h"
+#include "PDFPageGeometry.h"
+
+#include <QByteArray>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+/// A page's drawing operations in page coordinates, recorded once and replayed for every tile. Immutable; any thread
+/// may replay it, with a context of its instance.
+class RecordedPage {
+public:
+    RecordedPage(std::shared_ptr<const EngineInstance> instance, fz_display_list* list)
+        : m_instance(std::move(instance)), m_list(list) {}
+    ~RecordedPage() {
+        const EngineContext context(*m_instance);
+        if (context.get())
+            fz_drop_display_list(context.get(), m_list);
+    }
+    RecordedPage(const RecordedPage&) = delete;
+    RecordedPage& operator=(const RecordedPage&) = delete;
+
+    [[nodiscard]] const EngineInstance& instance() const { return *m_instance; }
+    [[nodiscard]] fz_display_list* list() const { return m_list; }
+
+private:
+    std::shared_ptr<const EngineInstance> m_instance;
+    fz_display_list* m_list;
+};
+
+/// The engine's view of a file, for one thread at a time.
+class OpenedDocument {
+public:
+    OpenedDocument() : m_instance(std::make_shared<EngineInstance>()), m_context(m_instance->newContext()) {}
+    ~OpenedDocument() {
+        if (m_context)
+            pdf_drop_document(m_context, m_document);
+        fz_drop_context(m_context);
+    }
+    OpenedDocument(const OpenedDocument&) = delete;
+    OpenedDocument& operator=(const OpenedDocument&) = delete;
+
+    /// `bytes` must outlive this. False when the engine can't open them.
+    bool open(const QByteArray& bytes, const QByteArray& password, std::string* error);
+
+    [[nodiscard]] const std::shared_ptr<const EngineInstance>& instance() const { return m_instance; }
+    [[nodiscard]] fz_context* context() const { return m_context; }
+    [[nodiscard]] pdf_document* document() const { return m_document; }
+
+private:
+    std::shared_ptr<const EngineInstance> m_instance;
+    fz_context* m_context;
+    pdf_document* m_document = nullptr;
+};
+
+/// Lends the engine's view of one file to threads. The engine's document objects serve one thread at a time, so each
+/// borrower gets one of his own over the same bytes; opening one more costs some milliseconds and no copy.
+class SourceEngine {
+public:
+    /// What a thread borrows: a document that nobody else uses meanwhile, with the context that goes with it.
+    class Lease {
+    public:
+        Lease(SourceEngine& engine, std::unique_ptr<OpenedDocument> opened)
+            : m_engine(&engine), m_opened(std::move(opened)) {}
+        ~Lease() {
+            if (m_opened)
+                m_engine->takeBack(std::move(m_opened));
+        }
+        Lease(const Lease&) = delete;
+        Lease& operator=(const Lease&) = delete;
+
+        /// False when the file couldn't be opened once more, for want of memory.
+        explicit operator bool() const { return m_opened != nullptr; }
+        [[nodiscard]] const OpenedDocument& opened() const { return *m_opened; }
+        [[nodiscard]] const std::shared_ptr<const EngineInstance>& instance() const { return m_opened->instance(); }
+        [[nodiscard]] fz_context* context() const { return m_opened->context(); }
+        [[nodiscard]] pdf_document* document() const { return m_opened->document(); }
+
+    private:
+        SourceEngine* m_engine;
+        std::unique_ptr<OpenedDocument> m_opened;
+    };
+
+    /// Throws `PDFError` when the engine can't open the bytes.
+    explicit SourceEngine(QByteArray bytes);
+    ~SourceEngine();
+    SourceEngine(const SourceEngine&) = delete;
+    SourceEngine& operator=(const SourceEngine&) = delete;
+
+    [[nodiscard]] Lease lease();
+
+    [[nodiscard]] bool needsPassword() const { return m_needsPassword; }
+    /// `password` in UTF-8. Main thread, before any page is read.
+    bool authenticate(const QByteArray& password);
+    /// In UTF-8.
+    [[nodiscard]] QByteArray password() const { return m_password; }
+    /// The R entry of the file's security handler; 0 for a file without one.
+    [[nodiscard]] int securityRevision() const { return m_securityRevision; }
+    [[nodiscard]] bool isEncrypted() const { return m_encrypted; }
+    [[nodiscard]] bool wasRepaired() const { return m_repaired; }
+    [[nodiscard]] int pageCount() const { return m_pageCount; }
+
+    [[nodiscard]] PDFPageGeometry geometry(int pageNumber);
+    [[nodiscard]] int pageObjectNumber(int pageNumber);
+    /// -1 for an object that is no page of the page tree.
+    [[nodiscard]] int pageNumberOfObject(int objectNumber);
+
+    /// What is recorded under a key, the most recent ones only.
+    struct RecordingKey {
+        int pageNumber = 0;
+        bool annotations = true;
+        std::vector<int> hiddenAnnotations;
+        bool operator==(const RecordingKey&) const = default;
+    };
+    [[nodiscard]] std::shared_ptr<const RecordedPage> recording(const RecordingKey& key) const;
+    void keepRecording(const RecordingKey& key, std::shared_ptr<const RecordedPage> page);
+
+private:
+    /// Every page's object and geometry; made when many pages are asked for, which is far quicker than one by one.
+    struct PageTable {
+        std::vector<int> objectNumbers;
+        std::vector<PDFPageGeometry> geometries;
+        std::unordered_map<int, int> pageByObject;
+    };
+
+    void takeBack(std::unique_ptr<OpenedDocument> opened);
+    void readSummary(const OpenedDocument& opened);
+    [[nodiscard]] std::shared_ptr<const PageTable> table() const;
+    std::shared_ptr<const PageTable> makeTable();
+    /// True when enough single pages were looked up to make the table worth its time.
+    bool countLookup();
+
+    const QByteArray m_bytes;
+    QByteArray m_password;
+    bool m_needsPassword = false;
+    bool m_encrypted = false;
+    int m_securityRevision = 0;
+    std::atomic<bool> m_repaired{false};
+    int m_pageCount = 0;
+
+    mutable std::mutex m_mutex; // guards what follows
+    std::vector<std::unique_ptr<OpenedDocument>> m_idle;
+    std::shared_ptr<const PageTable> m_table;
+    int m_lookups = 0;
+    std::vector<std::pair<RecordingKey, std::shared_ptr<const RecordedPage>>> m_recordings; // most recent last
+    std::mutex m_tableMaking;
+};

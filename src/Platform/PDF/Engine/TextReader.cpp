@@ -1,0 +1,151 @@
+#include "Engine/TextReader.h"
+
+#include "Engine/ReadingOrder.h"
+#include "Engine/SourceEngine.h"
+#include "PageText.h"
+
+#include <QHash>
+
+#include <limits>
+
+namespace {
+
+/// What the engine hands over, to be dropped in any case.
+struct StructuredPage {
+    fz_context* context;
+    pdf_page* page = nullptr;
+    fz_stext_page* text = nullptr;
+    fz_device* device = nullptr;
+    fz_matrix pageTransform = fz_identity; // page coordinates to the engine's
+
+    explicit StructuredPage(fz_context* ctx) : context(ctx) {}
+    ~StructuredPage() {
+        fz_drop_device(context, device);
+        fz_drop_stext_page(context, text);
+        fz_drop_page(context, reinterpret_cast<fz_page*>(page));
+    }
+    StructuredPage(const StructuredPage&) = delete;
+    StructuredPage& operator=(const StructuredPage&) = delete;
+};
+
+void interpret(StructuredPage& structured, pdf_document* document, int pageNumber) {
+    fz_context* context = structured.context;
+    engineTry(context, [&] {
+        structured.page = pdf_load_page(context, document, pageNumber);
+        fz_rect box;
+        pdf_page_transform(context, structured.page, &box, &structured.pageTransform);
+        const fz_rect shown = fz_transform_rect(box, structured.pageTransform);
+        structured.text = fz_new_stext_page(context, shown);
+        fz_stext_options options{};
+        options.flags = FZ_STEXT_MEDIABOX_CLIP;
+        structured.device = fz_new_stext_device(context, structured.text, &options);
+    });
+    if (!structured.device)
+        return;
+    engineTry(context,
+              [&] { pdf_run_page_contents(context, structured.page, structured.device, fz_identity, nullptr); });
+    engineTry(context, [&] { fz_close_device(context, structured.device); });
+}
+
+class Builder {
+public:
+    Builder(fz_context* context, const QTransform& toPage) : m_context(context), m_toPage(toPage) {}
+
+    void addLine(const fz_stext_line& line, int block) {
+        if (!m_text.string.isEmpty()) {
+            m_text.string += QLatin1Char('\n');
+            m_text.glyphs.emplace_back();
+        }
+        PageText::Line built;
+        built.start = int(m_text.string.size());
+        built.block = block;
+        const QPointF along = m_toPage.map(QPointF(line.dir.x, line.dir.y)) - m_toPage.map(QPointF(0, 0));
+        const double length = std::hypot(along.x(), along.y());
+        built.direction = length > 0 ? along / length : QPointF(1, 0);
+        for (const fz_stext_char* c = line.first_char; c; c = c->next)
+            addCharacter(*c, built);
+        built.end = int(m_text.string.size());
+        m_text.lines.push_back(built);
+    }
+
+    std::shared_ptr<const PageText> take() { return std::make_shared<const PageText>(std::move(m_text)); }
+
+private:
+    void addCharacter(const fz_stext_char& c, PageText::Line& line) {
+        PageText::Glyph glyph;
+        glyph.quad.upperLeft = map(c.quad.ul);
+        glyph.quad.upperRight = map(c.quad.ur);
+        glyph.quad.lowerLeft = map(c.quad.ll);
+        glyph.quad.lowerRight = map(c.quad.lr);
+        glyph.origin = map(c.origin);
+        glyph.size = c.size;
+        glyph.color = QRgb(c.color) | 0xFF000000U;
+        glyph.font = fontIndex(c.font);
+        char32_t character = char32_t(c.c);
+        if (character < 32 || (character >= 0xD800 && character < 0xE000) || character > 0x10FFFF)
+            character = U' ';
+        const QString units = QString::fromUcs4(&character, 1);
+        m_text.string += units;
+        for (int i = 0; i < units.size(); ++i)
+            m_text.glyphs.push_back(glyph);
+        const QRectF box = glyph.quad.boundingRect();
+        line.bounds = line.start + units.size() == m_text.string.size() ? box : line.bounds.united(box);
+    }
+
+    QPointF map(const fz_point& point) const { return m_toPage.map(QPointF(point.x, point.y)); }
+
+    std::uint16_t fontIndex(fz_font* font) {
+        const auto known = m_fontIndex.constFind(font);
+        if (known != m_fontIndex.cend())
+            return *known;
+        PageText::Font described;
+        described.name = QString::fromUtf8(fz_font_name(m_context, font));
+        if (described.name.size() > 7 && described.name.at(6) == QLatin1Char('+'))
+            described.name.remove(0, 7);
+        described.bold = fz_font_is_bold(m_context, font) != 0;
+        described.italic = fz_font_is_italic(m_context, font) != 0;
+        described.serif = fz_font_is_serif(m_context, font) != 0;
+        described.monospaced = fz_font_is_monospaced(m_context, font) != 0;
+        const auto index = std::uint16_t(std::min<std::size_t>(m_text.fonts.size(), 0xFFFF));
+        if (index == m_text.fonts.size())
+            m_text.fonts.push_back(described);
+        m_fontIndex.insert(font, index);
+        return index;
+    }
+
+    fz_context* m_context;
+    QTransform m_toPage;
+    PageText m_text;
+    QHash<fz_font*, std::uint16_t> m_fontIndex;
+};
+
+} // namespace
+
+std::shared_ptr<const PageText> TextReader::read(SourceEngine& engine, int pageNumber) {
+    const SourceEngine::Lease borrowed = engine.lease();
+    if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
+        return std::make_shared<const PageText>();
+    StructuredPage structured(borrowed.context());
+    interpret(structured, borrowed.document(), pageNumber);
+    if (!structured.text)
+        return std::make_shared<const PageText>();
+
+    std::vector<const fz_stext_line*> lines;
+    std::vector<ReadingOrder::Line> shapes;
+    int block = 0;
+    for (const fz_stext_block* b = structured.text->first_block; b; b = b->next, ++block) {
+        if (b->type != FZ_STEXT_BLOCK_TEXT)
+            continue;
+        for (const fz_stext_line* line = b->u.t.first_line; line; line = line->next) {
+            int length = 0;
+            for (const fz_stext_char* c = line->first_char; c && length < 1000; c = c->next)
+                ++length;
+            lines.push_back(line);
+            shapes.push_back({fromEngine(line->bbox), length, line->wmode == 0 && line->dir.x > 0.99F, block});
+        }
+    }
+    Builder builder(borrowed.context(), fromEngine(structured.pageTransform).inverted());
+    for (const std::size_t index : ReadingOrder::order(shapes))
+        builder.addLine(*lines[index], shapes[index].block);
+    return builder.take();
+}

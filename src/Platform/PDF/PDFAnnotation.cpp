@@ -1,0 +1,151 @@
+#include "PDFAnnotation.h"
+
+#include "PDFDocument.h"
+#include "PDFPage.h"
+
+namespace {
+
+// Bits of the F key (ISO 32000-1, table 165).
+constexpr int hiddenFlag = 1 << 1;
+constexpr int printFlag = 1 << 2;
+constexpr int noViewFlag = 1 << 5;
+
+} // namespace
+
+PDFAnnotation::PDFAnnotation(const QRectF& bounds, const QString& type) {
+    m_values.type = type;
+    m_values.bounds = bounds.normalized();
+}
+
+PDFAnnotation::PDFAnnotation(Values values, PDFAnnotationOrigin origin)
+    : m_values(std::move(values)), m_origin(std::move(origin)) {}
+
+PDFAnnotation::~PDFAnnotation() = default;
+
+void PDFAnnotation::noteChange() {
+    m_modified = true;
+    if (const auto holder = page())
+        holder->noteChange();
+}
+
+template <typename T>
+void PDFAnnotation::set(T Values::*field, const T& value) {
+    if (m_values.*field == value)
+        return;
+    m_values.*field = value;
+    noteChange();
+}
+
+void PDFAnnotation::setBounds(const QRectF& bounds) {
+    set(&Values::bounds, bounds.normalized());
+}
+void PDFAnnotation::setColor(const std::optional<QColor>& color) {
+    set(&Values::color, color);
+}
+void PDFAnnotation::setInteriorColor(const std::optional<QColor>& color) {
+    set(&Values::interiorColor, color);
+}
+void PDFAnnotation::setBorder(const std::optional<PDFBorder>& border) {
+    set(&Values::border, border);
+}
+void PDFAnnotation::setContents(const QString& contents) {
+    set(&Values::contents, contents);
+}
+void PDFAnnotation::setUserName(const QString& name) {
+    set(&Values::userName, name);
+}
+void PDFAnnotation::setModificationDate(const QDateTime& date) {
+    set(&Values::modificationDate, date);
+}
+void PDFAnnotation::setFont(const std::optional<QFont>& font) {
+    set(&Values::font, font);
+}
+void PDFAnnotation::setFontColor(const std::optional<QColor>& color) {
+    set(&Values::fontColor, color);
+}
+void PDFAnnotation::setStartPoint(QPointF point) {
+    set(&Values::startPoint, point);
+}
+void PDFAnnotation::setEndPoint(QPointF point) {
+    set(&Values::endPoint, point);
+}
+void PDFAnnotation::setStartLineStyle(PDFLineStyle style) {
+    set(&Values::startLineStyle, style);
+}
+void PDFAnnotation::setEndLineStyle(PDFLineStyle style) {
+    set(&Values::endLineStyle, style);
+}
+void PDFAnnotation::setUrl(const QString& url) {
+    set(&Values::url, url);
+}
+void PDFAnnotation::setFieldName(const QString& name) {
+    set(&Values::fieldName, name);
+}
+void PDFAnnotation::setWidgetFieldType(PDFWidgetFieldType type) {
+    set(&Values::widgetFieldType, type);
+}
+void PDFAnnotation::setWidgetControlType(PDFWidgetControlType type) {
+    set(&Values::widgetControlType, type);
+}
+void PDFAnnotation::setButtonWidgetState(PDFWidgetCellState state) {
+    set(&Values::buttonWidgetState, state);
+}
+void PDFAnnotation::setWidgetStringValue(const QString& value) {
+    set(&Values::widgetStringValue, value);
+}
+
+void PDFAnnotation::add(const QPainterPath& path) {
+    m_values.paths.push_back(path);
+    noteChange();
+}
+
+void PDFAnnotation::removeAllPaths() {
+    if (m_values.paths.empty())
+        return;
+    m_values.paths.clear();
+    noteChange();
+}
+
+std::vector<PDFQuad> PDFAnnotation::quadrilateralPoints() const {
+    return m_values.quads.empty() ? std::vector{PDFQuad::fromRect(m_values.bounds)} : m_values.quads;
+}
+
+void PDFAnnotation::setQuadrilateralPoints(const std::vector<PDFQuad>& quads) {
+    set(&Values::quads, quads);
+}
+
+std::optional<PDFDestination> PDFAnnotation::destination() const {
+    if (m_values.destination || !m_values.target)
+        return m_values.destination;
+    const auto holder = page();
+    // A place of the file means a page of the same file: a page brought in from elsewhere has lost it.
+    if (!holder || !holder->document() || !m_origin || holder->document()->source() != m_origin->content.source)
+        return std::nullopt;
+    return holder->document()->destination(*m_values.target);
+}
+
+void PDFAnnotation::setDestination(const std::optional<PDFDestination>& destination) {
+    m_values.destination = destination;
+    m_values.target.reset();
+    noteChange();
+}
+
+bool PDFAnnotation::shouldDisplay() const {
+    return (m_values.flags & (hiddenFlag | noViewFlag)) == 0;
+}
+
+bool PDFAnnotation::shouldPrint() const {
+    return (m_values.flags & printFlag) != 0;
+}
+
+void PDFAnnotation::setShouldPrint(bool print) {
+    set(&Values::flags, print ? m_values.flags | printFlag : m_values.flags & ~printFlag);
+}
+
+std::shared_ptr<PDFAnnotation> PDFAnnotation::copy() const {
+    auto copied = std::make_shared<PDFAnnotation>(m_values.bounds, m_values.type);
+    copied->m_values = m_values;
+    copied->m_origin = m_origin;
+    copied->m_modified = m_modified;
+    return copied;
+}

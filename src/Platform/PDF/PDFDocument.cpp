@@ -1,0 +1,256 @@
+#include "PDFDocument.h"
+
+#include "Engine/InformationReader.h"
+#include "Engine/OutlineReader.h"
+#include "PDFError.h"
+#include "PDFOutline.h"
+#include "PDFPage.h"
+#include "PDFSource.h"
+#include "PageText.h"
+#include "Writer/DocumentComposer.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QtConcurrent/QtConcurrentMap>
+
+#include <algorithm>
+
+namespace {
+
+/// Files are held in memory: past this, reading one would push everything else out.
+constexpr qint64 largestFile = qint64(4) << 30;
+
+QByteArray readFile(const QString& path) {
+    using Kind = PDFError::Kind;
+    const QFileInfo info(path);
+    if (!info.exists())
+        throw PDFError(Kind::unreadable, QStringLiteral("There is no such file."));
+    if (info.isDir())
+        throw PDFError(Kind::unreadable, QStringLiteral("It is a folder."));
+    if (!info.isFile())
+        throw PDFError(Kind::unreadable, QStringLiteral("It isn't a regular file."));
+    if (info.size() > largestFile)
+        throw PDFError(Kind::unreadable, QStringLiteral("It is larger than 4 GB, which is too large to open."));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw PDFError(Kind::unreadable, file.error() == QFileDevice::PermissionsError || !info.isReadable()
+                                             ? QStringLiteral("You don't have permission to read it.")
+                                             : QStringLiteral("It couldn't be read: %1.").arg(file.errorString()));
+    }
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        throw PDFError(Kind::unreadable, QStringLiteral("It couldn't be read: %1.").arg(file.errorString()));
+    return bytes;
+}
+
+} // namespace
+
+PDFDocument::PDFDocument() = default;
+
+PDFDocument::PDFDocument(std::shared_ptr<PDFSource> source) : m_source(std::move(source)) {
+    m_locked = m_source->needsPassword();
+    if (!m_locked)
+        adoptPages();
+}
+
+PDFDocument::~PDFDocument() {
+    for (const auto& page : m_pages)
+        if (page)
+            page->m_document = nullptr;
+}
+
+std::shared_ptr<PDFDocument> PDFDocument::fromFile(const QString& path) {
+    return fromData(readFile(path));
+}
+
+std::shared_ptr<PDFDocument> PDFDocument::fromData(const QByteArray& data) {
+    return std::shared_ptr<PDFDocument>(new PDFDocument(PDFSource::open(data)));
+}
+
+bool PDFDocument::isEncrypted() const {
+    return m_source && m_source->isEncrypted();
+}
+
+bool PDFDocument::wasRepaired() const {
+    return m_source && m_source->wasRepaired();
+}
+
+bool PDFDocument::unlock(const QString& password) {
+    if (!m_locked)
+        return true;
+    if (!m_source->authenticate(password))
+        return false;
+    m_locked = false;
+    adoptPages();
+    Q_EMIT pagesChanged();
+    return true;
+}
+
+// Pages
+
+void PDFDocument::adoptPages() {
+    const int count = m_source->pageCount();
+    m_pages.assign(std::size_t(count), nullptr);
+    m_sourceNumbers.resize(std::size_t(count));
+    for (int i = 0; i < count; ++i)
+        m_sourceNumbers[std::size_t(i)] = i;
+}
+
+std::shared_ptr<PDFPage> PDFDocument::page(int index) const {
+    if (index < 0 || index >= pageCount())
+        return nullptr;
+    std::shared_ptr<PDFPage>& page = m_pages[std::size_t(index)];
+    if (!page) {
+        page = std::make_shared<PDFPage>(PDFPageContent{m_source, m_sourceNumbers[std::size_t(index)]});
+        page->m_document = const_cast<PDFDocument*>(this);
+    }
+    return page;
+}
+
+int PDFDocument::index(const PDFPage* page) const {
+    if (!page)
+        return -1;
+    const auto found =
+        std::find_if(m_pages.begin(), m_pages.end(), [page](const auto& candidate) { return candidate.get() == page; });
+    return found == m_pages.end() ? -1 : int(found - m_pages.begin());
+}
+
+std::shared_ptr<PDFPage> PDFDocument::removePage(int index) {
+    std::shared_ptr<PDFPage> removed = page(index);
+    if (!removed)
+        return nullptr;
+    m_pages.erase(m_pages.begin() + index);
+    m_sourceNumbers.erase(m_sourceNumbers.begin() + index);
+    removed->m_document = nullptr;
+    Q_EMIT pagesChanged();
+    return removed;
+}
+
+void PDFDocument::insert(const std::shared_ptr<PDFPage>& page, int index) {
+    if (!page || page->m_document)
+        return;
+    const int at = std::clamp(index, 0, pageCount());
+    const PDFPageContent& content = page->content();
+    m_pages.insert(m_pages.begin() + at, page);
+    m_sourceNumbers.insert(m_sourceNumbers.begin() + at, content.source == m_source ? content.pageNumber : -1);
+    page->m_document = this;
+    Q_EMIT pagesChanged();
+}
+
+PDFPageGeometry PDFDocument::geometry(int index) const {
+    const auto& page = m_pages.at(std::size_t(index));
+    return page ? page->geometry() : m_source->geometry(m_sourceNumbers[std::size_t(index)]);
+}
+
+std::vector<PDFPageContent> PDFDocument::pageContents() const {
+    std::vector<PDFPageContent> contents;
+    contents.reserve(m_pages.size());
+    for (std::size_t i = 0; i < m_pages.size(); ++i)
+        contents.push_back(m_pages[i] ? m_pages[i]->content() : PDFPageContent{m_source, m_sourceNumbers[i]});
+    return contents;
+}
+
+std::shared_ptr<PDFPage> PDFDocument::pageOfSource(int pageNumber) const {
+    const auto found = std::find(m_sourceNumbers.begin(), m_sourceNumbers.end(), pageNumber);
+    return found == m_sourceNumbers.end() ? nullptr : page(int(found - m_sourceNumbers.begin()));
+}
+
+std::optional<PDFDestination> PDFDocument::destination(const PDFFileDestination& place) const {
+    if (!m_source || !place.isValid())
+        return std::nullopt;
+    const int number =
+        place.pageObject > 0 ? m_source->pageNumberOfObject(place.pageObject).value_or(-1) : place.pageIndex;
+    const std::shared_ptr<PDFPage> target = number < 0 ? nullptr : pageOfSource(number);
+    if (!target)
+        return std::nullopt;
+    return PDFDestination(target, place.x, place.y, place.zoom);
+}
+
+// Text
+
+QString PDFDocument::string() const {
+    std::vector<PDFPageContent> contents = pageContents();
+    const QList<QString> texts = QtConcurrent::blockingMapped<QList<QString>>(
+        contents, [](const PDFPageContent& content) { return content.source->readText(content.pageNumber)->string; });
+    QString all;
+    for (const QString& text : texts)
+        all += text + QLatin1Char('\f');
+    return all;
+}
+
+std::optional<PDFSelection> PDFDocument::selection(const PDFPage& fromPage, QPointF from, const PDFPage& toPage,
+                                                   QPointF to) const {
+    if (&fromPage == &toPage)
+        return fromPage.selection(from, to);
+    int first = index(&fromPage);
+    int last = index(&toPage);
+    if (first < 0 || last < 0)
+        return std::nullopt;
+    if (first > last) {
+        std::swap(first, last);
+        std::swap(from, to);
+    }
+    std::vector<PDFSelection::Range> ranges;
+    for (int i = first; i <= last; ++i) {
+        const auto at = page(i);
+        const auto text = at->text();
+        ranges.push_back(
+            {at, i == first ? text->gapNearest(from) : 0, i == last ? text->gapNearest(to) : int(text->string.size())});
+    }
+    PDFSelection selected(std::move(ranges));
+    return selected.isEmpty() ? std::nullopt : std::optional(std::move(selected));
+}
+
+std::optional<PDFSelection> PDFDocument::selectionForEntireDocument() const {
+    std::vector<PDFSelection::Range> ranges;
+    for (int i = 0; i < pageCount(); ++i)
+        ranges.push_back({page(i), 0, int(page(i)->text()->string.size())});
+    PDFSelection all(std::move(ranges));
+    return all.isEmpty() ? std::nullopt : std::optional(std::move(all));
+}
+
+// Outline and attributes
+
+std::shared_ptr<PDFOutline> PDFDocument::outlineRoot() const {
+    if (!m_outlineLoaded && !m_locked) {
+        m_outlineLoaded = true;
+        if (m_source)
+            m_outline = OutlineReader::read(m_source->engine(), *this);
+    }
+    return m_outline;
+}
+
+void PDFDocument::setOutlineRoot(const std::shared_ptr<PDFOutline>& root) {
+    m_outlineLoaded = true;
+    m_outline = root;
+    m_outlineChanged = true;
+}
+
+QVariantMap PDFDocument::documentAttributes() const {
+    if (m_locked)
+        return {};
+    if (!m_attributes)
+        m_attributes = m_source ? InformationReader::read(m_source->engine()) : QVariantMap();
+    return *m_attributes;
+}
+
+void PDFDocument::setDocumentAttributes(const QVariantMap& attributes) {
+    if (attributes == documentAttributes())
+        return;
+    m_attributes = attributes;
+    m_attributesChanged = true;
+}
+
+// Writing
+
+QByteArray PDFDocument::dataRepresentation() const {
+    return DocumentComposer::compose(*this, {});
+}
+
+void PDFDocument::write(const QString& path) const {
+    write(path, {});
+}
+
+void PDFDocument::write(const QString& path, const PDFWriteOptions& options) const {
+    DocumentComposer::store(DocumentComposer::compose(*this, options), path);
+}

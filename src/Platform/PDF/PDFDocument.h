@@ -1,0 +1,130 @@
+#pragma once
+
+#include "PDFDestination.h"
+#include "PDFFileDestination.h"
+#include "PDFPageContent.h"
+#include "PDFPageGeometry.h"
+#include "PDFSelection.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class PDFOutline;
+class PDFPage;
+class PDFSource;
+
+/// Passwords for a protected copy. Empty strings leave that password out; both empty writes no protection.
+struct PDFWriteOptions {
+    QString userPassword;
+    QString ownerPassword;
+};
+
+/// An open document: an ordered list of live pages, with outline, attributes and lock state. Main thread only.
+///
+/// Opening reads what is shown first and no more; pages, outline and annotations are read when they are asked for.
+class PDFDocument : public QObject {
+    Q_OBJECT
+
+public:
+    /// An empty document without pages.
+    PDFDocument();
+    ~PDFDocument() override;
+
+    /// Opens a file or its bytes; throws `PDFError`. A damaged file is repaired where that is possible, and
+    /// `wasRepaired` tells so. A protected file opens locked, without pages to see.
+    [[nodiscard]] static std::shared_ptr<PDFDocument> fromFile(const QString& path);
+    [[nodiscard]] static std::shared_ptr<PDFDocument> fromData(const QByteArray& data);
+
+    [[nodiscard]] bool isLocked() const { return m_locked; }
+    /// True for a file that asks for a password or that limits what may be done with it.
+    [[nodiscard]] bool isEncrypted() const;
+    /// Takes the user's or the owner's password. True when the document is open afterwards.
+    bool unlock(const QString& password);
+    /// True when the file was damaged and had to be rebuilt to be read.
+    [[nodiscard]] bool wasRepaired() const;
+
+    // Pages
+
+    /// 0 while locked.
+    [[nodiscard]] int pageCount() const { return static_cast<int>(m_pages.size()); }
+    /// Null when `index` (zero-based) is outside the document. The same object at each call.
+    [[nodiscard]] std::shared_ptr<PDFPage> page(int index) const;
+    /// Zero-based; -1 when the page isn't in this document.
+    [[nodiscard]] int index(const PDFPage* page) const;
+    /// Takes a page out; it stays alive for whoever holds it. Null when `index` is outside the document.
+    std::shared_ptr<PDFPage> removePage(int index);
+    /// Puts a page that is in no document at `index`, clamped to the range. A page that is in a document already is
+    /// refused.
+    void insert(const std::shared_ptr<PDFPage>& page, int index);
+    /// The page's geometry without making its page object; for layout.
+    [[nodiscard]] PDFPageGeometry geometry(int index) const;
+    /// The immutable contents of all pages in order, for work on another thread (layout, search, text).
+    [[nodiscard]] std::vector<PDFPageContent> pageContents() const;
+
+    // Text
+
+    /// The text of all pages, each ended by a form feed; read on several threads.
+    [[nodiscard]] QString string() const;
+    /// The text from a point on one page to a point on another, either order; none when that holds no character.
+    [[nodiscard]] std::optional<PDFSelection> selection(const PDFPage& fromPage, QPointF from, const PDFPage& toPage,
+                                                        QPointF to) const;
+    /// The text of the whole document; none when it has none. Offsets are looked up page by page, so this reads all.
+    [[nodiscard]] std::optional<PDFSelection> selectionForEntireDocument() const;
+
+    // Destinations, outline and attributes
+
+    /// The live place for a place of this document's own source; none when its page is no longer here.
+    [[nodiscard]] std::optional<PDFDestination> destination(const PDFFileDestination& place) const;
+
+    /// Null when the document has no outline. Read from the file on first use.
+    [[nodiscard]] std::shared_ptr<PDFOutline> outlineRoot() const;
+    /// Null removes the outline.
+    void setOutlineRoot(const std::shared_ptr<PDFOutline>& root);
+
+    /// The information dictionary: "Title", "Author", "Subject", "Creator", "Producer" and unknown keys as strings,
+    /// "Keywords" as a string list, "CreationDate" and "ModDate" as QDateTime.
+    [[nodiscard]] QVariantMap documentAttributes() const;
+    /// Keys that the map lacks are removed from the file.
+    void setDocumentAttributes(const QVariantMap& attributes);
+
+    // Writing. A document that came from a protected file keeps that protection, unless options give passwords.
+
+    /// The whole file as it would be saved; throws `PDFError`.
+    [[nodiscard]] QByteArray dataRepresentation() const;
+    /// Composes and stores a file, replacing one of that name only when the new one is complete; throws `PDFError`.
+    void write(const QString& path) const;
+    void write(const QString& path, const PDFWriteOptions& options) const;
+
+    /// The file or bytes it was opened from; null for a new document.
+    [[nodiscard]] const std::shared_ptr<PDFSource>& source() const { return m_source; }
+
+Q_SIGNALS:
+    /// Pages were inserted, removed or became known by unlocking.
+    void pagesChanged();
+    /// What the page shows beyond its content changed: an annotation, its order, the rotation.
+    void pageContentChanged(PDFPage* page);
+
+private:
+    friend class PDFPage;
+    friend class DocumentComposer;
+
+    explicit PDFDocument(std::shared_ptr<PDFSource> source);
+    void adoptPages();
+    std::shared_ptr<PDFPage> pageOfSource(int pageNumber) const;
+
+    std::shared_ptr<PDFSource> m_source;
+    bool m_locked = false;
+    mutable std::vector<std::shared_ptr<PDFPage>> m_pages; // null until asked for
+    std::vector<int> m_sourceNumbers; // the source's page number of each page; -1 for pages brought in
+    mutable bool m_outlineLoaded = false;
+    mutable std::shared_ptr<PDFOutline> m_outline;
+    bool m_outlineChanged = false;
+    mutable std::optional<QVariantMap> m_attributes;
+    bool m_attributesChanged = false;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "PDFDestination.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// An item of a document's outline; the root is an item without a label whose children are the top level.
+/// Main thread only. Changes reach the file only when the tree's root is set as `PDFDocument::setOutlineRoot`.
+class PDFOutline : public std::enable_shared_from_this<PDFOutline> {
+public:
+    [[nodiscard]] QString label() const { return m_label; }
+    void setLabel(const QString& label) { m_label = label; }
+
+    /// None for an item that points nowhere or that carries an action instead.
+    [[nodiscard]] const std::optional<PDFDestination>& destination() const { return m_destination; }
+    void setDestination(std::optional<PDFDestination> destination) { m_destination = std::move(destination); }
+
+    /// The web address of an item that opens one; empty otherwise.
+    [[nodiscard]] QString url() const { return m_url; }
+    void setUrl(const QString& url) { m_url = url; }
+
+    [[nodiscard]] bool isOpen() const { return m_open; }
+    void setOpen(bool open) { m_open = open; }
+
+    [[nodiscard]] int numberOfChildren() const { return static_cast<int>(m_children.size()); }
+    /// Null when `index` is out of range.
+    [[nodiscard]] std::shared_ptr<PDFOutline> child(int index) const;
+    /// `index` is clamped to the range of the children. A child that has a parent already is taken from it first.
+    void insertChild(const std::shared_ptr<PDFOutline>& child, int index);
+    void removeFromParent();
+    [[nodiscard]] std::shared_ptr<PDFOutline> parent() const { return m_parent.lock(); }
+
+private:
+    QString m_label;
+    std::optional<PDFDestination> m_destination;
+    QString m_url;
+    bool m_open = false;
+    std::vector<std::shared_ptr<PDFOutline>> m_children;
+    std::weak_ptr<PDFOutline> m_parent;
+};

@@ -1,0 +1,232 @@
+#include "PDFPage.h"
+
+#include "Engine/AnnotationReader.h"
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFSelection.h"
+#include "PDFSource.h"
+#include "PageText.h"
+#include "QuilloAssert.h"
+#include "Writer/ImagePage.h"
+
+#include <algorithm>
+
+namespace {
+
+std::shared_ptr<PDFPage> pageOfBytes(const QByteArray& bytes) {
+    return bytes.isEmpty() ? nullptr : std::make_shared<PDFPage>(PDFPageContent{PDFSource::open(bytes), 0});
+}
+
+} // namespace
+
+PDFPage::PDFPage(PDFPageContent content) : m_content(std::move(content)) {
+    QUILLO_ASSERT(m_content.source, "a page has a source");
+}
+
+PDFPage::~PDFPage() = default;
+
+std::shared_ptr<PDFPage> PDFPage::fromImage(const QImage& image, QSizeF size) {
+    return pageOfBytes(ImagePage::fromImage(image, size));
+}
+
+std::shared_ptr<PDFPage> PDFPage::fromJpeg(const QByteArray& jpeg, QSizeF size) {
+    return pageOfBytes(ImagePage::fromJpeg(jpeg, size));
+}
+
+std::shared_ptr<PDFPage> PDFPage::copy() const {
+    auto copied = std::make_shared<PDFPage>(m_content);
+    copied->m_rotation = m_rotation;
+    if (m_annotationsLoaded) {
+        copied->m_annotationsLoaded = true;
+        copied->m_fileAnnotations = m_fileAnnotations;
+        for (const auto& annotation : m_annotations) {
+            copied->m_annotations.push_back(annotation->copy());
+            copied->m_annotations.back()->m_page = copied;
+        }
+    }
+    return copied;
+}
+
+PDFPageGeometry PDFPage::geometry() const {
+    PDFPageGeometry geometry = m_content.source->geometry(m_content.pageNumber);
+    if (m_rotation)
+        geometry.rotation = *m_rotation;
+    return geometry;
+}
+
+QRectF PDFPage::bounds(PDFDisplayBox box) const {
+    return geometry().box(box);
+}
+
+int PDFPage::rotation() const {
+    return geometry().rotation;
+}
+
+void PDFPage::setRotation(int degrees) {
+    const int turned = ((((degrees % 360) + 360 + 45) / 90) * 90) % 360;
+    if (turned == rotation())
+        return;
+    m_rotation = turned;
+    noteChange();
+}
+
+double PDFPage::userUnit() const {
+    return geometry().userUnit;
+}
+
+QSizeF PDFPage::displaySize(PDFDisplayBox box) const {
+    return geometry().displaySize(box);
+}
+
+QTransform PDFPage::displayTransform(PDFDisplayBox box) const {
+    return geometry().displayTransform(box);
+}
+
+void PDFPage::noteChange() {
+    ++m_revision;
+    if (m_document)
+        Q_EMIT m_document->pageContentChanged(this);
+}
+
+// Text
+
+std::shared_ptr<const PageText> PDFPage::text() const {
+    return m_content.source->text(m_content.pageNumber);
+}
+
+QString PDFPage::string() const {
+    return text()->string;
+}
+
+std::optional<PDFSelection> PDFPage::selectionOf(int start, int end) const {
+    if (end <= start)
+        return std::nullopt;
+    return PDFSelection({{std::const_pointer_cast<PDFPage>(shared_from_this()), start, end}});
+}
+
+std::optional<PDFSelection> PDFPage::selectionForLine(QPointF point) const {
+    const auto words = text();
+    const int line = words->lineContaining(point);
+    if (line < 0)
+        return std::nullopt;
+    return selectionOf(words->lines[std::size_t(line)].start, words->lines[std::size_t(line)].end);
+}
+
+std::optional<PDFSelection> PDFPage::selectionForWord(QPointF point) const {
+    const auto words = text();
+    const int offset = words->characterAt(point);
+    if (offset < 0)
+        return std::nullopt;
+    const auto [start, end] = words->wordAround(offset);
+    return selectionOf(start, end);
+}
+
+std::optional<PDFSelection> PDFPage::selection(QPointF from, QPointF to) const {
+    const auto words = text();
+    const auto [start, end] = std::minmax({words->gapNearest(from), words->gapNearest(to)});
+    return selectionOf(start, end);
+}
+
+std::optional<PDFSelection> PDFPage::selectAll() const {
+    return selectionOf(0, int(text()->string.size()));
+}
+
+// Annotations
+
+void PDFPage::loadAnnotations() const {
+    if (m_annotationsLoaded)
+        return;
+    m_annotationsLoaded = true;
+    auto values = AnnotationReader::read(m_content.source->engine(), m_content.pageNumber);
+    const std::weak_ptr<PDFPage> self = std::const_pointer_cast<PDFPage>(shared_from_this());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!values[i])
+            continue;
+        auto annotation =
+            std::make_shared<PDFAnnotation>(std::move(*values[i]), PDFAnnotationOrigin{m_content, int(i)});
+        annotation->m_page = self;
+        m_fileAnnotations.push_back(int(i));
+        m_annotations.push_back(std::move(annotation));
+    }
+}
+
+const std::vector<std::shared_ptr<PDFAnnotation>>& PDFPage::annotations() const {
+    loadAnnotations();
+    return m_annotations;
+}
+
+void PDFPage::addAnnotation(const std::shared_ptr<PDFAnnotation>& annotation) {
+    insertAnnotation(annotation, int(annotations().size()));
+}
+
+void PDFPage::insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, int index) {
+    QUILLO_ASSERT(annotation, "an annotation to add");
+    loadAnnotations();
+    if (annotation->page())
+        return;
+    m_annotations.insert(m_annotations.begin() + std::clamp(index, 0, int(m_annotations.size())), annotation);
+    annotation->m_page = weak_from_this();
+    noteChange();
+}
+
+int PDFPage::removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation) {
+    loadAnnotations();
+    const auto found = std::find(m_annotations.begin(), m_annotations.end(), annotation);
+    if (found == m_annotations.end())
+        return -1;
+    const int index = int(found - m_annotations.begin());
+    const std::shared_ptr<PDFAnnotation> removed = *found; // `annotation` may be the list's own element
+    m_annotations.erase(found);
+    removed->m_page.reset();
+    noteChange();
+    return index;
+}
+
+std::shared_ptr<PDFAnnotation> PDFPage::annotation(QPointF point) const {
+    const auto& all = annotations();
+    const auto found = std::find_if(all.rbegin(), all.rend(), [point](const auto& candidate) {
+        return candidate->shouldDisplay() && candidate->type() != PDFAnnotationSubtype::popup &&
+               candidate->bounds().contains(point);
+    });
+    return found == all.rend() ? nullptr : *found;
+}
+
+bool PDFPage::isFromHere(const PDFAnnotation& annotation) const {
+    return annotation.origin() && annotation.origin()->content == m_content;
+}
+
+bool PDFPage::isModified() const {
+    if (m_rotation && *m_rotation != m_content.source->geometry(m_content.pageNumber).rotation)
+        return true;
+    if (!m_annotationsLoaded)
+        return false;
+    return m_annotations.size() != m_fileAnnotations.size() ||
+           !std::equal(m_annotations.begin(), m_annotations.end(), m_fileAnnotations.begin(),
+                       [this](const auto& annotation, int place) {
+                           return !annotation->isModified() && isFromHere(*annotation) &&
+                                  annotation->origin()->index == place;
+                       });
+}
+
+std::vector<int> PDFPage::hiddenFileAnnotations() const {
+    if (!m_annotationsLoaded)
+        return {};
+    std::vector<int> shown;
+    for (const auto& annotation : m_annotations)
+        if (!annotation->isModified() && isFromHere(*annotation))
+            shown.push_back(annotation->origin()->index);
+    std::sort(shown.begin(), shown.end());
+    std::vector<int> hidden;
+    std::set_difference(m_fileAnnotations.begin(), m_fileAnnotations.end(), shown.begin(), shown.end(),
+                        std::back_inserter(hidden));
+    return hidden;
+}
+
+std::vector<std::shared_ptr<PDFAnnotation>> PDFPage::liveAnnotations() const {
+    loadAnnotations();
+    std::vector<std::shared_ptr<PDFAnnotation>> live;
+    std::copy_if(m_annotations.begin(), m_annotations.end(), std::back_inserter(live), [this](const auto& annotation) {
+        return annotation->shouldDisplay() && (annotation->drawsItself() || !isFromHere(*annotation));
+    });
+    return live;
+}

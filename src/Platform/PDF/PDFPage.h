@@ -1,0 +1,140 @@
+#pragma once
+
+#include "PDFPageContent.h"
+#include "PDFPageGeometry.h"
+#include "PDFTypes.h"
+
+#include <QImage>
+#include <QSizeF>
+#include <QTransform>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class PageText;
+class PDFAnnotation;
+class PDFDocument;
+class PDFSelection;
+class QPainter;
+
+/// A page: a live, shared object with an identity. Views, undo records and annotations hold it. Its content is fixed
+/// for life; its annotations change. Main thread only, except where told.
+///
+/// Page coordinates are the default user space of the file: origin as the media box says (not always zero), y up,
+/// not turned by `rotation`. One unit is `userUnit` points (1/72 inch), and almost always one point.
+class PDFPage : public std::enable_shared_from_this<PDFPage> {
+public:
+    /// A page of an opened file. Fetch pages through `PDFDocument::page`.
+    explicit PDFPage(PDFPageContent content);
+    ~PDFPage();
+    PDFPage(const PDFPage&) = delete;
+    PDFPage& operator=(const PDFPage&) = delete;
+
+    /// A page that shows one picture, as large as `size` (points), which is kept without loss. Null for a null picture
+    /// or a size that isn't above zero.
+    [[nodiscard]] static std::shared_ptr<PDFPage> fromImage(const QImage& image, QSizeF size);
+
+    /// The same from the bytes of a JPEG file, which are stored as they are. Null when they are no JPEG.
+    [[nodiscard]] static std::shared_ptr<PDFPage> fromJpeg(const QByteArray& jpeg, QSizeF size);
+
+    /// A new page with the same content and copies of the annotations, in no document. Costs nothing while the
+    /// annotations haven't been asked for.
+    [[nodiscard]] std::shared_ptr<PDFPage> copy() const;
+
+    /// The document that holds the page; null while it is in none.
+    [[nodiscard]] PDFDocument* document() const { return m_document; }
+
+    [[nodiscard]] const PDFPageContent& content() const { return m_content; }
+
+    /// In page coordinates, not turned. A file without a sensible box gets US Letter (612 by 792).
+    [[nodiscard]] QRectF bounds(PDFDisplayBox box) const;
+
+    /// All boxes with the present rotation, as one value.
+    [[nodiscard]] PDFPageGeometry geometry() const;
+
+    /// 0, 90, 180 or 270: how far the page is turned clockwise when shown.
+    [[nodiscard]] int rotation() const;
+    /// Any multiple of 90; others are rounded to one.
+    void setRotation(int degrees);
+
+    /// Points in one unit of page coordinates; 1 unless the file says otherwise.
+    [[nodiscard]] double userUnit() const;
+
+    /// The size on paper in points as shown: turned by `rotation`, in user units.
+    [[nodiscard]] QSizeF displaySize(PDFDisplayBox box) const;
+
+    /// Maps page coordinates to the page as shown at 72 dpi: origin upper left of `box`, y down, turned, in points.
+    [[nodiscard]] QTransform displayTransform(PDFDisplayBox box) const;
+
+    // Text
+
+    /// The text of the page, lines joined with "\n"; empty for a page without text. Parsed on first use and kept for as
+    /// long as the source's cache of recent pages allows.
+    [[nodiscard]] QString string() const;
+    [[nodiscard]] std::shared_ptr<const PageText> text() const;
+
+    /// The whole line of text at the point, or none.
+    [[nodiscard]] std::optional<PDFSelection> selectionForLine(QPointF point) const;
+    /// The word at the point, or none.
+    [[nodiscard]] std::optional<PDFSelection> selectionForWord(QPointF point) const;
+    /// The text from one point to another in reading order; none when that holds no character.
+    [[nodiscard]] std::optional<PDFSelection> selection(QPointF from, QPointF to) const;
+    /// All text of the page; none when it has no text.
+    [[nodiscard]] std::optional<PDFSelection> selectAll() const;
+
+    // Annotations
+
+    /// In drawing order, the first lowest. Read from the file on first use.
+    [[nodiscard]] const std::vector<std::shared_ptr<PDFAnnotation>>& annotations() const;
+
+    /// Adds on top. An annotation that is on a page already is left alone.
+    void addAnnotation(const std::shared_ptr<PDFAnnotation>& annotation);
+    /// Adds at a place in the drawing order, clamped to its range.
+    void insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, int index);
+    /// Does nothing when the annotation isn't on this page. Returns the place that it had, or -1.
+    int removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation);
+    /// The topmost annotation whose bounds hold the point and that isn't hidden; null when there is none.
+    [[nodiscard]] std::shared_ptr<PDFAnnotation> annotation(QPointF point) const;
+
+    /// True once annotations have been read, so that asking for them costs nothing.
+    [[nodiscard]] bool annotationsLoaded() const { return m_annotationsLoaded; }
+    /// True when annotations were added, removed, moved or changed since the file was opened, or the rotation was.
+    [[nodiscard]] bool isModified() const;
+    /// Counts changes of what the page shows.
+    [[nodiscard]] quint64 revision() const { return m_revision; }
+    /// Places in the file's own list of annotations that the engine must leave out, because the annotation was removed
+    /// or is drawn by its live object; ascending.
+    [[nodiscard]] std::vector<int> hiddenFileAnnotations() const;
+    /// The annotations that draw themselves over what the engine draws, lowest first: new ones, changed ones, and those
+    /// of the file that bring no appearance.
+    [[nodiscard]] std::vector<std::shared_ptr<PDFAnnotation>> liveAnnotations() const;
+
+    // Drawing
+
+    /// Draws the page with its annotations so that the lower left corner of `box` comes to the painter's origin with
+    /// y upwards, one page unit for one unit of the painter. The page isn't turned by `rotation`, so page coordinates
+    /// less the box's origin are the painter's. Blocks for as long as the drawing takes.
+    void draw(PDFDisplayBox box, QPainter& painter) const;
+
+    /// A picture of the page as shown (turned, annotations included) that fits into `size` pixels and keeps the page's
+    /// ratio. Null when the page can't be drawn or the size is below one pixel.
+    [[nodiscard]] QImage thumbnail(QSize size, PDFDisplayBox box) const;
+
+private:
+    friend class PDFAnnotation;
+    friend class PDFDocument;
+
+    void loadAnnotations() const;
+    void noteChange();
+    [[nodiscard]] bool isFromHere(const PDFAnnotation& annotation) const;
+    [[nodiscard]] std::optional<PDFSelection> selectionOf(int start, int end) const;
+
+    PDFPageContent m_content;
+    PDFDocument* m_document = nullptr; // set and cleared by the document
+    mutable bool m_annotationsLoaded = false;
+    mutable std::vector<std::shared_ptr<PDFAnnotation>> m_annotations;
+    mutable std::vector<int> m_fileAnnotations; // the readable places of the file's list, ascending
+    std::optional<int> m_rotation;
+    quint64 m_revision = 0;
+};

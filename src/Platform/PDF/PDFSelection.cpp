@@ -1,0 +1,65 @@
+#include "PDFSelection.h"
+
+#include "PDFPage.h"
+#include "PageText.h"
+
+#include <algorithm>
+
+PDFSelection::PDFSelection(std::vector<Range> ranges) : m_ranges(std::move(ranges)) {
+    m_ranges.erase(std::remove_if(m_ranges.begin(), m_ranges.end(),
+                                  [](const Range& range) { return !range.page || range.end <= range.start; }),
+                   m_ranges.end());
+}
+
+QString PDFSelection::string() const {
+    QString text;
+    for (const Range& range : m_ranges) {
+        if (!text.isEmpty())
+            text += QLatin1Char('\n');
+        text += range.page->text()->string.mid(range.start, range.end - range.start);
+    }
+    return text;
+}
+
+std::vector<std::shared_ptr<PDFPage>> PDFSelection::pages() const {
+    std::vector<std::shared_ptr<PDFPage>> pages;
+    for (const Range& range : m_ranges)
+        if (std::find(pages.begin(), pages.end(), range.page) == pages.end())
+            pages.push_back(range.page);
+    return pages;
+}
+
+QRectF PDFSelection::bounds(const PDFPage& page) const {
+    QRectF bounds;
+    for (const QRectF& rect : lineRects(page))
+        bounds = bounds.isNull() ? rect : bounds.united(rect);
+    return bounds;
+}
+
+std::vector<QRectF> PDFSelection::lineRects(const PDFPage& page) const {
+    std::vector<QRectF> rects;
+    for (const Range& range : m_ranges) {
+        if (range.page.get() != &page)
+            continue;
+        const std::vector<QRectF> found = page.text()->lineRects(range.start, range.end);
+        rects.insert(rects.end(), found.begin(), found.end());
+    }
+    return rects;
+}
+
+std::vector<PDFSelection> PDFSelection::selectionsByLine() const {
+    std::vector<PDFSelection> lines;
+    for (const Range& range : m_ranges) {
+        const std::shared_ptr<const PageText> text = range.page->text();
+        for (int i = std::max(0, text->lineAt(range.start)); i < int(text->lines.size()); ++i) {
+            const PageText::Line& line = text->lines[std::size_t(i)];
+            if (line.start >= range.end)
+                break;
+            const int start = std::max(range.start, line.start);
+            const int end = std::min(range.end, line.end);
+            if (end > start && !QStringView(text->string).mid(start, end - start).trimmed().isEmpty())
+                lines.push_back(PDFSelection({{range.page, start, end}}));
+        }
+    }
+    return lines;
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "PDFTypes.h"
+
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class PDFPage;
+
+/// Some text of a document: ranges of characters on pages, in page order. A value with shared pages; main thread only.
+class PDFSelection {
+public:
+    struct Range {
+        std::shared_ptr<PDFPage> page;
+        int start = 0; ///< offset into `PDFPage::text().string`
+        int end = 0;   ///< one past the last offset; never below start
+        bool operator==(const Range&) const = default;
+    };
+
+    PDFSelection() = default;
+    explicit PDFSelection(std::vector<Range> ranges);
+
+    [[nodiscard]] const std::vector<Range>& ranges() const { return m_ranges; }
+    [[nodiscard]] bool isEmpty() const { return m_ranges.empty(); }
+
+    /// The selected text; ranges are joined with a newline.
+    [[nodiscard]] QString string() const;
+
+    /// The pages with selected text, each once, in order.
+    [[nodiscard]] std::vector<std::shared_ptr<PDFPage>> pages() const;
+
+    /// The box around the selected glyphs on `page`, page coordinates; empty when nothing is selected there.
+    [[nodiscard]] QRectF bounds(const PDFPage& page) const;
+
+    /// One rectangle for each line touched on `page`, page coordinates, for painting.
+    [[nodiscard]] std::vector<QRectF> lineRects(const PDFPage& page) const;
+
+    /// One selection for each line of text, in order. Lines of white space alone are left out.
+    [[nodiscard]] std::vector<PDFSelection> selectionsByLine() const;
+
+    bool operator==(const PDFSelection&) const = default;
+
+private:
+    std::vector<Range> m_ranges; // without empty ranges
+};

@@ -1,0 +1,85 @@
+#include "PDFSource.h"
+
+#include "Engine/SourceEngine.h"
+#include "Engine/TextReader.h"
+#include "PDFError.h"
+#include "PageText.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Pages whose text stays at hand: enough for a selection over several pages and for what is on the screen.
+constexpr std::size_t recentTextLimit = 48;
+
+} // namespace
+
+std::shared_ptr<PDFSource> PDFSource::open(const QByteArray& bytes) {
+    if (bytes.isEmpty())
+        throw PDFError(PDFError::Kind::empty, QStringLiteral("The file is empty."));
+    return std::shared_ptr<PDFSource>(new PDFSource(bytes));
+}
+
+PDFSource::PDFSource(QByteArray bytes)
+    : m_bytes(std::move(bytes)), m_engine(std::make_unique<SourceEngine>(m_bytes)),
+      m_encrypted(m_engine->isEncrypted()) {}
+
+PDFSource::~PDFSource() = default;
+
+bool PDFSource::needsPassword() const {
+    return m_engine->needsPassword();
+}
+
+bool PDFSource::authenticate(const QString& password) {
+    return m_engine->authenticate(password.toUtf8());
+}
+
+QByteArray PDFSource::password() const {
+    // AES-256 takes UTF-8; the older handlers take one byte for a character (ISO 32000-2, 7.6.4.3).
+    constexpr int firstRevisionWithUtf8 = 5;
+    const QByteArray utf8 = m_engine->password();
+    return m_engine->securityRevision() >= firstRevisionWithUtf8 ? utf8 : QString::fromUtf8(utf8).toLatin1();
+}
+
+bool PDFSource::wasRepaired() const {
+    return m_engine->wasRepaired();
+}
+
+int PDFSource::pageCount() const {
+    return m_engine->pageCount();
+}
+
+PDFPageGeometry PDFSource::geometry(int pageNumber) const {
+    return m_engine->geometry(pageNumber);
+}
+
+int PDFSource::pageObjectNumber(int pageNumber) const {
+    return m_engine->pageObjectNumber(pageNumber);
+}
+
+std::optional<int> PDFSource::pageNumberOfObject(int objectNumber) const {
+    const int number = m_engine->pageNumberOfObject(objectNumber);
+    return number < 0 ? std::nullopt : std::optional(number);
+}
+
+std::shared_ptr<const PageText> PDFSource::text(int pageNumber) const {
+    {
+        const std::lock_guard guard(m_cacheMutex);
+        const auto found = std::find_if(m_recentText.begin(), m_recentText.end(),
+                                        [pageNumber](const auto& entry) { return entry.first == pageNumber; });
+        if (found != m_recentText.end()) {
+            std::rotate(found, found + 1, m_recentText.end());
+            return m_recentText.back().second;
+        }
+    }
+    auto read = readText(pageNumber);
+    const std::lock_guard guard(m_cacheMutex);
+    if (m_recentText.size() >= recentTextLimit)
+        m_recentText.erase(m_recentText.begin());
+    m_recentText.emplace_back(pageNumber, read);
+    return read;
+}
+
+std::shared_ptr<const PageText> PDFSource::readText(int pageNumber) const {
+    return TextReader::read(*m_engine, pageNumber);
+}

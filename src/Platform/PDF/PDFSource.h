@@ -1,0 +1,61 @@
+#pragma once
+
+#include "PDFPageGeometry.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+class PageText;
+class SourceEngine;
+
+/// An immutable opened file: its bytes, and what is needed to read them on any number of threads. The engine that
+/// draws and the writer that composes work on the same bytes. Thread-safe unless told otherwise.
+class PDFSource {
+public:
+    /// Throws `PDFError`. A protected file opens; `needsPassword` tells whether it can be read yet.
+    [[nodiscard]] static std::shared_ptr<PDFSource> open(const QByteArray& bytes);
+    ~PDFSource();
+    PDFSource(const PDFSource&) = delete;
+    PDFSource& operator=(const PDFSource&) = delete;
+
+    [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }
+
+    [[nodiscard]] bool needsPassword() const;
+    /// True when the password, the user's or the owner's, opens the file. Main thread, before any page is read.
+    bool authenticate(const QString& password);
+    /// The password that opened it, as the bytes that the file's security handler takes; empty for none.
+    [[nodiscard]] QByteArray password() const;
+
+    [[nodiscard]] bool isEncrypted() const { return m_encrypted; }
+    [[nodiscard]] bool wasRepaired() const;
+
+    /// 0 while a password is needed. What the page tree claims, after a check that it can be true.
+    [[nodiscard]] int pageCount() const;
+    /// US Letter for a page that can't be read.
+    [[nodiscard]] PDFPageGeometry geometry(int pageNumber) const;
+    /// The number of the page's object in the file; 0 when the page can't be read.
+    [[nodiscard]] int pageObjectNumber(int pageNumber) const;
+    /// The zero-based page whose object has that number, or none.
+    [[nodiscard]] std::optional<int> pageNumberOfObject(int objectNumber) const;
+    /// Never null; empty for a page that can't be read. The last pages asked for are kept.
+    [[nodiscard]] std::shared_ptr<const PageText> text(int pageNumber) const;
+    /// The same, past the cache: for reading a whole document once.
+    [[nodiscard]] std::shared_ptr<const PageText> readText(int pageNumber) const;
+
+    /// For the parts of this folder that talk to the drawing engine.
+    [[nodiscard]] SourceEngine& engine() const { return *m_engine; }
+
+private:
+    explicit PDFSource(QByteArray bytes);
+
+    const QByteArray m_bytes;
+    std::unique_ptr<SourceEngine> m_engine;
+    bool m_encrypted = false;
+    mutable std::mutex m_cacheMutex;
+    mutable std::vector<std::pair<int, std::shared_ptr<const PageText>>> m_recentText; // most recent last
+};

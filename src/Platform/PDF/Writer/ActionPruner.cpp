@@ -1,0 +1,64 @@
+#include "ActionPruner.h"
+
+namespace {
+
+constexpr int longestChain = 64;
+
+} // namespace
+
+bool ActionPruner::leadsToGone(QPDFObjectHandle action) {
+    return action.getKey("/S").isNameAndEquals("/GoTo") && m_isGone(action.getKey("/D"));
+}
+
+/// True when the action goes to a destination that is gone. Later actions of its chain that do so are taken out of it.
+bool ActionPruner::isGoneAction(QPDFObjectHandle action, int depth) {
+    if (!action.isDictionary())
+        return false;
+    // Each once, since the branches of a chain may meet again.
+    if (action.isIndirect() && !m_seen.insert(action.getObjGen()).second)
+        return leadsToGone(action);
+    QPDFObjectHandle next = action.getKey("/Next");
+    if (depth >= longestChain) {
+        action.removeKey("/Next");
+    } else if (next.isDictionary()) {
+        if (isGoneAction(next, depth + 1))
+            action.removeKey("/Next");
+    } else if (next.isArray()) {
+        for (int i = next.getArrayNItems() - 1; i >= 0; --i)
+            if (isGoneAction(next.getArrayItem(i), depth + 1))
+                next.eraseItem(i);
+    }
+    return leadsToGone(action);
+}
+
+void ActionPruner::pruneTarget(QPDFObjectHandle owner, const char* destinationKey, const char* actionKey) {
+    if (isGoneAction(owner.getKey(actionKey)))
+        owner.removeKey(actionKey);
+    QPDFObjectHandle destination = owner.getKey(destinationKey);
+    if (!destination.isNull() && !destination.isDictionary() && m_isGone(destination))
+        owner.removeKey(destinationKey);
+}
+
+void ActionPruner::pruneTriggers(QPDFObjectHandle owner) {
+    QPDFObjectHandle triggers = owner.getKey("/AA");
+    if (!triggers.isDictionary())
+        return;
+    for (const std::string& trigger : triggers.getKeys())
+        if (isGoneAction(triggers.getKey(trigger)))
+            triggers.removeKey(trigger);
+}
+
+void ActionPruner::prunePage(QPDFObjectHandle page) {
+    pruneTriggers(page);
+    QPDFObjectHandle annotations = page.getKey("/Annots");
+    if (!annotations.isArray())
+        return;
+    for (QPDFObjectHandle annotation : annotations.aitems()) {
+        if (!annotation.isDictionary())
+            continue;
+        pruneTarget(annotation, "/Dest", "/A");
+        pruneTriggers(annotation);
+        if (isGoneAction(annotation.getKey("/PA")))
+            annotation.removeKey("/PA");
+    }
+}

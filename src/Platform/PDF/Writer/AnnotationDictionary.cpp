@@ -1,0 +1,296 @@
+#include "AnnotationDictionary.h"
+
+#include "PDFPage.h"
+#include "PdfValues.h"
+
+#include <QUrl>
+
+#include <cmath>
+
+namespace {
+
+using Values = PDFAnnotation::Values;
+namespace Subtype = PDFAnnotationSubtype;
+
+/// Points between two points of a flattened curve; below what a printer shows.
+constexpr double flattening = 1.0;
+constexpr int longestCurve = 256; // pieces
+
+/// Writes the keys for what differs; everything differs from nothing.
+class Writer {
+public:
+    Writer(QPDFObjectHandle dictionary, const Values& now, const Values* before,
+           const AnnotationDictionary::PageLookup& pages)
+        : m_dictionary(dictionary), m_now(now), m_before(before), m_pages(pages) {}
+
+    void write() {
+        if (changed(&Values::bounds))
+            set("/Rect", PdfValues::rect(m_now.bounds));
+        if (changed(&Values::flags))
+            set("/F", QPDFObjectHandle::newInteger(m_now.flags));
+        if (changed(&Values::contents))
+            set("/Contents", m_now.contents.isEmpty() ? QPDFObjectHandle::newNull() : PdfValues::text(m_now.contents));
+        if (changed(&Values::modificationDate))
+            set("/M", PdfValues::date(m_now.modificationDate));
+        if (m_now.type != Subtype::widget && changed(&Values::userName))
+            set("/T", m_now.userName.isEmpty() ? QPDFObjectHandle::newNull() : PdfValues::text(m_now.userName));
+        writeColors();
+        writeBorder();
+        if (m_now.type == Subtype::freeText && (changed(&Values::font) || changed(&Values::fontColor)))
+            writeFreeTextFont();
+        if (m_now.type == Subtype::line)
+            writeLine();
+        if (m_now.type == Subtype::ink && (changed(&Values::paths) || changed(&Values::bounds)))
+            writeInk();
+        writeQuads();
+        if (m_now.type == Subtype::link)
+            writeTarget();
+    }
+
+private:
+    template <typename T>
+    [[nodiscard]] bool changed(T Values::*field) const {
+        return !m_before || m_now.*field != m_before->*field;
+    }
+
+    /// A null value removes the key.
+    void set(const char* key, QPDFObjectHandle value) {
+        if (value.isNull())
+            m_dictionary.removeKey(key);
+        else
+            m_dictionary.replaceKey(key, value);
+    }
+
+    void writeColors() {
+        if (changed(&Values::color)) {
+            set("/C", PdfValues::color(m_now.color));
+            const bool translucent = m_now.color && m_now.color->alpha() > 0 && m_now.color->alpha() < 255;
+            set("/CA", translucent ? PdfValues::number(m_now.color->alphaF()) : QPDFObjectHandle::newNull());
+        }
+        if (m_now.type == Subtype::widget) {
+            writeWidgetColors();
+            return;
+        }
+        if (changed(&Values::interiorColor) && (m_before || m_now.interiorColor))
+            set("/IC", PdfValues::color(m_now.interiorColor));
+    }
+
+    void writeWidgetColors() {
+        QPDFObjectHandle look = m_dictionary.getKey("/MK");
+        look = look.isDictionary() ? look.shallowCopy() : QPDFObjectHandle::newDictionary();
+        const auto put = [&look](const char* key, const std::optional<QColor>& color) {
+            if (color && color->alpha() > 0)
+                look.replaceKey(key, PdfValues::color(color));
+            else
+                look.removeKey(key);
+        };
+        if (changed(&Values::color))
+            put("/BC", m_now.color);
+        if (changed(&Values::interiorColor)) {
+            // The key knows no opacity, so the colour is what shows on white paper.
+            std::optional<QColor> background = m_now.interiorColor;
+            if (background && background->alpha() > 0) {
+                const float alpha = background->alphaF();
+                const auto onWhite = [alpha](float part) { return 1 - alpha + alpha * part; };
+                background = QColor::fromRgbF(onWhite(background->redF()), onWhite(background->greenF()),
+                                              onWhite(background->blueF()));
+            }
+            put("/BG", background);
+        }
+        if (m_dictionary.hasKey("/MK") || !look.getKeys().empty())
+            set("/MK", look);
+    }
+
+    void writeBorder() {
+        if (!changed(&Values::border))
+            return;
+        if (!m_now.border) {
+            // A link without a border key would get a frame.
+            set("/BS", QPDFObjectHandle::newNull());
+            set("/Border", m_now.type == Subtype::link ? PdfValues::numbers({0, 0, 0}) : QPDFObjectHandle::newNull());
+            return;
+        }
+        static const char* const names[] = {"S", "D", "B", "I", "U"};
+        QPDFObjectHandle style = QPDFObjectHandle::newDictionary();
+        style.replaceKey("/W", PdfValues::number(m_now.border->lineWidth));
+        style.replaceKey("/S", PdfValues::name(names[int(m_now.border->style)]));
+        QPDFObjectHandle array = PdfValues::numbers({0, 0, m_now.border->lineWidth});
+        if (m_now.border->style == PDFBorderStyle::dashed) {
+            style.replaceKey("/D", PdfValues::numbers(m_now.border->dashPattern));
+            array.appendItem(PdfValues::numbers(m_now.border->dashPattern));
+        }
+        set("/BS", style);
+        set("/Border", array);
+    }
+
+    void writeFreeTextFont() {
+        const QFont font = m_now.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
+        const QColor color = m_now.fontColor.value_or(QColor(Qt::black));
+        const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
+        set("/DA", QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
+                                                   AnnotationDictionary::standardFontName(font), size, color)
+                                                   .toStdString()));
+        // These describe the text a second time and would now be wrong.
+        set("/DS", QPDFObjectHandle::newNull());
+        set("/RC", QPDFObjectHandle::newNull());
+    }
+
+    void writeLine() {
+        if (changed(&Values::startPoint) || changed(&Values::endPoint))
+            set("/L", PdfValues::numbers(
+                          {m_now.startPoint.x(), m_now.startPoint.y(), m_now.endPoint.x(), m_now.endPoint.y()}));
+        if (!changed(&Values::startLineStyle) && !changed(&Values::endLineStyle))
+            return;
+        static const char* const names[] = {"None", "Square", "Circle", "Diamond", "OpenArrow", "ClosedArrow"};
+        set("/LE", QPDFObjectHandle::newArray({PdfValues::name(names[int(m_now.startLineStyle)]),
+                                               PdfValues::name(names[int(m_now.endLineStyle)])}));
+    }
+
+    void writeInk() {
+        QPDFObjectHandle strokes = QPDFObjectHandle::newArray();
+        for (const QPainterPath& path : m_now.paths)
+            appendStrokes(strokes, path.translated(m_now.bounds.topLeft()));
+        set("/InkList", strokes);
+    }
+
+    static void appendStrokes(QPDFObjectHandle strokes, const QPainterPath& path) {
+        std::vector<double> points;
+        const auto flush = [&] {
+            if (!points.empty())
+                strokes.appendItem(PdfValues::numbers(points));
+            points.clear();
+        };
+        for (int i = 0; i < path.elementCount(); ++i) {
+            const QPainterPath::Element element = path.elementAt(i);
+            if (element.isMoveTo())
+                flush();
+            if (!element.isCurveTo() || i + 2 >= path.elementCount() || points.empty()) {
+                points.insert(points.end(), {element.x, element.y});
+                continue;
+            }
+            const QPointF from(points[points.size() - 2], points.back());
+            appendCurve(points, from, element, path.elementAt(i + 1), path.elementAt(i + 2));
+            i += 2;
+        }
+        flush();
+    }
+
+    static void appendCurve(std::vector<double>& points, QPointF from, QPointF control1, QPointF control2, QPointF to) {
+        const auto distance = [](QPointF a, QPointF b) { return std::hypot(b.x() - a.x(), b.y() - a.y()); };
+        const double length = distance(from, control1) + distance(control1, control2) + distance(control2, to);
+        const int pieces = int(std::clamp(std::ceil(length / flattening), 1.0, double(longestCurve)));
+        for (int piece = 1; piece <= pieces; ++piece) {
+            const double t = double(piece) / pieces;
+            const double s = 1 - t;
+            const QPointF point =
+                s * s * s * from + 3 * s * s * t * control1 + 3 * s * t * t * control2 + t * t * t * to;
+            points.insert(points.end(), {point.x(), point.y()});
+        }
+    }
+
+    void writeQuads() {
+        const bool isMarkup =
+            m_now.type == Subtype::highlight || m_now.type == Subtype::underline || m_now.type == Subtype::strikeOut;
+        std::vector<PDFQuad> quads = m_now.quads;
+        if (isMarkup && quads.empty() && (!m_before || changed(&Values::bounds) || changed(&Values::quads)))
+            quads = {PDFQuad::fromRect(m_now.bounds)};
+        else if (!changed(&Values::quads) || (quads.empty() && !m_before))
+            return;
+        // Upper corners first: what all readers expect, whatever the standard says about the order.
+        std::vector<double> corners;
+        for (const PDFQuad& quad : quads)
+            for (const QPointF& corner : {quad.upperLeft, quad.upperRight, quad.lowerLeft, quad.lowerRight})
+                corners.insert(corners.end(), {corner.x(), corner.y()});
+        set("/QuadPoints", corners.empty() ? QPDFObjectHandle::newNull() : PdfValues::numbers(corners));
+    }
+
+    void writeTarget() {
+        if (changed(&Values::url) && !m_now.url.isEmpty()) {
+            QPDFObjectHandle action = QPDFObjectHandle::newDictionary();
+            action.replaceKey("/S", PdfValues::name("URI"));
+            action.replaceKey("/URI", QPDFObjectHandle::newString(QUrl(m_now.url).toEncoded().toStdString()));
+            set("/A", action);
+            set("/Dest", QPDFObjectHandle::newNull());
+            return;
+        }
+        const bool lostTarget = m_before && m_before->target && !m_now.target;
+        if (changed(&Values::url) || lostTarget || m_now.destination)
+            set("/A", QPDFObjectHandle::newNull());
+        if (lostTarget || m_now.destination)
+            set("/Dest", m_now.destination ? AnnotationDictionary::destination(*m_now.destination, m_pages)
+                                           : QPDFObjectHandle::newNull());
+    }
+
+    QPDFObjectHandle m_dictionary;
+    const Values& m_now;
+    const Values* m_before;
+    const AnnotationDictionary::PageLookup& m_pages;
+};
+
+} // namespace
+
+QPDFObjectHandle AnnotationDictionary::make(const Values& values, const PageLookup& pages) {
+    QPDFObjectHandle dictionary = QPDFObjectHandle::newDictionary();
+    dictionary.replaceKey("/Type", PdfValues::name("Annot"));
+    dictionary.replaceKey("/Subtype", PdfValues::name(values.type.toUtf8().constData()));
+    Writer(dictionary, values, nullptr, pages).write();
+    return dictionary;
+}
+
+void AnnotationDictionary::update(QPDFObjectHandle dictionary, const Values& now, const Values& before,
+                                  const PageLookup& pages) {
+    Writer(dictionary, now, &before, pages).write();
+}
+
+bool AnnotationDictionary::looksDifferent(const Values& now, const Values& before) {
+    const auto differs = [&](auto field) { return now.*field != before.*field; };
+    if (differs(&Values::color) || differs(&Values::interiorColor) || differs(&Values::border) ||
+        differs(&Values::font) || differs(&Values::fontColor) || differs(&Values::startPoint) ||
+        differs(&Values::endPoint) || differs(&Values::startLineStyle) || differs(&Values::endLineStyle) ||
+        differs(&Values::paths) || differs(&Values::quads) || differs(&Values::widgetStringValue))
+        return true;
+    if (now.type == Subtype::freeText && differs(&Values::contents))
+        return true;
+    // An appearance moves and scales with the rectangle. That suits a mere move; lines would change their width with
+    // the size, and text markup is drawn from its corners.
+    const bool ownCorners = now.type == Subtype::highlight || now.type == Subtype::underline ||
+                            now.type == Subtype::strikeOut || now.type == Subtype::line;
+    const QSizeF growth = now.bounds.size() - before.bounds.size();
+    return std::abs(growth.width()) > 0.001 || std::abs(growth.height()) > 0.001 ||
+           (ownCorners && differs(&Values::bounds));
+}
+
+QPDFObjectHandle AnnotationDictionary::destination(const PDFDestination& destination, const PageLookup& pages) {
+    const std::shared_ptr<PDFPage> page = destination.page();
+    QPDFObjectHandle object = page ? pages(*page) : QPDFObjectHandle::newNull();
+    if (object.isNull())
+        return object;
+    const auto orNull = [](std::optional<double> value) {
+        return value ? PdfValues::number(*value) : QPDFObjectHandle::newNull();
+    };
+    return QPDFObjectHandle::newArray(
+        {object, PdfValues::name("XYZ"), orNull(destination.x()), orNull(destination.y()), orNull(destination.zoom())});
+}
+
+QByteArray AnnotationDictionary::defaultAppearance(const QByteArray& fontName, double size, const QColor& color) {
+    const QColor rgb = color.toRgb();
+    return '/' + fontName + ' ' + PdfValues::real(size) + " Tf " + PdfValues::real(rgb.redF()) + ' ' +
+           PdfValues::real(rgb.greenF()) + ' ' + PdfValues::real(rgb.blueF()) + " rg";
+}
+
+QByteArray AnnotationDictionary::standardFontName(const QFont& font) {
+    const QString family = font.family();
+    const auto named = [&family](const char* part) {
+        return family.contains(QLatin1String(part), Qt::CaseInsensitive);
+    };
+    // A font that was read from a file bears the name of the file's resource.
+    const bool bold = font.bold() || named("bold") || family == QLatin1String("HeBo") ||
+                      family == QLatin1String("TiBo") || family == QLatin1String("CoBo");
+    const bool italic = font.italic() || named("italic") || named("oblique");
+    if (font.fixedPitch() || named("cour") || named("mono") || named("consol"))
+        return QByteArray("Courier") + (bold && italic ? "-BoldOblique" : bold ? "-Bold" : italic ? "-Oblique" : "");
+    if (font.styleHint() == QFont::Serif || family.startsWith(QLatin1String("Ti")) || named("times") ||
+        (named("serif") && !named("sans")) || named("garamond") || named("georgia"))
+        return QByteArray("Times") + (bold && italic ? "-BoldItalic" : bold ? "-Bold" : italic ? "-Italic" : "-Roman");
+    return QByteArray("Helvetica") + (bold && italic ? "-BoldOblique" : bold ? "-Bold" : italic ? "-Oblique" : "");
+}

@@ -1,0 +1,96 @@
+#include "AppendComposer.h"
+
+#include "AppearanceRecorder.h"
+#include "DocumentContents.h"
+#include "FormFields.h"
+#include "IncrementalUpdate.h"
+#include "InformationWriter.h"
+#include "ObjectStore.h"
+#include "OutlineWriter.h"
+#include "PDFPage.h"
+#include "PDFSource.h"
+#include "PageAnnotations.h"
+#include "PageMover.h"
+#include "SourceFile.h"
+
+#include <unordered_map>
+
+namespace {
+
+constexpr int highestObjectNumber = 8388607; // what all readers take, ISO 32000-1, annex C
+
+bool canNumberObjects(QPDF& pdf) {
+    const auto table = pdf.getXRefTable();
+    return table.empty() || table.rbegin()->first.getObj() < highestObjectNumber / 2;
+}
+
+/// Writes the pages whose annotations or rotation changed. False when one of them can't be read.
+bool writePages(const DocumentContents& contents, SourceFile& file, UpdateObjects& objects, FormFields& form,
+                AppearanceRecorder& recorder, SourceFiles& files, const AnnotationDictionary::PageLookup& lookup) {
+    PageAnnotations annotations(objects, form, recorder, files, lookup);
+    for (const DocumentContents::Page& page : contents.pages) {
+        if (!page.modified)
+            continue;
+        QPDFObjectHandle object = file.page(page.content.pageNumber);
+        if (!object.isDictionary() || !object.isIndirect())
+            return false;
+        if (page.live->rotation() != contents.source->geometry(page.content.pageNumber).rotation)
+            objects.set(object, "/Rotate", QPDFObjectHandle::newInteger(page.live->rotation()));
+        if (!page.live->annotationsLoaded())
+            continue;
+        QPDFObjectHandle list = object.getKey("/Annots");
+        annotations.write(*page.live, object,
+                          list.isArray() ? list.getArrayAsVector() : std::vector<QPDFObjectHandle>());
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<QByteArray> AppendComposer::compose(const DocumentContents& contents) {
+    if (!contents.hasAllSourcePages() || contents.source->isEncrypted() || contents.source->wasRepaired())
+        return std::nullopt;
+    const QByteArray& bytes = contents.source->bytes();
+    const auto sections = IncrementalUpdate::inspect(bytes);
+    if (!sections)
+        return std::nullopt;
+    std::unique_ptr<SourceFile> file;
+    try {
+        file = std::make_unique<SourceFile>(contents.source, false);
+    } catch (const std::exception&) {
+        return std::nullopt; // damaged after all
+    }
+    if (file->pdf().isEncrypted() || file->pdf().anyWarnings() || !canNumberObjects(file->pdf()))
+        return std::nullopt;
+
+    UpdateObjects objects(file->pdf());
+    FormFields form(objects);
+    AppearanceRecorder recorder(objects);
+    SourceFiles files(objects, form, file.get());
+    std::unordered_map<const PDFPage*, int> numbers;
+    for (const DocumentContents::Page& page : contents.pages)
+        if (page.live)
+            numbers[page.live.get()] = page.content.pageNumber;
+    const AnnotationDictionary::PageLookup lookup = [&](const PDFPage& page) {
+        const auto number = numbers.find(&page);
+        return number == numbers.end() ? QPDFObjectHandle::newNull() : file->page(number->second);
+    };
+    if (!writePages(contents, *file, objects, form, recorder, files, lookup))
+        return std::nullopt;
+    if (!contents.hasSourceOrder()) {
+        std::vector<int> order;
+        for (const DocumentContents::Page& page : contents.pages)
+            order.push_back(page.content.pageNumber);
+        if (!PageMover::arrange(order, *file, objects))
+            return std::nullopt;
+    }
+    if (contents.outlineChanged)
+        OutlineWriter::write(contents.outline.get(), objects, lookup);
+    if (contents.attributesChanged)
+        InformationWriter::write(contents.attributes, objects);
+    recorder.finish();
+
+    QByteArray result = IncrementalUpdate::append(bytes, *sections, objects);
+    const qint64 updates = sections->updatedBytes + result.size() - bytes.size();
+    return updates * 2 < result.size() ? std::optional(std::move(result)) : std::nullopt;
+}

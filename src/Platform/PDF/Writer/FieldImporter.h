@@ -1,0 +1,27 @@
+#pragma once
+
+#include "ObjectCopier.h"
+#include "ObjectStore.h"
+
+#include <map>
+
+class FormFields;
+
+/// Brings the fields of another file's form over for widgets that were copied from it. A field comes without those of
+/// its widgets that stay behind; widgets of one field share one field here as well.
+class FieldImporter {
+public:
+    FieldImporter(ObjectStore& objects, FormFields& form) : m_objects(objects), m_form(form) {}
+
+    /// `copy` is the indirect copy of `widget`, without Parent.
+    void adopt(QPDFObjectHandle widget, QPDFObjectHandle copy, ObjectCopier& copier);
+
+private:
+    QPDFObjectHandle fieldCopy(const std::vector<QPDFObjectHandle>& chain, std::size_t place, ObjectCopier& copier);
+    void addToForm(QPDFObjectHandle original, QPDFObjectHandle copy, ObjectCopier& copier);
+
+    ObjectStore& m_objects;
+    FormFields& m_form;
+    std::map<QPDFObjGen, QPDFObjectHandle> m_fields; // copies by the number of the original
+    bool m_resourcesCopied = false;
+};

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "ObjectStore.h"
+#include "PDFAnnotation.h"
+
+#include <optional>
+#include <set>
+#include <string>
+
+/// The interactive form of a file that is being written (ISO 32000-1, 12.7): new fields, changed values and removed
+/// widgets. Widgets are indirect dictionaries.
+class FormFields {
+public:
+    explicit FormFields(ObjectStore& objects) : m_objects(objects) {}
+
+    /// Makes a new widget's dictionary a field as well and adds it to the form, under the field's name or, when that is
+    /// taken, the name with the first free number: "text_1", "text_1_2".
+    void add(QPDFObjectHandle widget, const PDFAnnotation::Values& values);
+
+    /// What became of a widget's appearance: left alone, made anew, or to be made by other means since the form's font
+    /// lacks a character.
+    enum class Look { unchanged, made, missing };
+
+    /// Brings the field of a widget to its new value, with the look of all its widgets.
+    Look update(QPDFObjectHandle widget, const PDFAnnotation::Values& now, const PDFAnnotation::Values& before);
+
+    /// Makes the appearance of a text or choice field anew from its dictionary. False when the form's font lacks a
+    /// character of the value, which leaves the appearance as it is.
+    bool makeTextAppearance(QPDFObjectHandle widget);
+
+    /// Takes a widget that left its page out of its field; a field without widgets goes too, and so do those above it
+    /// that become empty.
+    void remove(QPDFObjectHandle widget);
+
+    /// Adds a field to the top of the form with a name of its own.
+    void addTopField(QPDFObjectHandle field, const QString& name);
+
+    /// Adds fonts that the form's default resources lack, for new fields or for those of another form.
+    void addFonts(QPDFObjectHandle fonts);
+
+    /// The form's dictionary, made when there is none. Null when there is none and `make` is false.
+    [[nodiscard]] QPDFObjectHandle form(bool make);
+
+private:
+    QString freeName(const QString& wished);
+    void setButtonState(QPDFObjectHandle widget, bool on);
+    void setFont(QPDFObjectHandle widget, const PDFAnnotation::Values& now, const PDFAnnotation::Values& before);
+    Look setText(QPDFObjectHandle widget, const QString& value);
+    [[nodiscard]] QByteArray defaultAppearanceOf(QPDFObjectHandle widget);
+    void askForAppearances();
+
+    ObjectStore& m_objects;
+    std::optional<std::set<QString>> m_names; // of the fields at the top
+};

@@ -1,0 +1,177 @@
+#include "IncrementalUpdate.h"
+
+#include "ObjectStore.h"
+#include "PdfValues.h"
+
+#include <QCryptographicHash>
+#include <QRegularExpression>
+
+#include <set>
+
+namespace {
+
+constexpr qsizetype tailLength = 2048; // bytes at the end in which the last offset must stand
+constexpr qsizetype longestTrailer = 65536;
+constexpr std::size_t mostSections = 10000;
+
+enum class SectionKind { none, table, stream };
+
+SectionKind sectionAt(const QByteArray& file, qint64 offset) {
+    if (offset <= 0 || offset >= file.size())
+        return SectionKind::none;
+    const QByteArray start = file.mid(offset, 32).trimmed();
+    if (start.startsWith("xref"))
+        return SectionKind::table;
+    static const QRegularExpression object(QStringLiteral("^\\d+\\s+\\d+\\s+obj\\b"));
+    return object.match(QString::fromLatin1(start)).hasMatch() ? SectionKind::stream : SectionKind::none;
+}
+
+/// The offset of the section before the one at `offset`; 0 when that is the first.
+qint64 previousSection(const QByteArray& file, qint64 offset) {
+    const bool isTable = sectionAt(file, offset) == SectionKind::table;
+    const qsizetype start = isTable ? file.indexOf("trailer", offset) : qsizetype(offset);
+    if (start < 0)
+        return 0;
+    qsizetype end = file.indexOf(isTable ? "startxref" : "stream", start);
+    if (end < 0 || end - start > longestTrailer)
+        end = start + longestTrailer;
+    static const QRegularExpression previous(QStringLiteral("/Prev\\s+(\\d+)"));
+    const auto match = previous.match(QString::fromLatin1(file.mid(start, end - start)));
+    return match.hasMatch() ? match.captured(1).toLongLong() : 0;
+}
+
+/// Where the first version of the file ends.
+qint64 firstVersionEnd(const QByteArray& file, qint64 lastOffset) {
+    qint64 oldest = lastOffset;
+    std::set<qint64> seen{lastOffset};
+    while (seen.size() < mostSections) {
+        const qint64 previous = previousSection(file, oldest);
+        if (sectionAt(file, previous) == SectionKind::none || !seen.insert(previous).second)
+            break;
+        oldest = previous;
+    }
+    // Of the two sections of a file for fast web view the older one stands at the end.
+    const qsizetype end = file.indexOf("%%EOF", oldest);
+    return end < 0 ? file.size() : end + 5;
+}
+
+QByteArray serialized(QPDFObjGen id, const UpdateObjects::Entry& entry) {
+    QPDFObjectHandle object = entry.object;
+    QByteArray bytes = QByteArray::number(id.getObj()) + ' ' + QByteArray::number(id.getGen()) + " obj\n";
+    if (entry.bytes) {
+        QPDFObjectHandle dictionary = object.shallowCopy();
+        dictionary.replaceKey("/Length", QPDFObjectHandle::newInteger(entry.bytes->size()));
+        bytes += QByteArray::fromStdString(dictionary.unparse()) + "\nstream\n" + *entry.bytes + "\nendstream";
+    } else {
+        bytes += QByteArray::fromStdString(object.unparseResolved());
+    }
+    return bytes + "\nendobj\n";
+}
+
+/// The last trailer without what describes its own section.
+QPDFObjectHandle newTrailer(const UpdateObjects& objects, qint64 previous, int size, const QByteArray& fingerprint) {
+    QPDFObjectHandle trailer = objects.pdf().getTrailer().shallowCopy();
+    for (const char* key :
+         {"/Prev", "/XRefStm", "/Type", "/W", "/Index", "/Length", "/Filter", "/DecodeParms", "/F", "/FFilter", "/DL"})
+        trailer.removeKey(key);
+    trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(size));
+    trailer.replaceKey("/Prev", QPDFObjectHandle::newInteger(previous));
+    QPDFObjectHandle changing = QPDFObjectHandle::newString(fingerprint.toStdString());
+    QPDFObjectHandle ids = trailer.getKey("/ID");
+    QPDFObjectHandle permanent =
+        ids.isArray() && ids.getArrayNItems() == 2 && ids.getArrayItem(0).isString() ? ids.getArrayItem(0) : changing;
+    trailer.replaceKey("/ID", QPDFObjectHandle::newArray({permanent, changing}));
+    return trailer;
+}
+
+using Offsets = std::map<QPDFObjGen, qint64>;
+
+/// Calls `run(first, count)` for each run of consecutive object numbers.
+template <typename Run>
+void forEachRun(const Offsets& offsets, Run run) {
+    for (auto at = offsets.begin(); at != offsets.end();) {
+        const auto first = at;
+        int count = 0;
+        while (at != offsets.end() && at->first.getObj() == first->first.getObj() + count) {
+            ++at;
+            ++count;
+        }
+        run(first, count);
+    }
+}
+
+QByteArray table(const Offsets& offsets) {
+    QByteArray bytes = "xref\n";
+    forEachRun(offsets, [&bytes](auto entry, int count) {
+        bytes += QByteArray::number(entry->first.getObj()) + ' ' + QByteArray::number(count) + '\n';
+        for (; count > 0; --count, ++entry)
+            bytes += QByteArray::number(entry->second).rightJustified(10, '0') + ' ' +
+                     QByteArray::number(entry->first.getGen()).rightJustified(5, '0') + " n \n";
+    });
+    return bytes;
+}
+
+QByteArray streamSection(const Offsets& offsets, int number, QPDFObjectHandle trailer) {
+    QByteArray rows;
+    QPDFObjectHandle index = QPDFObjectHandle::newArray();
+    forEachRun(offsets, [&](auto entry, int count) {
+        index.appendItem(QPDFObjectHandle::newInteger(entry->first.getObj()));
+        index.appendItem(QPDFObjectHandle::newInteger(count));
+        for (; count > 0; --count, ++entry) {
+            rows += '\x01';
+            for (int shift = 32; shift >= 0; shift -= 8)
+                rows += char((entry->second >> shift) & 0xFF);
+            rows += char((entry->first.getGen() >> 8) & 0xFF);
+            rows += char(entry->first.getGen() & 0xFF);
+        }
+    });
+    const QByteArray packed = qCompress(rows).mid(4);
+    trailer.replaceKey("/Type", PdfValues::name("XRef"));
+    trailer.replaceKey("/W", PdfValues::numbers({1, 5, 2}));
+    trailer.replaceKey("/Index", index);
+    trailer.replaceKey("/Filter", PdfValues::name("FlateDecode"));
+    return serialized(QPDFObjGen(number, 0), {trailer, packed});
+}
+
+} // namespace
+
+std::optional<IncrementalUpdate::Sections> IncrementalUpdate::inspect(const QByteArray& file) {
+    if (!file.startsWith("%PDF-"))
+        return std::nullopt;
+    const qsizetype keyword = file.lastIndexOf("startxref");
+    if (keyword < 0 || keyword < file.size() - tailLength)
+        return std::nullopt;
+    const QByteArray rest = file.mid(keyword + 9);
+    Sections sections;
+    bool isNumber = false;
+    sections.lastOffset = rest.trimmed().split('\n').first().split('\r').first().trimmed().toLongLong(&isNumber);
+    const SectionKind kind = isNumber ? sectionAt(file, sections.lastOffset) : SectionKind::none;
+    if (kind == SectionKind::none || !rest.contains("%%EOF"))
+        return std::nullopt;
+    sections.isStream = kind == SectionKind::stream;
+    sections.updatedBytes = std::max(qint64(0), file.size() - firstVersionEnd(file, sections.lastOffset));
+    return sections;
+}
+
+QByteArray IncrementalUpdate::append(const QByteArray& file, const Sections& sections, const UpdateObjects& objects) {
+    QByteArray result = file;
+    if (!result.endsWith('\n') && !result.endsWith('\r'))
+        result += '\n';
+    Offsets offsets;
+    for (const auto& [id, entry] : objects.entries()) {
+        offsets[id] = result.size();
+        result += serialized(id, entry);
+    }
+    const QByteArray fingerprint =
+        QCryptographicHash::hash(QByteArrayView(result).sliced(file.size()), QCryptographicHash::Md5);
+    const qint64 offset = result.size();
+    const int number = objects.size();
+    if (sections.isStream) {
+        offsets[QPDFObjGen(number, 0)] = offset;
+        result += streamSection(offsets, number, newTrailer(objects, sections.lastOffset, number + 1, fingerprint));
+    } else {
+        QPDFObjectHandle trailer = newTrailer(objects, sections.lastOffset, number, fingerprint);
+        result += table(offsets) + "trailer\n" + QByteArray::fromStdString(trailer.unparse()) + '\n';
+    }
+    return result + "startxref\n" + QByteArray::number(offset) + "\n%%EOF\n";
+}

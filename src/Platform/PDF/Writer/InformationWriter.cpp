@@ -1,0 +1,100 @@
+#include "InformationWriter.h"
+
+#include "PdfValues.h"
+#include "XmpPacket.h"
+
+#include <qpdf/Buffer.hh>
+
+#include <QDateTime>
+#include <QStringList>
+
+namespace {
+
+std::string keyName(const QString& key) {
+    return "/" + key.toStdString();
+}
+
+/// Text of the present value, for strings and names; none for anything else.
+std::optional<QString> present(QPDFObjectHandle value) {
+    if (value.isString())
+        return PdfValues::toText(value);
+    if (value.isName())
+        return QString::fromStdString(value.getName().substr(1));
+    return std::nullopt;
+}
+
+/// True when the value in the file says the same already.
+bool says(QPDFObjectHandle value, const QVariant& wanted) {
+    const std::optional<QString> text = present(value);
+    if (!text)
+        return false;
+    if (wanted.typeId() == QMetaType::QDateTime)
+        return PdfValues::toDate(value) == wanted.toDateTime();
+    if (wanted.typeId() == QMetaType::QStringList) {
+        QStringList parts;
+        for (const QString& part : QString(*text).replace(QLatin1Char(';'), QLatin1Char(',')).split(QLatin1Char(',')))
+            if (!part.trimmed().isEmpty())
+                parts.append(part.trimmed());
+        return parts == wanted.toStringList();
+    }
+    return *text == wanted.toString();
+}
+
+QPDFObjectHandle object(const QVariant& value) {
+    if (value.typeId() == QMetaType::QDateTime)
+        return PdfValues::date(value.toDateTime());
+    if (value.typeId() == QMetaType::QStringList)
+        return PdfValues::text(value.toStringList().join(QStringLiteral(", ")));
+    return PdfValues::text(value.toString());
+}
+
+void updateMetadata(const QStringList& changedKeys, const QVariantMap& attributes, ObjectStore& objects) {
+    QPDFObjectHandle metadata = objects.root().getKey("/Metadata");
+    if (changedKeys.isEmpty() || !metadata.isStream())
+        return;
+    QByteArray packet;
+    try {
+        const auto buffer = metadata.getStreamData();
+        packet = QByteArray(reinterpret_cast<const char*>(buffer->getBuffer()), qsizetype(buffer->getSize()));
+    } catch (const std::exception&) {
+        return; // a packet that nobody can read misleads nobody
+    }
+    const std::optional<QByteArray> changed = XmpPacket::withAttributes(packet, changedKeys, attributes);
+    if (!changed)
+        return;
+    QPDFObjectHandle dictionary = metadata.getDict().shallowCopy();
+    for (const char* key : {"/Length", "/Filter", "/DecodeParms"})
+        dictionary.removeKey(key);
+    // Left unpacked: programs look for it in the bytes of the file.
+    QPDFObjectHandle stream = objects.reserveStream();
+    objects.fillStream(stream, dictionary, *changed);
+    objects.set(objects.root(), "/Metadata", stream);
+}
+
+} // namespace
+
+void InformationWriter::write(const QVariantMap& attributes, ObjectStore& objects) {
+    QPDFObjectHandle trailer = objects.pdf().getTrailer();
+    QPDFObjectHandle information = trailer.getKey("/Info");
+    if (!information.isDictionary() || !information.isIndirect()) {
+        information =
+            objects.add(information.isDictionary() ? information.shallowCopy() : QPDFObjectHandle::newDictionary());
+        trailer.replaceKey("/Info", information);
+    }
+    QStringList changed;
+    for (const std::string& key : information.getKeys()) {
+        const QString name = QString::fromStdString(key.substr(1));
+        if (attributes.contains(name) || !present(information.getKey(key)))
+            continue;
+        objects.remove(information, key);
+        changed.append(name);
+    }
+    for (auto attribute = attributes.begin(); attribute != attributes.end(); ++attribute) {
+        const std::string key = keyName(attribute.key());
+        if (attribute.key().isEmpty() || says(information.getKey(key), attribute.value()))
+            continue;
+        objects.set(information, key, object(attribute.value()));
+        changed.append(attribute.key());
+    }
+    updateMetadata(changed, attributes, objects);
+}

@@ -1,0 +1,99 @@
+#include "JpegHeader.h"
+
+#include <QtEndian>
+
+namespace {
+
+int orientationFromExif(QByteArrayView segment) {
+    constexpr quint16 orientationTag = 0x0112;
+    if (!segment.startsWith(QByteArrayView("Exif\0\0", 6)))
+        return 1;
+    const QByteArrayView tiff = segment.sliced(6);
+    const bool bigEndian = tiff.startsWith("MM");
+    const auto word = [&](qsizetype at) -> quint32 {
+        if (at < 0 || at + 2 > tiff.size())
+            return 0;
+        return bigEndian ? qFromBigEndian<quint16>(tiff.data() + at) : qFromLittleEndian<quint16>(tiff.data() + at);
+    };
+    const auto longWord = [&](qsizetype at) -> quint32 {
+        return bigEndian ? word(at) << 16 | word(at + 2) : word(at + 2) << 16 | word(at);
+    };
+    const qsizetype directory = qsizetype(longWord(4));
+    const quint32 count = word(directory);
+    for (quint32 i = 0; i < count; ++i) {
+        const qsizetype entry = directory + 2 + qsizetype(i) * 12;
+        if (entry + 12 > tiff.size())
+            break;
+        if (word(entry) == orientationTag)
+            return int(std::clamp(word(entry + 8), quint32(1), quint32(8)));
+    }
+    return 1;
+}
+
+} // namespace
+
+std::optional<JpegHeader> JpegHeader::read(const QByteArray& bytes) {
+    if (!bytes.startsWith("\xFF\xD8"))
+        return std::nullopt;
+    JpegHeader header;
+    bool byAdobe = false;
+    qsizetype at = 2;
+    while (at + 4 <= bytes.size()) {
+        const auto byte = [&bytes](qsizetype i) { return int(static_cast<unsigned char>(bytes[i])); };
+        if (byte(at) != 0xFF)
+            return std::nullopt;
+        const int marker = byte(at + 1);
+        if (marker == 0xFF) { // filling
+            ++at;
+            continue;
+        }
+        if (marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8)) { // without a segment
+            at += 2;
+            continue;
+        }
+        const qsizetype length = byte(at + 2) << 8 | byte(at + 3);
+        if (length < 2 || at + 2 + length > bytes.size())
+            return std::nullopt;
+        const QByteArrayView segment = QByteArrayView(bytes).sliced(at + 4, length - 2);
+        if (marker == 0xE1)
+            header.orientation = std::max(header.orientation, orientationFromExif(segment));
+        if (marker == 0xEE && segment.startsWith("Adobe"))
+            byAdobe = true;
+        const bool isFrame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+        if (isFrame) {
+            if (marker > 0xC2 || segment.size() < 6 || segment[0] != 8)
+                return std::nullopt;
+            header.height = byte(at + 5) << 8 | byte(at + 6);
+            header.width = byte(at + 7) << 8 | byte(at + 8);
+            header.components = byte(at + 9);
+            header.isInverted = header.components == 4 && byAdobe;
+            const bool known = header.components == 1 || header.components == 3 || header.components == 4;
+            return known && header.width > 0 && header.height > 0 ? std::optional(header) : std::nullopt;
+        }
+        if (marker == 0xDA || marker == 0xD9) // the picture before its header
+            return std::nullopt;
+        at += 2 + length;
+    }
+    return std::nullopt;
+}
+
+QTransform JpegHeader::uprightTransform() const {
+    switch (orientation) {
+    case 2: // mirrored left to right
+        return {-1, 0, 0, 1, 1, 0};
+    case 3:
+        return {-1, 0, 0, -1, 1, 1};
+    case 4:
+        return {1, 0, 0, -1, 0, 1};
+    case 5: // mirrored at the falling diagonal
+        return {0, -1, -1, 0, 1, 1};
+    case 6: // to be turned clockwise
+        return {0, -1, 1, 0, 0, 1};
+    case 7:
+        return {0, 1, 1, 0, 0, 0};
+    case 8:
+        return {0, 1, -1, 0, 1, 0};
+    default:
+        return {};
+    }
+}

@@ -1,0 +1,76 @@
+#include "ObjectCopier.h"
+
+bool ObjectCopier::isPageObject(QPDFObjectHandle object) {
+    if (!object.isDictionary())
+        return false;
+    QPDFObjectHandle type = object.getKey("/Type");
+    if (type.isName())
+        return type.getName() == "/Page" || type.getName() == "/Pages" || type.getName() == "/Template";
+    return object.getKey("/Parent").isDictionary() && (object.hasKey("/MediaBox") || object.hasKey("/Contents") ||
+                                                       (object.hasKey("/Kids") && object.hasKey("/Count")));
+}
+
+void ObjectCopier::setReplacement(QPDFObjectHandle foreign, QPDFObjectHandle replacement) {
+    m_copies[foreign.getObjGen()] = replacement;
+}
+
+QPDFObjectHandle ObjectCopier::copy(QPDFObjectHandle foreign) {
+    QPDFObjectHandle result = translate(foreign);
+    while (!m_pending.empty()) {
+        Pending next = m_pending.front();
+        m_pending.pop_front();
+        if (next.foreign.isStream()) {
+            QPDFObjectHandle dictionary = translateDictionary(next.foreign.getDict());
+            dictionary.removeKey("/Length");
+            m_target.fillStream(next.copy, dictionary, next.foreign);
+        } else if (next.foreign.isDictionary()) {
+            m_target.fill(next.copy, translateDictionary(next.foreign));
+        } else if (next.foreign.isArray()) {
+            QPDFObjectHandle array = QPDFObjectHandle::newArray();
+            for (const QPDFObjectHandle& item : next.foreign.aitems())
+                array.appendItem(translate(item));
+            m_target.fill(next.copy, array);
+        } else {
+            m_target.fill(next.copy, next.foreign.shallowCopy());
+        }
+    }
+    return result;
+}
+
+QPDFObjectHandle ObjectCopier::reference(QPDFObjectHandle foreign) {
+    const auto known = m_copies.find(foreign.getObjGen());
+    if (known != m_copies.end())
+        return known->second;
+    if (isPageObject(foreign) || foreign.isNull())
+        return m_copies[foreign.getObjGen()] = QPDFObjectHandle::newNull();
+    if (m_same && foreign.isStream())
+        return m_copies[foreign.getObjGen()] = m_same->getObject(foreign.getObjGen());
+    QPDFObjectHandle copy = foreign.isStream() ? m_target.reserveStream() : m_target.reserve();
+    m_copies[foreign.getObjGen()] = copy;
+    m_pending.push_back({foreign, copy});
+    return copy;
+}
+
+QPDFObjectHandle ObjectCopier::translate(QPDFObjectHandle value) {
+    if (value.isIndirect())
+        return reference(value);
+    // The parser limits how deep direct values nest.
+    if (value.isDictionary())
+        return translateDictionary(value);
+    if (value.isArray()) {
+        QPDFObjectHandle array = QPDFObjectHandle::newArray();
+        for (const QPDFObjectHandle& item : value.aitems())
+            array.appendItem(translate(item));
+        return array;
+    }
+    return value.shallowCopy();
+}
+
+QPDFObjectHandle ObjectCopier::translateDictionary(QPDFObjectHandle dictionary) {
+    QPDFObjectHandle copy = QPDFObjectHandle::newDictionary();
+    for (const auto& [key, value] : dictionary.ditems()) {
+        if (key != "/StructParent" && key != "/StructParents")
+            copy.replaceKey(key, translate(value));
+    }
+    return copy;
+}

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFObjectHandle.hh>
+
+#include <QByteArray>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+
+/// The bytes of a stream: encoded as the stream's dictionary says, or those of a stream of another file, which must
+/// stay open until the new file is written.
+using StreamContent = std::variant<QByteArray, QPDFObjectHandle>;
+
+/// Where the objects of a file go that is being composed. The objects that the file has already are changed in place
+/// through their handles; `noteChange` tells of it.
+class ObjectStore {
+public:
+    explicit ObjectStore(QPDF& pdf) : m_pdf(pdf) {}
+    virtual ~ObjectStore() = default;
+    ObjectStore(const ObjectStore&) = delete;
+    ObjectStore& operator=(const ObjectStore&) = delete;
+
+    [[nodiscard]] QPDF& pdf() const { return m_pdf; }
+    [[nodiscard]] QPDFObjectHandle root() const { return m_pdf.getRoot(); }
+
+    /// A number for an object that is filled later, so that others may refer to it before.
+    [[nodiscard]] virtual QPDFObjectHandle reserve() = 0;
+    virtual void fill(QPDFObjectHandle reserved, QPDFObjectHandle value) = 0;
+    [[nodiscard]] virtual QPDFObjectHandle reserveStream() = 0;
+    virtual void fillStream(QPDFObjectHandle reserved, QPDFObjectHandle dictionary, const StreamContent& content) = 0;
+
+    /// To be called for an indirect object of the file whose value was changed. A null handle's or a direct object's
+    /// change is that of the object that holds it, so those are a programming error.
+    virtual void noteChange(QPDFObjectHandle object) = 0;
+
+    /// A new indirect object.
+    [[nodiscard]] QPDFObjectHandle add(QPDFObjectHandle value);
+    /// A new stream of plain bytes, which are compressed when that makes them shorter.
+    [[nodiscard]] QPDFObjectHandle addStream(QPDFObjectHandle dictionary, const QByteArray& data);
+    /// A copy of an indirect object's own value under a number of its own; what it refers to stays shared.
+    [[nodiscard]] QPDFObjectHandle addCopy(QPDFObjectHandle object);
+    void set(QPDFObjectHandle object, const std::string& key, QPDFObjectHandle value);
+    void remove(QPDFObjectHandle object, const std::string& key);
+
+    /// The dictionary at `key` of an indirect dictionary as an indirect object, so that it can be changed alone. One
+    /// that stands directly in its owner is moved out of it; one that is missing, or is something else, is made.
+    [[nodiscard]] QPDFObjectHandle dictionaryAt(QPDFObjectHandle owner, const std::string& key);
+
+private:
+    QPDF& m_pdf;
+};
+
+/// Objects of a file that is written anew as a whole.
+class FileObjects : public ObjectStore {
+public:
+    using ObjectStore::ObjectStore;
+    [[nodiscard]] QPDFObjectHandle reserve() override;
+    void fill(QPDFObjectHandle reserved, QPDFObjectHandle value) override;
+    [[nodiscard]] QPDFObjectHandle reserveStream() override;
+    void fillStream(QPDFObjectHandle reserved, QPDFObjectHandle dictionary, const StreamContent& content) override;
+    void noteChange(QPDFObjectHandle object) override;
+};
+
+/// New and changed objects, to be appended to the file that they belong to. Nothing but the objects asked for is read:
+/// numbering through QPDF would first read every object of the file.
+class UpdateObjects : public ObjectStore {
+public:
+    explicit UpdateObjects(QPDF& pdf);
+    [[nodiscard]] QPDFObjectHandle reserve() override;
+    void fill(QPDFObjectHandle reserved, QPDFObjectHandle value) override;
+    [[nodiscard]] QPDFObjectHandle reserveStream() override;
+    void fillStream(QPDFObjectHandle reserved, QPDFObjectHandle dictionary, const StreamContent& content) override;
+    void noteChange(QPDFObjectHandle object) override;
+
+    struct Entry {
+        QPDFObjectHandle object;         ///< of a stream: its dictionary
+        std::optional<QByteArray> bytes; ///< of a stream
+    };
+    /// Everything new and changed.
+    [[nodiscard]] const std::map<QPDFObjGen, Entry>& entries() const { return m_entries; }
+    /// The object of that number with whichever generation the file has it in.
+    [[nodiscard]] QPDFObjectHandle object(int number) const;
+    /// One more than the highest number in use.
+    [[nodiscard]] int size() const { return m_next; }
+
+private:
+    std::map<QPDFObjGen, Entry> m_entries;
+    std::map<int, int> m_generations; // of the file's objects, where it isn't zero
+    int m_next = 1;
+};

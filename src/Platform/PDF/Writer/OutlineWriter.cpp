@@ -1,0 +1,77 @@
+#include "OutlineWriter.h"
+
+#include "PDFOutline.h"
+#include "PdfValues.h"
+
+#include <QUrl>
+
+#include <vector>
+
+namespace {
+
+/// An item that is being written, with those of its children that are done.
+struct Level {
+    const PDFOutline* item;
+    QPDFObjectHandle object;
+    int next = 0;    ///< child to write
+    int visible = 0; ///< rows below it that show while it is open
+    QPDFObjectHandle last = QPDFObjectHandle::newNull();
+};
+
+void setTarget(QPDFObjectHandle object, const PDFOutline& item, const AnnotationDictionary::PageLookup& pages) {
+    if (item.destination()) {
+        QPDFObjectHandle target = AnnotationDictionary::destination(*item.destination(), pages);
+        if (!target.isNull())
+            object.replaceKey("/Dest", target);
+    } else if (!item.url().isEmpty()) {
+        QPDFObjectHandle action = QPDFObjectHandle::newDictionary();
+        action.replaceKey("/S", PdfValues::name("URI"));
+        action.replaceKey("/URI", QPDFObjectHandle::newString(QUrl(item.url()).toEncoded().toStdString()));
+        object.replaceKey("/A", action);
+    }
+}
+
+void setCount(const Level& level, bool open) {
+    QPDFObjectHandle object = level.object;
+    if (level.visible > 0)
+        object.replaceKey("/Count", QPDFObjectHandle::newInteger(open ? level.visible : -level.visible));
+}
+
+} // namespace
+
+void OutlineWriter::write(const PDFOutline* root, ObjectStore& objects, const AnnotationDictionary::PageLookup& pages) {
+    if (!root || root->numberOfChildren() == 0) {
+        objects.remove(objects.root(), "/Outlines");
+        return;
+    }
+    QPDFObjectHandle top = objects.add(QPDFObjectHandle::parse("<< /Type /Outlines >>"));
+    objects.set(objects.root(), "/Outlines", top);
+    std::vector<Level> levels{{root, top}};
+    while (!levels.empty()) {
+        const std::shared_ptr<PDFOutline> child = levels.back().item->child(levels.back().next);
+        if (!child) {
+            const Level done = levels.back();
+            levels.pop_back();
+            const bool open = levels.empty() || done.item->isOpen();
+            setCount(done, open);
+            if (!levels.empty())
+                levels.back().visible += 1 + (open ? done.visible : 0);
+            continue;
+        }
+        Level& parent = levels.back();
+        ++parent.next;
+        QPDFObjectHandle object = objects.add(QPDFObjectHandle::newDictionary());
+        object.replaceKey("/Title", PdfValues::text(child->label()));
+        object.replaceKey("/Parent", parent.object);
+        setTarget(object, *child, pages);
+        if (parent.last.isNull()) {
+            parent.object.replaceKey("/First", object);
+        } else {
+            parent.last.replaceKey("/Next", object);
+            object.replaceKey("/Prev", parent.last);
+        }
+        parent.object.replaceKey("/Last", object);
+        parent.last = object;
+        levels.push_back({child.get(), object});
+    }
+}

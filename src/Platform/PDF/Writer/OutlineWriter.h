@@ -1,0 +1,15 @@
+#pragma once
+
+#include "AnnotationDictionary.h"
+#include "ObjectStore.h"
+
+class PDFOutline;
+
+/// Writes an outline (ISO 32000-1, 12.3.3).
+namespace OutlineWriter {
+
+/// Replaces the outline of the file; null removes it. An entry whose page isn't in the file keeps its label and leads
+/// nowhere.
+void write(const PDFOutline* root, ObjectStore& objects, const AnnotationDictionary::PageLookup& pages);
+
+} // namespace OutlineWriter

@@ -1,0 +1,174 @@
+#include "RewriteComposer.h"
+
+#include "AppearanceRecorder.h"
+#include "InformationWriter.h"
+#include "LayerImporter.h"
+#include "OutlineWriter.h"
+#include "PDFPage.h"
+#include "PDFSource.h"
+#include "PageAnnotations.h"
+#include "PageImporter.h"
+#include "PageTree.h"
+#include "RemovedPages.h"
+
+#include <qpdf/Pipeline.hh>
+#include <qpdf/QPDFWriter.hh>
+
+namespace {
+
+/// Collects what is written, without the second copy of it that a buffer of the writer's own would be.
+class BytesPipeline : public Pipeline {
+public:
+    explicit BytesPipeline(QByteArray& bytes) : Pipeline("document", nullptr), m_bytes(bytes) {}
+    void write(const unsigned char* data, std::size_t size) override {
+        m_bytes.append(reinterpret_cast<const char*>(data), qsizetype(size));
+    }
+    void finish() override {}
+
+private:
+    QByteArray& m_bytes;
+};
+
+/// In the form that AES-256 files take (ISO 32000-2, 7.6.4.3.3).
+std::string passwordBytes(const QString& password) {
+    constexpr qsizetype longest = 127;
+    return password.normalized(QString::NormalizationForm_KC).toUtf8().left(longest).toStdString();
+}
+
+} // namespace
+
+RewriteComposer::RewriteComposer(const DocumentContents& contents, const PDFWriteOptions& options)
+    : m_contents(contents), m_options(options) {}
+
+RewriteComposer::~RewriteComposer() = default;
+
+QByteArray RewriteComposer::compose() {
+    if (m_contents.source) {
+        m_main = std::make_unique<SourceFile>(m_contents.source, true);
+    } else {
+        m_empty = std::make_unique<QPDF>();
+        m_empty->emptyPDF();
+    }
+    m_objects = std::make_unique<FileObjects>(m_main ? m_main->pdf() : *m_empty);
+    m_form = std::make_unique<FormFields>(*m_objects);
+    m_files = std::make_unique<SourceFiles>(*m_objects, *m_form, m_main.get());
+
+    findPages();
+    const AnnotationDictionary::PageLookup lookup = [this](const PDFPage& page) { return pageObject(page); };
+    AppearanceRecorder recorder(*m_objects);
+    PageAnnotations annotations(*m_objects, *m_form, recorder, *m_files, lookup);
+    writePages(annotations);
+    if (m_contents.outlineChanged)
+        OutlineWriter::write(m_contents.outline.get(), *m_objects, lookup);
+    if (m_contents.attributesChanged)
+        InformationWriter::write(m_contents.attributes, *m_objects);
+    recorder.finish();
+    for (SourceFiles::Foreign* file : m_files->opened())
+        LayerImporter::bringOver(file->file.pdf(), file->copier, *m_objects);
+    arrangePages();
+    return write();
+}
+
+QPDFObjectHandle RewriteComposer::pageObject(const PDFPage& page) const {
+    const auto place = m_places.find(&page);
+    return place == m_places.end() ? QPDFObjectHandle::newNull() : m_pages[place->second].object;
+}
+
+void RewriteComposer::findPages() {
+    m_importer = std::make_unique<PageImporter>(*m_objects, *m_files);
+    std::set<QPDFObjGen> used;
+    bool repeats = false;
+    for (std::size_t i = 0; i < m_contents.pages.size(); ++i) {
+        const DocumentContents::Page& page = m_contents.pages[i];
+        if (page.live)
+            m_places[page.live.get()] = i;
+        const bool fromMain = m_files->isMain(page.content.source);
+        if (fromMain) {
+            QPDFObjectHandle object = m_main->page(page.content.pageNumber);
+            if (object.isDictionary() && object.isIndirect() && used.insert(object.getObjGen()).second) {
+                m_pages.push_back({object, false});
+                continue;
+            }
+            repeats = true;
+        }
+        m_pages.push_back({m_objects->reserve(), true});
+    }
+    // Links in pages that are brought in lead to pages that are here already rather than to their copies.
+    if (repeats)
+        for (std::size_t i = 0; i < m_pages.size(); ++i)
+            if (!m_pages[i].imported)
+                m_importer->announce(m_contents.pages[i].content, m_pages[i].object);
+    for (std::size_t i = 0; i < m_pages.size(); ++i)
+        if (m_pages[i].imported)
+            m_importer->announce(m_contents.pages[i].content, m_pages[i].object);
+    m_importer->separateFromOthers();
+}
+
+void RewriteComposer::writePages(PageAnnotations& annotations) {
+    for (std::size_t i = 0; i < m_pages.size(); ++i) {
+        const DocumentContents::Page& page = m_contents.pages[i];
+        QPDFObjectHandle object = m_pages[i].object;
+        const PDFPage* changed = page.modified && page.live->annotationsLoaded() ? page.live.get() : nullptr;
+        std::vector<QPDFObjectHandle> original;
+        if (m_pages[i].imported)
+            original = m_importer->fill(page.content, changed, object);
+        else if (object.getKey("/Annots").isArray())
+            original = object.getKey("/Annots").getArrayAsVector();
+        if (page.modified && page.live->rotation() != page.content.source->geometry(page.content.pageNumber).rotation)
+            m_objects->set(object, "/Rotate", QPDFObjectHandle::newInteger(page.live->rotation()));
+        if (changed)
+            annotations.write(*changed, object, original);
+    }
+}
+
+void RewriteComposer::arrangePages() {
+    if (m_contents.hasSourceOrder())
+        return; // the tree is right as it stands
+    std::vector<QPDFObjectHandle> pages;
+    std::set<QPDFObjGen> kept;
+    for (OutputPage& page : m_pages) {
+        if (!page.imported)
+            PageTree::keepInherited(page.object, *m_objects);
+        pages.push_back(page.object);
+        kept.insert(page.object.getObjGen());
+    }
+    std::vector<QPDFObjectHandle> gone;
+    for (int number = 0; m_main && number < m_contents.source->pageCount(); ++number) {
+        QPDFObjectHandle page = m_main->page(number);
+        if (page.isDictionary() && page.isIndirect() && kept.count(page.getObjGen()) == 0)
+            gone.push_back(page);
+    }
+    PageTree::write(pages, *m_objects);
+    if (!gone.empty())
+        Pruner::prune(RemovedPages(std::move(gone), std::move(pages)), *m_objects);
+}
+
+QByteArray RewriteComposer::write() {
+    // The writer corrects the size, but only one that is there.
+    m_objects->pdf().getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
+    QByteArray bytes;
+    BytesPipeline pipeline(bytes);
+    QPDFWriter writer(m_objects->pdf());
+    writer.setOutputPipeline(&pipeline);
+    writer.setObjectStreamMode(m_main ? qpdf_o_preserve : qpdf_o_generate);
+    // Streams are written as they are: to pack them again would take most of the time and gain little.
+    writer.setStreamDataMode(qpdf_s_preserve);
+    writer.setDecodeLevel(qpdf_dl_none);
+    for (SourceFiles::Foreign* file : m_files->opened())
+        writer.setMinimumPDFVersion(file->file.pdf().getVersionAsPDFVersion());
+    // What is recorded or marked with a highlighter is transparent.
+    writer.setMinimumPDFVersion("1.4");
+
+    const std::string user = passwordBytes(m_options.userPassword);
+    const std::string owner = passwordBytes(m_options.ownerPassword);
+    if (!user.empty() || !owner.empty()) {
+        // Without an owner's password anybody would be taken for the owner.
+        const std::string& ownerOrUser = owner.empty() ? user : owner;
+        writer.setR6EncryptionParameters(user.c_str(), ownerOrUser.c_str(), true, true, true, true, true, true,
+                                         qpdf_r3p_full, true);
+    } else if (!m_objects->pdf().isEncrypted()) {
+        writer.setDeterministicID(true);
+    }
+    writer.write();
+    return bytes;
+}

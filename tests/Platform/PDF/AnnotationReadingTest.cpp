@@ -1,0 +1,199 @@
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFOutline.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+
+#include <QDateTime>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::shared_ptr<PDFAnnotation> readBack(const QByteArray& dictionary) {
+    PdfFixture pdf;
+    pdf.addPage({});
+    pdf.addAnnotation(0, dictionary);
+    static std::shared_ptr<PDFDocument> keptAlive;
+    keptAlive = PDFDocument::fromData(pdf.bytes());
+    const auto& all = keptAlive->page(0)->annotations();
+    return all.empty() ? nullptr : all.front();
+}
+
+} // namespace
+
+TEST(AnnotationReading, TakesTheStandardKeys) {
+    const auto line = readBack("<< /Subtype /Line /Rect [200 300 100 50] /C [1 0 0] /L [110 60 190 290] "
+                               "/LE [/Circle /ClosedArrow] /BS << /W 3 /S /D /D [4 2] >> /Contents (note) /T (Ann) "
+                               "/M (D:20240229123000+01'30') /F 68 >>");
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->type(), PDFAnnotationSubtype::line);
+    EXPECT_EQ(line->bounds(), QRectF(100, 50, 100, 250));
+    EXPECT_EQ(line->color(), QColor(Qt::red));
+    EXPECT_EQ(line->startPoint(), QPointF(110, 60));
+    EXPECT_EQ(line->endPoint(), QPointF(190, 290));
+    EXPECT_EQ(line->startLineStyle(), PDFLineStyle::circle);
+    EXPECT_EQ(line->endLineStyle(), PDFLineStyle::closedArrow);
+    EXPECT_EQ(line->border(), (PDFBorder{3, PDFBorderStyle::dashed, {4, 2}}));
+    EXPECT_EQ(line->contents(), QStringLiteral("note"));
+    EXPECT_EQ(line->userName(), QStringLiteral("Ann"));
+    EXPECT_EQ(line->modificationDate().toUTC(), QDateTime(QDate(2024, 2, 29), QTime(11, 0), Qt::UTC));
+    EXPECT_TRUE(line->shouldPrint());
+    EXPECT_FALSE(line->isModified());
+
+    const auto ink = readBack("<< /Subtype /Ink /Rect [10 20 110 120] /InkList [[10 20 60 70 110 120] [20 30]] >>");
+    ASSERT_EQ(ink->paths().size(), 2U);
+    EXPECT_EQ(ink->paths()[0].elementAt(1).x, 50); // relative to the lower left corner of its box
+    EXPECT_EQ(ink->paths()[0].elementAt(2).y, 100);
+
+    const auto free = readBack("<< /Subtype /FreeText /Rect [0 0 9 9] /DA (0 0 1 rg /Helv 14.5 Tf) /Contents "
+                               "<FEFF00E4D83DDE00> >>");
+    EXPECT_EQ(free->contents(), QString::fromUtf8("ä😀"));
+    EXPECT_EQ(free->fontColor(), QColor(Qt::blue));
+    EXPECT_DOUBLE_EQ(free->font()->pointSizeF(), 14.5);
+
+    const auto marked = readBack("<< /Subtype /Highlight /Rect [0 0 50 10] /QuadPoints [0 10 50 10 0 0 50 0] >>");
+    EXPECT_EQ(marked->quadrilateralPoints(), std::vector{PDFQuad::fromRect(QRectF(0, 0, 50, 10))});
+}
+
+TEST(AnnotationReading, SurvivesAbsurdKeys) {
+    for (const QByteArray dictionary :
+         {"<< /Subtype /Ink /Rect (no) /InkList [[1] null [1 2 3] (x)] /BS << /W -5e30 /D [] /S /D >> >>",
+          "<< /Subtype /Line /L [1 2] /LE /Butt /C [1 2 3 4 5 6] /Border [0 0] >>",
+          "<< /Subtype /Widget /FT 7 /Ff (x) /V [1 2] /Parent 99999 0 R /MK null /DA (Tf Tf / 9 Tf rg) >>",
+          "<< /Subtype /Acme /Rect [1e39 0 0 -1e39] /QuadPoints [1 2 3] /M (D:99999999999999) >>"}) {
+        const auto annotation = readBack(dictionary);
+        ASSERT_TRUE(annotation) << dictionary.toStdString();
+        EXPECT_FALSE(annotation->page()->thumbnail(QSize(50, 50), PDFDisplayBox::cropBox).isNull());
+    }
+    EXPECT_FALSE(readBack("<< /Rect [0 0 1 1] >>"));
+    EXPECT_FALSE(readBack("[ 1 2 ]"));
+    PdfFixture pdf;
+    pdf.addPage({});
+    const QByteArray field = pdf.addTextField(0, QStringLiteral("a"), QRectF(0, 0, 10, 10), QStringLiteral("b"));
+    pdf.setKey(field, "/Parent", field); // its own parent
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    EXPECT_EQ(document->page(0)->annotations().at(0)->widgetFieldType(), PDFWidgetFieldType::text);
+}
+
+TEST(AnnotationReading, LinksLeadToPagesEvenAfterTheyMoved) {
+    PdfFixture pdf;
+    for (int i = 0; i < 3; ++i)
+        pdf.addPage({QStringLiteral("Page %1").arg(i)});
+    pdf.addNamedDestination("chapter", 2);
+    pdf.addLink(0, QRectF(0, 0, 10, 10), 1);
+    pdf.addNamedLink(0, QRectF(20, 0, 10, 10), "chapter");
+    pdf.addUriLink(0, QRectF(40, 0, 10, 10), "https://example.org/a?b=c");
+    pdf.addNamedLink(0, QRectF(60, 0, 10, 10), "nowhere");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto target = document->page(2);
+    const auto links = document->page(0)->annotations();
+    ASSERT_EQ(links.size(), 4U);
+    EXPECT_EQ(links[0]->destination()->page(), document->page(1));
+    EXPECT_EQ(links[1]->destination()->page(), target);
+    EXPECT_EQ(links[2]->url(), QStringLiteral("https://example.org/a?b=c"));
+    EXPECT_FALSE(links[2]->destination());
+    EXPECT_FALSE(links[3]->destination());
+    document->insert(document->removePage(2), 0);
+    EXPECT_EQ(document->index(links[1]->destination()->page().get()), 0);
+    document->removePage(0);
+    EXPECT_FALSE(links[1]->destination());
+}
+
+TEST(AnnotationReading, FieldsInheritFromTheirParents) {
+    PdfFixture pdf;
+    pdf.addPage({});
+    pdf.addRadioGroup(QStringLiteral("choice"), {{0, QRectF(0, 0, 10, 10), "yes"}, {0, QRectF(20, 0, 10, 10), "no"}},
+                      "no");
+    pdf.addTextField(0, QStringLiteral("name"), QRectF(0, 20, 100, 20), QString::fromUtf8("Zoë"));
+    pdf.addCheckBox(0, QStringLiteral("ok"), QRectF(0, 50, 10, 10), true);
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto fields = document->page(0)->annotations();
+    ASSERT_EQ(fields.size(), 4U);
+    EXPECT_EQ(fields[0]->fieldName(), QStringLiteral("choice"));
+    EXPECT_EQ(fields[0]->widgetControlType(), PDFWidgetControlType::radioButton);
+    EXPECT_EQ(fields[0]->buttonWidgetState(), PDFWidgetCellState::off);
+    EXPECT_EQ(fields[1]->buttonWidgetState(), PDFWidgetCellState::on);
+    EXPECT_EQ(fields[2]->widgetStringValue(), QString::fromUtf8("Zoë"));
+    EXPECT_EQ(fields[3]->widgetControlType(), PDFWidgetControlType::checkBox);
+    EXPECT_EQ(fields[3]->buttonWidgetState(), PDFWidgetCellState::on);
+}
+
+TEST(AnnotationsOfAPage, ChangesAreToldAndCounted) {
+    PdfFixture pdf;
+    pdf.addPage({});
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    int told = 0;
+    QObject::connect(document.get(), &PDFDocument::pageContentChanged, [&](PDFPage* changed) {
+        EXPECT_EQ(changed, page.get());
+        ++told;
+    });
+    const auto square = std::make_shared<PDFAnnotation>(QRectF(50, 60, -20, -20), PDFAnnotationSubtype::square);
+    EXPECT_EQ(square->bounds(), QRectF(30, 40, 20, 20));
+    page->addAnnotation(square);
+    page->addAnnotation(square); // it is on a page already
+    EXPECT_EQ(page->annotations().size(), 1U);
+    EXPECT_EQ(told, 1);
+    square->setColor(QColor(Qt::green));
+    square->setColor(QColor(Qt::green));
+    EXPECT_EQ(told, 2);
+    EXPECT_EQ(page->annotation(QPointF(40, 50)), square);
+    EXPECT_EQ(page->annotation(QPointF(10, 10)), nullptr);
+    const auto copy = page->copy();
+    ASSERT_EQ(copy->annotations().size(), 1U);
+    EXPECT_NE(copy->annotations()[0], square);
+    EXPECT_EQ(copy->annotations()[0]->page(), copy);
+    EXPECT_EQ(copy->annotations()[0]->color(), QColor(Qt::green));
+    page->removeAnnotation(square);
+    EXPECT_EQ(square->page(), nullptr);
+    EXPECT_FALSE(page->isModified());
+    EXPECT_EQ(page->removeAnnotation(square), -1);
+}
+
+TEST(OutlineReading, KeepsTheTreeAndEndsCycles) {
+    PdfFixture pdf;
+    for (int i = 0; i < 3; ++i)
+        pdf.addPage({QStringLiteral("Page %1").arg(i)});
+    pdf.addNamedDestination("here", 1);
+    pdf.setOutline(
+        {{QString::fromUtf8("Überblick"), 0, {{QStringLiteral("Inner"), 2}, {QStringLiteral("Named"), -1, {}, "here"}}},
+         {QStringLiteral("Web"), -1, {}, {}, QStringLiteral("https://example.org/")}});
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto root = document->outlineRoot();
+    ASSERT_TRUE(root);
+    ASSERT_EQ(root->numberOfChildren(), 2);
+    EXPECT_EQ(root->child(0)->label(), QString::fromUtf8("Überblick"));
+    EXPECT_EQ(root->child(0)->destination()->page(), document->page(0));
+    ASSERT_EQ(root->child(0)->numberOfChildren(), 2);
+    EXPECT_EQ(root->child(0)->child(0)->destination()->page(), document->page(2));
+    EXPECT_EQ(root->child(0)->child(1)->destination()->page(), document->page(1));
+    EXPECT_FALSE(root->child(1)->destination());
+    EXPECT_EQ(root->child(1)->url(), QStringLiteral("https://example.org/"));
+    EXPECT_EQ(root->child(5), nullptr);
+
+    PdfFixture cyclic;
+    cyclic.addPage({});
+    const QByteArray outlines = cyclic.reserveObject();
+    const QByteArray item = cyclic.reserveObject();
+    cyclic.fillObject(item, "<< /Title (again) /First " + item + " /Next " + item + " /Parent " + outlines + " >>");
+    cyclic.fillObject(outlines, "<< /First " + item + " /Last " + item + " >>");
+    cyclic.setRootKey("/Outlines", outlines);
+    EXPECT_EQ(PDFDocument::fromData(cyclic.bytes())->outlineRoot()->numberOfChildren(), 1);
+}
+
+TEST(AttributeReading, GivesEachKindItsType) {
+    PdfFixture pdf;
+    pdf.addPage({});
+    pdf.setInfo("/Title", QString::fromUtf8("Été"));
+    pdf.setInfo("/Keywords", QStringLiteral("one, two;three"));
+    pdf.setInfo("/CreationDate", QStringLiteral("D:20240101000000Z"));
+    pdf.setInfo("/House", QStringLiteral("own"));
+    const QVariantMap attributes = PDFDocument::fromData(pdf.bytes())->documentAttributes();
+    EXPECT_EQ(attributes.value(QStringLiteral("Title")), QString::fromUtf8("Été"));
+    EXPECT_EQ(attributes.value(QStringLiteral("Keywords")).toStringList(),
+              (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+    EXPECT_EQ(attributes.value(QStringLiteral("CreationDate")).toDateTime(),
+              QDateTime(QDate(2024, 1, 1), QTime(0, 0), Qt::UTC));
+    EXPECT_EQ(attributes.value(QStringLiteral("House")), QStringLiteral("own"));
+}

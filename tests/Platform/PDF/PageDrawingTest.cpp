@@ -1,0 +1,151 @@
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PageRenderer.h"
+#include "PdfFixtures.h"
+
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// Red in the lower left quarter of a 200 by 100 page, blue in the upper right one.
+constexpr auto quarters = "1 0 0 rg 0 0 100 50 re f 0 0 1 rg 100 50 100 50 re f";
+
+const QRgb red = qRgb(255, 0, 0);
+const QRgb blue = qRgb(0, 0, 255);
+const QRgb white = qRgb(255, 255, 255);
+
+std::shared_ptr<PDFDocument> quartersPage(const std::vector<std::pair<QByteArray, QByteArray>>& keys = {}) {
+    PdfFixture pdf;
+    pdf.addPageWithContent(quarters, "<< >>", QSizeF(200, 100));
+    for (const auto& [key, value] : keys)
+        pdf.setPageKey(0, key, value);
+    return PDFDocument::fromData(pdf.bytes());
+}
+
+QRgb at(const QImage& image, double x, double y) {
+    return image.pixel(int(x * image.width()), int(y * image.height())) | 0xFF000000U;
+}
+
+} // namespace
+
+TEST(PageDrawing, ThumbnailsShowThePageTurnedAndKeepItsRatio) {
+    struct Case {
+        QByteArray rotate;
+        QSize expected;
+        QRgb upperLeft, upperRight, lowerLeft, lowerRight;
+    };
+    for (const Case& c :
+         {Case{"0", {100, 50}, white, blue, red, white}, Case{"90", {50, 100}, red, white, white, blue},
+          Case{"180", {100, 50}, white, red, blue, white}, Case{"270", {50, 100}, blue, white, white, red}}) {
+        const auto document = quartersPage({{"/Rotate", c.rotate}});
+        const QImage image = document->page(0)->thumbnail(QSize(100, 100), PDFDisplayBox::cropBox);
+        ASSERT_EQ(image.size(), c.expected) << c.rotate.toStdString();
+        EXPECT_EQ(at(image, 0.25, 0.25), c.upperLeft) << c.rotate.toStdString();
+        EXPECT_EQ(at(image, 0.75, 0.25), c.upperRight) << c.rotate.toStdString();
+        EXPECT_EQ(at(image, 0.25, 0.75), c.lowerLeft) << c.rotate.toStdString();
+        EXPECT_EQ(at(image, 0.75, 0.75), c.lowerRight) << c.rotate.toStdString();
+    }
+    EXPECT_TRUE(quartersPage()->page(0)->thumbnail(QSize(0, 10), PDFDisplayBox::cropBox).isNull());
+}
+
+TEST(PageDrawing, DrawPutsTheBoxAtTheOriginAndDoesNotTurn) {
+    const auto document = quartersPage({{"/CropBox", "[50 0 200 100]"}, {"/Rotate", "90"}});
+    QImage image(300, 200, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.translate(0, image.height());
+    painter.scale(2, -2);
+    document->page(0)->draw(PDFDisplayBox::cropBox, painter);
+    painter.end();
+    EXPECT_EQ(image.pixel(50, 150), red); // page (75, 25)
+    EXPECT_EQ(image.pixel(99, 150), red);
+    EXPECT_EQ(image.pixel(101, 150), white);
+    EXPECT_EQ(image.pixel(200, 50), blue); // page (150, 75)
+}
+
+TEST(PageDrawing, PiecesOfAPageJoinWithoutASeam) {
+    PdfFixture pdf;
+    pdf.addPage({QStringLiteral("Some text that crosses the border of pieces"), QStringLiteral("Another line of it")});
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    const QTransform toDevice = page->displayTransform(PDFDisplayBox::cropBox) * QTransform::fromScale(1.37, 1.37);
+    const QRect all(0, 0, 838, 1085);
+    const QImage whole = PageRenderer::render({page->content(), {}, true, toDevice, all});
+    for (const QRect& piece : {QRect(0, 0, 300, 300), QRect(100, 90, 256, 256), QRect(700, 1000, 138, 85)})
+        EXPECT_EQ(PageRenderer::render({page->content(), {}, true, toDevice, piece}), whole.copy(piece));
+    const std::atomic<bool> cancelled{true};
+    EXPECT_TRUE(PageRenderer::render({page->content(), {}, true, toDevice, all}, &cancelled).isNull());
+    EXPECT_TRUE(PageRenderer::render({page->content(), {}, true, toDevice, QRect(0, 0, 100000, 100000)}).isNull());
+}
+
+TEST(PageDrawing, RemovedAndChangedFileAnnotationsLeaveTheEnginesPicture) {
+    PdfFixture pdf;
+    pdf.addPageWithContent("", "<< >>", QSizeF(200, 100));
+    const QByteArray form =
+        pdf.addStream("<< /Type /XObject /Subtype /Form /BBox [0 0 10 10] >>", "1 0 0 rg 0 0 10 10 re f");
+    const auto stamp = [&](const QByteArray& rect) {
+        pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Stamp /F 4 /Rect " + rect + " /AP << /N " + form + " >> >>");
+    };
+    stamp("[0 0 50 50]");
+    stamp("[100 0 150 50]");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    const auto look = [&] { return page->thumbnail(QSize(200, 100), PDFDisplayBox::cropBox); };
+    EXPECT_EQ(look().pixel(25, 75), red);
+    EXPECT_EQ(look().pixel(125, 75), red);
+    EXPECT_FALSE(page->isModified());
+
+    const auto first = page->annotations().at(0);
+    const auto second = page->annotations().at(1);
+    EXPECT_EQ(page->removeAnnotation(first), 0);
+    EXPECT_EQ(page->hiddenFileAnnotations(), std::vector<int>{0});
+    EXPECT_TRUE(page->isModified());
+    EXPECT_EQ(look().pixel(25, 75), white);
+    EXPECT_EQ(look().pixel(125, 75), red);
+
+    second->setBounds(QRectF(100, 50, 50, 50)); // moved up: its own look moves with it
+    EXPECT_EQ(page->hiddenFileAnnotations(), (std::vector<int>{0, 1}));
+    EXPECT_EQ(look().pixel(125, 75), white);
+    EXPECT_EQ(look().pixel(125, 25), red);
+
+    page->insertAnnotation(first, 0);
+    EXPECT_EQ(look().pixel(25, 75), red);
+    EXPECT_EQ(page->annotations().at(0), first);
+}
+
+TEST(PageDrawing, AbsurdAndBrokenPagesDrawWhatTheyCan) {
+    PdfFixture pdf;
+    pdf.addPageWithContent("1 0 0 rg 0 0 1000000 1000000 re f", "<< >>", QSizeF(1e6, 1e6));
+    pdf.addPageWithContent("1 0 0 rg 0 0 1 1 re f", "<< >>", QSizeF(1, 1));
+    QByteArray deep;
+    for (int i = 0; i < 100000; ++i)
+        deep += "q ";
+    pdf.addPageWithContent(deep + "1 0 0 rg 0 0 612 792 re f");
+    const QByteArray selfish = pdf.reserveObject();
+    pdf.addPageWithContent("/X Do 1 0 0 rg 0 0 612 792 re f", "<< /XObject << /X " + selfish + " >> >>");
+    pdf.fillObject(selfish, "null");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    for (int i = 0; i < document->pageCount(); ++i) {
+        const QImage image = document->page(i)->thumbnail(QSize(40, 40), PDFDisplayBox::mediaBox);
+        ASSERT_FALSE(image.isNull()) << i;
+        EXPECT_EQ(at(image, 0.5, 0.5), red) << i;
+    }
+}
+
+TEST(PageDrawing, AnnotationsWithoutAnAppearanceAreSeenToo) {
+    PdfFixture pdf;
+    pdf.addPageWithContent("", "<< >>", QSizeF(200, 100));
+    pdf.addAnnotation(0, "<< /Subtype /Ink /Rect [0 0 50 50] /C [1 0 0] /BS << /W 20 >> /InkList [[0 25 50 25]] >>");
+    pdf.addAnnotation(0, "<< /Subtype /Text /Rect [100 50 120 70] /C [0 0 1] /Contents (note) >>");
+    pdf.addAnnotation(0, "<< /Subtype /Square /F 2 /Rect [150 0 200 50] /IC [1 0 0] >>"); // hidden
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    const QImage image = page->thumbnail(QSize(200, 100), PDFDisplayBox::cropBox);
+    EXPECT_EQ(image.pixel(25, 75), red);
+    EXPECT_EQ(image.pixel(108, 34), blue);
+    EXPECT_EQ(image.pixel(175, 75), white);
+    EXPECT_FALSE(page->isModified());
+}

@@ -1,0 +1,151 @@
+#include "PageText.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PDFSelection.h"
+#include "PdfFixtures.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QByteArray textAt(double x, double y, const QByteArray& text) {
+    return "BT /F1 12 Tf 1 0 0 1 " + QByteArray::number(x) + " " + QByteArray::number(y) + " Tm (" + text + ") Tj ET\n";
+}
+
+std::shared_ptr<PDFDocument> onePage(const QStringList& lines, const QByteArray& rotate = "0") {
+    PdfFixture pdf;
+    pdf.addPage(lines);
+    pdf.setPageKey(0, "/Rotate", rotate);
+    return PDFDocument::fromData(pdf.bytes());
+}
+
+QPointF middleOf(const PDFPage& page, const QString& word) {
+    const auto text = page.text();
+    const int at = int(text->string.indexOf(word));
+    EXPECT_GE(at, 0) << word.toStdString();
+    return text->glyphs[std::size_t(at)].quad.boundingRect().center();
+}
+
+/// The edges of a word in page coordinates.
+QRectF boxOf(const PDFPage& page, const QString& word) {
+    const auto text = page.text();
+    const int at = int(text->string.indexOf(word));
+    return text->lineRects(at, at + int(word.size())).at(0);
+}
+
+} // namespace
+
+TEST(PageText, HasTheLinesWithTheirGlyphsFontsAndSizes) {
+    const auto document = onePage({QStringLiteral("Hello world"), QStringLiteral("second line")});
+    const auto page = document->page(0);
+    EXPECT_EQ(page->string(), QStringLiteral("Hello world\nsecond line"));
+    const auto text = page->text();
+    ASSERT_EQ(text->glyphs.size(), std::size_t(text->string.size()));
+    ASSERT_EQ(text->lines.size(), 2U);
+    EXPECT_EQ(text->fonts.at(text->glyphs[0].font).name, QStringLiteral("Helvetica"));
+    EXPECT_FLOAT_EQ(text->glyphs[0].size, 12);
+    // "H" of Helvetica is 0.722 em wide.
+    EXPECT_NEAR(text->glyphs[0].quad.boundingRect().width(), 0.722 * 12, 0.1);
+    EXPECT_GT(text->lines[0].bounds.center().y(), text->lines[1].bounds.center().y()); // y grows upwards
+    EXPECT_LT(text->lines[0].bounds.height(), 20);
+}
+
+TEST(PageText, FindsLinesAndWordsOnTurnedPagesToo) {
+    for (const QByteArray rotate : {"0", "90", "180", "270"}) {
+        const auto document = onePage({QStringLiteral("alpha don't beta-gamma"), QStringLiteral("delta")}, rotate);
+        const auto page = document->page(0);
+        EXPECT_EQ(page->selectionForLine(middleOf(*page, QStringLiteral("beta")))->string(),
+                  QStringLiteral("alpha don't beta-gamma"));
+        EXPECT_EQ(page->selectionForWord(middleOf(*page, QStringLiteral("don't")))->string(), QStringLiteral("don't"));
+        EXPECT_EQ(page->selectionForWord(middleOf(*page, QStringLiteral("gamma")))->string(), QStringLiteral("gamma"));
+        EXPECT_FALSE(page->selectionForLine(QPointF(5, 5)));
+        EXPECT_FALSE(page->selectionForWord(QPointF(-1000, 1e9)));
+        const QRectF box = page->selectionForLine(middleOf(*page, QStringLiteral("delta")))->bounds(*page);
+        EXPECT_NEAR(box.left(), boxOf(*page, QStringLiteral("delta")).left(), 0.01);
+        EXPECT_LT(box.height(), 20) << rotate.toStdString(); // page coordinates aren't turned
+    }
+}
+
+TEST(PageText, SelectsFromOnePointToAnotherInReadingOrder) {
+    const auto document =
+        onePage({QStringLiteral("one two three"), QStringLiteral("four five six"), QStringLiteral("seven eight")});
+    const auto page = document->page(0);
+    const QRectF two = boxOf(*page, QStringLiteral("two"));
+    const QRectF five = boxOf(*page, QStringLiteral("five"));
+    const QPointF beforeTwo(two.left() + 0.5, two.center().y());
+    const QPointF afterFive(five.right() - 0.5, five.center().y());
+    EXPECT_EQ(page->selection(beforeTwo, afterFive)->string(), QStringLiteral("two three\nfour five"));
+    EXPECT_EQ(page->selection(afterFive, beforeTwo)->string(), QStringLiteral("two three\nfour five"));
+    EXPECT_FALSE(page->selection(beforeTwo, beforeTwo));
+    // From above the text to the right of its second line: all of both lines.
+    EXPECT_EQ(page->selection(QPointF(0, 791), QPointF(611, five.center().y()))->string(),
+              QStringLiteral("one two three\nfour five six"));
+    const std::vector<PDFSelection> lines = page->selectAll()->selectionsByLine();
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[2].string(), QStringLiteral("seven eight"));
+    EXPECT_EQ(page->selectAll()->lineRects(*page).size(), 3U);
+}
+
+TEST(PageText, SelectsOverSeveralPages) {
+    PdfFixture pdf;
+    for (const char* word : {"first", "second", "third"})
+        pdf.addPage(
+            {QString::fromLatin1(word) + QStringLiteral(" begin"), QString::fromLatin1(word) + QStringLiteral(" end")});
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto a = document->page(0);
+    const auto c = document->page(2);
+    const QPointF from = boxOf(*a, QStringLiteral("end")).topLeft() + QPointF(0.3, 3);
+    const QRectF begin = boxOf(*c, QStringLiteral("begin"));
+    const QPointF to(begin.right() - 0.3, begin.center().y());
+    const QString expected = QStringLiteral("end\nsecond begin\nsecond end\nthird begin");
+    EXPECT_EQ(document->selection(*a, from, *c, to)->string(), expected);
+    EXPECT_EQ(document->selection(*c, to, *a, from)->string(), expected);
+    EXPECT_EQ(document->selection(*c, to, *a, from)->pages().size(), 3U);
+    EXPECT_EQ(document->selectionForEntireDocument()->selectionsByLine().size(), 6U);
+    EXPECT_EQ(document->string(),
+              QStringLiteral("first begin\nfirst end\fsecond begin\nsecond end\fthird begin\nthird end\f"));
+}
+
+TEST(PageText, ReadsColumnsOneAfterTheOtherHoweverTheyWereWritten) {
+    QByteArray rowByRow;
+    QByteArray columnByColumn;
+    QByteArray rightColumn;
+    QStringList expected;
+    QStringList expectedRight;
+    for (int i = 0; i < 8; ++i) {
+        const QByteArray left = "the left column has line " + QByteArray::number(i);
+        const QByteArray right = "and the right one line " + QByteArray::number(i);
+        const double y = 700 - 15 * i;
+        rowByRow += textAt(72, y, left) + textAt(330, y, right);
+        columnByColumn += textAt(72, y, left);
+        rightColumn += textAt(330, y, right);
+        expected << QString::fromLatin1(left);
+        expectedRight << QString::fromLatin1(right);
+    }
+    for (const QByteArray& content : {rowByRow, columnByColumn + rightColumn}) {
+        PdfFixture pdf;
+        pdf.addPageWithContent(content, pdf.defaultResources());
+        EXPECT_EQ(PDFDocument::fromData(pdf.bytes())->page(0)->string(),
+                  (expected + expectedRight).join(QLatin1Char('\n')));
+    }
+    // Rows of a table are read row by row.
+    QByteArray table;
+    for (int i = 0; i < 8; ++i)
+        table += textAt(72, 700 - 15 * i, "Item " + QByteArray::number(i)) + textAt(330, 700 - 15 * i, "12.50");
+    PdfFixture pdf;
+    pdf.addPageWithContent(table, pdf.defaultResources());
+    EXPECT_TRUE(
+        PDFDocument::fromData(pdf.bytes())->page(0)->string().startsWith(QStringLiteral("Item 0\n12.50\nItem 1")));
+}
+
+TEST(PageText, OfPagesWithoutTextIsEmpty) {
+    PdfFixture pdf;
+    pdf.addPageWithContent("0 0 100 100 re f");
+    pdf.addPageWithContent("BT /F9 12 Tf (no such font");
+    pdf.addPageWithContent("q q q q 1 0 0 1 (x) cm Do /Nothing Do ] >> endstream");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FALSE(document->page(i)->selectAll()) << i;
+        EXPECT_FALSE(document->page(i)->selection(QPointF(0, 0), QPointF(600, 700)));
+    }
+}

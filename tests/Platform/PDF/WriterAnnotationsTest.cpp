@@ -1,0 +1,381 @@
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PDFSource.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+namespace Subtype = PDFAnnotationSubtype;
+using Annotation = std::shared_ptr<PDFAnnotation>;
+
+Annotation make(const QString& type, const QRectF& bounds, const QColor& color) {
+    auto annotation = std::make_shared<PDFAnnotation>(bounds, type);
+    annotation->setColor(color);
+    return annotation;
+}
+
+/// A kind with a look of its own, as the program's own kinds are.
+class Sticker : public PDFAnnotation {
+public:
+    explicit Sticker(const QRectF& bounds) : PDFAnnotation(bounds, Subtype::stamp) {}
+    bool hasCustomAppearance() const override { return true; }
+    void draw(PDFDisplayBox, QPainter& painter) const override {
+        if (bounds().width() > 200)
+            return; // a large one shows nothing
+        painter.fillRect(bounds(), QColor(255, 200, 0));
+        painter.setPen(QPen(Qt::darkRed, 3));
+        painter.drawLine(bounds().topLeft(), bounds().bottomRight());
+        painter.save();
+        painter.translate(bounds().left() + 4, bounds().bottom() - 16);
+        painter.scale(1, -1);
+        QFont font(QStringLiteral("DejaVu Sans"));
+        font.setPointSizeF(12 * 72.0 / painter.device()->logicalDpiY());
+        painter.setFont(font);
+        painter.setPen(Qt::black);
+        painter.drawText(QPointF(0, 0), QStringLiteral("Stickery ☃"));
+        painter.restore();
+    }
+};
+
+std::shared_ptr<PDFDocument> documentWith(const std::vector<Annotation>& annotations) {
+    PdfFixture pdf;
+    pdf.addPage({QStringLiteral("Some text to mark.")}, {300, 300});
+    auto document = PDFDocument::fromData(pdf.bytes());
+    for (const Annotation& annotation : annotations)
+        document->page(0)->addAnnotation(annotation);
+    return document;
+}
+
+QImage picture(const PDFDocument& document) {
+    return document.page(0)->thumbnail({600, 600}, PDFDisplayBox::mediaBox).convertToFormat(QImage::Format_RGB32);
+}
+
+/// Poppler's opinion of how the page looks.
+QImage otherPicture(const QByteArray& file) {
+    const auto result = PdfPrograms::run(
+        QStringLiteral("pdftoppm"),
+        {QStringLiteral("-r"), QStringLiteral("144"), QStringLiteral("-singlefile"), QStringLiteral("FILE")}, file);
+    return QImage::fromData(result.output, "PPM").convertToFormat(QImage::Format_RGB32);
+}
+
+/// The mean difference of the pictures' colours, 0 to 255, over a rectangle of the 300 point page, which stands
+/// `offset` points further in the second one.
+double difference(const QImage& a, const QImage& b, const QRectF& box, QPoint offset = {}) {
+    if (a.size() != b.size())
+        return 255;
+    const QRect pixels = QRectF(box.left() * 2, (300 - box.bottom()) * 2, box.width() * 2, box.height() * 2).toRect();
+    double sum = 0;
+    for (int y = pixels.top(); y <= pixels.bottom(); ++y)
+        for (int x = pixels.left(); x <= pixels.right(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x + offset.x() * 2, y - offset.y() * 2);
+            sum += std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) + std::abs(qBlue(p) - qBlue(q));
+        }
+    return sum / 3 / (double(pixels.width()) * pixels.height());
+}
+
+struct Kind {
+    const char* name;
+    std::function<Annotation()> make;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Kind& kind) {
+    return stream << kind.name;
+}
+
+const Kind kinds[] = {
+    {"ink",
+     [] {
+         auto ink = make(Subtype::ink, {40, 40, 120, 80}, Qt::blue);
+         ink->setBorder(PDFBorder{4, PDFBorderStyle::solid, {}});
+         QPainterPath curve(QPointF(10, 10));
+         curve.cubicTo({50, 90}, {80, -20}, {110, 70});
+         ink->add(curve);
+         ink->add(QPainterPath(QPointF(20, 60))); // a dot
+         return ink;
+     }},
+    {"highlight",
+     [] {
+         return make(Subtype::highlight, {72, 225, 100, 12}, QColor(255, 230, 0));
+     }},
+    {"underline",
+     [] {
+         return make(Subtype::underline, {72, 225, 100, 12}, Qt::red);
+     }},
+    {"strikeOut",
+     [] {
+         return make(Subtype::strikeOut, {72, 225, 100, 12}, Qt::red);
+     }},
+    {"square",
+     [] {
+         auto square = make(Subtype::square, {40, 40, 120, 80}, Qt::darkGreen);
+         square->setInteriorColor(QColor(220, 255, 220));
+         square->setBorder(PDFBorder{6, PDFBorderStyle::dashed, {12, 6}});
+         return square;
+     }},
+    {"circle",
+     [] {
+         auto circle = make(Subtype::circle, {40, 40, 120, 80}, QColor(200, 0, 200, 128));
+         circle->setBorder(PDFBorder{8, PDFBorderStyle::solid, {}});
+         return circle;
+     }},
+    {"line",
+     [] {
+         auto line = make(Subtype::line, {0, 0, 300, 300}, Qt::black);
+         line->setBorder(PDFBorder{5, PDFBorderStyle::solid, {}});
+         line->setStartPoint({60, 60});
+         line->setEndPoint({160, 120});
+         line->setStartLineStyle(PDFLineStyle::openArrow);
+         line->setEndLineStyle(PDFLineStyle::closedArrow);
+         return line;
+     }},
+    {"lineWithShapes",
+     [] {
+         auto line = make(Subtype::line, {0, 0, 300, 300}, Qt::darkCyan);
+         line->setBorder(PDFBorder{3, PDFBorderStyle::solid, {}});
+         line->setStartPoint({60, 60});
+         line->setEndPoint({160, 60});
+         line->setStartLineStyle(PDFLineStyle::diamond);
+         line->setEndLineStyle(PDFLineStyle::circle);
+         return line;
+     }},
+    {"freeText",
+     [] {
+         auto text = std::make_shared<PDFAnnotation>(QRectF(40, 40, 160, 60), Subtype::freeText);
+         text->setFont(QFont(QStringLiteral("DejaVu Sans"), 14));
+         text->setFontColor(QColor(Qt::darkBlue));
+         text->setContents(QStringLiteral("Größe Ω, and words that need a second line"));
+         return text;
+     }},
+    {"textField",
+     [] {
+         auto field = make(Subtype::widget, {40, 40, 160, 24}, Qt::darkGray);
+         field->setWidgetFieldType(PDFWidgetFieldType::text);
+         field->setBorder(PDFBorder{2, PDFBorderStyle::solid, {}});
+         field->setBackgroundColor(QColor(0, 0, 255, 20));
+         field->setFieldName(QStringLiteral("text_1"));
+         return field;
+     }},
+    {"checkBox",
+     [] {
+         auto box = make(Subtype::widget, {40, 40, 40, 40}, Qt::darkGray);
+         box->setWidgetFieldType(PDFWidgetFieldType::button);
+         box->setWidgetControlType(PDFWidgetControlType::checkBox);
+         box->setButtonWidgetState(PDFWidgetCellState::on);
+         box->setBorder(PDFBorder{2, PDFBorderStyle::solid, {}});
+         box->setFieldName(QStringLiteral("checkbox_1"));
+         return box;
+     }},
+    {"sticker", [] { return std::make_shared<Sticker>(QRectF(40.5, 40.25, 100.5, 60.75)); }},
+};
+
+class KindTest : public testing::TestWithParam<Kind> {};
+
+} // namespace
+
+TEST_P(KindTest, LooksTheSameInTheSavedFile) {
+    const auto empty = documentWith({});
+    const QImage blank = picture(*empty);
+    const Annotation annotation = GetParam().make();
+    const auto document = documentWith({annotation});
+    const QImage live = picture(*document);
+    const QByteArray file = document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(file), "");
+    const QRectF box = annotation->bounds();
+    ASSERT_GT(difference(live, blank, box), 0.5) << "it shows";
+
+    const auto reopened = PDFDocument::fromData(file);
+    EXPECT_LT(difference(picture(*reopened), live, QRectF(0, 0, 299, 299)), 0.5);
+    const QImage other = otherPicture(file);
+    EXPECT_LT(difference(other, live, box) * 2, difference(other, blank, box));
+
+    // Left alone, it stays as it is; moved, it looks the same elsewhere.
+    const Annotation again = reopened->page(0)->annotations().at(0);
+    EXPECT_FALSE(again->isModified());
+    const bool hasCornersOfItsOwn = box.width() > 200 || !again->values().quads.empty();
+    if (hasCornersOfItsOwn)
+        return;
+    again->setBounds(box.translated(30, 70));
+    const QByteArray movedFile = reopened->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(movedFile), "");
+    EXPECT_LT(difference(live, picture(*PDFDocument::fromData(movedFile)), box, {30, 70}), 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, KindTest, testing::ValuesIn(kinds),
+                         [](const auto& kind) { return std::string(kind.param.name); });
+
+TEST(WriterAnnotationsTest, ValuesComeBack) {
+    for (const Kind& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        const Annotation saved = kind.make();
+        saved->setUserName(QStringLiteral("Äda"));
+        saved->setModificationDate(QDateTime(QDate(2024, 2, 29), QTime(12, 30, 1), Qt::OffsetFromUTC, -19800));
+        if (saved->contents().isEmpty())
+            saved->setContents(QStringLiteral("Wörds 日本"));
+        const auto document = PDFDocument::fromData(documentWith({saved})->dataRepresentation());
+        const Annotation read = document->page(0)->annotations().at(0);
+        EXPECT_EQ(read->type(), saved->type());
+        const QRectF moved(read->bounds().topLeft() - saved->bounds().topLeft(),
+                           read->bounds().size() - saved->bounds().size());
+        EXPECT_LT(std::abs(moved.x()) + std::abs(moved.y()) + std::abs(moved.width()) + std::abs(moved.height()), 0.01);
+        EXPECT_EQ(read->contents(), saved->contents());
+        EXPECT_EQ(read->modificationDate().toUTC(), saved->modificationDate().toUTC());
+        EXPECT_EQ(read->border(), saved->border());
+        EXPECT_TRUE(read->shouldPrint());
+        if (saved->color() && saved->color()->alpha() > 0) {
+            ASSERT_TRUE(read->color());
+            EXPECT_EQ(read->color()->rgb() & 0xFFFFFF, saved->color()->rgb() & 0xFFFFFF);
+        }
+        EXPECT_EQ(read->startPoint(), saved->startPoint());
+        EXPECT_EQ(read->endPoint(), saved->endPoint());
+        EXPECT_EQ(read->startLineStyle(), saved->startLineStyle());
+        EXPECT_EQ(read->endLineStyle(), saved->endLineStyle());
+        EXPECT_EQ(read->paths().size(), saved->paths().size());
+        EXPECT_EQ(read->quadrilateralPoints(), saved->quadrilateralPoints());
+        EXPECT_EQ(read->fieldName(), saved->fieldName());
+        EXPECT_EQ(read->widgetFieldType(), saved->widgetFieldType());
+        EXPECT_EQ(read->buttonWidgetState(), saved->buttonWidgetState());
+        if (saved->type() != Subtype::widget) {
+            EXPECT_EQ(read->userName(), saved->userName());
+        }
+        if (saved->fontColor()) {
+            EXPECT_EQ(read->fontColor()->rgb(), saved->fontColor()->rgb());
+        }
+        if (saved->font()) {
+            EXPECT_EQ(read->font()->pointSizeF(), saved->font()->pointSizeF());
+        }
+    }
+}
+
+TEST(WriterAnnotationsTest, RecordedLooksAreVectorsAndShareTheirFonts) {
+    std::vector<Annotation> stickers;
+    for (int i = 0; i < 5; ++i)
+        stickers.push_back(std::make_shared<Sticker>(QRectF(10, 10 + 40 * i, 100, 30)));
+    stickers.push_back(std::make_shared<Sticker>(QRectF(0, 0, 250, 250))); // draws nothing
+    const QByteArray file = documentWith(stickers)->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(file), "");
+    EXPECT_EQ(PdfPrograms::text(file).count(QStringLiteral("Stickery ☃")), 5);
+    const QByteArray fonts =
+        PdfPrograms::run(QStringLiteral("mutool"),
+                         {QStringLiteral("info"), QStringLiteral("-F"), QStringLiteral("FILE")}, file)
+            .output;
+    EXPECT_EQ(PdfPrograms::unpacked(file).count("/FontFile"), 1) << fonts.toStdString();
+    EXPECT_FALSE(PdfPrograms::unpacked(file).contains("/Subtype /Image"));
+    EXPECT_LT(file.size(), 40000);
+}
+
+TEST(WriterAnnotationsTest, LinksLeadWhereTheyDid) {
+    PdfFixture pdf;
+    for (int i = 0; i < 30; ++i)
+        pdf.addPage({QStringLiteral("Page"), QString(400, QLatin1Char('y'))});
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    auto inside = std::make_shared<PDFAnnotation>(QRectF(10, 10, 50, 20), Subtype::link);
+    inside->setDestination(PDFDestination(document->page(7), std::nullopt, 300.0));
+    auto outside = std::make_shared<PDFAnnotation>(QRectF(10, 40, 50, 20), Subtype::link);
+    outside->setUrl(QStringLiteral("https://example.org/?q=a b"));
+    document->page(0)->addAnnotation(inside);
+    document->page(0)->addAnnotation(outside);
+
+    auto reopened = PDFDocument::fromData(document->dataRepresentation());
+    const auto read = reopened->page(0)->annotations();
+    ASSERT_TRUE(read.at(0)->destination());
+    EXPECT_EQ(reopened->index(read[0]->destination()->page().get()), 7);
+    EXPECT_FALSE(read[0]->destination()->x());
+    EXPECT_EQ(read[0]->destination()->y(), 300);
+    EXPECT_EQ(read.at(1)->url(), QStringLiteral("https://example.org/?q=a%20b"));
+
+    // A change of something else keeps the target; the two kinds of target replace each other.
+    read[0]->setBounds({10, 10, 60, 20});
+    reopened = PDFDocument::fromData(reopened->dataRepresentation());
+    EXPECT_EQ(reopened->index(reopened->page(0)->annotations()[0]->destination()->page().get()), 7);
+    reopened->page(0)->annotations()[1]->setUrl(QString());
+    reopened->page(0)->annotations()[1]->setDestination(PDFDestination(reopened->page(3), QPointF(0, 0)));
+    reopened = PDFDocument::fromData(reopened->dataRepresentation());
+    EXPECT_EQ(reopened->page(0)->annotations()[1]->url(), QString());
+    EXPECT_EQ(reopened->index(reopened->page(0)->annotations()[1]->destination()->page().get()), 3);
+    reopened->page(0)->annotations()[1]->setDestination(std::nullopt);
+    reopened = PDFDocument::fromData(reopened->dataRepresentation());
+    EXPECT_FALSE(reopened->page(0)->annotations()[1]->destination());
+}
+
+TEST(WriterAnnotationsTest, RemovingANoteTakesItsWindowAndKeepsReplies) {
+    PdfFixture pdf;
+    pdf.addPage({});
+    const QByteArray first =
+        pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Text /Rect [0 0 9 9] /Contents (first) >>");
+    const QByteArray second = pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Text /Rect [0 0 9 9] /Contents (second) "
+                                                   "/IRT " +
+                                                       first + " >>");
+    const QByteArray popup =
+        pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Popup /Rect [0 0 9 9] /Parent " + second + " >>");
+    pdf.setKey(second, "/Popup", popup);
+    pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Text /Rect [0 0 9 9] /Contents (third) /IRT " + second + " >>");
+    pdf.addAnnotation(0, "null");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    ASSERT_EQ(page->annotations().size(), 4U);
+    page->removeAnnotation(page->annotations()[1]);
+    const QByteArray file = document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(file), "");
+    const QByteArray all = PdfPrograms::unpacked(file);
+    EXPECT_FALSE(all.contains("/Popup"));
+    EXPECT_EQ(all.count("/IRT"), 1) << "the third now answers the first";
+
+    const auto reopened = PDFDocument::fromData(file);
+    ASSERT_EQ(reopened->page(0)->annotations().size(), 2U);
+    reopened->page(0)->removeAnnotation(reopened->page(0)->annotations()[0]);
+    EXPECT_FALSE(PdfPrograms::unpacked(reopened->dataRepresentation()).contains("/IRT"));
+}
+
+TEST(WriterAnnotationsTest, OrderIsThatOfThePage) {
+    PdfFixture pdf;
+    pdf.addPage({});
+    for (const char* name : {"(a)", "(b)", "(c)"})
+        pdf.addAnnotation(0, QByteArray("<< /Type /Annot /Subtype /Square /Rect [0 0 9 9] /Contents ") + name + " >>");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    const Annotation a = page->annotations()[0];
+    page->removeAnnotation(a);
+    page->addAnnotation(a);
+    auto d = make(Subtype::square, {0, 0, 9, 9}, Qt::red);
+    d->setContents(QStringLiteral("d"));
+    page->insertAnnotation(d, 1);
+    QStringList order;
+    const auto reopened = PDFDocument::fromData(document->dataRepresentation());
+    for (const auto& annotation : reopened->page(0)->annotations())
+        order += annotation->contents();
+    EXPECT_EQ(order.join(QString()).toStdString(), "bdca");
+}
+
+TEST(WriterAnnotationsTest, AnAnnotationMayComeFromAnotherPage) {
+    PdfFixture pdf;
+    for (int i = 0; i < 20; ++i)
+        pdf.addPage({QString(300, QLatin1Char('z'))});
+    pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Square /Rect [0 0 9 9] /Mine (unknown) /Contents (moving) >>");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const Annotation moving = document->page(0)->annotations()[0];
+    document->page(0)->removeAnnotation(moving);
+    document->page(3)->addAnnotation(moving);
+    document->page(4)->addAnnotation(moving->copy());
+    moving->setBounds({50, 50, 20, 20});
+    const auto other = PDFDocument::fromData(pdf.bytes());
+    document->page(5)->addAnnotation(other->page(0)->annotations()[0]->copy());
+    const QByteArray file = document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(file), "");
+    const auto reopened = PDFDocument::fromData(file);
+    EXPECT_TRUE(reopened->page(0)->annotations().empty());
+    for (int page = 3; page <= 5; ++page)
+        EXPECT_EQ(reopened->page(page)->annotations().at(0)->contents(), QStringLiteral("moving"));
+    EXPECT_EQ(reopened->page(3)->annotations()[0]->bounds(), QRectF(50, 50, 20, 20));
+    EXPECT_EQ(reopened->page(4)->annotations()[0]->bounds(), QRectF(0, 0, 9, 9));
+    EXPECT_EQ(PdfPrograms::unpacked(file).count("(unknown)"), 3);
+}

@@ -1,0 +1,194 @@
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFError.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+/// Does to a document what makes the writer look at every part of a file, in each of its ways to write. Returns how
+/// many of the ways failed.
+int saveInEveryWay(const QByteArray& file) {
+    int failures = 0;
+    for (int way = 0; way < 5; ++way) {
+        std::shared_ptr<PDFDocument> document;
+        try {
+            document = PDFDocument::fromData(file);
+        } catch (const PDFError&) {
+            return failures; // not even opened
+        }
+        if (document->pageCount() == 0)
+            return failures;
+        PDFDocument other;
+        auto note = std::make_shared<PDFAnnotation>(QRectF(0, 0, 50, 50), PDFAnnotationSubtype::square);
+        note->setColor(QColor(Qt::red));
+        switch (way) {
+        case 0:
+            document->page(0)->addAnnotation(note);
+            while (document->page(0)->annotations().size() > 1)
+                document->page(0)->removeAnnotation(document->page(0)->annotations().front());
+            break;
+        case 1:
+            document->removePage(document->pageCount() - 1);
+            break;
+        case 2:
+            document->insert(document->removePage(0), document->pageCount());
+            break;
+        case 3:
+            other.insert(document->page(0)->copy(), 0);
+            break;
+        case 4:
+            document->insert(document->page(0)->copy(), 0);
+            for (const auto& annotation : document->page(1)->annotations())
+                annotation->setWidgetStringValue(QStringLiteral("x"));
+            break;
+        }
+        try {
+            const QByteArray saved = (way == 3 ? other : *document).dataRepresentation();
+            EXPECT_FALSE(saved.isEmpty());
+            (void)PDFDocument::fromData(saved)->pageCount();
+        } catch (const PDFError& error) {
+            EXPECT_FALSE(error.sentence().isEmpty());
+            ++failures;
+        }
+    }
+    return failures;
+}
+
+} // namespace
+
+TEST(WriterHostileTest, CirclesEnd) {
+    PdfFixture pdf;
+    for (int i = 0; i < 3; ++i)
+        pdf.addPage({QStringLiteral("page")});
+    // An outline whose items follow each other in a circle and are their own children.
+    const QByteArray item = pdf.reserveObject();
+    const QByteArray outlines = pdf.addObject("<< /First " + item + " /Last " + item + " >>");
+    pdf.fillObject(item, "<< /Title (x) /Parent " + outlines + " /Next " + item + " /First " + item + " /Dest [" +
+                             pdf.pageReference(2) + " /Fit] >>");
+    pdf.setRootKey("/Outlines", outlines);
+    // Trees whose nodes are their own kids.
+    const QByteArray names = pdf.reserveObject();
+    pdf.fillObject(names, "<< /Kids [" + names + ' ' + names + "] /Names [(a) [" + pdf.pageReference(2) + " /Fit]] >>");
+    pdf.setNamesKey("/Dests", names);
+    const QByteArray parents = pdf.reserveObject();
+    pdf.fillObject(parents, "<< /Kids [" + parents + "] >>");
+    const QByteArray element = pdf.reserveObject();
+    pdf.fillObject(element, "<< /S /P /K [" + element + " 0 " + element + "] /Pg " + pdf.pageReference(2) + " >>");
+    pdf.setRootKey("/StructTreeRoot",
+                   pdf.addObject("<< /K " + element + " /ParentTree " + parents + " /IDTree " + names + " >>"));
+    // Fields that are their own parents and kids.
+    const QByteArray field = pdf.reserveObject();
+    pdf.fillObject(field, "<< /Type /Annot /Subtype /Widget /FT /Tx /Parent " + field + " /Kids [" + field +
+                              "] /Rect [0 0 9 9] /V (v) >>");
+    pdf.setRootKey("/AcroForm", "<< /Fields [" + field + ' ' + field + "] /CO [" + field + "] >>");
+    for (int page : {0, 2})
+        pdf.appendToArray(pdf.pageReference(page), "/Annots", field);
+    // An article whose beads never come back to the first, and actions that follow each other.
+    const QByteArray bead = pdf.reserveObject();
+    pdf.fillObject(bead, "<< /N " + bead + " /V " + bead + " /P " + pdf.pageReference(2) + " >>");
+    pdf.setRootKey("/Threads", "[<< /F " + bead + " >> " + bead + " null 7]");
+    const QByteArray action = pdf.reserveObject();
+    pdf.fillObject(action, "<< /S /URI /URI (x) /Next [" + action + ' ' + action + "] >>");
+    pdf.setRootKey("/OpenAction", action);
+    pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Link /Rect [0 0 9 9] /A " + action + " >>");
+    // Forms that draw themselves.
+    const QByteArray form = pdf.addStream("<< /Subtype /Form /BBox [0 0 1 1] >>", "/X Do");
+    pdf.setKey(form, "/Resources", "<< /XObject << /X " + form + " >> /Pattern << /P " + form + " >> >>");
+    for (int page : {0, 1, 2})
+        pdf.setPageKey(page, "/Resources", "<< /XObject << /X " + form + " >> >>");
+    EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0);
+    EXPECT_EQ(saveInEveryWay(pdf.bytes(PdfFixture::Style::objectStreams)), 0);
+
+    // A page tree that is its own kid.
+    PdfFixture tree;
+    tree.addPage({});
+    tree.addPage({});
+    const QByteArray node = tree.reserveObject();
+    tree.fillObject(node, "<< /Type /Pages /Kids [" + node + ' ' + tree.pageReference(0) + "] /Count 2 /Parent " +
+                              node + " >>");
+    tree.setPageKey(0, "/Parent", node);
+    tree.setPageKey(1, "/Parent", tree.pageReference(1));
+    EXPECT_EQ(saveInEveryWay(tree.bytes()), 0);
+}
+
+TEST(WriterHostileTest, LongChainsDoNotOverflowTheStack) {
+    PdfFixture pdf;
+    pdf.addPage({});
+    pdf.addPage({});
+    constexpr int length = 60000;
+    // A chain of objects that a page refers to, and a structure tree and an outline as deep.
+    QByteArray next = "null";
+    for (int i = 0; i < length; ++i)
+        next = pdf.addObject("<< /Next " + next + " >>");
+    pdf.setPageKey(0, "/PieceInfo", next);
+    QByteArray element = pdf.addObject("<< /S /P /K 0 /Pg " + pdf.pageReference(1) + " >>");
+    QByteArray item = "null";
+    for (int i = 0; i < length; ++i) {
+        element = pdf.addObject("<< /S /P /K " + element + " >>");
+        item = pdf.addObject("<< /Title (x) /First " + item + " >>");
+    }
+    pdf.setRootKey("/StructTreeRoot", "<< /K " + element + " >>");
+    pdf.setRootKey("/Outlines", "<< /First " + item + " >>");
+    EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0);
+}
+
+TEST(WriterHostileTest, OddValuesAreTakenForWhatTheyAre) {
+    const char* const oddities[] = {"null", "7", "(text)", "[]", "[null]", "<< >>", "[[[[1 2]]]]", "/Name", "99 0 R"};
+    for (const char* key : {"/Outlines", "/Names", "/Dests", "/StructTreeRoot", "/AcroForm", "/Threads",
+                            "/OCProperties", "/OpenAction", "/PageLabels", "/Metadata"})
+        for (const char* odd : oddities) {
+            PdfFixture pdf;
+            pdf.addPage({});
+            pdf.addPage({});
+            pdf.setRootKey(key, odd);
+            EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0) << key << ' ' << odd;
+        }
+    for (const char* key :
+         {"/Annots", "/Resources", "/Contents", "/MediaBox", "/Rotate", "/B", "/AA", "/StructParents"})
+        for (const char* odd : oddities) {
+            PdfFixture pdf;
+            pdf.addPage({});
+            pdf.addPage({});
+            pdf.setPageKey(0, key, odd);
+            pdf.setPageKey(1, key, odd);
+            EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0) << key << ' ' << odd;
+        }
+    for (const char* key :
+         {"/AP", "/MK", "/BS", "/Parent", "/Kids", "/Rect", "/DA", "/Dest", "/A", "/Popup", "/IRT", "/V"})
+        for (const char* odd : oddities) {
+            PdfFixture pdf;
+            pdf.addPage({});
+            pdf.addPage({});
+            pdf.setKey(pdf.addTextField(0, QStringLiteral("f"), {0, 0, 50, 20}, QStringLiteral("v")), key, odd);
+            EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0) << key << ' ' << odd;
+        }
+}
+
+TEST(WriterHostileTest, DamagedBytesNeverEndTheProgram) {
+    PdfFixture pdf;
+    for (int i = 0; i < 4; ++i)
+        pdf.addPage({QStringLiteral("page")});
+    pdf.addTextField(0, QStringLiteral("f"), {0, 0, 50, 20}, QStringLiteral("v"));
+    pdf.addNamedDestination("n", 2);
+    pdf.tagPage(1, QStringLiteral("t"));
+    std::mt19937 random(3);
+    int failures = 0;
+    for (const PdfFixture::Style style : {PdfFixture::Style::classic, PdfFixture::Style::objectStreams}) {
+        const QByteArray file = pdf.bytes(style);
+        for (int round = 0; round < 40; ++round) {
+            QByteArray broken = file;
+            for (int i = 0; i < 6; ++i)
+                broken[qsizetype(random() % std::size_t(broken.size()))] = char(random());
+            if (round % 4 == 0)
+                broken.truncate(qsizetype(random() % std::size_t(broken.size())));
+            failures += saveInEveryWay(broken);
+        }
+    }
+    EXPECT_LT(failures, 60) << "of 400; most damage can be lived with";
+}

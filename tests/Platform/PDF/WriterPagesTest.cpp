@@ -1,0 +1,250 @@
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFError.h"
+#include "PDFOutline.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <random>
+
+namespace {
+
+void addNumberedPages(PdfFixture& pdf, int count, const QString& prefix = QStringLiteral("p")) {
+    for (int i = 0; i < count; ++i)
+        pdf.addPage({QStringLiteral("%1%2").arg(prefix).arg(i)});
+}
+
+/// What stands on the pages, as another program reads it: "p0|p1|p2".
+std::string pageTexts(const QByteArray& file, const QString& password = {}) {
+    const auto result =
+        PdfPrograms::run(QStringLiteral("pdftotext"),
+                         {QStringLiteral("-upw"), password, QStringLiteral("FILE"), QStringLiteral("-")}, file);
+    QStringList pages;
+    for (const QString& page : QString::fromUtf8(result.output).split(QLatin1Char('\f')))
+        pages += page.simplified();
+    pages.removeLast();
+    return pages.join(QLatin1Char('|')).toStdString();
+}
+
+std::string numbered(const std::vector<int>& numbers) {
+    QStringList texts;
+    for (const int number : numbers)
+        texts += QStringLiteral("p%1").arg(number);
+    return texts.join(QLatin1Char('|')).toStdString();
+}
+
+void move(PDFDocument& document, int from, int to) {
+    document.insert(document.removePage(from), to);
+}
+
+class MovingTest : public testing::TestWithParam<std::pair<PdfFixture::Style, int>> {}; // style, pages of a node
+
+} // namespace
+
+TEST_P(MovingTest, PagesMoveWithAllThatLeadsToThem) {
+    PdfFixture pdf;
+    addNumberedPages(pdf, 30);
+    pdf.setOutline(
+        {{QStringLiteral("zero"), 0}, {QStringLiteral("ten"), 10}, {QStringLiteral("named"), -1, {}, "twenty"}});
+    pdf.addNamedDestination("twenty", 20);
+    pdf.addLink(0, {0, 0, 20, 20}, 29);
+    pdf.addTextField(10, QStringLiteral("field"), {40, 40, 100, 20}, QString());
+    const auto [style, fanOut] = GetParam();
+    if (fanOut > 0)
+        pdf.nestPageTree(fanOut, "/CropBox [0 0 500 700] /Rotate 90");
+    const QByteArray before = pdf.bytes(style);
+    const auto document = PDFDocument::fromData(before);
+
+    std::vector<int> expected(30);
+    std::iota(expected.begin(), expected.end(), 0);
+    std::mt19937 random(7);
+    for (int round = 0; round < 12; ++round) {
+        const int from = int(random() % 30);
+        const int to = int(random() % 30);
+        move(*document, from, to);
+        const int number = expected[std::size_t(from)];
+        expected.erase(expected.begin() + from);
+        expected.insert(expected.begin() + to, number);
+
+        const QByteArray after = document->dataRepresentation();
+        ASSERT_EQ(PdfPrograms::complaints(after), "");
+        ASSERT_EQ(pageTexts(after), numbered(expected));
+        const auto reopened = PDFDocument::fromData(after);
+        ASSERT_FALSE(reopened->wasRepaired());
+        const auto placeOf = [&](int page) {
+            return int(std::find(expected.begin(), expected.end(), page) - expected.begin());
+        };
+        const auto outline = reopened->outlineRoot();
+        const int leads[] = {0, 10, 20};
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(reopened->index(outline->child(i)->destination()->page().get()), placeOf(leads[i]));
+        const auto link = reopened->page(placeOf(0))->annotations().at(0);
+        EXPECT_EQ(reopened->index(link->destination()->page().get()), placeOf(29));
+        EXPECT_EQ(reopened->page(placeOf(10))->annotations().at(0)->fieldName(), QStringLiteral("field"));
+        for (int i = 0; i < 30; ++i) {
+            EXPECT_EQ(reopened->page(i)->rotation(), fanOut > 0 ? 90 : 0);
+            EXPECT_EQ(reopened->page(i)->bounds(PDFDisplayBox::cropBox).width(), fanOut > 0 ? 500 : 612);
+        }
+    }
+    // Brought back into their old order, they are the old file.
+    for (int i = 0; i < 30; ++i) {
+        const auto at = std::find(expected.begin(), expected.end(), i);
+        move(*document, int(at - expected.begin()), i);
+        expected.erase(at);
+        expected.insert(expected.begin() + i, i);
+    }
+    EXPECT_EQ(document->dataRepresentation(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Trees, MovingTest,
+                         testing::Values(std::pair(PdfFixture::Style::classic, 0),
+                                         std::pair(PdfFixture::Style::objectStreams, 0),
+                                         std::pair(PdfFixture::Style::classic, 4),
+                                         std::pair(PdfFixture::Style::objectStreams, 1),
+                                         std::pair(PdfFixture::Style::linearized, 7)));
+
+TEST(WriterPagesTest, AMoveIsASmallUpdate) {
+    PdfFixture pdf;
+    addNumberedPages(pdf, 200);
+    pdf.nestPageTree(10);
+    const QByteArray before = pdf.bytes(PdfFixture::Style::objectStreams);
+    const auto document = PDFDocument::fromData(before);
+    move(*document, 3, 150);
+    const QByteArray after = document->dataRepresentation();
+    EXPECT_TRUE(after.startsWith(before));
+    EXPECT_LT(after.size() - before.size(), 2000);
+}
+
+TEST(WriterPagesTest, PagesOfSeveralFilesComeTogether) {
+    PdfFixture one;
+    addNumberedPages(one, 3, QStringLiteral("one"));
+    one.addLayer(0, QStringLiteral("Shown"), "", true);
+    one.addLayer(1, QStringLiteral("Hidden"), "BT /F1 12 Tf 72 500 Td (hidden words) Tj ET", false);
+    one.setPageKey(2, "/UserUnit", "2");
+    PdfFixture two;
+    addNumberedPages(two, 2, QStringLiteral("two"));
+    two.addNamedDestination("end", 1);
+    two.addNamedLink(0, {0, 0, 20, 20}, "end");
+    two.nestPageTree(1, "/Rotate 270");
+    const auto first = PDFDocument::fromData(one.bytes(PdfFixture::Style::objectStreams));
+    const auto second = PDFDocument::fromData(two.encrypted("open", "owner", PdfFixture::Encryption::aes256));
+    ASSERT_TRUE(second->unlock(QStringLiteral("open")));
+
+    PDFDocument merged;
+    for (const auto& source : {first, second})
+        for (int i = 0; i < source->pageCount(); ++i)
+            merged.insert(source->page(i)->copy(), merged.pageCount());
+    merged.insert(first->page(0)->copy(), merged.pageCount());
+    const QByteArray file = merged.dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(file), "") << "and it isn't protected";
+    EXPECT_EQ(pageTexts(file), "one0|one1|one2|two0|two1|one0") << "the hidden layer stays hidden";
+    const auto reopened = PDFDocument::fromData(file);
+    EXPECT_EQ(reopened->page(2)->userUnit(), 2);
+    EXPECT_EQ(reopened->page(3)->rotation(), 270);
+    EXPECT_EQ(reopened->index(reopened->page(3)->annotations().at(0)->destination()->page().get()), 4);
+
+    // Into a document that has a file of its own, which then stays as it was otherwise.
+    second->insert(first->page(1)->copy(), 1);
+    const QByteArray joined = second->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(joined, QStringLiteral("open")), "");
+    EXPECT_EQ(pageTexts(joined, QStringLiteral("open")), "two0|one1|two1");
+    EXPECT_NE(PdfPrograms::complaints(joined), "") << "still protected";
+}
+
+TEST(WriterPagesTest, PagesInUseTwiceAreTwoPages) {
+    PdfFixture pdf;
+    addNumberedPages(pdf, 2);
+    pdf.addLink(0, {0, 0, 20, 20}, 1);
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    document->insert(document->page(0)->copy(), 2);
+    document->page(2)->addAnnotation(
+        std::make_shared<PDFAnnotation>(QRectF(9, 9, 50, 50), PDFAnnotationSubtype::square));
+    const QByteArray file = document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(file), "");
+    EXPECT_EQ(pageTexts(file), numbered({0, 1, 0}));
+    EXPECT_EQ(PdfPrograms::unpacked(file).count("(p0) Tj"), 1) << "the content is stored once";
+    const auto reopened = PDFDocument::fromData(file);
+    EXPECT_EQ(reopened->page(0)->annotations().size(), 1U);
+    ASSERT_EQ(reopened->page(2)->annotations().size(), 2U);
+    EXPECT_EQ(reopened->index(reopened->page(2)->annotations()[0]->destination()->page().get()), 1);
+
+    // Also when the first of them goes.
+    document->removePage(0);
+    EXPECT_EQ(pageTexts(document->dataRepresentation()), numbered({1, 0}));
+}
+
+class ProtectionTest : public testing::TestWithParam<PdfFixture::Encryption> {};
+
+TEST_P(ProtectionTest, StaysOnEverySave) {
+    PdfFixture pdf;
+    addNumberedPages(pdf, 3);
+    const QByteArray before = pdf.encrypted("user", "owner", GetParam());
+    const auto document = PDFDocument::fromData(before);
+    EXPECT_THROW((void)document->dataRepresentation(), PDFError) << "locked";
+    ASSERT_TRUE(document->unlock(QStringLiteral("user")));
+    EXPECT_EQ(document->dataRepresentation(), before);
+    document->removePage(1);
+    auto note = std::make_shared<PDFAnnotation>(QRectF(9, 9, 50, 50), PDFAnnotationSubtype::text);
+    note->setContents(QStringLiteral("a private remark"));
+    document->page(0)->addAnnotation(note);
+    const QByteArray after = document->dataRepresentation();
+    EXPECT_NE(PdfPrograms::complaints(after), "");
+    EXPECT_FALSE(after.contains("private"));
+    for (const char* password : {"user", "owner"}) {
+        EXPECT_EQ(PdfPrograms::complaints(after, QString::fromLatin1(password)), "");
+        const auto reopened = PDFDocument::fromData(after);
+        EXPECT_TRUE(reopened->isLocked());
+        EXPECT_TRUE(reopened->unlock(QString::fromLatin1(password)));
+        EXPECT_EQ(reopened->page(0)->annotations().at(0)->contents(), QStringLiteral("a private remark"));
+    }
+    EXPECT_EQ(pageTexts(after, QStringLiteral("user")), numbered({0, 2}));
+
+    // A copy made page by page is free.
+    PDFDocument copy;
+    for (int i = 0; i < document->pageCount(); ++i)
+        copy.insert(document->page(i)->copy(), i);
+    EXPECT_EQ(pageTexts(copy.dataRepresentation()), numbered({0, 2}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Ciphers, ProtectionTest,
+                         testing::Values(PdfFixture::Encryption::rc4, PdfFixture::Encryption::aes128,
+                                         PdfFixture::Encryption::aes256));
+
+TEST(WriterPagesTest, ProtectedCopyOpensWithItsPasswordOnly) {
+    PdfFixture pdf;
+    addNumberedPages(pdf, 2);
+    const auto document = PDFDocument::fromData(pdf.bytes(PdfFixture::Style::objectStreams));
+    const QString path = QDir::temp().filePath(QStringLiteral("protected.pdf"));
+    const QString password = QStringLiteral("pässwört ﬁ");
+    for (const PDFWriteOptions& options : {PDFWriteOptions{password, password}, PDFWriteOptions{password, {}}}) {
+        document->write(path, options);
+        const auto copy = PDFDocument::fromFile(path);
+        EXPECT_TRUE(copy->isLocked());
+        for (const char* wrong : {"", "x", "passwort"})
+            EXPECT_FALSE(copy->unlock(QString::fromLatin1(wrong))) << wrong;
+        ASSERT_TRUE(copy->unlock(password.normalized(QString::NormalizationForm_KC)));
+        EXPECT_EQ(copy->pageCount(), 2);
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const auto told =
+            PdfPrograms::run(QStringLiteral("qpdf"),
+                             {QStringLiteral("--show-encryption"),
+                              QStringLiteral("--password=") + password.normalized(QString::NormalizationForm_KC),
+                              QStringLiteral("FILE")},
+                             file.readAll());
+        EXPECT_TRUE(told.output.contains("R = 6")) << told.output.toStdString() << told.errors.toStdString();
+        EXPECT_TRUE(told.output.contains("AESv3"));
+    }
+    document->write(path, {QString(), QStringLiteral("owner only")});
+    EXPECT_FALSE(PDFDocument::fromFile(path)->isLocked());
+    EXPECT_TRUE(PDFDocument::fromFile(path)->isEncrypted());
+    EXPECT_EQ(document->dataRepresentation(), pdf.bytes(PdfFixture::Style::objectStreams))
+        << "the document isn't changed";
+}

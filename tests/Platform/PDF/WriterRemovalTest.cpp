@@ -1,0 +1,252 @@
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFOutline.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// What must disappear with the second page, each word in one place of the file.
+const QByteArrayList secrets{
+    "GoneText",        "GoneNote",   "GonePopup",    "GoneField",     "GoneValue",       "GoneGroup",
+    "GoneActual",      "GoneTitle",  "GoneName",     "GoneOldName",   "GoneThread",      "GonePicture",
+    "GoneProperty",    "GonePiece",  "GoneTemplate", "GoneElementId", "GoneLinkElement", "GoneSpan",
+    "GoneRadioChoice", "GoneShared", "GoneXfa",      "GoneTrigger",   "GoneOrphan",
+};
+
+// What must stay, though it stands close to what goes.
+const QByteArrayList keepers{
+    "StaysText1", "StaysText3",   "StaysNote",     "StaysField",  "StaysValue",   "StaysActual1", "StaysActual3",
+    "StaysName",  "StaysOldName", "StaysThread",   "StaysEntry",  "StaysPicture", "StaysFile",    "StaysLayer",
+    "StaysLabel", "StaysXmp",     "StaysProperty", "StaysShared", "StaysSection", "StaysGroup",
+};
+
+bool contains(const QByteArray& file, const QByteArray& word) {
+    return file.contains(word) || file.toLower().contains(word.toHex());
+}
+
+/// Three pages with everything that a page can leave its traces in.
+void fill(PdfFixture& pdf) {
+    // One dictionary of resources for all pages.
+    const QByteArray gone = pdf.addStream("<< /Type /XObject /Subtype /Form /BBox [0 0 9 9] >>", "% GonePicture");
+    const QByteArray stays = pdf.addStream("<< /Type /XObject /Subtype /Form /BBox [0 0 9 9] >>", "% StaysPicture");
+    const QByteArray resources = pdf.addObject(
+        "<< /XObject << /Im1 " + stays + " /Im2 " + gone +
+        " >> /Properties << /P1 << /Mine (StaysProperty) >> /P2 << /Mine (GoneProperty) >> >> /Font << /F1 "
+        "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >> >> >>");
+    for (const char* content : {"/P1 /P1 DP /Im1 Do BT /F1 12 Tf 72 720 Td (StaysText1) Tj ET",
+                                "/P2 /P2 DP /Im2 Do /Im1 Do BT /F1 12 Tf 72 720 Td (GoneText) Tj ET",
+                                "/Im1 Do BT /F1 12 Tf 72 720 Td (StaysText3) Tj ET"})
+        pdf.addPageWithContent(content, resources);
+
+    // Annotations.
+    pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Text /Rect [10 10 30 30] /Contents (StaysNote) >>");
+    const QByteArray note = pdf.addAnnotation(1, "<< /Type /Annot /Subtype /Text /Rect [10 10 30 30] /Contents "
+                                                 "(GoneNote) >>");
+    const QByteArray popup =
+        pdf.addAnnotation(1, "<< /Type /Annot /Subtype /Popup /Rect [0 0 9 9] /Contents (GonePopup) "
+                             "/Parent " +
+                                 note + " >>");
+    pdf.setKey(note, "/Popup", popup);
+
+    // The form.
+    pdf.addTextField(0, QStringLiteral("StaysField"), {10, 100, 100, 20}, QStringLiteral("StaysValue"));
+    pdf.addTextField(1, QStringLiteral("GoneField"), {10, 100, 100, 20}, QStringLiteral("GoneValue"));
+    const QByteArray group =
+        pdf.addRadioGroup(QStringLiteral("GoneGroup"), {{1, {10, 200, 10, 10}, "GoneRadioChoice"}}, "GoneRadioChoice");
+    pdf.addRadioGroup(QStringLiteral("StaysGroup"), {{0, {10, 300, 10, 10}, "A"}, {1, {10, 300, 10, 10}, "B"}}, "A");
+    pdf.addSharedTextField(QStringLiteral("StaysShared"), {{1, {10, 400, 90, 20}}, {2, {10, 400, 90, 20}}},
+                           QStringLiteral("both pages"));
+    pdf.addSharedTextField(QStringLiteral("GoneShared"), {{1, {10, 450, 90, 20}}, {1, {10, 480, 90, 20}}},
+                           QStringLiteral("one page"));
+    pdf.setKey(pdf.form(), "/CO", '[' + group + ']');
+    pdf.setKey(pdf.form(), "/XFA", pdf.addStream("<< >>", "<xfa>GoneXfa</xfa>"));
+
+    // The structure tree. The pages have the keys 0 to 2 in its parent tree.
+    pdf.tagPage(0, QStringLiteral("StaysActual1"));
+    pdf.tagPage(1, QStringLiteral("GoneActual"), QStringLiteral("GoneTitle"));
+    pdf.tagPage(2, QStringLiteral("StaysActual3"));
+    const QByteArray section = pdf.addObject("<< /Type /StructElem /S /Sect /T (StaysSection) /ActualText (GoneSpan) "
+                                             "/K [<< /Type /MCR /Pg " +
+                                             pdf.pageReference(1) +
+                                             " /MCID 1 >> << /Type "
+                                             "/MCR /Pg " +
+                                             pdf.pageReference(0) + " /MCID 1 >>] >>");
+    const QByteArray outer =
+        pdf.addObject("<< /Type /StructElem /S /Div /T (StaysSection) /Alt (GoneSpan) /K " + section + " >>");
+    pdf.setKey(section, "/P", outer);
+    const QByteArray withId =
+        pdf.addObject("<< /Type /StructElem /S /H1 /ID (GoneElementId) /Pg " + pdf.pageReference(1) + " /K [2] >>");
+    const QByteArray ofNote =
+        pdf.addObject("<< /Type /StructElem /S /Annot /T (GoneLinkElement) /K << /Type /OBJR /Obj " + note + " >> >>");
+    const QByteArray orphan =
+        pdf.addObject("<< /Type /StructElem /S /P /T (GoneOrphan) /Pg " + pdf.pageReference(1) + " >>");
+    pdf.appendToStructure({outer, withId, ofNote});
+    pdf.setStructureKey("/IDTree", "<< /Names [(GoneElementId) " + withId + "] >>");
+    pdf.appendToParentTree(77, '[' + orphan + ']');
+
+    // Places.
+    for (int page : {0, 2})
+        pdf.addNamedDestination("StaysName" + QByteArray::number(page), page);
+    pdf.addNamedDestination("GoneName", 1);
+    pdf.addNamedDestination("StaysOldName", 2, true);
+    pdf.addNamedDestination("GoneOldName", 1, true);
+    pdf.setNamesKey("/Pages", "<< /Names [(GoneTemplate) " + pdf.pageReference(1) + "] >>");
+    pdf.addNamedLink(0, {0, 0, 20, 20}, "GoneName");
+    pdf.addNamedLink(0, {0, 0, 20, 20}, "GoneOldName");
+    pdf.addNamedLink(0, {0, 0, 20, 20}, "StaysName2");
+    pdf.addLink(0, {20, 0, 20, 20}, 1);
+    pdf.addLink(0, {20, 0, 20, 20}, 2);
+    pdf.setPageKey(2, "/AA", "<< /O << /S /GoTo /D (GoneName) /Note (GoneTrigger) >> >>");
+    pdf.setRootKey("/OpenAction", '[' + pdf.pageReference(1) + " /Fit]");
+    pdf.setOutline({{QStringLiteral("StaysEntry1"), 0},
+                    {QStringLiteral("StaysEntry2"), 1, {{QStringLiteral("StaysEntry3"), -1, {}, "GoneName"}}},
+                    {QStringLiteral("StaysEntry4"), 2}});
+    pdf.addThread(QStringLiteral("StaysThread"), {0, 1, 2});
+    pdf.addThread(QStringLiteral("GoneThread"), {1, 1});
+    pdf.setPageLabels("0 << /S /D /P (StaysLabel) >>");
+
+    // Parts of the document.
+    pdf.setPageKey(1, "/PieceInfo", "<< /App << /Private (GonePiece) >> >>");
+    pdf.setMetadata("<x>StaysXmp</x>");
+    pdf.attach(QStringLiteral("StaysFile.txt"), "hello");
+    pdf.addLayer(0, QStringLiteral("StaysLayer"), "", true);
+}
+
+void expectNothingLeft(const QByteArray& file) {
+    const QByteArray all = PdfPrograms::unpacked(file);
+    ASSERT_FALSE(all.isEmpty());
+    for (const QByteArray& word : secrets)
+        EXPECT_FALSE(contains(all, word)) << word.toStdString();
+}
+
+/// Where the page's links lead, as page indices; links that lead nowhere are left out.
+std::vector<int> pagesLinkedFrom(const PDFDocument& document, int page) {
+    std::vector<int> pages;
+    for (const auto& annotation : document.page(page)->annotations())
+        if (annotation->destination())
+            pages.push_back(document.index(annotation->destination()->page().get()));
+    return pages;
+}
+
+class RemovalTest : public testing::TestWithParam<PdfFixture::Style> {};
+
+} // namespace
+
+TEST_P(RemovalTest, LeavesNothingOfThePage) {
+    PdfFixture pdf;
+    fill(pdf);
+    const QByteArray before = pdf.bytes(GetParam());
+    const QByteArray unpackedBefore = PdfPrograms::unpacked(before);
+    for (const QByteArray& word : secrets + keepers)
+        ASSERT_TRUE(contains(unpackedBefore, word)) << word.toStdString();
+
+    const auto document = PDFDocument::fromData(before);
+    document->removePage(1);
+    const QByteArray after = document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(after), "");
+    expectNothingLeft(after);
+    const QByteArray unpackedAfter = PdfPrograms::unpacked(after);
+    for (const QByteArray& word : keepers)
+        EXPECT_TRUE(contains(unpackedAfter, word)) << word.toStdString();
+
+    const auto reopened = PDFDocument::fromData(after);
+    ASSERT_EQ(reopened->pageCount(), 2);
+    EXPECT_EQ(reopened->page(1)->string(), QStringLiteral("StaysText3"));
+    const auto outline = reopened->outlineRoot();
+    ASSERT_EQ(outline->numberOfChildren(), 3);
+    EXPECT_EQ(reopened->index(outline->child(0)->destination()->page().get()), 0);
+    EXPECT_EQ(outline->child(1)->label(), QStringLiteral("StaysEntry2"));
+    EXPECT_FALSE(outline->child(1)->destination());
+    EXPECT_FALSE(outline->child(1)->child(0)->destination());
+    EXPECT_EQ(reopened->index(outline->child(2)->destination()->page().get()), 1);
+    EXPECT_TRUE(unpackedAfter.contains("/D (StaysName2)"));
+    EXPECT_EQ(pagesLinkedFrom(*reopened, 0), std::vector{1});
+}
+
+TEST_P(RemovalTest, LeavesNothingOfAPageThatAPictureReplaces) {
+    PdfFixture pdf;
+    fill(pdf);
+    const auto document = PDFDocument::fromData(pdf.bytes(GetParam()));
+    const auto original = document->page(1);
+    EXPECT_FALSE(original->annotations().empty());
+    document->removePage(1);
+    QImage picture(100, 130, QImage::Format_RGB32);
+    picture.fill(Qt::darkGreen);
+    document->insert(PDFPage::fromImage(picture, {612, 792}), 1);
+    const QByteArray after = document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(after), "");
+    expectNothingLeft(after);
+    EXPECT_EQ(PDFDocument::fromData(after)->page(1)->string(), QString());
+
+    // Taken back, the document is the old one again.
+    document->removePage(1);
+    document->insert(original, 1);
+    EXPECT_EQ(document->dataRepresentation(), pdf.bytes(GetParam()));
+}
+
+TEST_P(RemovalTest, ExtractedPagesBringNothingOfTheOthers) {
+    PdfFixture pdf;
+    fill(pdf);
+    const auto document = PDFDocument::fromData(pdf.bytes(GetParam()));
+    PDFDocument extracted;
+    extracted.insert(document->page(0)->copy(), 0);
+    extracted.insert(document->page(2)->copy(), 1);
+    const QByteArray file = extracted.dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(file), "");
+    const QByteArray all = PdfPrograms::unpacked(file);
+    for (const QByteArray& word : secrets)
+        EXPECT_FALSE(contains(all, word)) << word.toStdString();
+    for (const char* word : {"StaysText1", "StaysText3", "StaysNote", "StaysField", "StaysValue", "StaysGroup",
+                             "StaysShared", "StaysLayer"})
+        EXPECT_TRUE(contains(all, word)) << word;
+    const auto reopened = PDFDocument::fromData(file);
+    EXPECT_EQ(pagesLinkedFrom(*reopened, 0), (std::vector{1, 1})) << "one by page and one by name";
+}
+
+INSTANTIATE_TEST_SUITE_P(Styles, RemovalTest,
+                         testing::Values(PdfFixture::Style::classic, PdfFixture::Style::objectStreams));
+
+TEST(WriterRemovalTest, AllPagesMayGo) {
+    PdfFixture pdf;
+    fill(pdf);
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    while (document->pageCount() > 0)
+        document->removePage(0);
+    const QByteArray after = document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(after), "");
+    expectNothingLeft(after);
+    EXPECT_EQ(PDFDocument::fromData(after)->pageCount(), 0);
+    EXPECT_EQ(PDFDocument::fromData(PDFDocument().dataRepresentation())->pageCount(), 0);
+}
+
+TEST(WriterRemovalTest, InheritedResourcesAreSharedToo) {
+    PdfFixture pdf;
+    const QByteArray gone = pdf.addStream("<< /Type /XObject /Subtype /Form /BBox [0 0 9 9] >>", "% GoneInherited");
+    const QByteArray stays = pdf.addStream("<< /Type /XObject /Subtype /Form /BBox [0 0 9 9] >>", "% StaysInherited");
+    for (const char* content : {"/Im1 Do", "/Im2 Do", "/Im1 Do", "/Im1 Do"}) {
+        const int page = pdf.addPageWithContent(content);
+        pdf.setPageKey(page, "/Resources", "null");
+        pdf.setPageKey(page, "/MediaBox", "null");
+    }
+    pdf.nestPageTree(2, "/MediaBox [0 0 300 400] /Rotate 90 /Resources << /XObject << /Im1 " + stays + " /Im2 " + gone +
+                            " >> >>");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    document->removePage(1);
+    const QByteArray after = document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(after), "");
+    const QByteArray all = PdfPrograms::unpacked(after);
+    EXPECT_TRUE(all.contains("StaysInherited"));
+    const auto reopened = PDFDocument::fromData(after);
+    ASSERT_EQ(reopened->pageCount(), 3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(reopened->page(i)->bounds(PDFDisplayBox::mediaBox), QRectF(0, 0, 300, 400));
+        EXPECT_EQ(reopened->page(i)->rotation(), 90);
+    }
+    EXPECT_FALSE(all.contains("GoneInherited"));
+}
