@@ -1,0 +1,233 @@
+#pragma once
+
+#include "PDFTypes.h"
+
+#include <QAbstractScrollArea>
+#include <QColor>
+#include <QPointF>
+#include <QRectF>
+
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+class PDFDestination;
+class PDFDocument;
+class PDFPage;
+class PDFSelection;
+struct PDFViewParts;
+class QAction;
+class QMenu;
+class QUrl;
+
+/// How the pages are arranged.
+enum class PDFDisplayMode {
+    singlePageContinuous, ///< one column of all pages
+};
+
+/// The commands that the view has an action for. Those with keys of their own: copy Ctrl+C, select all Ctrl+A, back
+/// Alt+Left, forward Alt+Right, first page Ctrl+Home, last page Ctrl+End; the keys work while the view has the
+/// keyboard.
+enum class PDFViewCommand {
+    copy,
+    selectAll,
+    goBack,
+    goForward,
+    goToFirstPage,
+    goToLastPage,
+    goToNextPage,
+    goToPreviousPage,
+    zoomIn,
+    zoomOut,
+    zoomToFit,
+};
+
+/// Shows a document as one continuous column of pages, to be scrolled, zoomed, selected from and followed through its
+/// links. Main thread only.
+///
+/// Pages are drawn by threads of the view; scrolling never waits for them: what isn't drawn yet is shown as a blurred
+/// smaller picture, or as white paper. The sizes of pages out of sight are estimated until they have been surveyed, and
+/// nothing that the reader sees moves when they are.
+///
+/// A "view point" is a point of `viewport()` in device-independent pixels, as its mouse events carry it. A widget that
+/// lies over the pages is a child of `viewport()` and follows `visibleAreaChanged`. Page coordinates are those of
+/// `PDFPage`: points, y up, not turned.
+///
+/// Keys: Page Up and Page Down, Space and Shift+Space scroll by a screen; the arrows by a little, Left and Right by a
+/// page when nothing lies to the side; Home and End go to the start and the end of the current page; Tab and Shift+Tab
+/// go through the links on the screen, Return follows one, Escape leaves it or drops the selection. The wheel zooms
+/// with Ctrl and scrolls to the side with Shift.
+class PDFView : public QAbstractScrollArea {
+    Q_OBJECT
+
+public:
+    explicit PDFView(QWidget* parent = nullptr);
+    ~PDFView() override;
+
+    /// Null while it shows none.
+    [[nodiscard]] std::shared_ptr<PDFDocument> document() const;
+    /// Shows another document from its start. The selection and the history of jumps are dropped, and what was being
+    /// drawn is cancelled. Does nothing for the document that is shown already.
+    void setDocument(const std::shared_ptr<PDFDocument>& document);
+    /// Reads the pages and their sizes again and lays them out; the reader keeps his place. A change that the document
+    /// tells of needs no call.
+    void layoutDocumentView();
+
+    // Pages
+
+    /// The page that takes the most of the view, or the one that was gone to last as long as it is in sight. Null
+    /// without pages.
+    [[nodiscard]] std::shared_ptr<PDFPage> currentPage() const;
+    /// Zero-based; none without pages.
+    [[nodiscard]] std::optional<int> currentPageIndex() const;
+    /// The pages in sight, in order.
+    [[nodiscard]] std::vector<std::shared_ptr<PDFPage>> visiblePages() const;
+
+    /// Brings the top of a page to the top of the view. Does nothing for a page of another document. This, going to a
+    /// destination, to the first and to the last page are jumps, which the history notes.
+    void goToPage(const std::shared_ptr<PDFPage>& page);
+    /// Brings the destination to the upper left of the view, at its scale when it has one.
+    void goToDestination(const PDFDestination& destination);
+    /// Scrolls by as little as brings the start of the selection into sight.
+    void goToSelection(const PDFSelection& selection);
+    void goToNextPage();
+    void goToPreviousPage();
+    void goToFirstPage();
+    void goToLastPage();
+    [[nodiscard]] bool canGoToNextPage() const;
+    [[nodiscard]] bool canGoToPreviousPage() const;
+    void goBack();
+    void goForward();
+    [[nodiscard]] bool canGoBack() const;
+    [[nodiscard]] bool canGoForward() const;
+
+    // Looks
+
+    /// True while the scale follows the width of the view. At first false.
+    [[nodiscard]] bool autoScales() const;
+    void setAutoScales(bool scales);
+    /// 1 shows a point (1/72 inch) as one device-independent pixel.
+    [[nodiscard]] double scaleFactor() const;
+    /// Keeps the middle of the view in place. The value is clamped to the limits. This ends `autoScales`, but for the
+    /// very value of `scaleFactorForSizeToFit`, which starts it.
+    void setScaleFactor(double scale);
+    /// 0.1 unless set; less while a page is so wide that it takes less to fit.
+    [[nodiscard]] double minScaleFactor() const;
+    void setMinScaleFactor(double scale);
+    /// 16 unless set.
+    [[nodiscard]] double maxScaleFactor() const;
+    void setMaxScaleFactor(double scale);
+    /// At which the current page fills the width of the view; at most `maxScaleFactor`. 1 without pages.
+    [[nodiscard]] double scaleFactorForSizeToFit() const;
+    /// Steps of a fifth, about the middle of the view.
+    void zoomIn();
+    void zoomOut();
+    /// Fits the width and follows it from then on.
+    void zoomToFit();
+    /// Scales by `factor` so that what lies at `viewPoint` stays there.
+    void zoomAt(QPointF viewPoint, double factor);
+
+    [[nodiscard]] PDFDisplayMode displayMode() const { return PDFDisplayMode::singlePageContinuous; }
+    void setDisplayMode(PDFDisplayMode mode);
+    /// Gaps and soft shadows between pages; at first true.
+    [[nodiscard]] bool displaysPageBreaks() const;
+    void setDisplaysPageBreaks(bool breaks);
+    /// Which box of a page is shown; at first the crop box.
+    [[nodiscard]] PDFDisplayBox displayBox() const;
+    void setDisplayBox(PDFDisplayBox box);
+    /// Around the pages; the palette's window colour until it is set.
+    [[nodiscard]] QColor backgroundColor() const;
+    void setBackgroundColor(const QColor& color);
+
+    // Points
+
+    /// The page at a view point; with `nearest` also for a point beside the pages. Null when there is none.
+    [[nodiscard]] std::shared_ptr<PDFPage> pageAt(QPointF viewPoint, bool nearest) const;
+    /// Between the view and page coordinates. The page is one of the document; others give a null point or rectangle.
+    [[nodiscard]] QPointF convertToPage(QPointF viewPoint, const PDFPage& page) const;
+    [[nodiscard]] QRectF convertToPage(const QRectF& viewRect, const PDFPage& page) const;
+    [[nodiscard]] QPointF convertFromPage(QPointF pagePoint, const PDFPage& page) const;
+    [[nodiscard]] QRectF convertFromPage(const QRectF& pageRect, const PDFPage& page) const;
+
+    // Selection
+
+    /// None when nothing is selected. For a selection over very many pages the first call reads all of their texts,
+    /// which takes seconds for a thousand; `hasSelection` and `copy` don't keep anyone waiting.
+    [[nodiscard]] std::optional<PDFSelection> currentSelection() const;
+    [[nodiscard]] bool hasSelection() const;
+    /// What is selected on a page, as [start, end) in its text; an end may be past that of the text. Reads no text.
+    [[nodiscard]] std::vector<std::pair<int, int>> selectedRanges(const PDFPage& page) const;
+    void setCurrentSelection(const std::optional<PDFSelection>& selection);
+    void clearSelection();
+    /// Selects the text of all pages. Takes no time: no text is read for it.
+    void selectAll();
+    /// Puts the selected text on the clipboard. Many pages are read on another thread, and the text is there when that
+    /// is done.
+    void copy();
+
+    // Memory and measuring
+
+    /// For drawn tiles, 72 MB for each device pixel in a device-independent one, unless set.
+    void setTileCacheLimit(qint64 bytes);
+    [[nodiscard]] qint64 tileCacheLimit() const;
+    /// What the drawn tiles and the pictures that stand in for them take now.
+    [[nodiscard]] qint64 tileCacheBytes() const;
+    /// Drops what is drawn but not on the screen; what is on the screen is drawn anew and stays until then.
+    void clearCaches();
+    /// True when no stand-in is on the screen.
+    [[nodiscard]] bool isSharp() const;
+
+    /// Owned by the view.
+    [[nodiscard]] QAction* action(PDFViewCommand command) const;
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+Q_SIGNALS:
+    /// Another page is current, or the current one has another place among the pages, or their number changed.
+    void pageChanged();
+    void scaleChanged();
+    void selectionChanged();
+    void historyChanged();
+    /// What lies in the view moved, by scrolling, zooming or a new layout.
+    void visibleAreaChanged();
+    /// The reader followed a link to a web address; the view opens none.
+    void linkActivated(const QUrl& url);
+    /// The view was painted and all of it is sharp; `firstSharpPaint` for the first time with this document. Sent while
+    /// painting, so only to be noted.
+    void pageDrawn(bool firstSharpPaint);
+
+protected:
+    /// The pointer rests or moves at a view point: sets its shape. A hand over links, an I over text.
+    virtual void updateCursor(QPointF viewPoint);
+    /// The menu for a click with the right button; null for none.
+    [[nodiscard]] virtual std::unique_ptr<QMenu> menu(QPointF viewPoint);
+    /// Escape: leaves a link that has the keyboard, or drops the selection.
+    virtual void cancelOperation();
+    /// Draws over the pages. The painter is set to view points.
+    virtual void drawOverPages(QPainter& painter);
+    /// True for a link that leads somewhere.
+    [[nodiscard]] bool hasLink(QPointF viewPoint) const;
+
+    bool viewportEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    friend struct PDFViewParts;
+
+    const std::unique_ptr<PDFViewParts> m_parts;
+};

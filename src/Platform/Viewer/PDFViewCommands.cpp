@@ -1,0 +1,72 @@
+#include "PDFViewCommands.h"
+
+#include "PDFDocument.h"
+
+#include <QAction>
+#include <QKeySequence>
+
+namespace {
+
+struct Row {
+    PDFViewCommand command;
+    const char* name;
+    const char* text;
+    const char* keys; // empty: the window decides on keys
+    void (PDFView::*operation)();
+};
+
+constexpr Row rows[] = {
+    {PDFViewCommand::copy, "copyAction", QT_TRANSLATE_NOOP("PDFView", "Copy"), "Ctrl+C", &PDFView::copy},
+    {PDFViewCommand::selectAll, "selectAllAction", QT_TRANSLATE_NOOP("PDFView", "Select All"), "Ctrl+A",
+     &PDFView::selectAll},
+    {PDFViewCommand::goBack, "goBackAction", QT_TRANSLATE_NOOP("PDFView", "Back"), "Alt+Left", &PDFView::goBack},
+    {PDFViewCommand::goForward, "goForwardAction", QT_TRANSLATE_NOOP("PDFView", "Forward"), "Alt+Right",
+     &PDFView::goForward},
+    {PDFViewCommand::goToFirstPage, "firstPageAction", QT_TRANSLATE_NOOP("PDFView", "First Page"), "Ctrl+Home",
+     &PDFView::goToFirstPage},
+    {PDFViewCommand::goToLastPage, "lastPageAction", QT_TRANSLATE_NOOP("PDFView", "Last Page"), "Ctrl+End",
+     &PDFView::goToLastPage},
+    {PDFViewCommand::goToNextPage, "nextPageAction", QT_TRANSLATE_NOOP("PDFView", "Next Page"), "",
+     &PDFView::goToNextPage},
+    {PDFViewCommand::goToPreviousPage, "previousPageAction", QT_TRANSLATE_NOOP("PDFView", "Previous Page"), "",
+     &PDFView::goToPreviousPage},
+    {PDFViewCommand::zoomIn, "zoomInAction", QT_TRANSLATE_NOOP("PDFView", "Zoom In"), "", &PDFView::zoomIn},
+    {PDFViewCommand::zoomOut, "zoomOutAction", QT_TRANSLATE_NOOP("PDFView", "Zoom Out"), "", &PDFView::zoomOut},
+    {PDFViewCommand::zoomToFit, "zoomToFitAction", QT_TRANSLATE_NOOP("PDFView", "Zoom to Fit"), "",
+     &PDFView::zoomToFit},
+};
+
+} // namespace
+
+PDFViewCommands::PDFViewCommands(PDFView& view) : m_view(view) {
+    for (const Row& row : rows) {
+        auto* action = new QAction(PDFView::tr(row.text), &view);
+        action->setObjectName(QLatin1String(row.name));
+        if (*row.keys) {
+            action->setShortcut(QKeySequence::fromString(QLatin1String(row.keys)));
+            action->setShortcutContext(Qt::WidgetShortcut); // an editor over the page has keys of its own
+        }
+        QObject::connect(action, &QAction::triggered, &view, row.operation);
+        view.addAction(action);
+        m_actions.emplace(row.command, action);
+    }
+    for (const auto signal :
+         {&PDFView::pageChanged, &PDFView::selectionChanged, &PDFView::historyChanged, &PDFView::scaleChanged})
+        QObject::connect(&view, signal, &view, [this] { updateEnabled(); });
+}
+
+void PDFViewCommands::updateEnabled() const {
+    const bool hasPages = m_view.currentPageIndex().has_value();
+    const auto enable = [this](PDFViewCommand command, bool enabled) { action(command)->setEnabled(enabled); };
+    enable(PDFViewCommand::copy, m_view.hasSelection());
+    enable(PDFViewCommand::selectAll, hasPages);
+    enable(PDFViewCommand::goBack, m_view.canGoBack());
+    enable(PDFViewCommand::goForward, m_view.canGoForward());
+    enable(PDFViewCommand::goToFirstPage, hasPages);
+    enable(PDFViewCommand::goToLastPage, hasPages);
+    enable(PDFViewCommand::goToNextPage, m_view.canGoToNextPage());
+    enable(PDFViewCommand::goToPreviousPage, m_view.canGoToPreviousPage());
+    enable(PDFViewCommand::zoomIn, hasPages && m_view.scaleFactor() < m_view.maxScaleFactor());
+    enable(PDFViewCommand::zoomOut, hasPages && m_view.scaleFactor() > m_view.minScaleFactor());
+    enable(PDFViewCommand::zoomToFit, hasPages);
+}

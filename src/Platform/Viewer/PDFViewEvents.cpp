@@ -1,0 +1,323 @@
+#include "PDFView.h"
+
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFViewParts.h"
+#include "PageText.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QHelpEvent>
+#include <QMenu>
+#include <QNativeGestureEvent>
+#include <QPainter>
+#include <QPinchGesture>
+#include <QScrollBar>
+#include <QToolTip>
+#include <QWheelEvent>
+
+#include <cmath>
+
+/// Device-independent pixels.
+static constexpr double wheelLine = 40;
+static constexpr double arrowStep = 60;
+static constexpr double screenOverlap = 40; // of the last screen that stays in sight after a step of one
+static constexpr double focusRingWidth = 2;
+/// Notches of the wheel that double the scale.
+static constexpr double notchesToDouble = 4;
+static constexpr double notch = 120; // eighths of a degree
+
+// Painting
+
+void PDFView::paintEvent(QPaintEvent* event) {
+    PageColumn& column = m_parts->column();
+    if (devicePixelRatioF() != column.devicePixelRatio())
+        m_parts->updateViewport(); // the window came to another screen
+    const double ratio = column.devicePixelRatio();
+
+    QPainter painter(viewport());
+    painter.save();
+    painter.scale(1 / ratio, 1 / ratio); // from here on in device pixels
+    const QRectF view = m_parts->deviceView();
+    const QRect rect = event->rect();
+    const QRectF exposed = QRectF(QRectF(QPointF(rect.topLeft()) * ratio, QSizeF(rect.size()) * ratio).toAlignedRect())
+                               .adjusted(-1, -1, 1, 1);
+
+    const std::vector<PlacedPage> pages = m_parts->pages(false);
+    QRegion background(exposed.toAlignedRect());
+    for (const PlacedPage& page : pages)
+        background -= (page.rect & exposed).toRect();
+    for (const QRect& part : background)
+        painter.fillRect(part, backgroundColor());
+
+    const PagePainter::Style style{ratio, displaysPageBreaks(), palette().color(QPalette::Active, QPalette::Highlight),
+                                   font()};
+    for (const PlacedPage& page : pages) {
+        std::vector<QRectF> selected;
+        if (page.page && hasSelection()) {
+            if (const auto text = m_parts->texts.text(page.look.content))
+                selected = m_parts->selection.rects(*page.page, *text);
+        }
+        m_parts->painter.paint(painter, page, selected, m_parts->tiles, view, exposed, style);
+    }
+    painter.restore();
+
+    painter.save();
+    drawOverPages(painter);
+    painter.restore();
+    painter.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), focusRingWidth));
+    const double half = focusRingWidth / 2;
+    if (const auto link = m_parts->links.focused())
+        painter.drawRect(link->rect.adjusted(-half, -half, half, half));
+    if (m_parts->keyboardFocus)
+        painter.drawRect(QRectF(viewport()->rect()).adjusted(half, half, -half, -half));
+
+    if (!pages.empty() && isSharp())
+        Q_EMIT pageDrawn(!std::exchange(m_parts->hasDrawnSharp, true));
+}
+
+void PDFView::drawOverPages(QPainter&) {}
+
+void PDFView::resizeEvent(QResizeEvent*) {
+    m_parts->updateViewport();
+}
+
+void PDFView::showEvent(QShowEvent* event) {
+    QAbstractScrollArea::showEvent(event);
+    m_parts->updateViewport();
+    m_parts->plan();
+}
+
+void PDFView::changeEvent(QEvent* event) {
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
+        viewport()->update();
+}
+
+/// The column follows the scroll bars by itself and repaints.
+void PDFView::scrollContentsBy(int, int) {}
+
+bool PDFView::viewportEvent(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::ToolTip: {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        const auto link = m_parts->links.linkAt(help->pos());
+        if (link)
+            QToolTip::showText(help->globalPos(), m_parts->links.describe(*link->annotation), viewport(),
+                               link->rect.toAlignedRect());
+        else
+            QToolTip::hideText();
+        return true;
+    }
+    case QEvent::NativeGesture: {
+        const auto* gesture = static_cast<QNativeGestureEvent*>(event);
+        if (gesture->gestureType() != Qt::ZoomNativeGesture)
+            break;
+        zoomAt(gesture->position(), 1 + gesture->value());
+        return true;
+    }
+    case QEvent::Gesture: {
+        const auto* gestures = static_cast<QGestureEvent*>(event);
+        const auto* pinch = static_cast<QPinchGesture*>(gestures->gesture(Qt::PinchGesture));
+        if (!pinch)
+            break;
+        if (pinch->changeFlags().testFlag(QPinchGesture::ScaleFactorChanged))
+            zoomAt(viewport()->mapFromGlobal(pinch->centerPoint()), pinch->scaleFactor());
+        if (pinch->changeFlags().testFlag(QPinchGesture::CenterPointChanged))
+            m_parts->columnOfPages.scroller().scrollBy((pinch->lastCenterPoint() - pinch->centerPoint()) *
+                                                       m_parts->columnOfPages.devicePixelRatio());
+        return true;
+    }
+    case QEvent::Leave:
+        m_parts->pointer.reset();
+        break;
+    default:
+        break;
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+// Wheel and keys
+
+void PDFView::wheelEvent(QWheelEvent* event) {
+    event->accept();
+    if (event->modifiers().testFlag(Qt::ControlModifier)) {
+        zoomAt(event->position(), std::exp2(event->angleDelta().y() / notch / notchesToDouble));
+        return;
+    }
+    PageColumn& column = m_parts->column();
+    ViewScroller& scroller = column.scroller();
+    const double ratio = column.devicePixelRatio();
+    // What X11 reports in pixels can't be relied on.
+    const bool inPixels = !event->pixelDelta().isNull() && QGuiApplication::platformName() != QLatin1String("xcb");
+    const double lines = QApplication::wheelScrollLines() * wheelLine;
+    QPointF way = inPixels ? -QPointF(event->pixelDelta()) : -QPointF(event->angleDelta()) / notch * lines;
+    if (event->modifiers().testFlag(Qt::ShiftModifier) && way.x() == 0)
+        way = way.transposed();
+    // A touch pad sends many small steps that are smooth by themselves; the notch of a wheel is not.
+    const bool isNotch =
+        !inPixels && event->angleDelta().x() % int(notch) == 0 && event->angleDelta().y() % int(notch) == 0;
+    if (isNotch)
+        scroller.glideBy(way * ratio);
+    else
+        scroller.scrollBy(way * ratio);
+}
+
+void PDFView::keyPressEvent(QKeyEvent* event) {
+    PageColumn& column = m_parts->column();
+    ViewScroller& scroller = column.scroller();
+    const double ratio = column.devicePixelRatio();
+    const double screen = std::max(viewport()->height() - screenOverlap, viewport()->height() / 2.0);
+    const auto glide = [&](double x, double y) { scroller.glideBy(QPointF(x, y) * ratio); };
+    const auto modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const bool toTheSide = scroller.maximum().x() > 0;
+    event->accept();
+
+    if (modifiers == Qt::ShiftModifier && event->key() == Qt::Key_Space) {
+        glide(0, -screen);
+        return;
+    }
+    if (modifiers != Qt::NoModifier) {
+        event->ignore();
+        return;
+    }
+    switch (event->key()) {
+    case Qt::Key_PageDown:
+    case Qt::Key_Space:
+        return glide(0, screen);
+    case Qt::Key_PageUp:
+        return glide(0, -screen);
+    case Qt::Key_Down:
+        return glide(0, arrowStep);
+    case Qt::Key_Up:
+        return glide(0, -arrowStep);
+    case Qt::Key_Right:
+        return toTheSide ? glide(arrowStep, 0) : goToNextPage();
+    case Qt::Key_Left:
+        return toTheSide ? glide(-arrowStep, 0) : goToPreviousPage();
+    case Qt::Key_Home:
+        return column.goToPage(column.currentPage());
+    case Qt::Key_End:
+        return column.goToPageEnd(column.currentPage());
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (const auto link = m_parts->links.focused())
+            return m_parts->follow(*link->annotation);
+        break;
+    case Qt::Key_Escape:
+        return cancelOperation();
+    default:
+        break;
+    }
+    event->ignore();
+}
+
+void PDFView::cancelOperation() {
+    if (m_parts->links.focused())
+        m_parts->leaveLink();
+    else
+        clearSelection();
+}
+
+bool PDFView::focusNextPrevChild(bool next) {
+    const bool onLink = m_parts->links.focusNext(next);
+    m_parts->describe();
+    viewport()->update();
+    return onLink || QAbstractScrollArea::focusNextPrevChild(next);
+}
+
+void PDFView::focusInEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusInEvent(event);
+    m_parts->keyboardFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
+                             event->reason() == Qt::ShortcutFocusReason;
+    viewport()->update();
+}
+
+void PDFView::focusOutEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusOutEvent(event);
+    m_parts->keyboardFocus = false;
+    if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
+        m_parts->leaveLink();
+    viewport()->update();
+}
+
+// Pointer
+
+void PDFView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    PageColumn& column = m_parts->column();
+    column.scroller().stop();
+    m_parts->keyboardFocus = false;
+    m_parts->followedLink = false;
+    m_parts->leaveLink();
+    const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
+    const auto link = shift ? std::nullopt : m_parts->links.linkAt(event->position());
+    m_parts->pressedLink = link ? link->annotation : nullptr;
+    m_parts->pressPoint = event->position();
+    m_parts->drag.press(event->position(), shift);
+}
+
+void PDFView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && !m_parts->followedLink)
+        m_parts->drag.doubleClick(event->position());
+}
+
+void PDFView::mouseMoveEvent(QMouseEvent* event) {
+    m_parts->pointer = event->position();
+    if (!event->buttons().testFlag(Qt::LeftButton)) {
+        // Links are read from the file when they are first asked for: not in the middle of scrolling.
+        if (!m_parts->isMoving())
+            updateCursor(event->position());
+        return;
+    }
+    const double way = (event->position() - m_parts->pressPoint).manhattanLength();
+    if (m_parts->pressedLink && way < QApplication::startDragDistance())
+        return; // a hand that isn't quite still still clicks
+    m_parts->pressedLink.reset();
+    m_parts->drag.moveTo(event->position());
+}
+
+void PDFView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    m_parts->drag.release();
+    if (const auto link = std::exchange(m_parts->pressedLink, nullptr)) {
+        m_parts->followedLink = true;
+        m_parts->follow(*link);
+    }
+    updateCursor(event->position());
+}
+
+void PDFView::updateCursor(QPointF viewPoint) {
+    if (m_parts->links.linkAt(viewPoint)) {
+        viewport()->setCursor(Qt::PointingHandCursor);
+        return;
+    }
+    const std::shared_ptr<PDFPage> page = pageAt(viewPoint, false);
+    const auto text = page ? m_parts->texts.text(page->content()) : nullptr;
+    const bool overText = text && text->lineContaining(convertToPage(viewPoint, *page)) >= 0;
+    viewport()->setCursor(overText ? Qt::IBeamCursor : Qt::ArrowCursor);
+}
+
+bool PDFView::hasLink(QPointF viewPoint) const {
+    return m_parts->links.linkAt(viewPoint).has_value();
+}
+
+void PDFView::contextMenuEvent(QContextMenuEvent* event) {
+    // The menu goes with the view when that is closed meanwhile, so no one here may wait for it.
+    QMenu* const shown = menu(event->pos()).release();
+    if (!shown)
+        return;
+    shown->setAttribute(Qt::WA_DeleteOnClose);
+    shown->popup(event->globalPos());
+}
+
+std::unique_ptr<QMenu> PDFView::menu(QPointF) {
+    auto shown = std::make_unique<QMenu>(this);
+    shown->setObjectName(QStringLiteral("pdfViewMenu"));
+    shown->setAccessibleName(tr("Document"));
+    shown->addAction(action(PDFViewCommand::copy));
+    shown->addAction(action(PDFViewCommand::selectAll));
+    return shown;
+}

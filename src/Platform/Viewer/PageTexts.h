@@ -1,0 +1,40 @@
+#pragma once
+
+#include "BackgroundTask.h"
+#include "PDFPageContent.h"
+
+#include <QObject>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+class PageText;
+
+/// The texts of the pages on the screen, read off the main thread, so that the pointer over text and a painted
+/// selection cost nothing. Main thread only.
+class PageTexts : public QObject {
+    Q_OBJECT
+
+public:
+    explicit PageTexts(QObject* parent = nullptr) : QObject(parent) {}
+
+    /// Starts reading what is missing of these texts and forgets all others.
+    void want(const std::vector<PDFPageContent>& contents);
+    /// Null when it hasn't been read.
+    [[nodiscard]] std::shared_ptr<const PageText> text(const PDFPageContent& content) const;
+    /// Reads it on this thread when need be: some milliseconds. Null for a page without a source.
+    [[nodiscard]] std::shared_ptr<const PageText> textNow(const PDFPageContent& content) const;
+
+Q_SIGNALS:
+    void loaded();
+
+private:
+    using Entry = std::pair<PDFPageContent, std::shared_ptr<const PageText>>;
+
+    void take(std::vector<Entry> entries);
+
+    std::vector<PDFPageContent> m_wanted;
+    std::vector<Entry> m_texts;
+    BackgroundTask m_reading; // last: it ends first
+};

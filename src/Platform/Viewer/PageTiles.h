@@ -1,0 +1,55 @@
+#pragma once
+
+#include "TileCache.h"
+#include "TilePlan.h"
+#include "TileRenderer.h"
+
+#include <QObject>
+
+#include <unordered_set>
+
+class QPainter;
+
+/// The pictures of the pages: what is drawn already, what is being drawn, and what stands in meanwhile.
+/// Main thread only; nothing is drawn on it.
+class PageTiles : public QObject {
+    Q_OBJECT
+
+public:
+    explicit PageTiles(QObject* parent = nullptr);
+
+    /// For sharp tiles, in bytes; small pictures that stand in take a little more.
+    void setByteLimit(qint64 bytes);
+    [[nodiscard]] qint64 byteLimit() const { return m_sharp.byteLimit(); }
+    [[nodiscard]] qint64 bytes() const { return m_sharp.bytes() + m_standIns.bytes(); }
+
+    /// Sets the threads to what is missing. To be called whenever something moved, before it is painted.
+    void plan(TilePlan::Situation situation);
+    /// Paints what there is of a page within `area`, on white, with a painter set to device pixels of the view.
+    /// False when not all of it is sharp.
+    bool paint(QPainter& painter, const PlacedPage& page, const QRectF& area);
+    /// True when `paint` would show all of the area sharp, or knows that it can't be drawn.
+    [[nodiscard]] bool isSharp(const PlacedPage& page, const QRectF& area) const;
+    /// True when the page was tried and can't be drawn.
+    [[nodiscard]] bool isUnreadable(const PDFPageContent& content) const { return m_unreadable.contains(content); }
+
+    /// Drops all pictures but the sharp ones of what is on the screen, and cancels what is being drawn.
+    void dropUnseen(const std::vector<PlacedPage>& visible, const QRectF& view);
+    /// Drops all pictures and cancels what is being drawn.
+    void clear();
+
+Q_SIGNALS:
+    /// What this tile covers can be painted better now.
+    void tileArrived(const TileKey& key);
+
+private:
+    void take(const TileKey& key, const QImage& image);
+    void beginFrame(const std::vector<PlacedPage>& pages, const QRectF& view);
+    [[nodiscard]] bool isDrawn(const TileKey& key) const;
+    void paintStandIns(QPainter& painter, const PlacedPage& page, const std::vector<QRectF>& missing);
+
+    TileCache m_sharp;
+    TileCache m_standIns;
+    std::unordered_set<PDFPageContent, PageContentHash> m_unreadable;
+    TileRenderer m_renderer; // last: its threads end first
+};

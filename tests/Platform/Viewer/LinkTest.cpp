@@ -1,0 +1,129 @@
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "ShownView.h"
+
+#include <QApplication>
+#include <QHelpEvent>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolTip>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QRectF toPageSeven(72, 700, 100, 20);
+const QRectF toTheWeb(300, 650, 100, 20);
+const QRectF toNowhere(72, 500, 100, 20);
+
+std::shared_ptr<PDFDocument> linkedDocument() {
+    PdfFixture fixture;
+    for (int i = 0; i < 9; ++i)
+        fixture.addPage({QStringLiteral("Some text at the top")});
+    fixture.addUriLink(0, toTheWeb, "https://example.org/a%20b?c=d");
+    fixture.addLink(0, toPageSeven, 6);
+    fixture.addAnnotation(0, "<< /Subtype /Link /Rect " + PdfFixture::rectArray(toNowhere) +
+                                 " /A << /S /Launch /F (program) >> >>");
+    return documentOf(fixture);
+}
+
+QPointF middleOf(const ShownView& view, const QRectF& rect) {
+    return view.convertFromPage(rect.center(), *view.page(0));
+}
+
+} // namespace
+
+TEST(Links, aClickJumpsAndBackReturns) {
+    ShownView view(linkedDocument());
+    view.verticalScrollBar()->setValue(20);
+    view.click(middleOf(view, toPageSeven));
+    EXPECT_EQ(view.currentPageIndex(), 6);
+    EXPECT_FALSE(view.hasSelection());
+    view.key(Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(view.currentPageIndex(), 0);
+    EXPECT_EQ(view.verticalScrollBar()->value(), 20);
+}
+
+TEST(Links, webAddressesAreHandedOutAndOthersIgnored) {
+    ShownView view(linkedDocument());
+    QSignalSpy activated(&view, &PDFView::linkActivated);
+    view.click(middleOf(view, toTheWeb));
+    ASSERT_EQ(activated.count(), 1);
+    EXPECT_EQ(activated.first().first().toUrl(), QUrl(QStringLiteral("https://example.org/a%20b?c=d")));
+    EXPECT_FALSE(view.hasLink(middleOf(view, toNowhere)));
+    view.click(middleOf(view, toNowhere));
+    EXPECT_EQ(activated.count(), 1);
+    EXPECT_EQ(view.verticalScrollBar()->value(), 0);
+}
+
+TEST(Links, aDragFromALinkSelectsInsteadOfFollowing) {
+    ShownView view(linkedDocument());
+    view.drag(middleOf(view, toPageSeven), middleOf(view, toPageSeven) + QPointF(60, 30));
+    EXPECT_EQ(view.currentPageIndex(), 0);
+    // A hand that shakes a little still clicks.
+    view.press(middleOf(view, toPageSeven));
+    view.moveTo(middleOf(view, toPageSeven) + QPointF(1, 1));
+    view.release(middleOf(view, toPageSeven) + QPointF(1, 1));
+    EXPECT_EQ(view.currentPageIndex(), 6);
+}
+
+TEST(Links, thePointerTellsWhatItIsOver) {
+    ShownView view(linkedDocument());
+    const auto shape = [&] { return view.viewport()->cursor().shape(); };
+    view.moveTo(middleOf(view, toTheWeb), false);
+    view.waitUntil([&] { return shape() == Qt::PointingHandCursor; }, "the hand over a link");
+    view.moveTo({3, 300}, false);
+    EXPECT_EQ(shape(), Qt::ArrowCursor);
+    // The text is read in the background; the pointer need not move for it.
+    view.moveTo(view.on(0, 2), false);
+    view.waitUntil([&] { return shape() == Qt::IBeamCursor; }, "the I over text");
+
+    const auto toolTip = [&](QPointF point) {
+        QHelpEvent event(QEvent::ToolTip, point.toPoint(), view.viewport()->mapToGlobal(point.toPoint()));
+        QApplication::sendEvent(view.viewport(), &event);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(toolTip(middleOf(view, toPageSeven)), QStringLiteral("Page 7"));
+    EXPECT_TRUE(toolTip(middleOf(view, toTheWeb)).startsWith(QStringLiteral("https://example.org/")));
+}
+
+TEST(Links, theKeyboardReachesThemAndLeavesAgain) {
+    QWidget window;
+    auto* layout = new QVBoxLayout(&window);
+    auto* former = new QPushButton(QStringLiteral("former"), &window);
+    auto* view = new PDFView(&window);
+    auto* next = new QPushButton(QStringLiteral("next"), &window);
+    for (QWidget* each : std::initializer_list<QWidget*>{former, view, next})
+        layout->addWidget(each);
+    view->setAutoScales(true);
+    view->setDocument(linkedDocument());
+    window.resize(650, 800);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    view->setFocus(Qt::TabFocusReason);
+    QSignalSpy activated(view, &PDFView::linkActivated);
+
+    QTest::keyClick(view, Qt::Key_Return);
+    EXPECT_FALSE(view->canGoBack());
+    QTest::keyClick(view, Qt::Key_Tab); // the upper one first, whatever the order in the file
+    const QImage ring = view->viewport()->grab().toImage();
+    QTest::keyClick(view, Qt::Key_Tab);
+    EXPECT_NE(view->viewport()->grab().toImage(), ring);
+    QTest::keyClick(view, Qt::Key_Return);
+    EXPECT_EQ(activated.count(), 1);
+    QTest::keyClick(view, Qt::Key_Backtab);
+    QTest::keyClick(view, Qt::Key_Return);
+    EXPECT_EQ(view->currentPageIndex(), 6);
+
+    view->goBack();
+    QTest::keyClick(view, Qt::Key_Escape);
+    QTest::keyClick(view, Qt::Key_Return);
+    EXPECT_EQ(view->currentPageIndex(), 0);
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_TRUE(next->hasFocus());
+}

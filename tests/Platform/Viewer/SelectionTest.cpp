@@ -1,0 +1,192 @@
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PDFSelection.h"
+#include "PageText.h"
+#include "ShownView.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QStyleHints>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::shared_ptr<PDFDocument> proseDocument(const QByteArray& rotation = "0") {
+    PdfFixture fixture;
+    for (int page = 0; page < 3; ++page) {
+        fixture.addPage({QStringLiteral("The quick brown fox"), QStringLiteral("jumps over the lazy dog"),
+                         QStringLiteral("and runs away")});
+        fixture.setPageKey(page, "/Rotate", rotation);
+    }
+    return documentOf(fixture);
+}
+
+void pauseBetweenClicks() {
+    QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 50);
+}
+
+} // namespace
+
+TEST(Selection, draggingSelectsTheTextBetween) {
+    ShownView view(proseDocument());
+    QSignalSpy changes(&view, &PDFView::selectionChanged);
+    view.drag(view.before(0, 4), view.before(0, 15));
+    EXPECT_EQ(view.selected(), QStringLiteral("quick brown"));
+    EXPECT_GT(changes.count(), 0);
+    // From below to above, over two lines.
+    view.drag(view.before(0, view.offsetOf(0, QStringLiteral("over"))),
+              view.before(0, view.offsetOf(0, QStringLiteral("fox"))));
+    EXPECT_EQ(view.selected(), QStringLiteral("fox\njumps "));
+    view.click({5, 5});
+    EXPECT_FALSE(view.hasSelection());
+    EXPECT_FALSE(view.currentSelection());
+}
+
+TEST(Selection, goesOverPages) {
+    ShownView view(proseDocument());
+    view.setScaleFactor(0.3);
+    view.drag(view.before(0, view.offsetOf(0, QStringLiteral("runs"))),
+              view.before(2, view.offsetOf(2, QStringLiteral("quick"))));
+    const QString whole = view.page(1)->string();
+    EXPECT_EQ(view.selected(), QStringLiteral("runs away\n") + whole + QStringLiteral("\nThe "));
+    ASSERT_TRUE(view.currentSelection());
+    EXPECT_EQ(view.currentSelection()->pages().size(), 3U);
+}
+
+TEST(Selection, clicksSelectWordsAndLines) {
+    ShownView view(proseDocument());
+    const QPointF brown = view.on(0, view.offsetOf(0, QStringLiteral("brown")) + 2);
+    view.doubleClick(brown);
+    EXPECT_EQ(view.selected(), QStringLiteral("brown"));
+    view.click(brown);
+    EXPECT_EQ(view.selected(), QStringLiteral("The quick brown fox"));
+    pauseBetweenClicks();
+    view.click(brown);
+    EXPECT_FALSE(view.hasSelection()) << "a third click that comes late is a first one";
+    view.doubleClick(view.convertFromPage(QPointF(300, 100), *view.page(0)));
+    EXPECT_FALSE(view.hasSelection()) << "there is no word on empty paper";
+}
+
+TEST(Selection, aDragAfterADoubleClickGoesByWordsBothWays) {
+    ShownView view(proseDocument());
+    const QPointF brown = view.on(0, view.offsetOf(0, QStringLiteral("brown")) + 2);
+    view.doubleClick(brown);
+    pauseBetweenClicks();
+    view.press(brown);
+    view.release(brown);
+    QMouseEvent second(QEvent::MouseButtonDblClick, brown, view.viewport()->mapToGlobal(brown), Qt::LeftButton,
+                       Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view.viewport(), &second);
+    view.moveTo(view.on(0, view.offsetOf(0, QStringLiteral("jumps")) + 2));
+    EXPECT_EQ(view.selected(), QStringLiteral("brown fox\njumps"));
+    view.moveTo(view.on(0, view.offsetOf(0, QStringLiteral("quick")) + 1));
+    EXPECT_EQ(view.selected(), QStringLiteral("quick brown"));
+    view.release(brown);
+}
+
+TEST(Selection, shiftExtendsFromWhereItBegan) {
+    ShownView view(proseDocument());
+    const auto at = [&](const char* text) { return view.before(0, view.offsetOf(0, QLatin1String(text))); };
+    view.click(at("brown"));
+    view.click(at("over"), Qt::ShiftModifier);
+    EXPECT_EQ(view.selected(), QStringLiteral("brown fox\njumps "));
+    view.click(at("quick"), Qt::ShiftModifier);
+    EXPECT_EQ(view.selected(), QStringLiteral("quick "));
+}
+
+TEST(Selection, followsThePageWhenItIsTurned) {
+    for (const char* rotation : {"90", "180", "270"}) {
+        ShownView view(proseDocument(rotation));
+        view.setScaleFactor(0.5);
+        view.drag(view.before(0, 4), view.before(0, 15));
+        EXPECT_EQ(view.selected(), QStringLiteral("quick brown")) << rotation;
+    }
+}
+
+TEST(Selection, theSelectedTextIsShown) {
+    ShownView view(proseDocument());
+    QPalette palette = view.palette();
+    palette.setColor(QPalette::Highlight, Qt::red);
+    view.setPalette(palette);
+    view.waitUntilSharp();
+    // Just above the glyphs of the line but within its box, where the paper is white.
+    const QPoint inside =
+        view.convertFromPage(view.page(0)->text()->glyphs.at(5).quad.upperLeft - QPointF(0, 0.6), *view.page(0))
+            .toPoint();
+    const QPoint outside =
+        view.convertFromPage(view.page(0)->text()->glyphs.at(17).quad.upperLeft - QPointF(0, 0.6), *view.page(0))
+            .toPoint();
+    EXPECT_EQ(view.picture().pixelColor(inside), QColor(Qt::white));
+    view.drag(view.before(0, 4), view.before(0, 15));
+    view.waitUntil([&] { return view.picture().pixelColor(inside) != QColor(Qt::white); }, "the selection's colour");
+    const QColor tinted = view.picture().pixelColor(inside);
+    EXPECT_GT(tinted.red(), 250);
+    EXPECT_LT(tinted.green(), 220);
+    EXPECT_EQ(view.picture().pixelColor(outside), QColor(Qt::white));
+}
+
+TEST(Selection, draggingPastAnEdgeScrolls) {
+    ShownView view(sampleDocument(12));
+    view.press(view.before(0, 0));
+    view.moveTo({300, view.viewport()->height() + 400.0});
+    view.waitUntil([&] { return view.currentPageIndex() > 3; }, "page 5");
+    view.release({300, view.viewport()->height() + 400.0});
+    const int value = view.verticalScrollBar()->value();
+    QTest::qWait(60);
+    EXPECT_EQ(view.verticalScrollBar()->value(), value) << "scrolls on after the release";
+    const QString text = view.selected();
+    EXPECT_TRUE(text.startsWith(QStringLiteral("Page 1 of the sample"))) << text.left(60).toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("p3 line 10")));
+}
+
+TEST(Selection, copiesPlainText) {
+    ShownView view(proseDocument());
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->setText(QStringLiteral("before"));
+    view.key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(clipboard->text(), QStringLiteral("before"));
+    view.drag(view.before(0, 4), view.before(0, 15));
+    view.key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(clipboard->text(), QStringLiteral("quick brown"));
+}
+
+TEST(Selection, allOfALongDocumentIsSelectedAtOnceAndCopiedWhenItIsRead) {
+    const auto document = sampleDocument(300);
+    ShownView view(document);
+    QSignalSpy changes(&view, &PDFView::selectionChanged);
+    view.key(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_TRUE(view.hasSelection());
+    EXPECT_EQ(changes.count(), 1);
+    QGuiApplication::clipboard()->clear();
+    view.key(Qt::Key_C, Qt::ControlModifier);
+    view.waitUntil([] { return !QGuiApplication::clipboard()->text().isEmpty(); }, "the text");
+    const QString copied = QGuiApplication::clipboard()->text();
+    EXPECT_EQ(copied, view.selected());
+    EXPECT_TRUE(copied.startsWith(QStringLiteral("Page 1 of the sample\np1 line 1")));
+    EXPECT_TRUE(copied.endsWith(QStringLiteral("p300 line 10")));
+    EXPECT_EQ(copied.count(QLatin1Char('\n')), 300 * 11 - 1);
+    view.key(Qt::Key_Escape);
+    EXPECT_FALSE(view.hasSelection());
+}
+
+TEST(Selection, ofTheProgramIsKeptUntilItsPagesLeave) {
+    const auto document = proseDocument();
+    ShownView view(document);
+    const PDFSelection selection({{document->page(0), 0, 3}, {document->page(2), 4, 9}});
+    view.setCurrentSelection(selection);
+    EXPECT_EQ(view.selected(), QStringLiteral("The\nquick"));
+    EXPECT_EQ(view.selectedRanges(*document->page(2)), (std::vector<std::pair<int, int>>{{4, 9}}));
+    QSignalSpy changes(&view, &PDFView::selectionChanged);
+    view.setCurrentSelection(selection);
+    EXPECT_EQ(changes.count(), 0);
+    document->removePage(0);
+    QTest::qWait(0);
+    EXPECT_EQ(view.selected(), QStringLiteral("quick"));
+    document->removePage(1);
+    QTest::qWait(0);
+    EXPECT_FALSE(view.hasSelection());
+}
