@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <functional>
+#include <optional>
+
+class QMimeData;
+
+/// The one rule of where a file goes when it is opened, by the extension of its name. Main thread only.
+namespace FileOpenRouter {
+
+enum class Kind {
+    pdf,         ///< opened as it is
+    track1,      ///< converted to a PDF on the way in
+    track2,      ///< previewed, not converted
+    unsupported, ///< previewed as a file that can't be shown
+};
+
+/// What opens a file of each kind; the application sets them at its start. One that is empty does nothing.
+struct Destinations {
+    std::function<void(const QUrl& url)> openDocument;
+    std::function<void(const QUrl& url)> openImport;
+    std::function<void(const QUrl& url, bool isSupported)> openPreview;
+};
+void setDestinations(Destinations destinations);
+
+/// Extensions in lower case, without the dot.
+[[nodiscard]] const QStringList& track1Extensions();
+[[nodiscard]] const QStringList& track2Extensions();
+/// "pdf" and those of both tracks.
+[[nodiscard]] QStringList allSupportedExtensions();
+
+/// Letter case doesn't count. A name without an extension is unsupported, and so is an existing folder, apart from the
+/// kinds of document that are folders themselves.
+[[nodiscard]] Kind classify(const QUrl& url);
+
+/// Hands the file to the destination of its kind.
+void open(const QUrl& url);
+
+/// For open panels: all supported files, then PDF alone, then all files.
+[[nodiscard]] QStringList nameFilters();
+/// The MIME types that the supported extensions stand for, without duplicates. An extension that the desktop doesn't
+/// know has none.
+[[nodiscard]] QStringList allSupportedMimeTypes();
+[[nodiscard]] bool isSupportedMimeType(const QString& mimeType);
+
+/// The one file that a drop stands for: the first local file that is supported, else the first local file that there
+/// is. None when the drop carries no local file.
+[[nodiscard]] std::optional<QUrl> droppedFile(const QMimeData& data);
+
+} // namespace FileOpenRouter

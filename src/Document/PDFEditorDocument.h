@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Document.h"
+
+class PDFDocument;
+
+/// The document of a window: a PDF file, or a new document without pages. All views of the window share it, and it
+/// holds the one `PDFDocument` that they show and change. Main thread only.
+class PDFEditorDocument : public Document {
+    Q_OBJECT
+
+public:
+    /// Holds a new, empty `PDFDocument`.
+    explicit PDFEditorDocument(QObject* parent = nullptr);
+    ~PDFEditorDocument() override;
+
+    /// Never null.
+    [[nodiscard]] const std::shared_ptr<PDFDocument>& pdfDocument() const { return m_pdfDocument; }
+    /// Puts another document in place of the present one; it must not be null.
+    void setPdfDocument(const std::shared_ptr<PDFDocument>& pdfDocument);
+
+    /// True when the file was locked when it was opened, also after it has been unlocked.
+    [[nodiscard]] bool wasPasswordProtected() const { return m_wasPasswordProtected; }
+    void setWasPasswordProtected(bool wasProtected);
+
+    /// A sentence for the user about the state in which the file was found, or an empty string: that it was damaged and
+    /// has been repaired.
+    [[nodiscard]] QString openNotice() const;
+
+    /// Opens the PDF file. A protected one is held locked. When it throws, the document is as it was.
+    void read(const QUrl& url) override;
+    /// The whole state, annotations and page changes included. A locked document can't be saved.
+    [[nodiscard]] QByteArray dataRepresentation() const override;
+    /// "pdf".
+    [[nodiscard]] QString fileNameExtension() const override;
+
+Q_SIGNALS:
+    /// The `PDFDocument`, its pages or its lock state changed: views look at it anew. Whoever changes the pages or the
+    /// lock state of `pdfDocument()` emits this once the change is complete.
+    void objectWillChange();
+    /// Another `PDFDocument` object was put in place. Comes before `objectWillChange`.
+    void pdfDocumentChanged();
+    void wasPasswordProtectedChanged(bool wasProtected);
+
+private:
+    std::shared_ptr<PDFDocument> m_pdfDocument;
+    bool m_wasPasswordProtected = false;
+};

@@ -1,0 +1,54 @@
+#include "PDFKitRepresentedView.h"
+
+#include "AnnotatingPDFView.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PDFViewCoordinator.h"
+#include "Palette.h"
+
+static void giveValues(const PDFKitRepresentedView& values, AnnotatingPDFView& view) {
+    view.setDocUndoManager(values.undoManager);
+    view.onAskAI = values.onAskAI;
+    view.onTextExtracted = values.onTextExtracted;
+    view.onRedactionDrawn = values.onRedactionDrawn;
+}
+
+/// The page to begin with, unless it is the first, which a fresh viewer shows anyway.
+static std::shared_ptr<PDFPage> rememberedPage(const PDFKitRepresentedView& values) {
+    if (values.fileURL.isEmpty())
+        return nullptr;
+    const std::optional<int> index = values.coordinator->rememberedPageIndex(values.fileURL);
+    return index && *index >= 1 ? values.pdfDocument->page(*index) : nullptr;
+}
+
+AnnotatingPDFView* PDFKitRepresentedView::makeView(QWidget* parent) const {
+    auto* const view = new AnnotatingPDFView(parent);
+    view->setToolState(toolState);
+    view->setDocument(pdfDocument);
+    view->setAutoScales(true);
+    view->setDisplaysPageBreaks(true);
+    view->setBackgroundColor(Palette::appTint(view->palette()));
+    giveValues(*this, *view);
+
+    // Before the coordinator is attached: that writes the viewer's first page over the remembered one.
+    const std::shared_ptr<PDFPage> page = rememberedPage(*this);
+    coordinator->setFileURL(fileURL);
+    coordinator->setPdfView(view);
+    coordinator->observePageChanges();
+    Q_EMIT coordinator->objectWillChange();
+
+    if (page) {
+        // Later, since the viewer has no layout yet.
+        QMetaObject::invokeMethod(
+            view, [view, page] { view->goToPage(page); }, Qt::QueuedConnection);
+    }
+    return view;
+}
+
+void PDFKitRepresentedView::updateView(AnnotatingPDFView& view) const {
+    view.setToolState(toolState);
+    giveValues(*this, view);
+    if (view.document() != pdfDocument)
+        view.setDocument(pdfDocument);
+    view.refreshToolCursor();
+}

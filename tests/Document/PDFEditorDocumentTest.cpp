@@ -1,0 +1,157 @@
+#include "PDFEditorDocument.h"
+
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+#include "UndoManager.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class PDFEditorDocumentTest : public testing::Test {
+protected:
+    QUrl store(const QString& name, const QByteArray& bytes) {
+        QFile file(m_folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return QUrl::fromLocalFile(file.fileName());
+    }
+
+    [[nodiscard]] static QByteArray load(const QUrl& url) {
+        QFile file(url.toLocalFile());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    /// Three pages that say "First", "Second" and "Third".
+    static void fill(PdfFixture& fixture) {
+        for (const QString& word : {u"First"_qs, u"Second"_qs, u"Third"_qs})
+            fixture.addPage({word});
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(PDFEditorDocumentTest, aNewOneIsEmptyAndUntitled) {
+    const PDFEditorDocument document;
+    ASSERT_TRUE(document.pdfDocument());
+    EXPECT_EQ(document.pdfDocument()->pageCount(), 0);
+    EXPECT_FALSE(document.pdfDocument()->isLocked());
+    EXPECT_FALSE(document.wasPasswordProtected());
+    EXPECT_FALSE(document.isDocumentEdited());
+    EXPECT_TRUE(document.openNotice().isEmpty());
+    EXPECT_TRUE(document.suggestedFileName().endsWith(u".pdf"_qs));
+}
+
+TEST_F(PDFEditorDocumentTest, readingPutsTheFilesDocumentInPlace) {
+    PdfFixture fixture;
+    fill(fixture);
+    const QUrl url = store(u"a b.pdf"_qs, fixture.bytes());
+    PDFEditorDocument document;
+    QStringList log;
+    QObject::connect(&document, &PDFEditorDocument::pdfDocumentChanged, &document,
+                     [&] { log << u"another, %1 pages"_qs.arg(document.pdfDocument()->pageCount()); });
+    QObject::connect(&document, &PDFEditorDocument::objectWillChange, &document, [&log] { log << u"look"_qs; });
+    document.read(url);
+    EXPECT_EQ(log.join(u';'), u"another, 3 pages;look"_qs);
+    EXPECT_FALSE(document.wasPasswordProtected());
+    EXPECT_TRUE(document.openNotice().isEmpty());
+
+    document.setPdfDocument(document.pdfDocument());
+    EXPECT_EQ(log.size(), 2);
+}
+
+TEST_F(PDFEditorDocumentTest, aFileThatCannotBeReadLeavesASentenceAndTheDocumentAsItWas) {
+    PdfFixture fixture;
+    fill(fixture);
+    PDFEditorDocument document;
+    document.read(store(u"good.pdf"_qs, fixture.bytes()));
+    const auto before = document.pdfDocument();
+
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(u"folder.pdf"_qs));
+    const QUrl bad[] = {
+        QUrl::fromLocalFile(m_folder.filePath(u"missing.pdf"_qs)),
+        QUrl::fromLocalFile(m_folder.filePath(u"folder.pdf"_qs)),
+        store(u"empty.pdf"_qs, {}),
+        store(u"text.pdf"_qs, "This is a letter, not a document.\n"),
+        store(u"zeros.pdf"_qs, QByteArray(100'000, '\0')),
+        QUrl(u"https://example.org/a.pdf"_qs),
+    };
+    for (const QUrl& url : bad) {
+        try {
+            document.read(url);
+            ADD_FAILURE() << url.toString().toStdString() << " was read";
+        } catch (const DocumentError& error) {
+            EXPECT_TRUE(error.sentence().endsWith(u'.')) << error.what();
+            EXPECT_FALSE(error.sentence().contains(url.fileName())) << error.what();
+        }
+        EXPECT_EQ(document.pdfDocument(), before);
+    }
+}
+
+TEST_F(PDFEditorDocumentTest, aLockedDocumentIsHeldAndSavedOnlyAfterItsPassword) {
+    PdfFixture fixture;
+    fill(fixture);
+    PDFEditorDocument document;
+    document.read(store(u"locked.pdf"_qs, fixture.encrypted("user", "owner", PdfFixture::Encryption::aes256)));
+    EXPECT_TRUE(document.pdfDocument()->isLocked());
+    EXPECT_TRUE(document.wasPasswordProtected());
+    const QUrl target = store(u"target.pdf"_qs, "old");
+    EXPECT_THROW(static_cast<void>(document.dataRepresentation()), DocumentError);
+    EXPECT_THROW(document.write(target.toLocalFile()), DocumentError);
+    EXPECT_EQ(load(target), "old");
+
+    ASSERT_TRUE(document.pdfDocument()->unlock(u"user"_qs));
+    EXPECT_TRUE(document.wasPasswordProtected());
+    document.write(target.toLocalFile());
+    const auto saved = PDFDocument::fromData(load(target));
+    EXPECT_TRUE(!saved->isLocked() || saved->unlock(u"user"_qs));
+    EXPECT_EQ(saved->pageCount(), 3);
+}
+
+TEST_F(PDFEditorDocumentTest, aSavedFileHoldsTheAnnotationsAndPageChanges) {
+    PdfFixture fixture;
+    fill(fixture);
+    const QUrl url = store(u"a.pdf"_qs, fixture.bytes());
+    PDFEditorDocument document;
+    document.read(url);
+    const auto note = std::make_shared<PDFAnnotation>(QRectF(100, 700, 80, 14), PDFAnnotationSubtype::highlight);
+    note->setColor(Qt::yellow);
+    note->setContents(u"Remember"_qs);
+    document.pdfDocument()->page(2)->addAnnotation(note);
+    document.pdfDocument()->removePage(0);
+    document.write(url.toLocalFile());
+
+    const QByteArray saved = load(url);
+    EXPECT_EQ(PdfPrograms::complaints(saved), "");
+    EXPECT_EQ(PdfPrograms::text(saved, 1).trimmed(), u"Second"_qs);
+    EXPECT_EQ(PdfPrograms::text(saved, 2).trimmed(), u"Third"_qs);
+    const QByteArray unpacked = PdfPrograms::unpacked(saved);
+    EXPECT_TRUE(unpacked.contains("/Subtype /Highlight"));
+    EXPECT_TRUE(unpacked.contains("(Remember)"));
+    EXPECT_FALSE(unpacked.contains("(First)"));
+
+    PDFEditorDocument again;
+    again.read(url);
+    ASSERT_EQ(again.pdfDocument()->pageCount(), 2);
+    ASSERT_EQ(again.pdfDocument()->page(1)->annotations().size(), 1U);
+    EXPECT_EQ(again.pdfDocument()->page(1)->annotations()[0]->contents(), u"Remember"_qs);
+}
+
+TEST_F(PDFEditorDocumentTest, aRepairedFileOpensWithANotice) {
+    PdfFixture fixture;
+    fill(fixture);
+    PDFEditorDocument document;
+    document.read(store(u"damaged.pdf"_qs, PdfFixture::damaged(fixture.bytes())));
+    EXPECT_EQ(document.pdfDocument()->pageCount(), 3);
+    EXPECT_TRUE(document.openNotice().contains(u"repaired"_qs));
+    EXPECT_EQ(PdfPrograms::complaints(document.dataRepresentation()), "");
+}
+
+} // namespace

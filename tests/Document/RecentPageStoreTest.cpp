@@ -1,0 +1,59 @@
+#include "RecentPageStore.h"
+
+#include "UserDefaults.h"
+
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+static const QString key = u"RecentPageStore.pageIndexByPath"_qs;
+
+TEST(RecentPageStore, remembersEachFileByItsPathInTheFileOfSettings) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"settings.ini"_qs);
+    const QUrl report = QUrl::fromLocalFile(u"/home/me/Größe, 100% = a/b.pdf"_qs);
+    const QUrl other = QUrl::fromLocalFile(u"/home/me/other.pdf"_qs);
+    {
+        UserDefaults defaults(path);
+        EXPECT_EQ(RecentPageStore::pageIndex(defaults, report), std::nullopt);
+        RecentPageStore::setPageIndex(defaults, 41, report);
+        RecentPageStore::setPageIndex(defaults, 7, other);
+        RecentPageStore::setPageIndex(defaults, 0, other);
+        EXPECT_EQ(RecentPageStore::pageIndex(defaults, report), 41);
+    }
+    const UserDefaults defaults(path);
+    EXPECT_EQ(RecentPageStore::pageIndex(defaults, report), 41);
+    EXPECT_EQ(RecentPageStore::pageIndex(defaults, other), 0);
+    EXPECT_EQ(RecentPageStore::pageIndex(defaults, QUrl::fromLocalFile(u"/home/me/b.pdf"_qs)), std::nullopt);
+    EXPECT_TRUE(defaults.dictionaryForKey(key).value_or(QVariantMap()).contains(report.toLocalFile()));
+}
+
+TEST(RecentPageStore, aStoreThatIsNoDictionaryOfNumbersCountsAsEmpty) {
+    const QTemporaryDir folder;
+    UserDefaults defaults(folder.filePath(u"settings.ini"_qs));
+    const QUrl url = QUrl::fromLocalFile(u"/a.pdf"_qs);
+    const auto spoilt = [&defaults](int attempt) {
+        switch (attempt) {
+        case 0:
+            return defaults.setString(key, u"nonsense"_qs);
+        case 1:
+            return defaults.setDictionary(key, {{u"/a.pdf"_qs, 3}, {u"/b.pdf"_qs, u"4"_qs}});
+        case 2:
+            return defaults.setDictionary(key, {{u"/a.pdf"_qs, 3}, {u"/b.pdf"_qs, 1.5}});
+        default:
+            return defaults.setDictionary(key, {{u"/a.pdf"_qs, 3}, {u"/b.pdf"_qs, true}});
+        }
+    };
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        spoilt(attempt);
+        EXPECT_EQ(RecentPageStore::pageIndex(defaults, url), std::nullopt) << attempt;
+        RecentPageStore::setPageIndex(defaults, 9, url);
+        EXPECT_EQ(RecentPageStore::pageIndex(defaults, url), 9) << attempt;
+        EXPECT_EQ(defaults.dictionaryForKey(key).value_or(QVariantMap()).size(), 1) << attempt;
+    }
+    // A number that no document can have as a page index is no reason to forget the other files.
+    defaults.setDictionary(key, {{u"/a.pdf"_qs, 3}, {u"/b.pdf"_qs, qlonglong(1) << 40}});
+    EXPECT_EQ(RecentPageStore::pageIndex(defaults, url), 3);
+    EXPECT_EQ(RecentPageStore::pageIndex(defaults, QUrl::fromLocalFile(u"/b.pdf"_qs)), std::nullopt);
+}

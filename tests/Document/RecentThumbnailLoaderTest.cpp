@@ -1,0 +1,137 @@
+#include "RecentThumbnailLoader.h"
+
+#include "PdfFixtures.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class RecentThumbnailLoaderTest : public testing::Test {
+protected:
+    QUrl store(const QString& name, const QByteArray& bytes) {
+        QFile file(m_folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return QUrl::fromLocalFile(file.fileName());
+    }
+
+    /// What the loader gives for the file; it must give something.
+    QImage loaded(const QUrl& url) {
+        RecentThumbnailLoader loader;
+        QObject receiver;
+        std::optional<QImage> result;
+        loader.load(url, &receiver, [&result](const QImage& image) {
+            EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
+            result = image;
+        });
+        EXPECT_FALSE(result) << "before the event loop was reached";
+        EXPECT_TRUE(QTest::qWaitFor([&result] { return result.has_value(); }, 60'000));
+        return result.value_or(QImage());
+    }
+
+    /// A page whose lower left quarter is black.
+    static QByteArray pageFile(QSizeF size, const QByteArray& rotation = "0") {
+        PdfFixture fixture;
+        fixture.addPageWithContent("0 g 0 0 " + QByteArray::number(size.width() / 2) + ' ' +
+                                       QByteArray::number(size.height() / 2) + " re f",
+                                   "<< >>", size);
+        fixture.setPageKey(0, "/Rotate", rotation);
+        fixture.addPage({u"Second page"_qs});
+        return fixture.bytes();
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(RecentThumbnailLoaderTest, showsTheFirstPage280PixelsHigh) {
+    const QImage letter = loaded(store(u"Größe.pdf"_qs, pageFile({612, 792})));
+    ASSERT_EQ(letter.size(), QSize(216, 280));
+    EXPECT_EQ(letter.pixelColor(50, 210), QColor(Qt::black));
+    EXPECT_EQ(letter.pixelColor(50, 70), QColor(Qt::white));
+    EXPECT_EQ(letter.pixelColor(160, 210), QColor(Qt::white));
+
+    // Turned clockwise, the lower left quarter comes to the upper left.
+    const QImage turned = loaded(store(u"turned.pdf"_qs, pageFile({280, 560}, "90")));
+    ASSERT_EQ(turned.size(), QSize(560, 280));
+    EXPECT_EQ(turned.pixelColor(100, 70), QColor(Qt::black));
+    EXPECT_EQ(turned.pixelColor(100, 210), QColor(Qt::white));
+
+    EXPECT_EQ(loaded(store(u"strip.pdf"_qs, pageFile({10, 10'000}))).size(), QSize(1, 280));
+}
+
+TEST_F(RecentThumbnailLoaderTest, aFileThatIsNoReadablePDFGivesNone) {
+    PdfFixture locked;
+    locked.addPage({u"Secret"_qs});
+    PdfFixture empty;
+    const QString pipe = m_folder.filePath(u"pipe.pdf"_qs);
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QFile huge(m_folder.filePath(u"huge.pdf"_qs));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly));
+    huge.write(pageFile({612, 792}));
+    ASSERT_TRUE(huge.resize(RecentThumbnailLoader::maximumFileSize + 1));
+
+    const QUrl bad[] = {
+        QUrl::fromLocalFile(m_folder.filePath(u"missing.pdf"_qs)),
+        QUrl::fromLocalFile(m_folder.path()),
+        QUrl::fromLocalFile(pipe),
+        QUrl::fromLocalFile(huge.fileName()),
+        QUrl(u"https://example.org/a.pdf"_qs),
+        store(u"text.pdf"_qs, "no PDF"),
+        store(u"nothing.pdf"_qs, {}),
+        store(u"locked.pdf"_qs, locked.encrypted("user", "owner", PdfFixture::Encryption::aes256)),
+        store(u"no pages.pdf"_qs, empty.bytes()),
+        store(u"ribbon.pdf"_qs, pageFile({10'000, 10})),
+    };
+    for (const QUrl& url : bad)
+        EXPECT_TRUE(loaded(url).isNull()) << url.toString().toStdString();
+}
+
+TEST_F(RecentThumbnailLoaderTest, manyAtOnceEachGetTheirOwnPicture) {
+    RecentThumbnailLoader loader;
+    QObject receiver;
+    QHash<int, int> widthOfFile;
+    constexpr int count = 12;
+    for (int i = 0; i < count; ++i) {
+        const QUrl url = store(QString::number(i), pageFile({100.0 + 10 * i, 280}));
+        loader.load(url, &receiver, [&widthOfFile, i](const QImage& image) { widthOfFile[i] = image.width(); });
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&widthOfFile] { return widthOfFile.size() == count; }, 60'000));
+    for (int i = 0; i < count; ++i)
+        EXPECT_EQ(widthOfFile[i], 100 + 10 * i);
+}
+
+TEST_F(RecentThumbnailLoaderTest, nothingIsDeliveredToAReceiverOrLoaderThatIsGone) {
+    const QUrl url = store(u"a.pdf"_qs, pageFile({612, 792}));
+    int delivered = 0;
+    const auto count = [&delivered](const QImage&) { ++delivered; };
+
+    auto loader = std::make_unique<RecentThumbnailLoader>();
+    QObject lasting;
+    {
+        QObject receiver;
+        for (int i = 0; i < 5; ++i)
+            loader->load(url, &receiver, count);
+    }
+    bool lastDone = false; // behind the others in the queue
+    loader->load(url, &lasting, [&lastDone](const QImage&) { lastDone = true; });
+    ASSERT_TRUE(QTest::qWaitFor([&lastDone] { return lastDone; }, 60'000));
+    EXPECT_EQ(delivered, 0);
+
+    for (int i = 0; i < 5; ++i)
+        loader->load(url, &lasting, count);
+    loader.reset();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(delivered, 0);
+
+    const std::atomic<bool> cancelled = true;
+    EXPECT_TRUE(RecentThumbnailLoader::thumbnail(url.toLocalFile(), cancelled).isNull());
+}
+
+} // namespace

@@ -1,0 +1,82 @@
+#include "PDFPageRasterizer.h"
+
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+
+#include <QPainter>
+
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+static std::shared_ptr<PDFDocument> documentOf(PdfFixture& fixture) {
+    return PDFDocument::fromData(fixture.bytes());
+}
+
+TEST(PDFPageRasterizer, cutsOffFractionsOfAPixel) {
+    PdfFixture fixture;
+    fixture.addPageWithContent({}, "<< >>", {612, 792});
+    fixture.addPageWithContent({}, "<< >>", {100.9, 99.4});
+    fixture.addPageWithContent({}, "<< >>", {0.9, 50});
+    const auto document = documentOf(fixture);
+    const struct {
+        int page;
+        double scale;
+        QSize size;
+    } cases[] = {
+        {0, 1.0, {612, 792}},    {0, 1.5, {918, 1188}}, {0, 2.0, {1224, 1584}},
+        {1, 1.0, {100, 99}},     {1, 1.5, {151, 149}},  {0, 1.0 / 612, {1, 1}},
+        {0, 1.0 / 613, QSize()}, {2, 2.0, {1, 100}},    {2, 1.0, QSize()},
+    };
+    for (const auto& [page, scale, size] : cases) {
+        const QImage image = PDFPageRasterizer::render(*document->page(page), scale);
+        EXPECT_EQ(image.isNull() ? QSize() : image.size(), size) << page << " at " << scale;
+    }
+}
+
+TEST(PDFPageRasterizer, anAbsurdSizeGivesNone) {
+    PdfFixture fixture;
+    fixture.addPageWithContent({}, "<< >>", {14'400, 14'400}); // the greatest page that other readers allow
+    fixture.addPageWithContent({}, "<< >>", {200'000, 10});
+    const auto document = documentOf(fixture);
+    EXPECT_TRUE(PDFPageRasterizer::render(*document->page(0), 2.0).isNull());
+    EXPECT_TRUE(PDFPageRasterizer::render(*document->page(1), 1.0).isNull());
+    for (const double scale : {0.0, -1.0, std::nan(""), std::numeric_limits<double>::infinity()})
+        EXPECT_TRUE(PDFPageRasterizer::render(*document->page(0), scale).isNull()) << scale;
+}
+
+TEST(PDFPageRasterizer, drawsThePageThenTheOverlayOnWhite) {
+    PdfFixture fixture;
+    // The media box doesn't begin at zero, the crop box is smaller, and the page is turned when shown: the bitmap holds
+    // the whole media box as the file has it.
+    fixture.addPageWithContent("1 0 0 rg 50 100 40 40 re f");
+    fixture.setPageKey(0, "/MediaBox", "[50 100 250 200]");
+    fixture.setPageKey(0, "/CropBox", "[100 120 150 150]");
+    fixture.setPageKey(0, "/Rotate", "90");
+    const auto document = documentOf(fixture);
+    const auto square = std::make_shared<PDFAnnotation>(QRectF(200, 100, 50, 50), PDFAnnotationSubtype::square);
+    square->setColor(Qt::blue);
+    square->setInteriorColor(QColor(Qt::blue));
+    document->page(0)->addAnnotation(square);
+
+    int calls = 0;
+    const QImage image = PDFPageRasterizer::render(*document->page(0), 2.0, [&calls](QPainter& painter) {
+        ++calls;
+        painter.fillRect(QRectF(80, 80, 20, 20), Qt::green);
+        painter.fillRect(QRectF(0, 0, 10, 10), Qt::black); // over the page's red
+    });
+    ASSERT_EQ(image.size(), QSize(400, 200));
+    EXPECT_EQ(calls, 1);
+    // From the lower left, in page units from the box's corner.
+    const auto at = [&image](int x, int y) { return image.pixelColor(2 * x, 199 - 2 * y); };
+    EXPECT_EQ(at(5, 5), QColor(Qt::black));
+    EXPECT_EQ(at(30, 30), QColor(Qt::red));
+    EXPECT_EQ(at(45, 30), QColor(Qt::white));
+    EXPECT_EQ(at(90, 90), QColor(Qt::green));
+    EXPECT_EQ(at(175, 25), QColor(Qt::blue));
+    EXPECT_EQ(at(175, 75), QColor(Qt::white));
+    EXPECT_EQ(at(199, 99), QColor(Qt::white));
+}
