@@ -1,0 +1,93 @@
+#include "ContentView.h"
+
+#include "DocumentController.h"
+#include "LandingView.h"
+#include "PDFDocument.h"
+#include "PDFEditorDocument.h"
+#include "PDFEditorWorkspaceView.h"
+#include "PDFError.h"
+#include "PDFUnlocker.h"
+#include "ToolState.h"
+#include "UndoManager.h"
+#include "UnlockDocumentView.h"
+
+#include <QVBoxLayout>
+
+ContentView::ContentView(std::shared_ptr<PDFEditorDocument> document, DocumentController& controller,
+                         UserDefaults& defaults, AskPassword askPassword, QWidget* parent)
+    : QWidget(parent), m_document(std::move(document)), m_controller(controller), m_defaults(defaults),
+      m_askPassword(std::move(askPassword)), m_toolState(std::make_shared<ToolState>()),
+      m_layout(new QVBoxLayout(this)) {
+    setObjectName(QStringLiteral("contentView"));
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    connect(m_document.get(), &PDFEditorDocument::objectWillChange, this, &ContentView::decideContent);
+    connect(m_document.get(), &Document::fileURLChanged, this, [this](const QUrl& fileURL) {
+        if (m_workspace)
+            m_workspace->setFileURL(fileURL);
+    });
+    decideContent();
+}
+
+ContentView::~ContentView() = default;
+
+void ContentView::decideContent() {
+    const std::shared_ptr<PDFDocument>& pdfDocument = m_document->pdfDocument();
+    if (pdfDocument->isLocked()) {
+        if (m_content == Content::unlock)
+            return;
+        auto* unlock = new UnlockDocumentView(m_document);
+        connect(unlock, &UnlockDocumentView::closeRequested, this, &ContentView::closeRequested);
+        show(Content::unlock, unlock);
+    } else if (pdfDocument->pageCount() == 0) {
+        if (m_content != Content::landing)
+            show(Content::landing, new LandingView(m_controller, [this](const QUrl& url) { openInPlace(url); }));
+    } else if (m_content != Content::workspace || m_workspaceDocument.lock() != pdfDocument) {
+        auto* workspace = new PDFEditorWorkspaceView(m_document, m_document->fileURL(), m_toolState, m_defaults);
+        m_workspaceDocument = pdfDocument;
+        show(Content::workspace, workspace);
+    }
+}
+
+void ContentView::show(Content content, QWidget* view) {
+    QWidget* const former = m_view;
+    const bool hadFocus = former && former->isAncestorOf(focusWidget());
+    m_content = content;
+    m_view = view;
+    m_workspace = qobject_cast<PDFEditorWorkspaceView*>(view);
+    if (former) {
+        // The change may come from one of its own buttons.
+        m_layout->removeWidget(former);
+        former->hide();
+        former->deleteLater();
+    }
+    m_layout->addWidget(view);
+    view->show();
+    setFocusProxy(view);
+    if (hadFocus)
+        view->setFocus();
+    Q_EMIT contentChanged();
+}
+
+void ContentView::openInPlace(const QUrl& url) {
+    if (m_controller.documentForURL(url)) {
+        m_controller.openDocument(url, true);
+        return;
+    }
+    std::shared_ptr<PDFDocument> pdfDocument;
+    try {
+        pdfDocument = PDFDocument::fromFile(url.toLocalFile());
+    } catch (const PDFError&) {
+        return;
+    }
+    const bool wasLocked = pdfDocument->isLocked();
+    if (!PDFUnlocker::promptAndUnlock(*pdfDocument, [this] { return m_askPassword(window()); }))
+        return;
+    m_document->setFileURL(url);
+    m_document->setWasPasswordProtected(wasLocked);
+    m_document->setPdfDocument(pdfDocument);
+    // Whatever could be undone belongs to what was here before.
+    m_document->undoManager()->removeAllActions();
+    m_document->undoManager()->markSaved();
+    m_controller.noteNewRecentDocumentURL(url);
+    Q_EMIT openedInPlace();
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QUrl>
+
+#include <functional>
+
+class QWidget;
+
+/// The dialog in which the user picks a file to open. Main thread only.
+namespace OpenPanel {
+
+/// Shows the panel over the window of `parent` and returns at once. `chosen` gets the file; it is not called when the
+/// user cancels or `parent` is gone. A window has one panel at most: a second call brings the first to the front.
+void show(QWidget* parent, std::function<void(const QUrl& url)> chosen);
+
+} // namespace OpenPanel

@@ -1,0 +1,109 @@
+#include "WebLink.h"
+
+#include "SymbolIcon.h"
+
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QUrl>
+#include <QVBoxLayout>
+
+static constexpr int symbolSide = 44;
+
+static QString addressForReading(const QUrl& url) {
+    return url.toString(QUrl::FullyEncoded);
+}
+
+static void showRefusal(const QUrl& url, QWidget* parent) {
+    auto* box = new QMessageBox(parent->window());
+    box->setObjectName(QStringLiteral("webLinkRefusal"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextFormat(Qt::PlainText);
+    box->setIconPixmap(SymbolIcon::pixmap(QStringLiteral("info.circle"), symbolSide,
+                                          box->palette().color(QPalette::WindowText), parent->devicePixelRatioF()));
+    box->setWindowTitle(QStringLiteral("Link Not Opened"));
+    box->setText(QStringLiteral("Quillo opens web and mail addresses only."));
+    box->setInformativeText(QStringLiteral("This link leads to: %1").arg(addressForReading(url).left(500)));
+    box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
+    box->open();
+}
+
+/// The address, all of it, wrapped and in a few lines at most; longer ones scroll.
+static QPlainTextEdit* makeAddressField(const QUrl& url, QWidget* parent) {
+    auto* field = new QPlainTextEdit(addressForReading(url), parent);
+    field->setObjectName(QStringLiteral("address"));
+    field->setAccessibleName(QStringLiteral("Address"));
+    field->setReadOnly(true);
+    field->setTabChangesFocus(true);
+    field->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    const int lineCount = qBound(2, static_cast<int>(field->toPlainText().size()) / 60 + 1, 8);
+    field->setFixedHeight(lineCount * field->fontMetrics().lineSpacing() + 16);
+    field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 66);
+    return field;
+}
+
+bool WebLink::canBeOpened(const QUrl& url) {
+    const QString scheme = url.scheme();
+    if (!url.isValid())
+        return false;
+    if (scheme == QLatin1String("mailto"))
+        return !url.path().isEmpty() || url.hasQuery();
+    return (scheme == QLatin1String("http") || scheme == QLatin1String("https")) && !url.host().isEmpty();
+}
+
+void WebLink::confirmAndOpen(const QUrl& url, QWidget* parent) {
+    if (!canBeOpened(url)) {
+        showRefusal(url, parent);
+        return;
+    }
+    const bool isMail = url.scheme() == QLatin1String("mailto");
+    auto* dialog = new QDialog(parent->window());
+    dialog->setObjectName(QStringLiteral("webLinkConfirmation"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(isMail ? QStringLiteral("Write a Mail") : QStringLiteral("Open Web Address"));
+
+    auto* symbol = new QLabel(dialog);
+    symbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("globe"), symbolSide,
+                                         dialog->palette().color(QPalette::WindowText), parent->devicePixelRatioF()));
+    symbol->setAlignment(Qt::AlignTop);
+    auto* question = new QLabel(isMail ? QStringLiteral("The document wants to write a mail to this address.")
+                                       : QStringLiteral("The document wants to open this web address."),
+                                dialog);
+    auto* address = makeAddressField(url, dialog);
+
+    auto* buttons = new QDialogButtonBox(dialog);
+    auto* open = buttons->addButton(QStringLiteral("Open"), QDialogButtonBox::AcceptRole);
+    open->setObjectName(QStringLiteral("open"));
+    auto* cancel = buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
+    cancel->setObjectName(QStringLiteral("cancel"));
+    auto* copy = buttons->addButton(QStringLiteral("Copy"), QDialogButtonBox::ActionRole);
+    copy->setObjectName(QStringLiteral("copy"));
+    open->setDefault(true);
+    open->setFocus();
+
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, [dialog, url] {
+        dialog->accept();
+        QDesktopServices::openUrl(url);
+    });
+    QObject::connect(copy, &QPushButton::clicked, dialog, [dialog, url] {
+        QGuiApplication::clipboard()->setText(addressForReading(url));
+        dialog->reject();
+    });
+
+    auto* column = new QVBoxLayout;
+    column->addWidget(question);
+    column->addWidget(address);
+    column->addWidget(buttons);
+    auto* layout = new QHBoxLayout(dialog);
+    layout->setSpacing(16);
+    layout->addWidget(symbol, 0, Qt::AlignTop);
+    layout->addLayout(column);
+    dialog->open();
+}

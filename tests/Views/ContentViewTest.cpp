@@ -1,0 +1,159 @@
+#include "ContentView.h"
+
+#include "LandingView.h"
+#include "PDFDocument.h"
+#include "PDFEditorWorkspaceView.h"
+#include "PDFPage.h"
+#include "UnlockDocumentView.h"
+#include "ViewTest.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+
+class ContentViewTest : public ViewTest {
+protected:
+    std::unique_ptr<ContentView> contentView(const std::shared_ptr<PDFEditorDocument>& document) {
+        return std::make_unique<ContentView>(document, m_controller, m_defaults, [this](QWidget*) {
+            ++m_passwordQuestions;
+            return m_password;
+        });
+    }
+
+    /// The class of the one content that shows.
+    static std::string content(const ContentView& view) {
+        std::string names;
+        for (const QObject* child : view.children()) {
+            const auto* widget = qobject_cast<const QWidget*>(child);
+            if (widget && !widget->isHidden())
+                names += widget->metaObject()->className();
+        }
+        return names;
+    }
+
+    std::optional<QString> m_password;
+    int m_passwordQuestions = 0;
+};
+
+TEST_F(ContentViewTest, showsWhatTheDocumentCallsFor) {
+    const QUrl plain = TestPdf().write(m_folder.path(), u"plain.pdf"_qs);
+    const QUrl locked = TestPdf{.password = "key"}.write(m_folder.path(), u"locked.pdf"_qs);
+    const QUrl withoutPages = TestPdf{.pageCount = 0}.write(m_folder.path(), u"empty.pdf"_qs);
+
+    EXPECT_EQ(content(*contentView(std::make_shared<PDFEditorDocument>())), "LandingView");
+    EXPECT_EQ(content(*contentView(opened(withoutPages))), "LandingView");
+    EXPECT_EQ(content(*contentView(opened(plain))), "PDFEditorWorkspaceView");
+    // A locked document has no pages to see either; the lock comes first.
+    const auto lockedDocument = opened(locked);
+    ASSERT_EQ(lockedDocument->pdfDocument()->pageCount(), 0);
+    EXPECT_EQ(content(*contentView(lockedDocument)), "UnlockDocumentView");
+}
+
+TEST_F(ContentViewTest, theWorkspaceLivesAsLongAsItsPDFDocument) {
+    const auto document = opened(TestPdf().write(m_folder.path(), u"a.pdf"_qs));
+    const auto view = contentView(document);
+    const QPointer<PDFEditorWorkspaceView> workspace = view->workspace();
+    ASSERT_TRUE(workspace);
+
+    const auto page = document->pdfDocument()->removePage(0);
+    Q_EMIT document->objectWillChange();
+    EXPECT_EQ(view->workspace(), workspace.data());
+
+    document->setPdfDocument(PDFDocument::fromData(TestPdf().bytes()));
+    EXPECT_NE(view->workspace(), nullptr);
+    EXPECT_NE(view->workspace(), workspace.data());
+    EXPECT_EQ(content(*view), "PDFEditorWorkspaceView");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(workspace);
+}
+
+TEST_F(ContentViewTest, withoutPagesItLandsAndWithPagesItWorksAgain) {
+    const auto document = opened(TestPdf{.pageCount = 1}.write(m_folder.path(), u"a.pdf"_qs));
+    const auto view = contentView(document);
+    const auto page = document->pdfDocument()->removePage(0);
+    Q_EMIT document->objectWillChange();
+    EXPECT_EQ(content(*view), "LandingView");
+    EXPECT_EQ(view->workspace(), nullptr);
+    document->pdfDocument()->insert(page, 0);
+    Q_EMIT document->objectWillChange();
+    EXPECT_EQ(content(*view), "PDFEditorWorkspaceView");
+}
+
+TEST_F(ContentViewTest, aWrongPasswordIsToldAndTheRightOneUnlocksInPlace) {
+    const auto document = opened(TestPdf{.password = "right"}.write(m_folder.path(), u"locked.pdf"_qs));
+    const auto view = contentView(document);
+    show(*view);
+    const auto* unlock = view->findChild<UnlockDocumentView*>();
+    ASSERT_NE(unlock, nullptr);
+    auto* field = find<QLineEdit>(*view, u"password"_qs);
+    auto* line = find<QWidget>(*view, u"wrongPassword"_qs);
+    EXPECT_FALSE(line->isVisible());
+    EXPECT_EQ(field->echoMode(), QLineEdit::Password);
+
+    QTest::keyClicks(field, u"wrong"_qs);
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_TRUE(unlock->wrongPassword());
+    EXPECT_TRUE(line->isVisible());
+    EXPECT_EQ(field->text(), u"wrong"_qs);
+    EXPECT_TRUE(document->pdfDocument()->isLocked());
+
+    const auto pdfDocument = document->pdfDocument();
+    field->clear();
+    QTest::keyClicks(field, u"right"_qs);
+    QTest::mouseClick(find<QPushButton>(*view, u"unlock"_qs), Qt::LeftButton);
+    EXPECT_EQ(content(*view), "PDFEditorWorkspaceView");
+    EXPECT_EQ(document->pdfDocument(), pdfDocument);
+    EXPECT_TRUE(document->wasPasswordProtected());
+    EXPECT_FALSE(document->isDocumentEdited());
+}
+
+TEST_F(ContentViewTest, cancellingTheUnlockScreenAsksToClose) {
+    const auto view = contentView(opened(TestPdf{.password = "k"}.write(m_folder.path(), u"locked.pdf"_qs)));
+    show(*view);
+    QSignalSpy closing(view.get(), &ContentView::closeRequested);
+    QTest::mouseClick(find<QPushButton>(*view, u"cancel"_qs), Qt::LeftButton);
+    EXPECT_EQ(closing.count(), 1);
+}
+
+TEST_F(ContentViewTest, aFileOpenedInPlaceFillsTheUntitledDocument) {
+    const QUrl url = TestPdf{.password = "key"}.write(m_folder.path(), u"report.pdf"_qs);
+    const auto document = std::make_shared<PDFEditorDocument>();
+    const auto view = contentView(document);
+    QSignalSpy done(view.get(), &ContentView::openedInPlace);
+
+    view->openInPlace(url);
+    EXPECT_EQ(m_passwordQuestions, 1);
+    EXPECT_EQ(content(*view), "LandingView") << "The user gave up the password.";
+    EXPECT_TRUE(document->fileURL().isEmpty());
+    EXPECT_EQ(done.count(), 0);
+
+    m_password = u"key"_qs;
+    view->openInPlace(url);
+    EXPECT_EQ(content(*view), "PDFEditorWorkspaceView");
+    EXPECT_EQ(document->displayName(), u"report.pdf"_qs);
+    EXPECT_TRUE(document->wasPasswordProtected());
+    EXPECT_FALSE(document->isDocumentEdited());
+    EXPECT_EQ(done.count(), 1);
+    EXPECT_EQ(m_controller.recentDocumentURLs(), QList<QUrl>{url});
+}
+
+TEST_F(ContentViewTest, whatCantBeOpenedInPlaceChangesNothing) {
+    QFile noPdf(m_folder.filePath(u"text.pdf"_qs));
+    ASSERT_TRUE(noPdf.open(QFile::WriteOnly));
+    noPdf.write("Not a PDF at all.");
+    noPdf.close();
+    const auto document = std::make_shared<PDFEditorDocument>();
+    const auto view = contentView(document);
+    for (const QString& name : {u"text.pdf"_qs, u"missing.pdf"_qs, u"."_qs}) {
+        view->openInPlace(QUrl::fromLocalFile(m_folder.filePath(name)));
+        EXPECT_EQ(content(*view), "LandingView") << name.toStdString();
+        EXPECT_TRUE(document->fileURL().isEmpty());
+    }
+    EXPECT_TRUE(m_presenter.errors.isEmpty());
+
+    const auto other = opened(TestPdf().write(m_folder.path(), u"open.pdf"_qs));
+    view->openInPlace(other->fileURL());
+    EXPECT_EQ(content(*view), "LandingView") << "One file must not be two documents.";
+    ASSERT_EQ(m_presenter.broughtForward.size(), 1U);
+    EXPECT_EQ(m_presenter.broughtForward.front(), other);
+}

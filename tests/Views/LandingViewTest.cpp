@@ -1,0 +1,164 @@
+#include "LandingView.h"
+
+#include "FileOpenRouter.h"
+#include "OpenDocumentCard.h"
+#include "RecentThumbnailCell.h"
+#include "ViewTest.h"
+
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QMimeData>
+#include <QPushButton>
+
+class LandingViewTest : public ViewTest {
+protected:
+    void TearDown() override { FileOpenRouter::setDestinations({}); }
+
+    std::unique_ptr<LandingView> landingView() {
+        return std::make_unique<LandingView>(m_controller, [this](const QUrl& url) { m_openedInPlace.append(url); });
+    }
+
+    static QList<RecentThumbnailCell*> cells(const LandingView& view) {
+        QList<RecentThumbnailCell*> visible;
+        for (auto* cell : view.findChildren<RecentThumbnailCell*>()) {
+            if (cell->isVisible())
+                visible.append(cell);
+        }
+        return visible;
+    }
+
+    /// What the window system does for a drag over the view and its end there.
+    static void hover(LandingView& view, const QMimeData& data) {
+        QDragEnterEvent enter(view.viewport()->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(view.viewport(), &enter);
+    }
+    static void drop(LandingView& view, const QMimeData& data) {
+        QDropEvent event(view.viewport()->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(view.viewport(), &event);
+    }
+
+    QList<QUrl> m_openedInPlace;
+};
+
+TEST_F(LandingViewTest, recentsAreShownOnlyWhenThereAreAnyAndCanBeCleared) {
+    const auto without = landingView();
+    show(*without);
+    EXPECT_FALSE(find<QWidget>(*without, u"recents"_qs)->isVisible());
+
+    opened(TestPdf().write(m_folder.path(), u"first.pdf"_qs));
+    opened(TestPdf().write(m_folder.path(), u"second part.pdf"_qs));
+    const auto view = landingView();
+    show(*view);
+    ASSERT_EQ(cells(*view).size(), 2);
+    EXPECT_EQ(cells(*view).at(0)->text(), u"second part"_qs);
+    EXPECT_EQ(cells(*view).at(1)->text(), u"first"_qs);
+
+    QTest::mouseClick(find<QPushButton>(*view, u"clearRecents"_qs), Qt::LeftButton);
+    EXPECT_TRUE(cells(*view).isEmpty());
+    EXPECT_FALSE(find<QWidget>(*view, u"recents"_qs)->isVisible());
+    EXPECT_TRUE(m_controller.recentDocumentURLs().isEmpty());
+}
+
+TEST_F(LandingViewTest, aRecentFileShowsItsFirstPageAndOpensWithTheKeyboard) {
+    const QUrl url = TestPdf().write(m_folder.path(), u"paper.pdf"_qs);
+    m_controller.noteNewRecentDocumentURL(url);
+    QFile broken(m_folder.filePath(u"broken.pdf"_qs));
+    ASSERT_TRUE(broken.open(QFile::WriteOnly));
+    broken.write("nothing");
+    broken.close();
+    m_controller.noteNewRecentDocumentURL(QUrl::fromLocalFile(broken.fileName()));
+
+    const auto view = landingView();
+    show(*view);
+    ASSERT_EQ(cells(*view).size(), 2);
+    RecentThumbnailCell* cell = cells(*view).at(1);
+    ASSERT_TRUE(QTest::qWaitFor([cell] { return !cell->thumbnail().isNull(); }));
+    EXPECT_EQ(cell->thumbnail().height(), 280);
+    EXPECT_EQ(cell->thumbnail().width(), 216);
+    EXPECT_TRUE(cells(*view).at(0)->thumbnail().isNull());
+    EXPECT_FALSE(ThumbnailCache::image(ThumbnailCache::recentKey(url.toLocalFile())).isNull());
+
+    // From the card's button the cells can be reached with Tab.
+    find<QPushButton>(*view, u"selectFile"_qs)->setFocus();
+    for (int i = 0; i < 5 && !cell->hasFocus(); ++i)
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_TRUE(cell->hasFocus());
+    QTest::keyClick(cell, Qt::Key_Return);
+    EXPECT_EQ(m_openedInPlace, QList<QUrl>{url});
+}
+
+TEST_F(LandingViewTest, withoutAWindowToFillTheControllerOpensTheFile) {
+    const QUrl url = TestPdf().write(m_folder.path(), u"paper.pdf"_qs);
+    m_controller.noteNewRecentDocumentURL(url);
+    LandingView view(m_controller, {});
+    show(view);
+    QTest::mouseClick(cells(view).constFirst(), Qt::LeftButton);
+    ASSERT_EQ(m_presenter.shown.size(), 1U);
+    EXPECT_EQ(m_presenter.shown.front()->fileURL(), url);
+}
+
+TEST_F(LandingViewTest, theOpenPanelGivesOneFile) {
+    const QUrl url = TestPdf().write(m_folder.path(), u"chosen.pdf"_qs);
+    const auto view = landingView();
+    show(*view);
+    QTest::mouseClick(find<QPushButton>(*view, u"selectFile"_qs), Qt::LeftButton);
+    auto* panel = find<QFileDialog>(*view, u"openPanel"_qs);
+    ASSERT_NE(panel, nullptr);
+    EXPECT_EQ(panel->fileMode(), QFileDialog::ExistingFile);
+    panel->selectFile(url.toLocalFile());
+    ASSERT_TRUE(QMetaObject::invokeMethod(panel, "accept"));
+    EXPECT_EQ(m_openedInPlace, QList<QUrl>{url});
+}
+
+TEST_F(LandingViewTest, aDropFromATemporaryFolderOpensACopyThatStays) {
+    const QUrl dropped = TestPdf().write(m_folder.path(), u"Mail attachment.PDF"_qs);
+    const QUrl alsoDropped = TestPdf().write(m_folder.path(), u"second.pdf"_qs);
+    QMimeData data;
+    data.setUrls({dropped, alsoDropped});
+    const auto view = landingView();
+    show(*view);
+    const auto* card = find<OpenDocumentCard>(*view, u"openDocumentCard"_qs);
+
+    hover(*view, data);
+    EXPECT_TRUE(card->isDropTargeted());
+    drop(*view, data);
+    EXPECT_FALSE(card->isDropTargeted());
+    QFile::remove(dropped.toLocalFile());
+
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !m_openedInPlace.isEmpty(); }));
+    ASSERT_EQ(m_openedInPlace.size(), 1) << "Of several files the first opens.";
+    const QUrl copy = m_openedInPlace.constFirst();
+    EXPECT_NE(copy, dropped);
+    EXPECT_EQ(copy.fileName(), u"Mail attachment.PDF"_qs);
+    QFile file(copy.toLocalFile());
+    ASSERT_TRUE(file.open(QFile::ReadOnly));
+    EXPECT_EQ(file.readAll(), TestPdf().bytes());
+}
+
+TEST_F(LandingViewTest, whatIsNoPDFGoesToTheRouterAndWhatIsNoFileIsNotTaken) {
+    QList<QUrl> imported;
+    FileOpenRouter::Destinations destinations;
+    destinations.openImport = [&imported](const QUrl& url) { imported.append(url); };
+    FileOpenRouter::setDestinations(std::move(destinations));
+    QFile text(m_folder.filePath(u"notes.txt"_qs));
+    ASSERT_TRUE(text.open(QFile::WriteOnly));
+    text.close();
+    const auto view = landingView();
+    show(*view);
+
+    QMimeData file;
+    file.setUrls({QUrl::fromLocalFile(text.fileName())});
+    hover(*view, file);
+    drop(*view, file);
+    ASSERT_TRUE(QTest::qWaitFor([&imported] { return !imported.isEmpty(); }));
+    EXPECT_EQ(imported.constFirst().fileName(), u"notes.txt"_qs);
+
+    QMimeData address;
+    address.setUrls({QUrl(u"https://example.org/a.pdf"_qs)});
+    hover(*view, address);
+    EXPECT_FALSE(find<OpenDocumentCard>(*view, u"openDocumentCard"_qs)->isDropTargeted());
+    drop(*view, address);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(m_openedInPlace.isEmpty());
+    EXPECT_EQ(imported.size(), 1);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "DocumentPresenter.h"
+
+#include <QStringList>
+
+#include <vector>
+
+/// A presenter without windows: notes what it is told.
+class RecordingPresenter : public DocumentPresenter {
+public:
+    void show(const std::shared_ptr<Document>& document) override { shown.push_back(document); }
+    void bringForward(const std::shared_ptr<Document>& document) override { broughtForward.push_back(document); }
+    SaveAnswer askToSave(const std::shared_ptr<Document>&) override { return SaveAnswer::Cancel; }
+    std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>&, const QString&) override {
+        return std::nullopt;
+    }
+    void presentError(const QString& title, const QString& sentence) override { errors.append(title + sentence); }
+    void didClose(const std::shared_ptr<Document>&) override {}
+
+    std::vector<std::shared_ptr<Document>> shown;
+    std::vector<std::shared_ptr<Document>> broughtForward;
+    QStringList errors;
+};

@@ -1,0 +1,191 @@
+#include "PDFEditorWorkspaceView.h"
+
+#include "AnnotatingPDFView.h"
+#include "ColorSwatch.h"
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PDFViewCoordinator.h"
+#include "PageField.h"
+#include "PassingNotice.h"
+#include "ToolState.h"
+#include "ViewTest.h"
+#include "WorkspaceActions.h"
+
+#include <QAction>
+#include <QToolButton>
+
+using Command = WorkspaceActions::Command;
+
+class WorkspaceTest : public ViewTest {
+protected:
+    /// Builds the workspace of a file and shows it.
+    void openWorkspace(const TestPdf& pdf) {
+        m_document = opened(pdf.write(m_folder.path(), u"paper.pdf"_qs));
+        ASSERT_TRUE(m_document);
+        m_toolState = std::make_shared<ToolState>();
+        m_workspace =
+            std::make_unique<PDFEditorWorkspaceView>(m_document, m_document->fileURL(), m_toolState, m_defaults);
+        show(*m_workspace, {900, 700});
+        m_view = m_workspace->pdfView();
+        QCoreApplication::processEvents();
+    }
+
+    QToolButton* button(const QString& name) const { return find<QToolButton>(*m_workspace, name + u"Button"_qs); }
+    void press(const QString& name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
+
+    std::size_t annotationCount() const { return m_document->pdfDocument()->page(0)->annotations().size(); }
+
+    std::shared_ptr<PDFEditorDocument> m_document;
+    std::shared_ptr<ToolState> m_toolState;
+    std::unique_ptr<PDFEditorWorkspaceView> m_workspace;
+    AnnotatingPDFView* m_view = nullptr;
+};
+
+TEST_F(WorkspaceTest, thePageFieldGoesToPagesAndTakesBackWhatIsNone) {
+    openWorkspace({.pageCount = 12});
+    auto* field = find<PageField>(*m_workspace, u"pageField"_qs);
+    EXPECT_EQ(field->text(), u"1 of 12"_qs);
+
+    const struct {
+        const char* typed;
+        const char* shown;
+    } cases[] = {{"7", "7 of 12"},      {" 12 ", "12 of 12"}, {"0", "12 of 12"},   {"13", "12 of 12"},
+                 {"", "12 of 12"},      {"-3", "12 of 12"},   {"two", "12 of 12"}, {"99999999999999", "12 of 12"},
+                 {"3 of 12", "3 of 12"}};
+    for (const auto& each : cases) {
+        field->setFocus();
+        field->selectAll();
+        QTest::keyClick(field, Qt::Key_Backspace);
+        QTest::keyClicks(field, QLatin1String(each.typed));
+        QTest::keyClick(field, Qt::Key_Return);
+        EXPECT_EQ(field->text(), QLatin1String(each.shown)) << each.typed;
+    }
+    EXPECT_EQ(m_view->currentPageIndex(), 2);
+
+    // Leaving the field counts as well; Escape takes back.
+    field->setFocus();
+    QTest::keyClicks(field, u"5"_qs);
+    m_view->setFocus();
+    EXPECT_EQ(m_view->currentPageIndex(), 4);
+    field->setFocus();
+    QTest::keyClicks(field, u"9"_qs);
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_EQ(field->text(), u"5 of 12"_qs);
+}
+
+TEST_F(WorkspaceTest, pageButtonsStopAtTheEnds) {
+    openWorkspace({.pageCount = 2});
+    EXPECT_FALSE(button(u"previousPage"_qs)->isEnabled());
+    press(u"nextPage"_qs);
+    EXPECT_EQ(m_view->currentPageIndex(), 1);
+    EXPECT_FALSE(button(u"nextPage"_qs)->isEnabled());
+    press(u"previousPage"_qs);
+    EXPECT_EQ(m_view->currentPageIndex(), 0);
+}
+
+TEST_F(WorkspaceTest, zoomStepsAreAddedAndStopAtTheLimits) {
+    openWorkspace({});
+    m_view->setMaxScaleFactor(1.4);
+    m_view->setMinScaleFactor(0.5);
+    m_view->setScaleFactor(1.0);
+    press(u"zoomIn"_qs);
+    EXPECT_NEAR(m_view->scaleFactor(), 1.15, 1e-9);
+    press(u"zoomIn"_qs);
+    EXPECT_NEAR(m_view->scaleFactor(), 1.3, 1e-9);
+    press(u"zoomIn"_qs);
+    EXPECT_NEAR(m_view->scaleFactor(), 1.4, 1e-9);
+    EXPECT_FALSE(button(u"zoomIn"_qs)->isEnabled());
+
+    for (int i = 0; i < 10; ++i)
+        press(u"zoomOut"_qs);
+    EXPECT_NEAR(m_view->scaleFactor(), 0.5, 1e-9);
+    EXPECT_FALSE(button(u"zoomOut"_qs)->isEnabled());
+    EXPECT_TRUE(button(u"zoomIn"_qs)->isEnabled());
+
+    m_view->setMaxScaleFactor(16);
+    press(u"zoomToFit"_qs);
+    EXPECT_NEAR(m_view->scaleFactor(), m_view->scaleFactorForSizeToFit(), 1e-9);
+}
+
+TEST_F(WorkspaceTest, markupAppliesToASelectionOrStaysOnForTheNext) {
+    openWorkspace({});
+    m_view->setCurrentSelection(m_document->pdfDocument()->page(0)->selectAll());
+    press(u"underline"_qs);
+    ASSERT_EQ(annotationCount(), 1U);
+    EXPECT_EQ(m_document->pdfDocument()->page(0)->annotations().front()->type(), u"Underline"_qs);
+    EXPECT_FALSE(m_toolState->activeMarkupMode());
+    EXPECT_FALSE(button(u"underline"_qs)->isChecked());
+    EXPECT_TRUE(m_document->isDocumentEdited());
+
+    m_toolState->setTool(AnnotationTool::ink);
+    press(u"highlight"_qs);
+    EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::highlight);
+    EXPECT_EQ(m_toolState->tool(), AnnotationTool::select);
+    EXPECT_TRUE(button(u"highlight"_qs)->isChecked());
+    press(u"strikethrough"_qs);
+    EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::strikethrough);
+    EXPECT_FALSE(button(u"highlight"_qs)->isChecked());
+
+    // With a selection the mode stays as it is.
+    m_view->setCurrentSelection(m_document->pdfDocument()->page(0)->selectAll());
+    press(u"highlight"_qs);
+    EXPECT_EQ(annotationCount(), 2U);
+    EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::strikethrough);
+    press(u"strikethrough"_qs);
+    EXPECT_FALSE(m_toolState->activeMarkupMode());
+    EXPECT_FALSE(button(u"strikethrough"_qs)->isChecked());
+}
+
+TEST_F(WorkspaceTest, markupHasKeys) {
+    openWorkspace({});
+    QTest::keyClick(m_view, Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::highlight);
+}
+
+TEST_F(WorkspaceTest, swatchesShowAndSetTheColor) {
+    openWorkspace({});
+    const auto swatches = m_workspace->findChildren<ColorSwatch*>();
+    ASSERT_EQ(swatches.size(), static_cast<qsizetype>(Palette::annotationPresets.size()));
+    EXPECT_TRUE(swatches.at(0)->isChecked());
+    QTest::mouseClick(swatches.at(2), Qt::LeftButton);
+    EXPECT_EQ(m_toolState->color(), Palette::annotationPresets[2]);
+    QTest::mouseClick(swatches.at(2), Qt::LeftButton);
+    EXPECT_TRUE(swatches.at(2)->isChecked()) << "The current color can't be put out.";
+    m_toolState->setColor(Qt::cyan);
+    for (const ColorSwatch* swatch : swatches)
+        EXPECT_FALSE(swatch->isChecked());
+}
+
+TEST_F(WorkspaceTest, aRepairedFileIsToldByANotice) {
+    openWorkspace({.isDamaged = true});
+    ASSERT_TRUE(m_document->pdfDocument()->wasRepaired());
+    EXPECT_EQ(m_workspace->notice().message(), m_document->openNotice());
+    EXPECT_TRUE(m_workspace->notice().isVisible());
+
+    m_workspace->notice().announce(u"Another"_qs, std::chrono::milliseconds(1));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_workspace->notice().isHidden(); }));
+    EXPECT_TRUE(m_workspace->notice().message().isEmpty());
+}
+
+TEST_F(WorkspaceTest, theRememberedPageComesBackAndFollowsANewName) {
+    openWorkspace({.pageCount = 5});
+    m_view->goToPage(m_document->pdfDocument()->page(3));
+    m_workspace = std::make_unique<PDFEditorWorkspaceView>(m_document, m_document->fileURL(), m_toolState, m_defaults);
+    show(*m_workspace);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_workspace->pdfView()->currentPageIndex() == 3; }));
+
+    const QUrl newName = QUrl::fromLocalFile(m_folder.filePath(u"renamed.pdf"_qs));
+    m_workspace->setFileURL(newName);
+    EXPECT_EQ(m_workspace->coordinator().rememberedPageIndex(newName), 3);
+}
+
+TEST_F(WorkspaceTest, everyControlHasANameForThoseWhoCantSeeIt) {
+    openWorkspace({});
+    for (const QWidget* widget : m_workspace->findChildren<QWidget*>()) {
+        if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisible())
+            continue;
+        EXPECT_FALSE(widget->objectName().isEmpty()) << widget->metaObject()->className();
+        EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
+    }
+}
