@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QList>
+#include <QStringList>
+#include <QUrl>
+
+/// What the program was started with: `quillo [FILE…]`, `--version` or `--help`.
+struct CommandLine {
+    enum class Kind { run, version, help, mistake };
+
+    Kind kind = Kind::run;
+    QList<QUrl> files; ///< in the order given, local files absolute
+    QString mistake;   ///< a sentence for the terminal
+
+    /// `arguments` without the program's name. Names of files are relative to `folder`; after `--` everything is one.
+    [[nodiscard]] static CommandLine parse(const QStringList& arguments, const QString& folder);
+
+    [[nodiscard]] static QString usage();
+};

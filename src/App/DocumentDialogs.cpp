@@ -1,0 +1,96 @@
+#include "DocumentDialogs.h"
+
+#include "PasswordPrompt.h"
+#include "SymbolIcon.h"
+
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+static constexpr int symbolSide = 44;
+
+static QString warningSymbol() {
+    return QStringLiteral("exclamationmark.triangle");
+}
+
+static QString infoSymbol() {
+    return QStringLiteral("info.circle");
+}
+
+static void setContent(QMessageBox& box, const QString& symbolName, const QString& text,
+                       const QString& informativeText) {
+    box.setWindowTitle(QStringLiteral("Quillo"));
+    box.setIconPixmap(
+        SymbolIcon::pixmap(symbolName, symbolSide, box.palette().color(QPalette::WindowText), box.devicePixelRatioF()));
+    // File names may hold what looks like markup.
+    box.setTextFormat(Qt::PlainText);
+    box.setText(text);
+    box.setInformativeText(informativeText);
+}
+
+DocumentDialogs::~DocumentDialogs() = default;
+
+DocumentPresenter::SaveAnswer DocumentDialogs::askToSave(QWidget* parent, const QString& documentName) {
+    QMessageBox box(parent);
+    box.setObjectName(QStringLiteral("saveQuestion"));
+    setContent(box, warningSymbol(), QStringLiteral("Do you want to save the changes to “%1”?").arg(documentName),
+               QStringLiteral("The changes are lost if you don't save them."));
+    auto* save = box.addButton(QStringLiteral("Save"), QMessageBox::AcceptRole);
+    auto* dontSave = box.addButton(QStringLiteral("Don't Save"), QMessageBox::DestructiveRole);
+    auto* cancel = box.addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    box.setDefaultButton(save);
+    box.setEscapeButton(cancel);
+    box.exec();
+    if (box.clickedButton() == save)
+        return DocumentPresenter::SaveAnswer::Save;
+    return box.clickedButton() == dontSave ? DocumentPresenter::SaveAnswer::DontSave
+                                           : DocumentPresenter::SaveAnswer::Cancel;
+}
+
+std::optional<QString> DocumentDialogs::chooseSaveLocation(QWidget* parent, const QString& suggestedPath) {
+    QFileDialog dialog(parent, QStringLiteral("Save As"));
+    dialog.setObjectName(QStringLiteral("savePanel"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilter(QStringLiteral("PDF files (*.pdf)"));
+    dialog.setDefaultSuffix(QStringLiteral("pdf"));
+    dialog.selectFile(suggestedPath);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return dialog.selectedFiles().constFirst();
+}
+
+std::optional<QString> DocumentDialogs::askPassword(QWidget* parent) {
+    return PasswordPrompt::ask(parent);
+}
+
+bool DocumentDialogs::askToBecomeDefault(QWidget* parent) {
+    QMessageBox box(parent);
+    box.setObjectName(QStringLiteral("defaultViewerQuestion"));
+    setContent(box, infoSymbol(), QStringLiteral("Make Quillo Your Default PDF Viewer?"),
+               QStringLiteral("PDFs will open in Quillo automatically when you double-click them in Finder, Mail, or "
+                              "anywhere else."));
+    auto* set = box.addButton(QStringLiteral("Set as Default"), QMessageBox::AcceptRole);
+    auto* notNow = box.addButton(QStringLiteral("Not Now"), QMessageBox::RejectRole);
+    box.setDefaultButton(set);
+    box.setEscapeButton(notNow);
+    box.exec();
+    return box.clickedButton() == set;
+}
+
+static void present(QWidget* parent, const QString& name, const QString& symbolName, const QString& title,
+                    const QString& sentence) {
+    auto* box = new QMessageBox(parent);
+    box->setObjectName(name);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    setContent(*box, symbolName, title, sentence);
+    box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
+    box->open();
+}
+
+void DocumentDialogs::presentMessage(QWidget* parent, const QString& title, const QString& sentence) {
+    present(parent, u"message"_qs, infoSymbol(), title, sentence);
+}
+
+void DocumentDialogs::presentError(QWidget* parent, const QString& title, const QString& sentence) {
+    present(parent, u"errorAlert"_qs, warningSymbol(), title, sentence);
+}

@@ -1,0 +1,121 @@
+#include "DocumentTabBar.h"
+
+#include "SymbolIcon.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QMouseEvent>
+#include <QTabBar>
+#include <QToolButton>
+
+static constexpr int closeSymbolSide = 12;
+
+DocumentTabBar::DocumentTabBar(QAction* newTab, QWidget* parent) : QWidget(parent), m_tabs(new QTabBar(this)) {
+    setObjectName(u"documentTabBar"_qs);
+    m_tabs->setObjectName(u"documentTabs"_qs);
+    m_tabs->setAccessibleName(u"Documents"_qs);
+    m_tabs->setDocumentMode(true);
+    m_tabs->setDrawBase(false);
+    m_tabs->setMovable(true);
+    m_tabs->setElideMode(Qt::ElideMiddle);
+    m_tabs->setUsesScrollButtons(true);
+    m_tabs->installEventFilter(this);
+
+    auto* newTabButton = new QToolButton(this);
+    newTabButton->setObjectName(u"newTabButton"_qs);
+    newTabButton->setAccessibleName(u"New Tab"_qs);
+    newTabButton->setToolTip(u"New Tab (%1)"_qs.arg(newTab->shortcut().toString(QKeySequence::NativeText)));
+    newTabButton->setIcon(SymbolIcon::icon(u"plus"_qs));
+    newTabButton->setAutoRaise(true);
+    newTabButton->setFocusPolicy(Qt::TabFocus);
+    connect(newTabButton, &QToolButton::clicked, newTab, &QAction::trigger);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(4, 2, 4, 0);
+    layout->setSpacing(4);
+    layout->addWidget(m_tabs, 0);
+    layout->addWidget(newTabButton);
+    layout->addStretch(1);
+    hide();
+
+    connect(m_tabs, &QTabBar::currentChanged, this, [this] { Q_EMIT currentChanged(current()); });
+}
+
+DocumentTabBar::~DocumentTabBar() = default;
+
+int DocumentTabBar::count() const {
+    return m_tabs->count();
+}
+
+QWidget* DocumentTabBar::content(int index) const {
+    return m_tabs->tabData(index).value<QWidget*>();
+}
+
+QWidget* DocumentTabBar::current() const {
+    return content(m_tabs->currentIndex());
+}
+
+QWidget* DocumentTabBar::neighbour(int steps) const {
+    const int tabCount = count();
+    return tabCount == 0 ? nullptr : content((m_tabs->currentIndex() + steps % tabCount + tabCount) % tabCount);
+}
+
+int DocumentTabBar::index(const QWidget* content) const {
+    for (int i = 0; i < count(); ++i) {
+        if (this->content(i) == content)
+            return i;
+    }
+    return -1;
+}
+
+void DocumentTabBar::addTab(QWidget* content) {
+    // A first tab becomes the current one at once, and must know its content by then.
+    const QSignalBlocker blocker(m_tabs);
+    const int index = m_tabs->addTab(QString());
+    m_tabs->setTabData(index, QVariant::fromValue(content));
+    m_tabs->setTabButton(index, QTabBar::RightSide, makeCloseButton(content));
+    setVisible(count() > 1);
+}
+
+QWidget* DocumentTabBar::makeCloseButton(QWidget* content) {
+    auto* button = new QToolButton(m_tabs);
+    button->setObjectName(u"closeTab"_qs);
+    button->setAccessibleName(u"Close Tab"_qs);
+    button->setToolTip(u"Close Tab"_qs);
+    button->setIcon(SymbolIcon::icon(u"xmark"_qs));
+    button->setIconSize({closeSymbolSide, closeSymbolSide});
+    button->setAutoRaise(true);
+    // With the keyboard the command "Close" is nearer.
+    button->setFocusPolicy(Qt::NoFocus);
+    connect(button, &QToolButton::clicked, this, [this, content] { Q_EMIT closeRequested(content); });
+    return button;
+}
+
+void DocumentTabBar::removeTab(QWidget* content) {
+    m_tabs->removeTab(index(content));
+    setVisible(count() > 1);
+}
+
+void DocumentTabBar::setCurrent(QWidget* content) {
+    m_tabs->setCurrentIndex(index(content));
+}
+
+void DocumentTabBar::setTitle(QWidget* content, const QString& title, bool isEdited, const QString& toolTip) {
+    const int tab = index(content);
+    const QString mark = isEdited ? u"• "_qs : QString();
+    // "&" would mark a key.
+    m_tabs->setTabText(tab, mark + QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+    m_tabs->setTabToolTip(tab, toolTip);
+}
+
+bool DocumentTabBar::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_tabs && event->type() == QEvent::MouseButtonRelease) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        const int tab = m_tabs->tabAt(mouse->position().toPoint());
+        if (mouse->button() == Qt::MiddleButton && tab >= 0) {
+            Q_EMIT closeRequested(content(tab));
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}

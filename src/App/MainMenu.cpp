@@ -1,0 +1,146 @@
+#include "MainMenu.h"
+
+#include "AppActions.h"
+#include "DocumentController.h"
+#include "PDFDocument.h"
+#include "PDFEditorDocument.h"
+#include "UndoManager.h"
+#include "WorkspaceActions.h"
+
+#include <QAction>
+#include <QDir>
+#include <QMainWindow>
+#include <QMenuBar>
+
+/// A file name as the text of a menu entry: "&" would mark a key.
+static QString menuText(const QString& fileName) {
+    return QString(fileName).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+MainMenu::MainMenu(QMainWindow& window, AppActions& actions, DocumentController& controller)
+    : QObject(&window), m_window(window), m_controller(controller), m_noWorkspace(new WorkspaceActions(nullptr, this)),
+      m_workspace(m_noWorkspace) {
+    makeMenus(actions);
+    fillWorkspaceMenus();
+    updateDocumentActions();
+}
+
+MainMenu::~MainMenu() = default;
+
+QAction* MainMenu::add(QMenu* menu, const QString& name, const QString& text, const QKeySequence& keys,
+                       std::function<void()> triggered) {
+    auto* action = new QAction(text, this);
+    action->setObjectName(name);
+    action->setShortcut(keys);
+    connect(action, &QAction::triggered, this, std::move(triggered));
+    menu->addAction(action);
+    return action;
+}
+
+void MainMenu::makeMenus(AppActions& actions) {
+    QMenuBar* bar = m_window.menuBar();
+    bar->setObjectName(u"menuBar"_qs);
+
+    QMenu* file = bar->addMenu(u"&File"_qs);
+    file->addAction(actions.newTab);
+    file->addAction(actions.open);
+    m_recentMenu = file->addMenu(u"Open &Recent"_qs);
+    m_recentMenu->setObjectName(u"openRecent"_qs);
+    file->addSeparator();
+    add(file, u"close"_qs, u"&Close"_qs, Qt::CTRL | Qt::Key_W, [this] { Q_EMIT closeRequested(); });
+    m_save =
+        add(file, u"save"_qs, u"&Save"_qs, Qt::CTRL | Qt::Key_S, [this] { m_controller.saveDocument(m_document); });
+    m_saveAs = add(file, u"saveAs"_qs, u"Save &As…"_qs, Qt::CTRL | Qt::SHIFT | Qt::Key_S,
+                   [this] { m_controller.saveDocumentAs(m_document); });
+    file->addSeparator();
+    file->addAction(actions.quit);
+
+    m_editMenu = bar->addMenu(u"&Edit"_qs);
+    m_undo =
+        add(m_editMenu, u"undo"_qs, u"&Undo"_qs, Qt::CTRL | Qt::Key_Z, [this] { m_document->undoManager()->undo(); });
+    m_redo = add(m_editMenu, u"redo"_qs, u"&Redo"_qs, Qt::CTRL | Qt::SHIFT | Qt::Key_Z,
+                 [this] { m_document->undoManager()->redo(); });
+
+    m_viewMenu = bar->addMenu(u"&View"_qs);
+    m_fullScreen = add(m_viewMenu, u"fullScreen"_qs, u"&Full Screen"_qs, Qt::Key_F11,
+                       [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); });
+    m_fullScreen->setCheckable(true);
+    connect(m_viewMenu, &QMenu::aboutToShow, this, [this] { m_fullScreen->setChecked(m_window.isFullScreen()); });
+
+    m_goMenu = bar->addMenu(u"&Go"_qs);
+
+    QMenu* help = bar->addMenu(u"&Help"_qs);
+    help->addAction(actions.makeDefault);
+    help->addAction(actions.about);
+
+    // Looking up which files still exist may be slow on a network, so it waits until the menu is wanted.
+    connect(file, &QMenu::aboutToShow, this, &MainMenu::fillRecentMenu);
+}
+
+void MainMenu::fillRecentMenu() {
+    m_recentMenu->clear();
+    const QList<QUrl> urls = m_controller.recentDocumentURLs();
+    for (const QUrl& url : urls) {
+        QAction* action = m_recentMenu->addAction(menuText(url.fileName()));
+        action->setToolTip(QDir::toNativeSeparators(url.toLocalFile()));
+        connect(action, &QAction::triggered, this, [this, url] { Q_EMIT openRecentRequested(url); });
+    }
+    m_recentMenu->setToolTipsVisible(true);
+    m_recentMenu->setEnabled(!urls.isEmpty());
+    if (urls.isEmpty())
+        return;
+    m_recentMenu->addSeparator();
+    QAction* clear = m_recentMenu->addAction(u"Clear Recents"_qs);
+    connect(clear, &QAction::triggered, &m_controller, &DocumentController::clearRecentDocuments);
+}
+
+void MainMenu::fillWorkspaceMenus() {
+    using Command = WorkspaceActions::Command;
+    const auto fill = [this](QMenu* menu, std::initializer_list<Command> commands) {
+        for (const Command command : commands)
+            menu->addAction(m_workspace->action(command));
+    };
+    m_editMenu->clear();
+    m_editMenu->addActions({m_undo, m_redo});
+    m_editMenu->addSeparator();
+    fill(m_editMenu, {Command::copy, Command::selectAll});
+
+    m_viewMenu->clear();
+    fill(m_viewMenu, {Command::zoomIn, Command::zoomOut, Command::zoomToFit});
+    m_viewMenu->addSeparator();
+    m_viewMenu->addAction(m_fullScreen);
+
+    m_goMenu->clear();
+    fill(m_goMenu, {Command::previousPage, Command::nextPage, Command::firstPage, Command::lastPage});
+    m_goMenu->addSeparator();
+    fill(m_goMenu, {Command::back, Command::forward});
+}
+
+void MainMenu::setDocument(const std::shared_ptr<PDFEditorDocument>& document, WorkspaceActions* workspace) {
+    for (const QMetaObject::Connection& connection : m_documentConnections)
+        disconnect(connection);
+    m_documentConnections.clear();
+    m_document = document;
+    if (document) {
+        m_documentConnections = {
+            connect(document.get(), &Document::documentEditedChanged, this, &MainMenu::updateDocumentActions),
+            connect(document.get(), &Document::fileURLChanged, this, &MainMenu::updateDocumentActions),
+            connect(document.get(), &PDFEditorDocument::objectWillChange, this, &MainMenu::updateDocumentActions),
+            connect(document->undoManager().get(), &UndoManager::changed, this, &MainMenu::updateDocumentActions),
+        };
+    }
+    if (WorkspaceActions* wanted = workspace ? workspace : m_noWorkspace; m_workspace != wanted) {
+        m_workspace = wanted;
+        fillWorkspaceMenus();
+    }
+    updateDocumentActions();
+}
+
+void MainMenu::updateDocumentActions() {
+    const bool canBeSaved = m_document && !m_document->pdfDocument()->isLocked() &&
+                            (m_document->pdfDocument()->pageCount() > 0 || m_document->isDocumentEdited());
+    m_saveAs->setEnabled(canBeSaved);
+    m_save->setEnabled(canBeSaved && (m_document->isDocumentEdited() || m_document->fileURL().isEmpty()));
+    m_undo->setEnabled(m_document && m_document->undoManager()->canUndo());
+    m_redo->setEnabled(m_document && m_document->undoManager()->canRedo());
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QMetaObject>
+#include <QObject>
+#include <QPointer>
+#include <QUrl>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class AppActions;
+class DocumentController;
+class PDFEditorDocument;
+class QAction;
+class QMainWindow;
+class QKeySequence;
+class QMenu;
+class WorkspaceActions;
+
+/// The menu bar of one window. Its commands act on the document that it was last told of, and are enabled only while
+/// they can do something.
+class MainMenu : public QObject {
+    Q_OBJECT
+
+public:
+    /// Fills the menu bar of `window`, which owns this object. `actions` and `controller` must outlive it.
+    MainMenu(QMainWindow& window, AppActions& actions, DocumentController& controller);
+    ~MainMenu() override;
+
+    /// `document` is null in a window without one, and `workspace` while it isn't being shown.
+    void setDocument(const std::shared_ptr<PDFEditorDocument>& document, WorkspaceActions* workspace);
+
+Q_SIGNALS:
+    /// The command "Close".
+    void closeRequested();
+    /// An entry of "Open Recent".
+    void openRecentRequested(const QUrl& url);
+
+private:
+    QAction* add(QMenu* menu, const QString& name, const QString& text, const QKeySequence& keys,
+                 std::function<void()> triggered);
+    void makeMenus(AppActions& actions);
+    void fillRecentMenu();
+    void fillWorkspaceMenus();
+    void updateDocumentActions();
+
+    QMainWindow& m_window;
+    DocumentController& m_controller;
+    std::shared_ptr<PDFEditorDocument> m_document;
+    std::vector<QMetaObject::Connection> m_documentConnections;
+    /// The commands of a window that shows no document: all disabled.
+    WorkspaceActions* m_noWorkspace;
+    QPointer<WorkspaceActions> m_workspace;
+
+    QMenu* m_recentMenu = nullptr;
+    QMenu* m_editMenu = nullptr;
+    QMenu* m_viewMenu = nullptr;
+    QMenu* m_goMenu = nullptr;
+    QAction* m_save = nullptr;
+    QAction* m_saveAs = nullptr;
+    QAction* m_undo = nullptr;
+    QAction* m_redo = nullptr;
+    QAction* m_fullScreen = nullptr;
+};

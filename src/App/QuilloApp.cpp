@@ -1,0 +1,126 @@
+#include "QuilloApp.h"
+
+#include "FileOpenRouter.h"
+#include "OpenPanel.h"
+#include "PDFEditorDocument.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QMessageBox>
+
+QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
+    : m_defaults(UserDefaults::standardFilePath(u"Quillo"_qs, u"Quillo"_qs)), m_dialogs(std::move(dialogs)),
+      m_presenter(*m_dialogs),
+      m_controller([] { return std::make_shared<PDFEditorDocument>(); }, m_presenter, m_defaults),
+      m_services{m_controller, m_defaults, m_actions, *m_dialogs},
+      m_defaultHandler(m_defaults,
+                       [this] { return m_dialogs->askToBecomeDefault(WindowPresenter::windowForQuestions()); }),
+      m_delegate(m_services, m_defaultHandler) {
+    m_presenter.setServices(m_services);
+    connect(&m_presenter, &WindowPresenter::documentPresented, &m_delegate, &AppDelegate::closeWelcomeWindow,
+            Qt::QueuedConnection);
+    connectActions();
+    setFileDestinations();
+}
+
+QuilloApp::~QuilloApp() {
+    FileOpenRouter::setDestinations({});
+    // Windows refer to the parts that are destroyed before them.
+    m_delegate.setTerminating(true);
+    m_delegate.closeWelcomeWindow();
+    m_presenter.closeWindow();
+}
+
+void QuilloApp::connectActions() {
+    connect(m_actions.newTab, &QAction::triggered, &m_controller, &DocumentController::newDocument);
+    connect(m_actions.open, &QAction::triggered, this, &QuilloApp::showOpenPanel);
+    connect(m_actions.quit, &QAction::triggered, this, &QuilloApp::terminate);
+    connect(m_actions.about, &QAction::triggered, this, &QuilloApp::showAbout);
+    connect(m_actions.makeDefault, &QAction::triggered, this, &QuilloApp::makeDefaultViewer);
+    m_actions.makeDefault->setEnabled(DefaultPDFHandler::canBeSet());
+}
+
+void QuilloApp::setFileDestinations() {
+    FileOpenRouter::Destinations destinations;
+    destinations.openDocument = [this](const QUrl& url) { m_controller.openDocument(url, true); };
+    destinations.openImport = [this](const QUrl& url) { refuseFile(url); };
+    destinations.openPreview = [this](const QUrl& url, bool) { refuseFile(url); };
+    FileOpenRouter::setDestinations(std::move(destinations));
+}
+
+void QuilloApp::refuseFile(const QUrl& url) {
+    const QString name = url.fileName().isEmpty() ? url.toDisplayString() : url.fileName();
+    const QFileInfo file(url.toLocalFile());
+    QString sentence = u"“%1” isn't a PDF. Quillo opens PDF files only so far."_qs;
+    if (!url.isLocalFile())
+        sentence = u"“%1” isn't a file on this computer."_qs;
+    else if (!file.exists())
+        sentence = u"There is no file “%1”."_qs;
+    else if (file.isDir())
+        sentence = u"“%1” is a folder."_qs;
+    m_presenter.presentError(u"“%1” can't be opened."_qs.arg(name), sentence.arg(name));
+}
+
+void QuilloApp::launch(const QList<QUrl>& files) {
+    m_delegate.openFiles(files);
+    m_delegate.applicationDidFinishLaunching();
+}
+
+void QuilloApp::openFromOtherStart(const QStringList& files, const QString& activationToken) {
+    qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
+    QList<QUrl> urls;
+    for (const QString& file : files)
+        urls.append(QUrl(file));
+    m_delegate.openFiles(urls);
+}
+
+void QuilloApp::reopenFromOtherStart(const QString& activationToken) {
+    qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
+    m_delegate.handleReopen();
+}
+
+bool QuilloApp::terminate() {
+    m_delegate.setTerminating(true);
+    if (!m_controller.closeAllDocuments()) {
+        m_delegate.setTerminating(false);
+        return false;
+    }
+    QCoreApplication::quit();
+    return true;
+}
+
+void QuilloApp::showOpenPanel() {
+    QWidget* window = WindowPresenter::windowForQuestions();
+    if (window)
+        OpenPanel::show(window, [](const QUrl& url) { FileOpenRouter::open(url); });
+}
+
+void QuilloApp::showAbout() {
+    auto* box = new QMessageBox(WindowPresenter::windowForQuestions());
+    box->setObjectName(u"about"_qs);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowTitle(u"About Quillo"_qs);
+    box->setIconPixmap(QApplication::windowIcon().pixmap(QSize(64, 64), box->devicePixelRatioF()));
+    box->setText(u"Quillo %1"_qs.arg(QCoreApplication::applicationVersion()));
+    box->setInformativeText(u"Highlight, draw, and ask AI about your PDFs.\n\nFree software under the GNU Affero "
+                            u"General Public License, version 3 or later."_qs);
+    box->addButton(u"OK"_qs, QMessageBox::AcceptRole);
+    box->open();
+}
+
+void QuilloApp::makeDefaultViewer() {
+    m_defaultHandler.isDefault([this](bool isDefaultNow) {
+        if (isDefaultNow) {
+            m_dialogs->presentMessage(WindowPresenter::windowForQuestions(), u"Quillo is your default"_qs,
+                                      u"PDFs open in Quillo already."_qs);
+            return;
+        }
+        if (!m_dialogs->askToBecomeDefault(WindowPresenter::windowForQuestions()))
+            return;
+        m_defaultHandler.setAsDefault([this](bool succeeded) {
+            if (!succeeded)
+                m_presenter.presentError(u"Quillo could not become your default PDF viewer."_qs,
+                                         u"The desktop did not accept the change."_qs);
+        });
+    });
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "AppActions.h"
+#include "AppDelegate.h"
+#include "DefaultPDFHandler.h"
+#include "DocumentController.h"
+#include "DocumentDialogs.h"
+#include "UserDefaults.h"
+#include "WindowPresenter.h"
+
+#include <memory>
+
+/// The whole program but its event loop: makes the parts and ties them together. One at a time, main thread only; the
+/// application object must exist.
+class QuilloApp : public QObject {
+    Q_OBJECT
+
+public:
+    /// `dialogs` ask and tell the user; settings are kept in the user's own file.
+    explicit QuilloApp(std::unique_ptr<DocumentDialogs> dialogs = std::make_unique<DocumentDialogs>());
+    ~QuilloApp() override;
+
+    /// Opens `files`, or shows the landing window when that leaves nothing to see.
+    void launch(const QList<QUrl>& files);
+
+    /// Takes what another start of the program handed over. The desktop lets a program come to the front only with the
+    /// token that it gave to the start.
+    void openFromOtherStart(const QStringList& files, const QString& activationToken);
+    void reopenFromOtherStart(const QString& activationToken);
+
+    /// Closes all documents, asking what becomes of unsaved changes, and ends the event loop. False when the user
+    /// cancelled.
+    bool terminate();
+
+    [[nodiscard]] DocumentController& controller() { return m_controller; }
+    [[nodiscard]] AppDelegate& delegate() { return m_delegate; }
+    [[nodiscard]] WindowPresenter& presenter() { return m_presenter; }
+    [[nodiscard]] AppActions& actions() { return m_actions; }
+    [[nodiscard]] UserDefaults& defaults() { return m_defaults; }
+
+private:
+    void connectActions();
+    void setFileDestinations();
+    /// For files that Quillo can't show, until it can.
+    void refuseFile(const QUrl& url);
+    void showOpenPanel();
+    void showAbout();
+    void makeDefaultViewer();
+
+    UserDefaults m_defaults;
+    std::unique_ptr<DocumentDialogs> m_dialogs;
+    WindowPresenter m_presenter;
+    DocumentController m_controller;
+    AppActions m_actions;
+    WindowServices m_services;
+    DefaultPDFHandler m_defaultHandler;
+    AppDelegate m_delegate;
+};

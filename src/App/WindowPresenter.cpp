@@ -1,0 +1,78 @@
+#include "WindowPresenter.h"
+
+#include "ContentView.h"
+#include "DocumentDialogs.h"
+#include "PDFEditorDocument.h"
+#include "QuilloAssert.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+WindowPresenter::WindowPresenter(DocumentDialogs& dialogs, QObject* parent) : QObject(parent), m_dialogs(dialogs) {}
+
+WindowPresenter::~WindowPresenter() = default;
+
+void WindowPresenter::closeWindow() {
+    delete m_window;
+}
+
+QWidget* WindowPresenter::windowForQuestions() {
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (window->isVisible() && window->windowType() == Qt::Window)
+            return window;
+    }
+    return nullptr;
+}
+
+void WindowPresenter::show(const std::shared_ptr<Document>& document) {
+    const auto editorDocument = std::dynamic_pointer_cast<PDFEditorDocument>(document);
+    QUILLO_ASSERT(editorDocument && m_services, "The controller's documents are PDFs, and the services are set.");
+    if (!m_window) {
+        m_window = new DocumentWindow(*m_services);
+        connect(m_window, &DocumentWindow::openedInPlace, this, &WindowPresenter::documentPresented);
+    }
+    m_window->addDocument(editorDocument);
+    m_window->present();
+    Q_EMIT documentPresented();
+}
+
+void WindowPresenter::bringForward(const std::shared_ptr<Document>& document) {
+    ContentView* view = m_window ? m_window->contentView(*document) : nullptr;
+    if (!view) {
+        show(document);
+        return;
+    }
+    m_window->setCurrent(view);
+    m_window->present();
+    Q_EMIT documentPresented();
+}
+
+DocumentPresenter::SaveAnswer WindowPresenter::askToSave(const std::shared_ptr<Document>& document) {
+    return m_dialogs.askToSave(m_window, document->displayName());
+}
+
+std::optional<QString> WindowPresenter::chooseSaveLocation(const std::shared_ptr<Document>& document,
+                                                           const QString& suggestedName) {
+    const QString folder = document->fileURL().isEmpty()
+                               ? QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
+                               : QFileInfo(document->fileURL().toLocalFile()).path();
+    return m_dialogs.chooseSaveLocation(m_window, QDir(folder).filePath(suggestedName));
+}
+
+void WindowPresenter::presentError(const QString& title, const QString& sentence) {
+    m_dialogs.presentError(windowForQuestions(), title, sentence);
+}
+
+void WindowPresenter::didClose(const std::shared_ptr<Document>& document) {
+    if (!m_window)
+        return;
+    m_window->removeDocument(*document);
+    // A window that has lost its last tab is on its way out; the next document gets a new one.
+    if (!m_window->currentContentView())
+        m_window = nullptr;
+}

@@ -1,0 +1,114 @@
+#include "ColorScheme.h"
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QPalette>
+#include <QProcess>
+#include <QTest>
+
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A desktop's settings portal.
+class Portal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    uint colorScheme = 1;
+
+public Q_SLOTS:
+    QDBusVariant Read(const QString& group, const QString& key) {
+        EXPECT_EQ(group, u"org.freedesktop.appearance"_qs);
+        EXPECT_EQ(key, u"color-scheme"_qs);
+        return QDBusVariant(QVariant::fromValue(QDBusVariant(colorScheme)));
+    }
+
+Q_SIGNALS:
+    void SettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+};
+
+/// A message bus of the test's own, with a portal on it.
+class Desktop {
+public:
+    Desktop() {
+        m_daemon.start(u"dbus-daemon"_qs, {u"--session"_qs, u"--nofork"_qs, u"--print-address"_qs});
+        if (!m_daemon.waitForReadyRead())
+            throw std::runtime_error("The tests need dbus-daemon.");
+        const QString address = QString::fromLatin1(m_daemon.readLine()).trimmed();
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address.toLatin1());
+        QDBusConnection bus = QDBusConnection::connectToBus(address, u"portal"_qs);
+        EXPECT_TRUE(bus.registerObject(u"/org/freedesktop/portal/desktop"_qs, &portal,
+                                       QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
+        EXPECT_TRUE(bus.registerService(u"org.freedesktop.portal.Desktop"_qs));
+    }
+
+    ~Desktop() {
+        QDBusConnection::disconnectFromBus(u"portal"_qs);
+        QDBusConnection::disconnectFromBus(QDBusConnection::sessionBus().name());
+        m_daemon.terminate();
+        m_daemon.waitForFinished();
+    }
+
+    void choose(uint colorScheme) {
+        portal.colorScheme = colorScheme;
+        Q_EMIT portal.SettingChanged(u"org.freedesktop.appearance"_qs, u"color-scheme"_qs, QDBusVariant(colorScheme));
+    }
+
+    Portal portal;
+
+private:
+    QProcess m_daemon;
+};
+
+bool isDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+/// The contrast of two colours as the web's accessibility guidelines define it, 1 to 21.
+double contrast(const QColor& one, const QColor& other) {
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](float part) {
+            return part <= 0.04045F ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+    };
+    const double a = luminance(one);
+    const double b = luminance(other);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+} // namespace
+
+TEST(ColorScheme, followsTheDesktopNowAndLater) {
+    Desktop desktop;
+    const QPalette light = QApplication::palette();
+    ASSERT_FALSE(isDark(light));
+    ColorScheme scheme;
+    scheme.follow();
+    EXPECT_TRUE(QTest::qWaitFor([] { return isDark(QApplication::palette()); }));
+    desktop.choose(2);
+    EXPECT_TRUE(QTest::qWaitFor([&light] { return QApplication::palette() == light; }));
+    desktop.choose(1);
+    EXPECT_TRUE(QTest::qWaitFor([] { return isDark(QApplication::palette()); }));
+    ColorScheme::setDark(false);
+    EXPECT_EQ(QApplication::palette(), light);
+}
+
+TEST(ColorScheme, darkTextCanBeRead) {
+    const QPalette dark = ColorScheme::darkPalette();
+    const std::pair<QPalette::ColorRole, QPalette::ColorRole> pairs[] = {
+        {QPalette::WindowText, QPalette::Window},   {QPalette::Text, QPalette::Base},
+        {QPalette::ButtonText, QPalette::Button},   {QPalette::ToolTipText, QPalette::ToolTipBase},
+        {QPalette::Link, QPalette::Window},         {QPalette::HighlightedText, QPalette::Highlight},
+        {QPalette::PlaceholderText, QPalette::Base}};
+    for (const auto& [text, background] : pairs)
+        EXPECT_GE(contrast(dark.color(text), dark.color(background)), 4.5) << text << " on " << background;
+}
+
+#include "ColorSchemeTest.moc"

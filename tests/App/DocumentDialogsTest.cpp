@@ -1,0 +1,108 @@
+#include "DocumentDialogs.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+using SaveAnswer = DocumentPresenter::SaveAnswer;
+
+/// Does `answer` to the dialog that is about to be asked. A dialog that doesn't come up fails the test.
+static void whenAsked(std::function<void(QDialog& dialog)> answer) {
+    QTimer::singleShot(0, [answer = std::move(answer)] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        answer(*dialog);
+        if (dialog->isVisible())
+            dialog->reject();
+    });
+}
+
+static void press(QDialog& dialog, const QString& buttonText) {
+    for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>()) {
+        if (button->text().remove(QLatin1Char('&')) == buttonText) {
+            QTest::mouseClick(button, Qt::LeftButton);
+            return;
+        }
+    }
+    ADD_FAILURE() << "There is no button " << buttonText.toStdString();
+}
+
+TEST(DocumentDialogs, theSaveQuestionHasThreeAnswers) {
+    DocumentDialogs dialogs;
+    const struct {
+        std::function<void(QDialog&)> reply;
+        SaveAnswer answer;
+    } cases[] = {
+        {[](QDialog& dialog) { press(dialog, u"Save"_qs); }, SaveAnswer::Save},
+        {[](QDialog& dialog) { press(dialog, u"Don't Save"_qs); }, SaveAnswer::DontSave},
+        {[](QDialog& dialog) { press(dialog, u"Cancel"_qs); }, SaveAnswer::Cancel},
+        {[](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }, SaveAnswer::Cancel},
+        {[](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }, SaveAnswer::Save},
+        {[](QDialog& dialog) { dialog.close(); }, SaveAnswer::Cancel},
+    };
+    for (const auto& each : cases) {
+        whenAsked([&each](QDialog& dialog) {
+            const auto& box = dynamic_cast<QMessageBox&>(dialog);
+            EXPECT_TRUE(box.text().contains(u"“<i>a</i>.pdf”"_qs));
+            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            each.reply(dialog);
+        });
+        EXPECT_EQ(dialogs.askToSave(nullptr, u"<i>a</i>.pdf"_qs), each.answer);
+    }
+}
+
+TEST(DocumentDialogs, theDefaultViewerQuestionTakesItsFirstButtonAsYes) {
+    DocumentDialogs dialogs;
+    for (const auto& [button, answer] : {std::pair{u"Set as Default"_qs, true}, std::pair{u"Not Now"_qs, false}}) {
+        whenAsked([&button = button](QDialog& dialog) {
+            EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).text(), u"Make Quillo Your Default PDF Viewer?"_qs);
+            press(dialog, button);
+        });
+        EXPECT_EQ(dialogs.askToBecomeDefault(nullptr), answer);
+    }
+}
+
+TEST(DocumentDialogs, thePasswordPromptGivesWhatWasTypedOrNothing) {
+    DocumentDialogs dialogs;
+    whenAsked([](QDialog& dialog) {
+        auto* field = dialog.findChild<QLineEdit*>();
+        ASSERT_NE(field, nullptr);
+        EXPECT_EQ(field->echoMode(), QLineEdit::Password);
+        QTest::keyClicks(field, u"pass word"_qs);
+        press(dialog, u"Unlock"_qs);
+    });
+    EXPECT_EQ(dialogs.askPassword(nullptr), u"pass word"_qs);
+
+    whenAsked([](QDialog& dialog) { press(dialog, u"Unlock"_qs); });
+    EXPECT_EQ(dialogs.askPassword(nullptr), QString()) << "An empty password is one like any other.";
+
+    whenAsked([](QDialog& dialog) { press(dialog, u"Cancel"_qs); });
+    EXPECT_EQ(dialogs.askPassword(nullptr), std::nullopt);
+}
+
+TEST(DocumentDialogs, theSavePanelStartsAtTheSuggestionAndAddsTheExtension) {
+    const QTemporaryDir folder;
+    DocumentDialogs dialogs;
+    whenAsked([](QDialog& dialog) {
+        auto& panel = dynamic_cast<QFileDialog&>(dialog);
+        EXPECT_EQ(panel.acceptMode(), QFileDialog::AcceptSave);
+        auto* field = panel.findChild<QLineEdit*>();
+        ASSERT_NE(field, nullptr);
+        EXPECT_EQ(field->text(), u"paper.pdf"_qs);
+        field->setText(u"copy"_qs);
+        QMetaObject::invokeMethod(&panel, "accept");
+    });
+    EXPECT_EQ(dialogs.chooseSaveLocation(nullptr, folder.filePath(u"paper.pdf"_qs)), folder.filePath(u"copy.pdf"_qs));
+
+    whenAsked([](QDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(dialogs.chooseSaveLocation(nullptr, folder.filePath(u"paper.pdf"_qs)), std::nullopt);
+}

@@ -1,0 +1,102 @@
+#include "InstanceChannel.h"
+#include "TestPdf.h"
+#include "UserDefaults.h"
+
+#include <QFileInfo>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+static constexpr int startTimeLimitInMilliseconds = 30000;
+
+/// Starts the real program, with the folders of the test.
+class ProgramTest : public testing::Test {
+protected:
+    static void start(QProcess& process, const QStringList& arguments) {
+        process.start(QStringLiteral(QUILLO_PROGRAM), arguments);
+        ASSERT_TRUE(process.waitForStarted());
+    }
+
+    struct Ended {
+        int exitCode = -1;
+        QByteArray output;
+        QByteArray errors;
+    };
+
+    static Ended run(const QStringList& arguments) {
+        QProcess process;
+        start(process, arguments);
+        if (!process.waitForFinished(startTimeLimitInMilliseconds) || process.exitStatus() != QProcess::NormalExit)
+            return {};
+        return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    }
+
+    /// Waits until a program runs that another start can reach.
+    static bool isReachable() {
+        return QTest::qWaitFor(
+            [] {
+                QLocalSocket socket;
+                socket.connectToServer(InstanceChannel::standardSocketPath());
+                return socket.waitForConnected();
+            },
+            startTimeLimitInMilliseconds);
+    }
+
+    static QStringList recentPaths() {
+        // Qt's test mode, which is on here and not in the program, would give another folder.
+        const UserDefaults defaults(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/Quillo/Quillo.ini"_qs);
+        return defaults.stringListForKey(u"DocumentController.recentDocumentPaths"_qs).value_or(QStringList());
+    }
+
+    static void expectCleanEnd(QProcess& process, int signalNumber) {
+        ASSERT_EQ(kill(static_cast<pid_t>(process.processId()), signalNumber), 0);
+        ASSERT_TRUE(process.waitForFinished(startTimeLimitInMilliseconds));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), 0);
+        EXPECT_FALSE(QFileInfo::exists(InstanceChannel::standardSocketPath()));
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(ProgramTest, textsForTheTerminalNeedNoDisplay) {
+    qputenv("QT_QPA_PLATFORM", "no-such-platform");
+    EXPECT_TRUE(run({u"--version"_qs}).output.startsWith("Quillo "));
+    EXPECT_TRUE(run({u"--help"_qs}).output.contains("quillo [FILE…]"));
+    const Ended mistaken = run({u"--loud"_qs});
+    EXPECT_EQ(mistaken.exitCode, 2);
+    EXPECT_TRUE(mistaken.errors.contains("--loud"));
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+TEST_F(ProgramTest, aSecondStartHandsItsFilesToTheFirstWhichEndsWhenAsked) {
+    const QString first = TestPdf().write(m_folder.path(), u"first.pdf"_qs).toLocalFile();
+    const QString second = TestPdf().write(m_folder.path(), u"second.pdf"_qs).toLocalFile();
+    QProcess program;
+    start(program, {first});
+    ASSERT_TRUE(isReachable());
+    EXPECT_EQ(run({second}).exitCode, 0);
+    EXPECT_EQ(run({}).exitCode, 0);
+    EXPECT_EQ(program.state(), QProcess::Running);
+    expectCleanEnd(program, SIGTERM);
+    EXPECT_EQ(recentPaths().mid(0, 2).join(u'\n').toStdString(), (second + u'\n' + first).toStdString());
+}
+
+TEST_F(ProgramTest, aCrashDoesNotKeepTheNextStartAway) {
+    QProcess crashed;
+    start(crashed, {});
+    ASSERT_TRUE(isReachable());
+    crashed.kill();
+    ASSERT_TRUE(crashed.waitForFinished());
+    ASSERT_TRUE(QFileInfo::exists(InstanceChannel::standardSocketPath()));
+
+    QProcess program;
+    start(program, {});
+    ASSERT_TRUE(isReachable());
+    expectCleanEnd(program, SIGINT);
+}
