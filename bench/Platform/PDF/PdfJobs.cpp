@@ -1,0 +1,105 @@
+// pdf_jobs JOB FILE [OUT]: does one job with a PDF file and ends. See bench/compare.sh.
+
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFError.h"
+#include "PDFPage.h"
+#include "PDFSource.h"
+#include "PageRenderer.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QImage>
+#include <QTextStream>
+#include <QThreadPool>
+#include <QtConcurrent/QtConcurrentMap>
+
+#include <cstdio>
+#include <functional>
+#include <map>
+
+namespace {
+
+constexpr double scale = 2.0; // 144 dpi
+constexpr int spreadPages = 50;
+constexpr int workers = 2;
+
+QImage draw(const PDFPageContent& content) {
+    const PDFPageGeometry geometry = content.source->geometry(content.pageNumber);
+    const QSize size = (geometry.displaySize(PDFDisplayBox::cropBox) * scale).toSize();
+    return PageRenderer::render(
+        {content,
+         {},
+         true,
+         geometry.displayTransform(PDFDisplayBox::cropBox) * QTransform::fromScale(scale, scale),
+         QRect(QPoint(0, 0), size)});
+}
+
+bool drawFirst(const PDFDocument& document, const QString&) {
+    return !draw(document.pageContents().at(0)).isNull();
+}
+
+/// The pages that compare.sh asks the reference program for: the first of each fiftieth part.
+bool drawSpread(const PDFDocument& document, const QString&) {
+    const std::vector<PDFPageContent> all = document.pageContents();
+    std::vector<PDFPageContent> spread;
+    for (int i = 0; i < spreadPages; ++i)
+        spread.push_back(all.at(std::size_t(i) * all.size() / spreadPages));
+    QThreadPool pool;
+    pool.setMaxThreadCount(workers);
+    std::atomic<int> drawn{0};
+    QtConcurrent::blockingMap(&pool, spread,
+                              [&](const PDFPageContent& content) { drawn += draw(content).isNull() ? 0 : 1; });
+    return drawn == spreadPages;
+}
+
+bool readText(const PDFDocument& document, const QString&) {
+    return !document.string().isEmpty();
+}
+
+bool saveAnnotation(const PDFDocument& document, const QString& out) {
+    const auto highlight = std::make_shared<PDFAnnotation>(QRectF(72, 600, 200, 14), PDFAnnotationSubtype::highlight);
+    highlight->setColor(QColor(242, 169, 59));
+    document.page(document.pageCount() / 2)->addAnnotation(highlight);
+    document.write(out);
+    return true;
+}
+
+bool saveMove(PDFDocument& document, const QString& out) {
+    document.insert(document.removePage(document.pageCount() - 1), 0);
+    document.write(out);
+    return true;
+}
+
+bool saveDelete(PDFDocument& document, const QString& out) {
+    document.removePage(document.pageCount() / 2);
+    document.write(out);
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    static const std::map<QString, std::function<bool(PDFDocument&, const QString&)>> jobs{
+        {QStringLiteral("draw-first"), drawFirst}, {QStringLiteral("draw-spread"), drawSpread},
+        {QStringLiteral("text"), readText},        {QStringLiteral("save-annotation"), saveAnnotation},
+        {QStringLiteral("save-move"), saveMove},   {QStringLiteral("save-delete"), saveDelete},
+    };
+    const auto job = jobs.find(arguments.value(1));
+    if (arguments.size() < 3 || job == jobs.end()) {
+        std::fputs("usage: pdf_jobs JOB FILE [OUT], JOB one of", stderr);
+        for (const auto& [name, run] : jobs)
+            std::fprintf(stderr, " %s", qPrintable(name));
+        std::fputs("\n", stderr);
+        return 2;
+    }
+    try {
+        const auto document = PDFDocument::fromFile(arguments[2]);
+        return job->second(*document, arguments.value(3)) ? 0 : 1;
+    } catch (const PDFError& error) {
+        std::fprintf(stderr, "%s: %s\n", qPrintable(arguments[2]), error.what());
+        return 1;
+    }
+}

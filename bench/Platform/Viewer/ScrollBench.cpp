@@ -1,0 +1,194 @@
+// scroll_bench FILE
+//
+// Opens FILE in a view of 1200 by 900 and scrolls down through its first 200 pages at a page in 100 ms, as a reader
+// does who holds the scroll bar. Prints one JSON object about what the main thread took for each frame, from the
+// timer's event to the end of painting. Its exit code tells only whether the measuring was possible.
+
+#include "PDFDocument.h"
+#include "PDFError.h"
+#include "PDFPage.h"
+#include "PDFView.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QScrollBar>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+#include <vector>
+
+#include <sys/resource.h>
+#include <time.h>
+
+namespace {
+
+constexpr int pagesToScroll = 200;
+constexpr double pagesPerMillisecond = 1.0 / 100;
+constexpr int frameInterval = 16; // milliseconds
+constexpr double frameAim = 16;   // milliseconds, for 99 of 100 frames
+constexpr double memoryAim = 300; // MB
+
+double milliseconds(qint64 nanoseconds) {
+    return double(nanoseconds) / 1e6;
+}
+
+double percentile(std::vector<double> values, double share) {
+    if (values.empty())
+        return 0;
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(share * double(values.size() - 1))];
+}
+
+double rounded(double value) {
+    return std::round(value * 100) / 100;
+}
+
+double peakMegabytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return double(usage.ru_maxrss) / 1024;
+}
+
+/// Of the calling thread, milliseconds.
+double threadCpu() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
+class MeasuredView : public PDFView {
+public:
+    void beginFrame() {
+        if (m_frame)
+            return;
+        m_frame.emplace().start();
+        m_cpuStart = threadCpu();
+    }
+
+    std::vector<double> frames;   // milliseconds on the clock
+    std::vector<double> frameCpu; // milliseconds of the processor, which other programs don't lengthen
+    int framesWithStandIn = 0;
+
+protected:
+    bool event(QEvent* event) override {
+        const bool handled = PDFView::event(event);
+        if (event->type() == QEvent::UpdateRequest && m_frame) {
+            frames.push_back(milliseconds(m_frame->nsecsElapsed()));
+            frameCpu.push_back(threadCpu() - m_cpuStart);
+            m_frame.reset();
+            if (!isSharp())
+                ++framesWithStandIn;
+        }
+        return handled;
+    }
+
+private:
+    std::optional<QElapsedTimer> m_frame;
+    double m_cpuStart = 0;
+};
+
+/// Measures what each event takes of the main thread.
+class MeasuredApplication : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        if (m_depth > 0 || receiver->thread() != thread())
+            return QApplication::notify(receiver, event);
+        ++m_depth;
+        const double start = threadCpu();
+        const bool handled = QApplication::notify(receiver, event);
+        eventCpu.push_back(threadCpu() - start);
+        --m_depth;
+        return handled;
+    }
+
+    std::vector<double> eventCpu; // milliseconds
+
+private:
+    int m_depth = 0;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    MeasuredApplication application(argc, argv);
+    if (argc != 2) {
+        std::fputs("Usage: scroll_bench FILE\n", stderr);
+        return 2;
+    }
+    QElapsedTimer sinceOpen;
+    sinceOpen.start();
+    std::shared_ptr<PDFDocument> document;
+    try {
+        document = PDFDocument::fromFile(QFile::decodeName(argv[1]));
+    } catch (const PDFError& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
+    const double opened = milliseconds(sinceOpen.nsecsElapsed());
+
+    MeasuredView view;
+    view.resize(1200, 900);
+    view.setAutoScales(true);
+    view.setDocument(document);
+    double firstSharp = 0;
+    QObject::connect(&view, &PDFView::pageDrawn, &view, [&](bool first) {
+        if (first)
+            firstSharp = milliseconds(sinceOpen.nsecsElapsed());
+    });
+    view.show();
+
+    QElapsedTimer sinceStart;
+    QTimer frames;
+    frames.setTimerType(Qt::PreciseTimer);
+    frames.setInterval(frameInterval);
+    const int pages = std::min(pagesToScroll, document->pageCount());
+    QObject::connect(&frames, &QTimer::timeout, &view, [&] {
+        QScrollBar* bar = view.verticalScrollBar();
+        const double column = bar->maximum() + bar->pageStep();
+        const double position =
+            double(sinceStart.elapsed()) * pagesPerMillisecond * column / std::max(1, document->pageCount());
+        if (view.currentPageIndex().value_or(0) + 1 >= pages || position >= bar->maximum()) {
+            QApplication::quit();
+            return;
+        }
+        view.beginFrame();
+        bar->setValue(static_cast<int>(position));
+    });
+    QTimer::singleShot(1000, &view, [&] {
+        application.eventCpu.clear();
+        sinceStart.start();
+        frames.start();
+    });
+    QApplication::exec();
+
+    const double p99 = percentile(view.frames, 0.99);
+    const QJsonObject result{
+        {QStringLiteral("job"), QStringLiteral("scroll")},
+        {QStringLiteral("pages"), pages},
+        {QStringLiteral("open_ms"), rounded(opened)},
+        {QStringLiteral("first_sharp_ms"), rounded(firstSharp)},
+        {QStringLiteral("frames"), static_cast<int>(view.frames.size())},
+        {QStringLiteral("p50_ms"), rounded(percentile(view.frames, 0.5))},
+        {QStringLiteral("p99_ms"), rounded(p99)},
+        {QStringLiteral("max_ms"), rounded(percentile(view.frames, 1))},
+        {QStringLiteral("p99_cpu_ms"), rounded(percentile(view.frameCpu, 0.99))},
+        {QStringLiteral("max_cpu_ms"), rounded(percentile(view.frameCpu, 1))},
+        {QStringLiteral("longest_event_cpu_ms"), rounded(percentile(application.eventCpu, 1))},
+        {QStringLiteral("stand_in_frames"), view.framesWithStandIn},
+        {QStringLiteral("peak_rss_mb"), rounded(peakMegabytes())},
+        {QStringLiteral("aim"), QStringLiteral("p99_ms below %1, peak_rss_mb below %2").arg(frameAim).arg(memoryAim)},
+        {QStringLiteral("aim_met"), p99 < frameAim && peakMegabytes() < memoryAim},
+    };
+    std::puts(QJsonDocument(result).toJson(QJsonDocument::Compact).constData());
+    return 0;
+}

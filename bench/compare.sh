@@ -1,0 +1,91 @@
+#!/usr/bin/env bash
+# bench/compare.sh FILE.pdf: how long Quillo's jobs on a file take beside other programs' in the same run.
+# Prints one JSON object a line: the median of RUNS (5) whole processes in milliseconds, ours and the reference's in
+# turn, their ratio, and the aim with how far it is from being met (a negative "to_aim" is met).
+set -euo pipefail
+
+runs=${RUNS:-5}
+file=${1:?usage: bench/compare.sh FILE.pdf}
+file=$(realpath "$file")
+here=$(cd "$(dirname "$0")/.." && pwd)
+build=${BUILD:-$here/build/bench}
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+"$here/tools/install-packages.sh" build test >&2
+if ! "$here/tools/build.sh" bench >"$work/log" 2>&1; then
+    tail -n 30 "$work/log" >&2
+    exit 1
+fi
+jobs=$build/bench/Platform/PDF/pdf_jobs
+
+# milliseconds COMMAND…: the wall time of one run; the command must succeed.
+milliseconds() {
+    local begin=$EPOCHREALTIME end
+    "$@" >/dev/null 2>"$work/errors" || {
+        echo "failed: $*" >&2
+        cat "$work/errors" >&2
+        exit 1
+    }
+    end=$EPOCHREALTIME
+    awk -v b="$begin" -v e="$end" 'BEGIN { printf "%.2f\n", (e - b) * 1000 }'
+}
+
+median() { sort -n | awk '{ v[NR] = $1 } END { print NR % 2 ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
+
+# compare JOB AIM REFERENCE-NAME OURS… -- REFERENCE…: AIM is the largest ratio wanted.
+compare() {
+    local job=$1 aim=$2 name=$3
+    shift 3
+    local ours=()
+    while [ "$1" != -- ]; do
+        ours+=("$1")
+        shift
+    done
+    shift
+    : >"$work/ours"
+    : >"$work/reference"
+    for ((i = 0; i < runs; i++)); do
+        milliseconds "${ours[@]}" >>"$work/ours"
+        milliseconds "$@" >>"$work/reference"
+    done
+    awk -v job="$job" -v aim="$aim" -v name="$name" -v o="$(median <"$work/ours")" -v r="$(median <"$work/reference")" \
+        'BEGIN { printf "{\"job\": \"%s\", \"ours_ms\": %.1f, \"reference\": \"%s\", \"reference_ms\": %.1f, " \
+                        "\"ratio\": %.3f, \"aim\": \"ratio <= %s\", \"to_aim\": %.3f}\n", job, o, name, r, o / r, aim, o / r - aim }'
+}
+
+pages=$(qpdf --show-npages "$file" 2>/dev/null || mutool show "$file" pages | grep -c '^page')
+spread=$(for ((i = 0; i < 50; i++)); do echo $((i * pages / 50 + 1)); done | paste -sd,)
+# The picture goes to a plain format and nowhere: what is compared is drawing, not packing.
+mutool_draw=(mutool draw -q -r 144 -F pam -o /dev/null)
+
+compare draw-first 1.1 "mutool draw" "$jobs" draw-first "$file" -- "${mutool_draw[@]}" "$file" 1
+if [ "$pages" -ge 50 ]; then
+    compare draw-spread 0.7 "mutool draw" "$jobs" draw-spread "$file" -- "${mutool_draw[@]}" "$file" "$spread"
+fi
+compare text 1.0 "mutool draw -F text" "$jobs" text "$file" -- mutool draw -q -F text -o /dev/null "$file"
+compare save-annotation 0.1 "qpdf in out" "$jobs" save-annotation "$file" "$work/out.pdf" -- qpdf "$file" "$work/reference.pdf"
+awk -v before="$(stat -c %s "$file")" -v after="$(stat -c %s "$work/out.pdf")" 'BEGIN {
+    printf "{\"job\": \"save-annotation-growth\", \"bytes\": %d, \"aim\": \"< 20000 bytes\", \"to_aim\": %d}\n",
+           after - before, after - before - 20000 }'
+if [ "$pages" -ge 2 ]; then
+    compare save-move 1.1 "qpdf in out" "$jobs" save-move "$file" "$work/out.pdf" -- qpdf "$file" "$work/reference.pdf"
+fi
+
+# Process start to the first sharp page in a window, beside drawing that page: 300 ms more is the aim.
+start=$build/bench/App/start_bench
+if [ -x "$start" ]; then
+    : >"$work/ours"
+    : >"$work/reference"
+    for ((i = 0; i < runs; i++)); do
+        QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$start" "$file" 2>/dev/null | tail -n 1 >>"$work/ours"
+        milliseconds "${mutool_draw[@]}" "$file" 1 >>"$work/reference"
+    done
+    awk -v o="$(median <"$work/ours")" -v r="$(median <"$work/reference")" 'BEGIN {
+        printf "{\"job\": \"start\", \"ours_ms\": %.1f, \"reference\": \"mutool draw\", \"reference_ms\": %.1f, " \
+               "\"ratio\": %.3f, \"aim\": \"reference + 300 ms\", \"to_aim\": %.1f}\n", o, r, o / r, o - r - 300 }'
+fi
+scroll=$build/bench/Platform/Viewer/scroll_bench
+if [ -x "$scroll" ]; then
+    QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$scroll" "$file" 2>/dev/null
+fi
