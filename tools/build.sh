@@ -6,6 +6,8 @@ set -euo pipefail
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.."
 preset=$1
 shift
+# Another checkout of the same sources finds what this one compiled.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
 folder=build/$preset
 
 if [[ ! -f $folder/build.ninja || CMakePresets.json -nt $folder/build.ninja ]]; then
