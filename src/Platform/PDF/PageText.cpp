@@ -11,14 +11,33 @@ double outside(double value, double low, double high) {
     return std::max({low - value, 0.0, value - high});
 }
 
+/// What each block of lines covers. A narrow block close to a wider one, as a formula between paragraphs, takes its
+/// width: it is of the same column.
+std::map<int, QRectF> columnsOf(const std::vector<PageText::Line>& lines) {
+    std::map<int, QRectF> blocks;
+    for (const PageText::Line& line : lines) {
+        QRectF& block = blocks[line.block];
+        block = block.isNull() ? line.bounds : block.united(line.bounds);
+    }
+    constexpr double closeBy = 36; // points, some lines
+    std::map<int, QRectF> columns = blocks;
+    for (auto& [block, column] : columns) {
+        const QRectF own = column;
+        for (const auto& [other, wider] : blocks) {
+            const double gap = std::max(wider.top() - own.bottom(), own.top() - wider.bottom());
+            if (gap < closeBy && wider.left() <= own.left() + 1 && wider.right() >= own.right() - 1) {
+                column.setLeft(std::min(column.left(), wider.left()));
+                column.setRight(std::max(column.right(), wider.right()));
+            }
+        }
+    }
+    return columns;
+}
+
 /// The line that a point beside all lines means: -1 for a page without text. The line at the point's height is meant
 /// when the point is in its column or in the margin beside it; otherwise the nearest line of the point's own column.
 int lineBeside(const std::vector<PageText::Line>& lines, QPointF point) {
-    std::map<int, QRectF> columns; // what the lines of a block cover
-    for (const PageText::Line& line : lines) {
-        QRectF& column = columns[line.block];
-        column = column.isNull() ? line.bounds : column.united(line.bounds);
-    }
+    const std::map<int, QRectF> columns = columnsOf(lines);
     constexpr double marginShare = 0.25; // of the column's width
     struct Candidate {
         int line = -1;
@@ -36,7 +55,7 @@ int lineBeside(const std::vector<PageText::Line>& lines, QPointF point) {
     bool inMargin = false;
     for (int i = 0; i < int(lines.size()); ++i) {
         const PageText::Line& line = lines[std::size_t(i)];
-        const QRectF& column = columns[line.block];
+        const QRectF& column = columns.at(line.block);
         double along = outside(point.x(), column.left(), column.right());
         double across = outside(point.y(), line.bounds.top(), line.bounds.bottom());
         double width = column.width();

@@ -86,6 +86,28 @@ TEST(PageText, SelectsFromOnePointToAnotherInReadingOrder) {
     EXPECT_EQ(page->selectAll()->lineRects(*page).size(), 3U);
 }
 
+TEST(PageText, TakesTheLineMeantByAPointBesideTheText) {
+    // Two columns; in the left one a short line between two long ones.
+    PdfFixture pdf;
+    pdf.addPageWithContent(textAt(72, 700, "a long line of the column") + textAt(72, 670, "short") +
+                               textAt(72, 640, "a long line again, the last") + textAt(330, 700, "right one") +
+                               textAt(330, 640, "right two") + textAt(330, 400, "right three"),
+                           pdf.defaultResources());
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    const auto lineAt = [&](QPointF point) {
+        const auto text = page->text();
+        const PageText::Line& line = text->lines.at(std::size_t(text->lineAt(text->gapNearest(point))));
+        return text->string.mid(line.start, line.end - line.start);
+    };
+    EXPECT_EQ(lineAt({200, 673}), QStringLiteral("short"));                       // to the right of it
+    EXPECT_EQ(lineAt({200, 664}), QStringLiteral("short"));                       // and a little below
+    EXPECT_EQ(lineAt({20, 643}), QStringLiteral("a long line again, the last"));  // in the margin
+    EXPECT_EQ(lineAt({150, 403}), QStringLiteral("a long line again, the last")); // below the end of the column
+    EXPECT_EQ(lineAt({600, 403}), QStringLiteral("right three"));
+    EXPECT_EQ(lineAt({400, 30}), QStringLiteral("right three"));
+}
+
 TEST(PageText, SelectsOverSeveralPages) {
     PdfFixture pdf;
     for (const char* word : {"first", "second", "third"})
