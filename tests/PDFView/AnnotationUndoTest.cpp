@@ -24,7 +24,7 @@ protected:
     }
 
     std::shared_ptr<PDFAnnotation> add(const QString& name) {
-        const auto annotation = std::make_shared<PDFAnnotation>(QRectF(0, 0, 9, 9), PDFAnnotationSubtype::square);
+        auto annotation = std::make_shared<PDFAnnotation>(QRectF(0, 0, 9, 9), PDFAnnotationSubtype::square);
         annotation->setContents(name);
         m_page->addAnnotation(annotation);
         AnnotationUndo::registerAdding(&m_manager, m_page, annotation);

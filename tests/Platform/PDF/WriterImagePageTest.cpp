@@ -126,7 +126,7 @@ TEST(ImagePageTest, TurnedJpegsStandUpright) {
         for (int turn = 0; turn < 4; ++turn)
             for (const bool mirrored : {false, true}) {
                 const QImage stored = upright.transformed(QTransform().rotate(90 * turn)).mirrored(mirrored, false);
-                const QByteArray exif = QByteArray("Exif\0\0MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0", 27) +
+                const QByteArray exif = QByteArray("Exif\0\0MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0", 25) +
                                         char(orientation) + QByteArray("\0\0\0\0\0\0", 6);
                 const QByteArray jpeg = withSegment(jpegOf(stored), '\xE1', exif);
                 QBuffer buffer;
