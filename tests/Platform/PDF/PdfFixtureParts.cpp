@@ -173,7 +173,7 @@ void PdfFixture::attach(const QString& fileName, const QByteArray& data) {
 void PdfFixture::wrapContent(int page, const QByteArray& before, const QByteArray& after) {
     QPDFObjectHandle old = m_objects->parse(pageReference(page)).getKey("/Contents");
     QByteArray streams = addStream("<< >>", before) + ' ';
-    for (QPDFObjectHandle stream : old.isArray() ? old.getArrayAsVector() : std::vector{old})
+    for (const QPDFObjectHandle& stream : old.isArray() ? old.getArrayAsVector() : std::vector{old})
         streams += Objects::reference(stream) + ' ';
     setPageKey(page, "/Contents", '[' + streams + addStream("<< >>", after) + ']');
 }
@@ -183,7 +183,7 @@ QByteArray PdfFixture::addLayer(int page, const QString& name, const QByteArray&
         m_objects->layerDefault = addObject("<< /BaseState /ON /ON [] /OFF [] /Order [] >>");
         setRootKey("/OCProperties", addObject("<< /OCGs [] /D " + m_objects->layerDefault + " >>"));
     }
-    const QByteArray layer = addObject("<< /Type /OCG /Name " + textString(name) + " >>");
+    QByteArray layer = addObject("<< /Type /OCG /Name " + textString(name) + " >>");
     appendToArray(Objects::reference(m_objects->pdf.getRoot().getKey("/OCProperties")), "/OCGs", layer);
     appendToArray(m_objects->layerDefault, visible ? "/ON" : "/OFF", layer);
     appendToArray(m_objects->layerDefault, "/Order", layer);

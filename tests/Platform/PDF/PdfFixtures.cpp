@@ -87,7 +87,7 @@ void PdfFixture::nestPageTree(int fanOut, const QByteArray& inherited) {
 }
 
 QByteArray PdfFixture::addAnnotation(int page, const QByteArray& dictionary) {
-    const QByteArray annotation = addObject(dictionary);
+    QByteArray annotation = addObject(dictionary);
     if (dictionary.startsWith("<<"))
         setKey(annotation, "/P", pageReference(page));
     appendToArray(pageReference(page), "/Annots", annotation);
@@ -122,9 +122,9 @@ QByteArray PdfFixture::addTextField(int page, const QString& name, const QRectF&
                                     const QByteArray& moreKeys) {
     const QByteArray look = addStream("<< " + formAppearance(rect) + " /Resources " + defaultResources() + " >>",
                                       "/Tx BMC BT /F1 10 Tf 2 4 Td " + textString(value) + " Tj ET EMC");
-    const QByteArray field = addAnnotation(
-        page, "<< /Type /Annot /Subtype /Widget /FT /Tx /F 4 /T " + textString(name) + " /V " + textString(value) +
-                  " /DA (/Helv 10 Tf 0 g) /Rect " + rectArray(rect) + " /AP << /N " + look + " >> " + moreKeys + " >>");
+    QByteArray field = addAnnotation(page, "<< /Type /Annot /Subtype /Widget /FT /Tx /F 4 /T " + textString(name) +
+                                               " /V " + textString(value) + " /DA (/Helv 10 Tf 0 g) /Rect " +
+                                               rectArray(rect) + " /AP << /N " + look + " >> " + moreKeys + " >>");
     appendToArray(form(), "/Fields", field);
     return field;
 }
@@ -133,18 +133,16 @@ QByteArray PdfFixture::addCheckBox(int page, const QString& name, const QRectF& 
     const QByteArray onLook = addStream("<< " + formAppearance(rect) + " >>", "0 0 10 10 re f");
     const QByteArray offLook = addStream("<< " + formAppearance(rect) + " >>", "0 0 10 10 re S");
     const QByteArray state = on ? "/Yes" : "/Off";
-    const QByteArray field =
-        addAnnotation(page, "<< /Type /Annot /Subtype /Widget /FT /Btn /F 4 /T " + textString(name) + " /V " + state +
-                                " /AS " + state + " /Rect " + rectArray(rect) + " /AP << /N << /Yes " + onLook +
-                                " /Off " + offLook + " >> >> >>");
+    QByteArray field = addAnnotation(page, "<< /Type /Annot /Subtype /Widget /FT /Btn /F 4 /T " + textString(name) +
+                                               " /V " + state + " /AS " + state + " /Rect " + rectArray(rect) +
+                                               " /AP << /N << /Yes " + onLook + " /Off " + offLook + " >> >> >>");
     appendToArray(form(), "/Fields", field);
     return field;
 }
 
 QByteArray PdfFixture::addRadioGroup(const QString& name, const std::vector<RadioButton>& buttons,
                                      const QByteArray& chosen) {
-    const QByteArray field =
-        addObject("<< /FT /Btn /Ff 49152 /T " + textString(name) + " /V /" + chosen + " /Kids [] >>");
+    QByteArray field = addObject("<< /FT /Btn /Ff 49152 /T " + textString(name) + " /V /" + chosen + " /Kids [] >>");
     for (const RadioButton& button : buttons) {
         const QByteArray look = addStream("<< " + formAppearance(button.rect) + " >>", "0 0 10 10 re f");
         const QByteArray state = button.state == chosen ? button.state : QByteArray("Off");
@@ -159,8 +157,8 @@ QByteArray PdfFixture::addRadioGroup(const QString& name, const std::vector<Radi
 
 QByteArray PdfFixture::addSharedTextField(const QString& name, const std::vector<std::pair<int, QRectF>>& places,
                                           const QString& value) {
-    const QByteArray field = addObject("<< /FT /Tx /T " + textString(name) + " /V " + textString(value) +
-                                       " /DA (/Helv 10 Tf 0 g) /Kids [] >>");
+    QByteArray field = addObject("<< /FT /Tx /T " + textString(name) + " /V " + textString(value) +
+                                 " /DA (/Helv 10 Tf 0 g) /Kids [] >>");
     for (const auto& [page, rect] : places)
         appendToArray(field, "/Kids",
                       addAnnotation(page, "<< /Type /Annot /Subtype /Widget /F 4 /Parent " + field + " /Rect " +
