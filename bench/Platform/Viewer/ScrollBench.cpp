@@ -23,8 +23,8 @@
 #include <optional>
 #include <vector>
 
+#include <ctime>
 #include <sys/resource.h>
-#include <time.h>
 
 namespace {
 

@@ -1,7 +1,9 @@
 #include "PDFAnnotation.h"
 
+#include "Engine/AnnotationReader.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
+#include "PDFSource.h"
 
 namespace {
 
@@ -115,18 +117,19 @@ void PDFAnnotation::setQuadrilateralPoints(const std::vector<PDFQuad>& quads) {
 }
 
 std::optional<PDFDestination> PDFAnnotation::destination() const {
-    if (m_values.destination || !m_values.target)
+    if (m_values.destination || !m_values.leadsInside)
         return m_values.destination;
     const auto holder = page();
     // A place of the file means a page of the same file: a page brought in from elsewhere has lost it.
     if (!holder || !holder->document() || !m_origin || holder->document()->source() != m_origin->content.source)
         return std::nullopt;
-    return holder->document()->destination(*m_values.target);
+    return holder->document()->destination(
+        AnnotationReader::target(m_origin->content.source->engine(), m_origin->content.pageNumber, m_origin->index));
 }
 
 void PDFAnnotation::setDestination(const std::optional<PDFDestination>& destination) {
     m_values.destination = destination;
-    m_values.target.reset();
+    m_values.leadsInside = false;
     noteChange();
 }
 

@@ -2,7 +2,6 @@
 
 #include "PDFBorder.h"
 #include "PDFDestination.h"
-#include "PDFFileDestination.h"
 #include "PDFPageContent.h"
 #include "PDFTypes.h"
 
@@ -179,7 +178,7 @@ public:
         std::vector<QPainterPath> paths;
         std::vector<PDFQuad> quads;
         std::optional<PDFDestination> destination;
-        std::optional<PDFFileDestination> target; ///< of a link read from a file
+        bool leadsInside = false; ///< a link of a file with a place there, which is looked up when it is asked for
         QString url;
         QString fieldName;
         PDFWidgetFieldType widgetFieldType = PDFWidgetFieldType::none;

@@ -1,6 +1,7 @@
 #include "PDFPage.h"
 
 #include "Engine/AnnotationReader.h"
+#include "Engine/SourceEngine.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFSelection.h"
@@ -223,6 +224,9 @@ std::vector<int> PDFPage::hiddenFileAnnotations() const {
 }
 
 std::vector<std::shared_ptr<PDFAnnotation>> PDFPage::liveAnnotations() const {
+    // Reading annotations takes its time on a page full of links, of which none draws itself.
+    if (!m_annotationsLoaded && !m_content.source->engine().hasBareAnnotations(m_content.pageNumber))
+        return {};
     loadAnnotations();
     std::vector<std::shared_ptr<PDFAnnotation>> live;
     std::copy_if(m_annotations.begin(), m_annotations.end(), std::back_inserter(live), [this](const auto& annotation) {

@@ -107,7 +107,7 @@ public:
     /// or is drawn by its live object; ascending.
     [[nodiscard]] std::vector<int> hiddenFileAnnotations() const;
     /// The annotations that draw themselves over what the engine draws, lowest first: new ones, changed ones, and those
-    /// of the file that bring no appearance.
+    /// of the file that bring no appearance. The last are known once the page has been drawn.
     [[nodiscard]] std::vector<std::shared_ptr<PDFAnnotation>> liveAnnotations() const;
 
     // Drawing

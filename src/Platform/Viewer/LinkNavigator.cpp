@@ -17,7 +17,7 @@ static constexpr int longestDescription = 300;
 /// An action of another kind (a program to start, a script) leads nowhere here.
 static bool leadsSomewhere(const PDFAnnotation& annotation) {
     return annotation.type() == PDFAnnotationSubtype::link && annotation.shouldDisplay() &&
-           (!annotation.url().isEmpty() || annotation.values().destination || annotation.values().target);
+           (!annotation.url().isEmpty() || annotation.values().destination || annotation.values().leadsInside);
 }
 
 std::vector<LinkNavigator::Link> LinkNavigator::linksOf(int page) const {

@@ -18,8 +18,7 @@ constexpr int nameDepthLimit = 32;
 /// key alone.
 class Reader {
 public:
-    Reader(fz_context* context, pdf_document* document, pdf_obj* dictionary)
-        : m_context(context), m_document(document), m_dictionary(dictionary) {}
+    Reader(fz_context* context, pdf_obj* dictionary) : m_context(context), m_dictionary(dictionary) {}
 
     std::optional<PDFAnnotation::Values> read() {
         PDFAnnotation::Values values;
@@ -242,20 +241,17 @@ private:
                 {{v[i], v[i + 1]}, {v[i + 2], v[i + 3]}, {v[i + 4], v[i + 5]}, {v[i + 6], v[i + 7]}});
     }
 
+    /// Looking up a place by its name costs more than all the rest of a page full of links, so it is left for later.
     void readLink(PDFAnnotation::Values& values) {
-        PDFFileDestination target;
         pdf_obj* uri = nullptr;
         engineTry(m_context, [&] {
             uri = DestinationReader::uriOf(m_context, m_dictionary);
-            DestinationReader::readTarget(m_context, m_document, m_dictionary, target);
+            values.leadsInside = DestinationReader::hasTarget(m_context, m_dictionary);
         });
         values.url = EngineValues::text(m_context, uri);
-        if (target.isValid())
-            values.target = target;
     }
 
     fz_context* m_context;
-    pdf_document* m_document;
     pdf_obj* m_dictionary;
 };
 
@@ -280,8 +276,7 @@ std::vector<std::optional<PDFAnnotation::Values>> AnnotationReader::read(SourceE
     for (int i = 0; i < count; ++i) {
         pdf_obj* dictionary = nullptr;
         engineTry(context, [&] { dictionary = pdf_resolve_indirect(context, pdf_array_get(context, annots, i)); });
-        result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, borrowed.document(), dictionary).read()
-                                                          : std::nullopt);
+        result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, dictionary).read() : std::nullopt);
     }
     return result;
 }
@@ -296,4 +291,17 @@ QRectF AnnotationReader::bounds(SourceEngine& engine, int pageNumber, int index)
     engineTry(context,
               [&] { rect = pdf_dict_get_rect(context, pdf_array_get(context, annots, index), PDF_NAME(Rect)); });
     return fromEngine(rect);
+}
+
+PDFFileDestination AnnotationReader::target(SourceEngine& engine, int pageNumber, int index) {
+    PDFFileDestination target;
+    const SourceEngine::Lease borrowed = engine.lease();
+    if (!borrowed)
+        return target;
+    fz_context* context = borrowed.context();
+    pdf_obj* annots = annotsOf(context, borrowed.document(), pageNumber);
+    engineTry(context, [&] {
+        DestinationReader::readTarget(context, borrowed.document(), pdf_array_get(context, annots, index), target);
+    });
+    return target;
 }

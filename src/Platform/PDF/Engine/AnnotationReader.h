@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PDFAnnotation.h"
+#include "PDFFileDestination.h"
 
 #include <vector>
 
@@ -15,5 +16,8 @@ namespace AnnotationReader {
 
 /// The rectangle of one annotation as the file has it; empty when it can't be read.
 [[nodiscard]] QRectF bounds(SourceEngine& engine, int pageNumber, int index);
+
+/// Where a link leads inside its file; invalid when it doesn't.
+[[nodiscard]] PDFFileDestination target(SourceEngine& engine, int pageNumber, int index);
 
 } // namespace AnnotationReader

@@ -59,6 +59,11 @@ void DestinationReader::readTarget(fz_context* context, pdf_document* document, 
         readDestination(context, document, pdf_dict_get(context, action, PDF_NAME(D)), result);
 }
 
+bool DestinationReader::hasTarget(fz_context* context, pdf_obj* item) {
+    return pdf_dict_get(context, item, PDF_NAME(Dest)) ||
+           pdf_name_eq(context, pdf_dict_getp(context, item, "A/S"), PDF_NAME(GoTo));
+}
+
 pdf_obj* DestinationReader::uriOf(fz_context* context, pdf_obj* item) {
     pdf_obj* action = pdf_dict_get(context, item, PDF_NAME(A));
     if (!pdf_name_eq(context, pdf_dict_get(context, action, PDF_NAME(S)), PDF_NAME(URI)))

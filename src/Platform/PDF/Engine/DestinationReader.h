@@ -13,6 +13,9 @@ void readDestination(fz_context* context, pdf_document* document, pdf_obj* desti
 /// Where the Dest or the A entry of a link or outline item leads inside this document. Invalid for anything else.
 void readTarget(fz_context* context, pdf_document* document, pdf_obj* item, PDFFileDestination& result);
 
+/// True when the item has a destination or an action that goes to one, whether or not it can be found.
+[[nodiscard]] bool hasTarget(fz_context* context, pdf_obj* item);
+
 /// The string object with the web address of the item's action; null when it has none.
 [[nodiscard]] pdf_obj* uriOf(fz_context* context, pdf_obj* item);
 

@@ -63,6 +63,20 @@ void forEachAnnotation(fz_context* context, pdf_page* page, Action&& action) {
         action(widget, placeOf(context, annots, pdf_annot_obj(context, widget)));
 }
 
+/// Links and windows of notes have no look of their own.
+bool hasBareAnnotation(fz_context* context, pdf_obj* page) {
+    pdf_obj* annots = pdf_dict_get(context, page, PDF_NAME(Annots));
+    const int count = pdf_array_len(context, annots);
+    for (int i = 0; i < count; ++i) {
+        pdf_obj* dictionary = pdf_array_get(context, annots, i);
+        pdf_obj* subtype = pdf_dict_get(context, dictionary, PDF_NAME(Subtype));
+        if (pdf_is_name(context, subtype) && !pdf_name_eq(context, subtype, PDF_NAME(Link)) &&
+            !pdf_name_eq(context, subtype, PDF_NAME(Popup)) && !pdf_dict_getp(context, dictionary, "AP/N"))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 std::shared_ptr<const RecordedPage> PageRecorder::record(SourceEngine& engine, const SourceEngine::RecordingKey& key,
@@ -86,6 +100,10 @@ std::shared_ptr<const RecordedPage> PageRecorder::record(SourceEngine& engine, c
             });
         });
     }
+    bool isBare = false;
+    engineTry(context, [&] { isBare = hasBareAnnotation(context, recording.page->obj); });
+    if (isBare)
+        engine.noteBareAnnotations(key.pageNumber);
     if (cookie && cookie->abort)
         return nullptr;
     auto recorded = recording.finish();

@@ -10,7 +10,7 @@ namespace {
 /// Documents that stay open for the next borrower: the main thread's and those of two workers.
 constexpr std::size_t idleLimit = 3;
 constexpr std::size_t recordingLimit = 8;
-constexpr int lookupsBeforeTable = 24;
+constexpr int lookupsBeforeTable = 64;
 
 PDFError openFailure(const QByteArray& bytes, const std::string& reason) {
     const QString message = QString::fromStdString(reason);
@@ -226,4 +226,14 @@ void SourceEngine::keepRecording(const RecordingKey& key, std::shared_ptr<const 
         m_recordings.erase(m_recordings.begin());
     }
     m_recordings.emplace_back(key, std::move(page));
+}
+
+bool SourceEngine::hasBareAnnotations(int pageNumber) const {
+    const std::lock_guard guard(m_mutex);
+    return m_pagesWithBareAnnotations.count(pageNumber) > 0;
+}
+
+void SourceEngine::noteBareAnnotations(int pageNumber) {
+    const std::lock_guard guard(m_mutex);
+    m_pagesWithBareAnnotations.insert(pageNumber);
 }

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 /// A page's drawing operations in page coordinates, recorded once and replayed for every tile. Immutable; any thread
@@ -120,6 +121,11 @@ public:
     [[nodiscard]] std::shared_ptr<const RecordedPage> recording(const RecordingKey& key) const;
     void keepRecording(const RecordingKey& key, std::shared_ptr<const RecordedPage> page);
 
+    /// Pages whose file annotations want to be drawn without bringing an appearance. Known once a page has been
+    /// recorded.
+    [[nodiscard]] bool hasBareAnnotations(int pageNumber) const;
+    void noteBareAnnotations(int pageNumber);
+
 private:
     /// Every page's object and geometry; made when many pages are asked for, which is far quicker than one by one.
     struct PageTable {
@@ -148,5 +154,6 @@ private:
     std::shared_ptr<const PageTable> m_table;
     int m_lookups = 0;
     std::vector<std::pair<RecordingKey, std::shared_ptr<const RecordedPage>>> m_recordings; // most recent last
+    std::unordered_set<int> m_pagesWithBareAnnotations;
     std::mutex m_tableMaking;
 };

@@ -213,7 +213,7 @@ private:
             set("/Dest", QPDFObjectHandle::newNull());
             return;
         }
-        const bool lostTarget = m_before && m_before->target && !m_now.target;
+        const bool lostTarget = m_before && m_before->leadsInside && !m_now.leadsInside;
         if (changed(&Values::url) || lostTarget || m_now.destination)
             set("/A", QPDFObjectHandle::newNull());
         if (lostTarget || m_now.destination)
