@@ -97,9 +97,8 @@ SourceFiles::Foreign& SourceFiles::foreign(const std::shared_ptr<PDFSource>& sou
         return *known;
     SourceFile file(source, true);
     QPDF& pdf = file.pdf();
-    // An aggregate, which std::make_unique of this compiler doesn't initialize.
-    known = std::unique_ptr<Foreign>(new Foreign{std::move(file), ObjectCopier(m_objects),
-                                                 FieldImporter(m_objects, m_form), NamedDestinations(pdf)});
+    known = std::make_unique<Foreign>(
+        Foreign{std::move(file), ObjectCopier(m_objects), FieldImporter(m_objects, m_form), NamedDestinations(pdf)});
     if (isMain(source))
         shareWithMain(*known);
     return *known;
