@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-static constexpr qint64 tileBytes = 100 * 100 * 4;
+static constexpr qint64 tileBytes = qint64(100) * 100 * 4;
 
 static TileKey tile(int page, int row, QSize pixels = {100, 10'000}) {
     TileKey key;
