@@ -1,11 +1,13 @@
 # The folders of src, each below those that it may use. tests and bench have the same folders.
 set(QUILLO_FOLDERS
     Base
+    Platform/Files
     Platform/PDF
     Platform/Services
     Platform/Viewer
     MathRender
     MathBundle
+    Symbols
     Models
     PDFView/Annotations
     Document

@@ -1,9 +1,11 @@
 #include "Document.h"
 
 #include "AtomicFile.h"
+#include "FileError.h"
 #include "UndoManager.h"
 
 #include <set>
+#include <utility>
 
 /// The numbers of the living untitled documents.
 static std::set<int>& untitledNumbers() {
@@ -56,12 +58,26 @@ QString Document::suggestedFileName() const {
     return displayName() + QLatin1Char('.') + fileNameExtension();
 }
 
+void Document::setBeingTyped(bool typed) {
+    if (std::exchange(m_isBeingTyped, typed) != typed)
+        Q_EMIT beingTypedChanged(typed);
+}
+
+void Document::commitEditing() {
+    Q_EMIT commitEditingRequested();
+}
+
 bool Document::isDocumentEdited() const {
     return m_undoManager->isDocumentEdited();
 }
 
 void Document::write(const QString& path) const {
-    writeFileAtomically(path, dataRepresentation());
+    const QByteArray bytes = dataRepresentation();
+    try {
+        writeFileAtomically(path, bytes);
+    } catch (const FileError& error) {
+        throw DocumentError(error.sentence());
+    }
 }
 
 QString Document::fileNameExtension() const {

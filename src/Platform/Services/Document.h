@@ -39,6 +39,12 @@ public:
 
     bool isDocumentEdited() const;
 
+    /// True while a view holds what the user is just typing and hasn't put it into the document yet.
+    bool isBeingTyped() const { return m_isBeingTyped; }
+    void setBeingTyped(bool typed);
+    /// Asks the views to put what they hold into the document, as before it is saved or closed.
+    void commitEditing();
+
     /// Fills the document with the file's content. Throws DocumentError.
     virtual void read(const QUrl& url) = 0;
 
@@ -57,10 +63,13 @@ Q_SIGNALS:
     void fileURLChanged(const QUrl& fileURL);
     void displayNameChanged(const QString& displayName);
     void documentEditedChanged(bool edited);
+    void beingTypedChanged(bool typed);
+    void commitEditingRequested();
 
 private:
     QUrl m_fileURL;
     std::shared_ptr<UndoManager> m_undoManager;
+    bool m_isBeingTyped = false;
     /// 1 stands for "Untitled", 2 for "Untitled 2"; 0 while none was needed.
     mutable int m_untitledNumber = 0;
 };

@@ -141,12 +141,14 @@ void DocumentController::addDocument(const std::shared_ptr<Document>& document) 
 }
 
 bool DocumentController::saveDocument(const std::shared_ptr<Document>& document) {
+    document->commitEditing();
     if (document->fileURL().isEmpty())
         return saveDocumentAs(document);
     return writeDocument(document, document->fileURL());
 }
 
 bool DocumentController::saveDocumentAs(const std::shared_ptr<Document>& document) {
+    document->commitEditing();
     const std::optional<QString> path = m_presenter.chooseSaveLocation(document, document->suggestedFileName());
     if (!path)
         return false;
@@ -181,6 +183,7 @@ bool DocumentController::closeDocument(const std::shared_ptr<Document>& document
     const std::shared_ptr<Document> closing = documentFor(document.get());
     if (!closing)
         return true;
+    closing->commitEditing();
     if (closing->isDocumentEdited() && !askAndSaveChanges(closing))
         return false;
     removeDocument(closing);
@@ -216,6 +219,7 @@ void DocumentController::removeDocument(const std::shared_ptr<Document>& documen
 bool DocumentController::closeAllDocuments() {
     while (!m_documents.empty()) {
         const std::shared_ptr<Document> document = m_documents.front();
+        document->commitEditing();
         if (document->isDocumentEdited()) {
             m_presenter.bringForward(document);
             setCurrentDocument(document);

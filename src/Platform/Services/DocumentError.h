@@ -10,8 +10,5 @@ class DocumentError : public std::runtime_error {
 public:
     explicit DocumentError(const QString& sentence);
 
-    /// The sentence for an `errno` value of a file operation.
-    static DocumentError forSystemError(int errorNumber);
-
     QString sentence() const;
 };

@@ -1,8 +1,9 @@
 #include "DocumentComposer.h"
 
 #include "AppendComposer.h"
+#include "AtomicFile.h"
 #include "DocumentContents.h"
-#include "FileReplacement.h"
+#include "FileError.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
 #include "PDFOutline.h"
@@ -56,5 +57,9 @@ QByteArray DocumentComposer::compose(const PDFDocument& document, const PDFWrite
 }
 
 void DocumentComposer::store(const QByteArray& bytes, const QString& path) {
-    replaceFile(path, bytes);
+    try {
+        writeFileAtomically(path, bytes);
+    } catch (const FileError& error) {
+        throw PDFError(PDFError::Kind::writeFailed, error.sentence());
+    }
 }

@@ -1,6 +1,6 @@
 #include "AtomicFile.h"
 
-#include "DocumentError.h"
+#include "FileError.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -75,11 +75,11 @@ path followLinks(const QString& fileName) {
     path file = std::filesystem::absolute(QFile::encodeName(fileName).toStdString(), error);
     for (int count = 0; !error && is_symlink(symlink_status(file, ignored)); ++count) {
         if (count == maximumLinkCount)
-            throw DocumentError::forSystemError(ELOOP);
+            throw FileError::forSystemError(ELOOP);
         file = file.parent_path() / read_symlink(file, error);
     }
     if (error)
-        throw DocumentError::forSystemError(error.value());
+        throw FileError::forSystemError(error.value());
     return file;
 }
 
@@ -89,16 +89,16 @@ std::optional<struct stat> statusOfReplaceable(const path& file) {
     if (stat(file.c_str(), &status) != 0) {
         if (errno == ENOENT)
             return std::nullopt;
-        throw DocumentError::forSystemError(errno);
+        throw FileError::forSystemError(errno);
     }
     if (S_ISDIR(status.st_mode))
-        throw DocumentError::forSystemError(EISDIR);
+        throw FileError::forSystemError(EISDIR);
     if (!S_ISREG(status.st_mode))
-        throw DocumentError(QStringLiteral("It isn't an ordinary file."));
+        throw FileError(QStringLiteral("It isn't an ordinary file."));
     if (!Descriptor(open(file.c_str(), O_WRONLY | O_CLOEXEC)).isOpen()) {
         if (errno == EACCES || errno == EPERM)
-            throw DocumentError(QStringLiteral("You don't have permission to change this file."));
-        throw DocumentError::forSystemError(errno);
+            throw FileError(QStringLiteral("You don't have permission to change this file."));
+        throw FileError::forSystemError(errno);
     }
     return status;
 }
@@ -106,10 +106,10 @@ std::optional<struct stat> statusOfReplaceable(const path& file) {
 [[noreturn]] void throwFolderError(int errorNumber, const path& folder) {
     const QString name = QFile::decodeName(folder.filename().c_str());
     if (errorNumber == ENOENT)
-        throw DocumentError(QStringLiteral("The folder “%1” doesn't exist.").arg(name));
+        throw FileError(QStringLiteral("The folder “%1” doesn't exist.").arg(name));
     if (errorNumber == EACCES || errorNumber == EPERM)
-        throw DocumentError(QStringLiteral("You don't have permission to write to the folder “%1”.").arg(name));
-    throw DocumentError::forSystemError(errorNumber);
+        throw FileError(QStringLiteral("You don't have permission to write to the folder “%1”.").arg(name));
+    throw FileError::forSystemError(errorNumber);
 }
 
 /// Makes an empty file. One that replaces another can be read by nobody else before it has the permissions of that.
@@ -155,22 +155,22 @@ void copyPermissions(const struct stat& status, const path& from, int to) {
     }
     copyExtendedAttributes(from, to);
     if (fchmod(to, mode) != 0)
-        throw DocumentError::forSystemError(errno);
+        throw FileError::forSystemError(errno);
 }
 
 /// Some file systems can't do it, and say so.
 void synchronize(int descriptor) {
     if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP)
-        throw DocumentError::forSystemError(errno);
+        throw FileError::forSystemError(errno);
 }
 
 void writeContent(const path& temporary, const std::function<void(QFile&)>& write) {
     TemporaryFile file(temporary);
     if (!file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-        throw DocumentError(QStringLiteral("A temporary file can't be written."));
+        throw FileError(QStringLiteral("A temporary file can't be written."));
     write(file);
     if (file.systemError() != 0)
-        throw DocumentError::forSystemError(file.systemError());
+        throw FileError::forSystemError(file.systemError());
 }
 
 } // namespace
@@ -189,13 +189,13 @@ void writeFileAtomically(const QString& path, const std::function<void(QFile& fi
     {
         const Descriptor file(open(temporary.c_str(), O_WRONLY | O_CLOEXEC));
         if (!file.isOpen())
-            throw DocumentError::forSystemError(errno);
+            throw FileError::forSystemError(errno);
         if (replaced)
             copyPermissions(*replaced, target, file.number());
         synchronize(file.number());
     }
     if (rename(temporary.c_str(), target.c_str()) != 0)
-        throw DocumentError::forSystemError(errno);
+        throw FileError::forSystemError(errno);
     removeTemporary.dismiss();
 
     // The new content is in place now; a folder that can't be synchronized is no failure to tell.

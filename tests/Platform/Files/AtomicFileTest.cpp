@@ -1,6 +1,6 @@
 #include "AtomicFile.h"
 
-#include "DocumentError.h"
+#include "FileError.h"
 #include "RestrictedRuns.h"
 
 #include <QDir>
@@ -10,10 +10,12 @@
 #include <QTemporaryDir>
 
 #include <atomic>
+#include <csignal>
 #include <stdexcept>
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -37,7 +39,7 @@ protected:
     static QString sentenceOfFailure(const QString& file) {
         try {
             writeFileAtomically(file, QByteArray("new"));
-        } catch (const DocumentError& error) {
+        } catch (const FileError& error) {
             return error.sentence();
         }
         return QStringLiteral("(no error)");
@@ -178,7 +180,7 @@ TEST_F(AtomicFileTest, AFullOrReadOnlyDiskIsTold) {
             try {
                 write();
                 lines.append(QStringLiteral("(no error)"));
-            } catch (const DocumentError& error) {
+            } catch (const FileError& error) {
                 lines.append(error.sentence());
             }
         };
@@ -204,6 +206,26 @@ TEST_F(AtomicFileTest, AFullOrReadOnlyDiskIsTold) {
               QStringList({full, full, QStringLiteral("old"), readOnly, readOnly, QStringLiteral("file")})
                   .join(u'\n')
                   .toStdString());
+}
+
+TEST_F(AtomicFileTest, AFileThatGrowsTooLargeIsTold) {
+    make(path("file"));
+    struct rlimit before = {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const struct rlimit small = {1000, before.rlim_max};
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    QString sentence;
+    try {
+        writeFileAtomically(path("file"), QByteArray(5000, 'x')); // the first part of it still fits
+    } catch (const FileError& error) {
+        sentence = error.sentence();
+    }
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, oldHandler);
+    EXPECT_EQ(sentence.toStdString(), "The file is too large for this disk.");
+    EXPECT_EQ(contentOf(path("file")), "old");
+    EXPECT_EQ(names(), QStringList(QStringLiteral("file")));
 }
 
 TEST_F(AtomicFileTest, TheWriterMayWriteInPiecesByNameOrFail) {
