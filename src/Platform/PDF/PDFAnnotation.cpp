@@ -5,6 +5,8 @@
 #include "PDFPage.h"
 #include "PDFSource.h"
 
+#include <algorithm>
+
 namespace {
 
 // Bits of the F key (ISO 32000-1, table 165).
@@ -12,11 +14,17 @@ constexpr int hiddenFlag = 1 << 1;
 constexpr int printFlag = 1 << 2;
 constexpr int noViewFlag = 1 << 5;
 
+/// As exact as a file can say it.
+QDateTime now() {
+    return QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch());
+}
+
 } // namespace
 
 PDFAnnotation::PDFAnnotation(const QRectF& bounds, const QString& type) {
     m_values.type = type;
     m_values.bounds = bounds.normalized();
+    m_values.modificationDate = now();
 }
 
 PDFAnnotation::PDFAnnotation(Values values, PDFAnnotationOrigin origin)
@@ -24,18 +32,39 @@ PDFAnnotation::PDFAnnotation(Values values, PDFAnnotationOrigin origin)
 
 PDFAnnotation::~PDFAnnotation() = default;
 
-void PDFAnnotation::noteChange() {
+void PDFAnnotation::noteChange(const QRectF& area) {
+    m_values.modificationDate = now();
+    announceChange(area);
+}
+
+void PDFAnnotation::announceChange(const QRectF& area) {
     m_modified = true;
     if (const auto holder = page())
-        holder->noteChange();
+        holder->noteChange(area);
+}
+
+QRectF PDFAnnotation::drawnArea() const {
+    const double width = m_values.border ? m_values.border->lineWidth : 2;
+    if (m_values.type == PDFAnnotationSubtype::line) {
+        // Its bounds may be those of the whole page.
+        const double reach = std::max(3.4 * width, 8.0) + width;
+        return QRectF(m_values.startPoint, m_values.endPoint).normalized().adjusted(-reach, -reach, reach, reach);
+    }
+    QRectF area = m_values.bounds;
+    for (const PDFQuad& quad : m_values.quads)
+        area |= quad.boundingRect();
+    constexpr double noteOverhang = 24; // the icon of a note is larger than many a rectangle of one
+    const double overhang = m_values.type == PDFAnnotationSubtype::text ? noteOverhang : width + 2;
+    return area.adjusted(-overhang, -overhang, overhang, overhang);
 }
 
 template <typename T>
 void PDFAnnotation::set(T Values::*field, const T& value) {
     if (m_values.*field == value)
         return;
+    const QRectF before = drawnArea();
     m_values.*field = value;
-    noteChange();
+    noteChange(before | drawnArea());
 }
 
 void PDFAnnotation::setBounds(const QRectF& bounds) {
@@ -57,7 +86,10 @@ void PDFAnnotation::setUserName(const QString& name) {
     set(&Values::userName, name);
 }
 void PDFAnnotation::setModificationDate(const QDateTime& date) {
-    set(&Values::modificationDate, date);
+    if (m_values.modificationDate == date)
+        return;
+    m_values.modificationDate = date;
+    announceChange(drawnArea());
 }
 void PDFAnnotation::setFont(const std::optional<QFont>& font) {
     set(&Values::font, font);
@@ -98,14 +130,20 @@ void PDFAnnotation::setWidgetStringValue(const QString& value) {
 
 void PDFAnnotation::add(const QPainterPath& path) {
     m_values.paths.push_back(path);
-    noteChange();
+    noteChange(drawnArea());
 }
 
 void PDFAnnotation::removeAllPaths() {
     if (m_values.paths.empty())
         return;
     m_values.paths.clear();
-    noteChange();
+    noteChange(drawnArea());
+}
+
+void PDFAnnotation::setPaths(const QRectF& bounds, std::vector<QPainterPath> paths, const QRectF& changedArea) {
+    m_values.bounds = bounds.normalized();
+    m_values.paths = std::move(paths);
+    noteChange(changedArea);
 }
 
 std::vector<PDFQuad> PDFAnnotation::quadrilateralPoints() const {
@@ -130,7 +168,7 @@ std::optional<PDFDestination> PDFAnnotation::destination() const {
 void PDFAnnotation::setDestination(const std::optional<PDFDestination>& destination) {
     m_values.destination = destination;
     m_values.leadsInside = false;
-    noteChange();
+    noteChange(drawnArea());
 }
 
 bool PDFAnnotation::shouldDisplay() const {
@@ -146,9 +184,12 @@ void PDFAnnotation::setShouldPrint(bool print) {
 }
 
 std::shared_ptr<PDFAnnotation> PDFAnnotation::copy() const {
-    auto copied = std::make_shared<PDFAnnotation>(m_values.bounds, m_values.type);
-    copied->m_values = m_values;
-    copied->m_origin = m_origin;
-    copied->m_modified = m_modified;
-    return copied;
+    return copied(std::make_shared<PDFAnnotation>(m_values.bounds, m_values.type));
+}
+
+std::shared_ptr<PDFAnnotation> PDFAnnotation::copied(std::shared_ptr<PDFAnnotation> fresh) const {
+    fresh->m_values = m_values;
+    fresh->m_origin = m_origin;
+    fresh->m_modified = m_modified;
+    return fresh;
 }

@@ -83,6 +83,7 @@ public:
     /// The author (the T key of markup annotations).
     [[nodiscard]] QString userName() const { return m_values.userName; }
     void setUserName(const QString& name);
+    /// When it was made or last changed, to the second; each change sets it. Invalid where a file doesn't say.
     [[nodiscard]] QDateTime modificationDate() const { return m_values.modificationDate; }
     void setModificationDate(const QDateTime& date);
 
@@ -106,6 +107,10 @@ public:
     [[nodiscard]] const std::vector<QPainterPath>& paths() const { return m_values.paths; }
     void add(const QPainterPath& path);
     void removeAllPaths();
+    /// Gives an ink annotation other strokes and the bounds that they are relative to, in one change. `changedArea`
+    /// (page coordinates) is where it looks different from before, for those who repaint: a stroke that grows changes
+    /// at its end only.
+    void setPaths(const QRectF& bounds, std::vector<QPainterPath> paths, const QRectF& changedArea);
 
     /// The quadrilaterals of a markup annotation. None given: its bounds are the one quadrilateral.
     [[nodiscard]] std::vector<PDFQuad> quadrilateralPoints() const;
@@ -143,6 +148,9 @@ public:
     /// with a look of their own override it. `box` is the display box that is being drawn.
     virtual void draw(PDFDisplayBox box, QPainter& painter) const;
 
+    /// A rectangle around all that `draw` paints, the width of lines and the tips of arrows included.
+    [[nodiscard]] QRectF drawnArea() const;
+
     /// True for a kind whose look must be recorded from `draw` when it is saved, since no hand-made appearance of the
     /// standard subtype would match it.
     [[nodiscard]] virtual bool hasCustomAppearance() const { return false; }
@@ -166,6 +174,7 @@ public:
         std::optional<QColor> color;
         std::optional<QColor> interiorColor;
         std::optional<PDFBorder> border;
+        double defaultLineWidth = 1; ///< points, of lines where there is no border; files mean 1 by saying nothing
         QString contents;
         QString userName;
         QDateTime modificationDate;
@@ -194,14 +203,17 @@ public:
     PDFAnnotation(Values values, PDFAnnotationOrigin origin);
 
 protected:
-    /// Tells the page that what it shows changed.
-    void noteChange();
+    /// Tells the page that what it shows changed within `area` (page coordinates).
+    void noteChange(const QRectF& area);
+    /// Gives `fresh`, a new annotation of the same class, all that this one has, for overrides of `copy`.
+    [[nodiscard]] std::shared_ptr<PDFAnnotation> copied(std::shared_ptr<PDFAnnotation> fresh) const;
     Values m_values;
 
 private:
     friend class PDFPage;
     template <typename T>
     void set(T Values::*field, const T& value);
+    void announceChange(const QRectF& area);
 
     std::weak_ptr<PDFPage> m_page;
     std::optional<PDFAnnotationOrigin> m_origin;

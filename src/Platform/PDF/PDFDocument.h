@@ -107,8 +107,9 @@ public:
 Q_SIGNALS:
     /// Pages were inserted, removed or became known by unlocking.
     void pagesChanged();
-    /// What the page shows beyond its content changed: an annotation, its order, the rotation.
-    void pageContentChanged(PDFPage* page);
+    /// What the page shows beyond its content changed: an annotation, its order, the rotation. `area` is where, in page
+    /// coordinates; null for the whole page, perhaps turned.
+    void pageContentChanged(PDFPage* page, const QRectF& area);
 
 private:
     friend class PDFPage;

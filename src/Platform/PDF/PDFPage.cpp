@@ -6,6 +6,7 @@
 #include "PDFDocument.h"
 #include "PDFSelection.h"
 #include "PDFSource.h"
+#include "PageFont.h"
 #include "PageText.h"
 #include "QuilloAssert.h"
 #include "Writer/ImagePage.h"
@@ -83,10 +84,10 @@ QTransform PDFPage::displayTransform(PDFDisplayBox box) const {
     return geometry().displayTransform(box);
 }
 
-void PDFPage::noteChange() {
+void PDFPage::noteChange(const QRectF& area) {
     ++m_revision;
     if (m_document)
-        Q_EMIT m_document->pageContentChanged(this);
+        Q_EMIT m_document->pageContentChanged(this, area);
 }
 
 // Text
@@ -132,6 +133,17 @@ std::optional<PDFSelection> PDFPage::selectAll() const {
     return selectionOf(0, int(text()->string.size()));
 }
 
+std::optional<QFont> PDFPage::font(const QString& wanted) const {
+    const auto words = text();
+    const qsizetype offset = wanted.isEmpty() ? -1 : words->string.indexOf(wanted);
+    if (offset < 0)
+        return std::nullopt;
+    const PageText::Glyph& glyph = words->glyphs[std::size_t(offset)];
+    if (!(glyph.size > 0) || glyph.font >= words->fonts.size())
+        return std::nullopt; // the break between two lines
+    return PageFont::nearest(words->fonts[glyph.font], double(glyph.size));
+}
+
 // Annotations
 
 void PDFPage::loadAnnotations() const {
@@ -167,7 +179,7 @@ void PDFPage::insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation,
         return;
     m_annotations.insert(m_annotations.begin() + std::clamp(index, 0, int(m_annotations.size())), annotation);
     annotation->m_page = weak_from_this();
-    noteChange();
+    noteChange(annotation->drawnArea());
 }
 
 int PDFPage::removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation) {
@@ -179,7 +191,7 @@ int PDFPage::removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation) 
     const std::shared_ptr<PDFAnnotation> removed = *found; // `annotation` may be the list's own element
     m_annotations.erase(found);
     removed->m_page.reset();
-    noteChange();
+    noteChange(removed->drawnArea());
     return index;
 }
 

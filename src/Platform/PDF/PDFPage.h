@@ -16,6 +16,7 @@ class PageText;
 class PDFAnnotation;
 class PDFDocument;
 class PDFSelection;
+class QFont;
 class QPainter;
 
 /// A page: a live, shared object with an identity. Views, undo records and annotations hold it. Its content is fixed
@@ -82,6 +83,9 @@ public:
     [[nodiscard]] std::optional<PDFSelection> selection(QPointF from, QPointF to) const;
     /// All text of the page; none when it has no text.
     [[nodiscard]] std::optional<PDFSelection> selectAll() const;
+    /// The font of the first occurrence of the text on the page, in the family that comes nearest to it here and with
+    /// its size on the page as point size; none when the page has no such text.
+    [[nodiscard]] std::optional<QFont> font(const QString& text) const;
 
     // Annotations
 
@@ -126,7 +130,8 @@ private:
     friend class PDFDocument;
 
     void loadAnnotations() const;
-    void noteChange();
+    /// `area` in page coordinates; the whole page when it is null.
+    void noteChange(const QRectF& area = {});
     [[nodiscard]] bool isFromHere(const PDFAnnotation& annotation) const;
     [[nodiscard]] std::optional<PDFSelection> selectionOf(int start, int end) const;
 

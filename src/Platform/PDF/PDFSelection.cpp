@@ -36,15 +36,25 @@ QRectF PDFSelection::bounds(const PDFPage& page) const {
     return bounds;
 }
 
-std::vector<QRectF> PDFSelection::lineRects(const PDFPage& page) const {
-    std::vector<QRectF> rects;
+template <typename Found>
+std::vector<Found> PDFSelection::collect(const PDFPage& page,
+                                         std::vector<Found> (PageText::*look)(int, int) const) const {
+    std::vector<Found> all;
     for (const Range& range : m_ranges) {
         if (range.page.get() != &page)
             continue;
-        const std::vector<QRectF> found = page.text()->lineRects(range.start, range.end);
-        rects.insert(rects.end(), found.begin(), found.end());
+        const std::vector<Found> found = (*page.text().*look)(range.start, range.end);
+        all.insert(all.end(), found.begin(), found.end());
     }
-    return rects;
+    return all;
+}
+
+std::vector<QRectF> PDFSelection::lineRects(const PDFPage& page) const {
+    return collect(page, &PageText::lineRects);
+}
+
+std::vector<PDFQuad> PDFSelection::lineQuads(const PDFPage& page) const {
+    return collect(page, &PageText::lineQuads);
 }
 
 std::vector<PDFSelection> PDFSelection::selectionsByLine() const {

@@ -8,6 +8,7 @@
 #include <vector>
 
 class PDFPage;
+class PageText;
 
 /// Some text of a document: ranges of characters on pages, in page order. A value with shared pages; main thread only.
 class PDFSelection {
@@ -37,11 +38,18 @@ public:
     /// One rectangle for each line touched on `page`, page coordinates, for painting.
     [[nodiscard]] std::vector<QRectF> lineRects(const PDFPage& page) const;
 
+    /// The same as quadrilaterals along the direction of each line.
+    [[nodiscard]] std::vector<PDFQuad> lineQuads(const PDFPage& page) const;
+
     /// One selection for each line of text, in order. Lines of white space alone are left out.
     [[nodiscard]] std::vector<PDFSelection> selectionsByLine() const;
 
     bool operator==(const PDFSelection&) const = default;
 
 private:
+    /// What `look` finds on the page for the ranges of it, one after the other.
+    template <typename Found>
+    std::vector<Found> collect(const PDFPage& page, std::vector<Found> (PageText::*look)(int, int) const) const;
+
     std::vector<Range> m_ranges; // without empty ranges
 };

@@ -22,9 +22,9 @@ QImage PageRenderer::render(const PageRenderRequest& request, const std::atomic<
         return {};
     fz_cookie cookie{};
     const CancellationWatch watch(cancelled, &cookie);
-    const auto recorded =
-        PageRecorder::record(request.content.source->engine(),
-                             {request.content.pageNumber, request.annotations, request.hiddenAnnotations}, &cookie);
+    const auto recorded = PageRecorder::record(
+        request.content.source->engine(),
+        {request.content.pageNumber, request.annotations, request.hiddenAnnotations, request.imaginedLooks}, &cookie);
     if (!recorded || !wanted(cancelled))
         return {};
     QImage image(size, QImage::Format_RGB32);

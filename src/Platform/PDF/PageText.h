@@ -60,4 +60,7 @@ public:
 
     /// One rectangle for each line that [start, end) touches, around its glyphs there.
     [[nodiscard]] std::vector<QRectF> lineRects(int start, int end) const;
+
+    /// The same as quadrilaterals that follow the direction of each line, for text that runs up, down or aslant.
+    [[nodiscard]] std::vector<PDFQuad> lineQuads(int start, int end) const;
 };

@@ -1,6 +1,8 @@
 #include "Engine/FileAppearance.h"
 #include "NoteIcon.h"
 #include "PDFAnnotation.h"
+#include "PageTextPainting.h"
+#include "PathCulling.h"
 #include "Writer/AnnotationDrawing.h"
 
 #include <QPainter>
@@ -23,25 +25,16 @@ void paint(const AnnotationDrawing::Part& part, QPainter& painter) {
             pattern += QList<qreal>(pattern);
         pen.setDashPattern(pattern);
     }
-    painter.strokePath(part.path, pen);
+    constexpr int longPath = 200; // elements
+    if (painter.hasClipping() && part.dashes.empty() && part.path.elementCount() > longPath)
+        painter.strokePath(PathCulling::strokeWithin(part.path, painter.clipBoundingRect(), part.lineWidth), pen);
+    else
+        painter.strokePath(part.path, pen);
 }
 
 void paint(const AnnotationDrawing::Label& label, QPainter& painter) {
-    if (label.text.isEmpty() || !label.box.isValid())
-        return;
-    QFont font = label.font;
-    // A point is one unit of the page here, whatever the device's resolution.
-    const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
-    font.setPointSizeF(size * 72.0 / painter.device()->logicalDpiY());
-    painter.translate(label.box.left(), label.box.bottom());
-    painter.scale(1, -1);
-    const QRectF box(QPointF(), label.box.size());
-    painter.setClipRect(box, Qt::IntersectClip);
-    painter.setFont(font);
-    painter.setPen(label.color);
-    const int flags = label.multiline ? int(Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap)
-                                      : int(Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine);
-    painter.drawText(box, flags, label.text);
+    const auto draw = label.multiline ? PageTextPainting::drawWrapped : PageTextPainting::drawLine;
+    draw(painter, label.text, label.box, label.font, label.color);
 }
 
 } // namespace

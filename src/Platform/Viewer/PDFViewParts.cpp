@@ -72,11 +72,8 @@ void PDFViewParts::showDocument(const std::shared_ptr<PDFDocument>& document) {
     selection.setDocument(document);
     if (document) {
         QObject::connect(document.get(), &PDFDocument::pagesChanged, &view, [this] { pagesChanged(); });
-        QObject::connect(document.get(), &PDFDocument::pageContentChanged, &view, [this](PDFPage* page) {
-            columnOfPages.refreshPage(page);
-            plan();
-            view.viewport()->update();
-        });
+        QObject::connect(document.get(), &PDFDocument::pageContentChanged, &view,
+                         [this](const PDFPage* page, const QRectF& area) { pageContentChanged(*page, area); });
     }
     columnOfPages.setDocument(document);
     Q_EMIT view.historyChanged();
@@ -102,6 +99,33 @@ void PDFViewParts::pagesChanged() {
             column();
         },
         Qt::QueuedConnection);
+}
+
+void PDFViewParts::pageContentChanged(const PDFPage& page, const QRectF& area) {
+    tiles.noteChange(page, area);
+    if (area.isNull()) {
+        columnOfPages.refreshPage(&page);
+        view.viewport()->update();
+    } else {
+        const auto [first, last] = columnOfPages.visiblePages();
+        const int index = columnOfPages.document()->index(&page);
+        if (index >= first && index < last)
+            updateAround(columnOfPages.pageToView(index).mapRect(area));
+    }
+    // An annotation of the file that is hidden now changes the page's own picture. Many changes cost one plan.
+    if (std::exchange(m_planQueued, true))
+        return;
+    QMetaObject::invokeMethod(
+        &view,
+        [this] {
+            m_planQueued = false;
+            plan();
+        },
+        Qt::QueuedConnection);
+}
+
+void PDFViewParts::updateAround(const QRectF& viewRect) {
+    view.viewport()->update((viewRect & QRectF(view.viewport()->rect())).toAlignedRect().adjusted(-2, -2, 2, 2));
 }
 
 void PDFViewParts::moved() {

@@ -84,6 +84,9 @@ struct PDFViewParts {
 private:
     void moved();
     void pagesChanged();
+    void pageContentChanged(const PDFPage& page, const QRectF& area);
+    /// Paints again what lies there and at its very edges; view points.
+    void updateAround(const QRectF& viewRect);
     void tileArrived(const TileKey& key);
     void updatePage();
     void wantTexts();
@@ -95,6 +98,7 @@ private:
     int m_pageCount = 0;
     QTimer m_rest; // runs out when nothing has moved for a moment
     bool m_updateQueued = false;
+    bool m_planQueued = false;
     std::weak_ptr<PDFPage> m_announcedPage;
     QString m_announcedText;
 };

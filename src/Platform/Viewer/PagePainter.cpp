@@ -1,6 +1,5 @@
 #include "PagePainter.h"
 
-#include "PDFAnnotation.h"
 #include "PageTiles.h"
 
 #include <QCoreApplication>
@@ -8,26 +7,6 @@
 #include <QPainterPath>
 
 static constexpr int selectionAlpha = 88;
-/// Annotations may draw a little outside of their bounds: the width of a line, the tip of an arrow. Page units.
-static constexpr double annotationOverhang = 24;
-
-static void paintLiveAnnotations(QPainter& painter, const PlacedPage& page, const QRectF& exposed) {
-    if (!page.page)
-        return;
-    const QTransform toView = page.pageToPixels * QTransform::fromTranslate(page.rect.left(), page.rect.top());
-    for (const std::shared_ptr<PDFAnnotation>& annotation : page.page->liveAnnotations()) {
-        const QRectF reach = annotation->bounds().normalized().adjusted(-annotationOverhang, -annotationOverhang,
-                                                                        annotationOverhang, annotationOverhang);
-        if (!annotation->shouldDisplay() || !toView.mapRect(reach).intersects(exposed))
-            continue;
-        painter.save();
-        painter.setClipRect(page.rect & exposed, Qt::IntersectClip);
-        painter.setTransform(toView, true);
-        painter.setRenderHint(QPainter::Antialiasing);
-        annotation->draw(page.look.box, painter);
-        painter.restore();
-    }
-}
 
 static void paintSelection(QPainter& painter, const PlacedPage& page, const std::vector<QRectF>& selected,
                            QColor color) {
@@ -61,6 +40,5 @@ void PagePainter::paint(QPainter& painter, const PlacedPage& page, const std::ve
                          QCoreApplication::translate("PDFView", "This page can’t be shown."));
         painter.restore();
     }
-    paintLiveAnnotations(painter, page, exposed);
     paintSelection(painter, page, selected, style.selection);
 }

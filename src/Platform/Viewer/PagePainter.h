@@ -22,7 +22,7 @@ public:
         QFont font;       ///< for a sentence on a page that can't be shown
     };
 
-    /// The shadow of the sheet, its picture, the live annotations and the selected text.
+    /// The shadow of the sheet, its picture with all annotations, and the selected text.
     /// `view` is the whole view, `exposed` the part of it to paint, `selected` rectangles in page coordinates.
     void paint(QPainter& painter, const PlacedPage& page, const std::vector<QRectF>& selected, PageTiles& tiles,
                const QRectF& view, const QRectF& exposed, const Style& style);

@@ -1,5 +1,7 @@
 #include "PageTiles.h"
 
+#include "LiveAnnotations.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -7,12 +9,14 @@
 
 static constexpr qint64 megabyte = 1 << 20;
 static constexpr qint64 standInBytes = 12 * megabyte;
+static constexpr qint64 annotatedBytes = 24 * megabyte;
 /// Sharp tiles that are wanted leave room for some that were on the screen a moment ago.
 static constexpr double wantedShare = 0.75;
 /// More layers of older tiles than this cost more time than they show.
 static constexpr int layerLimit = 3;
 
-PageTiles::PageTiles(QObject* parent) : QObject(parent), m_sharp(72 * megabyte), m_standIns(standInBytes) {
+PageTiles::PageTiles(QObject* parent)
+    : QObject(parent), m_sharp(72 * megabyte), m_standIns(standInBytes), m_annotated(annotatedBytes) {
     connect(&m_renderer, &TileRenderer::rendered, this, &PageTiles::take);
 }
 
@@ -27,6 +31,7 @@ bool PageTiles::isDrawn(const TileKey& key) const {
 void PageTiles::beginFrame(const std::vector<PlacedPage>& pages, const QRectF& view) {
     m_sharp.beginFrame();
     m_standIns.beginFrame();
+    m_annotated.beginFrame();
     for (const PlacedPage& page : pages) {
         for (const TileKey& key : TilePlan::tilesIn(page, view))
             (void)m_sharp.find(key); // used by this frame, so it stays
@@ -50,25 +55,34 @@ void PageTiles::take(const TileKey& key, const QImage& image) {
 }
 
 bool PageTiles::paint(QPainter& painter, const PlacedPage& page, const QRectF& area) {
-    std::vector<std::pair<QPointF, const QImage*>> sharp;
-    std::vector<QRectF> missing;
+    const auto live = page.page ? page.page->liveAnnotations() : std::vector<std::shared_ptr<PDFAnnotation>>();
+    QRegion holes;
     for (const TileKey& key : TilePlan::tilesIn(page, area)) {
-        const QRectF rect = QRectF(key.deviceRect()).translated(page.rect.topLeft());
         const QImage* image = m_sharp.find(key);
         if (!image)
             image = m_standIns.find(key); // a page so small that its stand-in is as good as it gets
-        if (image)
-            sharp.emplace_back(rect.topLeft(), image);
-        else
-            missing.push_back(rect);
+        const QRectF rect = QRectF(key.deviceRect()).translated(page.rect.topLeft());
+        if (!image) {
+            holes += rect.toAlignedRect();
+            continue;
+        }
+        const QImage& shown = live.empty() ? *image : m_annotated.picture(page, key, *image, live);
+        const QRectF seen = rect & QRectF(area.toAlignedRect());
+        painter.drawImage(seen.topLeft(), shown, seen.translated(-rect.topLeft()));
     }
-    for (const QRectF& rect : missing)
-        painter.fillRect(rect, Qt::white);
-    if (!missing.empty())
-        paintStandIns(painter, page, missing);
-    for (const auto& [corner, image] : sharp)
-        painter.drawImage(corner, *image);
-    return missing.empty() || isUnreadable(page.look.content);
+    if (holes.isEmpty())
+        return true;
+    painter.save();
+    painter.setClipRegion(holes, Qt::IntersectClip);
+    painter.fillRect(holes.boundingRect(), Qt::white);
+    paintStandIns(painter, page, holes);
+    painter.setClipRect(page.rect & area, Qt::IntersectClip);
+    const QTransform toView = page.pageToPixels * QTransform::fromTranslate(page.rect.left(), page.rect.top());
+    painter.setTransform(toView, true);
+    LiveAnnotations::draw(LiveAnnotations::reaching(live, toView, QRectF(holes.boundingRect()) & area), page.look.box,
+                          painter);
+    painter.restore();
+    return isUnreadable(page.look.content);
 }
 
 bool PageTiles::isSharp(const PlacedPage& page, const QRectF& area) const {
@@ -76,7 +90,7 @@ bool PageTiles::isSharp(const PlacedPage& page, const QRectF& area) const {
     return std::all_of(tiles.begin(), tiles.end(), [this](const TileKey& key) { return isDrawn(key); });
 }
 
-void PageTiles::paintStandIns(QPainter& painter, const PlacedPage& page, const std::vector<QRectF>& missing) {
+void PageTiles::paintStandIns(QPainter& painter, const PlacedPage& page, const QRegion& holes) {
     std::vector<std::pair<TileKey, QImage>> others = m_standIns.otherLooks(page.look);
     const std::size_t small = others.size();
     std::vector<std::pair<TileKey, QImage>> older = m_sharp.otherLooks(page.look);
@@ -102,10 +116,6 @@ void PageTiles::paintStandIns(QPainter& painter, const PlacedPage& page, const s
         return;
 
     painter.save();
-    QRegion holes;
-    for (const QRectF& rect : missing)
-        holes += rect.toAlignedRect();
-    painter.setClipRegion(holes, Qt::IntersectClip);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const QRectF wanted(holes.boundingRect());
     for (const auto& [key, image] : others) {
@@ -128,6 +138,7 @@ void PageTiles::dropUnseen(const std::vector<PlacedPage>& visible, const QRectF&
     beginFrame(visible, view);
     m_sharp.dropUnused();
     m_standIns.clear();
+    m_annotated.clear();
     m_unreadable.clear();
 }
 
@@ -135,5 +146,6 @@ void PageTiles::clear() {
     m_renderer.reset();
     m_sharp.clear();
     m_standIns.clear();
+    m_annotated.clear();
     m_unreadable.clear();
 }

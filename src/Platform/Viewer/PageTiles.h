@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AnnotatedTiles.h"
 #include "TileCache.h"
 #include "TilePlan.h"
 #include "TileRenderer.h"
@@ -21,11 +22,15 @@ public:
     /// For sharp tiles, in bytes; small pictures that stand in take a little more.
     void setByteLimit(qint64 bytes);
     [[nodiscard]] qint64 byteLimit() const { return m_sharp.byteLimit(); }
-    [[nodiscard]] qint64 bytes() const { return m_sharp.bytes() + m_standIns.bytes(); }
+    [[nodiscard]] qint64 bytes() const { return m_sharp.bytes() + m_standIns.bytes() + m_annotated.bytes(); }
 
     /// Sets the threads to what is missing. To be called whenever something moved, before it is painted.
     void plan(TilePlan::Situation situation);
-    /// Paints what there is of a page within `area`, on white, with a painter set to device pixels of the view.
+    /// Annotations of a page changed within `area` (page coordinates; everywhere when it is null).
+    void noteChange(const PDFPage& page, const QRectF& area) { m_annotated.noteChange(page, area); }
+
+    /// Paints what there is of a page within `area`, on white, with a painter set to device pixels of the view. Live
+    /// annotations are over it in any case.
     /// False when not all of it is sharp.
     bool paint(QPainter& painter, const PlacedPage& page, const QRectF& area);
     /// True when `paint` would show all of the area sharp, or knows that it can't be drawn.
@@ -46,10 +51,11 @@ private:
     void take(const TileKey& key, const QImage& image);
     void beginFrame(const std::vector<PlacedPage>& pages, const QRectF& view);
     [[nodiscard]] bool isDrawn(const TileKey& key) const;
-    void paintStandIns(QPainter& painter, const PlacedPage& page, const std::vector<QRectF>& missing);
+    void paintStandIns(QPainter& painter, const PlacedPage& page, const QRegion& holes);
 
     TileCache m_sharp;
     TileCache m_standIns;
+    AnnotatedTiles m_annotated;
     std::unordered_set<PDFPageContent, PageContentHash> m_unreadable;
     TileRenderer m_renderer; // last: its threads end first
 };

@@ -141,11 +141,20 @@ TEST(PageDrawing, AnnotationsWithoutAnAppearanceAreSeenToo) {
     pdf.addAnnotation(0, "<< /Subtype /Ink /Rect [0 0 50 50] /C [1 0 0] /BS << /W 20 >> /InkList [[0 25 50 25]] >>");
     pdf.addAnnotation(0, "<< /Subtype /Text /Rect [100 50 120 70] /C [0 0 1] /Contents (note) >>");
     pdf.addAnnotation(0, "<< /Subtype /Square /F 2 /Rect [150 0 200 50] /IC [1 0 0] >>"); // hidden
+    pdf.addAnnotation(0, "<< /Subtype /Square /Rect [60 0 90 30] /IC [1 0 0] /CA 0.5 /BS << /W 0 >> >>");
     const auto document = PDFDocument::fromData(pdf.bytes());
     const auto page = document->page(0);
     const QImage image = page->thumbnail(QSize(200, 100), PDFDisplayBox::cropBox);
     EXPECT_EQ(image.pixel(25, 75), red);
     EXPECT_EQ(image.pixel(108, 34), blue);
     EXPECT_EQ(image.pixel(175, 75), white);
+    EXPECT_NEAR(qGreen(image.pixel(75, 85)), 128, 2) << "translucent, and drawn once";
     EXPECT_FALSE(page->isModified());
+
+    // Without a live page the engine's idea of them is better than nothing.
+    PageRenderRequest request{
+        page->content(), {}, true, page->displayTransform(PDFDisplayBox::cropBox), QRect(0, 0, 200, 100)};
+    EXPECT_EQ(PageRenderer::render(request).pixel(25, 75), white);
+    request.imaginedLooks = true;
+    EXPECT_EQ(PageRenderer::render(request).pixel(25, 75), red);
 }

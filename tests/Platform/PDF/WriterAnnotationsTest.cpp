@@ -218,29 +218,33 @@ TEST(WriterAnnotationsTest, ValuesComeBack) {
         SCOPED_TRACE(kind.name);
         const Annotation saved = kind.make();
         saved->setUserName(QStringLiteral("Äda"));
-        saved->setModificationDate(QDateTime(QDate(2024, 2, 29), QTime(12, 30, 1), Qt::OffsetFromUTC, -19800));
         if (saved->contents().isEmpty())
             saved->setContents(QStringLiteral("Wörds 日本"));
+        saved->setModificationDate(QDateTime(QDate(2024, 2, 29), QTime(12, 30, 1), Qt::OffsetFromUTC, -19800));
         const auto document = PDFDocument::fromData(documentWith({saved})->dataRepresentation());
         const Annotation read = document->page(0)->annotations().at(0);
         EXPECT_EQ(read->type(), saved->type());
         const QRectF moved(read->bounds().topLeft() - saved->bounds().topLeft(),
                            read->bounds().size() - saved->bounds().size());
-        EXPECT_LT(std::abs(moved.x()) + std::abs(moved.y()) + std::abs(moved.width()) + std::abs(moved.height()), 0.01);
+        if (saved->type() != Subtype::line) { // whose rectangle is made to fit
+            EXPECT_LT(std::abs(moved.x()) + std::abs(moved.y()) + std::abs(moved.width()) + std::abs(moved.height()),
+                      0.01);
+            EXPECT_EQ(read->quadrilateralPoints(), saved->quadrilateralPoints());
+        }
         EXPECT_EQ(read->contents(), saved->contents());
         EXPECT_EQ(read->modificationDate().toUTC(), saved->modificationDate().toUTC());
         EXPECT_EQ(read->border(), saved->border());
         EXPECT_TRUE(read->shouldPrint());
         if (saved->color() && saved->color()->alpha() > 0) {
             ASSERT_TRUE(read->color());
-            EXPECT_EQ(read->color()->rgb() & 0xFFFFFF, saved->color()->rgb() & 0xFFFFFF);
+            EXPECT_EQ(read->color()->rgba() & (saved->type() == Subtype::widget ? 0xFFFFFF : ~0U),
+                      saved->color()->rgba() & (saved->type() == Subtype::widget ? 0xFFFFFF : ~0U));
         }
         EXPECT_EQ(read->startPoint(), saved->startPoint());
         EXPECT_EQ(read->endPoint(), saved->endPoint());
         EXPECT_EQ(read->startLineStyle(), saved->startLineStyle());
         EXPECT_EQ(read->endLineStyle(), saved->endLineStyle());
         EXPECT_EQ(read->paths().size(), saved->paths().size());
-        EXPECT_EQ(read->quadrilateralPoints(), saved->quadrilateralPoints());
         EXPECT_EQ(read->fieldName(), saved->fieldName());
         EXPECT_EQ(read->widgetFieldType(), saved->widgetFieldType());
         EXPECT_EQ(read->buttonWidgetState(), saved->buttonWidgetState());

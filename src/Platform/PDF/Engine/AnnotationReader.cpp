@@ -1,8 +1,10 @@
 #include "Engine/AnnotationReader.h"
 
+#include "DefaultStyle.h"
 #include "Engine/DestinationReader.h"
 #include "Engine/EngineValues.h"
 #include "Engine/SourceEngine.h"
+#include "PageFont.h"
 
 #include <QRegularExpression>
 
@@ -27,9 +29,8 @@ public:
             return std::nullopt;
         values.bounds = rect(get("Rect"));
         values.flags = integer(get("F"));
-        values.hasAppearance = get("AP/N") != nullptr;
-        values.color = EngineValues::color(m_context, get("C"));
-        values.interiorColor = EngineValues::color(m_context, get("IC"));
+        engineTry(m_context, [&] { values.hasAppearance = EngineValues::hasAppearance(m_context, m_dictionary); });
+        readColors(values);
         values.contents = EngineValues::text(m_context, get("Contents"));
         values.modificationDate = EngineValues::date(EngineValues::text(m_context, get("M")));
         readBorder(values);
@@ -87,6 +88,16 @@ private:
         return v.size() < 4 ? QRectF() : QRectF(QPointF(v[0], v[1]), QPointF(v[2], v[3])).normalized();
     }
 
+    void readColors(PDFAnnotation::Values& values) {
+        values.color = EngineValues::color(m_context, get("C"));
+        values.interiorColor = EngineValues::color(m_context, get("IC"));
+        const double opacity = EngineValues::number(m_context, get("CA")).value_or(1.0);
+        if (values.color)
+            values.color->setAlphaF(float(std::clamp(opacity, 0.0, 1.0)));
+        if (values.interiorColor)
+            values.interiorColor->setAlphaF(float(std::clamp(opacity, 0.0, 1.0)));
+    }
+
     void readBorder(PDFAnnotation::Values& values) {
         pdf_obj* style = get("BS");
         pdf_obj* array = get("Border");
@@ -127,10 +138,10 @@ private:
         static const QRegularExpression colorPattern(QStringLiteral(R"(((?:[-\d.]+\s+){1,4})(g|rg|k)\b)"));
         const QRegularExpressionMatch font = fontPattern.match(appearance);
         if (font.hasMatch()) {
-            QFont described(font.captured(1));
             const double size = font.captured(2).toDouble();
-            described.setPointSizeF(size > 0 && size < 1000 ? size : 12.0);
-            values.font = described;
+            values.font = PageFont::ofDefaultAppearance(font.captured(1), size > 0 && size < 1000 ? size : 12.0);
+            if (values.type == PDFAnnotationSubtype::freeText)
+                DefaultStyle::apply(EngineValues::text(m_context, get("DS")), *values.font);
         }
         const QRegularExpressionMatch color = colorPattern.match(appearance);
         if (color.hasMatch()) {

@@ -43,6 +43,23 @@ int countLeaves(fz_context* context, pdf_obj* node, int depth, int limit) {
     return count;
 }
 
+/// Deeper than any form is.
+constexpr int mostParents = 64;
+
+void endParentCycles(fz_context* context, pdf_document* document, int pageNumber) {
+    pdf_obj* page = pdf_lookup_page_obj(context, document, pageNumber);
+    pdf_obj* annots = pdf_dict_get(context, page, PDF_NAME(Annots));
+    const int count = pdf_array_len(context, annots);
+    for (int i = 0; i < count; ++i) {
+        pdf_obj* annotation = pdf_array_get(context, annots, i);
+        pdf_obj* above = annotation;
+        for (int depth = 0; above && depth < mostParents; ++depth)
+            above = pdf_dict_get(context, above, PDF_NAME(Parent));
+        if (above)
+            pdf_dict_del(context, annotation, PDF_NAME(Parent));
+    }
+}
+
 } // namespace
 
 PDFPageGeometry PageObjects::fallbackGeometry() {
@@ -64,6 +81,14 @@ void PageObjects::readGeometry(fz_context* context, pdf_obj* page, PDFPageGeomet
     geometry.rotation = ((turned + 360 + 45) / 90 * 90) % 360;
     const float unit = pdf_dict_get_real(context, page, PDF_NAME(UserUnit));
     geometry.userUnit = std::isfinite(unit) && unit > 0 && unit <= 10000 ? double(unit) : 1.0;
+}
+
+pdf_page* PageObjects::load(fz_context* context, pdf_document* document, int pageNumber) {
+    pdf_page* page = nullptr;
+    const auto attempt = [&] { page = pdf_load_page(context, document, pageNumber); };
+    if (!engineTry(context, attempt) && engineTry(context, [&] { endParentCycles(context, document, pageNumber); }))
+        engineTry(context, attempt);
+    return page;
 }
 
 int PageObjects::countPages(fz_context* context, pdf_document* document) {

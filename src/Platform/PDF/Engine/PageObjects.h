@@ -3,8 +3,8 @@
 #include "Engine/EngineContext.h"
 #include "PDFPageGeometry.h"
 
-/// What the engine knows of a page's own dictionary. Everything here may throw the engine's way: call it inside
-/// `engineTry`.
+/// What the engine knows of a page's own dictionary. Everything here but `load` may throw the engine's way: call it
+/// inside `engineTry`.
 namespace PageObjects {
 
 /// US Letter, the size that a page without a sensible box gets.
@@ -15,5 +15,10 @@ void readGeometry(fz_context* context, pdf_obj* page, PDFPageGeometry& geometry)
 
 /// The number of pages that the tree claims when that can be true, and otherwise the number of pages found by walking.
 [[nodiscard]] int countPages(fz_context* context, pdf_document* document);
+
+/// The page, to be dropped by the caller; null for one that can't be loaded. The engine refuses a page with a form
+/// field that is among its own parents; this takes such a field off its parents, in the engine's memory only. Doesn't
+/// throw.
+[[nodiscard]] pdf_page* load(fz_context* context, pdf_document* document, int pageNumber);
 
 } // namespace PageObjects

@@ -1,5 +1,8 @@
 #include "Engine/PageRecorder.h"
 
+#include "Engine/EngineValues.h"
+#include "Engine/PageObjects.h"
+
 #include <algorithm>
 
 namespace {
@@ -22,15 +25,15 @@ struct Recording {
     Recording& operator=(const Recording&) = delete;
 
     bool begin(pdf_document* document, int pageNumber) {
-        return engineTry(context, [&] {
-            page = pdf_load_page(context, document, pageNumber);
-            fz_rect box;
-            fz_matrix fromPage;
-            pdf_page_transform(context, page, &box, &fromPage);
-            toPage = fz_invert_matrix(fromPage);
-            list = fz_new_display_list(context, box);
-            device = fz_new_list_device(context, list);
-        });
+        page = PageObjects::load(context, document, pageNumber);
+        return page && engineTry(context, [&] {
+                   fz_rect box;
+                   fz_matrix fromPage;
+                   pdf_page_transform(context, page, &box, &fromPage);
+                   toPage = fz_invert_matrix(fromPage);
+                   list = fz_new_display_list(context, box);
+                   device = fz_new_list_device(context, list);
+               });
     }
 
     std::shared_ptr<const RecordedPage> finish() {
@@ -71,7 +74,7 @@ bool hasBareAnnotation(fz_context* context, pdf_obj* page) {
         pdf_obj* dictionary = pdf_array_get(context, annots, i);
         pdf_obj* subtype = pdf_dict_get(context, dictionary, PDF_NAME(Subtype));
         if (pdf_is_name(context, subtype) && !pdf_name_eq(context, subtype, PDF_NAME(Link)) &&
-            !pdf_name_eq(context, subtype, PDF_NAME(Popup)) && !pdf_dict_getp(context, dictionary, "AP/N"))
+            !pdf_name_eq(context, subtype, PDF_NAME(Popup)) && !EngineValues::hasAppearance(context, dictionary))
             return true;
     }
     return false;
@@ -95,7 +98,9 @@ std::shared_ptr<const RecordedPage> PageRecorder::record(SourceEngine& engine, c
     if (key.annotations) {
         engineTry(context, [&] {
             forEachAnnotation(context, recording.page, [&](pdf_annot* annot, int place) {
-                if (!std::binary_search(key.hiddenAnnotations.begin(), key.hiddenAnnotations.end(), place))
+                // The engine makes a look of its own for one without, which its live object draws as well.
+                if (!std::binary_search(key.hiddenAnnotations.begin(), key.hiddenAnnotations.end(), place) &&
+                    (key.imaginedLooks || EngineValues::hasAppearance(context, pdf_annot_obj(context, annot))))
                     pdf_run_annot(context, annot, recording.device, recording.toPage, cookie);
             });
         });

@@ -116,6 +116,7 @@ public:
         int pageNumber = 0;
         bool annotations = true;
         std::vector<int> hiddenAnnotations;
+        bool imaginedLooks = false; ///< with those that bring no appearance
         bool operator==(const RecordingKey&) const = default;
     };
     [[nodiscard]] std::shared_ptr<const RecordedPage> recording(const RecordingKey& key) const;

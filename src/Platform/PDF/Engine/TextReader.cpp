@@ -1,5 +1,6 @@
 #include "Engine/TextReader.h"
 
+#include "Engine/PageObjects.h"
 #include "Engine/ReadingOrder.h"
 #include "Engine/SourceEngine.h"
 #include "PageText.h"
@@ -30,8 +31,10 @@ struct StructuredPage {
 
 void interpret(StructuredPage& structured, pdf_document* document, int pageNumber) {
     fz_context* context = structured.context;
+    structured.page = PageObjects::load(context, document, pageNumber);
+    if (!structured.page)
+        return;
     engineTry(context, [&] {
-        structured.page = pdf_load_page(context, document, pageNumber);
         fz_rect box;
         pdf_page_transform(context, structured.page, &box, &structured.pageTransform);
         const fz_rect shown = fz_transform_rect(box, structured.pageTransform);

@@ -1,5 +1,6 @@
 #include "AnnotationDictionary.h"
 
+#include "DefaultStyle.h"
 #include "PDFPage.h"
 #include "PdfValues.h"
 
@@ -30,6 +31,10 @@ public:
             set("/F", QPDFObjectHandle::newInteger(m_now.flags));
         if (changed(&Values::contents))
             set("/Contents", m_now.contents.isEmpty() ? QPDFObjectHandle::newNull() : PdfValues::text(m_now.contents));
+        if (m_before && changed(&Values::contents)) // the old text once more, with styles
+            set("/RC", QPDFObjectHandle::newNull());
+        if (!m_before && m_now.type == Subtype::text)
+            set("/Name", PdfValues::name("Note"));
         if (changed(&Values::modificationDate))
             set("/M", PdfValues::date(m_now.modificationDate));
         if (m_now.type != Subtype::widget && changed(&Values::userName))
@@ -62,17 +67,24 @@ private:
     }
 
     void writeColors() {
-        if (changed(&Values::color)) {
+        if (changed(&Values::color))
             set("/C", PdfValues::color(m_now.color));
-            const bool translucent = m_now.color && m_now.color->alpha() > 0 && m_now.color->alpha() < 255;
-            set("/CA", translucent ? PdfValues::number(m_now.color->alphaF()) : QPDFObjectHandle::newNull());
-        }
         if (m_now.type == Subtype::widget) {
             writeWidgetColors();
             return;
         }
         if (changed(&Values::interiorColor) && (m_before || m_now.interiorColor))
             set("/IC", PdfValues::color(m_now.interiorColor));
+        if (changed(&Values::color) || changed(&Values::interiorColor))
+            writeOpacity();
+    }
+
+    /// The key knows one opacity for the line and the interior.
+    void writeOpacity() {
+        const auto visible = [](const std::optional<QColor>& color) { return color && color->alpha() > 0; };
+        const std::optional<QColor>& color = visible(m_now.color) ? m_now.color : m_now.interiorColor;
+        const bool translucent = visible(color) && color->alpha() < 255;
+        set("/CA", translucent ? PdfValues::number(double(color->alphaF())) : QPDFObjectHandle::newNull());
     }
 
     void writeWidgetColors() {
@@ -104,7 +116,10 @@ private:
     void writeBorder() {
         if (!changed(&Values::border))
             return;
-        if (!m_now.border) {
+        std::optional<PDFBorder> border = m_now.border;
+        if (!border && m_now.defaultLineWidth != PDFAnnotation::Values().defaultLineWidth)
+            border.emplace().lineWidth = m_now.defaultLineWidth;
+        if (!border) {
             // A link without a border key would get a frame.
             set("/BS", QPDFObjectHandle::newNull());
             set("/Border", m_now.type == Subtype::link ? PdfValues::numbers({0, 0, 0}) : QPDFObjectHandle::newNull());
@@ -112,12 +127,12 @@ private:
         }
         static const char* const names[] = {"S", "D", "B", "I", "U"};
         QPDFObjectHandle style = QPDFObjectHandle::newDictionary();
-        style.replaceKey("/W", PdfValues::number(m_now.border->lineWidth));
-        style.replaceKey("/S", PdfValues::name(names[int(m_now.border->style)]));
-        QPDFObjectHandle array = PdfValues::numbers({0, 0, m_now.border->lineWidth});
-        if (m_now.border->style == PDFBorderStyle::dashed) {
-            style.replaceKey("/D", PdfValues::numbers(m_now.border->dashPattern));
-            array.appendItem(PdfValues::numbers(m_now.border->dashPattern));
+        style.replaceKey("/W", PdfValues::number(border->lineWidth));
+        style.replaceKey("/S", PdfValues::name(names[int(border->style)]));
+        QPDFObjectHandle array = PdfValues::numbers({0, 0, border->lineWidth});
+        if (border->style == PDFBorderStyle::dashed) {
+            style.replaceKey("/D", PdfValues::numbers(border->dashPattern));
+            array.appendItem(PdfValues::numbers(border->dashPattern));
         }
         set("/BS", style);
         set("/Border", array);
@@ -130,9 +145,9 @@ private:
         set("/DA", QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
                                                    AnnotationDictionary::standardFontName(font), size, color)
                                                    .toStdString()));
-        // These describe the text a second time and would now be wrong.
-        set("/DS", QPDFObjectHandle::newNull());
-        set("/RC", QPDFObjectHandle::newNull());
+        // The only place for a font that isn't one of the standard ones.
+        set("/DS", PdfValues::text(DefaultStyle::of(font, color)));
+        set("/RC", QPDFObjectHandle::newNull()); // has styles that would now be wrong
     }
 
     void writeLine() {

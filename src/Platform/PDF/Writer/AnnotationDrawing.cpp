@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 
 namespace {
 
@@ -14,12 +15,13 @@ constexpr double underlineHeight = 0.075;
 constexpr double strikeOutHeight = 0.375;
 constexpr double markupLineThickness = 0.07;
 
+constexpr double mostDashes = 20000;
+
 constexpr int multilineFlag = 1 << 12; // of a text field, ISO 32000-1, table 228
 constexpr int passwordFlag = 1 << 13;
 
-/// A width of 1 is what a file means that says nothing (ISO 32000-1, 12.5.4).
 double lineWidthOf(const Values& values) {
-    return values.border ? values.border->lineWidth : 1.0;
+    return values.border ? values.border->lineWidth : values.defaultLineWidth;
 }
 
 std::optional<QColor> visible(const std::optional<QColor>& color) {
@@ -34,10 +36,17 @@ Part strokedPart(const Values& values, const QPainterPath& path) {
         part.stroke = visible(values.color);
     if (values.border && values.border->style == PDFBorderStyle::dashed)
         part.dashes = values.border->dashPattern.empty() ? std::vector<double>{3} : values.border->dashPattern;
-    // A pattern without a length above zero has no end.
-    if (std::none_of(part.dashes.begin(), part.dashes.end(), [](double length) { return length > 0; }))
+    // A pattern of no length has no end, and one of many more dashes than can be seen takes too long.
+    const double length = std::accumulate(part.dashes.begin(), part.dashes.end(), 0.0);
+    if (!part.dashes.empty() && !(path.length() / length * double(part.dashes.size()) < mostDashes))
         part.dashes.clear();
     return part;
+}
+
+/// A path leaves out a line without length, and then there would be nothing to stroke with a round cap.
+void addDot(QPainterPath& path, QPointF at) {
+    path.moveTo(at);
+    path.lineTo(at + QPointF(0.001, 0));
 }
 
 QRectF strokeBox(const Values& values) {
@@ -92,13 +101,16 @@ void addCircle(AnnotationDrawing& drawing, const Values& values) {
 }
 
 void addLine(AnnotationDrawing& drawing, const Values& values) {
+    const QPointF run = values.endPoint - values.startPoint;
     QPainterPath path(values.startPoint);
-    path.lineTo(values.endPoint);
+    if (run.isNull())
+        addDot(path, values.startPoint);
+    else
+        path.lineTo(values.endPoint);
     Part segment = strokedPart(values, path);
     segment.cap = Qt::RoundCap;
     drawing.parts.push_back(segment);
 
-    const QPointF run = values.endPoint - values.startPoint;
     if (run.isNull() || !segment.stroke)
         return;
     const double heading = std::atan2(run.y(), run.x());
@@ -112,14 +124,10 @@ void addInk(AnnotationDrawing& drawing, const Values& values) {
     const QPointF origin = values.bounds.topLeft();
     QPainterPath strokes;
     for (const QPainterPath& path : values.paths) {
-        if (path.elementCount() != 1) {
+        if (path.elementCount() == 1)
+            addDot(strokes, origin + QPointF(path.elementAt(0)));
+        else
             strokes.addPath(path.translated(origin));
-            continue;
-        }
-        // A dot. A path leaves out a line without length, and then there would be nothing to stroke.
-        const QPointF dot = origin + QPointF(path.elementAt(0));
-        strokes.moveTo(dot);
-        strokes.lineTo(dot + QPointF(0.001, 0));
     }
     Part part = strokedPart(values, strokes);
     part.cap = Qt::RoundCap;

@@ -239,7 +239,7 @@ void FormFields::askForAppearances() {
     m_objects.set(form(true), "/NeedAppearances", QPDFObjectHandle::newBool(true));
 }
 
-bool FormFields::makeTextAppearance(QPDFObjectHandle widget) {
+bool FormFields::makeTextAppearance(QPDFObjectHandle widget, const std::optional<QColor>& background) {
     const std::optional<QRectF> rect = PdfValues::toRect(widget.getKey("/Rect"));
     if (!rect || rect->isEmpty())
         return true;
@@ -276,7 +276,7 @@ bool FormFields::makeTextAppearance(QPDFObjectHandle widget) {
     QPDFObjectHandle look = widget.getKey("/MK");
     AnnotationDrawing::Part fill;
     fill.path.addRect(area);
-    fill.fill = PdfValues::toColor(PdfValues::entry(look, "/BG"));
+    fill.fill = background ? background : PdfValues::toColor(PdfValues::entry(look, "/BG"));
     AnnotationDrawing::Part edge;
     edge.lineWidth = borderWidth(widget);
     edge.path.addRect(area.adjusted(edge.lineWidth / 2, edge.lineWidth / 2, -edge.lineWidth / 2, -edge.lineWidth / 2));

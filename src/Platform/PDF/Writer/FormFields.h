@@ -25,8 +25,9 @@ public:
     Look update(QPDFObjectHandle widget, const PDFAnnotation::Values& now, const PDFAnnotation::Values& before);
 
     /// Makes the appearance of a text or choice field anew from its dictionary. False when the form's font lacks a
-    /// character of the value, which leaves the appearance as it is.
-    bool makeTextAppearance(QPDFObjectHandle widget);
+    /// character of the value, which leaves the appearance as it is. A given background takes the place of that in the
+    /// dictionary, which can't say how opaque it is.
+    bool makeTextAppearance(QPDFObjectHandle widget, const std::optional<QColor>& background = {});
 
     /// Takes a widget that left its page out of its field; a field without widgets goes too, and so do those above it
     /// that become empty.

@@ -217,7 +217,7 @@ void PageAnnotations::writeLook(const PDFAnnotation& annotation, QPDFObjectHandl
     if (values.type == Subtype::widget) {
         const bool isText =
             values.widgetFieldType == PDFWidgetFieldType::text || values.widgetFieldType == PDFWidgetFieldType::choice;
-        if (isText && !m_form.makeTextAppearance(object))
+        if (isText && !m_form.makeTextAppearance(object, values.interiorColor))
             m_recorder.record(annotation, object);
         if (values.widgetFieldType == PDFWidgetFieldType::button && !before)
             writeButtonLook(annotation, object);
@@ -230,10 +230,12 @@ void PageAnnotations::writeLook(const PDFAnnotation& annotation, QPDFObjectHandl
     const std::optional<AnnotationDrawing> drawing = AnnotationDrawing::of(values);
     if (!drawing)
         return;
-    // An appearance is clipped to its box, and the rectangle must match that.
+    // An appearance is clipped to its box, and the rectangle must match that. The bounds of a line say nothing of where
+    // it is, while for other programs the rectangle is where it can be clicked.
     const QRectF extent = drawing->extent();
     const bool fits = extent.isNull() || values.bounds.adjusted(-0.01, -0.01, 0.01, 0.01).contains(extent);
-    const QRectF box = fits ? values.bounds : values.bounds.united(extent);
+    const bool isLine = values.type == Subtype::line && !extent.isNull();
+    const QRectF box = isLine ? extent : fits ? values.bounds : values.bounds.united(extent);
     object.replaceKey("/Rect", PdfValues::rect(box));
     QPDFObjectHandle looks = QPDFObjectHandle::newDictionary();
     looks.replaceKey("/N", AppearanceStreams::form(m_objects, *drawing, box));

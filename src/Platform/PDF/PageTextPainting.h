@@ -1,0 +1,20 @@
+#pragma once
+
+class QColor;
+class QFont;
+class QPainter;
+class QRectF;
+class QString;
+
+/// Text on a page, through a painter set to page coordinates (y up). A point of the font is one unit of the page,
+/// whatever the device's resolution, and lines break at the same places on every device: what is recorded for a file
+/// looks as it did on the screen. What doesn't fit into `box` is cut off. The painter's state is left as it was.
+namespace PageTextPainting {
+
+/// From the upper left corner of the box, broken into lines at words.
+void drawWrapped(QPainter& painter, const QString& text, const QRectF& box, const QFont& font, const QColor& color);
+
+/// One line from the left edge of the box, halfway up.
+void drawLine(QPainter& painter, const QString& text, const QRectF& box, const QFont& font, const QColor& color);
+
+} // namespace PageTextPainting
