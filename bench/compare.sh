@@ -88,3 +88,4 @@ scroll=$build/bench/Platform/Viewer/scroll_bench
 if [ -x "$scroll" ]; then
     QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$scroll" "$file" 2>/dev/null
 fi
+QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$build/bench/PDFView/annotate_bench" 2>/dev/null

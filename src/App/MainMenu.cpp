@@ -4,6 +4,7 @@
 #include "DocumentController.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
+#include "ToolActions.h"
 #include "UndoManager.h"
 #include "WorkspaceActions.h"
 
@@ -18,8 +19,8 @@ static QString menuText(const QString& fileName) {
 }
 
 MainMenu::MainMenu(QMainWindow& window, AppActions& actions, DocumentController& controller)
-    : QObject(&window), m_window(window), m_controller(controller), m_noWorkspace(new WorkspaceActions(nullptr, this)),
-      m_workspace(m_noWorkspace) {
+    : QObject(&window), m_window(window), m_controller(controller),
+      m_noWorkspace(new WorkspaceActions(nullptr, nullptr, this)), m_workspace(m_noWorkspace) {
     makeMenus(actions);
     fillWorkspaceMenus();
     updateDocumentActions();
@@ -69,6 +70,8 @@ void MainMenu::makeMenus(AppActions& actions) {
 
     m_goMenu = bar->addMenu(u"&Go"_qs);
 
+    m_toolsMenu = bar->addMenu(u"&Tools"_qs);
+
     QMenu* help = bar->addMenu(u"&Help"_qs);
     help->addAction(actions.makeDefault);
     help->addAction(actions.about);
@@ -114,6 +117,14 @@ void MainMenu::fillWorkspaceMenus() {
     fill(m_goMenu, {Command::previousPage, Command::nextPage, Command::firstPage, Command::lastPage});
     m_goMenu->addSeparator();
     fill(m_goMenu, {Command::back, Command::forward});
+
+    const ToolActions& tools = m_workspace->tools();
+    m_toolsMenu->clear();
+    m_toolsMenu->addActions(tools.tools());
+    m_toolsMenu->addSeparator();
+    m_toolsMenu->addActions(tools.markup());
+    m_toolsMenu->addSeparator();
+    m_toolsMenu->addAction(tools.editText());
 }
 
 void MainMenu::setDocument(const std::shared_ptr<PDFEditorDocument>& document, WorkspaceActions* workspace) {
@@ -125,6 +136,7 @@ void MainMenu::setDocument(const std::shared_ptr<PDFEditorDocument>& document, W
         m_documentConnections = {
             connect(document.get(), &Document::documentEditedChanged, this, &MainMenu::updateDocumentActions),
             connect(document.get(), &Document::fileURLChanged, this, &MainMenu::updateDocumentActions),
+            connect(document.get(), &Document::beingTypedChanged, this, &MainMenu::updateDocumentActions),
             connect(document.get(), &PDFEditorDocument::objectWillChange, this, &MainMenu::updateDocumentActions),
             connect(document->undoManager().get(), &UndoManager::changed, this, &MainMenu::updateDocumentActions),
         };
@@ -140,7 +152,8 @@ void MainMenu::updateDocumentActions() {
     const bool canBeSaved = m_document && !m_document->pdfDocument()->isLocked() &&
                             (m_document->pdfDocument()->pageCount() > 0 || m_document->isDocumentEdited());
     m_saveAs->setEnabled(canBeSaved);
-    m_save->setEnabled(canBeSaved && (m_document->isDocumentEdited() || m_document->fileURL().isEmpty()));
+    m_save->setEnabled(canBeSaved && (m_document->isDocumentEdited() || m_document->isBeingTyped() ||
+                                      m_document->fileURL().isEmpty()));
     m_undo->setEnabled(m_document && m_document->undoManager()->canUndo());
     m_redo->setEnabled(m_document && m_document->undoManager()->canRedo());
 }

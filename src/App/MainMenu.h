@@ -57,6 +57,7 @@ private:
     QMenu* m_editMenu = nullptr;
     QMenu* m_viewMenu = nullptr;
     QMenu* m_goMenu = nullptr;
+    QMenu* m_toolsMenu = nullptr;
     QAction* m_save = nullptr;
     QAction* m_saveAs = nullptr;
     QAction* m_undo = nullptr;

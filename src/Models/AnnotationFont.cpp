@@ -54,7 +54,7 @@ QFont platformFont(AnnotationFont font, double size, QFont::Weight weight) {
             result.setFamilies({family});
         break;
     case AnnotationFont::marker:
-        if (const QString family = installedFamily({u"Noteworthy"_qs}); !family.isEmpty()) {
+        if (const QString family = installedFamily({u"Noteworthy"_qs, u"Comic Neue"_qs}); !family.isEmpty()) {
             result.setFamilies({family});
             weight = QFont::Bold; // the face is bold, whatever weight is asked for
         }

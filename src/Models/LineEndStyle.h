@@ -14,3 +14,5 @@ struct LineEndStyleInfo {
 
 /// In the order of the picker; the first is the plain line.
 [[nodiscard]] std::span<const LineEndStyleInfo> allLineEndStyles();
+/// A style that the picker lacks is a programming error.
+[[nodiscard]] const LineEndStyleInfo& info(PDFLineStyle style);

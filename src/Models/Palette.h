@@ -15,6 +15,10 @@ inline constexpr QColor brandBlueDeep{0x0B, 0x3E, 0x75};
 inline constexpr QColor inkSlate{0x3A, 0x3A, 0x3C};
 inline constexpr QColor paperCream{0xFB, 0xF7, 0xEE};
 
+/// Of fields, editors and warnings on the page, where the desktop has no colour of its own to say so.
+inline constexpr QColor systemBlue{0x00, 0x7A, 0xFF};
+inline constexpr QColor systemRed{0xFF, 0x3B, 0x30};
+
 /// The swatches for annotations, in the order of the toolbar.
 inline constexpr std::array<QColor, 6> annotationPresets{markerAmber,
                                                          QColor{0xE6, 0x48, 0x3C},

@@ -1,6 +1,9 @@
 #include "ToolState.h"
 
-ToolState::ToolState(QObject* parent) : QObject(parent) {}
+#include "SignatureStore.h"
+
+ToolState::ToolState(UserDefaults* defaults, QObject* parent)
+    : QObject(parent), m_signatureStore(std::make_shared<SignatureStore>(defaults)) {}
 
 ToolState::~ToolState() = default;
 

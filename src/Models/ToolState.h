@@ -11,17 +11,23 @@
 #include <QColor>
 #include <QObject>
 
+#include <memory>
 #include <optional>
 
+class SignatureStore;
+class UserDefaults;
+
 /// What the pointer does in a document window, and with which colour, widths and modes. One for each window; shared by
-/// the toolbar, which sets it, and the viewer, which reads it at each event. Nothing of it is kept between launches.
+/// the toolbar, which sets it, and the viewer, which reads it at each event. Nothing of it is kept between launches but
+/// the signatures.
 ///
 /// Setters take every value as it is and announce it when it differs from the present one. Main thread only.
 class ToolState : public QObject {
     Q_OBJECT
 
 public:
-    explicit ToolState(QObject* parent = nullptr);
+    /// `defaults`, where the signatures are kept, must outlive the object. Without it they go with the object.
+    explicit ToolState(UserDefaults* defaults = nullptr, QObject* parent = nullptr);
     ~ToolState() override;
 
     [[nodiscard]] AnnotationTool tool() const { return m_tool; }
@@ -65,6 +71,9 @@ public:
     [[nodiscard]] bool isTextEditingModeEnabled() const { return m_isTextEditingModeEnabled; }
     void setTextEditingModeEnabled(bool enabled);
 
+    /// The same object for the whole life of this one; never null.
+    [[nodiscard]] const std::shared_ptr<SignatureStore>& signatureStore() const { return m_signatureStore; }
+
 Q_SIGNALS:
     void toolChanged();
     void colorChanged();
@@ -93,4 +102,5 @@ private:
     PDFLineStyle m_lineEndStyle = PDFLineStyle::none;
     std::optional<MarkupAction> m_activeMarkupMode;
     bool m_isTextEditingModeEnabled = false;
+    const std::shared_ptr<SignatureStore> m_signatureStore;
 };

@@ -1,31 +1,79 @@
 #include "AnnotatingPDFView.h"
 
 #include "AnnotationUndo.h"
+#include "Eraser.h"
+#include "EraserCursorOverlay.h"
 #include "MarkupAction.h"
-#include "PDFAnnotation.h"
+#include "NoteAnnotation.h"
+#include "NoteDrag.h"
+#include "NoteEditor.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PDFSelection.h"
+#include "PageTextEditor.h"
 #include "Palette.h"
 #include "QuilloAssert.h"
+#include "ShapeGesture.h"
+#include "SignaturePlacement.h"
+#include "TextBoxEditor.h"
 #include "ToolState.h"
 #include "UndoManager.h"
 
-#include <QAction>
-#include <QCursor>
-#include <QEvent>
-#include <QMenu>
+#include <QApplication>
+#include <QMouseEvent>
 
-AnnotatingPDFView::AnnotatingPDFView(QWidget* parent) : PDFView(parent) {}
+#include <utility>
 
-AnnotatingPDFView::~AnnotatingPDFView() = default;
+// Page units.
+static constexpr QSizeF noteSize{120, 80};
+static constexpr double noteMargin = 20;
+
+AnnotatingPDFView::AnnotatingPDFView(QWidget* parent)
+    : PDFView(parent), m_shape(std::make_unique<ShapeGesture>(*this)),
+      m_signature(std::make_unique<SignaturePlacement>(*this)), m_noteDrag(std::make_unique<NoteDrag>(*this)),
+      m_eraser(std::make_unique<Eraser>(*this)), m_textBoxEditor(std::make_unique<TextBoxEditor>(*this)),
+      m_noteEditor(std::make_unique<NoteEditor>(*this)), m_pageTextEditor(std::make_unique<PageTextEditor>(*this)),
+      m_eraserOverlay(new EraserCursorOverlay(viewport())) {
+    viewport()->setTabletTracking(true);
+    connect(this, &PDFView::scaleChanged, this, [this] { updateEraserVisual(m_lastMouseViewPoint); });
+    for (const PlacedEditor* const editor :
+         {static_cast<PlacedEditor*>(m_textBoxEditor.get()), static_cast<PlacedEditor*>(m_noteEditor.get()),
+          static_cast<PlacedEditor*>(m_pageTextEditor.get())})
+        connect(editor, &PlacedEditor::openChanged, this, [this] { Q_EMIT editingTextChanged(isEditingText()); });
+}
+
+AnnotatingPDFView::~AnnotatingPDFView() {
+    m_closing.request_stop();
+}
 
 void AnnotatingPDFView::setToolState(const std::shared_ptr<ToolState>& toolState) {
+    if (toolState == m_toolState)
+        return;
+    if (m_toolState)
+        m_toolState->disconnect(this);
+    finishGestures();
     m_toolState = toolState;
+    if (!m_toolState)
+        return;
+    connect(m_toolState.get(), &ToolState::toolChanged, this, [this] {
+        finishGestures();
+        refreshToolCursor();
+    });
+    connect(m_toolState.get(), &ToolState::eraserSizeChanged, this, &AnnotatingPDFView::refreshToolCursor);
 }
 
 void AnnotatingPDFView::setDocUndoManager(const std::shared_ptr<UndoManager>& undoManager) {
     m_docUndoManager = undoManager;
+}
+
+void AnnotatingPDFView::commitEditors() {
+    m_textBoxEditor->commit();
+    m_noteEditor->commit();
+    m_pageTextEditor->commit();
+}
+
+bool AnnotatingPDFView::isEditingText() const {
+    return m_textBoxEditor->isOpen() || m_noteEditor->isOpen() || m_pageTextEditor->isOpen();
 }
 
 bool AnnotatingPDFView::applyMarkup(const QString& subtype) {
@@ -42,6 +90,7 @@ bool AnnotatingPDFView::applyMarkup(const QString& subtype) {
         if (!(bounds.width() > 0 && bounds.height() > 0))
             continue;
         const auto annotation = std::make_shared<PDFAnnotation>(bounds, subtype);
+        annotation->setQuadrilateralPoints(line.lineQuads(*pages.front()));
         annotation->setColor(color);
         pages.front()->addAnnotation(annotation);
         AnnotationUndo::registerAdding(m_docUndoManager.get(), pages.front(), annotation);
@@ -50,33 +99,66 @@ bool AnnotatingPDFView::applyMarkup(const QString& subtype) {
     return true;
 }
 
-void AnnotatingPDFView::refreshToolCursor() {
-    if (viewport()->underMouse())
-        updateCursor(viewport()->mapFromGlobal(QPointF(QCursor::pos())));
+void AnnotatingPDFView::addProgrammaticNote(const QString& text, const std::shared_ptr<PDFPage>& page) {
+    QUILLO_ASSERT(m_toolState, "A note has its colour from the tool state.");
+    const QRectF box = page->bounds(displayBox());
+    const auto note = std::make_shared<NoteAnnotation>(QRectF(
+        QPointF(box.right() - noteSize.width() - noteMargin, box.bottom() - noteSize.height() - noteMargin), noteSize));
+    note->setColor(m_toolState->color());
+    note->setContents(text);
+    page->addAnnotation(note);
+    AnnotationUndo::registerAdding(m_docUndoManager.get(), page, note);
 }
 
-/// All of a long document counts as text without being read: that would hold up the menu.
-bool AnnotatingPDFView::hasSelectedText() const {
-    constexpr int quicklyReadPages = 64;
-    return hasSelection() && (document()->pageCount() > quicklyReadPages || currentSelection());
+void AnnotatingPDFView::addNote(QPointF viewPoint) {
+    const std::shared_ptr<PDFPage> page = pageAt(viewPoint, true);
+    if (!page)
+        return;
+    const QPointF point = convertToPage(viewPoint, *page);
+    const auto note = std::make_shared<NoteAnnotation>(
+        QRectF(point - QPointF(noteSize.width() / 2, noteSize.height() / 2), noteSize));
+    note->setColor(m_toolState->color());
+    page->addAnnotation(note);
+    AnnotationUndo::registerAdding(m_docUndoManager.get(), page, note);
+    m_noteEditor->start(note, page, true);
 }
 
-std::unique_ptr<QMenu> AnnotatingPDFView::menu(QPointF viewPoint) {
-    return m_toolState && hasSelectedText() ? buildSelectionMenu() : PDFView::menu(viewPoint);
+void AnnotatingPDFView::applyStickyMarkupIfNeeded() {
+    if (m_toolState && m_toolState->activeMarkupMode() && m_toolState->tool() == AnnotationTool::select)
+        applyMarkup(info(*m_toolState->activeMarkupMode()).subtype);
 }
 
-std::unique_ptr<QMenu> AnnotatingPDFView::buildSelectionMenu() {
-    auto menu = std::make_unique<QMenu>(this);
-    menu->setObjectName(u"selectionMenu"_qs);
-    menu->setAccessibleName(u"Selected text"_qs);
-    for (const MarkupActionInfo& row : allMarkupActions()) {
-        QAction* const action = menu->addAction(row.title);
-        action->setObjectName(row.rawValue);
-        connect(action, &QAction::triggered, this, [this, subtype = row.subtype] { applyMarkup(subtype); });
+void AnnotatingPDFView::finishGestures() {
+    m_shape->finish();
+    m_signature->finish();
+    m_noteDrag->finish();
+}
+
+void AnnotatingPDFView::cancelOperation() {
+    m_shape->cancel();
+    m_signature->cancel();
+    m_noteDrag->cancel();
+    if (!m_toolState || m_toolState->tool() == AnnotationTool::select) {
+        PDFView::cancelOperation();
+        return;
     }
-    menu->addSeparator();
-    menu->addAction(action(PDFViewCommand::copy));
-    return menu;
+    m_toolState->setTool(AnnotationTool::select);
+    m_toolState->setActiveMarkupMode(std::nullopt);
+    m_toolState->setTextEditingModeEnabled(false);
+}
+
+void AnnotatingPDFView::showEvent(QShowEvent* event) {
+    PDFView::showEvent(event);
+    if (!std::exchange(m_watchesForStickyMarkup, true))
+        qApp->installEventFilter(this);
+}
+
+/// Every release of the left button in the program's windows ends what may have been a selection of text.
+bool AnnotatingPDFView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease && watched->isWidgetType() &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton)
+        applyStickyMarkupIfNeeded();
+    return PDFView::eventFilter(watched, event);
 }
 
 void AnnotatingPDFView::changeEvent(QEvent* event) {

@@ -1,16 +1,32 @@
 #pragma once
 
+#include "AnnotationTool.h"
 #include "PDFView.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <stop_token>
 
+class Eraser;
+class EraserCursorOverlay;
+class NoteAnnotation;
+class NoteDrag;
+class NoteEditor;
+class PageTextEditor;
 class QMenu;
+class QTabletEvent;
+class ShapeGesture;
+class SignaturePlacement;
+class TextBoxEditor;
 class ToolState;
 class UndoManager;
 
 /// The viewer of a document window: shows the document and turns what the user does on the page into annotations, by
-/// the window's `ToolState`. Main thread only.
+/// the window's `ToolState`, which is asked at each event. Main thread only.
+///
+/// The eraser end of a pen erases whatever the tool is. Escape gives up what is being drawn or moved, and goes back to
+/// the select tool.
 class AnnotatingPDFView : public PDFView {
     Q_OBJECT
 
@@ -26,7 +42,8 @@ public:
     [[nodiscard]] const std::shared_ptr<UndoManager>& docUndoManager() const { return m_docUndoManager; }
     void setDocUndoManager(const std::shared_ptr<UndoManager>& undoManager);
 
-    /// Gets a prompt for the assistant, and whether to send it at once.
+    /// Gets a prompt for the assistant, and whether to send it at once. The menus offer what needs it only while it is
+    /// set.
     std::function<void(const QString& prompt, bool send)> onAskAI;
     /// Gets the text that was recognized on a page, or a sentence that there is none.
     std::function<void(const QString& text)> onTextExtracted;
@@ -38,19 +55,72 @@ public:
     /// state.
     bool applyMarkup(const QString& subtype);
 
+    /// Puts a note with that text into the upper right corner of the page, in the tool state's colour. Needs a tool
+    /// state.
+    void addProgrammaticNote(const QString& text, const std::shared_ptr<PDFPage>& page);
+
     /// Gives the pointer the shape that belongs to the present tool.
     void refreshToolCursor();
 
+    /// Takes over what stands in an open text editor, as before the document is saved.
+    void commitEditors();
+    /// True while a text editor is open over a page.
+    [[nodiscard]] bool isEditingText() const;
+
+Q_SIGNALS:
+    void editingTextChanged(bool isEditing);
+
 protected:
-    /// While text is selected: what can be done with it, wherever the click was. Otherwise the base class's menu.
+    void updateCursor(QPointF viewPoint) override;
+    /// While text is selected: what can be done with it, wherever the click was. Otherwise what can be done at that
+    /// place of the page.
     [[nodiscard]] std::unique_ptr<QMenu> menu(QPointF viewPoint) override;
+    void cancelOperation() override;
+
+    bool viewportEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     /// Keeps the background the program's tint when the desktop changes between light and dark.
     void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Pointer
+    [[nodiscard]] std::shared_ptr<NoteAnnotation> noteAnnotation(QPointF viewPoint) const;
+    void press(QMouseEvent* event, bool isDoubleClick);
+    void pressTool(AnnotationTool tool, QPointF viewPoint);
+    [[nodiscard]] bool usePenEraser(QTabletEvent* event);
+    void addNote(QPointF viewPoint);
+    void finishGestures();
+    void updateEraserVisual(const std::optional<QPointF>& viewPoint);
+    void applyStickyMarkupIfNeeded();
+
+    // Menus
     [[nodiscard]] bool hasSelectedText() const;
     [[nodiscard]] std::unique_ptr<QMenu> buildSelectionMenu();
+    [[nodiscard]] std::unique_ptr<QMenu> buildPageMenu(QPointF viewPoint, const std::shared_ptr<PDFPage>& page);
+    void addAskAIMenu(QMenu& menu);
+    void askAIAboutPage(const std::shared_ptr<PDFPage>& page);
 
     std::shared_ptr<ToolState> m_toolState;
     std::shared_ptr<UndoManager> m_docUndoManager;
+
+    std::unique_ptr<ShapeGesture> m_shape;
+    std::unique_ptr<SignaturePlacement> m_signature;
+    std::unique_ptr<NoteDrag> m_noteDrag;
+    std::unique_ptr<Eraser> m_eraser;
+    std::unique_ptr<TextBoxEditor> m_textBoxEditor;
+    std::unique_ptr<NoteEditor> m_noteEditor;
+    std::unique_ptr<PageTextEditor> m_pageTextEditor;
+
+    EraserCursorOverlay* const m_eraserOverlay;
+    std::optional<QPointF> m_lastMouseViewPoint;
+    bool m_eraserCursorHidden = false;          // the ring is there in its place
+    bool m_penErases = false;                   // the eraser end of a pen is over the view
+    std::optional<AnnotationTool> m_cursorTool; // whose cursor the pointer has
+    bool m_watchesForStickyMarkup = false;
+    std::stop_source m_closing; // of the recognition that runs for this view
 };

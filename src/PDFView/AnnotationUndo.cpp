@@ -29,3 +29,15 @@ void AnnotationUndo::registerRemoving(UndoManager* undoManager, const std::share
         registerAdding(undoManager, target, annotation);
     });
 }
+
+void AnnotationUndo::registerMoving(UndoManager* undoManager, const std::shared_ptr<PDFAnnotation>& annotation,
+                                    const QRectF& before) {
+    if (!undoManager)
+        return;
+    undoManager->registerUndo(annotation, [undoManager, weakTarget = std::weak_ptr(annotation), before] {
+        const auto target = weakTarget.lock();
+        const QRectF now = target->bounds();
+        target->setBounds(before);
+        registerMoving(undoManager, target, now);
+    });
+}

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <QRectF>
+
 #include <memory>
 
 class PDFAnnotation;
 class PDFPage;
 class UndoManager;
 
-/// Undo of adding and removing annotations: two mirrored operations that register each other, so that undo and redo
+/// Undo of adding, removing and moving annotations: mirrored operations that register each other, so that undo and redo
 /// alternate without limit. They bring back the same objects at the same place in the drawing order. Without an undo
 /// manager nothing is registered. Main thread only.
 namespace AnnotationUndo {
@@ -18,5 +20,8 @@ void registerAdding(UndoManager* undoManager, const std::shared_ptr<PDFPage>& pa
 /// To be called after `annotation` was removed from `page`, where it had the place `index`.
 void registerRemoving(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page,
                       const std::shared_ptr<PDFAnnotation>& annotation, int index);
+
+/// To be called after `annotation` was moved or resized from the bounds `before`.
+void registerMoving(UndoManager* undoManager, const std::shared_ptr<PDFAnnotation>& annotation, const QRectF& before);
 
 } // namespace AnnotationUndo

@@ -16,7 +16,7 @@
 ContentView::ContentView(std::shared_ptr<PDFEditorDocument> document, DocumentController& controller,
                          UserDefaults& defaults, AskPassword askPassword, QWidget* parent)
     : QWidget(parent), m_document(std::move(document)), m_controller(controller), m_defaults(defaults),
-      m_askPassword(std::move(askPassword)), m_toolState(std::make_shared<ToolState>()),
+      m_askPassword(std::move(askPassword)), m_toolState(std::make_shared<ToolState>(&defaults)),
       m_layout(new QVBoxLayout(this)) {
     setObjectName(QStringLiteral("contentView"));
     m_layout->setContentsMargins(0, 0, 0, 0);

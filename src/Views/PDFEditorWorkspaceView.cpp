@@ -2,25 +2,29 @@
 
 #include "AnnotatingPDFView.h"
 #include "FileOpenRouter.h"
+#include "LineStyleHoverModifier.h"
+#include "LineStylePicker.h"
 #include "OpenPanel.h"
 #include "PDFEditorDocument.h"
 #include "PDFKitRepresentedView.h"
 #include "PDFViewCoordinator.h"
 #include "Palette.h"
 #include "PassingNotice.h"
-#include "SymbolIcon.h"
+#include "SignaturePickerView.h"
+#include "ToolActions.h"
 #include "ToolState.h"
 #include "UndoManager.h"
 #include "WebLink.h"
 #include "WorkspaceActions.h"
 #include "WorkspaceToolbar.h"
 
-#include <QAction>
 #include <QEvent>
 #include <QVBoxLayout>
 
 // A sentence about the file takes longer to read than the name of a tool.
 static constexpr std::chrono::seconds openNoticeTime{6};
+
+static const QString noTextRecognized = u"No text could be recognized on this page."_qs;
 
 PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument> document, const QUrl& fileURL,
                                                std::shared_ptr<ToolState> toolState, UserDefaults& defaults,
@@ -34,14 +38,14 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     representation.pdfDocument = m_document->pdfDocument();
     representation.coordinator = m_coordinator;
     representation.fileURL = fileURL;
+    representation.onTextExtracted = [this](const QString& text) { handleExtractedText(text); };
     representation.undoManager = m_document->undoManager();
     m_pdfView = representation.makeView(viewerArea);
     m_pdfView->setObjectName(u"viewer"_qs);
     m_pdfView->setFrameShape(QFrame::NoFrame);
-    m_actions = new WorkspaceActions(m_pdfView, this);
+    m_actions = new WorkspaceActions(m_pdfView, m_toolState, this);
     m_notice = new PassingNotice(viewerArea);
-    makeMarkupActions();
-    auto* toolbar = new WorkspaceToolbar(*m_actions, m_markupActions, m_toolState, *m_coordinator);
+    m_toolbar = new WorkspaceToolbar(*m_actions, m_toolState, *m_coordinator);
 
     auto* viewerLayout = new QVBoxLayout(viewerArea);
     viewerLayout->setContentsMargins(0, 0, 0, 0);
@@ -49,45 +53,55 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(toolbar);
+    layout->addWidget(m_toolbar);
     layout->addWidget(viewerArea, 1);
+    m_lineStylePicker = new LineStylePicker(m_toolState, this);
+    connectTools();
     setFocusProxy(m_pdfView);
 
-    connect(toolbar, &WorkspaceToolbar::openRequested, this, &PDFEditorWorkspaceView::openNewDocument);
+    connect(m_toolbar, &WorkspaceToolbar::openRequested, this, &PDFEditorWorkspaceView::openNewDocument);
     connect(m_pdfView, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
-    connect(m_toolState.get(), &ToolState::activeMarkupModeChanged, this, &PDFEditorWorkspaceView::updateMarkupActions);
+    connect(m_pdfView, &AnnotatingPDFView::editingTextChanged, m_document.get(), &Document::setBeingTyped);
+    connect(m_document.get(), &Document::commitEditingRequested, m_pdfView, &AnnotatingPDFView::commitEditors);
     if (!m_document->openNotice().isEmpty())
         m_notice->announce(m_document->openNotice(), openNoticeTime);
 }
 
-PDFEditorWorkspaceView::~PDFEditorWorkspaceView() = default;
+PDFEditorWorkspaceView::~PDFEditorWorkspaceView() {
+    m_document->setBeingTyped(false);
+}
 
 void PDFEditorWorkspaceView::setFileURL(const QUrl& fileURL) {
     m_coordinator->setFileURL(fileURL);
     m_coordinator->updatePageIndicator();
 }
 
-void PDFEditorWorkspaceView::makeMarkupActions() {
-    for (const MarkupActionInfo& info : allMarkupActions()) {
-        auto* action = new QAction(SymbolIcon::icon(info.symbolName), info.title, this);
-        const QKeySequence keys(u"Ctrl+Shift+"_qs + info.shortcutKey.toUpper());
-        action->setObjectName(info.rawValue);
-        action->setShortcut(keys);
-        action->setToolTip(helpText(info.action, keys.toString(QKeySequence::NativeText)));
-        action->setCheckable(true);
-        connect(action, &QAction::triggered, this, [this, markup = info.action] {
-            toggleMarkup(markup);
-            // A button that was pressed has changed its look, whatever became of the mode.
-            updateMarkupActions();
-        });
-        m_markupActions.append(action);
-    }
+void PDFEditorWorkspaceView::connectTools() {
+    const ToolActions& tools = m_actions->tools();
+    connect(&tools, &ToolActions::toolChosen, this, &PDFEditorWorkspaceView::selectTool);
+    connect(&tools, &ToolActions::markupChosen, this, &PDFEditorWorkspaceView::toggleMarkup);
+    connect(&tools, &ToolActions::editTextChosen, this, &PDFEditorWorkspaceView::toggleTextEditingMode);
+    new LineStyleHoverModifier(*m_toolbar->toolButton(AnnotationTool::line), *m_lineStylePicker);
+    connect(m_toolbar, &WorkspaceToolbar::lineEndStylesRequested, this,
+            [this](const QWidget* button) { m_lineStylePicker->popUpWithFocus(*button); });
 }
 
-void PDFEditorWorkspaceView::updateMarkupActions() {
-    for (const MarkupActionInfo& info : allMarkupActions()) {
-        m_markupActions[static_cast<int>(info.action)]->setChecked(m_toolState->activeMarkupMode() == info.action);
-    }
+void PDFEditorWorkspaceView::selectTool(AnnotationTool tool) {
+    m_toolState->setTool(tool);
+    m_toolState->setActiveMarkupMode(std::nullopt);
+    m_toolState->setTextEditingModeEnabled(false);
+    m_notice->announce(u"Switched to %1 Tool"_qs.arg(info(tool).label));
+    if (tool == AnnotationTool::signature)
+        (new SignaturePickerView(m_toolState->signatureStore(), this))->popUp(*m_toolbar->toolButton(tool));
+}
+
+void PDFEditorWorkspaceView::toggleTextEditingMode() {
+    m_toolState->setTextEditingModeEnabled(!m_toolState->isTextEditingModeEnabled());
+    if (!m_toolState->isTextEditingModeEnabled())
+        return;
+    m_toolState->setTool(AnnotationTool::select);
+    m_toolState->setActiveMarkupMode(std::nullopt);
+    m_notice->announce(u"Editing Mode — click any line of text to edit it"_qs);
 }
 
 void PDFEditorWorkspaceView::toggleMarkup(MarkupAction action) {
@@ -100,6 +114,10 @@ void PDFEditorWorkspaceView::toggleMarkup(MarkupAction action) {
     m_toolState->setActiveMarkupMode(action);
     m_toolState->setTool(AnnotationTool::select);
     m_toolState->setTextEditingModeEnabled(false);
+}
+
+void PDFEditorWorkspaceView::handleExtractedText(const QString& text) {
+    m_notice->announce(text == noTextRecognized ? text : u"Text copied"_qs);
 }
 
 void PDFEditorWorkspaceView::openNewDocument() {

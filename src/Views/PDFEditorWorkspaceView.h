@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AnnotationTool.h"
 #include "MarkupAction.h"
 
 #include <QUrl>
@@ -8,13 +9,14 @@
 #include <memory>
 
 class AnnotatingPDFView;
+class LineStylePicker;
 class PDFEditorDocument;
 class PDFViewCoordinator;
 class PassingNotice;
-class QAction;
 class ToolState;
 class UserDefaults;
 class WorkspaceActions;
+class WorkspaceToolbar;
 
 /// The editing workspace of a document window: the viewer, and a toolbar that drives it. It is built for one
 /// `PDFDocument` object and goes when the document holds another.
@@ -35,15 +37,19 @@ public:
     /// The document was saved under another name.
     void setFileURL(const QUrl& fileURL);
 
+    /// Also opens the signatures for the signature tool, whether or not it is the present one.
+    void selectTool(AnnotationTool tool);
+    void toggleTextEditingMode();
     /// Marks the selected text. With nothing selected it turns marking of each next selection on, or off again.
     void toggleMarkup(MarkupAction action);
+    /// Tells that the text of a page is on the clipboard, or `text` itself when it says that there is none.
+    void handleExtractedText(const QString& text);
 
 protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void makeMarkupActions();
-    void updateMarkupActions();
+    void connectTools();
     void openNewDocument();
 
     std::shared_ptr<PDFEditorDocument> m_document;
@@ -51,6 +57,7 @@ private:
     PDFViewCoordinator* m_coordinator;
     AnnotatingPDFView* m_pdfView;
     WorkspaceActions* m_actions;
-    QList<QAction*> m_markupActions; // in the order of allMarkupActions()
     PassingNotice* m_notice;
+    WorkspaceToolbar* m_toolbar;
+    LineStylePicker* m_lineStylePicker;
 };

@@ -2,6 +2,7 @@
 
 #include "AnnotatingPDFView.h"
 #include "SymbolIcon.h"
+#include "ToolActions.h"
 
 #include <QAction>
 
@@ -76,7 +77,8 @@ QString withoutMnemonic(QString text) {
 
 } // namespace
 
-WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, QObject* parent) : QObject(parent), m_view(view) {
+WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<ToolState> toolState, QObject* parent)
+    : QObject(parent), m_view(view), m_tools(new ToolActions(std::move(toolState), this)) {
     for (const Row& row : rows()) {
         QAction* action = view && row.viewCommand ? view->action(*row.viewCommand) : new QAction(this);
         action->setObjectName(row.name);

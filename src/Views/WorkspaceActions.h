@@ -4,9 +4,12 @@
 #include <QPointer>
 
 #include <array>
+#include <memory>
 
 class AnnotatingPDFView;
 class QAction;
+class ToolActions;
+class ToolState;
 
 /// The commands of a workspace that menus and toolbar share: a QAction each, with its keys, enabled only while it can
 /// do something.
@@ -31,17 +34,19 @@ public:
     /// What "Zoom In" and "Zoom Out" add to the scale factor and take from it.
     static constexpr double zoomStep = 0.15;
 
-    /// For a window that shows no document `view` is null, and every command is disabled. Most of the actions are the
-    /// view's own.
-    explicit WorkspaceActions(AnnotatingPDFView* view, QObject* parent = nullptr);
+    /// For a window that shows no document `view` and `toolState` are null, and every command is disabled. Most of the
+    /// actions are the view's own.
+    WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<ToolState> toolState, QObject* parent = nullptr);
     ~WorkspaceActions() override;
 
     [[nodiscard]] QAction* action(Command command) const;
+    [[nodiscard]] ToolActions& tools() const { return *m_tools; }
 
 private:
     void zoomBy(double step);
     void updateZoomActions();
 
     QPointer<AnnotatingPDFView> m_view;
+    ToolActions* m_tools;
     std::array<QPointer<QAction>, 11> m_actions;
 };

@@ -1,137 +1,74 @@
 #include "WorkspaceToolbar.h"
 
 #include "AnnotatingPDFView.h"
-#include "ColorSwatch.h"
+#include "OptionsGroup.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PDFViewCoordinator.h"
 #include "PageField.h"
-#include "Palette.h"
 #include "SymbolIcon.h"
+#include "ToolActions.h"
 #include "ToolState.h"
+#include "ToolbarButton.h"
+#include "ToolbarGroup.h"
+#include "ToolbarLayout.h"
 #include "WorkspaceActions.h"
 
 #include <QAction>
-#include <QColorDialog>
 #include <QPainter>
-#include <QToolButton>
 
-static constexpr int symbolSide = 20;
+using Command = WorkspaceActions::Command;
+using Placement = ToolbarLayout::Placement;
 
-/// The names of `Palette::annotationPresets`, for those who can't see them.
-static const QString& presetName(std::size_t index) {
-    static const std::array<QString, Palette::annotationPresets.size()> names = {
-        u"Amber"_qs, u"Red"_qs, u"Blue"_qs, u"Green"_qs, u"Purple"_qs, u"Black"_qs};
-    return names[index];
-}
-
-/// A disc in the colour inside of a ring in all colours: another colour can be chosen here.
-static QIcon colorWellIcon(const QColor& color, qreal devicePixelRatio) {
-    QPixmap pixmap(QSize(symbolSide, symbolSide) * devicePixelRatio);
-    pixmap.setDevicePixelRatio(devicePixelRatio);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QPointF center(symbolSide / 2.0, symbolSide / 2.0);
-    QConicalGradient allColors(center, 0);
-    for (int step = 0; step <= 6; ++step)
-        allColors.setColorAt(step / 6.0, QColor::fromHsv(step * 60 % 360, 190, 235));
-    painter.setPen(QPen(QBrush(allColors), 2.5));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawEllipse(center, 8.5, 8.5);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.drawEllipse(center, 5.5, 5.5);
-    return pixmap;
-}
-
-WorkspaceToolbar::WorkspaceToolbar(const WorkspaceActions& actions, const QList<QAction*>& markupActions,
-                                   std::shared_ptr<ToolState> toolState, PDFViewCoordinator& coordinator,
-                                   QWidget* parent)
-    : QToolBar(parent), m_toolState(std::move(toolState)) {
+WorkspaceToolbar::WorkspaceToolbar(const WorkspaceActions& actions, std::shared_ptr<ToolState> toolState,
+                                   PDFViewCoordinator& coordinator, QWidget* parent)
+    : QWidget(parent), m_layout(new ToolbarLayout(this)), m_toolGroup(new ToolbarGroup(u"Tools"_qs)) {
     setObjectName(u"workspaceToolbar"_qs);
-    setAccessibleName(u"Tools"_qs);
-    setIconSize({symbolSide, symbolSide});
-    setMovable(false);
-
-    addOpenGroup();
-    addSeparator();
-    for (QAction* action : markupActions)
-        addButton(action);
-    addSeparator();
-    addColorGroup();
-    addStretch();
-    using Command = WorkspaceActions::Command;
+    setAccessibleName(u"Toolbar"_qs);
+    m_layout->setContentsMargins(6, 3, 6, 4);
+    const ToolActions& tools = actions.tools();
+    m_toolGroup->addButtons(tools.tools());
+    auto* markup = new ToolbarGroup(u"Markup"_qs);
+    markup->addButtons(tools.markup());
+    auto* options = new OptionsGroup(std::move(toolState));
+    connect(options, &OptionsGroup::lineEndStylesRequested, this, &WorkspaceToolbar::lineEndStylesRequested);
+    auto* zoom = new ToolbarGroup(u"Zoom"_qs);
     for (const Command command : {Command::zoomOut, Command::zoomToFit, Command::zoomIn})
-        addButton(actions.action(command));
-    addSeparator();
-    addPageGroup(actions, coordinator);
+        zoom->addButton(actions.action(command));
+    auto* right = new ToolbarGroup(u"Document"_qs);
+    right->addButton(tools.editText())->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+
+    m_layout->addGroup(makeOpenGroup());
+    m_layout->addGroup(m_toolGroup);
+    m_layout->addGroup(markup);
+    m_layout->addGroup(options, Placement::beginsHalf);
+    m_layout->addGroup(zoom, Placement::beginsRightSide);
+    m_layout->addGroup(makePageGroup(actions, coordinator));
+    m_layout->addGroup(right);
 }
 
 WorkspaceToolbar::~WorkspaceToolbar() = default;
 
-void WorkspaceToolbar::addButton(QAction* action) {
-    addAction(action);
-    QWidget* button = widgetForAction(action);
-    button->setObjectName(action->objectName() + u"Button"_qs);
-    button->setAccessibleName(action->iconText());
-    button->setFocusPolicy(Qt::TabFocus);
+QWidget* WorkspaceToolbar::toolButton(AnnotationTool tool) const {
+    return m_toolGroup->findChild<ToolbarButton*>(info(tool).rawValue + u"Button"_qs);
 }
 
-void WorkspaceToolbar::addStretch() {
-    auto* stretch = new QWidget;
-    stretch->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    addWidget(stretch);
-}
-
-void WorkspaceToolbar::addOpenGroup() {
+ToolbarGroup* WorkspaceToolbar::makeOpenGroup() {
     auto* open = new QAction(SymbolIcon::icon(u"doc.badge.plus"_qs), u"Open"_qs, this);
     open->setObjectName(u"openDocument"_qs);
     open->setToolTip(u"Open a PDF or Word document…"_qs);
     connect(open, &QAction::triggered, this, &WorkspaceToolbar::openRequested);
-    addButton(open);
-    qobject_cast<QToolButton*>(widgetForAction(open))->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    auto* group = new ToolbarGroup(u"File"_qs);
+    group->addButton(open)->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    return group;
 }
 
-void WorkspaceToolbar::addColorGroup() {
-    for (std::size_t i = 0; i < Palette::annotationPresets.size(); ++i) {
-        auto* swatch = new ColorSwatch(Palette::annotationPresets[i], presetName(i));
-        swatch->setToolTip(u"Marker color presets"_qs);
-        connect(swatch, &ColorSwatch::clicked, this, [this, swatch] {
-            m_toolState->setColor(swatch->color());
-            updateColors();
-        });
-        m_swatches.push_back(swatch);
-        addWidget(swatch);
-    }
-    m_customColor = new QAction(u"Custom Color"_qs, this);
-    m_customColor->setObjectName(u"customColor"_qs);
-    m_customColor->setToolTip(u"Custom marker color"_qs);
-    connect(m_customColor, &QAction::triggered, this, &WorkspaceToolbar::chooseCustomColor);
-    addButton(m_customColor);
-    connect(m_toolState.get(), &ToolState::colorChanged, this, &WorkspaceToolbar::updateColors);
-    updateColors();
-}
-
-void WorkspaceToolbar::updateColors() {
-    for (ColorSwatch* swatch : m_swatches)
-        swatch->setChecked(swatch->color() == m_toolState->color());
-    m_customColor->setIcon(colorWellIcon(m_toolState->color(), devicePixelRatioF()));
-}
-
-void WorkspaceToolbar::chooseCustomColor() {
-    auto* dialog = new QColorDialog(m_toolState->color(), window());
-    dialog->setObjectName(u"customColorDialog"_qs);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &QColorDialog::colorSelected, m_toolState.get(), &ToolState::setColor);
-    dialog->open();
-}
-
-void WorkspaceToolbar::addPageGroup(const WorkspaceActions& actions, PDFViewCoordinator& coordinator) {
+ToolbarGroup* WorkspaceToolbar::makePageGroup(const WorkspaceActions& actions, PDFViewCoordinator& coordinator) {
     auto* field = new PageField;
-    addButton(actions.action(WorkspaceActions::Command::previousPage));
-    addWidget(field);
-    addButton(actions.action(WorkspaceActions::Command::nextPage));
+    auto* group = new ToolbarGroup(u"Pages"_qs);
+    group->addButton(actions.action(Command::previousPage));
+    group->addWidget(field);
+    group->addButton(actions.action(Command::nextPage));
 
     const auto update = [field, &coordinator] {
         const AnnotatingPDFView* view = coordinator.pdfView();
@@ -146,4 +83,15 @@ void WorkspaceToolbar::addPageGroup(const WorkspaceActions& actions, PDFViewCoor
             view->setFocus();
         }
     });
+    return group;
+}
+
+void WorkspaceToolbar::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    QColor line = palette().color(QPalette::WindowText);
+    line.setAlphaF(0.2F);
+    painter.setPen(line);
+    for (const QLine& separator : m_layout->separators())
+        painter.drawLine(separator);
+    painter.drawLine(0, height() - 1, width() - 1, height() - 1);
 }

@@ -1,40 +1,42 @@
 #pragma once
 
-#include <QToolBar>
+#include "AnnotationTool.h"
+
+#include <QWidget>
 
 #include <memory>
-#include <vector>
 
-class ColorSwatch;
-class PageField;
 class PDFViewCoordinator;
-class QAction;
 class ToolState;
+class ToolbarGroup;
+class ToolbarLayout;
 class WorkspaceActions;
 
-/// The toolbar of a workspace, in groups from left to right: opening, markup, colour, zoom, pages.
-class WorkspaceToolbar : public QToolBar {
+/// The toolbar of a workspace, in groups from left to right: opening, tools, markup, options of the tool, zoom, pages,
+/// editing of page text. Where the window is too narrow for one row it has several, so all of it stays in reach.
+class WorkspaceToolbar : public QWidget {
     Q_OBJECT
 
 public:
-    /// `markupActions` are the buttons of the markup group. `actions` and `coordinator` must outlive the toolbar.
-    WorkspaceToolbar(const WorkspaceActions& actions, const QList<QAction*>& markupActions,
-                     std::shared_ptr<ToolState> toolState, PDFViewCoordinator& coordinator, QWidget* parent = nullptr);
+    /// `actions` and `coordinator` must outlive the toolbar.
+    WorkspaceToolbar(const WorkspaceActions& actions, std::shared_ptr<ToolState> toolState,
+                     PDFViewCoordinator& coordinator, QWidget* parent = nullptr);
     ~WorkspaceToolbar() override;
+
+    [[nodiscard]] QWidget* toolButton(AnnotationTool tool) const;
 
 Q_SIGNALS:
     void openRequested();
+    /// The button for the end of lines was pressed.
+    void lineEndStylesRequested(QWidget* button);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
 
 private:
-    void addOpenGroup();
-    void addColorGroup();
-    void addPageGroup(const WorkspaceActions& actions, PDFViewCoordinator& coordinator);
-    void addStretch();
-    void addButton(QAction* action);
-    void chooseCustomColor();
-    void updateColors();
+    ToolbarGroup* makeOpenGroup();
+    ToolbarGroup* makePageGroup(const WorkspaceActions& actions, PDFViewCoordinator& coordinator);
 
-    std::shared_ptr<ToolState> m_toolState;
-    std::vector<ColorSwatch*> m_swatches;
-    QAction* m_customColor = nullptr;
+    ToolbarLayout* m_layout;
+    ToolbarGroup* m_toolGroup;
 };

@@ -1,13 +1,16 @@
 #include "AppTest.h"
 
 #include "AnnotatingPDFView.h"
+#include "PDFAnnotation.h"
 #include "PDFEditorWorkspaceView.h"
+#include "ToolState.h"
 
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QTabBar>
+#include <QTextEdit>
 #include <QToolButton>
 
 using SaveAnswer = ScriptedDialogs::SaveAnswer;
@@ -99,9 +102,11 @@ TEST_F(DocumentWindowTest, theMenuBelongsToTheCurrentTab) {
         }
         return actions;
     };
-    ASSERT_FALSE(entries(u"Go"_qs).isEmpty());
-    for (const QAction* entry : entries(u"Go"_qs))
-        EXPECT_TRUE(entry->isSeparator() || !entry->isEnabled()) << entry->text().toStdString();
+    for (const QString& menu : {u"Go"_qs, u"Tools"_qs}) {
+        ASSERT_FALSE(entries(menu).isEmpty());
+        for (const QAction* entry : entries(menu))
+            EXPECT_TRUE(entry->isSeparator() || !entry->isEnabled()) << entry->text().toStdString();
+    }
     EXPECT_FALSE(command(u"saveAs"_qs)->isEnabled());
 
     window()->setCurrent(window()->contentViews().front());
@@ -111,6 +116,26 @@ TEST_F(DocumentWindowTest, theMenuBelongsToTheCurrentTab) {
     const double scale = firstView->scaleFactor();
     QTest::keyClick(window(), Qt::Key_Equal, Qt::ControlModifier);
     EXPECT_NEAR(firstView->scaleFactor(), scale + 0.15, 1e-9);
+}
+
+TEST_F(DocumentWindowTest, aToolIsChosenForTheCurrentTab) {
+    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
+    const auto toolOf = [this](std::size_t tab) {
+        return window()->contentViews()[tab]->workspace()->pdfView()->toolState()->tool();
+    };
+    window()->setCurrent(window()->contentViews()[0]);
+    QTest::keyClick(window(), Qt::Key_2, Qt::ControlModifier);
+    window()->setCurrent(window()->contentViews()[1]);
+    QTest::keyClick(window(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(toolOf(0), AnnotationTool::ink);
+    EXPECT_EQ(toolOf(1), AnnotationTool::form);
+    EXPECT_TRUE(command(u"form"_qs)->isChecked());
+    command(u"oval"_qs)->trigger();
+    EXPECT_EQ(toolOf(0), AnnotationTool::ink);
+    EXPECT_EQ(toolOf(1), AnnotationTool::oval);
+    command(u"editText"_qs)->trigger();
+    EXPECT_EQ(toolOf(1), AnnotationTool::select);
+    EXPECT_TRUE(command(u"editText"_qs)->isChecked());
 }
 
 TEST_F(DocumentWindowTest, theEditedMarkShowsOnTabAndWindow) {
@@ -123,6 +148,34 @@ TEST_F(DocumentWindowTest, theEditedMarkShowsOnTabAndWindow) {
     EXPECT_EQ(tabs()->tabText(1), u"b.pdf"_qs);
     EXPECT_FALSE(window()->isWindowModified());
     EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(u"b.pdf"_qs))->pageCount(), 2);
+}
+
+TEST_F(DocumentWindowTest, whatIsBeingTypedIsSavedAndAskedAbout) {
+    launch({file(u"a.pdf"_qs)});
+    const auto type = [this](const QString& text) {
+        command(u"textBox"_qs)->trigger();
+        AnnotatingPDFView* const view = window()->currentContentView()->workspace()->pdfView();
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->viewport()->rect().center());
+        auto* const editor = view->viewport()->findChild<QTextEdit*>();
+        ASSERT_TRUE(editor);
+        QTest::keyClicks(editor, text);
+    };
+    type(u"saved"_qs);
+    EXPECT_FALSE(document(0)->isDocumentEdited());
+    ASSERT_TRUE(command(u"save"_qs)->isEnabled());
+    command(u"save"_qs)->trigger();
+    settle();
+    const auto saved = PDFDocument::fromFile(m_folder.filePath(u"a.pdf"_qs));
+    ASSERT_EQ(saved->page(0)->annotations().size(), 1U);
+    EXPECT_EQ(saved->page(0)->annotations()[0]->contents(), u"saved"_qs);
+    EXPECT_FALSE(command(u"save"_qs)->isEnabled());
+
+    type(u"not saved"_qs);
+    m_dialogs->saveAnswers = {SaveAnswer::Cancel};
+    command(u"close"_qs)->trigger();
+    settle();
+    EXPECT_EQ(m_dialogs->askedToSave, QStringList{u"a.pdf"_qs});
+    EXPECT_EQ(document(0)->pdfDocument()->page(0)->annotations().size(), 2U);
 }
 
 TEST_F(DocumentWindowTest, closingATabAsksWhatBecomesOfItsChanges) {

@@ -92,3 +92,11 @@ TEST(PlatformFont, everyChoiceResolvesAndKeepsSizeAndWeight) {
     }
     EXPECT_TRUE(QFontInfo(platformFont(AnnotationFont::mono, 12)).fixedPitch());
 }
+
+TEST(PlatformFont, theRoundedAndTheHandwrittenFontAreFacesOfTheirOwn) {
+    const QString system = QFontInfo(platformFont(AnnotationFont::system, 12)).family();
+    EXPECT_NE(QFontInfo(platformFont(AnnotationFont::rounded, 12)).family(), system);
+    const QFontInfo marker(platformFont(AnnotationFont::marker, 12, QFont::Light));
+    EXPECT_NE(marker.family(), system);
+    EXPECT_TRUE(marker.bold());
+}

@@ -1,53 +1,17 @@
-#include "AnnotatingPDFView.h"
-
-#include "PDFAnnotation.h"
-#include "PDFDocument.h"
-#include "PDFPage.h"
 #include "PDFSelection.h"
-#include "PageText.h"
-#include "PdfFixtures.h"
 #include "PdfPrograms.h"
-#include "ToolState.h"
-#include "UndoManager.h"
+#include "ViewerTest.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QMenu>
-#include <QTest>
 #include <QTimer>
-
-#include <gtest/gtest.h>
 
 namespace {
 
-class AnnotatingPDFViewTest : public testing::Test {
+class AnnotatingPDFViewTest : public ViewerTest {
 protected:
-    AnnotatingPDFViewTest() {
-        PdfFixture fixture;
-        for (const QString& page : {u"one"_qs, u"two"_qs}) {
-            fixture.addPage({u"First line of page %1"_qs.arg(page), u"Second line, a longer one"_qs, u"Third"_qs,
-                             u"Fourth line"_qs});
-        }
-        m_document = PDFDocument::fromData(fixture.bytes());
-        m_view.setDocument(m_document);
-        m_view.setToolState(m_toolState);
-        m_view.setDocUndoManager(m_undoManager);
-        m_view.resize(700, 900);
-        m_view.show();
-        QTest::qWait(0);
-    }
-
-    [[nodiscard]] std::shared_ptr<PDFPage> page(int index) const { return m_document->page(index); }
-
-    /// From the start of a line to the end of another; lines and pages are zero-based.
-    void select(int fromPage, int fromLine, int toPage, int toLine) {
-        const auto from = page(fromPage)->text()->lines.at(std::size_t(fromLine)).bounds;
-        const auto to = page(toPage)->text()->lines.at(std::size_t(toLine)).bounds;
-        m_view.setCurrentSelection(m_document->selection(*page(fromPage), {from.left() - 2, from.center().y()},
-                                                         *page(toPage), {to.right() + 2, to.center().y()}));
-    }
-
     /// Clicks with the right button at a point of the viewport and lets `use` have the menu that comes up.
     void withMenu(QPoint viewPoint, const std::function<void(QMenu& menu)>& use) {
         bool isDone = false;
@@ -76,11 +40,6 @@ protected:
             titles << (action->isSeparator() ? u"-"_qs : action->text().remove(u'&').section(u'\t', 0, 0));
         return titles;
     }
-
-    std::shared_ptr<PDFDocument> m_document;
-    std::shared_ptr<ToolState> m_toolState = std::make_shared<ToolState>();
-    std::shared_ptr<UndoManager> m_undoManager = std::make_shared<UndoManager>();
-    AnnotatingPDFView m_view;
 };
 
 TEST_F(AnnotatingPDFViewTest, marksEachSelectedLineAndUndoesAllInOneStep) {
@@ -192,6 +151,140 @@ TEST_F(AnnotatingPDFViewTest, noMarkupIsOfferedWithoutSelectedTextOrToolState) {
     m_view.selectAll();
     withMenu({50, 50}, offersNoMarkup);
     EXPECT_FALSE(m_view.applyMarkup(PDFAnnotationSubtype::highlight));
+}
+
+TEST_F(AnnotatingPDFViewTest, markupFollowsTextThatRunsUpATurnedPage) {
+    // As scanners and spreadsheets write wide pages: turned by a quarter, with the text turned against it.
+    PdfFixture fixture;
+    fixture.addPageWithContent("BT /F1 20 Tf 0 1 -1 0 200 100 Tm (Up the sheet) Tj 0 -40 Td (Another line) Tj ET",
+                               fixture.defaultResources());
+    fixture.setPageKey(0, "/Rotate", "90");
+    show(PDFDocument::fromData(fixture.bytes()));
+    select(0, 0, 0, 1);
+    ASSERT_TRUE(m_view.applyMarkup(PDFAnnotationSubtype::underline));
+    ASSERT_EQ(annotations().size(), 2U);
+    const QRectF glyphs = page()->text()->lines[0].bounds;
+    const auto& first = *annotations()[0];
+    EXPECT_NEAR(first.bounds().left(), glyphs.left(), 1);
+    EXPECT_NEAR(first.bounds().bottom(), glyphs.bottom(), 1);
+    ASSERT_EQ(first.quadrilateralPoints().size(), 1U);
+    const PDFQuad quad = first.quadrilateralPoints()[0];
+    EXPECT_NEAR(quad.lowerLeft.x(), quad.lowerRight.x(), 0.01) << "the line below the text runs up the page";
+    EXPECT_LT(quad.lowerLeft.y(), quad.lowerRight.y());
+    EXPECT_GT(quad.lowerLeft.x(), quad.upperLeft.x());
+
+    const auto reopened = PDFDocument::fromData(m_document->dataRepresentation());
+    EXPECT_EQ(reopened->page(0)->annotations().at(0)->quadrilateralPoints()[0].boundingRect().toRect(),
+              quad.boundingRect().toRect());
+}
+
+TEST_F(AnnotatingPDFViewTest, aModeMarksEachSelectionWhenTheButtonIsReleased) {
+    m_toolState->setActiveMarkupMode(MarkupAction::strikethrough);
+    const QRectF line = page()->text()->lines[1].bounds;
+    drag({{line.left() + 1, line.center().y()}, {line.center().x(), line.center().y()}});
+    ASSERT_EQ(annotations().size(), 1U);
+    EXPECT_EQ(annotations()[0]->type(), PDFAnnotationSubtype::strikeOut);
+    EXPECT_FALSE(m_view.hasSelection());
+    doubleClick({line.left() + 3, line.center().y()}); // a word
+    EXPECT_EQ(annotations().size(), 2U);
+    click({300, 200});
+    EXPECT_EQ(annotations().size(), 2U) << "nothing was selected";
+    EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::strikethrough);
+
+    m_toolState->setTool(AnnotationTool::rectangle);
+    select(0, 0, 0, 0);
+    click({300, 200});
+    EXPECT_EQ(annotations().size(), 2U) << "another tool doesn't mark";
+}
+
+TEST_F(AnnotatingPDFViewTest, theAssistantIsAskedAboutTheSelection) {
+    std::vector<std::pair<QString, bool>> asked;
+    m_view.onAskAI = [&asked](const QString& prompt, bool send) { asked.emplace_back(prompt, send); };
+    const struct {
+        QString title;
+        QString prompt;
+        bool send;
+    } entries[] = {
+        {u"Explain This"_qs, u"Explain this: “Third”"_qs, true},
+        {u"Summarize Selection"_qs, u"Summarize this: “Third”"_qs, true},
+        {u"Simplify / Plain English"_qs, u"Rewrite this in simple, plain English: “Third”"_qs, true},
+        {u"Extract Key Points"_qs, u"Extract the key points from this as a short bullet list: “Third”"_qs, true},
+        {u"Generate Study Questions"_qs, u"Write 3 short study questions based on this: “Third”"_qs, true},
+        {u"Translate…"_qs, u"Translate this to <language>: “Third”"_qs, false},
+        {u"Send to AI Assistant"_qs, u"Third"_qs, false}};
+    select(0, 2, 0, 2);
+    for (const auto& [title, prompt, send] : entries) {
+        withMenu({50, 50}, [wanted = title](QMenu& menu) {
+            EXPECT_EQ(titles(menu).join(u','), u"Highlight,Underline,Strikethrough,-,Copy,-,Ask AI"_qs);
+            QMenu* const submenu = menu.actions().last()->menu();
+            ASSERT_TRUE(submenu);
+            submenu->actions().at(int(titles(*submenu).indexOf(wanted)))->trigger();
+        });
+        ASSERT_FALSE(asked.empty());
+        EXPECT_EQ(asked.back(), std::pair(prompt, send));
+    }
+}
+
+TEST_F(AnnotatingPDFViewTest, thePageMenuAddsNotesAndTextAndReadsThePage) {
+    std::vector<std::pair<QString, bool>> asked;
+    m_view.onAskAI = [&asked](const QString& prompt, bool send) { asked.emplace_back(prompt, send); };
+    const QPoint spot = onScreen({300, 500}).toPoint();
+    m_toolState->setTool(AnnotationTool::ink);
+    withMenu(spot, [](QMenu& menu) {
+        EXPECT_EQ(titles(menu).join(u','), u"Add Note Here,Add Text Box Here,-,Ask AI"_qs);
+        EXPECT_EQ(titles(*menu.actions().last()->menu()).join(u','),
+                  u"Summarize This Page,Extract Text with AI (OCR)"_qs);
+        choose(menu, u"Add Note Here"_qs);
+    });
+    ASSERT_EQ(annotations().size(), 1U);
+    EXPECT_LT((annotations()[0]->bounds().center() - QPointF(300, 500)).manhattanLength(), 3);
+    withMenu(spot, [](QMenu& menu) { choose(menu, u"Add Text Box Here"_qs); });
+    EXPECT_TRUE(annotations().empty()) << "the empty new note goes";
+    auto* const editor = openEditor();
+    ASSERT_TRUE(editor);
+    QTest::keyClicks(editor, u"typed"_qs);
+    QTest::keyClick(editor, Qt::Key_Return);
+    ASSERT_EQ(annotations().size(), 1U);
+    EXPECT_EQ(annotations()[0]->contents(), u"typed"_qs);
+
+    const auto summarize = [](QMenu& menu) { menu.actions().last()->menu()->actions().first()->trigger(); };
+    withMenu(spot, summarize);
+    EXPECT_EQ(asked.back().first, u"Summarize page 1: “First line of page one\nSecond line, a longer one\nThird\n"
+                                  u"Fourth line”"_qs);
+    PdfFixture scan;
+    scan.addPage({u"words"_qs});
+    scan.addPageWithContent("0 0 100 100 re f");
+    show(PDFDocument::fromData(scan.bytes()));
+    m_view.goToPage(page(1));
+    withMenu(m_view.convertFromPage(QPointF(300, 300), *page(1)).toPoint(), summarize);
+    EXPECT_EQ(asked.back(),
+              std::pair(u"Page 2 has no extractable text (it may be a scanned image). Let me know that directly rather "
+                        u"than guessing its content."_qs,
+                        true));
+}
+
+TEST_F(AnnotatingPDFViewTest, textIsRecognizedOnAPageAndAMissingOneIsSaid) {
+    std::vector<QString> extracted;
+    m_view.onTextExtracted = [&extracted](const QString& text) { extracted.push_back(text); };
+    const auto extract = [&] {
+        const std::size_t before = extracted.size();
+        withMenu({50, 50}, [](QMenu& menu) {
+            EXPECT_EQ(titles(*menu.actions().last()->menu()).join(u','), u"Extract Text with AI (OCR)"_qs);
+            menu.actions().last()->menu()->actions().first()->trigger();
+        });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return extracted.size() > before; }, 60'000));
+    };
+    extract();
+    ASSERT_EQ(extracted.size(), 1U);
+    EXPECT_TRUE(extracted[0].contains(u"Second line, a longer one"_qs)) << extracted[0].toStdString();
+    EXPECT_EQ(QApplication::clipboard()->text(), extracted[0]);
+    PdfFixture blank;
+    blank.addPage({});
+    show(PDFDocument::fromData(blank.bytes()));
+    QApplication::clipboard()->setText(u"before"_qs);
+    extract();
+    EXPECT_EQ(extracted.back(), u"No text could be recognized on this page."_qs);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"before"_qs);
 }
 
 } // namespace

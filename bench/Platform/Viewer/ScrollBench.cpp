@@ -4,6 +4,7 @@
 // does who holds the scroll bar. Prints one JSON object about what the main thread took for each frame, from the
 // timer's event to the end of painting. Its exit code tells only whether the measuring was possible.
 
+#include "Measurement.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
 #include "PDFPage.h"
@@ -18,13 +19,13 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <optional>
 #include <vector>
 
-#include <ctime>
 #include <sys/resource.h>
+
+using namespace Measurement;
 
 namespace {
 
@@ -34,32 +35,10 @@ constexpr int frameInterval = 16; // milliseconds
 constexpr double frameAim = 16;   // milliseconds, for 99 of 100 frames
 constexpr double memoryAim = 300; // MB
 
-double milliseconds(qint64 nanoseconds) {
-    return double(nanoseconds) / 1e6;
-}
-
-double percentile(std::vector<double> values, double share) {
-    if (values.empty())
-        return 0;
-    std::sort(values.begin(), values.end());
-    return values[static_cast<std::size_t>(share * double(values.size() - 1))];
-}
-
-double rounded(double value) {
-    return std::round(value * 100) / 100;
-}
-
 double peakMegabytes() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     return double(usage.ru_maxrss) / 1024;
-}
-
-/// Of the calling thread, milliseconds.
-double threadCpu() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
 }
 
 class MeasuredView : public PDFView {

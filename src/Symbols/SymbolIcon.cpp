@@ -17,24 +17,35 @@ static void loadIconFiles() {
 
 namespace {
 
-QByteArray fileOf(const QString& name) {
+using SymbolIcon::Weight;
+
+QString filePath(const QString& name) {
     static const bool loaded = (loadIconFiles(), true);
     Q_UNUSED(loaded);
-    QFile file(QStringLiteral(":/icons/%1.svg").arg(name));
+    return QStringLiteral(":/icons/%1.svg").arg(name);
+}
+
+/// The drawing, whose files all have the same line width, in this colour and weight.
+QByteArray svg(const QString& name, const QColor& color, Weight weight) {
+    QFile file(filePath(name));
     QUILLO_ASSERT(file.open(QFile::ReadOnly), "Every symbol that is asked for has a file.");
-    return file.readAll();
+    QByteArray drawing = file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
+    if (weight == Weight::semibold)
+        drawing.replace("stroke-width=\"1.75\"", "stroke-width=\"2.4\"");
+    return drawing;
 }
 
 /// `size` in pixels; the symbol is drawn as large as fits, in the middle.
-QPixmap drawn(const QString& name, QSize size, const QColor& color) {
+QPixmap drawn(const QString& name, QSize size, const QColor& color, Weight weight) {
     const QString key =
-        QStringLiteral("symbol-%1-%2x%3-%4")
-            .arg(name, QString::number(size.width()), QString::number(size.height()), color.name(QColor::HexArgb));
+        QStringLiteral("symbol-%1-%2x%3-%4-%5")
+            .arg(name, QString::number(size.width()), QString::number(size.height()), color.name(QColor::HexArgb))
+            .arg(static_cast<int>(weight));
     QPixmap pixmap;
     if (QPixmapCache::find(key, &pixmap))
         return pixmap;
 
-    QSvgRenderer renderer(fileOf(name).replace("currentColor", color.name(QColor::HexRgb).toLatin1()));
+    QSvgRenderer renderer(svg(name, color, weight));
     pixmap = QPixmap(size);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
@@ -63,7 +74,7 @@ public:
         const QPalette palette = QGuiApplication::palette();
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
         const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
-        return drawn(m_name, size, palette.color(group, role));
+        return drawn(m_name, size, palette.color(group, role), Weight::regular);
     }
 
     QIconEngine* clone() const override { return new SymbolIconEngine(m_name); }
@@ -74,12 +85,16 @@ private:
 
 } // namespace
 
+bool SymbolIcon::exists(const QString& name) {
+    return QFile::exists(filePath(name));
+}
+
 QIcon SymbolIcon::icon(const QString& name) {
     return QIcon(new SymbolIconEngine(name));
 }
 
-QPixmap SymbolIcon::pixmap(const QString& name, int side, const QColor& color, qreal devicePixelRatio) {
-    QPixmap pixmap = drawn(name, QSize(side, side) * devicePixelRatio, color);
+QPixmap SymbolIcon::pixmap(const QString& name, int side, const QColor& color, qreal devicePixelRatio, Weight weight) {
+    QPixmap pixmap = drawn(name, QSize(side, side) * devicePixelRatio, color, weight);
     pixmap.setDevicePixelRatio(devicePixelRatio);
     return pixmap;
 }

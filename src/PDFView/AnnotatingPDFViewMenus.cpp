@@ -1,0 +1,148 @@
+// The part of AnnotatingPDFView that offers what can be done at a place.
+
+#include "AnnotatingPDFView.h"
+#include "MarkupAction.h"
+#include "NoteEditor.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PDFSelection.h"
+#include "PageOCRExtractor.h"
+#include "TextBoxEditor.h"
+#include "ToolState.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPointer>
+
+#include <QCoroTask>
+
+namespace {
+
+/// A question about selected text: what stands before the text, and whether the user adds nothing to it.
+struct SelectionPrompt {
+    QString title;
+    QString prefix;
+    bool send;
+};
+
+const std::vector<SelectionPrompt>& selectionPrompts() {
+    static const std::vector<SelectionPrompt> prompts = {
+        {u"Explain This"_qs, u"Explain this: "_qs, true},
+        {u"Summarize Selection"_qs, u"Summarize this: "_qs, true},
+        {u"Simplify / Plain English"_qs, u"Rewrite this in simple, plain English: "_qs, true},
+        {u"Extract Key Points"_qs, u"Extract the key points from this as a short bullet list: "_qs, true},
+        {u"Generate Study Questions"_qs, u"Write 3 short study questions based on this: "_qs, true},
+        {u"Translate…"_qs, u"Translate this to <language>: "_qs, false},
+    };
+    return prompts;
+}
+
+QAction* addEntry(QMenu& menu, const QString& title, QObject* context, std::function<void()> handler) {
+    QAction* const entry = menu.addAction(title);
+    entry->setObjectName(title);
+    QObject::connect(entry, &QAction::triggered, context, std::move(handler));
+    return entry;
+}
+
+QMenu& addSubmenu(QMenu& menu) {
+    QMenu* const submenu = menu.addMenu(u"Ask AI"_qs);
+    submenu->setObjectName(u"askAIMenu"_qs);
+    submenu->setAccessibleName(u"Ask AI"_qs);
+    return *submenu;
+}
+
+std::unique_ptr<QMenu> makeMenu(QWidget* parent, const QString& objectName, const QString& accessibleName) {
+    auto menu = std::make_unique<QMenu>(parent);
+    menu->setObjectName(objectName);
+    menu->setAccessibleName(accessibleName);
+    return menu;
+}
+
+/// The window may be closed before the text is there.
+QCoro::Task<void> extractText(QPointer<AnnotatingPDFView> view, std::shared_ptr<PDFPage> page, std::stop_token stop) {
+    const std::optional<QString> text = co_await PageOCRExtractor::recognizeText(page, stop);
+    if (!view)
+        co_return;
+    const bool isFound = text && !text->isEmpty();
+    if (isFound)
+        QGuiApplication::clipboard()->setText(*text);
+    if (view->onTextExtracted)
+        view->onTextExtracted(isFound ? *text : u"No text could be recognized on this page."_qs);
+}
+
+} // namespace
+
+/// All of a long document counts as text without being read: that would hold up the menu.
+bool AnnotatingPDFView::hasSelectedText() const {
+    constexpr int quicklyReadPages = 64;
+    return hasSelection() && (document()->pageCount() > quicklyReadPages || currentSelection());
+}
+
+std::unique_ptr<QMenu> AnnotatingPDFView::menu(QPointF viewPoint) {
+    const std::shared_ptr<PDFPage> page = pageAt(viewPoint, true);
+    if (!m_toolState || !page)
+        return PDFView::menu(viewPoint);
+    return hasSelectedText() ? buildSelectionMenu() : buildPageMenu(viewPoint, page);
+}
+
+std::unique_ptr<QMenu> AnnotatingPDFView::buildSelectionMenu() {
+    auto menu = makeMenu(this, u"selectionMenu"_qs, u"Selected text"_qs);
+    for (const MarkupActionInfo& row : allMarkupActions()) {
+        addEntry(*menu, row.title, this, [this, subtype = row.subtype] {
+            applyMarkup(subtype);
+        })->setObjectName(row.rawValue);
+    }
+    menu->addSeparator();
+    menu->addAction(action(PDFViewCommand::copy));
+    if (onAskAI) {
+        menu->addSeparator();
+        addAskAIMenu(*menu);
+    }
+    return menu;
+}
+
+void AnnotatingPDFView::addAskAIMenu(QMenu& menu) {
+    // The text is read when an entry is chosen: that of a whole book takes its time.
+    const auto ask = [this](const QString& prefix, bool send) {
+        const std::optional<PDFSelection> selection = currentSelection();
+        if (selection && onAskAI)
+            onAskAI(prefix.isEmpty() ? selection->string() : prefix + u'“' + selection->string() + u'”', send);
+    };
+    QMenu& submenu = addSubmenu(menu);
+    for (const SelectionPrompt& prompt : selectionPrompts())
+        addEntry(submenu, prompt.title, this, [ask, prompt] { ask(prompt.prefix, prompt.send); });
+    submenu.addSeparator();
+    addEntry(submenu, u"Send to AI Assistant"_qs, this, [ask] { ask(QString(), false); });
+}
+
+std::unique_ptr<QMenu> AnnotatingPDFView::buildPageMenu(QPointF viewPoint, const std::shared_ptr<PDFPage>& page) {
+    auto menu = makeMenu(this, u"pageMenu"_qs, u"Page"_qs);
+    addEntry(*menu, u"Add Note Here"_qs, this, [this, viewPoint] { addNote(viewPoint); });
+    addEntry(*menu, u"Add Text Box Here"_qs, this, [this, viewPoint] {
+        if (const std::shared_ptr<PDFPage> target = pageAt(viewPoint, true))
+            m_textBoxEditor->start(viewPoint, target);
+    });
+    menu->addSeparator();
+    QMenu& submenu = addSubmenu(*menu);
+    if (onAskAI)
+        addEntry(submenu, u"Summarize This Page"_qs, this, [this, page] { askAIAboutPage(page); });
+    addEntry(submenu, u"Extract Text with AI (OCR)"_qs, this,
+             [this, page] { extractText(this, page, m_closing.get_token()); });
+    return menu;
+}
+
+void AnnotatingPDFView::askAIAboutPage(const std::shared_ptr<PDFPage>& page) {
+    const int index = document() ? document()->index(page.get()) : -1;
+    if (index < 0 || !onAskAI)
+        return;
+    const QString number = QString::number(index + 1);
+    const QString text = page->string().trimmed();
+    if (text.isEmpty())
+        onAskAI(u"Page %1 has no extractable text (it may be a scanned image). Let me know that directly rather than "
+                u"guessing its content."_qs.arg(number),
+                true);
+    else
+        onAskAI(u"Summarize page "_qs + number + u": “"_qs + text + u'”', true);
+}

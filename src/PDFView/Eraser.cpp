@@ -1,0 +1,93 @@
+#include "Eraser.h"
+
+#include "AnnotatingPDFView.h"
+#include "AnnotationUndo.h"
+#include "InkPath.h"
+#include "PDFAnnotation.h"
+#include "PDFPage.h"
+#include "ToolState.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int samplesPerCurve = 12;
+/// Page units. Each piece of a stroke has its samples for points: without a limit, cutting the same stroke over and
+/// over would make them twelve times as many each time.
+constexpr double finestSpacing = 0.05;
+constexpr double radiusWithoutState = 10; // page units
+constexpr double smallestRadius = 1;
+
+/// What is left of a stroke, as runs of at least two points each, in page coordinates.
+struct Remains {
+    std::vector<std::vector<QPointF>> runs;
+    bool lostPoints = false;
+};
+
+void addRemains(Remains& remains, const std::vector<QPointF>& points, QPointF origin, QPointF center, double radius) {
+    std::vector<QPointF> run;
+    const auto closeRun = [&] {
+        if (run.size() >= 2)
+            remains.runs.push_back(run);
+        run.clear();
+    };
+    for (const QPointF& point : points) {
+        const QPointF onPage = point + origin;
+        if (std::hypot(onPage.x() - center.x(), onPage.y() - center.y()) <= radius) {
+            remains.lostPoints = true;
+            closeRun();
+        } else {
+            run.push_back(onPage);
+        }
+    }
+    closeRun();
+}
+
+} // namespace
+
+Eraser::Eraser(AnnotatingPDFView& view) : m_view(view) {}
+
+void Eraser::eraseAnnotation(QPointF viewPoint) {
+    const std::shared_ptr<PDFPage> page = m_view.pageAt(viewPoint, true);
+    if (!page)
+        return;
+    const std::shared_ptr<ToolState>& state = m_view.toolState();
+    const Circle circle{m_view.convertToPage(viewPoint, *page),
+                        state ? std::max(state->eraserSize() * 0.5, smallestRadius) : radiusWithoutState};
+    const bool isPrecise = state && state->eraserMode() == EraserMode::precise;
+    const auto before = page->annotations(); // the pieces of a stroke are not looked at again
+    for (const std::shared_ptr<PDFAnnotation>& annotation : before) {
+        const double r = circle.radius;
+        if (!annotation->bounds().adjusted(-r, -r, r, r).contains(circle.center))
+            continue;
+        if (isPrecise && annotation->type() == PDFAnnotationSubtype::ink)
+            splitInkAnnotation(annotation, page, circle);
+        else
+            remove(annotation, page);
+    }
+}
+
+void Eraser::splitInkAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, const std::shared_ptr<PDFPage>& page,
+                                const Circle& circle) {
+    Remains remains;
+    for (const QPainterPath& path : annotation->paths())
+        addRemains(remains, InkPath::flattenedPoints(path, samplesPerCurve, finestSpacing),
+                   annotation->bounds().topLeft(), circle.center, circle.radius);
+    if (!remains.lostPoints)
+        return;
+    const std::shared_ptr<ToolState>& state = m_view.toolState();
+    const double width = annotation->border() ? annotation->border()->lineWidth : state->lineWidth();
+    const QColor color = annotation->color().value_or(state->color());
+    remove(annotation, page);
+    for (const std::vector<QPointF>& run : remains.runs) {
+        const auto piece = InkPath::inkAnnotation(run, color, width);
+        page->addAnnotation(piece);
+        AnnotationUndo::registerAdding(m_view.docUndoManager().get(), page, piece);
+    }
+}
+
+void Eraser::remove(const std::shared_ptr<PDFAnnotation>& annotation, const std::shared_ptr<PDFPage>& page) {
+    const int index = page->removeAnnotation(annotation);
+    AnnotationUndo::registerRemoving(m_view.docUndoManager().get(), page, annotation, index);
+}

@@ -1,0 +1,184 @@
+#include "InlineFreeTextEditor.h"
+
+#include <QContextMenuEvent>
+#include <QCoreApplication>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QTextBlock>
+#include <QTextLayout>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+static constexpr double outlineWidth = 1.5;
+/// Points of a font in an inch.
+static constexpr double pointsPerInch = 72;
+
+InlineFreeTextEditor::InlineFreeTextEditor(QWidget* parent) : QTextEdit(parent) {
+    setAcceptRichText(false);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setCursor(Qt::IBeamCursor);
+    // What the editor doesn't use must not select, draw or drag on the page below it.
+    setAttribute(Qt::WA_NoMousePropagation);
+    viewport()->setAttribute(Qt::WA_NoMousePropagation);
+    viewport()->setAutoFillBackground(false); // the widget behind it paints the paper, insets included
+    document()->setDocumentMargin(0);
+    document()->clearUndoRedoStacks();
+}
+
+InlineFreeTextEditor::~InlineFreeTextEditor() = default;
+
+QFont InlineFreeTextEditor::screenFont(const QFont& pageFont, double scale, const QWidget& widget) {
+    QFont font = pageFont;
+    const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
+    font.setPointSizeF(size * scale * pointsPerInch / widget.logicalDpiY());
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
+double InlineFreeTextEditor::defaultLineHeight(const QFont& screenFont, const QWidget& widget) {
+    return QFontMetricsF(screenFont, &widget).lineSpacing();
+}
+
+void InlineFreeTextEditor::setColors(const QColor& text, const QColor& paper) {
+    QPalette colors; // whatever isn't set follows the desktop
+    colors.setColor(QPalette::Text, text);
+    setPalette(colors);
+    m_paper = paper;
+    update();
+}
+
+void InlineFreeTextEditor::place(const QRectF& frame, QPointF inset) {
+    const double side = std::min(inset.x(), frame.width() / 4);
+    const double below = std::clamp(frame.height() - inset.y() - defaultLineHeight(font(), *this), 0.0, inset.y());
+    const auto edges = [](const QRectF& rect) {
+        return QRect(QPoint(qRound(rect.left()), qRound(rect.top())),
+                     QPoint(qRound(rect.right()) - 1, qRound(rect.bottom()) - 1));
+    };
+    const QRect outer = edges(frame);
+    const QRect inner = edges(frame.adjusted(side, inset.y(), -side, -below));
+    setViewportMargins(inner.left() - outer.left(), inner.top() - outer.top(), outer.right() - inner.right(),
+                       outer.bottom() - inner.bottom());
+    setGeometry(outer);
+}
+
+bool InlineFreeTextEditor::isComposing() const {
+    return !textCursor().block().layout()->preeditAreaText().isEmpty();
+}
+
+QString InlineFreeTextEditor::finishedText() {
+    if (isComposing())
+        QGuiApplication::inputMethod()->commit();
+    // Unlike the plain text, this keeps spaces that don't break.
+    QString text = document()->toRawText();
+    text.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');
+    return text;
+}
+
+double InlineFreeTextEditor::usedHeight() const {
+    return document()->size().height();
+}
+
+void InlineFreeTextEditor::endEditing() {
+    Q_EMIT editingEnded();
+}
+
+bool InlineFreeTextEditor::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::Paint: {
+        const bool done = QTextEdit::event(event);
+        paintFrame();
+        return done;
+    }
+    case QEvent::ShortcutOverride: {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) {
+            event->accept();
+            return true;
+        }
+        break;
+    }
+    // The insets belong to the text for the pointer.
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove: {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        QMouseEvent inside(mouse->type(), mouse->position() - QPointF(viewport()->pos()), mouse->scenePosition(),
+                           mouse->globalPosition(), mouse->button(), mouse->buttons(), mouse->modifiers(),
+                           mouse->pointingDevice());
+        QCoreApplication::sendEvent(viewport(), &inside);
+        return true;
+    }
+    case QEvent::ContextMenu:
+        contextMenuEvent(static_cast<QContextMenuEvent*>(event));
+        return true;
+    default:
+        break;
+    }
+    return QTextEdit::event(event);
+}
+
+void InlineFreeTextEditor::paintFrame() {
+    QPainter painter(this);
+    painter.fillRect(rect(), m_paper);
+    painter.setRenderHint(QPainter::Antialiasing);
+    constexpr double half = outlineWidth / 2;
+    painter.setPen(QPen(borderColor, outlineWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
+    painter.drawRect(QRectF(rect()).adjusted(half, half, -half, -half));
+}
+
+void InlineFreeTextEditor::keyPressEvent(QKeyEvent* event) {
+    const bool commits = (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+                         !event->modifiers().testFlag(Qt::ShiftModifier);
+    const bool cancels = event->key() == Qt::Key_Escape;
+    if ((commits || cancels) && isComposing()) {
+        if (commits)
+            QGuiApplication::inputMethod()->commit();
+        else
+            QGuiApplication::inputMethod()->reset();
+    } else if (commits || (cancels && onCancel)) {
+        // A copy: the editor is closed by it.
+        if (const auto callback = commits ? onCommit : onCancel)
+            callback();
+    } else {
+        QTextEdit::keyPressEvent(event);
+    }
+    event->accept(); // no key that is pressed here scrolls the page
+}
+
+void InlineFreeTextEditor::focusOutEvent(QFocusEvent* event) {
+    QTextEdit::focusOutEvent(event);
+    switch (event->reason()) {
+    case Qt::PopupFocusReason:
+    case Qt::MenuBarFocusReason:
+    case Qt::ActiveWindowFocusReason:
+        break;
+    default:
+        Q_EMIT editingEnded();
+    }
+}
+
+void InlineFreeTextEditor::wheelEvent(QWheelEvent* event) {
+    QWidget* const page = parentWidget();
+    QWheelEvent forPage(page->mapFromGlobal(event->globalPosition()), event->globalPosition(), event->pixelDelta(),
+                        event->angleDelta(), event->buttons(), event->modifiers(), event->phase(), event->inverted(),
+                        event->source(), event->pointingDevice());
+    QCoreApplication::sendEvent(page, &forPage);
+    event->accept();
+}
+
+void InlineFreeTextEditor::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu* const menu = createStandardContextMenu();
+    menu->setObjectName(u"inlineEditorMenu"_qs);
+    menu->setAccessibleName(accessibleName());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(event->globalPos());
+}

@@ -1,0 +1,154 @@
+#include "PageTextEditor.h"
+
+#include "AnnotatingPDFView.h"
+#include "AnnotationFont.h"
+#include "FreeTextAnnotation.h"
+#include "InlineFreeTextEditor.h"
+#include "PDFPage.h"
+#include "PDFSelection.h"
+#include "PageBackground.h"
+#include "TextCoverAnnotation.h"
+#include "UndoManager.h"
+
+#include <algorithm>
+
+/// By which the cover is larger than the line on each side, points.
+static constexpr double coverMargin = 2;
+/// What an editor needs in height beyond one line of its font, points.
+static constexpr double lineMargin = 8;
+/// Device-independent pixels.
+static constexpr double minimumWidth = 80;
+/// Points, as in the annotation.
+static constexpr QPointF textInset(6, 4);
+/// For a line whose font isn't known, in points: this part of its height within these limits.
+static constexpr double fallbackFontPart = 0.8;
+static constexpr double fallbackFontMinimum = 9;
+static constexpr double fallbackFontMaximum = 72;
+
+namespace {
+
+void takeOffPage(const std::shared_ptr<TextCoverAnnotation>& cover) {
+    if (const auto page = cover->page())
+        page->removeAnnotation(cover);
+}
+
+// Undo and redo of an edit, which register each other. The page is their target, as it is for single annotations.
+
+struct TextEdit {
+    std::shared_ptr<TextCoverAnnotation> cover;
+    std::shared_ptr<FreeTextAnnotation> replacement;
+};
+
+void removeTextEdit(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit);
+
+void registerPlacing(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit) {
+    if (undoManager)
+        undoManager->registerUndo(page, [undoManager, weakPage = std::weak_ptr(page), edit] {
+            removeTextEdit(undoManager, weakPage.lock(), edit);
+        });
+}
+
+void placeTextEdit(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit) {
+    page->addAnnotation(edit.cover);
+    page->addAnnotation(edit.replacement);
+    registerPlacing(undoManager, page, edit);
+}
+
+void removeTextEdit(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit) {
+    page->removeAnnotation(edit.cover);
+    page->removeAnnotation(edit.replacement);
+    undoManager->registerUndo(page, [undoManager, weakPage = std::weak_ptr(page), edit] {
+        placeTextEdit(undoManager, weakPage.lock(), edit);
+    });
+}
+
+} // namespace
+
+PageTextEditor::PageTextEditor(AnnotatingPDFView& view) : PlacedEditor(view) {}
+
+PageTextEditor::~PageTextEditor() {
+    if (m_cover)
+        takeOffPage(m_cover);
+}
+
+double PageTextEditor::fallbackFontSize(double lineHeight) {
+    return std::clamp(lineHeight * fallbackFontPart, fallbackFontMinimum, fallbackFontMaximum);
+}
+
+void PageTextEditor::begin(QPointF viewPoint) {
+    const std::shared_ptr<PDFPage> page = view().pageAt(viewPoint, false);
+    const auto line = page ? page->selectionForLine(view().convertToPage(viewPoint, *page)) : std::nullopt;
+    const QString text = line ? line->string() : QString();
+    if (!text.trimmed().isEmpty())
+        start(line->bounds(*page), text, page);
+}
+
+void PageTextEditor::start(const QRectF& lineBounds, const QString& lineText, const std::shared_ptr<PDFPage>& page) {
+    endOthers();
+    const auto found = page->font(lineText);
+    m_pageFont = found ? *found : platformFont(AnnotationFont::system, fallbackFontSize(lineBounds.height()));
+    const QFont unscaled = InlineFreeTextEditor::screenFont(m_pageFont, 1, view());
+    const double height =
+        std::max(InlineFreeTextEditor::defaultLineHeight(unscaled, view()) + lineMargin, lineBounds.height());
+    const QRectF covered = QRectF(lineBounds.left(), lineBounds.center().y() - height / 2, lineBounds.width(), height)
+                               .adjusted(-coverMargin, -coverMargin, coverMargin, coverMargin);
+    m_foreground = PageBackground::contrastingTextColor(PageBackground::sampleBackgroundColor(covered, *page));
+    m_cover = std::make_shared<TextCoverAnnotation>(covered);
+    page->addAnnotation(m_cover);
+
+    InlineFreeTextEditor& line = open(page, u"pageTextEditor"_qs, u"Line of text"_qs);
+    line.setColors(m_foreground, Qt::transparent);
+    line.setPlainText(lineText);
+    line.onCancel = [this] { cancel(); };
+    show();
+    line.selectAll();
+}
+
+void PageTextEditor::layOut() {
+    const double scale = view().scaleFactor() * page()->userUnit();
+    QRectF frame = view().convertFromPage(m_cover->bounds(), *page());
+    frame.setWidth(std::max(frame.width(), minimumWidth));
+    editor()->setFont(InlineFreeTextEditor::screenFont(m_pageFont, scale, view()));
+    editor()->place(frame, textInset * scale);
+}
+
+bool PageTextEditor::isSubjectThere() const {
+    return m_cover->page() == page();
+}
+
+void PageTextEditor::close() {
+    PlacedEditor::close();
+    m_cover.reset();
+}
+
+/// The page may come back by an undo: without the cover.
+void PageTextEditor::abandon() {
+    cancel();
+}
+
+void PageTextEditor::cancel() {
+    if (!m_cover)
+        return;
+    const std::shared_ptr<TextCoverAnnotation> cover = m_cover;
+    close();
+    takeOffPage(cover);
+}
+
+void PageTextEditor::commit() {
+    if (!canCommit())
+        return;
+    const QString text = editor()->finishedText().trimmed();
+    if (text.isEmpty()) {
+        cancel();
+        return;
+    }
+    const std::shared_ptr<PDFPage> target = page();
+    const TextEdit edit{m_cover, std::make_shared<FreeTextAnnotation>(m_cover->bounds())};
+    close();
+    edit.replacement->setContents(text);
+    edit.replacement->setFont(m_pageFont);
+    edit.replacement->setFontColor(m_foreground);
+    edit.replacement->setColor(QColor(Qt::transparent));
+    target->addAnnotation(edit.replacement);
+    registerPlacing(view().docUndoManager().get(), target, edit);
+}

@@ -1,0 +1,135 @@
+#include "TextBoxEditor.h"
+
+#include "AnnotatingPDFView.h"
+#include "AnnotationUndo.h"
+#include "FreeTextAnnotation.h"
+#include "InlineFreeTextEditor.h"
+#include "PDFPage.h"
+#include "ToolState.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+// Device-independent pixels.
+static constexpr double boxWidth = 220;
+static constexpr QPointF textInset(6, 4);
+static constexpr int handleSize = 7;
+static constexpr double handleBorder = 1.5;
+static constexpr double handleRadius = 1.5;
+
+namespace {
+
+/// Part of the look of the box; the pointer passes through it.
+class Handle : public QWidget {
+public:
+    explicit Handle(QWidget* parent) : QWidget(parent) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setObjectName(u"textBoxHandle"_qs);
+        resize(handleSize, handleSize);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Palette::systemBlue, handleBorder));
+        painter.setBrush(Qt::white);
+        constexpr double half = handleBorder / 2;
+        painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), handleRadius, handleRadius);
+    }
+};
+
+} // namespace
+
+TextBoxEditor::TextBoxEditor(AnnotatingPDFView& view) : PlacedEditor(view) {}
+
+TextBoxEditor::~TextBoxEditor() {
+    deleteHandles();
+}
+
+void TextBoxEditor::start(QPointF viewPoint, const std::shared_ptr<PDFPage>& page) {
+    endOthers();
+    const auto state = view().toolState();
+    if (!state || !page)
+        return;
+    m_font = platformFont(state->fontChoice(), state->fontSize());
+    const QFont font = InlineFreeTextEditor::screenFont(m_font, 1, view());
+    m_height = std::ceil(InlineFreeTextEditor::defaultLineHeight(font, view())) + 2 * textInset.y();
+    m_corner = view().convertToPage(QPointF(viewPoint.toPoint()), *page);
+
+    InlineFreeTextEditor& box = open(page, u"textBoxEditor"_qs, u"Text box"_qs);
+    box.setFont(font);
+    box.setColors(state->color(), Qt::transparent);
+    box.onCancel = [this] { close(); };
+    connect(&box, &QTextEdit::textChanged, this, &TextBoxEditor::resize);
+    // The text gets the colour of the moment of the commit.
+    connect(state.get(), &ToolState::colorChanged, &box,
+            [&box, state = state.get()] { box.setColors(state->color(), Qt::transparent); });
+    for (int i = 0; i < 8; ++i)
+        m_handles.emplace_back(new Handle(view().viewport()));
+    show();
+}
+
+void TextBoxEditor::layOut() {
+    const QPoint corner = view().convertFromPage(m_corner, *page()).toPoint();
+    editor()->place(QRectF(corner, QSizeF(boxWidth, m_height)), textInset);
+    layOutHandles();
+}
+
+/// Around the frame, centred on its corners and on the middles of its sides.
+void TextBoxEditor::layOutHandles() {
+    const QRectF frame(editor()->geometry());
+    auto handle = m_handles.begin();
+    for (const double y : {frame.top(), frame.center().y(), frame.bottom()}) {
+        for (const double x : {frame.left(), frame.center().x(), frame.right()}) {
+            if (QPointF(x, y) == frame.center())
+                continue;
+            (*handle)->move(QPointF(x - handleSize / 2.0, y - handleSize / 2.0).toPoint());
+            (*handle)->show();
+            (*handle)->raise();
+            ++handle;
+        }
+    }
+}
+
+void TextBoxEditor::resize() {
+    const double line = InlineFreeTextEditor::defaultLineHeight(editor()->font(), *editor());
+    const double height = std::ceil(std::max(line, editor()->usedHeight())) + 2 * textInset.y();
+    if (std::abs(height - m_height) <= 0.5)
+        return;
+    m_height = height;
+    layOut();
+}
+
+void TextBoxEditor::close() {
+    PlacedEditor::close();
+    deleteHandles();
+}
+
+void TextBoxEditor::deleteHandles() {
+    for (const QPointer<QWidget>& handle : m_handles)
+        delete handle;
+    m_handles.clear();
+}
+
+void TextBoxEditor::commit() {
+    if (!canCommit())
+        return;
+    const QString text = editor()->finishedText().trimmed();
+    const QRectF bounds = view().convertToPage(QRectF(editor()->geometry()), *page());
+    const std::shared_ptr<PDFPage> target = page();
+    close();
+    if (text.isEmpty())
+        return;
+
+    const auto annotation = std::make_shared<FreeTextAnnotation>(bounds);
+    annotation->setContents(text);
+    annotation->setFont(m_font);
+    if (const auto state = view().toolState())
+        annotation->setFontColor(state->color());
+    annotation->setColor(QColor(Qt::transparent));
+    target->addAnnotation(annotation);
+    AnnotationUndo::registerAdding(view().docUndoManager().get(), target, annotation);
+}

@@ -1,0 +1,314 @@
+#include "LineAnnotation.h"
+#include "NoteAnnotation.h"
+#include "PDFSelection.h"
+#include "RedactionMarkerAnnotation.h"
+#include "SignatureAnnotation.h"
+#include "SignatureStore.h"
+#include "ViewerTest.h"
+
+#include <QPainter>
+
+#include <cmath>
+#include <random>
+
+namespace {
+
+class DrawingTools : public ViewerTest {
+protected:
+    void expectRect(const QRectF& rect, double x, double y, double width, double height) {
+        EXPECT_NEAR(rect.x(), x, 0.01);
+        EXPECT_NEAR(rect.y(), y, 0.01);
+        EXPECT_NEAR(rect.width(), width, 0.01);
+        EXPECT_NEAR(rect.height(), height, 0.01);
+    }
+    /// A signature twice as wide as high.
+    void keepSignature() {
+        QImage image(200, 100, QImage::Format_ARGB32);
+        image.fill(Qt::black);
+        m_toolState->signatureStore()->add(image);
+    }
+};
+
+} // namespace
+
+TEST_F(DrawingTools, aDragDrawsAndAClickLeavesNothing) {
+    const struct {
+        AnnotationTool tool;
+        QString type;
+    } cases[] = {{AnnotationTool::ink, PDFAnnotationSubtype::ink},
+                 {AnnotationTool::rectangle, PDFAnnotationSubtype::square},
+                 {AnnotationTool::oval, PDFAnnotationSubtype::circle},
+                 {AnnotationTool::line, PDFAnnotationSubtype::line},
+                 {AnnotationTool::redact, PDFAnnotationSubtype::square},
+                 {AnnotationTool::form, PDFAnnotationSubtype::widget}};
+    m_toolState->setColor(QColor(200, 30, 60));
+    m_toolState->setLineWidth(4);
+    m_toolState->setLineEndStyle(PDFLineStyle::diamond);
+    int markers = 0;
+    m_view.onRedactionDrawn = [&markers] { ++markers; };
+    for (const auto& [tool, type] : cases) {
+        m_toolState->setTool(tool);
+        click({100, 500});
+        EXPECT_TRUE(annotations().empty());
+        EXPECT_FALSE(m_undoManager->canUndo());
+
+        select(0, 0, 0, 0);
+        drag({{300, 400}, {280, 420}, {200, 500}});
+        ASSERT_EQ(annotations().size(), 1U) << type.toStdString();
+        const std::shared_ptr<PDFAnnotation> made = annotations()[0];
+        EXPECT_EQ(made->type(), type);
+        EXPECT_EQ(made->color(), QColor(200, 30, 60));
+        ASSERT_TRUE(made->border());
+        EXPECT_EQ(made->border()->lineWidth, 4);
+        if (tool == AnnotationTool::line) {
+            expectRect(QRectF(made->startPoint(), made->endPoint()), 300, 400, -100, 100);
+            EXPECT_EQ(made->endLineStyle(), PDFLineStyle::diamond);
+            EXPECT_EQ(made->startLineStyle(), PDFLineStyle::none);
+            EXPECT_EQ(made->bounds(), page()->bounds(PDFDisplayBox::cropBox));
+        } else if (tool == AnnotationTool::ink) {
+            expectRect(made->bounds(), 194, 394, 112, 112); // the line's width and 2 points all around
+        } else {
+            expectRect(made->bounds(), 200, 400, 100, 100);
+        }
+        EXPECT_TRUE(m_view.hasSelection()) << "a tool selects no text";
+        m_undoManager->undo();
+        EXPECT_TRUE(annotations().empty());
+        m_undoManager->redo();
+        EXPECT_EQ(annotations().front(), made);
+        m_undoManager->undo();
+        EXPECT_FALSE(m_undoManager->canUndo());
+        m_undoManager->removeAllActions();
+    }
+    EXPECT_EQ(markers, 1);
+}
+
+TEST_F(DrawingTools, aStrokeIsSmoothAndRunsFromItsFirstPointToItsLast) {
+    m_toolState->setTool(AnnotationTool::ink);
+    const std::vector<QPointF> way{{100, 300}, {140, 380}, {190, 300}, {240, 380}};
+    drag(way);
+    ASSERT_EQ(annotations().size(), 1U);
+    const auto& ink = *annotations()[0];
+    ASSERT_EQ(ink.paths().size(), 1U);
+    const QPainterPath path = ink.paths()[0].translated(ink.bounds().topLeft());
+    ASSERT_EQ(path.elementCount(), 1 + 2 * 3 + 1);
+    const auto expectAt = [&](int element, QPointF point) {
+        EXPECT_NEAR(path.elementAt(element).x, point.x(), 0.01) << element;
+        EXPECT_NEAR(path.elementAt(element).y, point.y(), 0.01) << element;
+    };
+    expectAt(0, way[0]);
+    expectAt(1, way[1]);
+    expectAt(3, (way[1] + way[2]) / 2);
+    expectAt(6, (way[2] + way[3]) / 2);
+    expectAt(7, way[3]);
+}
+
+TEST_F(DrawingTools, twoQuickStrokesAreTwoAnnotationsAndTwoSteps) {
+    m_toolState->setTool(AnnotationTool::ink);
+    press({100, 500});
+    moveTo({120, 520});
+    release({120, 520});
+    mouse(QEvent::MouseButtonDblClick, {100, 510}, Qt::LeftButton, Qt::LeftButton);
+    moveTo({130, 530});
+    release({130, 530});
+    ASSERT_EQ(annotations().size(), 2U);
+    m_undoManager->undo();
+    EXPECT_EQ(annotations().size(), 1U);
+}
+
+TEST_F(DrawingTools, escapeGivesUpTheStrokeAndTheTool) {
+    m_toolState->setTool(AnnotationTool::ink);
+    m_toolState->setTextEditingModeEnabled(false);
+    press({100, 500});
+    moveTo({160, 520});
+    EXPECT_EQ(annotations().size(), 1U);
+    QTest::keyClick(&m_view, Qt::Key_Escape);
+    EXPECT_TRUE(annotations().empty());
+    EXPECT_EQ(m_toolState->tool(), AnnotationTool::select);
+    moveTo({200, 540});
+    release({200, 540});
+    EXPECT_FALSE(m_undoManager->canUndo());
+
+    // With the select tool it leaves the modes alone.
+    m_toolState->setActiveMarkupMode(MarkupAction::underline);
+    QTest::keyClick(&m_view, Qt::Key_Escape);
+    EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::underline);
+}
+
+TEST_F(DrawingTools, anotherToolInTheMiddleOfADragKeepsWhatIsDrawnAndItsUndo) {
+    m_toolState->setTool(AnnotationTool::rectangle);
+    press({100, 500});
+    moveTo({160, 520});
+    m_toolState->setTool(AnnotationTool::select);
+    moveTo({300, 600});
+    release({300, 600});
+    endTurn();
+    ASSERT_EQ(annotations().size(), 1U);
+    expectRect(annotations()[0]->bounds(), 100, 500, 60, 20);
+    m_undoManager->undo();
+    EXPECT_TRUE(annotations().empty());
+}
+
+TEST_F(DrawingTools, aPageThatGoesUnderTheStrokeTakesItAlong) {
+    m_toolState->setTool(AnnotationTool::ink);
+    press({100, 500});
+    moveTo({160, 520});
+    const auto gone = m_document->removePage(0);
+    QMouseEvent move(QEvent::MouseMove, QPointF(50, 60), QPointF(50, 60), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_view.viewport(), &move);
+    release({160, 520});
+    EXPECT_TRUE(page()->annotations().empty());
+    EXPECT_FALSE(m_undoManager->canUndo());
+}
+
+TEST_F(DrawingTools, aSignatureKeepsItsShapeWhereverItIsDragged) {
+    m_toolState->setTool(AnnotationTool::signature);
+    drag({{100, 500}, {300, 400}});
+    EXPECT_TRUE(annotations().empty()) << "there is no signature yet";
+    keepSignature();
+    const struct {
+        std::vector<QPointF> way;
+        QRectF bounds;
+    } cases[] = {{{{100, 500}}, {100, 420, 160, 80}},
+                 {{{100, 500}, {300, 400}}, {100, 400, 200, 100}},
+                 {{{300, 500}, {200, 560}}, {200, 450, 100, 50}},
+                 {{{300, 500}, {295, 500}}, {276, 488, 24, 12}}};
+    for (const auto& [way, bounds] : cases) {
+        drag(way);
+        ASSERT_EQ(annotations().size(), 1U);
+        EXPECT_TRUE(std::dynamic_pointer_cast<SignatureAnnotation>(annotations()[0]));
+        expectRect(annotations()[0]->bounds(), bounds.x(), bounds.y(), bounds.width(), bounds.height());
+        m_undoManager->undo();
+        EXPECT_TRUE(annotations().empty());
+    }
+}
+
+TEST_F(DrawingTools, formFieldsAreNumberedAsTheyAreBegun) {
+    m_toolState->setTool(AnnotationTool::form);
+    const auto numberOf = [](const PDFAnnotation& field) { return field.fieldName().section(u'_', 1).toInt(); };
+    drag({{100, 500}, {200, 520}});
+    m_toolState->setFormFieldMode(FormFieldMode::checkbox);
+    click({100, 400});
+    drag({{100, 400}, {120, 420}});
+    ASSERT_EQ(annotations().size(), 2U);
+    const auto& text = *annotations()[0];
+    const auto& box = *annotations()[1];
+    EXPECT_EQ(text.fieldName().section(u'_', 0, 0), u"text"_qs);
+    EXPECT_EQ(box.fieldName().section(u'_', 0, 0), u"checkbox"_qs);
+    EXPECT_EQ(numberOf(box), numberOf(text) + 2) << "the click used one up";
+    EXPECT_EQ(text.widgetFieldType(), PDFWidgetFieldType::text);
+    EXPECT_EQ(box.widgetControlType(), PDFWidgetControlType::checkBox);
+    EXPECT_EQ(box.buttonWidgetState(), PDFWidgetCellState::off);
+    EXPECT_EQ(text.color(), m_toolState->color());
+}
+
+TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
+    m_toolState->setTool(AnnotationTool::note);
+    click({300, 500});
+    ASSERT_EQ(annotations().size(), 1U);
+    const auto note = annotations()[0];
+    expectRect(note->bounds(), 240, 460, 120, 80);
+    auto* const editor = openEditor();
+    ASSERT_TRUE(editor);
+    QTest::keyClicks(editor, u"Ask Ann"_qs);
+    m_toolState->setTool(AnnotationTool::select);
+    click({50, 200});
+    endTurn();
+    EXPECT_EQ(note->contents(), u"Ask Ann"_qs) << "the next press commits";
+    EXPECT_FALSE(openEditor());
+
+    m_undoManager->removeAllActions();
+    click({300, 500});
+    EXPECT_FALSE(m_undoManager->canUndo()) << "a click costs nothing";
+    drag({{250, 470}, {260, 480}, {150, 370}});
+    expectRect(note->bounds(), 140, 360, 120, 80);
+    m_undoManager->undo();
+    expectRect(note->bounds(), 240, 460, 120, 80);
+    m_undoManager->redo();
+    expectRect(note->bounds(), 140, 360, 120, 80);
+
+    press({150, 370});
+    moveTo({400, 600});
+    QTest::keyClick(&m_view, Qt::Key_Escape);
+    release({400, 600});
+    expectRect(note->bounds(), 140, 360, 120, 80);
+
+    doubleClick({150, 400});
+    EXPECT_TRUE(openEditor());
+    m_view.commitEditors();
+    m_view.addProgrammaticNote(u"from the assistant"_qs, page());
+    expectRect(annotations().back()->bounds(), 612 - 140, 792 - 100, 120, 80);
+    EXPECT_EQ(annotations().back()->contents(), u"from the assistant"_qs);
+    EXPECT_FALSE(openEditor());
+}
+
+TEST_F(DrawingTools, aReopenedNoteIsNoLongerPaper) {
+    m_view.addProgrammaticNote(u"kept"_qs, page());
+    const QPointF spot = annotations()[0]->bounds().center();
+    show(PDFDocument::fromData(m_document->dataRepresentation()));
+    ASSERT_EQ(annotations().size(), 1U);
+    EXPECT_EQ(annotations()[0]->contents(), u"kept"_qs);
+    const QRectF before = annotations()[0]->bounds();
+    drag({spot, spot + QPointF(40, 40)});
+    EXPECT_EQ(annotations()[0]->bounds(), before);
+    doubleClick(spot);
+    EXPECT_FALSE(openEditor());
+}
+
+TEST_F(DrawingTools, everyActionComesBackAThousandTimesOver) {
+    keepSignature();
+    std::mt19937 random(99);
+    const auto pick = [&random](int count) { return std::uniform_int_distribution<int>(0, count - 1)(random); };
+    const auto somewhere = [&] { return QPointF(60 + pick(450), 320 + pick(400)); };
+    const AnnotationTool tools[] = {AnnotationTool::ink,       AnnotationTool::rectangle, AnnotationTool::oval,
+                                    AnnotationTool::line,      AnnotationTool::redact,    AnnotationTool::form,
+                                    AnnotationTool::signature, AnnotationTool::eraser,    AnnotationTool::select};
+    struct State {
+        std::vector<std::shared_ptr<PDFAnnotation>> annotations;
+        std::vector<QRectF> bounds;
+        bool operator==(const State&) const = default;
+    };
+    const auto state = [this] {
+        State now{annotations(), {}};
+        for (const auto& annotation : now.annotations)
+            now.bounds.push_back(annotation->bounds());
+        return now;
+    };
+    // The states in the order in which undo passes them.
+    std::vector<State> states{state()};
+    m_view.addProgrammaticNote(u"note"_qs, page());
+    endTurn();
+    states.push_back(state());
+    for (int i = 0; i < 60; ++i) {
+        const AnnotationTool tool = tools[pick(int(std::size(tools)))];
+        m_toolState->setTool(tool);
+        m_toolState->setEraserMode(pick(2) == 0 ? EraserMode::precise : EraserMode::wholeStroke);
+        m_toolState->setEraserSize(10);
+        const State before = state();
+        if (tool == AnnotationTool::eraser || tool == AnnotationTool::signature) {
+            click(somewhere());
+        } else if (tool == AnnotationTool::select) {
+            const auto note = std::find_if(before.annotations.begin(), before.annotations.end(), [](const auto& each) {
+                return std::dynamic_pointer_cast<NoteAnnotation>(each) != nullptr;
+            });
+            if (note == before.annotations.end())
+                continue;
+            drag({(*note)->bounds().center(), somewhere()});
+        } else {
+            drag({somewhere(), somewhere(), somewhere()});
+        }
+        if (state() != before)
+            states.push_back(state());
+    }
+    ASSERT_GT(states.size(), 30U);
+    std::size_t at = states.size() - 1;
+    for (int step = 0; step < 1000; ++step) {
+        const bool back = at == states.size() - 1 || (at > 0 && pick(2) == 0);
+        back ? m_undoManager->undo() : m_undoManager->redo();
+        at = back ? at - 1 : at + 1;
+        ASSERT_EQ(state(), states[at]) << step;
+    }
+    while (m_undoManager->canUndo())
+        m_undoManager->undo();
+    EXPECT_EQ(state(), states.front());
+    EXPECT_FALSE(m_undoManager->isDocumentEdited());
+}

@@ -1,0 +1,171 @@
+#include "EraserCursorOverlay.h"
+#include "InkPath.h"
+#include "PdfPrograms.h"
+#include "ViewerTest.h"
+
+#include <QPointingDevice>
+#include <QTabletEvent>
+
+namespace {
+
+class EraserTest : public ViewerTest {
+protected:
+    EraserTest() { m_toolState->setTool(AnnotationTool::eraser); }
+
+    std::shared_ptr<PDFAnnotation> addStroke(const std::vector<QPointF>& points) {
+        const auto stroke = InkPath::inkAnnotation(points, QColor(10, 120, 10), 3);
+        page()->addAnnotation(stroke);
+        return stroke;
+    }
+    /// A straight stroke from (100, 500) to (300, 500), with a point every 10.
+    std::shared_ptr<PDFAnnotation> addRow() {
+        std::vector<QPointF> points;
+        for (int x = 100; x <= 300; x += 10)
+            points.emplace_back(x, 500);
+        return addStroke(points);
+    }
+    void erase(double size, EraserMode mode, QPointF point) {
+        m_toolState->setEraserSize(size);
+        m_toolState->setEraserMode(mode);
+        click(point);
+    }
+    [[nodiscard]] const EraserCursorOverlay& ring() const { return *m_view.findChild<EraserCursorOverlay*>(); }
+
+    /// An event of the eraser end of a pen.
+    void pen(QEvent::Type type, QPointF point, bool isDown) {
+        static const QPointingDevice device(u"pen"_qs, 7, QInputDevice::DeviceType::Stylus,
+                                            QPointingDevice::PointerType::Eraser, QInputDevice::Capability::Pressure, 1,
+                                            1);
+        const QPointF at = onScreen(point);
+        const bool isMove = type == QEvent::TabletMove;
+        QTabletEvent event(type, &device, at, m_view.viewport()->mapToGlobal(at), isDown ? 0.5 : 0, 0, 0, 0, 0, 0,
+                           Qt::NoModifier, isMove ? Qt::NoButton : Qt::LeftButton,
+                           isDown ? Qt::LeftButton : Qt::NoButton);
+        QCoreApplication::sendEvent(m_view.viewport(), &event);
+    }
+};
+
+} // namespace
+
+TEST_F(EraserTest, wholeStrokesGoWhereTheirBoundsAreTouched) {
+    const auto diagonal = addStroke({{100, 400}, {200, 500}});
+    const auto square = std::make_shared<PDFAnnotation>(QRectF(180, 380, 50, 50), PDFAnnotationSubtype::square);
+    const auto afar = std::make_shared<PDFAnnotation>(QRectF(400, 600, 50, 50), PDFAnnotationSubtype::square);
+    page()->addAnnotation(square);
+    page()->addAnnotation(afar);
+    erase(10, EraserMode::wholeStroke, {185, 410}); // off the line, but within both bounds
+    EXPECT_EQ(annotations(), std::vector{afar});
+    m_undoManager->undo();
+    EXPECT_EQ(annotations(), (std::vector<std::shared_ptr<PDFAnnotation>>{diagonal, square, afar}));
+    erase(1, EraserMode::wholeStroke, {398.5, 620});
+    EXPECT_EQ(annotations().size(), 3U) << "the radius is never below 1";
+    erase(1, EraserMode::wholeStroke, {399.5, 620});
+    EXPECT_EQ(annotations().size(), 2U);
+}
+
+TEST_F(EraserTest, aStrokeIsCutWhereTheCirclePasses) {
+    const auto row = addRow();
+    erase(30, EraserMode::precise, {200, 480});
+    EXPECT_EQ(annotations(), std::vector{row}) << "near, but not near enough";
+    EXPECT_FALSE(m_undoManager->canUndo());
+
+    erase(30, EraserMode::precise, {200, 500});
+    ASSERT_EQ(annotations().size(), 2U);
+    for (const auto& piece : annotations()) {
+        EXPECT_EQ(piece->type(), PDFAnnotationSubtype::ink);
+        EXPECT_EQ(piece->color(), QColor(10, 120, 10));
+        EXPECT_EQ(piece->border()->lineWidth, 3);
+        EXPECT_FALSE(piece->bounds().adjusted(5, 0, -5, 0).contains(QPointF(200, 500)));
+    }
+    EXPECT_NEAR(annotations()[0]->bounds().left(), row->bounds().left(), 0.01);
+    EXPECT_NEAR(annotations()[1]->bounds().right(), row->bounds().right(), 0.01);
+    const auto pieces = annotations();
+    m_undoManager->undo();
+    EXPECT_EQ(annotations(), std::vector{row});
+    m_undoManager->redo();
+    EXPECT_EQ(annotations(), pieces);
+    m_undoManager->undo();
+
+    erase(30, EraserMode::precise, {300, 500});
+    EXPECT_EQ(annotations().size(), 1U) << "an end leaves one shorter stroke";
+    m_undoManager->undo();
+    m_toolState->setEraserSize(100);
+    drag({{120, 500}, {200, 500}, {280, 500}});
+    EXPECT_TRUE(annotations().empty());
+}
+
+TEST_F(EraserTest, cuttingTheSameStrokeAgainAndAgainKeepsItSmall) {
+    addRow();
+    m_toolState->setEraserMode(EraserMode::precise);
+    m_toolState->setEraserSize(4);
+    for (int cut = 0; cut < 60; ++cut)
+        click({110 + (cut * 37) % 180 + 0.5, 500});
+    EXPECT_GT(annotations().size(), 10U);
+    int elements = 0;
+    for (const auto& piece : annotations())
+        elements += piece->paths()[0].elementCount();
+    EXPECT_LT(elements, 3 * 200 / 0.02);
+}
+
+TEST_F(EraserTest, eachPathOfAStrokeOfTheFileIsCutByItself) {
+    PdfFixture fixture;
+    fixture.addPage({});
+    fixture.addAnnotation(0, "<< /Subtype /Ink /Rect [90 390 310 510] /C [1 0 0] /InkList [[100 400 200 400 300 400] "
+                             "[100 500 200 500 300 500] [150 450 250 450]] >>");
+    fixture.addAnnotation(0, "<< /Subtype /Highlight /Rect [390 390 510 510] /QuadPoints [390 510 510 510 390 390 510 "
+                             "390] /C [1 1 0] >>");
+    show(PDFDocument::fromData(fixture.bytes()));
+    ASSERT_EQ(annotations().size(), 2U);
+    // Of the first path only a point is left on each side, so it goes; the others stay whole.
+    erase(20, EraserMode::precise, {200, 400});
+    ASSERT_EQ(annotations().size(), 3U);
+    EXPECT_NEAR(annotations()[1]->bounds().center().y(), 500, 0.1);
+    EXPECT_NEAR(annotations()[2]->bounds().center().y(), 450, 0.1);
+    erase(20, EraserMode::precise, {500, 400});
+    EXPECT_EQ(annotations().size(), 2U) << "the highlight goes whole";
+
+    const QByteArray saved = m_document->dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(saved), "");
+    EXPECT_EQ(PDFDocument::fromData(saved)->page(0)->annotations().size(), 2U);
+}
+
+TEST_F(EraserTest, aRingTakesThePlaceOfThePointer) {
+    m_toolState->setEraserSize(40);
+    hover({200, 500});
+    EXPECT_TRUE(ring().isVisible());
+    EXPECT_EQ(ring().center(), onScreen({200, 500}));
+    EXPECT_NEAR(ring().diameter(), 40 * m_view.scaleFactor(), 0.01);
+    EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::BlankCursor);
+    m_view.setScaleFactor(m_view.scaleFactor() * 2);
+    EXPECT_NEAR(ring().diameter(), 40 * m_view.scaleFactor(), 0.01);
+    m_toolState->setEraserSize(10);
+    EXPECT_NEAR(ring().diameter(), 10 * m_view.scaleFactor(), 0.01);
+
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(m_view.viewport(), &leave);
+    EXPECT_FALSE(ring().isVisible());
+    EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::ArrowCursor);
+    hover({210, 500});
+    EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::BlankCursor);
+    m_toolState->setTool(AnnotationTool::rectangle);
+    hover({211, 500});
+    EXPECT_FALSE(ring().isVisible());
+    EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::CrossCursor);
+}
+
+TEST_F(EraserTest, theEraserEndOfAPenErasesWithAnyTool) {
+    m_toolState->setTool(AnnotationTool::ink);
+    m_toolState->setEraserMode(EraserMode::precise);
+    addRow();
+    pen(QEvent::TabletMove, {200, 500}, false);
+    EXPECT_EQ(annotations().size(), 1U);
+    EXPECT_TRUE(ring().isVisible());
+    pen(QEvent::TabletPress, {200, 500}, true);
+    EXPECT_EQ(annotations().size(), 2U);
+    pen(QEvent::TabletMove, {150, 500}, true);
+    pen(QEvent::TabletRelease, {150, 500}, false);
+    endTurn();
+    EXPECT_EQ(annotations().size(), 3U);
+    hover({300, 300});
+    EXPECT_FALSE(ring().isVisible());
+}

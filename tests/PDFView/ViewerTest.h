@@ -1,0 +1,96 @@
+#pragma once
+
+#include "AnnotatingPDFView.h"
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PageText.h"
+#include "PdfFixtures.h"
+#include "ToolState.h"
+#include "UndoManager.h"
+
+#include <QCoreApplication>
+#include <QTest>
+#include <QTextEdit>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+/// A shown viewer of a document of two pages with four lines of text each, with a tool state and an undo manager.
+/// Points are in page coordinates of the first page unless told otherwise.
+class ViewerTest : public testing::Test {
+protected:
+    ViewerTest() {
+        PdfFixture fixture;
+        for (const QString& page : {u"one"_qs, u"two"_qs}) {
+            fixture.addPage({u"First line of page %1"_qs.arg(page), u"Second line, a longer one"_qs, u"Third"_qs,
+                             u"Fourth line"_qs});
+        }
+        show(PDFDocument::fromData(fixture.bytes()));
+        m_view.setToolState(m_toolState);
+        m_view.setDocUndoManager(m_undoManager);
+    }
+
+    void show(const std::shared_ptr<PDFDocument>& document) {
+        m_document = document;
+        m_view.setDocument(m_document);
+        m_view.resize(700, 900);
+        m_view.show();
+        QTest::qWait(0);
+    }
+
+    [[nodiscard]] std::shared_ptr<PDFPage> page(int index = 0) const { return m_document->page(index); }
+    [[nodiscard]] const std::vector<std::shared_ptr<PDFAnnotation>>& annotations() const {
+        return page()->annotations();
+    }
+    [[nodiscard]] QPointF onScreen(QPointF point) const { return m_view.convertFromPage(point, *page()); }
+
+    void mouse(QEvent::Type type, QPointF point, Qt::MouseButton button, Qt::MouseButtons buttons) {
+        const QPointF at = onScreen(point);
+        QMouseEvent event(type, at, m_view.viewport()->mapToGlobal(at), button, buttons, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view.viewport(), &event);
+    }
+    void press(QPointF point) { mouse(QEvent::MouseButtonPress, point, Qt::LeftButton, Qt::LeftButton); }
+    void moveTo(QPointF point) { mouse(QEvent::MouseMove, point, Qt::NoButton, Qt::LeftButton); }
+    void hover(QPointF point) { mouse(QEvent::MouseMove, point, Qt::NoButton, Qt::NoButton); }
+    void release(QPointF point) { mouse(QEvent::MouseButtonRelease, point, Qt::LeftButton, Qt::NoButton); }
+    void drag(const std::vector<QPointF>& way) {
+        press(way.front());
+        for (std::size_t i = 1; i < way.size(); ++i)
+            moveTo(way[i]);
+        release(way.back());
+        endTurn();
+    }
+    void click(QPointF point) { drag({point}); }
+    void doubleClick(QPointF point) {
+        click(point);
+        mouse(QEvent::MouseButtonDblClick, point, Qt::LeftButton, Qt::LeftButton);
+        release(point);
+        endTurn();
+    }
+    /// The text editor that lies over the page; null when none is open.
+    [[nodiscard]] QTextEdit* openEditor() const {
+        const auto editors = m_view.viewport()->findChildren<QTextEdit*>();
+        const auto found =
+            std::find_if(editors.begin(), editors.end(), [](const QTextEdit* editor) { return editor->isVisible(); });
+        return found == editors.end() ? nullptr : *found;
+    }
+    /// What the user does next is another undo step.
+    static void endTurn() { QCoreApplication::processEvents(); }
+
+    /// From the start of a line to the end of another; lines and pages are zero-based.
+    void select(int fromPage, int fromLine, int toPage, int toLine) {
+        const auto from = page(fromPage)->text()->lines.at(std::size_t(fromLine)).bounds;
+        const auto to = page(toPage)->text()->lines.at(std::size_t(toLine)).bounds;
+        m_view.setCurrentSelection(m_document->selection(*page(fromPage), {from.left() - 2, from.center().y()},
+                                                         *page(toPage), {to.right() + 2, to.center().y()}));
+    }
+
+    std::shared_ptr<PDFDocument> m_document;
+    std::shared_ptr<ToolState> m_toolState = std::make_shared<ToolState>();
+    std::shared_ptr<UndoManager> m_undoManager = std::make_shared<UndoManager>();
+    AnnotatingPDFView m_view;
+};
