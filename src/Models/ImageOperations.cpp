@@ -28,7 +28,7 @@ static QRect inkBounds(const QImage& image, int alphaByte) {
         int first = -1;
         int last = -1;
         for (int x = 0; x < image.width(); ++x) {
-            if (alpha[4 * x] < leastInkAlpha)
+            if (alpha[std::ptrdiff_t(4) * x] < leastInkAlpha)
                 continue;
             first = first < 0 ? x : first;
             last = x;

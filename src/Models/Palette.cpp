@@ -2,7 +2,6 @@
 
 #include <QPalette>
 
-static constexpr QColor systemBlue{0x00, 0x7A, 0xFF};
 static constexpr QColor darkBackground{0x1E, 0x1E, 0x1E};
 static constexpr float tintFraction = 0.025F;
 

@@ -58,9 +58,9 @@ void SignaturePad::mouseReleaseEvent(QMouseEvent* event) {
 // A pen event that is taken sends no mouse events after it.
 void SignaturePad::tabletEvent(QTabletEvent* event) {
     event->accept();
-    if (event->type() == QEvent::TabletPress && event->button() == Qt::LeftButton)
-        addPoint(event->position());
-    else if (event->type() == QEvent::TabletMove && m_isDrawing)
+    const bool begins = event->type() == QEvent::TabletPress && event->button() == Qt::LeftButton;
+    const bool goesOn = event->type() == QEvent::TabletMove && m_isDrawing;
+    if (begins || goesOn)
         addPoint(event->position());
     else if (event->type() == QEvent::TabletRelease)
         endStroke();

@@ -58,7 +58,7 @@ void ToolbarLayout::addRows(std::vector<Row>& rows, std::size_t first, std::size
     }
 }
 
-std::size_t ToolbarLayout::indexOf(Placement placement) const {
+std::size_t ToolbarLayout::firstOf(Placement placement) const {
     const auto found = std::find_if(m_entries.begin(), m_entries.end(),
                                     [placement](const Entry& entry) { return entry.placement == placement; });
     return static_cast<std::size_t>(found - m_entries.begin());
@@ -66,7 +66,7 @@ std::size_t ToolbarLayout::indexOf(Placement placement) const {
 
 std::vector<ToolbarLayout::Row> ToolbarLayout::rows(int width) const {
     const std::size_t end = m_entries.size();
-    const std::size_t half = indexOf(Placement::beginsHalf);
+    const std::size_t half = firstOf(Placement::beginsHalf);
     std::vector<Row> result;
     if (widthOf(0, end) <= width) {
         addRows(result, 0, end, width);
@@ -74,7 +74,7 @@ std::vector<ToolbarLayout::Row> ToolbarLayout::rows(int width) const {
         addRows(result, 0, half, width);
         addRows(result, half, end, width);
     } else {
-        const std::size_t right = indexOf(Placement::beginsRightSide);
+        const std::size_t right = firstOf(Placement::beginsRightSide);
         addRows(result, 0, right, width);
         addRows(result, right, end, width);
     }
@@ -116,7 +116,7 @@ void ToolbarLayout::setGeometry(const QRect& rect) {
 
 void ToolbarLayout::placeRow(const Row& row, const QRect& rect) {
     const Qt::LayoutDirection direction = parentWidget()->layoutDirection();
-    const std::size_t firstAtRight = std::max(row.first, indexOf(Placement::beginsRightSide));
+    const std::size_t firstAtRight = std::max(row.first, firstOf(Placement::beginsRightSide));
     int x = rect.x();
     for (std::size_t i = row.first; i < row.end; ++i) {
         const Entry& entry = m_entries[i];

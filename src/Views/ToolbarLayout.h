@@ -51,7 +51,7 @@ private:
     };
 
     /// The number of entries when none has that placement.
-    [[nodiscard]] std::size_t indexOf(Placement placement) const;
+    [[nodiscard]] std::size_t firstOf(Placement placement) const;
     [[nodiscard]] int widthOf(std::size_t first, std::size_t end) const;
     [[nodiscard]] std::vector<Row> rows(int width) const;
     void addRows(std::vector<Row>& rows, std::size_t first, std::size_t end, int width) const;

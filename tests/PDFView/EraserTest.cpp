@@ -13,7 +13,7 @@ protected:
     EraserTest() { m_toolState->setTool(AnnotationTool::eraser); }
 
     std::shared_ptr<PDFAnnotation> addStroke(const std::vector<QPointF>& points) {
-        const auto stroke = InkPath::inkAnnotation(points, QColor(10, 120, 10), 3);
+        auto stroke = InkPath::inkAnnotation(points, QColor(10, 120, 10), 3);
         page()->addAnnotation(stroke);
         return stroke;
     }

@@ -120,7 +120,7 @@ TEST(AnnotationKinds, MarkersCoverAndSignaturesFill) {
     int dashes = 0;
     for (int x = 11; x < 69; ++x)
         dashes += colorAt(marked, x + 0.5, 20.7) == "#ff3b30" ? 1 : 0;
-    EXPECT_NEAR(dashes, 58 * 4 / 7, 4);
+    EXPECT_NEAR(dashes, 58 * 4.0 / 7, 4);
     EXPECT_EQ(colorAt(marked, 9.8, 40), white);
 
     QImage halves(2, 1, QImage::Format_ARGB32);

@@ -37,7 +37,7 @@ constexpr double scale = 2; // pixels to a point
 constexpr int cellCount = 18;
 
 QRectF cell(std::size_t index) {
-    const QPointF corner(10.0 + 130.0 * double(index % 3), 10.0 + 80.0 * double(index / 3));
+    const QPointF corner(10.0 + 130.0 * double(index % 3), 10.0 + 80.0 * std::floor(double(index) / 3));
     return {cropBox.topLeft() + corner, QSizeF(120, 70)};
 }
 
@@ -54,7 +54,7 @@ Annotation styled(const Annotation& annotation, const QColor& color, double line
 }
 
 Annotation line(PDFLineStyle start, PDFLineStyle end, QPointF from, QPointF to, double width) {
-    const auto made = styled(std::make_shared<LineAnnotation>(QRectF(0, 0, 500, 600)), QColor(30, 60, 160), width);
+    auto made = styled(std::make_shared<LineAnnotation>(QRectF(0, 0, 500, 600)), QColor(30, 60, 160), width);
     made->setStartPoint(from);
     made->setEndPoint(to);
     made->setStartLineStyle(start);
@@ -72,7 +72,7 @@ Annotation freeText(const QRectF& bounds, const QString& text, const QFont& font
 }
 
 Annotation widget(const QRectF& bounds, PDFWidgetFieldType type, const QString& name) {
-    const auto made = styled(std::make_shared<PDFAnnotation>(bounds, Subtype::widget), Qt::blue, 2);
+    auto made = styled(std::make_shared<PDFAnnotation>(bounds, Subtype::widget), Qt::blue, 2);
     made->setBackgroundColor(QColor(0, 122, 255, 20));
     made->setWidgetFieldType(type);
     made->setWidgetControlType(PDFWidgetControlType::checkBox);
@@ -311,8 +311,10 @@ TEST(SavedKinds, ComeBackAsPlainAnnotationsWithTheirValues) {
             EXPECT_EQ(pieces.currentPosition(), curve.currentPosition());
             EXPECT_NEAR(pieces.length(), curve.length(), 0.5);
         }
-        EXPECT_EQ(typeid(*before.copy()), typeid(before)) << "a copy is of the same kind";
-        EXPECT_EQ(before.copy()->contents(), before.contents());
+        const Annotation copied = before.copy();
+        const PDFAnnotation& copy = *copied;
+        EXPECT_EQ(typeid(copy), typeid(before)) << "a copy is of the same kind";
+        EXPECT_EQ(copy.contents(), before.contents());
     }
 }
 
@@ -333,7 +335,8 @@ TEST(SavedKinds, ANoteIsLeftToTheReadersSign) {
     EXPECT_FALSE(all.contains("/AP"));
     const auto reopened = PDFDocument::fromData(file);
     const Annotation read = reopened->page(0)->annotations().at(0);
-    EXPECT_EQ(typeid(*read), typeid(PDFAnnotation));
+    const PDFAnnotation& plain = *read;
+    EXPECT_EQ(typeid(plain), typeid(PDFAnnotation));
     EXPECT_EQ(read->contents(), note->contents());
     const QImage shown = ours(*reopened);
     EXPECT_GT(lookAt(shown, blank, QRectF(at.left(), at.bottom() - 20, 20, 20)).pixels, 100) << "the sign";
