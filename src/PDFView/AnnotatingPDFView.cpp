@@ -67,6 +67,7 @@ void AnnotatingPDFView::setDocUndoManager(const std::shared_ptr<UndoManager>& un
 }
 
 void AnnotatingPDFView::commitEditors() {
+    finishGestures();
     m_textBoxEditor->commit();
     m_noteEditor->commit();
     m_pageTextEditor->commit();

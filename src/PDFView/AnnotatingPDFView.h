@@ -62,7 +62,7 @@ public:
     /// Gives the pointer the shape that belongs to the present tool.
     void refreshToolCursor();
 
-    /// Takes over what stands in an open text editor, as before the document is saved.
+    /// Takes over what stands in an open text editor and what is half drawn, as before the document is saved.
     void commitEditors();
     /// True while a text editor is open over a page.
     [[nodiscard]] bool isEditingText() const;

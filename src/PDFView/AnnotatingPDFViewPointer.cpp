@@ -38,6 +38,7 @@ void AnnotatingPDFView::press(QMouseEvent* event, bool isDoubleClick) {
         return;
     }
     commitEditors();
+    finishGestures();
     if (!m_toolState) {
         leaveToBase();
         return;
@@ -89,6 +90,7 @@ void AnnotatingPDFView::mouseMoveEvent(QMouseEvent* event) {
     }
     const AnnotationTool tool = m_toolState->tool();
     if (!event->buttons().testFlag(Qt::LeftButton)) {
+        finishGestures(); // a menu or a dialog that came up in between has got the release
         PDFView::mouseMoveEvent(event);
         if (tool != AnnotationTool::select)
             updateCursor(point); // also in the middle of scrolling

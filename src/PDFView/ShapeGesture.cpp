@@ -19,20 +19,6 @@ ShapeGesture::ShapeGesture(AnnotatingPDFView& view) : m_view(view) {}
 
 ShapeGesture::~ShapeGesture() = default;
 
-bool ShapeGesture::isDrawnBy(AnnotationTool tool) {
-    switch (tool) {
-    case AnnotationTool::ink:
-    case AnnotationTool::rectangle:
-    case AnnotationTool::oval:
-    case AnnotationTool::line:
-    case AnnotationTool::redact:
-    case AnnotationTool::form:
-        return true;
-    default:
-        return false;
-    }
-}
-
 std::shared_ptr<PDFAnnotation> ShapeGesture::makeAnnotation(AnnotationTool tool) const {
     const QRectF page = m_dragPage->bounds(m_view.displayBox());
     const QRectF spot(m_startPagePoint, QSizeF(0, 0));

@@ -22,9 +22,6 @@ public:
     ShapeGesture(const ShapeGesture&) = delete;
     ShapeGesture& operator=(const ShapeGesture&) = delete;
 
-    /// True for the tools that draw with this gesture.
-    [[nodiscard]] static bool isDrawnBy(AnnotationTool tool);
-
     [[nodiscard]] bool isRunning() const { return m_currentAnnotation != nullptr; }
     /// On the page at the point, or the nearest. Without a page nothing begins.
     void begin(AnnotationTool tool, QPointF viewPoint);

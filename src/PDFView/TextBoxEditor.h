@@ -4,7 +4,6 @@
 
 #include <QFont>
 #include <QPointF>
-#include <QSizeF>
 
 #include <vector>
 

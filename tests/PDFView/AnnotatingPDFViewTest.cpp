@@ -153,6 +153,25 @@ TEST_F(AnnotatingPDFViewTest, noMarkupIsOfferedWithoutSelectedTextOrToolState) {
     EXPECT_FALSE(m_view.applyMarkup(PDFAnnotationSubtype::highlight));
 }
 
+TEST_F(AnnotatingPDFViewTest, noMenuComesUpInTheMiddleOfADrag) {
+    QWindow* const window = m_view.windowHandle();
+    const auto at = [this](QPointF point) { return m_view.viewport()->mapTo(&m_view, onScreen(point).toPoint()); };
+    m_toolState->setTool(AnnotationTool::rectangle);
+    QTest::mousePress(window, Qt::LeftButton, {}, at({100, 500}));
+    QTest::mouseMove(window, at({150, 540}));
+    QTest::mouseClick(window, Qt::RightButton, {}, at({150, 540}));
+    EXPECT_FALSE(QApplication::activePopupWidget());
+    QTest::mouseMove(window, at({200, 560}));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, at({200, 560}));
+    ASSERT_EQ(annotations().size(), 1U);
+    EXPECT_NEAR(annotations()[0]->bounds().width(), 100, 2);
+
+    QTest::mouseClick(window, Qt::RightButton, {}, at({150, 540}));
+    QWidget* const menu = QApplication::activePopupWidget();
+    ASSERT_TRUE(menu);
+    menu->close();
+}
+
 TEST_F(AnnotatingPDFViewTest, markupFollowsTextThatRunsUpATurnedPage) {
     // As scanners and spreadsheets write wide pages: turned by a quarter, with the text turned against it.
     PdfFixture fixture;

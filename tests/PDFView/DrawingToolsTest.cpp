@@ -148,6 +148,38 @@ TEST_F(DrawingTools, anotherToolInTheMiddleOfADragKeepsWhatIsDrawnAndItsUndo) {
     EXPECT_TRUE(annotations().empty());
 }
 
+TEST_F(DrawingTools, aDragWhoseReleaseWentElsewhereIsFinishedByWhatComesNext) {
+    m_toolState->setTool(AnnotationTool::rectangle);
+    press({100, 500});
+    moveTo({160, 520});
+    hover({300, 600}); // after a menu that has got the release
+    endTurn();
+    ASSERT_EQ(annotations().size(), 1U);
+    expectRect(annotations()[0]->bounds(), 100, 500, 60, 20);
+    m_undoManager->undo();
+    EXPECT_TRUE(annotations().empty());
+
+    press({100, 500});
+    moveTo({160, 520});
+    drag({{200, 500}, {260, 520}});
+    EXPECT_EQ(annotations().size(), 2U);
+    m_undoManager->undo();
+    EXPECT_EQ(annotations().size(), 1U);
+    m_undoManager->undo();
+    EXPECT_TRUE(annotations().empty());
+
+    m_view.addProgrammaticNote(u"note"_qs, page());
+    endTurn();
+    m_toolState->setTool(AnnotationTool::select);
+    const QRectF before = annotations()[0]->bounds();
+    press(before.center());
+    moveTo(before.center() - QPointF(50, 60));
+    hover({300, 600});
+    EXPECT_EQ(annotations()[0]->bounds(), before.translated(-50, -60));
+    m_undoManager->undo();
+    EXPECT_EQ(annotations()[0]->bounds(), before);
+}
+
 TEST_F(DrawingTools, aPageThatGoesUnderTheStrokeTakesItAlong) {
     m_toolState->setTool(AnnotationTool::ink);
     press({100, 500});

@@ -1,10 +1,13 @@
 #include "PageTextPainting.h"
 
 #include <QPainter>
+#include <QTextOption>
 
 namespace {
 
-void drawText(QPainter& painter, const QString& text, const QRectF& box, QFont font, const QColor& color, int flags) {
+/// `draw` is given the box as the painter has it then: its upper left corner is the origin, and y goes down.
+template <typename Draw>
+void drawText(QPainter& painter, const QString& text, const QRectF& box, QFont font, const QColor& color, Draw draw) {
     if (text.isEmpty() || !box.isValid())
         return;
     const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
@@ -19,7 +22,7 @@ void drawText(QPainter& painter, const QString& text, const QRectF& box, QFont f
     painter.setClipRect(upright, Qt::IntersectClip);
     painter.setFont(font);
     painter.setPen(color);
-    painter.drawText(upright, flags, text);
+    draw(upright);
     painter.restore();
 }
 
@@ -27,10 +30,13 @@ void drawText(QPainter& painter, const QString& text, const QRectF& box, QFont f
 
 void PageTextPainting::drawWrapped(QPainter& painter, const QString& text, const QRectF& box, const QFont& font,
                                    const QColor& color) {
-    drawText(painter, text, box, font, color, int(Qt::AlignLeft | Qt::AlignTop) | Qt::TextWordWrap);
+    QTextOption option(Qt::AlignLeft | Qt::AlignTop);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    drawText(painter, text, box, font, color, [&](const QRectF& upright) { painter.drawText(upright, text, option); });
 }
 
 void PageTextPainting::drawLine(QPainter& painter, const QString& text, const QRectF& box, const QFont& font,
                                 const QColor& color) {
-    drawText(painter, text, box, font, color, int(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine);
+    constexpr int flags = int(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine;
+    drawText(painter, text, box, font, color, [&](const QRectF& upright) { painter.drawText(upright, flags, text); });
 }

@@ -19,7 +19,10 @@ static QRegion placesOf(const QRegion& stale) {
 }
 
 void AnnotatedTiles::beginFrame() {
-    std::erase_if(m_entries, [](const Entry& entry) { return entry.page.expired(); });
+    std::erase_if(m_entries, [this](const Entry& entry) {
+        // One without an image takes nothing of the limit, so there could be any number.
+        return entry.page.expired() || (entry.image.isNull() && entry.frame < m_frame);
+    });
     qint64 taken = bytes();
     while (taken > m_limit) {
         const auto oldest =

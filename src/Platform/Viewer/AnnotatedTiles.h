@@ -28,6 +28,8 @@ public:
     void noteChange(const PDFPage& page, const QRectF& area);
 
     [[nodiscard]] qint64 bytes() const;
+    /// How many tiles it knows, those that are shown as they are among them.
+    [[nodiscard]] std::size_t count() const { return m_entries.size(); }
     void clear() { m_entries.clear(); }
 
 private:

@@ -266,6 +266,7 @@ void PDFView::mouseDoubleClickEvent(QMouseEvent* event) {
 void PDFView::mouseMoveEvent(QMouseEvent* event) {
     m_parts->pointer = event->position();
     if (!event->buttons().testFlag(Qt::LeftButton)) {
+        m_parts->drag.release(); // a menu or a dialog that came up has taken the event
         // Links are read from the file when they are first asked for: not in the middle of scrolling.
         if (!m_parts->isMoving())
             updateCursor(event->position());
@@ -305,6 +306,9 @@ bool PDFView::hasLink(QPointF viewPoint) const {
 }
 
 void PDFView::contextMenuEvent(QContextMenuEvent* event) {
+    // In the middle of a drag it would get the release, and take it for a choice.
+    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
+        return;
     // The menu goes with the view when that is closed meanwhile, so no one here may wait for it.
     QMenu* const shown = menu(event->pos()).release();
     if (!shown)

@@ -1,3 +1,4 @@
+#include "AnnotatedTiles.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
@@ -107,6 +108,23 @@ TEST(LiveAnnotations, manyChangesLeaveThePictureOfAFreshView) {
         fresh.waitUntilSharp();
         expectAlike(view.picture(), fresh.picture(), 2);
     }
+}
+
+TEST(LiveAnnotations, tilesThatNoneReachesAreForgottenWhenTheyAreOutOfSight) {
+    const auto document = sampleDocument(1);
+    const std::vector far{std::make_shared<PDFAnnotation>(QRectF(5000, 5000, 10, 10), PDFAnnotationSubtype::square)};
+    PlacedPage placed;
+    placed.page = document->page(0);
+    QImage plain(100, 100, QImage::Format_RGB32);
+    plain.fill(Qt::white);
+    AnnotatedTiles tiles(1 << 20);
+    for (int size = 100; size < 150; ++size) { // a scale after the other
+        tiles.beginFrame();
+        TileKey key;
+        key.look.pixels = {size, size};
+        EXPECT_EQ(tiles.picture(placed, key, plain, far).cacheKey(), plain.cacheKey());
+    }
+    EXPECT_LE(tiles.count(), 2U);
 }
 
 TEST(LiveAnnotations, aWindowOnALongStrokeShowsWhatTheWholeStrokeWould) {

@@ -141,6 +141,14 @@ TEST(Selection, draggingPastAnEdgeScrolls) {
     const QString text = view.selected();
     EXPECT_TRUE(text.startsWith(QStringLiteral("Page 1 of the sample"))) << text.left(60).toStdString();
     EXPECT_TRUE(text.contains(QStringLiteral("p3 line 10")));
+
+    view.press({300, 100});
+    view.moveTo({300, view.viewport()->height() + 400.0});
+    view.waitUntil([&] { return view.verticalScrollBar()->value() > value; }, "scrolling");
+    view.moveTo({300, 200}, false); // the release went to a menu
+    const int reached = view.verticalScrollBar()->value();
+    QTest::qWait(60);
+    EXPECT_EQ(view.verticalScrollBar()->value(), reached) << "scrolls on without a button";
 }
 
 TEST(Selection, copiesPlainText) {
