@@ -1,0 +1,6 @@
+#include "MTLabel.h"
+
+MTLabel::MTLabel(QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+    setWordWrap(true);
+}

@@ -1,0 +1,23 @@
+#include "MathImage.h"
+
+#include <gtest/gtest.h>
+
+TEST(MathImage, drawsInItsFontAndSaysHowLarge) {
+    MathImage formula;
+    formula.latex = u"\\frac12"_qs;
+    formula.fontSize = 100;
+    const MTMathImageResult result = formula.asImage(2);
+    EXPECT_FALSE(result.error);
+    ASSERT_TRUE(result.image && result.layoutInfo);
+    EXPECT_EQ(formula.intrinsicContentSize, QSizeF(50, 134.3 + 68.6));
+    EXPECT_EQ(result.image->size(), QSize(100, 406));
+    EXPECT_NEAR(result.layoutInfo->ascent, 134.3, 1e-9);
+    EXPECT_NEAR(result.layoutInfo->descent, 68.6, 1e-9);
+    // The line: from side to side, on the axis.
+    const int axis = qRound(2 * (203 - (203 - 202.9) / 2 - 68.6 - 25));
+    for (const int x : {2, 50, 97})
+        EXPECT_EQ(result.image->pixelColor(x, axis), Qt::black) << x;
+
+    formula.latex = u"}"_qs;
+    EXPECT_TRUE(formula.asImage().error);
+}

@@ -1,0 +1,47 @@
+// The developer's program that measures formulas, as it is run.
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+TEST(MathMetricsTool, measuresEachLine) {
+    QProcess tool;
+    tool.start(QStringLiteral(MATH_METRICS), QStringList());
+    ASSERT_TRUE(tool.waitForStarted());
+    tool.write(R"({"latex": "\\frac12", "style": "display", "size": 100}
+{"latex": "\\frac12", "style": "text", "size": 100, "id": 7}
+{"latex": "x"}
+
+{"latex": "\\foo"}
+{"latex": "x", "style": "small"}
+{"latex": "x", "size": 0}
+{"style": "text"}
+no object
+{"latex": ""})");
+    tool.closeWriteChannel();
+    ASSERT_TRUE(tool.waitForFinished());
+    EXPECT_EQ(tool.exitCode(), 0);
+    QList<QJsonObject> lines;
+    for (const QByteArray& line : tool.readAllStandardOutput().split('\n')) {
+        if (!line.isEmpty())
+            lines << QJsonDocument::fromJson(line).object();
+    }
+    ASSERT_EQ(lines.size(), 9);
+    const auto number = [&](int line, const char* key) { return lines[line].value(QLatin1String(key)).toDouble(-1); };
+    EXPECT_NEAR(number(0, "ascent"), 134.3, 1e-9);
+    EXPECT_NEAR(number(0, "descent"), 68.6, 1e-9);
+    EXPECT_NEAR(number(0, "width"), 50, 1e-9);
+    EXPECT_NEAR(number(1, "ascent"), 86.02, 1e-9);
+    EXPECT_EQ(number(1, "id"), 7);
+    EXPECT_NEAR(number(2, "width"), 11.44, 1e-9) << "20 points when nothing is said";
+    const QJsonObject unknownCommand{{QStringLiteral("code"), 2},
+                                     {QStringLiteral("message"), QStringLiteral("Invalid command \\foo")}};
+    EXPECT_EQ(lines[3].value(QLatin1String("error")).toObject(), unknownCommand);
+    EXPECT_FALSE(lines[3].contains(QLatin1String("width")));
+    for (int line = 4; line < 8; ++line)
+        EXPECT_EQ(lines[line].value(QLatin1String("error"))[QLatin1String("code")].toInt(-1), 0) << line;
+    EXPECT_EQ(number(8, "width"), 0);
+}
