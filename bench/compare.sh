@@ -89,3 +89,4 @@ if [ -x "$scroll" ]; then
     QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$scroll" "$file" 2>/dev/null
 fi
 QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$build/bench/PDFView/annotate_bench" 2>/dev/null
+"$build/bench/AI/search_bench" "$file" 2>/dev/null

@@ -1,0 +1,5 @@
+#include "APIProviderKind.h"
+
+QString rawValue(APIProviderKind kind) {
+    return kind == APIProviderKind::ollama ? u"ollama"_qs : u"groq"_qs;
+}

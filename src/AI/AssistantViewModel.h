@@ -1,0 +1,135 @@
+#pragma once
+
+#include "AIModelPreference.h"
+#include "AssistantSource.h"
+#include "AssistantTool.h"
+#include "AssistantTurn.h"
+#include "ChatSession.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class AIProvider;
+class UserDefaults;
+struct AIAgentTurn;
+struct AIMessage;
+struct AIToolCall;
+
+/// The conversations about one document: what the user sees (`turns`), what the model gets to read (the history), and
+/// the run of a question through model and tools. Main thread only; nothing here waits for the network.
+///
+/// A question that runs keeps the view model alive until it is answered, also when the panel is gone by then, so that
+/// the answer is saved with its chat. Conversations are kept for documents that have a file.
+class AssistantViewModel : public QObject, public std::enable_shared_from_this<AssistantViewModel> {
+    Q_OBJECT
+
+public:
+    /// With the user's own keys if `defaults` hold any, otherwise with the built-in service. That choice stays: keys
+    /// that change later serve view models made later. `defaults` must outlive the view model.
+    [[nodiscard]] static std::shared_ptr<AssistantViewModel> create(const AssistantSource& source,
+                                                                    UserDefaults& defaults);
+    /// Takes up the latest of the document's saved conversations, or starts one.
+    [[nodiscard]] static std::shared_ptr<AssistantViewModel> create(const AssistantSource& source,
+                                                                    std::shared_ptr<AIProvider> provider);
+    ~AssistantViewModel() override;
+
+    // State
+
+    /// The bubbles of the current conversation, oldest first.
+    [[nodiscard]] const std::vector<AssistantTurn>& turns() const { return m_turns; }
+    /// True from a question until its answer or its failure.
+    [[nodiscard]] bool isRunning() const { return m_isRunning; }
+    /// The text in the input box.
+    [[nodiscard]] const QString& draft() const { return m_draft; }
+    void setDraft(const QString& draft);
+    /// The most recent first. The turns of the current one are up to date only in `turns`.
+    [[nodiscard]] const std::vector<ChatSession>& sessions() const { return m_sessions; }
+    [[nodiscard]] QUuid currentSessionID() const { return m_currentSessionID; }
+    /// The file's name without its extension; "Untitled PDF" without a file.
+    [[nodiscard]] const QString& documentName() const { return m_documentName; }
+    /// Goes for the next call of the model, also within a run.
+    [[nodiscard]] AIModelPreference modelPreference() const { return m_modelPreference; }
+    void setModelPreference(AIModelPreference preference);
+    /// The file whose text goes with the next question; none without one.
+    [[nodiscard]] const std::optional<QString>& attachmentName() const { return m_attachmentName; }
+    [[nodiscard]] const std::optional<QString>& attachmentContent() const { return m_attachmentContent; }
+
+    // Operations
+
+    /// Sends the draft, with the attachment if there is one, and empties both. With neither, or while a question runs,
+    /// nothing happens and the draft stays.
+    void submit();
+    /// Saves the current conversation and starts an empty one. Nothing happens while a question runs.
+    void startNewConversation();
+    /// Saves the current conversation and shows another. Nothing happens while a question runs.
+    void switchToSession(QUuid id);
+    /// Also while a question runs. The most recent of the others takes the place of the current one.
+    void deleteSession(QUuid id);
+    /// Lets the user pick a file through `onChooseFile`, and attaches it.
+    void attachFile();
+    /// Attaches the text of a PDF's first ten pages, or the whole of a text file in UTF-8. Nothing changes for a file
+    /// that can't be read or holds no text.
+    void attach(const QUrl& file);
+    void removeAttachment();
+    /// Shows a text as if the assistant had said it. The model isn't asked, and never reads it in this conversation.
+    void appendAssistantTurn(const QString& text) { appendTurn(AssistantTurn::Role::assistant, text); }
+
+    /// Shows the dialog in which the user picks one file, and hands it to `chosen`, now or later; `chosen` isn't called
+    /// when the user cancels. `nameFilters` are as QFileDialog takes them. Set by who shows the panel.
+    std::function<void(const QStringList& nameFilters, std::function<void(const QUrl& file)> chosen)> onChooseFile;
+
+Q_SIGNALS:
+    void turnsChanged();
+    void isRunningChanged();
+    void draftChanged();
+    void sessionsChanged();
+    void currentSessionIDChanged();
+    void modelPreferenceChanged();
+    void attachmentNameChanged();
+    void attachmentContentChanged();
+
+private:
+    AssistantViewModel(const AssistantSource& source, std::shared_ptr<AIProvider> provider);
+
+    // The run of a question
+    QCoro::Task<void> run();
+    QCoro::Task<void> runAgentLoop();
+    QCoro::Task<AIAgentTurn> nextTurn();
+    [[nodiscard]] const AssistantTool* tool(const QString& name) const;
+    [[nodiscard]] QString resultOf(const AIToolCall& call) const;
+    void endRun(AssistantTurn::Role role, const QString& text);
+    void askForTitle(QUuid sessionID, const QString& firstMessage);
+    QCoro::Task<void> requestAITitle(QUuid sessionID, QString firstMessage);
+
+    // Conversations
+    void appendTurn(AssistantTurn::Role role, const QString& text);
+    void beginSession();
+    void show(const ChatSession& session);
+    void persistCurrentSession();
+    void save() const;
+    [[nodiscard]] ChatSession* session(QUuid id);
+    void setAttachment(const std::optional<QString>& name, const std::optional<QString>& content);
+    void setRunning(bool running);
+
+    const std::vector<AssistantTool> m_tools;
+    const std::shared_ptr<AIProvider> m_provider;
+    const QString m_systemPrompt;
+    QString m_documentKey; // the file's path; empty without a file
+    QString m_documentName = QStringLiteral("Untitled PDF");
+
+    std::vector<AssistantTurn> m_turns;
+    std::vector<AIMessage> m_history;
+    bool m_isRunning = false;
+    QString m_draft;
+    std::vector<ChatSession> m_sessions;
+    QUuid m_currentSessionID = QUuid::createUuid();
+    AIModelPreference m_modelPreference = AIModelPreference::highPerformance;
+    std::optional<QString> m_attachmentName;
+    std::optional<QString> m_attachmentContent;
+};

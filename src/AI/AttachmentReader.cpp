@@ -1,0 +1,51 @@
+#include "AttachmentReader.h"
+
+#include "PDFDocument.h"
+#include "PDFError.h"
+#include "PDFPage.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStringDecoder>
+
+#include <algorithm>
+
+namespace {
+
+QString textOfPdf(const QString& path) {
+    constexpr int pageLimit = 10;
+    QString text;
+    try {
+        const std::shared_ptr<PDFDocument> document = PDFDocument::fromFile(path);
+        for (int i = 0; i < std::min(document->pageCount(), pageLimit); ++i) {
+            const QString page = document->page(i)->string();
+            if (!page.isEmpty())
+                text += page + u'\n';
+        }
+    } catch (const PDFError&) {
+        return {};
+    }
+    return text;
+}
+
+QString textOfUtf8(const QString& path) {
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) // a pipe would never end
+        return {};
+    const QByteArray bytes = file.readAll();
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder(bytes);
+    return decoder.hasError() ? QString() : text;
+}
+
+} // namespace
+
+QString AttachmentReader::text(const QString& path) {
+    return QFileInfo(path).suffix().toLower() == u"pdf" ? textOfPdf(path) : textOfUtf8(path);
+}
+
+QStringList AttachmentReader::nameFilters() {
+    return {u"PDF and text files (*.pdf *.txt *.text *.md *.markdown *.rst *.tex *.csv *.tsv *.log *.json *.xml *.yaml "
+            u"*.yml *.toml *.ini *.conf *.html *.htm *.css *.rtf *.srt *.c *.h *.cc *.cpp *.hpp *.py *.js *.ts *.java "
+            u"*.go *.rs *.rb *.php *.swift *.sql *.sh *.diff *.patch)"_qs};
+}

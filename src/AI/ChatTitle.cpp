@@ -1,0 +1,23 @@
+#include "ChatTitle.h"
+
+#include "UserCharacters.h"
+
+QString ChatTitle::fromFirstMessage(const QString& message) {
+    constexpr qsizetype limit = 42;
+    QString line = message.trimmed().replace(u'\n', u' ');
+    const qsizetype end = UserCharacters::endOfFirst(line, limit);
+    if (end == line.size())
+        return line;
+    const QString start = line.left(end);
+    const qsizetype lastBlank = start.lastIndexOf(u' ');
+    return (lastBlank < 0 ? start : start.left(lastBlank)) + u'…';
+}
+
+QString ChatTitle::prompt(const QString& firstMessage) {
+    return u"Write a short chat title (3 to 6 words, no quotes, no trailing punctuation) summarizing this message:\n\n"_qs +
+           firstMessage;
+}
+
+QString ChatTitle::systemPrompt() {
+    return u"You write short, punchy chat titles and respond with the title only."_qs;
+}

@@ -1,0 +1,16 @@
+#include "DocumentText.h"
+
+#include "PDFDocument.h"
+#include "PDFSource.h"
+#include "PageStrings.h"
+#include "PageText.h"
+
+DocumentText::DocumentText(const PDFDocument& document, std::shared_ptr<PageStrings> strings, std::stop_token stop)
+    : m_pages(document.pageContents()), m_strings(std::move(strings)), m_stop(std::move(stop)) {}
+
+QString DocumentText::string(int index) const {
+    const PDFPageContent& page = m_pages.at(static_cast<std::size_t>(index));
+    if (m_strings)
+        return m_strings->string(page);
+    return page.source ? page.source->readText(page.pageNumber)->string : QString();
+}

@@ -1,0 +1,137 @@
+#include "RotatingAIProvider.h"
+
+#include "AIProviderError.h"
+#include "APIKeyStore.h"
+#include "ChatRequest.h"
+#include "OpenAIChatCodec.h"
+#include "URLSession.h"
+
+#include <QDateTime>
+#include <QJsonDocument>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace {
+
+QString ollamaModel(AIModelPreference preference) {
+    switch (preference) {
+    case AIModelPreference::highPerformance:
+        return u"gpt-oss:120b-cloud"_qs;
+    case AIModelPreference::balanced:
+        return u"gpt-oss:70b-cloud"_qs;
+    case AIModelPreference::fast:
+        break;
+    }
+    return u"gpt-oss:8b-cloud"_qs;
+}
+
+QString groqModel(AIModelPreference preference) {
+    switch (preference) {
+    case AIModelPreference::highPerformance:
+        return u"llama3-70b-8192"_qs;
+    case AIModelPreference::balanced:
+        return u"llama-3.1-8b-instant"_qs;
+    case AIModelPreference::fast:
+        break;
+    }
+    return u"llama3-8b-8192"_qs;
+}
+
+/// A line break that was copied along with the key would end the header.
+QByteArray bearer(const QString& key) {
+    QByteArray value = "Bearer " + key.toUtf8();
+    value.removeIf([](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+    return value;
+}
+
+/// Some services repeat the key that they refuse; a message is shown and kept with the conversation.
+AIProviderError withoutKey(const AIProviderError& error, const QString& key) {
+    if (error.kind() != AIProviderError::Kind::http || key.trimmed().isEmpty())
+        return error;
+    return AIProviderError::http(error.status(), error.message().replace(key.trimmed(), u"…"_qs));
+}
+
+bool asksForAnotherKey(const AIProviderError& error) {
+    return error.kind() == AIProviderError::Kind::http && (error.status() == 401 || error.status() == 429);
+}
+
+} // namespace
+
+RotatingAIProvider::RotatingAIProvider(UserDefaults& defaults, QUrl groqEndpoint)
+    : RotatingAIProvider(defaults, std::move(groqEndpoint), URLSession::create(), QDateTime::currentSecsSinceEpoch) {}
+
+RotatingAIProvider::RotatingAIProvider(UserDefaults& defaults, QUrl groqEndpoint, std::shared_ptr<URLSession> session,
+                                       Clock clock)
+    : m_defaults(defaults), m_groqEndpoint(std::move(groqEndpoint)), m_session(std::move(session)),
+      m_clock(std::move(clock)) {}
+
+QUrl RotatingAIProvider::defaultGroqEndpoint() {
+    return QUrl(u"https://api.groq.com/openai/v1/chat/completions"_qs);
+}
+
+/// The default where the user's address can't be one.
+QUrl RotatingAIProvider::ollamaEndpoint() const {
+    const QUrl url(APIKeyStore::loadURL(m_defaults), QUrl::StrictMode);
+    return url.isValid() && !url.isEmpty() ? url : QUrl(APIKeyStore::defaultURL());
+}
+
+/// Both pools, key by key, Ollama Cloud first.
+std::vector<RotatingAIProvider::AICredential> RotatingAIProvider::allCredentials(AIModelPreference preference) const {
+    const QStringList ollamaKeys = APIKeyStore::allKeys(m_defaults, APIProviderKind::ollama);
+    const QStringList groqKeys = APIKeyStore::allKeys(m_defaults, APIProviderKind::groq);
+    std::vector<AICredential> credentials;
+    for (qsizetype i = 0; i < std::max(ollamaKeys.size(), groqKeys.size()); ++i) {
+        if (i < ollamaKeys.size())
+            credentials.push_back({u"Ollama Cloud"_qs, ollamaEndpoint(), ollamaModel(preference), ollamaKeys[i]});
+        if (i < groqKeys.size())
+            credentials.push_back({u"Groq"_qs, m_groqEndpoint, groqModel(preference), groqKeys[i]});
+    }
+    return credentials;
+}
+
+std::vector<RotatingAIProvider::AICredential>
+RotatingAIProvider::credentialsStartingAtCurrentHour(AIModelPreference preference) const {
+    std::vector<AICredential> list = allCredentials(preference);
+    if (list.empty())
+        return list;
+    constexpr qint64 secondsPerHour = 3600;
+    const qint64 start = m_clock() / secondsPerHour % static_cast<qint64>(list.size());
+    std::rotate(list.begin(), list.begin() + start, list.end());
+    return list;
+}
+
+QCoro::Task<AIAgentTurn> RotatingAIProvider::send(std::vector<AIMessage> history, std::vector<AssistantTool> tools,
+                                                  QString system, AIModelPreference preference) {
+    return tryInTurn(m_session, credentialsStartingAtCurrentHour(preference),
+                     OpenAIChatCodec::encodeMessages(history, system), OpenAIChatCodec::encodeToolSpecs(tools));
+}
+
+QCoro::Task<AIAgentTurn> RotatingAIProvider::tryInTurn(std::shared_ptr<URLSession> session,
+                                                       std::vector<AICredential> credentials, QJsonArray messages,
+                                                       QJsonArray toolSpecs) {
+    AIProviderError lastError = AIProviderError::missingAPIKey(u"Ollama Cloud or Groq"_qs);
+    for (const AICredential& credential : credentials) {
+        try {
+            co_return co_await performRequest(session, credential, messages, toolSpecs);
+        } catch (const AIProviderError& error) {
+            if (!asksForAnotherKey(error))
+                throw withoutKey(error, credential.apiKey);
+            lastError = AIProviderError::http(error.status(), credential.label + u" key rejected or rate-limited"_qs);
+        }
+    }
+    throw lastError;
+}
+
+QCoro::Task<AIAgentTurn> RotatingAIProvider::performRequest(std::shared_ptr<URLSession> session,
+                                                            AICredential credential, QJsonArray messages,
+                                                            QJsonArray toolSpecs) {
+    return ChatRequest::send(std::move(session), [credential = std::move(credential), messages = std::move(messages),
+                                                  toolSpecs = std::move(toolSpecs)] {
+        const QJsonObject body{{u"model"_qs, credential.model}, {u"messages"_qs, messages}, {u"tools"_qs, toolSpecs}};
+        return URLRequest{credential.endpoint,
+                          {{"Authorization", bearer(credential.apiKey)}, {"Content-Type", "application/json"}},
+                          QJsonDocument(body).toJson(QJsonDocument::Compact)};
+    });
+}

@@ -1,0 +1,73 @@
+#include "SelectionReader.h"
+
+#include "AnnotatingPDFView.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PDFSelection.h"
+#include "PDFViewCoordinator.h"
+
+#include <QCoreApplication>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <QCoroFuture>
+
+#include <algorithm>
+
+namespace {
+
+bool isSame(const SelectionCopier::Span& a, const SelectionCopier::Span& b) {
+    return a.content == b.content && a.start == b.start && a.end == b.end;
+}
+
+} // namespace
+
+SelectionReader::SelectionReader(QPointer<PDFViewCoordinator> coordinator) : m_coordinator(std::move(coordinator)) {
+    // The end of the program waits for its threads.
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { *m_cancelled = true; });
+}
+
+SelectionReader::~SelectionReader() {
+    *m_cancelled = true;
+}
+
+SelectionReader::Spans SelectionReader::spans() const {
+    Spans spans;
+    const AnnotatingPDFView* const view = m_coordinator ? m_coordinator->pdfView() : nullptr;
+    if (!view || !view->hasSelection())
+        return spans;
+    const std::shared_ptr<PDFDocument> document = view->document();
+    for (int i = 0; i < document->pageCount(); ++i) {
+        const std::shared_ptr<PDFPage> page = document->page(i);
+        for (const auto& [start, end] : view->selectedRanges(*page))
+            spans.push_back({page->content(), start, end});
+    }
+    return spans;
+}
+
+QString SelectionReader::text() const {
+    if (!m_preparedSpans.empty()) {
+        const Spans selected = spans();
+        if (std::equal(selected.begin(), selected.end(), m_preparedSpans.begin(), m_preparedSpans.end(), isSame))
+            return m_preparedText;
+    }
+    const AnnotatingPDFView* const view = m_coordinator ? m_coordinator->pdfView() : nullptr;
+    const std::optional<PDFSelection> selection = view ? view->currentSelection() : std::nullopt;
+    return selection ? selection->string() : QString();
+}
+
+QCoro::Task<void> SelectionReader::prepare() {
+    const auto self = shared_from_this();
+    Spans selected = spans();
+    m_preparedSpans.clear();
+    if (SelectionCopier::isShort(selected))
+        co_return;
+    QFuture<QString> reading = QtConcurrent::run(
+        [selected, cancelled = m_cancelled] { return SelectionCopier::read(selected, cancelled.get()); });
+    try {
+        m_preparedText = co_await reading;
+    } catch (const std::exception&) {
+        co_return; // memory ran out; whoever asks will see
+    }
+    if (!*m_cancelled)
+        m_preparedSpans = std::move(selected);
+}

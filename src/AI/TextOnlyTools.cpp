@@ -1,0 +1,55 @@
+#include "TextOnlyTools.h"
+
+#include "ToolArguments.h"
+#include "ToolSchema.h"
+#include "UserCharacters.h"
+
+#include <QStringList>
+
+namespace {
+
+constexpr QLatin1String queryArgument("query");
+
+QString fullText(const QString& text) {
+    constexpr qsizetype limit = 60'000; // user-perceived characters
+    const qsizetype end = UserCharacters::endOfFirst(text, limit);
+    if (end == text.size())
+        return text;
+    return text.left(end) + u"\n\n[Truncated — document is longer than fits in one call. Use search_text for anything "
+                            u"past this point.]"_qs;
+}
+
+QString searchText(const QString& text, const QJsonObject& input) {
+    constexpr qsizetype limit = 5;
+    constexpr qsizetype margin = 60; // user-perceived characters on either side of a hit
+    const QString query = ToolArguments::string(input, queryArgument).value_or(QString());
+    if (query.isEmpty())
+        return u"Missing 'query' argument."_qs;
+    const QString lowerText = text.toLower();
+    const QString lowerQuery = query.toLower();
+    QStringList excerpts;
+    for (qsizetype hit = lowerText.indexOf(lowerQuery); hit >= 0 && excerpts.size() < limit;) {
+        const qsizetype end = hit + lowerQuery.size();
+        // Lower case may be longer than what it comes from: such places are off by a little, or behind the end.
+        const qsizetype from = UserCharacters::before(text, hit, margin);
+        const qsizetype to = UserCharacters::after(text, end, margin);
+        excerpts.append(u"…"_qs + text.mid(from, to - from) + u"…"_qs);
+        hit = lowerText.indexOf(lowerQuery, end);
+    }
+    return excerpts.isEmpty() ? u"No matches found for '%1'."_qs.arg(query) : excerpts.join(u'\n');
+}
+
+} // namespace
+
+std::vector<AssistantTool> TextOnlyTools::make(const TextOnlyAssistantContext& context) {
+    return {
+        {u"get_full_text"_qs,
+         u"Get the text Spotlight has indexed for this document (Excel/PowerPoint/Pages/Numbers/Keynote/EPUB — not a "
+         u"PDF, no page numbers)."_qs,
+         toolSchema({}), [context](const QJsonObject&) { return fullText(context.extractedText); }},
+        {u"search_text"_qs,
+         u"Search this document's Spotlight-indexed text for a keyword or phrase and return short excerpts."_qs,
+         toolSchema({{queryArgument, u"string"_qs}}),
+         [context](const QJsonObject& input) { return searchText(context.extractedText, input); }},
+    };
+}

@@ -1,0 +1,35 @@
+#include "URLSessionError.h"
+
+URLSessionError::URLSessionError(const QString& sentence) : std::runtime_error(sentence.toStdString()) {}
+
+static QString sentenceFor(QNetworkReply::NetworkError error) {
+    switch (error) {
+    case QNetworkReply::ConnectionRefusedError:
+        return u"The AI service at “%1” refused the connection. Check that it is running."_qs;
+    case QNetworkReply::HostNotFoundError:
+        return u"The AI service at “%1” couldn't be found. Check your internet connection and the API URL in "
+               "Quillo > Settings…"_qs;
+    case QNetworkReply::RemoteHostClosedError:
+        return u"The AI service at “%1” ended the connection before its answer was complete. Ask again."_qs;
+    case QNetworkReply::TimeoutError:
+    case QNetworkReply::OperationCanceledError: // which is what a transfer that takes too long ends with
+        return u"The AI service at “%1” didn't answer in time. Ask again."_qs;
+    case QNetworkReply::SslHandshakeFailedError:
+        return u"The AI service at “%1” couldn't prove who it is, so nothing was sent to it."_qs;
+    case QNetworkReply::InsecureRedirectError:
+        return u"The AI service at “%1” pointed to another address. Quillo doesn't follow, so that your key and your "
+               "question stay where you sent them. Check the API URL in Quillo > Settings…"_qs;
+    case QNetworkReply::TooManyRedirectsError:
+        return u"The AI service at “%1” sends requests in a circle."_qs;
+    case QNetworkReply::TemporaryNetworkFailureError:
+    case QNetworkReply::NetworkSessionFailedError:
+    case QNetworkReply::UnknownNetworkError:
+        return u"The AI service at “%1” can't be reached. Check your internet connection."_qs;
+    default:
+        return u"The connection to the AI service at “%1” failed. Ask again."_qs;
+    }
+}
+
+URLSessionError URLSessionError::forNetworkError(QNetworkReply::NetworkError error, const QString& host) {
+    return URLSessionError(sentenceFor(error).arg(host));
+}

@@ -1,0 +1,122 @@
+#pragma once
+
+#include "AIProvider.h"
+#include "AnnotatingPDFView.h"
+#include "AssistantSource.h"
+#include "AssistantViewModel.h"
+#include "PDFDocument.h"
+#include "PDFViewCoordinator.h"
+#include "PdfFixtures.h"
+#include "ToolState.h"
+#include "UserDefaults.h"
+
+#include <QCoroTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <vector>
+
+/// Replies with what the test laid ready, one event later, and keeps what it was asked. Requests for a title are kept
+/// apart and fail unless there is a title.
+class ScriptedProvider : public AIProvider {
+public:
+    struct Call {
+        std::vector<AIMessage> history;
+        std::vector<AssistantTool> tools;
+        QString system;
+        AIModelPreference preference;
+    };
+
+    QCoro::Task<AIAgentTurn> send(std::vector<AIMessage> history, std::vector<AssistantTool> tools, QString system,
+                                  AIModelPreference preference) override {
+        const bool asksForTitle = tools.empty();
+        (asksForTitle ? titleCalls : calls).push_back({history, tools, system, preference});
+        co_await QCoro::sleepFor(std::chrono::milliseconds(0));
+        if (asksForTitle) {
+            if (title.isNull())
+                throw std::runtime_error("no title");
+            co_return answer(title);
+        }
+        if (replies.empty())
+            throw std::runtime_error("no reply left");
+        const auto reply = replies.front();
+        replies.pop_front();
+        co_return reply();
+    }
+
+    static AIAgentTurn answer(const QString& text) {
+        return {{AIRole::assistant, {AIContentPart::text(text)}}, {}, text, true};
+    }
+    static AIAgentTurn toolUse(const std::vector<AIToolCall>& toolCalls) {
+        AIAgentTurn turn{{AIRole::assistant, {}}, toolCalls, {}, false};
+        for (const AIToolCall& call : toolCalls)
+            turn.message.parts.push_back(AIContentPart::toolUse(call.id, call.name, call.input));
+        return turn;
+    }
+    void reply(const AIAgentTurn& turn) {
+        replies.push_back([turn] { return turn; });
+    }
+
+    std::deque<std::function<AIAgentTurn()>> replies;
+    QString title;
+    std::vector<Call> calls;
+    std::vector<Call> titleCalls;
+};
+
+/// A saved document of three pages with an outline, shown in a viewer that a coordinator follows.
+class AssistantTest : public testing::Test {
+protected:
+    AssistantTest() {
+        PdfFixture fixture;
+        fixture.addPage({u"The Quick fox"_qs, u"second line"_qs});
+        fixture.addPage({});
+        fixture.addPage({u"about the lazy dog"_qs});
+        fixture.setOutline({{u"Getting Started"_qs, 0, {{u"  Setup"_qs, 1}}}, {u"The Dog"_qs, 2}});
+        m_path = m_folder.filePath(u"Some.Book.pdf"_qs);
+        QFile file(m_path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(fixture.bytes());
+        file.close();
+        openWindow(PDFDocument::fromFile(m_path));
+    }
+
+    void openWindow(const std::shared_ptr<PDFDocument>& document) {
+        m_document = document;
+        m_view = std::make_unique<AnnotatingPDFView>();
+        m_coordinator = std::make_unique<PDFViewCoordinator>(m_defaults);
+        m_view->setToolState(std::make_shared<ToolState>());
+        m_view->setDocument(m_document);
+        m_coordinator->setPdfView(m_view.get());
+        m_coordinator->observePageChanges();
+        m_view->resize(500, 500);
+        m_view->show();
+        QTest::qWait(0);
+    }
+
+    void closeWindow() {
+        m_view.reset();
+        m_coordinator.reset();
+        m_document.reset();
+    }
+
+    [[nodiscard]] AssistantContext context() const {
+        return {m_document, m_coordinator.get(), QUrl::fromLocalFile(m_path)};
+    }
+
+    static bool finish(const AssistantViewModel& viewModel) {
+        return QTest::qWaitFor([&viewModel] { return !viewModel.isRunning(); }, 10'000);
+    }
+
+    QTemporaryDir m_folder;
+    QString m_path;
+    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    std::shared_ptr<PDFDocument> m_document;
+    std::unique_ptr<AnnotatingPDFView> m_view;
+    std::unique_ptr<PDFViewCoordinator> m_coordinator;
+};

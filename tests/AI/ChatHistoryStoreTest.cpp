@@ -1,0 +1,150 @@
+#include "ChatHistoryStore.h"
+
+#include "ChatSessionCoder.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace {
+
+using Role = AssistantTurn::Role;
+
+const QString key = QStringLiteral("/home/someone/Ünï.pdf");
+
+QString folder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillo/Chats"_qs;
+}
+
+QString path() {
+    return folder() + u'/' +
+           QString::fromLatin1(QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha256).toHex()) +
+           u".json"_qs;
+}
+
+mode_t modeOf(const QString& file) {
+    struct stat status {};
+    EXPECT_EQ(stat(QFile::encodeName(file).constData(), &status), 0);
+    return status.st_mode & 07777;
+}
+
+std::vector<ChatSession> someSessions() {
+    ChatSession first;
+    first.title = u"One \"quoted\" … 👨‍👩‍👧"_qs;
+    first.turns = {{QUuid::createUuid(), Role::user, u"a\nb"_qs},
+                   {QUuid::createUuid(), Role::assistant, QString(QChar(u'\0')) + QChar(0xD83D) + u"\\frac"_qs},
+                   {QUuid::createUuid(), Role::error, {}}};
+    first.updatedAt = QDateTime(QDate(2024, 5, 1), QTime(23, 59, 59, 999), Qt::UTC);
+    return {first, ChatSession()};
+}
+
+void write(const QByteArray& bytes) {
+    QDir().mkpath(folder());
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+} // namespace
+
+TEST(ChatHistoryStoreTest, GivesBackWhatWasSavedButForFractionsOfASecond) {
+    const std::vector<ChatSession> sessions = someSessions();
+    ChatHistoryStore::save(sessions, key);
+    std::vector<ChatSession> loaded = ChatHistoryStore::load(key);
+    ASSERT_EQ(loaded.size(), 2U);
+    EXPECT_EQ(loaded[0].updatedAt, QDateTime(QDate(2024, 5, 1), QTime(23, 59, 59), Qt::UTC));
+    for (std::size_t i = 0; i < loaded.size(); ++i)
+        loaded[i].updatedAt = sessions[i].updatedAt;
+    EXPECT_EQ(loaded, sessions);
+    EXPECT_EQ(modeOf(path()), 0600U);
+    EXPECT_EQ(modeOf(folder()), 0700U);
+    EXPECT_TRUE(ChatHistoryStore::load(key + u'x').empty());
+
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QJsonArray array = QJsonDocument::fromJson(file.readAll()).array();
+    const QJsonObject session = array[0].toObject();
+    EXPECT_EQ(session.keys(), QStringList({u"id"_qs, u"title"_qs, u"turns"_qs, u"updatedAt"_qs}));
+    EXPECT_EQ(session[u"updatedAt"].toString(), u"2024-05-01T23:59:59Z"_qs);
+    EXPECT_EQ(session[u"id"].toString().size(), 36);
+    const QJsonObject turn = session[u"turns"][1].toObject();
+    EXPECT_EQ(turn.keys(), QStringList({u"id"_qs, u"role"_qs, u"text"_qs}));
+    EXPECT_EQ(turn[u"role"], QJsonValue(u"assistant"_qs));
+    EXPECT_EQ(array[1][u"title"], QJsonValue(u"New Chat"_qs));
+}
+
+TEST(ChatHistoryStoreTest, ReadsAllOrNothing) {
+    const QByteArray good = R"([{"updatedAt":"2024-05-01T10:00:00+02:00","id":"6BA7B810-9DAD-11D1-80B4-00C04FD430C8",)"
+                            R"("title":"T","extra":1,"turns":[{"id":"00000000-0000-0000-0000-000000000000",)"
+                            R"("role":"error","text":""}]}])";
+    const auto decoded = ChatSessionCoder::decode(good);
+    ASSERT_TRUE(decoded && decoded->size() == 1);
+    EXPECT_EQ(decoded->front().updatedAt, QDateTime(QDate(2024, 5, 1), QTime(8, 0), Qt::UTC));
+    EXPECT_EQ(decoded->front().turns.front().role, Role::error);
+    EXPECT_TRUE(ChatSessionCoder::decode("[]"));
+
+    const struct {
+        QByteArray before;
+        QByteArray after;
+    } damages[] = {
+        {R"("error")", R"("Error")"},
+        {R"("role":"error",)", ""},
+        {R"("text":"")", R"("text":null)"},
+        {R"("T")", "3"},
+        {"00000000-0000", "0000000-00000"},
+        {R"("6BA7B810-9DAD-11D1-80B4-00C04FD430C8")", R"("{6BA7B810-9DAD-11D1-80B4-00C04FD430C8}")"},
+        {"10:00:00+", "10:00:00.5+"},
+        {"05-01T", "05-32T"},
+        {R"([{"id":"00)", R"([7,{"id":"00)"},
+        {R"([{"up)", R"([[],{"up)"},
+    };
+    for (const auto& [before, after] : damages) {
+        QByteArray damaged = good;
+        damaged.replace(before, after);
+        ASSERT_NE(damaged, good);
+        EXPECT_FALSE(ChatSessionCoder::decode(damaged)) << damaged.constData();
+    }
+    for (const QByteArray& json : {QByteArray(), good.chopped(1), good.mid(1).chopped(1), QByteArray("null")})
+        EXPECT_FALSE(ChatSessionCoder::decode(json)) << json.constData();
+}
+
+TEST(ChatHistoryStoreTest, ReplacesADamagedFileAndOneThatMayNotBeWritten) {
+    for (const mode_t mode : {0644, 0000}) {
+        write("[{\"id\"");
+        ASSERT_EQ(chmod(QFile::encodeName(path()).constData(), mode), 0);
+        EXPECT_TRUE(ChatHistoryStore::load(key).empty());
+        ChatHistoryStore::save(someSessions(), key);
+        EXPECT_EQ(ChatHistoryStore::load(key).size(), 2U);
+        EXPECT_EQ(modeOf(path()), 0600U);
+    }
+    ASSERT_TRUE(QFile::remove(path()));
+    ASSERT_EQ(mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
+    EXPECT_TRUE(ChatHistoryStore::load(key).empty()) << "and doesn't wait for a writer";
+    ASSERT_TRUE(QFile::remove(path()));
+}
+
+TEST(ChatHistoryStoreTest, KeepsTheOldFileWhenTheDiskIsFull) {
+    ChatHistoryStore::save({ChatSession()}, key);
+    const auto files = [] { return QDir(folder()).entryList(QDir::Files | QDir::Hidden); };
+    const QStringList filesBefore = files();
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit tiny{100, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &tiny);
+    ChatHistoryStore::save(someSessions(), key);
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(ChatHistoryStore::load(key).size(), 1U);
+    EXPECT_EQ(files(), filesBefore) << "nothing half-written is left";
+}

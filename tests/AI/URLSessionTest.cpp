@@ -1,0 +1,273 @@
+#include "URLSession.h"
+
+#include "APIKeyStore.h"
+#include "LoopbackServer.h"
+#include "OpenSSLProgram.h"
+#include "RotatingAIProvider.h"
+#include "TaskOutcome.h"
+#include "URLSessionError.h"
+#include "UserDefaults.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QPointer>
+#include <QScopeGuard>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const QByteArray answer = R"({"choices":[{"message":{"content":"Hi"}}]})";
+const QString secret = u"sk-secret-of-the-user"_qs;
+
+/// What openssl makes in `folder`, signed by nobody but itself.
+QSslConfiguration selfSigned(const QTemporaryDir& folder) {
+    EXPECT_TRUE(runOpenSSL(folder.path(), {u"req"_qs, u"-x509"_qs, u"-newkey"_qs, u"rsa:2048"_qs, u"-nodes"_qs,
+                                           u"-keyout"_qs, u"key.pem"_qs, u"-out"_qs, u"certificate.pem"_qs, u"-subj"_qs,
+                                           u"/CN=127.0.0.1"_qs, u"-addext"_qs, u"subjectAltName=IP:127.0.0.1"_qs}));
+    QFile key(folder.filePath(u"key.pem"_qs));
+    EXPECT_TRUE(key.open(QIODevice::ReadOnly));
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificateChain(QSslCertificate::fromPath(folder.filePath(u"certificate.pem"_qs)));
+    configuration.setPrivateKey(QSslKey(&key, QSsl::Rsa));
+    return configuration;
+}
+
+} // namespace
+
+/// A provider with one key, whose service is the server.
+class URLSessionTest : public testing::Test {
+protected:
+    URLSessionTest() {
+        APIKeyStore::save(m_defaults, secret, APIProviderKind::ollama);
+        setService(m_server.url(u"/ask"_qs));
+    }
+
+    void setService(const QUrl& url) { APIKeyStore::saveURL(m_defaults, url.toString()); }
+
+    void useTimeout(std::chrono::milliseconds timeout) {
+        m_session = URLSession::create(timeout);
+        m_provider = std::make_unique<RotatingAIProvider>(m_defaults, QUrl(), m_session, [] { return 0; });
+    }
+
+    QCoro::Task<AIAgentTurn> send() {
+        std::vector<AIMessage> history;
+        std::vector<AssistantTool> tools;
+        return m_provider->send(std::move(history), std::move(tools), {}, AIModelPreference::fast);
+    }
+
+    void expectAnswer(const char* when) {
+        setService(m_server.url(u"/ask"_qs));
+        m_server.enqueue(LoopbackServer::json(200, answer));
+        const auto outcome = outcomeOf(send());
+        EXPECT_TRUE(outcome.value && outcome.value->text == u"Hi") << when << ": " << outcome.sentence();
+    }
+
+    QTemporaryDir m_folder;
+    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    LoopbackServer m_server;
+    std::shared_ptr<URLSession> m_session = URLSession::create();
+    std::unique_ptr<RotatingAIProvider> m_provider =
+        std::make_unique<RotatingAIProvider>(m_defaults, QUrl(), m_session, [] { return 0; });
+};
+
+TEST_F(URLSessionTest, TellsWhyThereIsNoAnswerAndGoesOn) {
+    const QByteArray head = "HTTP/1.1 200 OK\r\n";
+    QByteArray packed = qCompress(QByteArray(100 << 20, ' ')).mid(4); // without Qt's own length in front
+    const struct {
+        const char* what;
+        LoopbackServer::Reply reply;
+        const char* sentence;
+    } cases[] = {
+        {"cut short", LoopbackServer::bytes(head + "Content-Length: 500\r\n\r\n{\"choices\""),
+         "ended the connection before its answer was complete"},
+        {"a piece cut short", LoopbackServer::bytes(head + "Transfer-Encoding: chunked\r\n\r\nff\r\n{\"choices\""),
+         "The AI service at"}, // which of the two Qt notices first is a matter of time
+        {"no word", LoopbackServer::bytes({}), "ended the connection before its answer was complete"},
+        {"no HTTP", LoopbackServer::bytes("SSH-2.0-Server\r\n\r\n"),
+         "ended the connection before its answer was complete"},
+        {"100 MB packed", LoopbackServer::json(200, packed, "Content-Encoding: deflate\r\n"),
+         "The connection to the AI service"},
+        {"nested deeply", LoopbackServer::json(200, QByteArray(10'000, '[') + QByteArray(10'000, ']')),
+         "sent an answer that Quillo can't read"},
+        {"no JSON", LoopbackServer::json(502, "<html>"), "sent an answer that Quillo can't read"},
+    };
+    for (const auto& each : cases) {
+        for (int attempt = 0; attempt < 10; ++attempt) // a connection that just closes is tried again
+            m_server.enqueue(each.reply);
+        const auto outcome = outcomeOf(send());
+        m_server.clearReplies();
+        EXPECT_NE(outcome.sentence().find(each.sentence), std::string::npos) << each.what << ": " << outcome.sentence();
+        EXPECT_EQ(outcome.sentence().find(secret.toStdString()), std::string::npos);
+        expectAnswer(each.what);
+    }
+}
+
+TEST_F(URLSessionTest, StopsReadingWhatIsTooLong) {
+    const auto written = std::make_shared<qint64>(0);
+    m_server.enqueue(LoopbackServer::blanks(qint64(100) << 20, written));
+    EXPECT_EQ(outcomeOf(send()).sentence(), "The AI service at “127.0.0.1” sent an answer that is too long.");
+    EXPECT_GT(*written, qint64(16) << 20);
+    EXPECT_LT(*written, qint64(60) << 20);
+    expectAnswer("after a long one");
+}
+
+TEST_F(URLSessionTest, TellsWhyThereIsNoConnection) {
+    QUrl nobody;
+    {
+        const LoopbackServer gone;
+        nobody = gone.url(u"/?key=%1"_qs.arg(secret));
+    }
+    const QTemporaryDir folder;
+    LoopbackServer unproven(selfSigned(folder));
+    const struct {
+        QUrl url;
+        const char* sentence;
+    } cases[] = {
+        {nobody, "The AI service at “127.0.0.1” refused the connection. Check that it is running."},
+        {unproven.url(u"/ask"_qs),
+         "The AI service at “127.0.0.1” couldn't prove who it is, so nothing was sent to it."},
+        {QUrl(u"http://nobody.invalid/ask"_qs),
+         "The AI service at “nobody.invalid” couldn't be found. Check your internet connection and the API URL in "
+         "Quillo > Settings…"},
+        {QUrl(u"localhost:11434/v1"_qs), "The API URL isn't one of a web service. It must begin with https:// or "
+                                         "http://. Change it in Quillo > Settings…"},
+        {QUrl(u"file:///etc/hostname"_qs), "The API URL isn't one of a web service. It must begin with https:// or "
+                                           "http://. Change it in Quillo > Settings…"},
+    };
+    for (const auto& each : cases) {
+        setService(each.url);
+        const auto outcome = outcomeOf(send());
+        EXPECT_TRUE(outcome.threw<URLSessionError>());
+        EXPECT_EQ(outcome.sentence(), each.sentence);
+        expectAnswer("after a failed connection");
+    }
+    EXPECT_TRUE(unproven.requests().empty());
+}
+
+TEST_F(URLSessionTest, AsksWhomTheCertificatesProve) {
+    const QTemporaryDir folder;
+    LoopbackServer server(selfSigned(folder));
+    const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
+    const auto reset = qScopeGuard([&] { QSslConfiguration::setDefaultConfiguration(usual); });
+    QSslConfiguration trusting = usual;
+    ASSERT_TRUE(trusting.addCaCertificates(folder.filePath(u"certificate.pem"_qs)));
+    QSslConfiguration::setDefaultConfiguration(trusting);
+
+    setService(server.url(u"/ask"_qs));
+    server.enqueue(LoopbackServer::json(200, answer));
+    const auto outcome = outcomeOf(send());
+    EXPECT_TRUE(outcome.value) << outcome.sentence();
+    ASSERT_EQ(server.requests().size(), 1u);
+    EXPECT_EQ(server.requests()[0].header("Authorization"), "Bearer " + secret.toUtf8());
+}
+
+TEST_F(URLSessionTest, GivesUpOnSilence) {
+    useTimeout(200ms);
+    const QByteArray begun = "HTTP/1.1 200 OK\r\nContent-Length: 90\r\n\r\n{";
+    for (const auto& reply :
+         {LoopbackServer::silence(), LoopbackServer::Reply([&](QTcpSocket& socket) { socket.write(begun); })}) {
+        m_server.enqueue(reply);
+        EXPECT_EQ(outcomeOf(send()).sentence(), "The AI service at “127.0.0.1” didn't answer in time. Ask again.");
+    }
+    useTimeout(60s);
+    expectAnswer("after silence");
+}
+
+TEST_F(URLSessionTest, FollowsRedirectsOnlyAtHome) {
+    const LoopbackServer elsewhere;
+    QUrl otherScheme = m_server.url(u"/ask"_qs);
+    otherScheme.setScheme(u"https"_qs);
+    const struct {
+        int status;
+        QUrl target;
+    } followedNever[] = {{301, elsewhere.url(u"/ask"_qs)},
+                         {302, elsewhere.url(u"/ask"_qs)},
+                         {307, elsewhere.url(u"/ask"_qs)},
+                         {308, elsewhere.url(u"/ask"_qs)},
+                         {308, otherScheme},
+                         {303, m_server.url(u"/result"_qs)},
+                         {307, QUrl(u"file:///etc/hostname"_qs)}};
+    for (const auto& each : followedNever) {
+        m_server.enqueue(LoopbackServer::redirect(each.target.toString(), each.status));
+        const auto outcome = outcomeOf(send());
+        EXPECT_NE(outcome.sentence().find("pointed to another address"), std::string::npos) << outcome.sentence();
+        expectAnswer("after a redirect");
+    }
+    EXPECT_TRUE(elsewhere.requests().empty());
+
+    for (const int status : {301, 302, 307, 308}) {
+        const auto count = m_server.requests().size();
+        m_server.enqueue(LoopbackServer::redirect(u"moved"_qs, status));
+        expectAnswer("behind a redirect");
+        ASSERT_EQ(m_server.requests().size(), count + 2);
+        const auto& first = m_server.requests()[count];
+        const auto& second = m_server.requests()[count + 1];
+        EXPECT_EQ(second.requestLine().toStdString(), "POST /moved HTTP/1.1");
+        EXPECT_EQ(second.body, first.body);
+        EXPECT_EQ(second.header("Authorization"), first.header("Authorization"));
+    }
+
+    for (int i = 0; i < 20; ++i)
+        m_server.enqueue(LoopbackServer::redirect(u"/ask"_qs));
+    EXPECT_EQ(outcomeOf(send()).sentence(), "The AI service at “127.0.0.1” sends requests in a circle.");
+}
+
+TEST_F(URLSessionTest, RemembersNothingOfEarlierReplies) {
+    m_server.enqueue(LoopbackServer::json(200, answer, "Set-Cookie: id=1; Path=/\r\nCache-Control: max-age=99\r\n"));
+    EXPECT_TRUE(outcomeOf(send()).value);
+    expectAnswer("the second time");
+    EXPECT_TRUE(m_server.requests().back().header("Cookie").isNull());
+    EXPECT_EQ(m_server.requests().size(), 2u);
+}
+
+TEST_F(URLSessionTest, RunsTwoQuestionsAtOnce) {
+    QTcpSocket* waiting = nullptr;
+    m_server.enqueue([&waiting](QTcpSocket& socket) { waiting = &socket; });
+    auto first = send();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return waiting != nullptr; }));
+    expectAnswer("beside one that waits");
+    EXPECT_FALSE(first.isReady());
+    LoopbackServer::json(200, answer)(*waiting);
+    EXPECT_TRUE(outcomeOf(std::move(first)).value);
+}
+
+TEST_F(URLSessionTest, OutlivesWhoeverAsked) {
+    for (const bool isAnswered : {true, false}) {
+        useTimeout(60s);
+        const QPointer<URLSession> session(m_session.get());
+        QPointer<QTcpSocket> waiting;
+        m_server.enqueue([&waiting](QTcpSocket& socket) { waiting = &socket; });
+        {
+            const auto task = send();
+            ASSERT_TRUE(QTest::qWaitFor([&] { return !waiting.isNull(); }));
+            m_provider.reset();
+            m_session.reset();
+        }
+        QCoreApplication::processEvents();
+        ASSERT_TRUE(session && waiting);
+        if (isAnswered)
+            LoopbackServer::json(200, answer)(*waiting);
+        else
+            waiting->abort();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return session.isNull(); })) << "the request was the last to need it";
+    }
+}
+
+TEST_F(URLSessionTest, EndsWithTheProgram) {
+    TaskOutcome<AIAgentTurn> outcome;
+    QEventLoop loop;
+    m_server.enqueue([](QTcpSocket&) { QCoreApplication::quit(); });
+    const auto noting = noteOutcome(send(), outcome, loop);
+    QCoreApplication::exec();
+    EXPECT_EQ(outcome.sentence(), "The question was given up because Quillo was closed.");
+}
