@@ -1,0 +1,49 @@
+#pragma once
+
+#include "MathImageSource.h"
+
+#include <QColor>
+#include <QString>
+#include <QWidget>
+
+class MarkdownBrowser;
+
+/// A reply of the assistant: its Markdown laid out as headings, lists, code, tables and quotes, in one text that can be
+/// selected and copied by pointer and keys. It has the height that its width asks for and no ground; the text has the
+/// palette's `Text` colour, and light and dark follow the palette.
+class MarkdownContent : public QWidget {
+    Q_OBJECT
+
+public:
+    /// More of a reply isn't laid out; a sentence stands in for the rest. In UTF-16 code units.
+    static constexpr qsizetype longestText = 400'000;
+
+    /// `color` is that of the formulas; without `mathImages` each shows as its source.
+    MarkdownContent(const QString& text, const QColor& color, const MathImageSource& mathImages = {},
+                    QWidget* parent = nullptr);
+    ~MarkdownContent() override;
+
+    [[nodiscard]] const QString& text() const { return m_text; }
+    /// Lays out anew. Any text will do, among them one that is still being received.
+    void setText(const QString& text);
+
+    [[nodiscard]] const QColor& color() const { return m_color; }
+    void setColor(const QColor& color);
+
+    [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+    [[nodiscard]] int heightForWidth(int width) const override;
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void rebuild(bool keepsSelection);
+
+    QString m_text;
+    QColor m_color;
+    MathImageSource m_mathImages;
+    MarkdownBrowser* m_browser;
+};

@@ -1,0 +1,205 @@
+#include "MarkdownContent.h"
+
+#include "MarkdownBrowser.h"
+#include "ViewTest.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QClipboard>
+#include <QDialog>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QVBoxLayout>
+
+class MarkdownContentTest : public ViewTest {
+protected:
+    void SetUp() override {
+        m_area.setWidgetResizable(true);
+        show(m_area, {360, 500});
+    }
+
+    MarkdownBrowser& display(const QString& text, const MathImageSource& mathImages = {}) {
+        m_content = new MarkdownContent(text, Qt::black, mathImages);
+        m_area.setWidget(m_content);
+        QCoreApplication::processEvents();
+        return *m_content->findChild<MarkdownBrowser*>();
+    }
+
+    /// Where the first letter of the first line that holds `text` is, in the viewport of the browser.
+    static QPoint placeOf(const MarkdownBrowser& browser, const QString& text) {
+        const QTextCursor found = browser.document()->find(text);
+        EXPECT_FALSE(found.isNull()) << text.toStdString();
+        QTextCursor start(found);
+        start.setPosition(found.selectionStart());
+        return browser.cursorRect(start).center() + QPoint(2, 0);
+    }
+
+    static QString copied(MarkdownBrowser& browser) {
+        QGuiApplication::clipboard()->clear();
+        QTest::keyClick(&browser, Qt::Key_C, Qt::ControlModifier);
+        return QGuiApplication::clipboard()->text();
+    }
+
+    QScrollArea m_area;
+    MarkdownContent* m_content = nullptr;
+};
+
+TEST_F(MarkdownContentTest, everythingIsCopiedAsAPersonWouldTypeIt) {
+    const MathImageSource images = [](const QString&, double, const QColor&) {
+        return QImage(20, 10, QImage::Format_ARGB32);
+    };
+    MarkdownBrowser& browser =
+        display(u"|a|b|\n|-|-|\n|1|**2**|\n\n# Title\n\none *two*\nthree $x$\n\n- p\n- q\n\n7. n\n\n> quote\n\n"
+                u"```\nint i;\n\n  i++;\n```\n\n$$y$$\n\n"_qs +
+                    QString(1000, u'w'),
+                images);
+    m_content->setFocus();
+    EXPECT_TRUE(browser.hasFocus());
+    QTest::keyClick(&browser, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(copied(browser).toStdString(),
+              ("a\tb\n1\t2\nTitle\none two\nthree $x$\n\u2022\tp\n\u2022\tq\n1.\tn\nquote\n"
+               "int i;\n\n  i++;\n$$y$$\n" +
+               std::string(1000, 'w')));
+    EXPECT_FALSE(browser.accessibleName().isEmpty());
+}
+
+TEST_F(MarkdownContentTest, aDragSelectsAcrossBlocks) {
+    MarkdownBrowser& browser =
+        display(u"# Head\n\nfirst words\n\n- item one\n\n| left | right |\n|-|-|\n| low | high |"_qs);
+    const auto drag = [&browser](const QString& from, const QString& to) {
+        QTest::mousePress(browser.viewport(), Qt::LeftButton, {}, placeOf(browser, from) - QPoint(3, 0));
+        QTest::mouseMove(browser.viewport(), placeOf(browser, to) - QPoint(3, 0));
+        QTest::mouseRelease(browser.viewport(), Qt::LeftButton, {}, placeOf(browser, to) - QPoint(3, 0));
+    };
+    drag(u"words"_qs, u"one"_qs);
+    EXPECT_EQ(copied(browser).toStdString(), "words\n\u2022\titem ");
+    drag(u"left"_qs, u"high"_qs); // the cells between
+    EXPECT_EQ(copied(browser).toStdString(), "left\tright\nlow\thigh");
+}
+
+TEST_F(MarkdownContentTest, aLinkAsksFirst) {
+    MarkdownBrowser& browser = display(u"go [here](https://example.org/x) or [there](https://example.org/y)"_qs);
+    const auto askedAddress = [this] {
+        auto* dialog = m_area.findChild<QDialog*>(u"webLinkConfirmation"_qs);
+        if (!dialog)
+            return QString();
+        const QString address = dialog->findChild<QPlainTextEdit*>(u"address"_qs)->toPlainText();
+        dialog->reject();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return address;
+    };
+    QTest::mouseClick(browser.viewport(), Qt::LeftButton, {}, placeOf(browser, u"here"_qs));
+    EXPECT_EQ(askedAddress(), u"https://example.org/x"_qs);
+    QTest::mouseClick(browser.viewport(), Qt::LeftButton, {}, placeOf(browser, u"or"_qs));
+    EXPECT_EQ(askedAddress(), QString());
+
+    m_area.activateWindow();
+    m_content->setFocus();
+    browser.moveCursor(QTextCursor::Start);
+    for (const QString& address : {u"https://example.org/x"_qs, u"https://example.org/y"_qs}) {
+        QTest::keyClick(&browser, Qt::Key_Tab);
+        QTest::keyClick(&browser, Qt::Key_Return);
+        EXPECT_EQ(askedAddress(), address);
+    }
+}
+
+TEST_F(MarkdownContentTest, theHeightFollowsTheWidthAndTheTextStaysInside) {
+    const QString word(10'000, u'x');
+    MarkdownBrowser& browser =
+        display(u"some words that are wrapped more often when it is narrow\n\n- "_qs + word + u"\n\n> "_qs + word +
+                u"\n\n```\n"_qs + word + u"\n```\n\n|a|\n|-|\n|"_qs + word + u"|"_qs);
+    const int narrow = m_content->height();
+    EXPECT_LE(browser.document()->size().width(), browser.viewport()->width());
+    EXPECT_EQ(browser.verticalScrollBar()->maximum(), 0);
+    m_area.resize(800, 500);
+    QCoreApplication::processEvents();
+    EXPECT_LT(m_content->height(), narrow);
+    EXPECT_EQ(browser.verticalScrollBar()->maximum(), 0);
+}
+
+TEST_F(MarkdownContentTest, aWideTableScrollsSidewaysByItself) {
+    MarkdownBrowser& browser =
+        display(u"intro\n\n"_qs + u"|cell"_qs.repeated(200) + u"\n|-|\n"_qs + u"|x"_qs.repeated(200));
+    EXPECT_LE(m_content->width(), m_area.viewport()->width());
+    EXPECT_GT(browser.horizontalScrollBar()->maximum(), 1'000);
+    EXPECT_EQ(browser.verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(browser.document()->rootFrame()->childFrames().size(), 1);
+    // Beyond what a grid is good for, the rows are lines.
+    MarkdownBrowser& lines = display(u"|cell"_qs.repeated(201) + u"\n|-|\n|x|y|"_qs);
+    EXPECT_TRUE(lines.document()->rootFrame()->childFrames().isEmpty());
+    EXPECT_EQ(lines.document()->lastBlock().text(), u"x|y"_qs);
+    EXPECT_EQ(lines.horizontalScrollBar()->maximum(), 0);
+}
+
+/// These would hang, crash or take all memory in a viewer that trusts its input.
+TEST_F(MarkdownContentTest, hostileRepliesAreShown) {
+    constexpr qsizetype size = 1'000'000;
+    for (const QStringView part : std::initializer_list<QStringView>{
+             u"*",   u"**a",     u"[",      u"[a](b",  u"![](",   u"|",      u"`",      u"$",     u"\\(", u"- a\n",
+             u"a\n", u"|a|b|\n", u"\u0301", u"\u202E", u"\uFDD0", u"\uFFFC", u"\u2029", u"&#10;", u"> ",  u"\xD800"}) {
+        const QString text = part.toString();
+        MarkdownBrowser& browser = display(u"|a|b|\n|-|-|\n"_qs + text.repeated(size / text.size()));
+        EXPECT_LE(browser.document()->blockCount(), 30'000) << text.toStdString();
+        EXPECT_LE(browser.document()->characterCount(), MarkdownContent::longestText * 11 / 10) << text.toStdString();
+        EXPECT_EQ(browser.document()->lastBlock().text().left(8), u"The rest"_qs) << text.toStdString();
+    }
+    for (const QString& mark : {u"> "_qs, u"- "_qs, u"*"_qs, u"**"_qs, u"["_qs, u"~~"_qs, u"_"_qs}) {
+        const QString deep = mark.repeated(1'000) + u"core"_qs + (mark == u"["_qs ? u"](u)"_qs : mark).repeated(1'000);
+        EXPECT_TRUE(display(deep).toPlainText().contains(u"core"_qs)) << mark.toStdString();
+    }
+}
+
+TEST_F(MarkdownContentTest, signsThatMisleadAreLeftOutAndNothingIsLoaded) {
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"p.png"_qs);
+    QImage(30, 30, QImage::Format_RGB32).save(path);
+    MarkdownBrowser& browser = display(u"a\u202Eb\u2066c"_qs + QChar(0) + u"d&#x202e;e\x1B[1m\uFDD0\n\n![picture]("_qs +
+                                       path + u") <img src=\""_qs + path + u"\"><style>*{color:red}</style>"_qs);
+    EXPECT_EQ(browser.document()->firstBlock().text(), u"abcde[1m\uFFFD"_qs);
+    EXPECT_TRUE(browser.document()->lastBlock().text().startsWith(u"picture <img src="_qs));
+    EXPECT_FALSE(browser.toPlainText().contains(QChar::ObjectReplacementCharacter));
+}
+
+TEST_F(MarkdownContentTest, lightAndDarkFollowThePalette) {
+    MarkdownBrowser& browser = display(u"plain [link](http://a.b)\n\n> quote"_qs);
+    m_content->setFocus();
+    QTest::keyClick(&browser, Qt::Key_A, Qt::ControlModifier);
+    QPalette palette;
+    palette.setColor(QPalette::Text, Qt::yellow);
+    palette.setColor(QPalette::Link, Qt::cyan);
+    m_content->setPalette(palette);
+    const auto colorOf = [&browser](const QString& text) {
+        return browser.document()->find(text).charFormat().foreground();
+    };
+    EXPECT_EQ(colorOf(u"plain"_qs).style(), Qt::NoBrush); // that of the palette
+    EXPECT_EQ(colorOf(u"link"_qs).color(), QColor(Qt::cyan));
+    EXPECT_EQ(colorOf(u"quote"_qs).color().rgb(), QColor(Qt::yellow).rgb());
+    EXPECT_EQ(copied(browser), u"plain link\nquote"_qs) << "the selection stays";
+}
+
+TEST_F(MarkdownContentTest, keysMoveWhatItStandsInAndTheWheelIsLeftToIt) {
+    MarkdownBrowser& browser = display(u"line\n\n"_qs.repeated(300) + u"last"_qs);
+    m_content->setFocus();
+    QTest::keyClick(&browser, Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
+    QScrollBar& bar = *m_area.verticalScrollBar();
+    EXPECT_EQ(bar.value(), bar.maximum());
+    QWheelEvent wheel(QPointF(5, 5), browser.mapToGlobal(QPointF(5, 5)), {}, QPoint(0, 120), Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(browser.viewport(), &wheel);
+    EXPECT_FALSE(wheel.isAccepted()); // and so goes on to the area
+}
+
+TEST_F(MarkdownContentTest, aFormulaAloneStandsInTheMiddle) {
+    double size = 0;
+    const MathImageSource images = [&size](const QString& latex, double fontSize, const QColor&) {
+        size = fontSize;
+        return latex == u"x"_qs ? QImage(20, 10, QImage::Format_ARGB32) : QImage();
+    };
+    MarkdownBrowser& browser = display(u" $$x$$\n\n\\[bad\\]"_qs, images);
+    EXPECT_EQ(size, 22);
+    for (QTextBlock block = browser.document()->begin(); block.isValid(); block = block.next())
+        EXPECT_EQ(block.blockFormat().alignment(), Qt::AlignHCenter);
+    EXPECT_EQ(browser.document()->lastBlock().text(), u"bad"_qs);
+}
