@@ -50,6 +50,9 @@ public:
                                                            MTLineStyle style, bool cramped = false,
                                                            bool spaced = false);
 
+    MTTypesetter(const MTTypesetter&) = delete;
+    MTTypesetter& operator=(const MTTypesetter&) = delete;
+
 private:
     /// What the typesetters of one formula share.
     struct Formula {
@@ -65,8 +68,6 @@ private:
 
     MTTypesetter(Formula& formula, MTLineStyle style, bool cramped, bool spaced);
     ~MTTypesetter();
-    MTTypesetter(const MTTypesetter&) = delete;
-    MTTypesetter& operator=(const MTTypesetter&) = delete;
 
     // The list (MTTypesetter.cpp)
 
