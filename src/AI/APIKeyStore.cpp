@@ -15,7 +15,7 @@ static QString urlKey() {
 }
 
 QStringList APIKeyStore::allKeys(UserDefaults& defaults, APIProviderKind kind) {
-    const QStringList pool = defaults.stringListForKey(poolKey(kind)).value_or(QStringList());
+    QStringList pool = defaults.stringListForKey(poolKey(kind)).value_or(QStringList());
     if (!pool.isEmpty() || kind != APIProviderKind::ollama)
         return pool;
     const QString older = defaults.stringForKey(olderKey()).value_or(QString());

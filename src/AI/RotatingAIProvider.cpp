@@ -121,7 +121,7 @@ QCoro::Task<AIAgentTurn> RotatingAIProvider::tryInTurn(std::shared_ptr<URLSessio
             lastError = AIProviderError::http(error.status(), credential.label + u" key rejected or rate-limited"_qs);
         }
     }
-    throw lastError;
+    throw AIProviderError(lastError);
 }
 
 QCoro::Task<AIAgentTurn> RotatingAIProvider::performRequest(std::shared_ptr<URLSession> session,

@@ -15,6 +15,7 @@ public:
     QAction* const newTab;
     QAction* const open;
     QAction* const quit;
+    QAction* const settings;
     QAction* const about;
     QAction* const makeDefault;
 };

@@ -2,6 +2,7 @@
 
 #include "DefaultPDFHandler.h"
 #include "FileOpenRouter.h"
+#include "MathImageRenderer.h"
 #include "MemoryPressureMonitor.h"
 #include "ThumbnailCache.h"
 #include "WelcomeWindowController.h"
@@ -37,6 +38,7 @@ AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationDidFinishLaunching() {
     ThumbnailCache::install(MemoryPressureMonitor::shared());
+    MathImageRenderer::install(MemoryPressureMonitor::shared());
     QTimer::singleShot(defaultViewerPromptDelay, this, [this] { m_defaultHandler.promptIfNeeded(); });
     QMetaObject::invokeMethod(this, &AppDelegate::showLandingPageIfNoWindowsVisible, Qt::QueuedConnection);
     qApp->installEventFilter(this);

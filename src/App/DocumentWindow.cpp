@@ -75,6 +75,7 @@ void DocumentWindow::addDocument(const std::shared_ptr<PDFEditorDocument>& docum
     m_tabBar->addTab(view);
     updateTab(view);
 
+    connect(view, &ContentView::settingsRequested, m_services.actions.settings, &QAction::trigger);
     connect(view, &ContentView::contentChanged, this, [this, view] {
         if (view == currentContentView())
             updateMenu();

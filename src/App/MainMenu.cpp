@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QTextEdit>
 
 /// A file name as the text of a menu entry: "&" would mark a key.
 static QString menuText(const QString& fileName) {
@@ -56,11 +57,20 @@ void MainMenu::makeMenus(AppActions& actions) {
     file->addSeparator();
     file->addAction(actions.quit);
 
+    m_settings = actions.settings;
     m_editMenu = bar->addMenu(u"&Edit"_qs);
-    m_undo =
-        add(m_editMenu, u"undo"_qs, u"&Undo"_qs, Qt::CTRL | Qt::Key_Z, [this] { m_document->undoManager()->undo(); });
-    m_redo = add(m_editMenu, u"redo"_qs, u"&Redo"_qs, Qt::CTRL | Qt::SHIFT | Qt::Key_Z,
-                 [this] { m_document->undoManager()->redo(); });
+    m_undo = add(m_editMenu, u"undo"_qs, u"&Undo"_qs, Qt::CTRL | Qt::Key_Z, [this] {
+        if (QTextEdit* const editor = openEditor())
+            editor->undo();
+        else
+            m_document->undoManager()->undo();
+    });
+    m_redo = add(m_editMenu, u"redo"_qs, u"&Redo"_qs, Qt::CTRL | Qt::SHIFT | Qt::Key_Z, [this] {
+        if (QTextEdit* const editor = openEditor())
+            editor->redo();
+        else
+            m_document->undoManager()->redo();
+    });
 
     m_viewMenu = bar->addMenu(u"&View"_qs);
     m_fullScreen = add(m_viewMenu, u"fullScreen"_qs, u"&Full Screen"_qs, Qt::Key_F11,
@@ -107,9 +117,13 @@ void MainMenu::fillWorkspaceMenus() {
     m_editMenu->addActions({m_undo, m_redo});
     m_editMenu->addSeparator();
     fill(m_editMenu, {Command::copy, Command::selectAll});
+    m_editMenu->addSeparator();
+    m_editMenu->addAction(m_settings);
 
     m_viewMenu->clear();
     fill(m_viewMenu, {Command::zoomIn, Command::zoomOut, Command::zoomToFit});
+    m_viewMenu->addSeparator();
+    fill(m_viewMenu, {Command::askAssistant});
     m_viewMenu->addSeparator();
     m_viewMenu->addAction(m_fullScreen);
 
@@ -154,6 +168,12 @@ void MainMenu::updateDocumentActions() {
     m_saveAs->setEnabled(canBeSaved);
     m_save->setEnabled(canBeSaved && (m_document->isDocumentEdited() || m_document->isBeingTyped() ||
                                       m_document->fileURL().isEmpty()));
-    m_undo->setEnabled(m_document && m_document->undoManager()->canUndo());
-    m_redo->setEnabled(m_document && m_document->undoManager()->canRedo());
+    const bool isTyped = m_document && m_document->isBeingTyped();
+    m_undo->setEnabled(isTyped || (m_document && m_document->undoManager()->canUndo()));
+    m_redo->setEnabled(isTyped || (m_document && m_document->undoManager()->canRedo()));
+}
+
+/// The editor over a page that has the keyboard: while something is typed there, undo is about that.
+QTextEdit* MainMenu::openEditor() const {
+    return m_document->isBeingTyped() ? qobject_cast<QTextEdit*>(m_window.focusWidget()) : nullptr;
 }

@@ -16,6 +16,7 @@ class QAction;
 class QMainWindow;
 class QKeySequence;
 class QMenu;
+class QTextEdit;
 class WorkspaceActions;
 
 /// The menu bar of one window. Its commands act on the document that it was last told of, and are enabled only while
@@ -44,6 +45,7 @@ private:
     void fillRecentMenu();
     void fillWorkspaceMenus();
     void updateDocumentActions();
+    [[nodiscard]] QTextEdit* openEditor() const;
 
     QMainWindow& m_window;
     DocumentController& m_controller;
@@ -63,4 +65,5 @@ private:
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     QAction* m_fullScreen = nullptr;
+    QAction* m_settings = nullptr; ///< the application's
 };

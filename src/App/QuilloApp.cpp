@@ -3,6 +3,7 @@
 #include "FileOpenRouter.h"
 #include "OpenPanel.h"
 #include "PDFEditorDocument.h"
+#include "SettingsView.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -28,6 +29,7 @@ QuilloApp::~QuilloApp() {
     // Windows refer to the parts that are destroyed before them.
     m_delegate.setTerminating(true);
     m_delegate.closeWelcomeWindow();
+    m_settings.reset();
     m_presenter.closeWindow();
 }
 
@@ -35,6 +37,7 @@ void QuilloApp::connectActions() {
     connect(m_actions.newTab, &QAction::triggered, &m_controller, &DocumentController::newDocument);
     connect(m_actions.open, &QAction::triggered, this, &QuilloApp::showOpenPanel);
     connect(m_actions.quit, &QAction::triggered, this, &QuilloApp::terminate);
+    connect(m_actions.settings, &QAction::triggered, this, &QuilloApp::showSettings);
     connect(m_actions.about, &QAction::triggered, this, &QuilloApp::showAbout);
     connect(m_actions.makeDefault, &QAction::triggered, this, &QuilloApp::makeDefaultViewer);
     m_actions.makeDefault->setEnabled(DefaultPDFHandler::canBeSet());
@@ -106,6 +109,23 @@ void QuilloApp::showAbout() {
                             u"General Public License, version 3 or later."_qs);
     box->addButton(u"OK"_qs, QMessageBox::AcceptRole);
     box->open();
+}
+
+void QuilloApp::showSettings() {
+    if (!m_settings) {
+        SettingsView::DefaultViewer viewer;
+        viewer.canBeSet = DefaultPDFHandler::canBeSet();
+        viewer.isDefault = [this](std::function<void(bool)> answer) { m_defaultHandler.isDefault(std::move(answer)); };
+        viewer.setAsDefault = [this](std::function<void(bool)> completion) {
+            m_defaultHandler.setAsDefault(std::move(completion));
+        };
+        m_settings = std::make_unique<SettingsView>(m_defaults, std::move(viewer));
+        connect(m_settings.get(), &QDialog::finished, this, [this] { m_settings.release()->deleteLater(); });
+    }
+    m_settings->setWindowState(m_settings->windowState() & ~Qt::WindowMinimized);
+    m_settings->show();
+    m_settings->raise();
+    m_settings->activateWindow();
 }
 
 void QuilloApp::makeDefaultViewer() {

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+class SettingsView;
+
 /// The whole program but its event loop: makes the parts and ties them together. One at a time, main thread only; the
 /// application object must exist.
 class QuilloApp : public QObject {
@@ -46,6 +48,8 @@ private:
     void showOpenPanel();
     void showAbout();
     void makeDefaultViewer();
+    /// One window for the whole program: brings it to the front when it is open.
+    void showSettings();
 
     UserDefaults m_defaults;
     std::unique_ptr<DocumentDialogs> m_dialogs;
@@ -55,4 +59,5 @@ private:
     WindowServices m_services;
     DefaultPDFHandler m_defaultHandler;
     AppDelegate m_delegate;
+    std::unique_ptr<SettingsView> m_settings; ///< null while it isn't open
 };

@@ -43,6 +43,7 @@ void ContentView::decideContent() {
             show(Content::landing, new LandingView(m_controller, [this](const QUrl& url) { openInPlace(url); }));
     } else if (m_content != Content::workspace || m_workspaceDocument.lock() != pdfDocument) {
         auto* workspace = new PDFEditorWorkspaceView(m_document, m_document->fileURL(), m_toolState, m_defaults);
+        connect(workspace, &PDFEditorWorkspaceView::settingsRequested, this, &ContentView::settingsRequested);
         m_workspaceDocument = pdfDocument;
         show(Content::workspace, workspace);
     }

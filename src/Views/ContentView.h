@@ -42,6 +42,7 @@ Q_SIGNALS:
     /// Another kind of content shows, or another workspace.
     void contentChanged();
     void openedInPlace();
+    void settingsRequested();
     /// The user gave up unlocking the document.
     void closeRequested();
 

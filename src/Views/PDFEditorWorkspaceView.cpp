@@ -1,6 +1,9 @@
 #include "PDFEditorWorkspaceView.h"
 
 #include "AnnotatingPDFView.h"
+#include "AssistantDock.h"
+#include "AssistantPanel.h"
+#include "AssistantViewModel.h"
 #include "FileOpenRouter.h"
 #include "LineStyleHoverModifier.h"
 #include "LineStylePicker.h"
@@ -18,19 +21,22 @@
 #include "WorkspaceActions.h"
 #include "WorkspaceToolbar.h"
 
+#include <QAction>
 #include <QEvent>
 #include <QVBoxLayout>
 
 // A sentence about the file takes longer to read than the name of a tool.
 static constexpr std::chrono::seconds openNoticeTime{6};
 
-static const QString noTextRecognized = u"No text could be recognized on this page."_qs;
+// Of the viewer, in pixels: the assistant leaves that much of a narrow window.
+static constexpr int smallestViewerWidth = 220;
 
 PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument> document, const QUrl& fileURL,
                                                std::shared_ptr<ToolState> toolState, UserDefaults& defaults,
                                                QWidget* parent)
     : QWidget(parent), m_document(std::move(document)), m_toolState(std::move(toolState)),
-      m_coordinator(new PDFViewCoordinator(defaults, this)) {
+      m_coordinator(new PDFViewCoordinator(defaults, this)), m_defaults(defaults),
+      m_assistantDock(new AssistantDock([this] { return makeAssistantPanel(); })) {
     setObjectName(u"workspace"_qs);
     auto* viewerArea = new QWidget(this);
     PDFKitRepresentedView representation;
@@ -38,6 +44,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     representation.pdfDocument = m_document->pdfDocument();
     representation.coordinator = m_coordinator;
     representation.fileURL = fileURL;
+    representation.onAskAI = [this](const QString& prompt, bool send) { askAI(prompt, send); };
     representation.onTextExtracted = [this](const QString& text) { handleExtractedText(text); };
     representation.undoManager = m_document->undoManager();
     m_pdfView = representation.makeView(viewerArea);
@@ -54,12 +61,20 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_toolbar);
-    layout->addWidget(viewerArea, 1);
+    // What the assistant leaves.
+    viewerArea->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto* content = new QHBoxLayout;
+    content->setSpacing(0);
+    content->addWidget(viewerArea, 1);
+    content->addWidget(m_assistantDock);
+    layout->addLayout(content, 1);
     m_lineStylePicker = new LineStylePicker(m_toolState, this);
     connectTools();
+    connectAssistant();
     setFocusProxy(m_pdfView);
 
     connect(m_toolbar, &WorkspaceToolbar::openRequested, this, &PDFEditorWorkspaceView::openNewDocument);
+    connect(m_toolbar, &WorkspaceToolbar::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
     connect(m_pdfView, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
     connect(m_pdfView, &AnnotatingPDFView::editingTextChanged, m_document.get(), &Document::setBeingTyped);
     connect(m_document.get(), &Document::commitEditingRequested, m_pdfView, &AnnotatingPDFView::commitEditors);
@@ -116,12 +131,58 @@ void PDFEditorWorkspaceView::toggleMarkup(MarkupAction action) {
     m_toolState->setTextEditingModeEnabled(false);
 }
 
+void PDFEditorWorkspaceView::connectAssistant() {
+    QAction* ask = m_actions->action(WorkspaceActions::Command::askAssistant);
+    connect(ask, &QAction::triggered, this, [this] { setShowsAssistant(!showsAssistant()); });
+    connect(m_assistantDock, &AssistantDock::panelShownChanged, ask, &QAction::setChecked);
+    connect(m_assistantDock, &AssistantDock::panelShownChanged, this, [this](bool shown) {
+        if (!shown && m_assistantDock->isAncestorOf(focusWidget()))
+            m_pdfView->setFocus();
+    });
+}
+
+AssistantPanel* PDFEditorWorkspaceView::makeAssistantPanel() {
+    auto* panel = new AssistantPanel(assistant());
+    panel->onClose = [this] { setShowsAssistant(false); };
+    connect(panel, &AssistantPanel::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
+    return panel;
+}
+
+const std::shared_ptr<AssistantViewModel>& PDFEditorWorkspaceView::assistant() {
+    if (!m_assistant)
+        m_assistant = AssistantViewModel::create(
+            AssistantContext{m_document->pdfDocument(), m_coordinator, m_document->fileURL()}, m_defaults);
+    return m_assistant;
+}
+
+bool PDFEditorWorkspaceView::showsAssistant() const {
+    return m_assistantDock->isPanelShown();
+}
+
+void PDFEditorWorkspaceView::setShowsAssistant(bool shows) {
+    m_assistantDock->setPanelShown(shows);
+}
+
 void PDFEditorWorkspaceView::handleExtractedText(const QString& text) {
-    m_notice->announce(text == noTextRecognized ? text : u"Text copied"_qs);
+    setShowsAssistant(true);
+    assistant()->appendAssistantTurn(u"Extracted text:\n\n"_qs + text);
+}
+
+void PDFEditorWorkspaceView::askAI(const QString& prompt, bool send) {
+    setShowsAssistant(true);
+    assistant()->setDraft(prompt);
+    if (send)
+        assistant()->submit();
 }
 
 void PDFEditorWorkspaceView::openNewDocument() {
     OpenPanel::show(this, [](const QUrl& url) { FileOpenRouter::open(url); });
+}
+
+void PDFEditorWorkspaceView::resizeEvent(QResizeEvent* event) {
+    m_assistantDock->setAvailableWidth(width() - smallestViewerWidth);
+    layout()->activate();
+    QWidget::resizeEvent(event);
 }
 
 void PDFEditorWorkspaceView::changeEvent(QEvent* event) {

@@ -9,6 +9,9 @@
 #include <memory>
 
 class AnnotatingPDFView;
+class AssistantDock;
+class AssistantPanel;
+class AssistantViewModel;
 class LineStylePicker;
 class PDFEditorDocument;
 class PDFViewCoordinator;
@@ -18,8 +21,8 @@ class UserDefaults;
 class WorkspaceActions;
 class WorkspaceToolbar;
 
-/// The editing workspace of a document window: the viewer, and a toolbar that drives it. It is built for one
-/// `PDFDocument` object and goes when the document holds another.
+/// The editing workspace of a document window: the viewer, the assistant, and a toolbar that drives them. It is built
+/// for one `PDFDocument` object and goes when the document holds another.
 class PDFEditorWorkspaceView : public QWidget {
     Q_OBJECT
 
@@ -42,14 +45,27 @@ public:
     void toggleTextEditingMode();
     /// Marks the selected text. With nothing selected it turns marking of each next selection on, or off again.
     void toggleMarkup(MarkupAction action);
-    /// Tells that the text of a page is on the clipboard, or `text` itself when it says that there is none.
+    /// Shows the text of a page, which was recognized, among the assistant's replies.
     void handleExtractedText(const QString& text);
+    /// Puts a prompt into the assistant's input field, and sends it if `send` says so.
+    void askAI(const QString& prompt, bool send);
+
+    [[nodiscard]] bool showsAssistant() const;
+    void setShowsAssistant(bool shows);
+    /// Made when it is first asked for.
+    [[nodiscard]] const std::shared_ptr<AssistantViewModel>& assistant();
+
+Q_SIGNALS:
+    void settingsRequested();
 
 protected:
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void connectTools();
+    void connectAssistant();
+    AssistantPanel* makeAssistantPanel();
     void openNewDocument();
 
     std::shared_ptr<PDFEditorDocument> m_document;
@@ -60,4 +76,7 @@ private:
     PassingNotice* m_notice;
     WorkspaceToolbar* m_toolbar;
     LineStylePicker* m_lineStylePicker;
+    UserDefaults& m_defaults;
+    std::shared_ptr<AssistantViewModel> m_assistant;
+    AssistantDock* m_assistantDock;
 };

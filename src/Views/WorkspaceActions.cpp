@@ -23,8 +23,8 @@ struct Row {
 };
 
 /// Every command once, in the order of the enumeration.
-const std::array<Row, 11>& rows() {
-    static const std::array<Row, 11> table = {{
+const std::array<Row, 12>& rows() {
+    static const std::array<Row, 12> table = {{
         {Command::copy, u"copy"_qs, u"&Copy"_qs, {Qt::CTRL | Qt::Key_C}, {}, PDFViewCommand::copy},
         {Command::selectAll, u"selectAll"_qs, u"Select &All"_qs, {Qt::CTRL | Qt::Key_A}, {}, PDFViewCommand::selectAll},
         {Command::zoomIn,
@@ -67,6 +67,7 @@ const std::array<Row, 11>& rows() {
          PDFViewCommand::goToLastPage},
         {Command::back, u"back"_qs, u"&Back"_qs, {Qt::ALT | Qt::Key_Left}, {}, PDFViewCommand::goBack},
         {Command::forward, u"forward"_qs, u"&Forward"_qs, {Qt::ALT | Qt::Key_Right}, {}, PDFViewCommand::goForward},
+        {Command::askAssistant, u"askAssistant"_qs, u"&Ask"_qs, {Qt::CTRL | Qt::Key_K}, u"sparkles"_qs, {}},
     }};
     return table;
 }
@@ -95,6 +96,10 @@ WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<Tool
             action->setEnabled(false);
         m_actions[static_cast<std::size_t>(row.command)] = action;
     }
+    QAction* ask = action(Command::askAssistant);
+    ask->setCheckable(true);
+    ask->setToolTip(
+        u"Ask the AI assistant about this PDF (%1)"_qs.arg(ask->shortcut().toString(QKeySequence::NativeText)));
     if (!view)
         return;
     connect(action(Command::zoomIn), &QAction::triggered, this, [this] { zoomBy(zoomStep); });

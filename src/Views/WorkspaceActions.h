@@ -29,6 +29,7 @@ public:
         lastPage,
         back,
         forward,
+        askAssistant, ///< shows the assistant, or hides it; the workspace connects it
     };
 
     /// What "Zoom In" and "Zoom Out" add to the scale factor and take from it.
@@ -48,5 +49,5 @@ private:
 
     QPointer<AnnotatingPDFView> m_view;
     ToolActions* m_tools;
-    std::array<QPointer<QAction>, 11> m_actions;
+    std::array<QPointer<QAction>, 12> m_actions;
 };

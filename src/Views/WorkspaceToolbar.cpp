@@ -35,8 +35,6 @@ WorkspaceToolbar::WorkspaceToolbar(const WorkspaceActions& actions, std::shared_
     auto* zoom = new ToolbarGroup(u"Zoom"_qs);
     for (const Command command : {Command::zoomOut, Command::zoomToFit, Command::zoomIn})
         zoom->addButton(actions.action(command));
-    auto* right = new ToolbarGroup(u"Document"_qs);
-    right->addButton(tools.editText())->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
 
     m_layout->addGroup(makeOpenGroup());
     m_layout->addGroup(m_toolGroup);
@@ -44,7 +42,7 @@ WorkspaceToolbar::WorkspaceToolbar(const WorkspaceActions& actions, std::shared_
     m_layout->addGroup(options, Placement::beginsHalf);
     m_layout->addGroup(zoom, Placement::beginsRightSide);
     m_layout->addGroup(makePageGroup(actions, coordinator));
-    m_layout->addGroup(right);
+    m_layout->addGroup(makeRightGroup(actions));
 }
 
 WorkspaceToolbar::~WorkspaceToolbar() = default;
@@ -60,6 +58,18 @@ ToolbarGroup* WorkspaceToolbar::makeOpenGroup() {
     connect(open, &QAction::triggered, this, &WorkspaceToolbar::openRequested);
     auto* group = new ToolbarGroup(u"File"_qs);
     group->addButton(open)->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    return group;
+}
+
+ToolbarGroup* WorkspaceToolbar::makeRightGroup(const WorkspaceActions& actions) {
+    auto* settings = new QAction(SymbolIcon::icon(u"gearshape"_qs), u"Settings"_qs, this);
+    settings->setObjectName(u"openSettings"_qs);
+    settings->setToolTip(u"Settings…"_qs);
+    connect(settings, &QAction::triggered, this, &WorkspaceToolbar::settingsRequested);
+    auto* group = new ToolbarGroup(u"Document"_qs);
+    group->addButton(actions.tools().editText())->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    group->addButton(actions.action(Command::askAssistant))->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    group->addButton(settings);
     return group;
 }
 

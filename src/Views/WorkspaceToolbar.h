@@ -13,7 +13,8 @@ class ToolbarLayout;
 class WorkspaceActions;
 
 /// The toolbar of a workspace, in groups from left to right: opening, tools, markup, options of the tool, zoom, pages,
-/// editing of page text. Where the window is too narrow for one row it has several, so all of it stays in reach.
+/// editing of page text, the assistant and the settings. Where the window is too narrow for one row it has several, so
+/// all of it stays in reach.
 class WorkspaceToolbar : public QWidget {
     Q_OBJECT
 
@@ -27,6 +28,7 @@ public:
 
 Q_SIGNALS:
     void openRequested();
+    void settingsRequested();
     /// The button for the end of lines was pressed.
     void lineEndStylesRequested(QWidget* button);
 
@@ -35,6 +37,7 @@ protected:
 
 private:
     ToolbarGroup* makeOpenGroup();
+    ToolbarGroup* makeRightGroup(const WorkspaceActions& actions);
     ToolbarGroup* makePageGroup(const WorkspaceActions& actions, PDFViewCoordinator& coordinator);
 
     ToolbarLayout* m_layout;

@@ -205,12 +205,3 @@ TEST_F(WorkspaceTest, aNarrowWindowShowsAllOfTheToolbar) {
     }
     EXPECT_GT(formerHeight, 90) << "There were several rows.";
 }
-
-TEST_F(WorkspaceTest, extractedTextIsTold) {
-    openWorkspace({});
-    ASSERT_TRUE(m_view->onTextExtracted);
-    m_view->onTextExtracted(u"Some text"_qs);
-    EXPECT_EQ(m_workspace->notice().message(), u"Text copied"_qs);
-    m_view->onTextExtracted(u"No text could be recognized on this page."_qs);
-    EXPECT_EQ(m_workspace->notice().message(), u"No text could be recognized on this page."_qs);
-}

@@ -13,22 +13,27 @@ bool SpeechSynthesizer::startSpeaking(const QString& text) {
         return false;
     if (!m_speech) {
         m_speech = new QTextToSpeech(this);
-        connect(m_speech, &QTextToSpeech::stateChanged, this, &SpeechSynthesizer::stateChanged);
+        // The state is set on a thread of the service and may be another one by the time the signal is here.
+        connect(m_speech, &QTextToSpeech::stateChanged, this, [this](QTextToSpeech::State state) {
+            if (state == QTextToSpeech::Speaking)
+                m_isSpeaking = true;
+            else if (state == QTextToSpeech::Error || (state == QTextToSpeech::Ready && m_isSpeaking))
+                end(state == QTextToSpeech::Ready);
+        });
     }
-    if (m_speech->state() == QTextToSpeech::Error)
+    // Where only the voices don't suit the user's language, the service speaks all the same.
+    const auto hasFailed = [this](QTextToSpeech::ErrorReason reason) {
+        return m_speech->state() == QTextToSpeech::Error && m_speech->errorReason() == reason;
+    };
+    if (hasFailed(QTextToSpeech::ErrorReason::Initialization))
         return false;
     m_speech->say(text);
-    return m_speech->state() != QTextToSpeech::Error;
+    return !hasFailed(QTextToSpeech::ErrorReason::Input);
 }
 
-void SpeechSynthesizer::stateChanged() {
-    const QTextToSpeech::State state = m_speech->state();
-    if (state == QTextToSpeech::Speaking) {
-        m_isSpeaking = true;
-    } else if (state == QTextToSpeech::Error || (state == QTextToSpeech::Ready && m_isSpeaking)) {
-        m_isSpeaking = false;
-        Q_EMIT didFinishSpeaking(state == QTextToSpeech::Ready);
-    }
+void SpeechSynthesizer::end(bool finished) {
+    m_isSpeaking = false;
+    Q_EMIT didFinishSpeaking(finished);
 }
 
 bool SpeechSynthesizer::speakToTheEnd(const QString& text) {

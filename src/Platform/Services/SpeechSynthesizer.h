@@ -23,7 +23,7 @@ Q_SIGNALS:
     void didFinishSpeaking(bool finished);
 
 private:
-    void stateChanged();
+    void end(bool finished);
 
     QTextToSpeech* m_speech = nullptr;
     bool m_isSpeaking = false;

@@ -63,7 +63,7 @@ private:
             answer("225-7\r\n225 OK MESSAGE QUEUED");
             answer("701-7\r\n701-1\r\n701 BEGIN");
             answer("702-7\r\n702-1\r\n702 END");
-        } else if (line == "SPEAK") {
+        } else if (line == "speak") {
             m_isReceiving = true;
             answer("230 OK RECEIVING DATA");
         } else if (line.startsWith("LIST OUTPUT_MODULES")) {

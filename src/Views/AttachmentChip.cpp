@@ -1,0 +1,77 @@
+#include "AttachmentChip.h"
+
+#include "SymbolIcon.h"
+#include "ToolbarButton.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+
+static constexpr int symbolSide = 16;
+static constexpr int buttonSide = 24;
+static constexpr qreal cornerRadius = 8;
+
+AttachmentChip::AttachmentChip(QWidget* parent) : QFrame(parent), m_symbol(new QLabel), m_name(new QLabel) {
+    setObjectName(QStringLiteral("attachmentChip"));
+    m_name->setObjectName(QStringLiteral("attachmentName"));
+    m_name->setTextFormat(Qt::PlainText);
+    m_name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto* remove = new QAction(SymbolIcon::icon(QStringLiteral("xmark.circle.fill")), QString(), this);
+    remove->setObjectName(QStringLiteral("removeAttachment"));
+    remove->setToolTip(QStringLiteral("Remove attachment"));
+    connect(remove, &QAction::triggered, this, &AttachmentChip::removeRequested);
+    auto* button = new ToolbarButton(remove);
+    button->setAccessibleName(remove->toolTip());
+    button->setIconSize({symbolSide, symbolSide});
+    button->setFixedSize(buttonSide, buttonSide);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(8, 3, 4, 3);
+    layout->setSpacing(6);
+    layout->addWidget(m_symbol);
+    layout->addWidget(m_name, 1);
+    layout->addWidget(button);
+    updateSymbol();
+}
+
+AttachmentChip::~AttachmentChip() = default;
+
+void AttachmentChip::setName(const QString& name) {
+    m_fileName = name;
+    m_name->setAccessibleName(QStringLiteral("Attached file: ") + name);
+    setToolTip(name);
+    showName();
+}
+
+void AttachmentChip::showName() {
+    m_name->setText(m_name->fontMetrics().elidedText(m_fileName, Qt::ElideMiddle, m_name->width()));
+}
+
+void AttachmentChip::updateSymbol() {
+    m_symbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("doc.text.fill"), symbolSide,
+                                           palette().color(QPalette::WindowText), devicePixelRatioF()));
+}
+
+void AttachmentChip::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange)
+        updateSymbol();
+    QFrame::changeEvent(event);
+}
+
+void AttachmentChip::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    layout()->activate();
+    showName();
+}
+
+void AttachmentChip::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor face = palette().color(QPalette::WindowText);
+    face.setAlphaF(0.08F);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(face);
+    painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+}

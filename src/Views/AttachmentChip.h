@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QFrame>
+
+class QLabel;
+
+/// The name of the file that goes with the next message, and a button that takes it away.
+class AttachmentChip : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit AttachmentChip(QWidget* parent = nullptr);
+    ~AttachmentChip() override;
+
+    /// A long name is shortened in its middle.
+    void setName(const QString& name);
+
+Q_SIGNALS:
+    void removeRequested();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void updateSymbol();
+    void showName();
+
+    QString m_fileName;
+    QLabel* m_symbol;
+    QLabel* m_name;
+};

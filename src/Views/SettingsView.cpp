@@ -1,0 +1,208 @@
+#include "SettingsView.h"
+
+#include "APIKeyStore.h"
+#include "Palette.h"
+#include "SymbolLabel.h"
+
+#include <QFormLayout>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+
+#include <algorithm>
+
+static constexpr int fieldWidth = 380;
+static constexpr int noteWidth = 500;
+static constexpr QColor success{0x2E, 0x9E, 0x4F}; // clear on light and dark
+
+static QLabel* makeHeading(const QString& text) {
+    auto* heading = new QLabel(text);
+    QFont font = heading->font();
+    font.setWeight(QFont::DemiBold);
+    font.setPointSizeF(font.pointSizeF() * 0.9);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 0.6);
+    heading->setFont(font);
+    return heading;
+}
+
+static QLabel* makeNote(const QString& text) {
+    auto* note = new QLabel(text);
+    note->setWordWrap(true);
+    note->setFixedWidth(noteWidth);
+    QFont font = note->font();
+    font.setPointSizeF(font.pointSizeF() * 0.9);
+    note->setFont(font);
+    note->setMinimumHeight(note->heightForWidth(noteWidth));
+    return note;
+}
+
+SettingsView::SettingsView(UserDefaults& defaults, DefaultViewer defaultViewer, QWidget* parent)
+    : QDialog(parent), m_defaults(defaults), m_defaultViewer(std::move(defaultViewer)), m_apiURL(new QLineEdit),
+      m_apiKey(new QLineEdit), m_setAsDefaultButton(new QPushButton(u"Set as Default"_qs)),
+      m_isDefault(new SymbolLabel), m_refusal(new QLabel(u"The desktop did not accept the change."_qs)),
+      m_status(new SymbolLabel), m_saved(new SymbolLabel) {
+    setObjectName(u"settings"_qs);
+    setWindowTitle(u"Settings"_qs);
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(24, 20, 24, 24);
+    layout->setSpacing(14);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(makeGeneralSection());
+    layout->addWidget(line);
+    layout->addWidget(makeAssistantSection());
+
+    m_apiURL->setText(APIKeyStore::loadURL(m_defaults));
+    m_isKeySaved = !APIKeyStore::allKeys(m_defaults, APIProviderKind::ollama).isEmpty() ||
+                   !APIKeyStore::allKeys(m_defaults, APIProviderKind::groq).isEmpty();
+    m_usingBuiltInAPI = !m_isKeySaved;
+    connect(m_apiURL, &QLineEdit::textChanged, this, &SettingsView::fieldEdited);
+    connect(m_apiKey, &QLineEdit::textChanged, this, &SettingsView::fieldEdited);
+    showStatus();
+    showDefaultViewer(false);
+    if (m_defaultViewer.isDefault)
+        m_defaultViewer.isDefault([self = QPointer(this)](bool isDefault) {
+            if (self)
+                self->showDefaultViewer(isDefault);
+        });
+}
+
+SettingsView::~SettingsView() = default;
+
+QWidget* SettingsView::makeGeneralSection() {
+    m_setAsDefaultButton->setObjectName(u"setAsDefault"_qs);
+    m_setAsDefaultButton->setAccessibleName(m_setAsDefaultButton->text());
+    m_setAsDefaultButton->setAutoDefault(false);
+    m_setAsDefaultButton->setEnabled(m_defaultViewer.canBeSet && m_defaultViewer.setAsDefault);
+    if (!m_setAsDefaultButton->isEnabled())
+        m_setAsDefaultButton->setToolTip(u"Quillo has to be installed for this, on a desktop that lets it."_qs);
+    connect(m_setAsDefaultButton, &QPushButton::clicked, this, &SettingsView::setAsDefault);
+    m_isDefault->setObjectName(u"isDefault"_qs);
+    m_isDefault->setContent(u"checkmark.circle.fill"_qs, u"Quillo is your default"_qs, success);
+    m_refusal->setObjectName(u"defaultRefused"_qs);
+    m_refusal->hide();
+
+    auto* row = new QHBoxLayout;
+    row->addWidget(new QLabel(u"Default PDF Viewer"_qs));
+    row->addStretch(1);
+    row->addWidget(m_refusal);
+    row->addWidget(m_isDefault);
+    row->addWidget(m_setAsDefaultButton);
+    auto* section = new QWidget;
+    auto* layout = new QVBoxLayout(section);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(10);
+    layout->addWidget(makeHeading(u"GENERAL"_qs));
+    layout->addLayout(row);
+    layout->addWidget(
+        makeNote(u"Makes PDFs open in Quillo automatically when double-clicked in Finder, Mail, or anywhere else."_qs));
+    return section;
+}
+
+QWidget* SettingsView::makeAssistantSection() {
+    auto* form = new QFormLayout;
+    form->setHorizontalSpacing(14);
+    form->setVerticalSpacing(10);
+    const auto addField = [form](const QString& label, const QString& name, QLineEdit* field) {
+        field->setObjectName(name);
+        field->setAccessibleName(label);
+        field->setPlaceholderText(u"Enter %1..."_qs.arg(label));
+        field->setMinimumWidth(fieldWidth);
+        form->addRow(label, field);
+    };
+    addField(u"API URL"_qs, u"apiURL"_qs, m_apiURL);
+    addField(u"API Key"_qs, u"apiKey"_qs, m_apiKey);
+    m_apiKey->setEchoMode(QLineEdit::Password);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    const auto addButton = [this, buttons](const QString& label, const QString& name,
+                                           void (SettingsView::*operation)()) {
+        auto* button = new QPushButton(label);
+        button->setObjectName(name);
+        button->setAccessibleName(label);
+        connect(button, &QPushButton::clicked, this, operation);
+        buttons->addWidget(button);
+        return button;
+    };
+    addButton(u"Save"_qs, u"save"_qs, &SettingsView::save)->setDefault(true);
+    addButton(u"Use Quillo's AI"_qs, u"useBuiltInAI"_qs, &SettingsView::useBuiltInAI)->setAutoDefault(false);
+    m_saved->setObjectName(u"saved"_qs);
+    m_saved->setContent(u"checkmark"_qs, u"Saved"_qs, success);
+    buttons->addWidget(m_saved);
+    buttons->addStretch(1);
+    form->addRow(QString(), buttons);
+    m_status->setObjectName(u"status"_qs);
+    form->addRow(u"Status"_qs, m_status);
+
+    auto* section = new QWidget;
+    auto* layout = new QVBoxLayout(section);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(10);
+    layout->addWidget(makeHeading(u"AI ASSISTANT"_qs));
+    layout->addLayout(form);
+    layout->addWidget(
+        makeNote(u"By default, the Ask panel uses Quillo's built-in AI (routed through our server — we never see your "
+                 u"own API key because you don't need one). Add your own Ollama Cloud or Groq key instead if you'd "
+                 u"rather call the provider directly."_qs));
+    return section;
+}
+
+void SettingsView::setAsDefault() {
+    m_setAsDefaultButton->setEnabled(false);
+    m_defaultViewer.setAsDefault([self = QPointer(this)](bool succeeded) {
+        if (!self)
+            return;
+        self->m_setAsDefaultButton->setEnabled(true);
+        self->m_refusal->setVisible(!succeeded);
+        self->showDefaultViewer(succeeded);
+    });
+}
+
+void SettingsView::showDefaultViewer(bool isDefault) {
+    m_isDefault->setVisible(isDefault);
+    m_setAsDefaultButton->setVisible(!isDefault);
+}
+
+void SettingsView::save() {
+    APIKeyStore::saveURL(m_defaults, m_apiURL->text());
+    APIKeyStore::save(m_defaults, m_apiKey->text(), APIProviderKind::ollama);
+    m_isKeySaved = true;
+    m_usingBuiltInAPI = false;
+    m_justSaved = true;
+    showStatus();
+}
+
+void SettingsView::useBuiltInAI() {
+    m_apiKey->clear();
+    m_apiURL->setText(APIKeyStore::defaultURL());
+    APIKeyStore::saveURL(m_defaults, m_apiURL->text());
+    APIKeyStore::clear(m_defaults, APIProviderKind::ollama);
+    APIKeyStore::clear(m_defaults, APIProviderKind::groq);
+    m_isKeySaved = false;
+    m_usingBuiltInAPI = true;
+    m_justSaved = true;
+    showStatus();
+}
+
+void SettingsView::fieldEdited() {
+    m_justSaved = false;
+    const QString key = m_apiKey->text();
+    if (std::any_of(key.begin(), key.end(), [](QChar character) { return !character.isSpace(); }))
+        m_usingBuiltInAPI = false;
+    showStatus();
+}
+
+void SettingsView::showStatus() {
+    if (m_usingBuiltInAPI)
+        m_status->setContent(u"checkmark.circle.fill"_qs, u"Using Quillo's built-in AI — no key needed"_qs, success);
+    else if (m_isKeySaved)
+        m_status->setContent(u"checkmark.circle.fill"_qs, u"Using your own API key"_qs, success);
+    else
+        m_status->setContent(u"info.circle"_qs, u"No active configuration"_qs);
+    m_saved->setVisible(m_justSaved);
+}

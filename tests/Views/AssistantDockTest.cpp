@@ -1,0 +1,153 @@
+#include "AssistantDock.h"
+
+#include "AssistantPanel.h"
+#include "AssistantResizeHandle.h"
+#include "AssistantViewModel.h"
+#include "LoopbackServer.h"
+#include "PDFSelection.h"
+#include "WorkspaceTest.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+
+class AssistantDockTest : public WorkspaceTest {
+protected:
+    void openAssistant() {
+        QTest::keyClick(m_view, Qt::Key_K, Qt::ControlModifier);
+        ASSERT_TRUE(m_workspace->showsAssistant());
+        m_dock = find<AssistantDock>(*m_workspace, u"assistantDock"_qs);
+        m_handle = find<AssistantResizeHandle>(*m_workspace, u"assistantResizeHandle"_qs);
+        waitForWidth(420);
+    }
+    void waitForWidth(int width) const {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return m_dock->width() - m_handle->width() == width; }))
+            << m_dock->width() - m_handle->width();
+    }
+
+    AssistantDock* m_dock = nullptr;
+    AssistantResizeHandle* m_handle = nullptr;
+};
+
+TEST_F(AssistantDockTest, theAskCommandShowsAndHidesThePanel) {
+    openWorkspace({});
+    EXPECT_EQ(button(u"askAssistant"_qs)->toolTip(), u"Ask the AI assistant about this PDF (Ctrl+K)"_qs);
+    EXPECT_EQ(m_workspace->findChild<AssistantPanel*>(), nullptr);
+    openAssistant();
+    EXPECT_TRUE(button(u"askAssistant"_qs)->isChecked());
+    EXPECT_EQ(m_workspace->focusWidget()->objectName(), u"message"_qs);
+    QTest::keyClicks(m_workspace->focusWidget(), u"Draft"_qs);
+
+    press(u"closeAssistant"_qs);
+    EXPECT_FALSE(button(u"askAssistant"_qs)->isChecked());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_dock->isHidden(); }));
+    EXPECT_TRUE(m_view->hasFocus());
+    press(u"askAssistant"_qs);
+    EXPECT_TRUE(m_dock->panel()->isVisible());
+    EXPECT_EQ(m_workspace->assistant()->draft(), u"Draft"_qs);
+
+    int requests = 0;
+    QObject::connect(m_workspace.get(), &PDFEditorWorkspaceView::settingsRequested, [&requests] { ++requests; });
+    press(u"assistantSettings"_qs);
+    press(u"openSettings"_qs);
+    EXPECT_EQ(requests, 2);
+}
+
+TEST_F(AssistantDockTest, aDragStopsAtTheLimits) {
+    openWorkspace({});
+    m_workspace->resize(1200, 700);
+    openAssistant();
+    // Where the pointer goes from where the drag began, and the width then.
+    const struct {
+        int dx;
+        int width;
+    } moves[] = {{-100, 520}, {-500, 640}, {-219, 639}, {0, 420}, {100, 320}, {400, 260}, {160, 260}, {159, 261}};
+    const QPoint start = m_handle->mapToGlobal(QPoint(3, 50));
+    const auto send = [&](QEvent::Type type, int dx, Qt::MouseButton button) {
+        const QPoint global = start + QPoint(dx, 0);
+        QMouseEvent event(type, m_handle->mapFromGlobal(global), global, button,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(m_handle, &event);
+        QCoreApplication::processEvents();
+    };
+    send(QEvent::MouseButtonPress, 0, Qt::LeftButton);
+    for (const auto& move : moves) {
+        send(QEvent::MouseMove, move.dx, Qt::NoButton);
+        EXPECT_EQ(m_handle->panelWidth(), move.width) << move.dx;
+        waitForWidth(move.width);
+    }
+    send(QEvent::MouseButtonRelease, 159, Qt::LeftButton);
+    send(QEvent::MouseMove, 0, Qt::NoButton);
+    EXPECT_EQ(m_handle->panelWidth(), 261) << "The drag is over.";
+
+    m_handle->setFocus();
+    QTest::keyClick(m_handle, Qt::Key_Right);
+    EXPECT_EQ(m_handle->panelWidth(), 260);
+    QTest::keyClick(m_handle, Qt::Key_Left);
+    EXPECT_EQ(m_handle->panelWidth(), 276);
+}
+
+TEST_F(AssistantDockTest, aNarrowWindowKeepsSomeOfThePage) {
+    openWorkspace({});
+    openAssistant();
+    m_workspace->resize(480, 600);
+    waitForWidth(260);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_view->width() >= 200; }));
+    for (const QWidget* part : m_dock->panel()->findChildren<QWidget*>()) {
+        if (part->isVisible() && (part->focusPolicy() & Qt::TabFocus)) {
+            const QRect place(part->mapTo(m_dock->panel(), QPoint()), part->size());
+            EXPECT_TRUE(m_dock->panel()->rect().contains(place)) << part->objectName().toStdString();
+        }
+    }
+    m_workspace->resize(1200, 600);
+    waitForWidth(420);
+}
+
+TEST_F(AssistantDockTest, recognizedTextBecomesAReply) {
+    openWorkspace({});
+    ASSERT_TRUE(m_view->onTextExtracted);
+    m_view->onTextExtracted(u"Some text"_qs);
+    EXPECT_TRUE(m_workspace->showsAssistant());
+    const auto& turns = m_workspace->assistant()->turns();
+    ASSERT_EQ(turns.size(), 1U);
+    EXPECT_EQ(turns[0].role, AssistantTurn::Role::assistant);
+    EXPECT_EQ(turns[0].text, u"Extracted text:\n\nSome text"_qs);
+    EXPECT_FALSE(m_workspace->assistant()->isRunning());
+    m_view->onTextExtracted(u"No text could be recognized on this page."_qs);
+    EXPECT_EQ(turns.size(), 2U);
+    EXPECT_NE(turns[0].id, turns[1].id);
+}
+
+TEST_F(AssistantDockTest, thePagesMenuAsksTheService) {
+    LoopbackServer server;
+    m_defaults.setString(u"quillo.customAPIURL"_qs, server.url(u"/v1/chat/completions"_qs).toString());
+    m_defaults.setStringList(u"quillo.ollamaAPIKeyPool"_qs, {u"key"_qs});
+    const QByteArray answer = R"({"choices":[{"message":{"role":"assistant","content":"It greets."}}]})";
+    server.enqueue(LoopbackServer::json(200, answer));
+    server.enqueue(LoopbackServer::json(200, answer)); // the title
+    openWorkspace({});
+    const std::shared_ptr<PDFPage> page = m_document->pdfDocument()->page(0);
+    m_view->setCurrentSelection(page->selectAll());
+    const auto choose = [this](const QString& entry) {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, {50, 50}, m_view->viewport()->mapToGlobal(QPoint(50, 50)));
+        QApplication::sendEvent(m_view->viewport(), &event);
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_TRUE(menu);
+        auto* action = menu->findChild<QAction*>(entry);
+        ASSERT_TRUE(action) << entry.toStdString();
+        action->trigger();
+        menu->close();
+    };
+    choose(u"Translate…"_qs);
+    EXPECT_TRUE(m_workspace->showsAssistant());
+    EXPECT_TRUE(m_workspace->assistant()->draft().startsWith(u"Translate this to <language>: "_qs));
+    EXPECT_TRUE(m_workspace->assistant()->turns().empty());
+    choose(u"Explain This"_qs);
+    const auto& turns = m_workspace->assistant()->turns();
+    ASSERT_EQ(turns.size(), 1U);
+    EXPECT_TRUE(turns[0].text.startsWith(u"Explain this: “"_qs));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return turns.size() == 2; }));
+    EXPECT_EQ(turns[1].text, u"It greets."_qs);
+    EXPECT_EQ(server.requests().front().header("Authorization"), "Bearer key");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return server.requests().size() == 2; }));
+}
