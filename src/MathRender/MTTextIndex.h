@@ -17,14 +17,18 @@ public:
     using Key = std::u16string_view Row::*;
     using ComesFirst = bool (*)(const Row&, const Row&);
 
-    /// Of rows with the same text the one is kept that `comesFirst` tells, or the first of the table without it.
-    consteval MTTextIndex(const Rows& rows, Key key, ComesFirst comesFirst = nullptr) : m_rows(rows), m_key(key) {
+    /// Of rows with the same text the first of the table is kept.
+    consteval MTTextIndex(const Rows& rows, Key key)
+        : MTTextIndex(rows, key, [](const Row&, const Row&) { return false; }) {}
+
+    /// Of rows with the same text the one is kept that `comesFirst` tells.
+    consteval MTTextIndex(const Rows& rows, Key key, ComesFirst comesFirst) : m_rows(rows), m_key(key) {
         static_assert(Count < UINT16_MAX);
         for (std::size_t row = 0; row < Count; ++row) {
             std::size_t slot = firstSlot(rows[row].*key);
             while (m_slots[slot] != 0 && rows[m_slots[slot] - 1U].*key != rows[row].*key)
                 slot = (slot + 1) % slotCount;
-            if (m_slots[slot] == 0 || (comesFirst && comesFirst(rows[row], rows[m_slots[slot] - 1U])))
+            if (m_slots[slot] == 0 || comesFirst(rows[row], rows[m_slots[slot] - 1U]))
                 m_slots[slot] = static_cast<std::uint16_t>(row + 1);
         }
     }

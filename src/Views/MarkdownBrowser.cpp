@@ -10,6 +10,7 @@
 #include <QScopedValueRollback>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QWheelEvent>
 
 #include <cmath>
@@ -77,7 +78,9 @@ int MarkdownBrowser::heightForWidth(int width) const {
         const_cast<MarkdownBrowser*>(this)->layOut(usedWidth);
         const QSizeF size = document()->size();
         const int scrollBar = size.width() > usedWidth ? horizontalScrollBar()->sizeHint().height() : 0;
-        m_heights.insert(usedWidth, static_cast<int>(std::ceil(size.height())) + scrollBar);
+        // The size leaves out what is below the last block.
+        const double below = document()->lastBlock().blockFormat().bottomMargin();
+        m_heights.insert(usedWidth, static_cast<int>(std::ceil(size.height() + below)) + scrollBar);
     }
     return m_heights.value(usedWidth);
 }

@@ -59,7 +59,7 @@ void MarkdownTextWriter::writeText(QTextCursor& cursor, const QString& text, con
 }
 
 void MarkdownTextWriter::writeImage(QTextCursor& cursor, const QString& source, const QImage& image) {
-    const QString name = QStringLiteral("formula:%1").arg(m_imageCount);
+    const QString name = QStringLiteral("formula:%1").arg(++m_nameCount);
     cursor.document()->addResource(QTextDocument::ImageResource, QUrl(name), image);
     QTextImageFormat format;
     format.setName(name);

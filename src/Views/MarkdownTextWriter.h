@@ -45,5 +45,6 @@ private:
     QColor m_formulaColor;
     MathImageSource m_mathImages; // empty for no images
     DisplayText::WordBreaker m_breaker;
-    int m_imageCount = 0;
+    int m_imageCount = 0; // asked for
+    int m_nameCount = 0;  // of the images in the text
 };

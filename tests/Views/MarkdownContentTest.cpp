@@ -13,6 +13,9 @@
 #include <QTextBlock>
 #include <QVBoxLayout>
 
+#include <map>
+#include <utility>
+
 class MarkdownContentTest : public ViewTest {
 protected:
     void SetUp() override {
@@ -202,4 +205,38 @@ TEST_F(MarkdownContentTest, aFormulaAloneStandsInTheMiddle) {
     for (QTextBlock block = browser.document()->begin(); block.isValid(); block = block.next())
         EXPECT_EQ(block.blockFormat().alignment(), Qt::AlignHCenter);
     EXPECT_EQ(browser.document()->lastBlock().text(), u"bad"_qs);
+}
+
+TEST_F(MarkdownContentTest, formulasOfOneParagraphKeepTheirOwnImages) {
+    const MathImageSource images = [](const QString& latex, double, const QColor&) {
+        QImage image(12, 12, QImage::Format_RGB32);
+        image.fill(QColor(latex));
+        return image;
+    };
+    display(u"first $red$, then $lime$ and $blue$\n\n$$yellow$$"_qs, images);
+    const QImage shown = m_content->grab().toImage();
+    std::map<QRgb, int> count;
+    for (int y = 0; y < shown.height(); ++y)
+        for (int x = 0; x < shown.width(); ++x)
+            ++count[shown.pixel(x, y)];
+    for (const char* name : {"red", "lime", "blue", "yellow"})
+        EXPECT_EQ(count[QColor(name).rgb()], 144) << name;
+}
+
+TEST_F(MarkdownContentTest, aLastBlockOfCodeIsAsHighBelowAsAbove) {
+    const auto edges = [this](const QString& text) {
+        display(text);
+        const int width = m_content->width();
+        const QImage shown = m_content->grab(QRect(0, 0, width, m_content->heightForWidth(width))).toImage();
+        const QRgb ground = shown.pixel(shown.width() / 2, shown.height() / 2);
+        int above = 0;
+        int below = 0;
+        for (int y = 0; y < shown.height() / 2; ++y) {
+            above += shown.pixel(shown.width() / 2, y) == ground ? 1 : 0;
+            below += shown.pixel(shown.width() / 2, shown.height() - 1 - y) == ground ? 1 : 0;
+        }
+        return std::pair(above, below);
+    };
+    const auto [above, below] = edges(u"```\nx\n```"_qs);
+    EXPECT_NEAR(above, below, 2);
 }
