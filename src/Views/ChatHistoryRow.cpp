@@ -89,7 +89,8 @@ void ChatHistoryRow::paintEvent(QPaintEvent*) {
     const QRect lines = content.adjusted(markSide + padding, 0, -buttonSide, 0);
     const auto drawLine = [&](const QString& line, const QRect& area, int alignment) {
         const QString shown = painter.fontMetrics().elidedText(line, Qt::ElideRight, area.width());
-        painter.drawText(visual(area), QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | alignment, shown);
+        painter.drawText(visual(area), int(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft)) | alignment,
+                         shown);
     };
     painter.setPen(ink);
     drawLine(text().simplified(), lines, Qt::AlignTop);

@@ -19,12 +19,12 @@ std::shared_ptr<const MTFont> font(double size) {
 }
 
 std::unique_ptr<MTMathListDisplay> layout(QStringView source, MTLineStyle style,
-                                          const std::shared_ptr<const MTFont>& font) {
+                                          const std::shared_ptr<const MTFont>& ofFont) {
     auto list = MTMathListBuilder::build(source);
     EXPECT_TRUE(list) << source.toUtf8().constData();
     if (!list)
         list = std::make_shared<MTMathList>();
-    return MTTypesetter::createLineForMathList(*list, font, style);
+    return MTTypesetter::createLineForMathList(*list, ofFont, style);
 }
 
 void expectPosition(const MTDisplay& display, QPointF position) {

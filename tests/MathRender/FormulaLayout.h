@@ -19,7 +19,7 @@ namespace FormulaLayout {
 
 /// The test fails for a source that is no formula; the layout is that of an empty list then.
 [[nodiscard]] std::unique_ptr<MTMathListDisplay> layout(QStringView source, MTLineStyle style = MTLineStyle::display,
-                                                        const std::shared_ptr<const MTFont>& font = font());
+                                                        const std::shared_ptr<const MTFont>& ofFont = font());
 
 /// The box as the class that it must be of.
 template <typename Display>

@@ -87,7 +87,7 @@ TEST(MTMathUILabel, alignmentInsetsAndTheMiddle) {
     label.setContentInsets({});
     label.setLatex(u"-"_qs);
     label.layoutSubviews();
-    EXPECT_NEAR(label.displayList()->position().y(), (200 - 50) / 2, 1e-9);
+    EXPECT_NEAR(label.displayList()->position().y(), (200 - 50) / 2.0, 1e-9);
     // Text mode is smaller.
     label.setLatex(u"\\frac12"_qs);
     label.setLabelMode(MTMathUILabelMode::text);

@@ -88,7 +88,7 @@ TEST_F(MarkdownContentTest, aLinkAsksFirst) {
         auto* dialog = m_area.findChild<QDialog*>(u"webLinkConfirmation"_qs);
         if (!dialog)
             return QString();
-        const QString address = dialog->findChild<QPlainTextEdit*>(u"address"_qs)->toPlainText();
+        QString address = dialog->findChild<QPlainTextEdit*>(u"address"_qs)->toPlainText();
         dialog->reject();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         return address;
