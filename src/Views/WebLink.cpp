@@ -72,8 +72,8 @@ void WebLink::confirmAndOpen(const QUrl& url, QWidget* parent) {
     symbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("globe"), symbolSide,
                                          dialog->palette().color(QPalette::WindowText), parent->devicePixelRatioF()));
     symbol->setAlignment(Qt::AlignTop);
-    auto* question = new QLabel(isMail ? QStringLiteral("The document wants to write a mail to this address.")
-                                       : QStringLiteral("The document wants to open this web address."),
+    auto* question = new QLabel(isMail ? QStringLiteral("This link writes a mail to this address.")
+                                       : QStringLiteral("This link opens this web address."),
                                 dialog);
     auto* address = makeAddressField(url, dialog);
 

@@ -3,7 +3,7 @@
 class QUrl;
 class QWidget;
 
-/// Addresses that a document wants to open.
+/// Addresses behind the links of documents and replies.
 namespace WebLink {
 
 /// True for what may leave the program once the user agrees: web pages and mail.
