@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
         std::fputs("The tests need a writable temporary folder.\n", stderr);
         return 2;
     }
+    qputenv("SPEECHD_CMD", "/bin/false"); // no test starts a speech service, which would stay
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
