@@ -91,7 +91,7 @@ TEST_F(URLSessionTest, TellsWhyThereIsNoAnswerAndGoesOn) {
         {"cut short", LoopbackServer::bytes(head + "Content-Length: 500\r\n\r\n{\"choices\""),
          "ended the connection before its answer was complete"},
         {"a piece cut short", LoopbackServer::bytes(head + "Transfer-Encoding: chunked\r\n\r\nff\r\n{\"choices\""),
-         "The AI service at"}, // which of the two Qt notices first is a matter of time
+         "The AI service "}, // which of the two Qt notices first is a matter of time
         {"no word", LoopbackServer::bytes({}), "ended the connection before its answer was complete"},
         {"no HTTP", LoopbackServer::bytes("SSH-2.0-Server\r\n\r\n"),
          "ended the connection before its answer was complete"},
