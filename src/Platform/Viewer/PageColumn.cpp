@@ -89,43 +89,44 @@ void PageColumn::refreshPage(const PDFPage* page) {
     tellMoved();
 }
 
-void PageColumn::setViewport(QSize size, double devicePixelRatio) {
-    if (size == m_viewport && devicePixelRatio == m_ratio)
-        return;
+template <typename Change>
+void PageColumn::changeInPlace(Change&& change) {
     update();
     const auto kept = anchor();
-    m_viewport = size;
-    m_ratio = devicePixelRatio;
-    fitAgain();
+    change();
     layOut();
     restore(kept);
     tellMoved();
+}
+
+void PageColumn::setViewport(QSize size, double devicePixelRatio) {
+    if (size == m_viewport && devicePixelRatio == m_ratio)
+        return;
+    changeInPlace([&] {
+        m_viewport = size;
+        m_ratio = devicePixelRatio;
+        fitAgain();
+    });
 }
 
 void PageColumn::setDisplayBox(PDFDisplayBox box) {
     if (box == m_box)
         return;
-    update();
-    const auto kept = anchor();
-    m_box = box;
-    m_shapes.setDocument(m_document, m_box);
-    m_layout.setSizes(m_shapes.sizes());
-    fitCurrentPage();
-    layOut();
-    restore(kept);
-    tellMoved();
+    changeInPlace([&] {
+        m_box = box;
+        m_shapes.setDocument(m_document, m_box);
+        m_layout.setSizes(m_shapes.sizes());
+        fitCurrentPage();
+    });
 }
 
 void PageColumn::setPageBreaks(bool breaks) {
     if (breaks == m_pageBreaks)
         return;
-    update();
-    const auto kept = anchor();
-    m_pageBreaks = breaks;
-    fitAgain();
-    layOut();
-    restore(kept);
-    tellMoved();
+    changeInPlace([&] {
+        m_pageBreaks = breaks;
+        fitAgain();
+    });
 }
 
 // Scale

@@ -116,6 +116,9 @@ private:
     };
     [[nodiscard]] std::optional<Anchor> anchor() const;
     void restore(const std::optional<Anchor>& anchor);
+    /// Runs a change of what the layout follows from, and lays out anew around the reader's place.
+    template <typename Change>
+    void changeInPlace(Change&& change);
     void layOut();
     void settle();
     bool know(int index);
