@@ -14,6 +14,7 @@ endif()
 
 option(QUILLO_WERROR "Warnings are errors" OFF)
 option(QUILLO_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(QUILLO_SANITIZE_THREADS "Build with the thread sanitizer" OFF)
 
 add_library(quillo_options INTERFACE)
 target_compile_options(quillo_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
@@ -25,6 +26,10 @@ if(QUILLO_SANITIZE)
     target_compile_options(quillo_options INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer
                            -fno-sanitize-recover=undefined)
     target_link_options(quillo_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(QUILLO_SANITIZE_THREADS)
+    target_compile_options(quillo_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+    target_link_options(quillo_options INTERFACE -fsanitize=thread)
 endif()
 
 # quillo_library(<target> SOURCES … PUBLIC <libraries> PRIVATE <libraries>)

@@ -5,9 +5,10 @@
 #include <QColor>
 #include <QString>
 
+#include <utility>
 #include <vector>
 
-class CTFont;
+class MTFont;
 
 /// Characters of one font set side by side: their glyphs, where each begins, and how far they reach, in points and y
 /// up.
@@ -29,12 +30,17 @@ struct MTTextRun {
     double width = 0;
     double ascent = 0;  ///< of the outlines; never negative
     double descent = 0; ///< likewise
+    /// How far the last character leans over what would follow it.
+    double lean = 0;
 
     [[nodiscard]] bool isEmpty() const { return text.isEmpty(); }
 
-    /// A glyph for each character; those that the font lacks show its missing glyph.
-    void append(const CTFont& font, QStringView characters);
-    void append(const CTFont& font, QStringView characters, const QColor& color);
+    /// A glyph for each character; those that the font lacks show its missing glyph. Letters of mathematics keep their
+    /// italic correction from what follows them (TeXbook, appendix G, rule 17); words have none in them.
+    void append(const MTFont& font, QStringView characters);
+    void append(const MTFont& font, QStringView characters, const QColor& color);
     /// Adds room behind the last character.
     void kern(double space) { width += space; }
+    /// Adds the room that the last character leans into.
+    void kernLean() { width += std::exchange(lean, 0); }
 };

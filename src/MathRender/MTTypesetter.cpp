@@ -15,8 +15,10 @@
 #include "MTMathSpace.h"
 #include "MTMathStyle.h"
 #include "MTMathTable.h"
+#include "MTNucleus.h"
 #include "MTRadical.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -48,7 +50,10 @@ MTTypesetter::ListDisplay MTTypesetter::layOut(Formula& formula, const MTMathLis
     MTTypesetter typesetter(formula, style, cramped, spaced);
     typesetter.createDisplayAtoms(preprocessMathList(*list));
     const MTRange range{0, list->atoms().back()->indexRange.end()};
-    return std::make_unique<MTMathListDisplay>(std::move(typesetter.m_displayAtoms), range);
+    auto display = std::make_unique<MTMathListDisplay>(std::move(typesetter.m_displayAtoms), range);
+    // A list ends where its next atom would begin: with the space at its end and the room behind scripts.
+    display->setWidth(std::max(display->width(), typesetter.m_currentPosition.x()));
+    return display;
 }
 
 MTTypesetter::MTTypesetter(Formula& formula, MTLineStyle style, bool cramped, bool spaced)
@@ -134,8 +139,10 @@ void MTTypesetter::createDisplayAtoms(const std::vector<AtomPointer>& preprocess
         createDisplayAtom(atom);
     flushLine();
     if (m_spaced && m_lastType && !m_displayAtoms.empty()) {
+        const double space = getInterElementSpace(*m_lastType, MTMathAtomType::close);
         MTDisplay& last = *m_displayAtoms.back();
-        last.setWidth(last.width() + getInterElementSpace(*m_lastType, MTMathAtomType::close));
+        last.setWidth(last.width() + space);
+        m_currentPosition.rx() += space;
     }
 }
 
@@ -160,7 +167,10 @@ void MTTypesetter::createDisplayAtom(const AtomPointer& atom) {
         break;
     }
 
+    if (atom->type == MTMathAtomType::largeOperator && MTNucleus::isOneCharacter(atom->nucleus))
+        keepLean();
     flushLine();
+    m_accentLean = 0;
     switch (atom->type) {
     // These two leave the space between their neighbours as it is.
     case MTMathAtomType::space:
@@ -203,6 +213,8 @@ void MTTypesetter::createDisplayAtom(const AtomPointer& atom) {
     case MTMathAtomType::accent:
         addLeftSpace(MTMathAtomType::ordinary);
         addBox(makeAccent(as<MTAccent>(*atom)), *atom, MTMathAtomType::ordinary);
+        if (const auto letter = accentedLetter(static_cast<const MTAccent&>(*atom)))
+            m_accentLean = styleMetrics().getItalicCorrection(*letter);
         break;
     case MTMathAtomType::table:
         addLeftSpace(MTMathAtomType::inner);

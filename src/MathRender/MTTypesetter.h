@@ -97,6 +97,8 @@ private:
 
     // Text (MTTypesetterText.cpp)
     void addText(const AtomPointer& atom);
+    /// Moves on by what the character before leans over (rule 17). For characters only, as TeX.
+    void keepLean();
     MTDisplay& addDisplayLine();
     void flushLine();
     /// None for an empty text.
@@ -150,6 +152,8 @@ private:
     [[nodiscard]] std::unique_ptr<MTDisplay> makeAccent(MTAccent& accent);
     [[nodiscard]] FoundGlyph findVariantGlyph(CGGlyph glyph, double maxWidth) const;
     [[nodiscard]] double getSkew(const MTAccent& accent, double accenteeWidth, CGGlyph accentGlyph) const;
+    /// The letter at the bottom of a pile of accents; none when that is a longer list.
+    [[nodiscard]] std::optional<CGGlyph> accentedLetter(const MTAccent& accent) const;
     [[nodiscard]] static bool isSingleCharAccentee(const MTAccent& accent);
 
     // Lines over and under (MTTypesetterLines.cpp)
@@ -175,6 +179,7 @@ private:
     MTTextRun m_currentLine;                                ///< the text that is being gathered
     std::vector<AtomPointer> m_currentAtoms;                ///< what that is made of
     std::optional<MTRange> m_currentLineIndexRange;
+    double m_accentLean = 0; ///< of the letter under the accent that was added last
     /// How the last atom counts for the space behind it; none at the start.
     std::optional<MTMathAtomType> m_lastType;
 };

@@ -55,7 +55,8 @@ std::unique_ptr<MTDisplay> MTTypesetter::makeAccent(MTAccent& accent) {
         moveScripts(accent, *accent.innerList->atoms().front());
         accentee = layOut(accent.innerList, m_style, m_cramped);
     }
-    const double height = accentee->ascent() - delta + found.extent.ascent;
+    // By the letter's height without its scripts.
+    const double height = position.y() + found.extent.ascent;
     return std::make_unique<MTAccentDisplay>(std::move(accentGlyph), std::move(accentee), height, m_currentPosition,
                                              accent.indexRange);
 }
@@ -78,20 +79,20 @@ MTTypesetter::FoundGlyph MTTypesetter::findVariantGlyph(CGGlyph glyph, double ma
 }
 
 double MTTypesetter::getSkew(const MTAccent& accent, double accenteeWidth, CGGlyph accentGlyph) const {
-    double accenteeAdjustment = accenteeWidth / 2;
-    // Accents in a pile are all above the letter at the bottom.
+    const auto letter = accentedLetter(accent);
+    const double accenteeAdjustment = letter ? styleMetrics().getTopAccentAdjustment(*letter) : accenteeWidth / 2;
+    return accenteeAdjustment - styleMetrics().getTopAccentAdjustment(accentGlyph);
+}
+
+std::optional<CGGlyph> MTTypesetter::accentedLetter(const MTAccent& accent) const {
     const MTAccent* innermost = &accent;
     while (isSingleCharAccentee(*innermost)) {
         const MTMathAtom& letter = *innermost->innerList->atoms().front();
-        if (letter.type == MTMathAtomType::accent) {
-            innermost = static_cast<const MTAccent*>(&letter);
-            continue;
-        }
-        if (const auto glyph = findGlyphForLastCharacter(letter.nucleus))
-            accenteeAdjustment = styleMetrics().getTopAccentAdjustment(*glyph);
-        break;
+        if (letter.type != MTMathAtomType::accent)
+            return findGlyphForLastCharacter(letter.nucleus);
+        innermost = static_cast<const MTAccent*>(&letter);
     }
-    return accenteeAdjustment - styleMetrics().getTopAccentAdjustment(accentGlyph);
+    return std::nullopt;
 }
 
 bool MTTypesetter::isSingleCharAccentee(const MTAccent& accent) {

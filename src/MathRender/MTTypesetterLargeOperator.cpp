@@ -15,7 +15,7 @@ void MTTypesetter::makeLargeOp(const MTLargeOperator& op, const AtomPointer& ato
     if (!MTNucleus::isOneCharacter(op.nucleus)) {
         // A name, such as "lim".
         MTTextRun name;
-        name.append(*m_styleFont->ctFont(), op.nucleus);
+        name.append(*m_styleFont, op.nucleus);
         addLimitsToDisplay(std::make_unique<MTCTLineDisplay>(std::move(name), m_styleFont,
                                                              std::vector<AtomPointer>{atom}, m_currentPosition,
                                                              op.indexRange),

@@ -16,10 +16,12 @@ void MTTypesetter::addText(const AtomPointer& atom) {
         else
             m_currentPosition.rx() += space;
     }
+    if (!atom->nucleus.isEmpty())
+        keepLean();
     if (atom->type == MTMathAtomType::placeholder)
-        m_currentLine.append(*m_styleFont->ctFont(), atom->nucleus, Qt::blue);
+        m_currentLine.append(*m_styleFont, atom->nucleus, Qt::blue);
     else
-        m_currentLine.append(*m_styleFont->ctFont(), atom->nucleus);
+        m_currentLine.append(*m_styleFont, atom->nucleus);
 
     if (m_currentLineIndexRange)
         m_currentLineIndexRange->length += atom->indexRange.length;
@@ -42,6 +44,11 @@ void MTTypesetter::addText(const AtomPointer& atom) {
         makeScripts(*atom, line, atom->indexRange.end() - 1, delta);
     }
     m_lastType = atom->type;
+}
+
+void MTTypesetter::keepLean() {
+    m_currentLine.kernLean();
+    m_currentPosition.rx() += std::exchange(m_accentLean, 0);
 }
 
 MTDisplay& MTTypesetter::addDisplayLine() {

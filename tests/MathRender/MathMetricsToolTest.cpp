@@ -1,9 +1,11 @@
 // The developer's program that measures formulas, as it is run.
 
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -44,4 +46,31 @@ no object
     for (int line = 4; line < 8; ++line)
         EXPECT_EQ(lines[line].value(QLatin1String("error"))[QLatin1String("code")].toInt(-1), 0) << line;
     EXPECT_EQ(number(8, "width"), 0);
+}
+
+TEST(MathMetricsTool, drawsIntoAFile) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("rule.png"));
+    QProcess tool;
+    tool.start(QStringLiteral(MATH_METRICS), QStringList());
+    ASSERT_TRUE(tool.waitForStarted());
+    for (const QString& image : {file, folder.filePath(QStringLiteral("missing/rule.png"))}) {
+        const QJsonObject formula{{QStringLiteral("latex"), QStringLiteral("\\underline{\\frac{1}{2}}")},
+                                  {QStringLiteral("image"), image}};
+        tool.write(QJsonDocument(formula).toJson(QJsonDocument::Compact) + '\n');
+    }
+    tool.closeWriteChannel();
+    ASSERT_TRUE(tool.waitForFinished());
+    const QList<QByteArray> lines = tool.readAllStandardOutput().split('\n');
+    EXPECT_FALSE(lines.value(0).contains("error"));
+    EXPECT_TRUE(lines.value(1).contains("could not be written"));
+
+    const QImage drawn(file);
+    // 50 by 85 points with the margin, black on white.
+    EXPECT_EQ(drawn.size(), QSize(139, 236));
+    EXPECT_EQ(drawn.pixel(0, 0), qRgb(255, 255, 255));
+    int black = 0;
+    for (int y = 0; y < drawn.height(); ++y)
+        black += qGray(drawn.pixel(drawn.width() / 2, y)) < 64 ? 1 : 0;
+    EXPECT_GE(black, 4) << "both rules are in the middle";
 }

@@ -3,15 +3,19 @@
 // and comes back on the standard output as it was with "width", "ascent" and "descent" in points, or with
 // "error": {"code": …, "message": …}. "style" is "display" (when left out) or "text", "size" is the font's size in
 // points (20 when left out), and the font is Latin Modern Math. The code of a line that is no such object is 0.
+// With "image": "half.png" the formula is also drawn into that file, black on white, at 200 pixels to the inch.
 
 #include "MTFont.h"
 #include "MTFontManager.h"
+#include "MTMathImage.h"
 #include "MTMathList.h"
 #include "MTMathListBuilder.h"
 #include "MTTypesetter.h"
 
+#include <QImage>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPainter>
 
 #include <cstdio>
 #include <iostream>
@@ -32,6 +36,25 @@ std::optional<MTLineStyle> styleOf(const QJsonObject& formula) {
     if (style == QLatin1String("text"))
         return MTLineStyle::text;
     return std::nullopt;
+}
+
+/// False when there is nothing to draw or the file can't be written.
+bool isDrawn(const QString& latex, MTLineStyle style, double size, const QString& file) {
+    constexpr double pixelsPerPoint = 200 / 72.27;
+    MTMathImage drawing;
+    drawing.font = MTFontManager::fontManager().latinModernFont(size);
+    drawing.fontSize = size;
+    drawing.labelMode = style == MTLineStyle::text ? MTMathUILabelMode::text : MTMathUILabelMode::display;
+    drawing.latex = latex;
+    drawing.contentInsets = {size, size, size, size};
+    const MTMathImageResult result = drawing.asImage(pixelsPerPoint);
+    if (!result.image)
+        return false;
+    QImage paper(result.image->size(), QImage::Format_RGB32);
+    paper.setDevicePixelRatio(pixelsPerPoint);
+    paper.fill(Qt::white);
+    QPainter(&paper).drawImage(0, 0, *result.image);
+    return paper.save(file);
 }
 
 QJsonObject measured(QJsonObject formula) {
@@ -55,6 +78,9 @@ QJsonObject measured(QJsonObject formula) {
     formula[QStringLiteral("width")] = display->width();
     formula[QStringLiteral("ascent")] = display->ascent();
     formula[QStringLiteral("descent")] = display->descent();
+    const QJsonValue image = formula.value(QLatin1String("image"));
+    if (image.isString() && !isDrawn(latex.toString(), *style, size, image.toString()))
+        formula[error] = errorOf(0, QStringLiteral("The image could not be written."));
     return formula;
 }
 
