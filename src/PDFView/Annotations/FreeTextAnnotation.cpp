@@ -3,13 +3,13 @@
 #include "AnnotationFont.h"
 #include "PageTextPainting.h"
 
-FreeTextAnnotation::FreeTextAnnotation(const QRectF& bounds) : PDFAnnotation(bounds, PDFAnnotationSubtype::freeText) {
+FreeTextAnnotation::FreeTextAnnotation(const QRectF& bounds)
+    : PDFAnnotation(bounds, PDFAnnotationSubtype::freeText), m_systemFont(platformFont(AnnotationFont::system, 16)) {
     m_values.defaultLineWidth = 0; // other readers would draw a frame where the file says nothing
 }
 
 void FreeTextAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
-    const QFont face = font() ? *font() : platformFont(AnnotationFont::system, 16);
-    PageTextPainting::drawWrapped(painter, contents(), bounds().adjusted(6, 4, -6, -4), face,
+    PageTextPainting::drawWrapped(painter, contents(), bounds().adjusted(6, 4, -6, -4), font().value_or(m_systemFont),
                                   fontColor().value_or(QColor(Qt::black)));
 }
 

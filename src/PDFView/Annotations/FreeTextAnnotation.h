@@ -11,4 +11,7 @@ public:
     void draw(PDFDisplayBox box, QPainter& painter) const override;
     [[nodiscard]] bool hasCustomAppearance() const override { return true; }
     [[nodiscard]] std::shared_ptr<PDFAnnotation> copy() const override;
+
+private:
+    const QFont m_systemFont; // asked for when it is made, since only the main thread may ask the desktop
 };

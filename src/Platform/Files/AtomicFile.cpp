@@ -94,10 +94,11 @@ std::optional<struct stat> statusOfReplaceable(const path& file) {
     if (S_ISDIR(status.st_mode))
         throw FileError::forSystemError(EISDIR);
     if (!S_ISREG(status.st_mode))
-        throw FileError(QStringLiteral("It isn't an ordinary file."));
+        throw FileError(QStringLiteral("It isn't an ordinary file."), FileError::Remedy::anotherPlace);
     if (!Descriptor(open(file.c_str(), O_WRONLY | O_CLOEXEC)).isOpen()) {
         if (errno == EACCES || errno == EPERM)
-            throw FileError(QStringLiteral("You don't have permission to change this file."));
+            throw FileError(QStringLiteral("You don't have permission to change this file."),
+                            FileError::Remedy::anotherPlace);
         throw FileError::forSystemError(errno);
     }
     return status;
@@ -106,9 +107,10 @@ std::optional<struct stat> statusOfReplaceable(const path& file) {
 [[noreturn]] void throwFolderError(int errorNumber, const path& folder) {
     const QString name = QFile::decodeName(folder.filename().c_str());
     if (errorNumber == ENOENT)
-        throw FileError(QStringLiteral("The folder “%1” doesn't exist.").arg(name));
+        throw FileError(QStringLiteral("The folder “%1” doesn't exist.").arg(name), FileError::Remedy::anotherPlace);
     if (errorNumber == EACCES || errorNumber == EPERM)
-        throw FileError(QStringLiteral("You don't have permission to write to the folder “%1”.").arg(name));
+        throw FileError(QStringLiteral("You don't have permission to write to the folder “%1”.").arg(name),
+                        FileError::Remedy::anotherPlace);
     throw FileError::forSystemError(errorNumber);
 }
 
@@ -167,7 +169,7 @@ void synchronize(int descriptor) {
 void writeContent(const path& temporary, const std::function<void(QFile&)>& write) {
     TemporaryFile file(temporary);
     if (!file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-        throw FileError(QStringLiteral("A temporary file can't be written."));
+        throw FileError(QStringLiteral("A temporary file can't be written."), FileError::Remedy::anotherPlace);
     write(file);
     if (file.systemError() != 0)
         throw FileError::forSystemError(file.systemError());

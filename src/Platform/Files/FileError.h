@@ -8,10 +8,26 @@
 /// file, so that the caller can put the name in front of it.
 class FileError : public std::runtime_error {
 public:
-    explicit FileError(const QString& sentence);
+    /// What helps a user who wanted to store a document.
+    enum class Remedy {
+        none,
+        anotherPlace, ///< the document can be stored in another folder or on another disk
+        anotherName,  ///< in the same folder under another name
+        freeSpace,    ///< on the same disk once there is space, or else in another place
+        tryAgain,     ///< in a moment in the same place, or else in another
+    };
 
-    /// The sentence for an `errno` value of a file operation.
+    explicit FileError(const QString& sentence, Remedy remedy = Remedy::none);
+
+    /// The sentence and the remedy for an `errno` value of a file operation.
     static FileError forSystemError(int errorNumber);
 
     [[nodiscard]] QString sentence() const;
+    [[nodiscard]] Remedy remedy() const { return m_remedy; }
+
+    /// What the user can do, as a sentence that speaks of the command "Save As"; empty when there is nothing.
+    [[nodiscard]] QString advice() const;
+
+private:
+    Remedy m_remedy;
 };

@@ -1,6 +1,7 @@
 #include "PDFAnnotation.h"
 
 #include "Engine/AnnotationReader.h"
+#include "FormFieldValues.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
@@ -17,6 +18,22 @@ constexpr int noViewFlag = 1 << 5;
 /// As exact as a file can say it.
 QDateTime now() {
     return QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch());
+}
+
+// Paths and fonts keep what they reckon while they are drawn in the data that their copies share, without a lock.
+
+void separate(QPainterPath& path) {
+    if (path.elementCount() > 0)
+        path.setElementPositionAt(0, path.elementAt(0).x, path.elementAt(0).y);
+    else
+        path = QPainterPath();
+}
+
+void separate(QFont& font) {
+    const uint mask = font.resolveMask();
+    font.setKerning(!font.kerning());
+    font.setKerning(!font.kerning());
+    font.setResolveMask(mask);
 }
 
 } // namespace
@@ -39,6 +56,7 @@ void PDFAnnotation::noteChange(const QRectF& area) {
 
 void PDFAnnotation::announceChange(const QRectF& area) {
     m_modified = true;
+    m_dateBeforeFilling.reset();
     if (const auto holder = page())
         holder->noteChange(area);
 }
@@ -92,6 +110,7 @@ void PDFAnnotation::setModificationDate(const QDateTime& date) {
     announceChange(drawnArea());
 }
 void PDFAnnotation::setFont(const std::optional<QFont>& font) {
+    m_values.fontSizeSuitsBox = m_values.fontSizeSuitsBox && font == m_values.font;
     set(&Values::font, font);
 }
 void PDFAnnotation::setFontColor(const std::optional<QColor>& color) {
@@ -122,10 +141,43 @@ void PDFAnnotation::setWidgetControlType(PDFWidgetControlType type) {
     set(&Values::widgetControlType, type);
 }
 void PDFAnnotation::setButtonWidgetState(PDFWidgetCellState state) {
+    const QString own = m_values.form ? m_values.form->onState : QStringLiteral("Yes");
+    if (state == PDFWidgetCellState::on)
+        m_values.chosenValues = {own};
+    else if (m_values.chosenValues.value(0) == own)
+        m_values.chosenValues = {QStringLiteral("Off")};
     set(&Values::buttonWidgetState, state);
 }
 void PDFAnnotation::setWidgetStringValue(const QString& value) {
+    if (m_values.widgetFieldType == PDFWidgetFieldType::choice && value != m_values.widgetStringValue)
+        m_values.chosenValues = value.isEmpty() ? QStringList() : QStringList{value};
     set(&Values::widgetStringValue, value);
+}
+
+void PDFAnnotation::fill(const QString& string, const QStringList& chosen, PDFWidgetCellState state) {
+    const bool isButton = m_values.widgetFieldType == PDFWidgetFieldType::button;
+    const bool looksDifferent = isButton ? state != m_values.buttonWidgetState
+                                         : string != m_values.widgetStringValue || chosen != m_values.chosenValues;
+    m_values.widgetStringValue = string;
+    m_values.chosenValues = chosen;
+    m_values.buttonWidgetState = state;
+    if (!looksDifferent)
+        return;
+    const bool wasUnchanged = m_origin && !m_modified;
+    const std::optional<QDateTime> before = wasUnchanged ? m_values.modificationDate : m_dateBeforeFilling;
+    noteChange(drawnArea());
+    m_dateBeforeFilling = before;
+    if (!before || !m_values.form)
+        return;
+    const bool isAsInFile =
+        isButton ? state == m_values.form->stateInFile
+                 : (m_values.widgetFieldType == PDFWidgetFieldType::text ? QStringList{string} : chosen) ==
+                       m_values.form->valueInFile;
+    if (!isAsInFile)
+        return;
+    m_values.modificationDate = *before;
+    m_modified = false;
+    m_dateBeforeFilling.reset();
 }
 
 void PDFAnnotation::add(const QPainterPath& path) {
@@ -189,7 +241,12 @@ std::shared_ptr<PDFAnnotation> PDFAnnotation::copy() const {
 
 std::shared_ptr<PDFAnnotation> PDFAnnotation::copied(std::shared_ptr<PDFAnnotation> fresh) const {
     fresh->m_values = m_values;
+    for (QPainterPath& path : fresh->m_values.paths)
+        separate(path);
+    if (fresh->m_values.font)
+        separate(*fresh->m_values.font);
     fresh->m_origin = m_origin;
     fresh->m_modified = m_modified;
+    fresh->m_dateBeforeFilling = m_dateBeforeFilling;
     return fresh;
 }

@@ -10,6 +10,7 @@
 #include <QFont>
 #include <QPainterPath>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -17,6 +18,7 @@
 
 class PDFPage;
 class QPainter;
+struct FormFieldValues;
 
 /// The values of FT of a form field.
 enum class PDFWidgetFieldType { none, text, button, choice, signature };
@@ -155,7 +157,8 @@ public:
     /// standard subtype would match it.
     [[nodiscard]] virtual bool hasCustomAppearance() const { return false; }
 
-    /// A new annotation with the same values and origin, on no page.
+    /// A new annotation with the same values and origin, on no page. It shares nothing that drawing changes, so that
+    /// the copy may be drawn on one thread while this one is drawn on another.
     [[nodiscard]] virtual std::shared_ptr<PDFAnnotation> copy() const;
 
     /// None for an annotation that was made here.
@@ -180,6 +183,7 @@ public:
         QDateTime modificationDate;
         std::optional<QFont> font;
         std::optional<QColor> fontColor;
+        bool fontSizeSuitsBox = false; ///< of a field: chosen so that the text fits, whatever `font` says
         QPointF startPoint;
         QPointF endPoint;
         PDFLineStyle startLineStyle = PDFLineStyle::none;
@@ -194,8 +198,12 @@ public:
         PDFWidgetControlType widgetControlType = PDFWidgetControlType::pushButton;
         PDFWidgetCellState buttonWidgetState = PDFWidgetCellState::off;
         QString widgetStringValue;
-        int fieldFlags = 0;         ///< the Ff key
-        bool hasAppearance = false; ///< the file gives a normal appearance (AP, N)
+        /// The export values that are chosen in a choice field; of a check box or radio button the name of the state
+        /// that its field is in, "Off" for none.
+        QStringList chosenValues;
+        std::shared_ptr<const FormFieldValues> form; ///< of a field of a file
+        int fieldFlags = 0;                          ///< the Ff key
+        bool hasAppearance = false;                  ///< the file gives a normal appearance (AP, N)
     };
     [[nodiscard]] const Values& values() const { return m_values; }
 
@@ -211,11 +219,18 @@ protected:
 
 private:
     friend class PDFPage;
+    friend class PDFFormField;
+    friend class DocumentFreezer;
     template <typename T>
     void set(T Values::*field, const T& value);
     void announceChange(const QRectF& area);
+    /// Gives a widget its field's value; one that shows the same as before doesn't count as changed. With all that it
+    /// had in the file it is unmodified again.
+    void fill(const QString& string, const QStringList& chosen, PDFWidgetCellState state);
 
     std::weak_ptr<PDFPage> m_page;
     std::optional<PDFAnnotationOrigin> m_origin;
     bool m_modified = false;
+    /// When it was last changed before it was filled; set while its value is all that differs from the file.
+    std::optional<QDateTime> m_dateBeforeFilling;
 };

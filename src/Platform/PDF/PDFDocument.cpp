@@ -2,12 +2,12 @@
 
 #include "Engine/InformationReader.h"
 #include "Engine/OutlineReader.h"
+#include "PDFDocumentSnapshot.h"
 #include "PDFError.h"
 #include "PDFOutline.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PageText.h"
-#include "Writer/DocumentComposer.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -105,6 +105,12 @@ std::shared_ptr<PDFPage> PDFDocument::page(int index) const {
         page->m_document = const_cast<PDFDocument*>(this);
     }
     return page;
+}
+
+std::vector<std::shared_ptr<PDFPage>> PDFDocument::knownPages() const {
+    std::vector<std::shared_ptr<PDFPage>> known;
+    std::copy_if(m_pages.begin(), m_pages.end(), std::back_inserter(known), [](const auto& page) { return page; });
+    return known;
 }
 
 int PDFDocument::index(const PDFPage* page) const {
@@ -244,7 +250,7 @@ void PDFDocument::setDocumentAttributes(const QVariantMap& attributes) {
 // Writing
 
 QByteArray PDFDocument::dataRepresentation() const {
-    return DocumentComposer::compose(*this, {});
+    return PDFDocumentSnapshot::of(*this)->dataRepresentation();
 }
 
 void PDFDocument::write(const QString& path) const {
@@ -252,5 +258,5 @@ void PDFDocument::write(const QString& path) const {
 }
 
 void PDFDocument::write(const QString& path, const PDFWriteOptions& options) const {
-    DocumentComposer::store(DocumentComposer::compose(*this, options), path);
+    PDFDocumentSnapshot::of(*this)->write(path, options);
 }

@@ -55,6 +55,8 @@ public:
     [[nodiscard]] int pageCount() const { return static_cast<int>(m_pages.size()); }
     /// Null when `index` (zero-based) is outside the document. The same object at each call.
     [[nodiscard]] std::shared_ptr<PDFPage> page(int index) const;
+    /// The pages that somebody has asked for, in order: all that can hold anything that the source doesn't.
+    [[nodiscard]] std::vector<std::shared_ptr<PDFPage>> knownPages() const;
     /// Zero-based; -1 when the page isn't in this document.
     [[nodiscard]] int index(const PDFPage* page) const;
     /// Takes a page out; it stays alive for whoever holds it. Null when `index` is outside the document.
@@ -113,7 +115,7 @@ Q_SIGNALS:
 
 private:
     friend class PDFPage;
-    friend class DocumentComposer;
+    friend class DocumentFreezer;
 
     explicit PDFDocument(std::shared_ptr<PDFSource> source);
     void adoptPages();

@@ -3,6 +3,7 @@
 class QColor;
 class QFont;
 class QPainter;
+class QPointF;
 class QRectF;
 class QString;
 
@@ -16,5 +17,8 @@ void drawWrapped(QPainter& painter, const QString& text, const QRectF& box, cons
 
 /// One line from the left edge of the box, halfway up.
 void drawLine(QPainter& painter, const QString& text, const QRectF& box, const QFont& font, const QColor& color);
+
+/// From where its baseline starts, as it is.
+void drawAt(QPainter& painter, const QString& text, QPointF at, const QFont& font, const QColor& color);
 
 } // namespace PageTextPainting

@@ -37,9 +37,21 @@ void paint(const AnnotationDrawing::Label& label, QPainter& painter) {
     draw(painter, label.text, label.box, label.font, label.color);
 }
 
+void paint(const AnnotationDrawing::SetText& text, QPainter& painter) {
+    painter.setTransform(text.toPage, true);
+    painter.setClipRect(text.clip, Qt::IntersectClip);
+    QFont font = text.font;
+    font.setPointSizeF(text.layout.size);
+    for (const FieldText::Line& line : text.layout.lines)
+        if (!line.text.isEmpty())
+            PageTextPainting::drawAt(painter, line.text, line.at, font, text.color);
+}
+
 } // namespace
 
 void PDFAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
+    if (drawFileState(*this, painter))
+        return;
     const std::optional<AnnotationDrawing> drawing = AnnotationDrawing::of(m_values);
     if (!drawing) {
         if (type() == PDFAnnotationSubtype::text)
@@ -56,5 +68,7 @@ void PDFAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
         paint(part, painter);
     if (drawing->label)
         paint(*drawing->label, painter);
+    if (drawing->text)
+        paint(*drawing->text, painter);
     painter.restore();
 }

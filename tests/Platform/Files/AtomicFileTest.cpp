@@ -152,6 +152,24 @@ TEST_F(AtomicFileTest, FailuresAreToldAndChangeNothing) {
     EXPECT_EQ(contentOf(path("file")), "old");
 }
 
+TEST_F(AtomicFileTest, FailuresSayWhatCanBeDone) {
+    const struct {
+        int errorNumber;
+        const char* advice;
+    } rows[] = {
+        {EACCES, "Choose Save As to store it in another place."},
+        {EROFS, "Choose Save As to store it in another place."},
+        {ENOSPC, "Free some space and save again, or choose Save As to store it on another disk."},
+        {EDQUOT, "Free some space and save again, or choose Save As to store it on another disk."},
+        {ENAMETOOLONG, "Choose Save As to give it another name."},
+        {EISDIR, "Choose Save As to give it another name."},
+        {EBUSY, "Save again in a moment, or choose Save As to store it in another place."},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(FileError::forSystemError(row.errorNumber).advice().toStdString(), row.advice) << row.errorNumber;
+    EXPECT_EQ(FileError(QStringLiteral("It is so.")).advice(), QString());
+}
+
 TEST_F(AtomicFileTest, MissingPermissionIsTold) {
     make(path("read-only"));
     ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("closed")));

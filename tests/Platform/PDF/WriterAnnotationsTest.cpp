@@ -28,6 +28,7 @@ class Sticker : public PDFAnnotation {
 public:
     explicit Sticker(const QRectF& bounds) : PDFAnnotation(bounds, Subtype::stamp) {}
     bool hasCustomAppearance() const override { return true; }
+    Annotation copy() const override { return copied(std::make_shared<Sticker>(bounds())); }
     void draw(PDFDisplayBox, QPainter& painter) const override {
         if (bounds().width() > 200)
             return; // a large one shows nothing

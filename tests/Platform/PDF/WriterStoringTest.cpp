@@ -2,7 +2,6 @@
 #include "PDFError.h"
 #include "PDFPage.h"
 #include "PdfFixtures.h"
-#include "Writer/DocumentComposer.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,9 +16,19 @@ QByteArray contentOf(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing there");
 }
 
+QByteArray fileWith(const QString& text) {
+    PdfFixture pdf;
+    pdf.addPage({text});
+    return pdf.bytes();
+}
+
+void store(const QByteArray& bytes, const QString& path) {
+    PDFDocument::fromData(bytes)->write(path);
+}
+
 QString failure(const QByteArray& bytes, const QString& path) {
     try {
-        DocumentComposer::store(bytes, path);
+        store(bytes, path);
     } catch (const PDFError& error) {
         EXPECT_EQ(error.kind(), PDFError::Kind::writeFailed);
         return error.sentence();
@@ -36,15 +45,17 @@ protected:
 } // namespace
 
 TEST_F(StoringTest, AFileIsReplacedAtOnceOrNotAtAll) {
-    DocumentComposer::store("old", path("a.pdf"));
+    const QByteArray old = fileWith(QStringLiteral("old"));
+    const QByteArray fresh = fileWith(QStringLiteral("new"));
+    store(old, path("a.pdf"));
     QFile reader(path("a.pdf"));
     ASSERT_TRUE(reader.open(QIODevice::ReadOnly));
-    DocumentComposer::store("new", path("a.pdf"));
-    EXPECT_EQ(reader.readAll(), "old") << "whoever reads the old file goes on with it";
-    EXPECT_EQ(contentOf(path("a.pdf")), "new");
+    store(fresh, path("a.pdf"));
+    EXPECT_EQ(reader.readAll(), old) << "whoever reads the old file goes on with it";
+    EXPECT_EQ(contentOf(path("a.pdf")), fresh);
 
-    EXPECT_EQ(failure("x", path("gone/a.pdf")), QStringLiteral("The folder “gone” doesn't exist."));
-    EXPECT_EQ(failure("x", m_folder.path()), QStringLiteral("There is a folder of this name."));
+    EXPECT_EQ(failure(fresh, path("gone/a.pdf")), QStringLiteral("The folder “gone” doesn't exist."));
+    EXPECT_EQ(failure(fresh, m_folder.path()), QStringLiteral("There is a folder of this name."));
     EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("a.pdf")});
 }
@@ -53,7 +64,7 @@ TEST_F(StoringTest, ADocumentCanBeWrittenOverItsOwnFile) {
     PdfFixture pdf;
     pdf.addPage({QStringLiteral("one")});
     pdf.addPage({QStringLiteral("two")});
-    DocumentComposer::store(pdf.bytes(), path("a.pdf"));
+    store(pdf.bytes(), path("a.pdf"));
     const auto document = PDFDocument::fromFile(path("a.pdf"));
     document->removePage(0);
     document->write(path("a.pdf"));

@@ -3,8 +3,8 @@
 #include "DefaultStyle.h"
 #include "Engine/DestinationReader.h"
 #include "Engine/EngineValues.h"
+#include "Engine/FormFieldReader.h"
 #include "Engine/SourceEngine.h"
-#include "PageFont.h"
 
 #include <QRegularExpression>
 
@@ -14,13 +14,13 @@ namespace {
 
 constexpr int annotationLimit = 20000;
 constexpr int pointLimit = 200000;
-constexpr int nameDepthLimit = 32;
 
 /// Reads one dictionary. Each step fetches inside `engineTry` and converts outside it, so that a broken key costs that
 /// key alone.
 class Reader {
 public:
-    Reader(fz_context* context, pdf_obj* dictionary) : m_context(context), m_dictionary(dictionary) {}
+    Reader(fz_context* context, pdf_obj* dictionary, FormFieldReader& fields)
+        : m_context(context), m_dictionary(dictionary), m_fields(fields) {}
 
     std::optional<PDFAnnotation::Values> read() {
         PDFAnnotation::Values values;
@@ -34,11 +34,11 @@ public:
         values.contents = EngineValues::text(m_context, get("Contents"));
         values.modificationDate = EngineValues::date(EngineValues::text(m_context, get("M")));
         readBorder(values);
-        readDefaultAppearance(values);
         if (values.type == PDFAnnotationSubtype::widget)
-            readField(values);
+            m_fields.read(m_dictionary, values);
         else
             values.userName = EngineValues::text(m_context, get("T"));
+        readDefaultAppearance(values);
         if (values.type == PDFAnnotationSubtype::line)
             readLine(values);
         if (values.type == PDFAnnotationSubtype::ink)
@@ -55,18 +55,6 @@ private:
         pdf_obj* object = nullptr;
         engineTry(m_context,
                   [&] { object = pdf_resolve_indirect(m_context, pdf_dict_getp(m_context, m_dictionary, path)); });
-        return object;
-    }
-
-    pdf_obj* inherited(const char* key) {
-        pdf_obj* object = nullptr;
-        pdf_obj* dictionary = m_dictionary;
-        engineTry(m_context, [&] {
-            for (int depth = 0; dictionary && !object && depth < nameDepthLimit; ++depth) {
-                object = pdf_dict_gets(m_context, dictionary, key);
-                dictionary = pdf_dict_get(m_context, dictionary, PDF_NAME(Parent));
-            }
-        });
         return object;
     }
 
@@ -131,7 +119,11 @@ private:
     }
 
     void readDefaultAppearance(PDFAnnotation::Values& values) {
-        const QString appearance = EngineValues::text(m_context, inherited("DA"));
+        values.fontSizeSuitsBox = values.type == PDFAnnotationSubtype::widget; // unless a size is given
+        pdf_obj* operators = m_fields.inherited(m_dictionary, "DA");
+        if (!operators && values.type == PDFAnnotationSubtype::widget)
+            engineTry(m_context, [&] { operators = pdf_dict_gets(m_context, m_fields.form(), "DA"); });
+        const QString appearance = EngineValues::text(m_context, operators);
         if (appearance.isEmpty())
             return;
         static const QRegularExpression fontPattern(QStringLiteral(R"(/(\S+)\s+([-\d.]+)\s+Tf)"));
@@ -139,7 +131,8 @@ private:
         const QRegularExpressionMatch font = fontPattern.match(appearance);
         if (font.hasMatch()) {
             const double size = font.captured(2).toDouble();
-            values.font = PageFont::ofDefaultAppearance(font.captured(1), size > 0 && size < 1000 ? size : 12.0);
+            values.fontSizeSuitsBox = !(size > 0 && size < 1000);
+            values.font = m_fields.font(font.captured(1), values.fontSizeSuitsBox ? 12.0 : size);
             if (values.type == PDFAnnotationSubtype::freeText)
                 DefaultStyle::apply(EngineValues::text(m_context, get("DS")), *values.font);
         }
@@ -156,42 +149,6 @@ private:
             else
                 values.fontColor = QColor::fromCmykF(part[0], part[1], part[2], part[3]).toRgb();
         }
-    }
-
-    void readField(PDFAnnotation::Values& values) {
-        const QString type = EngineValues::name(m_context, inherited("FT"));
-        values.widgetFieldType = type == QLatin1String("Tx")    ? PDFWidgetFieldType::text
-                                 : type == QLatin1String("Btn") ? PDFWidgetFieldType::button
-                                 : type == QLatin1String("Ch")  ? PDFWidgetFieldType::choice
-                                 : type == QLatin1String("Sig") ? PDFWidgetFieldType::signature
-                                                                : PDFWidgetFieldType::none;
-        values.fieldFlags = integer(inherited("Ff"));
-        constexpr int radio = 1 << 15;
-        constexpr int pushButton = 1 << 16;
-        values.widgetControlType = values.fieldFlags & pushButton ? PDFWidgetControlType::pushButton
-                                   : values.fieldFlags & radio    ? PDFWidgetControlType::radioButton
-                                                                  : PDFWidgetControlType::checkBox;
-        const QString state = EngineValues::name(m_context, get("AS"));
-        values.buttonWidgetState =
-            state.isEmpty() || state == QLatin1String("Off") ? PDFWidgetCellState::off : PDFWidgetCellState::on;
-        pdf_obj* value = inherited("V");
-        values.widgetStringValue =
-            pdf_is_name(m_context, value) ? EngineValues::name(m_context, value) : EngineValues::text(m_context, value);
-        values.interiorColor = EngineValues::color(m_context, get("MK/BG"));
-        if (const auto edge = EngineValues::color(m_context, get("MK/BC")))
-            values.color = edge;
-        pdf_obj* dictionary = m_dictionary;
-        QStringList parts;
-        for (int depth = 0; dictionary && depth < nameDepthLimit; ++depth) {
-            pdf_obj* partial = nullptr;
-            engineTry(m_context, [&] {
-                partial = pdf_dict_get(m_context, dictionary, PDF_NAME(T));
-                dictionary = pdf_dict_get(m_context, dictionary, PDF_NAME(Parent));
-            });
-            if (partial)
-                parts.prepend(EngineValues::text(m_context, partial));
-        }
-        values.fieldName = parts.join(QLatin1Char('.'));
     }
 
     static PDFLineStyle lineStyle(const QString& name) {
@@ -264,6 +221,7 @@ private:
 
     fz_context* m_context;
     pdf_obj* m_dictionary;
+    FormFieldReader& m_fields;
 };
 
 pdf_obj* annotsOf(fz_context* context, pdf_document* document, int pageNumber) {
@@ -284,10 +242,11 @@ std::vector<std::optional<PDFAnnotation::Values>> AnnotationReader::read(SourceE
     fz_context* context = borrowed.context();
     pdf_obj* annots = annotsOf(context, borrowed.document(), pageNumber);
     const int count = std::min(pdf_array_len(context, annots), annotationLimit);
+    FormFieldReader fields(context, borrowed.document());
     for (int i = 0; i < count; ++i) {
         pdf_obj* dictionary = nullptr;
         engineTry(context, [&] { dictionary = pdf_resolve_indirect(context, pdf_array_get(context, annots, i)); });
-        result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, dictionary).read() : std::nullopt);
+        result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, dictionary, fields).read() : std::nullopt);
     }
     return result;
 }

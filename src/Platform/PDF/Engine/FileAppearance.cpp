@@ -3,15 +3,38 @@
 #include "Engine/AnnotationReader.h"
 #include "Engine/PageRecorder.h"
 #include "Engine/Rasterizer.h"
+#include "FormFieldValues.h"
 #include "PDFAnnotation.h"
 #include "PDFSource.h"
 
 #include <QPainter>
 
+#include <cmath>
+
 namespace {
 
 /// Enough for a page-wide stamp on a dense screen.
 constexpr double largestSide = 4096;
+
+/// Draws a recording that fills `inFile` of its page into the annotation's present bounds, at the painter's own
+/// resolution and upright in page coordinates.
+void drawRecording(const RecordedPage& recorded, const QRectF& inFile, const QRectF& bounds, QPainter& painter) {
+    const QTransform device = painter.deviceTransform();
+    const double scale = std::max(1.0, std::sqrt(std::fabs(device.determinant())));
+    const QSizeF pixels = bounds.size() * std::min(scale, largestSide / std::max(bounds.width(), bounds.height()));
+    QImage image(pixels.toSize().expandedTo(QSize(1, 1)), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    const double sx = image.width() / inFile.width();
+    const double sy = image.height() / inFile.height();
+    const QTransform toImage(sx, 0, 0, -sy, -inFile.left() * sx, inFile.bottom() * sy);
+    Rasterizer::replay(recorded, toImage, QPoint(0, 0), image, nullptr);
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.translate(bounds.left(), bounds.bottom());
+    painter.scale(1, -1);
+    painter.drawImage(QRectF(QPointF(0, 0), bounds.size()), image);
+    painter.restore();
+}
 
 } // namespace
 
@@ -22,23 +45,23 @@ void drawFileAppearance(const PDFAnnotation& annotation, QPainter& painter) {
     SourceEngine& engine = origin.content.source->engine();
     const QRectF inFile = AnnotationReader::bounds(engine, origin.content.pageNumber, origin.index);
     const auto recorded = PageRecorder::recordAnnotation(engine, origin.content.pageNumber, origin.index);
-    if (!recorded || inFile.isEmpty())
-        return;
-    // Drawn at the painter's own resolution, upright in page coordinates.
-    const QRectF bounds = annotation.bounds();
-    const QTransform device = painter.deviceTransform();
-    const double scale = std::max(1.0, std::sqrt(std::fabs(device.determinant())));
-    const QSizeF pixels = bounds.size() * std::min(scale, largestSide / std::max(bounds.width(), bounds.height()));
-    QImage image(pixels.toSize().expandedTo(QSize(1, 1)), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    const double sx = image.width() / inFile.width();
-    const double sy = image.height() / inFile.height();
-    const QTransform toImage(sx, 0, 0, -sy, -inFile.left() * sx, inFile.bottom() * sy);
-    Rasterizer::replay(*recorded, toImage, QPoint(0, 0), image, nullptr);
-    painter.save();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.translate(bounds.left(), bounds.bottom());
-    painter.scale(1, -1);
-    painter.drawImage(QRectF(QPointF(0, 0), bounds.size()), image);
-    painter.restore();
+    if (recorded && !inFile.isEmpty())
+        drawRecording(*recorded, inFile, annotation.bounds(), painter);
+}
+
+bool drawFileState(const PDFAnnotation& annotation, QPainter& painter) {
+    const PDFAnnotation::Values& values = annotation.values();
+    if (values.widgetFieldType != PDFWidgetFieldType::button ||
+        values.widgetControlType == PDFWidgetControlType::pushButton || !annotation.origin() || !values.form ||
+        !values.form->hasStateLooks || values.bounds.isEmpty())
+        return false;
+    const PDFAnnotationOrigin& origin = *annotation.origin();
+    SourceEngine& engine = origin.content.source->engine();
+    const bool on = values.buttonWidgetState == PDFWidgetCellState::on;
+    const QByteArray state = on ? values.form->onState.toUtf8() : QByteArray("Off");
+    const QRectF inFile = AnnotationReader::bounds(engine, origin.content.pageNumber, origin.index);
+    const auto recorded = PageRecorder::recordState(engine, origin.content.pageNumber, origin.index, state);
+    if (recorded && !inFile.isEmpty())
+        drawRecording(*recorded, inFile, values.bounds, painter);
+    return recorded || !on;
 }

@@ -7,6 +7,17 @@
 
 namespace {
 
+/// How a form XObject comes to fill its annotation's rectangle (ISO 32000-1, 12.5.5, algorithm 8.1); the matrix of the
+/// form itself left out, which running it adds.
+fz_matrix fit(const fz_rect& rect, const fz_rect& box, const fz_matrix& matrix) {
+    const fz_rect shown = fz_transform_rect(box, matrix);
+    const float width = shown.x1 - shown.x0;
+    const float height = shown.y1 - shown.y0;
+    const float sx = width > 0 ? (rect.x1 - rect.x0) / width : 1;
+    const float sy = height > 0 ? (rect.y1 - rect.y0) / height : 1;
+    return fz_make_matrix(sx, 0, 0, sy, rect.x0 - shown.x0 * sx, rect.y0 - shown.y0 * sy);
+}
+
 struct Recording {
     std::shared_ptr<const EngineInstance> instance;
     fz_context* context;
@@ -133,5 +144,35 @@ std::shared_ptr<const RecordedPage> PageRecorder::recordAnnotation(SourceEngine&
             drawn = true;
         });
     });
+    return drawn ? recording.finish() : nullptr;
+}
+
+std::shared_ptr<const RecordedPage> PageRecorder::recordState(SourceEngine& engine, int pageNumber, int index,
+                                                              const QByteArray& state) {
+    const SourceEngine::Lease borrowed = engine.lease();
+    if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
+        return nullptr;
+    fz_context* context = borrowed.context();
+    Recording recording(borrowed);
+    pdf_processor* processor = nullptr;
+    bool drawn = false;
+    engineTry(context, [&] {
+        pdf_obj* page = pdf_lookup_page_obj(context, borrowed.document(), pageNumber);
+        pdf_obj* annotation = pdf_array_get(context, pdf_dict_get(context, page, PDF_NAME(Annots)), index);
+        pdf_obj* look = pdf_dict_gets(context, pdf_dict_getp(context, annotation, "AP/N"), state.constData());
+        if (!pdf_is_stream(context, look))
+            return;
+        const fz_rect rect = pdf_dict_get_rect(context, annotation, PDF_NAME(Rect));
+        const fz_matrix place = fit(rect, pdf_xobject_bbox(context, look), pdf_xobject_matrix(context, look));
+        recording.list = fz_new_display_list(context, rect);
+        recording.device = fz_new_list_device(context, recording.list);
+        processor = pdf_new_run_processor(context, recording.device, place, "View", nullptr, nullptr, nullptr);
+        processor->op_q(context, processor);
+        processor->op_Do_form(context, processor, nullptr, look, nullptr);
+        processor->op_Q(context, processor);
+        pdf_close_processor(context, processor);
+        drawn = true;
+    });
+    pdf_drop_processor(context, processor);
     return drawn ? recording.finish() : nullptr;
 }

@@ -17,4 +17,9 @@ namespace PageRecorder {
 /// Null when there is none.
 [[nodiscard]] std::shared_ptr<const RecordedPage> recordAnnotation(SourceEngine& engine, int pageNumber, int index);
 
+/// The appearance that the annotation has for one of its states (an entry of AP, N), fitted into its rectangle of the
+/// file. Null when there is none.
+[[nodiscard]] std::shared_ptr<const RecordedPage> recordState(SourceEngine& engine, int pageNumber, int index,
+                                                              const QByteArray& state);
+
 } // namespace PageRecorder

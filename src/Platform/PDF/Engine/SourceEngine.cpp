@@ -1,5 +1,6 @@
 #include "Engine/SourceEngine.h"
 
+#include "Engine/FormFieldIndex.h"
 #include "Engine/PageObjects.h"
 #include "PDFError.h"
 
@@ -236,4 +237,17 @@ bool SourceEngine::hasBareAnnotations(int pageNumber) const {
 void SourceEngine::noteBareAnnotations(int pageNumber) {
     const std::lock_guard guard(m_mutex);
     m_pagesWithBareAnnotations.insert(pageNumber);
+}
+
+std::shared_ptr<const FormFieldIndex> SourceEngine::fieldIndex() {
+    {
+        const std::lock_guard guard(m_mutex);
+        if (m_fieldIndex)
+            return m_fieldIndex;
+    }
+    auto read = FormFieldIndex::read(*this);
+    const std::lock_guard guard(m_mutex);
+    if (!m_fieldIndex)
+        m_fieldIndex = std::move(read);
+    return m_fieldIndex;
 }

@@ -12,6 +12,8 @@
 #include <unordered_set>
 #include <vector>
 
+class FormFieldIndex;
+
 /// A page's drawing operations in page coordinates, recorded once and replayed for every tile. Immutable; any thread
 /// may replay it, with a context of its instance.
 class RecordedPage {
@@ -127,6 +129,9 @@ public:
     [[nodiscard]] bool hasBareAnnotations(int pageNumber) const;
     void noteBareAnnotations(int pageNumber);
 
+    /// Never null. Read on first use.
+    [[nodiscard]] std::shared_ptr<const FormFieldIndex> fieldIndex();
+
 private:
     /// Every page's object and geometry; made when many pages are asked for, which is far quicker than one by one.
     struct PageTable {
@@ -156,5 +161,6 @@ private:
     int m_lookups = 0;
     std::vector<std::pair<RecordingKey, std::shared_ptr<const RecordedPage>>> m_recordings; // most recent last
     std::unordered_set<int> m_pagesWithBareAnnotations;
+    std::shared_ptr<const FormFieldIndex> m_fieldIndex;
     std::mutex m_tableMaking;
 };

@@ -1,5 +1,7 @@
 #include "AnnotationDrawing.h"
 
+#include "FieldDrawing.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -16,9 +18,6 @@ constexpr double strikeOutHeight = 0.375;
 constexpr double markupLineThickness = 0.07;
 
 constexpr double mostDashes = 20000;
-
-constexpr int multilineFlag = 1 << 12; // of a text field, ISO 32000-1, table 228
-constexpr int passwordFlag = 1 << 13;
 
 double lineWidthOf(const Values& values) {
     return values.border ? values.border->lineWidth : values.defaultLineWidth;
@@ -135,7 +134,7 @@ void addInk(AnnotationDrawing& drawing, const Values& values) {
     drawing.parts.push_back(part);
 }
 
-/// The background and the border of a field or of free text.
+/// The background and the border of free text.
 void addBox(AnnotationDrawing& drawing, const Values& values, const std::optional<QColor>& background,
             const std::optional<QColor>& line) {
     if (background) {
@@ -168,66 +167,6 @@ void addFreeText(AnnotationDrawing& drawing, const Values& values) {
     label.color = color;
     label.multiline = true;
     drawing.label = label;
-}
-
-void addCheckMark(AnnotationDrawing& drawing, const Values& values) {
-    const QRectF& box = values.bounds;
-    const double side = std::min(box.width(), box.height());
-    const auto at = [&](double x, double y) { return box.center() + QPointF(x - 0.5, y - 0.5) * side; };
-    Part mark;
-    mark.path.moveTo(at(0.22, 0.52));
-    mark.path.lineTo(at(0.42, 0.28));
-    mark.path.lineTo(at(0.78, 0.76));
-    mark.lineWidth = side * 0.12;
-    mark.stroke = values.fontColor.value_or(QColor(Qt::black));
-    mark.cap = Qt::RoundCap;
-    mark.join = Qt::RoundJoin;
-    drawing.parts.push_back(mark);
-}
-
-void addRadioButton(AnnotationDrawing& drawing, const Values& values) {
-    QPainterPath ring;
-    ring.addEllipse(strokeBox(values));
-    Part part = strokedPart(values, ring);
-    part.fill = visible(values.interiorColor);
-    drawing.parts.push_back(part);
-    if (values.buttonWidgetState != PDFWidgetCellState::on)
-        return;
-    const double radius = std::min(values.bounds.width(), values.bounds.height()) / 4;
-    Part dot;
-    dot.path.addEllipse(values.bounds.center(), radius, radius);
-    dot.fill = values.fontColor.value_or(QColor(Qt::black));
-    drawing.parts.push_back(dot);
-}
-
-bool addWidget(AnnotationDrawing& drawing, const Values& values) {
-    if (values.widgetFieldType == PDFWidgetFieldType::button) {
-        if (values.widgetControlType == PDFWidgetControlType::radioButton) {
-            addRadioButton(drawing, values);
-            return true;
-        }
-        if (values.widgetControlType != PDFWidgetControlType::checkBox)
-            return false;
-        addBox(drawing, values, visible(values.interiorColor), visible(values.color));
-        if (values.buttonWidgetState == PDFWidgetCellState::on)
-            addCheckMark(drawing, values);
-        return true;
-    }
-    if (values.widgetFieldType != PDFWidgetFieldType::text && values.widgetFieldType != PDFWidgetFieldType::choice)
-        return false;
-    addBox(drawing, values, visible(values.interiorColor), visible(values.color));
-    const double inset = lineWidthOf(values) + 2;
-    AnnotationDrawing::Label label;
-    label.box = values.bounds.adjusted(inset, inset, -inset, -inset);
-    const bool isText = values.widgetFieldType == PDFWidgetFieldType::text;
-    label.text = isText && (values.fieldFlags & passwordFlag)
-                     ? QString(values.widgetStringValue.size(), QLatin1Char('*'))
-                     : values.widgetStringValue;
-    label.font = values.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
-    label.color = values.fontColor.value_or(QColor(Qt::black));
-    label.multiline = isText && (values.fieldFlags & multilineFlag);
-    drawing.label = label;
-    return true;
 }
 
 } // namespace
@@ -325,7 +264,7 @@ std::optional<AnnotationDrawing> AnnotationDrawing::of(const Values& values) {
         addInk(drawing, values);
     else if (values.type == Subtype::freeText)
         addFreeText(drawing, values);
-    else if (values.type != Subtype::widget || !addWidget(drawing, values))
-        return std::nullopt;
+    else
+        return values.type == Subtype::widget ? FieldDrawing::of(values) : std::nullopt;
     return drawing;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FieldText.h"
 #include "PDFAnnotation.h"
 
 /// How a plain standard annotation looks, in page coordinates. The screen paints it and the writer turns it into an
@@ -22,8 +23,18 @@ struct AnnotationDrawing {
         bool multiline = false; ///< wrapped and at the top, instead of one line halfway up
     };
 
+    /// The text of a form field, set line by line.
+    struct SetText {
+        FieldText::Layout layout; ///< in the field's box
+        QFont font;               ///< its size is that of the layout
+        QColor color;
+        QRectF clip;       ///< in the field's box
+        QTransform toPage; ///< from the field's box
+    };
+
     std::vector<Part> parts; ///< lowest first
     std::optional<Label> label;
+    std::optional<SetText> text;
     bool multiplies = false; ///< darkens what lies below, as a marker pen does
 
     /// The smallest rectangle around all that is painted, the width of lines included; empty when nothing is.

@@ -34,12 +34,12 @@ bool writePages(const DocumentContents& contents, SourceFile& file, UpdateObject
         QPDFObjectHandle object = file.page(page.content.pageNumber);
         if (!object.isDictionary() || !object.isIndirect())
             return false;
-        if (page.live->rotation() != contents.source->geometry(page.content.pageNumber).rotation)
-            objects.set(object, "/Rotate", QPDFObjectHandle::newInteger(page.live->rotation()));
-        if (!page.live->annotationsLoaded())
+        if (page.page->rotation() != contents.source->geometry(page.content.pageNumber).rotation)
+            objects.set(object, "/Rotate", QPDFObjectHandle::newInteger(page.page->rotation()));
+        if (!page.page->annotationsLoaded())
             continue;
         QPDFObjectHandle list = object.getKey("/Annots");
-        annotations.write(*page.live, object,
+        annotations.write(*page.page, object,
                           list.isArray() ? list.getArrayAsVector() : std::vector<QPDFObjectHandle>());
     }
     return true;
@@ -47,7 +47,7 @@ bool writePages(const DocumentContents& contents, SourceFile& file, UpdateObject
 
 } // namespace
 
-std::optional<QByteArray> AppendComposer::compose(const DocumentContents& contents) {
+std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentContents& contents) {
     if (!contents.hasAllSourcePages() || contents.source->isEncrypted() || contents.source->wasRepaired())
         return std::nullopt;
     const QByteArray& bytes = contents.source->bytes();
@@ -69,8 +69,8 @@ std::optional<QByteArray> AppendComposer::compose(const DocumentContents& conten
     SourceFiles files(objects, form, file.get());
     std::unordered_map<const PDFPage*, int> numbers;
     for (const DocumentContents::Page& page : contents.pages)
-        if (page.live)
-            numbers[page.live.get()] = page.content.pageNumber;
+        if (page.page)
+            numbers[page.page.get()] = page.content.pageNumber;
     const AnnotationDictionary::PageLookup lookup = [&](const PDFPage& page) {
         const auto number = numbers.find(&page);
         return number == numbers.end() ? QPDFObjectHandle::newNull() : file->page(number->second);
@@ -90,7 +90,5 @@ std::optional<QByteArray> AppendComposer::compose(const DocumentContents& conten
         InformationWriter::write(contents.attributes, objects);
     recorder.finish();
 
-    QByteArray result = IncrementalUpdate::append(bytes, *sections, objects);
-    const qint64 updates = sections->updatedBytes + result.size() - bytes.size();
-    return updates * 2 < result.size() ? std::optional(std::move(result)) : std::nullopt;
+    return Update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes};
 }

@@ -9,8 +9,13 @@ struct DocumentContents;
 /// Composes a file by appending what changed to the bytes of the source.
 namespace AppendComposer {
 
-/// None when the file must be rewritten instead: it is protected, damaged or has bytes before its header, pages left it
-/// or came in, or updates would make up half of it. Pages that only moved are moved within the page tree.
-[[nodiscard]] std::optional<QByteArray> compose(const DocumentContents& contents);
+struct Update {
+    QByteArray bytes;          ///< to be put behind the source's
+    qint64 earlierUpdates = 0; ///< how many bytes of the source are such updates already
+};
+
+/// None when the file must be rewritten instead: it is protected, damaged or has bytes before its header, or pages left
+/// it or came in. Pages that only moved are moved within the page tree.
+[[nodiscard]] std::optional<Update> compose(const DocumentContents& contents);
 
 } // namespace AppendComposer

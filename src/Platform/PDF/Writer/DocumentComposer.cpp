@@ -6,60 +6,84 @@
 #include "FileError.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
-#include "PDFOutline.h"
-#include "PDFPage.h"
 #include "PDFSource.h"
 #include "RewriteComposer.h"
 
+#include <QBuffer>
+#include <QFile>
+
+#include <exception>
+
 namespace {
 
-PDFError composingFailed() {
-    return {PDFError::Kind::writeFailed, QStringLiteral("The file couldn't be put together.")};
+/// Runs `compose` and turns whatever it throws into a sentence for the user.
+template <typename Compose>
+auto withErrors(Compose compose) {
+    using Kind = PDFError::Kind;
+    try {
+        return compose();
+    } catch (const PDFError&) {
+        throw;
+    } catch (const FileError& error) {
+        std::throw_with_nested(PDFError(Kind::writeFailed, error.sentence())); // callers may look for a remedy
+    } catch (const std::bad_alloc&) {
+        throw PDFError(Kind::writeFailed, QStringLiteral("There isn't enough memory to save it."));
+    } catch (const std::exception&) {
+        throw PDFError(Kind::writeFailed, QStringLiteral("The file couldn't be put together."));
+    }
+}
+
+/// What to put behind the source's bytes to save the document; empty for none of its changes, none when it is to be
+/// written anew. Updates that make up half of a file are a reason for that.
+std::optional<QByteArray> savedUpdate(const DocumentContents& contents, const PDFWriteOptions& options) {
+    if (!options.userPassword.isEmpty() || !options.ownerPassword.isEmpty())
+        return std::nullopt;
+    // A file that had to be repaired isn't given back as it came: saving it is how it is mended.
+    if (contents.isUnchanged() && !contents.source->wasRepaired())
+        return QByteArray();
+    std::optional<AppendComposer::Update> update = AppendComposer::compose(contents);
+    if (!update)
+        return std::nullopt;
+    const qint64 updates = update->earlierUpdates + update->bytes.size();
+    const qint64 size = contents.source->bytes().size() + update->bytes.size();
+    return updates * 2 < size ? std::optional(std::move(update->bytes)) : std::nullopt;
 }
 
 } // namespace
 
-DocumentContents DocumentComposer::contentsOf(const PDFDocument& document) {
-    DocumentContents contents;
-    contents.source = document.m_source;
-    const std::vector<PDFPageContent> pages = document.pageContents();
-    for (std::size_t i = 0; i < pages.size(); ++i) {
-        const std::shared_ptr<PDFPage>& live = document.m_pages[i];
-        contents.pages.push_back({pages[i], live, live && live->isModified()});
-    }
-    contents.outlineChanged = document.m_outlineChanged;
-    contents.outline = document.m_outline;
-    contents.attributesChanged = document.m_attributesChanged;
-    contents.attributes = document.m_attributes.value_or(QVariantMap());
-    return contents;
+QByteArray DocumentComposer::compose(const DocumentContents& contents, const PDFWriteOptions& options) {
+    return withErrors([&] {
+        const std::optional<QByteArray> update = savedUpdate(contents, options);
+        if (update)
+            return update->isEmpty() ? contents.source->bytes() : contents.source->bytes() + *update;
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        RewriteComposer(contents, options).compose(buffer);
+        return buffer.data();
+    });
 }
 
-QByteArray DocumentComposer::compose(const PDFDocument& document, const PDFWriteOptions& options) {
-    if (document.isLocked())
-        throw PDFError(PDFError::Kind::locked, QStringLiteral("It needs its password first."));
-    const DocumentContents contents = contentsOf(document);
-    const bool protects = !options.userPassword.isEmpty() || !options.ownerPassword.isEmpty();
-    try {
-        // A file that had to be repaired isn't given back as it came: saving it is how it is mended.
-        if (!protects && contents.isUnchanged() && !contents.source->wasRepaired())
-            return contents.source->bytes();
-        if (!protects)
-            if (std::optional<QByteArray> appended = AppendComposer::compose(contents))
-                return *appended;
-        return RewriteComposer(contents, options).compose();
-    } catch (const PDFError&) {
-        throw;
-    } catch (const std::bad_alloc&) {
-        throw PDFError(PDFError::Kind::writeFailed, QStringLiteral("There isn't enough memory to save it."));
-    } catch (const std::exception&) {
-        throw composingFailed();
-    }
+void DocumentComposer::write(const DocumentContents& contents, const PDFWriteOptions& options, const QString& path) {
+    withErrors([&] {
+        const std::optional<QByteArray> update = savedUpdate(contents, options);
+        writeFileAtomically(path, [&](QFile& file) {
+            if (update) {
+                file.write(contents.source->bytes());
+                file.write(*update);
+            } else {
+                RewriteComposer(contents, options).compose(file);
+            }
+        });
+    });
 }
 
-void DocumentComposer::store(const QByteArray& bytes, const QString& path) {
-    try {
-        writeFileAtomically(path, bytes);
-    } catch (const FileError& error) {
-        throw PDFError(PDFError::Kind::writeFailed, error.sentence());
-    }
+std::optional<QByteArray> DocumentComposer::update(const DocumentContents& contents) {
+    return withErrors([&]() -> std::optional<QByteArray> {
+        if (!contents.source)
+            return std::nullopt;
+        if (contents.isUnchanged())
+            return QByteArray();
+        std::optional<AppendComposer::Update> update = AppendComposer::compose(contents);
+        return update ? std::optional(std::move(update->bytes)) : std::nullopt;
+    });
 }

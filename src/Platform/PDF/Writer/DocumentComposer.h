@@ -3,19 +3,21 @@
 #include <QByteArray>
 #include <QString>
 
-class PDFDocument;
+#include <optional>
+
 struct DocumentContents;
 struct PDFWriteOptions;
 
-/// Composes the bytes of a document as it would be saved, and stores them. Main thread.
-class DocumentComposer {
-public:
-    /// Throws `PDFError`.
-    [[nodiscard]] static QByteArray compose(const PDFDocument& document, const PDFWriteOptions& options);
+/// Composes the file that says what a document holds, and stores it. Any thread; everything throws `PDFError`.
+namespace DocumentComposer {
 
-    /// Replaces or creates the file in one step; throws `PDFError` and leaves an old file as it was.
-    static void store(const QByteArray& bytes, const QString& path);
+[[nodiscard]] QByteArray compose(const DocumentContents& contents, const PDFWriteOptions& options);
 
-private:
-    [[nodiscard]] static DocumentContents contentsOf(const PDFDocument& document);
-};
+/// The same as a file, which is replaced or made in one step; an old one stays as it was when that fails.
+void write(const DocumentContents& contents, const PDFWriteOptions& options, const QString& path);
+
+/// What appended to the bytes of the source gives a file with all changes, however much that is. Empty when there are
+/// none; none when the file has to be written anew.
+[[nodiscard]] std::optional<QByteArray> update(const DocumentContents& contents);
+
+} // namespace DocumentComposer

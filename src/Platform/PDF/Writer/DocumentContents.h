@@ -11,20 +11,21 @@ class PDFOutline;
 class PDFPage;
 class PDFSource;
 
-/// A document as it is to be written: what its parts hold at the moment of writing.
+/// A document as it is to be written. The pages, annotations and outline in it belong to it alone and nobody changes
+/// them any more; destinations among them lead to pages of it. One thread at a time.
 struct DocumentContents {
     struct Page {
         PDFPageContent content;
-        std::shared_ptr<PDFPage> live; ///< null for a page that nobody has looked at, which is as its source has it
+        std::shared_ptr<PDFPage> page; ///< null for one that is as its source has it and that no destination needs
         bool modified = false;         ///< annotations or rotation differ from the source
     };
 
     std::shared_ptr<PDFSource> source; ///< null for a new document
     std::vector<Page> pages;
     bool outlineChanged = false;
-    std::shared_ptr<PDFOutline> outline;
+    std::shared_ptr<PDFOutline> outline; ///< of a changed outline; null when it was removed
     bool attributesChanged = false;
-    QVariantMap attributes;
+    QVariantMap attributes; ///< when they changed
 
     /// True when the pages are those of the source, all of them.
     [[nodiscard]] bool hasAllSourcePages() const;

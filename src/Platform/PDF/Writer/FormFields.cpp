@@ -1,8 +1,9 @@
 #include "FormFields.h"
 
 #include "AnnotationDictionary.h"
-#include "AppearanceStreams.h"
-#include "FieldText.h"
+#include "FieldFont.h"
+#include "FieldLook.h"
+#include "FormFieldValues.h"
 #include "FormTree.h"
 #include "PdfValues.h"
 
@@ -25,46 +26,6 @@ bool eraseFrom(QPDFObjectHandle array, QPDFObjectHandle object) {
     }
     return found;
 }
-
-double borderWidth(QPDFObjectHandle widget) {
-    QPDFObjectHandle border = widget.getKey("/Border");
-    const double plain =
-        border.isArray() && border.getArrayNItems() > 2 ? PdfValues::toNumber(border.getArrayItem(2), 1) : 1.0;
-    const double width = PdfValues::toNumber(PdfValues::entry(widget.getKey("/BS"), "/W"), plain);
-    return std::clamp(width, 0.0, 100.0);
-}
-
-/// What a choice field shows for its value: Opt gives pairs of the value and its label, or just labels.
-QString choiceLabel(QPDFObjectHandle widget, const QString& value) {
-    QPDFObjectHandle options = FormTree::inherited(widget, "/Opt");
-    for (int i = 0; options.isArray() && i < options.getArrayNItems(); ++i) {
-        QPDFObjectHandle option = options.getArrayItem(i);
-        if (option.isArray() && option.getArrayNItems() == 2 && PdfValues::toText(option.getArrayItem(0)) == value)
-            return PdfValues::toText(option.getArrayItem(1));
-    }
-    return value;
-}
-
-/// The last font, size and colour that a DA string sets.
-struct DefaultAppearance {
-    QByteArray fontName = "/Helv";
-    double size = 0;
-    QByteArray colorOperators = "0 g";
-
-    explicit DefaultAppearance(const QByteArray& operators) {
-        const QList<QByteArray> words = operators.simplified().split(' ');
-        for (qsizetype i = 0; i < words.size(); ++i) {
-            const QByteArray& word = words[i];
-            if (word == "Tf" && i >= 2 && words[i - 2].startsWith('/')) {
-                fontName = words[i - 2];
-                size = std::clamp(words[i - 1].toDouble(), 0.0, 1000.0);
-            }
-            const int parts = word == "g" ? 1 : word == "rg" ? 3 : word == "k" ? 4 : 0;
-            if (parts > 0 && i >= parts)
-                colorOperators = words.mid(i - parts, parts + 1).join(' ');
-        }
-    }
-};
 
 } // namespace
 
@@ -167,13 +128,27 @@ FormFields::Look FormFields::update(QPDFObjectHandle widget, const PDFAnnotation
     if (now.fieldName != before.fieldName && field.isIndirect())
         m_objects.set(field, "/T", PdfValues::text(now.fieldName.section(QLatin1Char('.'), -1)));
     if (now.widgetFieldType == PDFWidgetFieldType::button) {
-        if (now.buttonWidgetState != before.buttonWidgetState)
-            setButtonState(widget, now.buttonWidgetState == PDFWidgetCellState::on);
+        if (now.buttonWidgetState != before.buttonWidgetState) {
+            setButtonState(widget, now);
+            dropOtherForm();
+        }
         return Look::unchanged;
     }
     if (now.font != before.font || now.fontColor != before.fontColor)
         setFont(widget, now, before);
-    return now.widgetStringValue == before.widgetStringValue ? Look::unchanged : setText(widget, now.widgetStringValue);
+    if (now.widgetStringValue == before.widgetStringValue && now.chosenValues == before.chosenValues)
+        return Look::unchanged;
+    dropOtherForm();
+    return setText(widget, now);
+}
+
+void FormFields::dropOtherForm() {
+    QPDFObjectHandle dictionary = form(false);
+    if (!dictionary.isDictionary() || !dictionary.hasKey("/XFA"))
+        return;
+    m_objects.remove(dictionary, "/XFA");
+    if (m_objects.root().hasKey("/NeedsRendering"))
+        m_objects.remove(m_objects.root(), "/NeedsRendering");
 }
 
 void FormFields::setFont(QPDFObjectHandle widget, const PDFAnnotation::Values& now,
@@ -182,25 +157,20 @@ void FormFields::setFont(QPDFObjectHandle widget, const PDFAnnotation::Values& n
     const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
     QByteArray name = "Helv";
     if (before.font && before.font->family() == font.family())
-        name = DefaultAppearance(defaultAppearanceOf(widget)).fontName.mid(1);
+        name = FieldLook(widget, form(true)).fontName().mid(1);
     widget.replaceKey("/DA", QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
                                                              name, size, now.fontColor.value_or(QColor(Qt::black)))
                                                              .toStdString()));
     m_objects.noteChange(widget);
 }
 
-QByteArray FormFields::defaultAppearanceOf(QPDFObjectHandle widget) {
-    QPDFObjectHandle operators = FormTree::inherited(widget, "/DA");
-    if (operators.isNull())
-        operators = form(true).getKey("/DA");
-    return operators.isString() ? QByteArray::fromStdString(operators.getStringValue()) : QByteArray();
-}
-
-void FormFields::setButtonState(QPDFObjectHandle widget, bool on) {
+void FormFields::setButtonState(QPDFObjectHandle widget, const PDFAnnotation::Values& now) {
     QPDFObjectHandle field = FormTree::fieldOf(widget);
+    const bool on = now.buttonWidgetState == PDFWidgetCellState::on;
     const std::string state = FormTree::onState(widget);
     const bool wasOn = FormTree::inherited(field, "/V").isNameAndEquals(state);
-    if (!on && !wasOn) {
+    const bool isNoneOn = now.chosenValues.value(0, QStringLiteral("Off")) == QLatin1String("Off");
+    if (!on && (!wasOn || !isNoneOn)) {
         // Another button of the group took the value over.
         m_objects.set(widget, "/AS", QPDFObjectHandle::newName("/Off"));
         return;
@@ -208,93 +178,98 @@ void FormFields::setButtonState(QPDFObjectHandle widget, bool on) {
     const std::string value = on ? state : "/Off";
     if (field.isIndirect())
         m_objects.set(field, "/V", QPDFObjectHandle::newName(value));
+    const int flags = int(PdfValues::toNumber(FormTree::inherited(widget, "/Ff")));
+    const bool together = !(flags & FormTree::radio) || (flags & FormTree::radiosInUnison);
+    m_objects.set(widget, "/AS", QPDFObjectHandle::newName(value));
+    const QStringList said{QString::fromStdString(value)};
+    if (const auto [written, isNew] = m_written.try_emplace(field.getObjGen(), said); !isNew) {
+        if (together && std::exchange(written->second, said) == said)
+            return;
+    }
     for (QPDFObjectHandle& button : FormTree::widgets(field)) {
+        if (button.getObjGen() == widget.getObjGen())
+            continue;
         const std::string own = FormTree::onState(button);
         if (button.isIndirect())
-            m_objects.set(button, "/AS", QPDFObjectHandle::newName(own == value ? own : "/Off"));
+            m_objects.set(button, "/AS", QPDFObjectHandle::newName(own == value && together ? own : "/Off"));
     }
-    m_objects.set(widget, "/AS", QPDFObjectHandle::newName(value));
 }
 
-FormFields::Look FormFields::setText(QPDFObjectHandle widget, const QString& value) {
+void FormFields::setChosen(QPDFObjectHandle field, const PDFAnnotation::Values& now) {
+    QStringList chosen = now.chosenValues;
+    if (chosen.isEmpty()) {
+        m_objects.remove(field, "/V");
+    } else if (chosen.size() == 1) {
+        m_objects.set(field, "/V", PdfValues::text(chosen[0]));
+    } else {
+        QPDFObjectHandle values = QPDFObjectHandle::newArray();
+        for (const QString& each : chosen)
+            values.appendItem(PdfValues::text(each));
+        m_objects.set(field, "/V", values);
+    }
+    const bool isList = !(now.fieldFlags & FormTree::combo);
+    if (!isList || chosen.isEmpty() || !now.form || !now.form->choices)
+        return;
+    QPDFObjectHandle indices = QPDFObjectHandle::newArray();
+    const std::vector<PDFFormField::Choice>& choices = *now.form->choices;
+    for (std::size_t i = 0; i < choices.size(); ++i)
+        if (chosen.removeAll(choices[i].exportValue) > 0)
+            indices.appendItem(QPDFObjectHandle::newInteger(int(i)));
+    m_objects.set(field, "/I", indices);
+}
+
+FormFields::Look FormFields::setText(QPDFObjectHandle widget, const PDFAnnotation::Values& now) {
     QPDFObjectHandle field = FormTree::fieldOf(widget);
     if (!field.isIndirect())
         return Look::unchanged;
-    m_objects.set(field, "/V", PdfValues::text(value));
-    m_objects.remove(field, "/I");  // indices of the chosen options, which only repeat the value
-    m_objects.remove(field, "/RV"); // the value once more, with styles
-    Look result = Look::made;
-    for (QPDFObjectHandle& each : FormTree::widgets(field)) {
-        if (!each.isIndirect() || makeTextAppearance(each))
-            continue;
-        if (each.getObjGen() == widget.getObjGen())
-            result = Look::missing;
-        else
-            askForAppearances();
+    const QStringList value =
+        now.widgetFieldType == PDFWidgetFieldType::choice ? now.chosenValues : QStringList{now.widgetStringValue};
+    const auto [written, isNew] = m_written.try_emplace(field.getObjGen(), value);
+    if (isNew || written->second != value) {
+        written->second = value;
+        writeValue(field, now);
     }
-    return result;
+    if (m_unshown.erase(widget.getObjGen()) == 0)
+        return Look::made;
+    if (m_unshown.empty() && m_asksForAppearances)
+        m_objects.remove(form(true), "/NeedAppearances");
+    return Look::missing;
 }
 
-void FormFields::askForAppearances() {
-    m_objects.set(form(true), "/NeedAppearances", QPDFObjectHandle::newBool(true));
+void FormFields::writeValue(QPDFObjectHandle field, const PDFAnnotation::Values& now) {
+    m_objects.remove(field, "/I");  // indices of the chosen options, which only repeat the value
+    m_objects.remove(field, "/RV"); // the value once more, with styles
+    if (now.widgetFieldType == PDFWidgetFieldType::choice)
+        setChosen(field, now);
+    else
+        m_objects.set(field, "/V", PdfValues::text(now.widgetStringValue));
+    for (QPDFObjectHandle& each : FormTree::widgets(field)) {
+        if (!each.isIndirect())
+            continue;
+        if (each.getObjGen() != field.getObjGen() && each.hasKey("/V"))
+            m_objects.remove(each, "/V");
+        if (makeTextAppearance(each)) {
+            m_unshown.erase(each.getObjGen());
+            continue;
+        }
+        // Other widgets of the field may not be on a page that changed; other programs make their look then.
+        m_unshown.insert(each.getObjGen());
+        if (!form(true).getKey("/NeedAppearances").isBool() || !form(true).getKey("/NeedAppearances").getBoolValue()) {
+            m_objects.set(form(true), "/NeedAppearances", QPDFObjectHandle::newBool(true));
+            m_asksForAppearances = true;
+        }
+    }
 }
 
 bool FormFields::makeTextAppearance(QPDFObjectHandle widget, const std::optional<QColor>& background) {
-    const std::optional<QRectF> rect = PdfValues::toRect(widget.getKey("/Rect"));
-    if (!rect || rect->isEmpty())
+    const FieldLook look(widget, form(true));
+    if (look.isEmpty())
         return true;
-    QPDFObjectHandle dictionary = form(true);
-    const bool isChoice = FormTree::inherited(widget, "/FT").isNameAndEquals("/Ch");
-    const int flags = int(PdfValues::toNumber(FormTree::inherited(widget, "/Ff")));
-    const DefaultAppearance style(defaultAppearanceOf(widget));
-    QPDFObjectHandle fonts = PdfValues::entry(dictionary.getKey("/DR"), "/Font");
-    const FieldFont font(PdfValues::entry(fonts, style.fontName.toStdString()));
-
-    FieldText text;
-    text.text = PdfValues::toText(FormTree::inherited(widget, "/V"));
-    if (isChoice)
-        text.text = choiceLabel(widget, text.text);
-    else if (flags & FormTree::password)
-        text.text.fill(QLatin1Char('*'));
-    const int turn = int(PdfValues::toNumber(PdfValues::entry(widget.getKey("/MK"), "/R"))) % 360;
-    const bool sideways = turn % 180 != 0;
-    text.box = sideways ? rect->size().transposed() : rect->size();
-    text.inset = 2 * std::max(1.0, borderWidth(widget));
-    text.size = style.size;
-    text.alignment =
-        int(PdfValues::toNumber(FormTree::inherited(widget, "/Q"), PdfValues::toNumber(dictionary.getKey("/Q"))));
-    text.multiline = !isChoice && (flags & FormTree::multiline);
-    if (!isChoice && (flags & FormTree::comb) && !text.multiline)
-        text.comb = std::clamp(int(PdfValues::toNumber(FormTree::inherited(widget, "/MaxLen"))), 0, 1000);
-
-    const std::optional<QByteArray> shown = text.operators(font, style.fontName, style.colorOperators);
-    if (!shown)
+    const QPDFObjectHandle made = look.make(m_objects, background);
+    if (!made.isInitialized())
         return false;
-
-    AnnotationDrawing box;
-    const QRectF area(QPointF(), text.box);
-    QPDFObjectHandle look = widget.getKey("/MK");
-    AnnotationDrawing::Part fill;
-    fill.path.addRect(area);
-    fill.fill = background ? background : PdfValues::toColor(PdfValues::entry(look, "/BG"));
-    AnnotationDrawing::Part edge;
-    edge.lineWidth = borderWidth(widget);
-    edge.path.addRect(area.adjusted(edge.lineWidth / 2, edge.lineWidth / 2, -edge.lineWidth / 2, -edge.lineWidth / 2));
-    if (edge.lineWidth > 0)
-        edge.stroke = PdfValues::toColor(PdfValues::entry(look, "/BC"));
-    box.parts = {fill, edge};
-
-    QPDFObjectHandle resources = QPDFObjectHandle::newDictionary();
-    QPDFObjectHandle used = QPDFObjectHandle::newDictionary();
-    used.replaceKey(style.fontName.toStdString(), font.dictionary());
-    resources.replaceKey("/Font", used);
-    const QByteArray clip =
-        "1 1 " + PdfValues::real(area.width() - 2) + ' ' + PdfValues::real(area.height() - 2) + " re W n\n";
-    const QByteArray content =
-        AppearanceStreams::paintOperators(box, resources) + "/Tx BMC\nq\n" + clip + *shown + "Q\nEMC\n";
-    QPDFObjectHandle form = AppearanceStreams::form(m_objects, content, resources, area, turn);
     QPDFObjectHandle looks = QPDFObjectHandle::newDictionary();
-    looks.replaceKey("/N", form);
+    looks.replaceKey("/N", made);
     m_objects.set(widget, "/AP", looks);
     return true;
 }

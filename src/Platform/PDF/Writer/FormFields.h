@@ -3,6 +3,7 @@
 #include "ObjectStore.h"
 #include "PDFAnnotation.h"
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -44,12 +45,17 @@ public:
 
 private:
     QString freeName(const QString& wished);
-    void setButtonState(QPDFObjectHandle widget, bool on);
+    void setButtonState(QPDFObjectHandle widget, const PDFAnnotation::Values& now);
     void setFont(QPDFObjectHandle widget, const PDFAnnotation::Values& now, const PDFAnnotation::Values& before);
-    Look setText(QPDFObjectHandle widget, const QString& value);
-    [[nodiscard]] QByteArray defaultAppearanceOf(QPDFObjectHandle widget);
-    void askForAppearances();
+    Look setText(QPDFObjectHandle widget, const PDFAnnotation::Values& now);
+    void setChosen(QPDFObjectHandle field, const PDFAnnotation::Values& now);
+    void writeValue(QPDFObjectHandle field, const PDFAnnotation::Values& now);
+    /// A form in XML beside this one would go on showing the old values, so it goes when a value changes.
+    void dropOtherForm();
 
     ObjectStore& m_objects;
+    std::map<QPDFObjGen, QStringList> m_written; // values of fields whose widgets all show them
+    std::set<QPDFObjGen> m_unshown;           // widgets whose look isn't made, since the form's font lacks a character
+    bool m_asksForAppearances = false;        // of other programs, which the file itself doesn't
     std::optional<std::set<QString>> m_names; // of the fields at the top
 };

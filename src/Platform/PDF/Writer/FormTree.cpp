@@ -49,5 +49,6 @@ std::string FormTree::onState(QPDFObjectHandle button) {
         for (const std::string& state : looks.getKeys())
             if (state != "/Off")
                 return state;
-    return "/Yes";
+    QPDFObjectHandle present = button.getKey("/AS");
+    return present.isName() && !present.isNameAndEquals("/Off") ? present.getName() : "/Yes";
 }

@@ -21,7 +21,8 @@ namespace FormTree {
 /// The widgets of a field: itself when it is one, or its kids that aren't fields of their own.
 [[nodiscard]] std::vector<QPDFObjectHandle> widgets(QPDFObjectHandle field);
 
-/// The name, with its slash, of the state in which a button is on; "/Yes" when its appearances tell none.
+/// The name, with its slash, of the state in which a button is on; "/Yes" when neither its appearances nor its present
+/// state tell one.
 [[nodiscard]] std::string onState(QPDFObjectHandle button);
 
 // Flags of the Ff key (ISO 32000-1, tables 221, 226, 228 and 230).
@@ -31,5 +32,6 @@ inline constexpr int radio = 1 << 15;
 inline constexpr int pushButton = 1 << 16;
 inline constexpr int combo = 1 << 17;
 inline constexpr int comb = 1 << 24;
+inline constexpr int radiosInUnison = 1 << 25;
 
 } // namespace FormTree

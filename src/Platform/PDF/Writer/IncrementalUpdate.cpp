@@ -153,25 +153,22 @@ std::optional<IncrementalUpdate::Sections> IncrementalUpdate::inspect(const QByt
     return sections;
 }
 
-QByteArray IncrementalUpdate::append(const QByteArray& file, const Sections& sections, const UpdateObjects& objects) {
-    QByteArray result = file;
-    if (!result.endsWith('\n') && !result.endsWith('\r'))
-        result += '\n';
+QByteArray IncrementalUpdate::compose(const QByteArray& file, const Sections& sections, const UpdateObjects& objects) {
+    QByteArray update = file.endsWith('\n') || file.endsWith('\r') ? "" : "\n";
     Offsets offsets;
     for (const auto& [id, entry] : objects.entries()) {
-        offsets[id] = result.size();
-        result += serialized(id, entry);
+        offsets[id] = file.size() + update.size();
+        update += serialized(id, entry);
     }
-    const QByteArray fingerprint =
-        QCryptographicHash::hash(QByteArrayView(result).sliced(file.size()), QCryptographicHash::Md5);
-    const qint64 offset = result.size();
+    const QByteArray fingerprint = QCryptographicHash::hash(update, QCryptographicHash::Md5);
+    const qint64 offset = file.size() + update.size();
     const int number = objects.size();
     if (sections.isStream) {
         offsets[QPDFObjGen(number, 0)] = offset;
-        result += streamSection(offsets, number, newTrailer(objects, sections.lastOffset, number + 1, fingerprint));
+        update += streamSection(offsets, number, newTrailer(objects, sections.lastOffset, number + 1, fingerprint));
     } else {
         QPDFObjectHandle trailer = newTrailer(objects, sections.lastOffset, number, fingerprint);
-        result += table(offsets) + "trailer\n" + QByteArray::fromStdString(trailer.unparse()) + '\n';
+        update += table(offsets) + "trailer\n" + QByteArray::fromStdString(trailer.unparse()) + '\n';
     }
-    return result + "startxref\n" + QByteArray::number(offset) + "\n%%EOF\n";
+    return update + "startxref\n" + QByteArray::number(offset) + "\n%%EOF\n";
 }

@@ -19,7 +19,7 @@ struct Sections {
 /// None for a file that can't be appended to: bytes before its header, or no section where it says.
 [[nodiscard]] std::optional<Sections> inspect(const QByteArray& file);
 
-/// The file with all of `objects` appended, in the style of the newest section.
-[[nodiscard]] QByteArray append(const QByteArray& file, const Sections& sections, const UpdateObjects& objects);
+/// What to put behind the file's bytes so that it has all of `objects`, in the style of the newest section.
+[[nodiscard]] QByteArray compose(const QByteArray& file, const Sections& sections, const UpdateObjects& objects);
 
 } // namespace IncrementalUpdate

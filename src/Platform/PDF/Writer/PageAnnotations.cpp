@@ -2,6 +2,7 @@
 
 #include "AppearanceRecorder.h"
 #include "AppearanceStreams.h"
+#include "FormFieldValues.h"
 #include "FormFields.h"
 #include "FormTree.h"
 #include "PDFPage.h"
@@ -202,6 +203,9 @@ void PageAnnotations::update(const PDFAnnotation& annotation, QPDFObjectHandle o
             m_recorder.record(annotation, object);
         if (look != FormFields::Look::unchanged)
             return;
+        const bool lacksLook = annotation.values().form && !annotation.values().form->hasStateLooks;
+        if (lacksLook && annotation.buttonWidgetState() != before.buttonWidgetState)
+            writeButtonLook(annotation, object);
     }
     writeLook(annotation, object, &before);
 }
@@ -247,9 +251,10 @@ void PageAnnotations::writeLook(const PDFAnnotation& annotation, QPDFObjectHandl
 void PageAnnotations::writeButtonLook(const PDFAnnotation& annotation, QPDFObjectHandle object) {
     Values values = annotation.values();
     QPDFObjectHandle states = QPDFObjectHandle::newDictionary();
-    for (const auto& [name, state] :
-         {std::pair("/Yes", PDFWidgetCellState::on), std::pair("/Off", PDFWidgetCellState::off)}) {
+    const QString onState = values.form ? values.form->onState : QStringLiteral("Yes");
+    for (const PDFWidgetCellState state : {PDFWidgetCellState::on, PDFWidgetCellState::off}) {
         values.buttonWidgetState = state;
+        const std::string name = state == PDFWidgetCellState::on ? '/' + onState.toStdString() : "/Off";
         if (const auto drawing = AnnotationDrawing::of(values))
             states.replaceKey(name, AppearanceStreams::form(m_objects, *drawing, values.bounds));
     }

@@ -39,7 +39,7 @@ void PageImporter::separateFromOthers() {
     }
 }
 
-std::vector<QPDFObjectHandle> PageImporter::fill(const PDFPageContent& content, const PDFPage* live,
+std::vector<QPDFObjectHandle> PageImporter::fill(const PDFPageContent& content, const PDFPage* changed,
                                                  QPDFObjectHandle page) {
     SourceFiles::Foreign& file = m_files.foreign(content.source);
     QPDFObjectHandle original = file.file.page(content.pageNumber);
@@ -56,19 +56,19 @@ std::vector<QPDFObjectHandle> PageImporter::fill(const PDFPageContent& content, 
     for (const char* key : {"/Parent", "/Annots", "/B", "/StructParents"})
         value.removeKey(key);
     m_objects.fill(page, file.copier.copy(value));
-    return importAnnotations(file, original, live, page);
+    return importAnnotations(file, original, changed, page);
 }
 
 std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Foreign& file, QPDFObjectHandle original,
-                                                              const PDFPage* live, QPDFObjectHandle page) {
+                                                              const PDFPage* changed, QPDFObjectHandle page) {
     QPDFObjectHandle list = original.getKey("/Annots");
     if (!list.isArray())
         return {};
     const std::vector<QPDFObjectHandle> items = list.getArrayAsVector();
     std::vector<QPDFObjectHandle> copies(items.size(), QPDFObjectHandle::newNull());
     std::vector<int> places;
-    if (live) {
-        places = PageAnnotations::placesInUse(*live, int(items.size()));
+    if (changed) {
+        places = PageAnnotations::placesInUse(*changed, int(items.size()));
     } else {
         for (int place = 0; place < int(items.size()); ++place)
             places.push_back(place);

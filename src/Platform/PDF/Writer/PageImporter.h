@@ -24,14 +24,14 @@ public:
     /// their file are cut down to what these pages need.
     void separateFromOthers();
 
-    /// Makes `page` a copy of the content's page. `live` is null for a page with the annotations of its source;
+    /// Makes `page` a copy of the content's page. `changed` is null for a page with the annotations of its source;
     /// otherwise only those that it still has are copied, and the result gives them by their place in the source's
     /// list, for `PageAnnotations::write`.
-    std::vector<QPDFObjectHandle> fill(const PDFPageContent& content, const PDFPage* live, QPDFObjectHandle page);
+    std::vector<QPDFObjectHandle> fill(const PDFPageContent& content, const PDFPage* changed, QPDFObjectHandle page);
 
 private:
     std::vector<QPDFObjectHandle> importAnnotations(SourceFiles::Foreign& file, QPDFObjectHandle original,
-                                                    const PDFPage* live, QPDFObjectHandle page);
+                                                    const PDFPage* changed, QPDFObjectHandle page);
     QPDFObjectHandle importTarget(SourceFiles::Foreign& file, QPDFObjectHandle destination);
 
     ObjectStore& m_objects;

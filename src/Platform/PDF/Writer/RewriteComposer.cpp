@@ -14,19 +14,29 @@
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDFWriter.hh>
 
+#include <QIODevice>
+
 namespace {
 
-/// Collects what is written, without the second copy of it that a buffer of the writer's own would be.
-class BytesPipeline : public Pipeline {
+/// Passes what is written on in large pieces.
+class DevicePipeline : public Pipeline {
 public:
-    explicit BytesPipeline(QByteArray& bytes) : Pipeline("document", nullptr), m_bytes(bytes) {}
+    explicit DevicePipeline(QIODevice& device) : Pipeline("document", nullptr), m_device(device) {}
     void write(const unsigned char* data, std::size_t size) override {
-        m_bytes.append(reinterpret_cast<const char*>(data), qsizetype(size));
+        m_piece.append(reinterpret_cast<const char*>(data), qsizetype(size));
+        if (m_piece.size() >= pieceSize)
+            finish();
     }
-    void finish() override {}
+    void finish() override {
+        m_device.write(m_piece);
+        m_piece.resize(0); // keeps its memory
+    }
 
 private:
-    QByteArray& m_bytes;
+    static constexpr qsizetype pieceSize = 1 << 20;
+
+    QIODevice& m_device;
+    QByteArray m_piece;
 };
 
 /// In the form that AES-256 files take (ISO 32000-2, 7.6.4.3.3).
@@ -42,7 +52,7 @@ RewriteComposer::RewriteComposer(const DocumentContents& contents, const PDFWrit
 
 RewriteComposer::~RewriteComposer() = default;
 
-QByteArray RewriteComposer::compose() {
+void RewriteComposer::compose(QIODevice& device) {
     if (m_contents.source) {
         m_main = std::make_unique<SourceFile>(m_contents.source, true);
     } else {
@@ -66,7 +76,7 @@ QByteArray RewriteComposer::compose() {
     for (SourceFiles::Foreign* file : m_files->opened())
         LayerImporter::bringOver(file->file.pdf(), file->copier, *m_objects);
     arrangePages();
-    return write();
+    write(device);
 }
 
 QPDFObjectHandle RewriteComposer::pageObject(const PDFPage& page) const {
@@ -80,8 +90,8 @@ void RewriteComposer::findPages() {
     bool repeats = false;
     for (std::size_t i = 0; i < m_contents.pages.size(); ++i) {
         const DocumentContents::Page& page = m_contents.pages[i];
-        if (page.live)
-            m_places[page.live.get()] = i;
+        if (page.page)
+            m_places[page.page.get()] = i;
         const bool fromMain = m_files->isMain(page.content.source);
         if (fromMain) {
             QPDFObjectHandle object = m_main->page(page.content.pageNumber);
@@ -108,14 +118,14 @@ void RewriteComposer::writePages(PageAnnotations& annotations) {
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
         const DocumentContents::Page& page = m_contents.pages[i];
         QPDFObjectHandle object = m_pages[i].object;
-        const PDFPage* changed = page.modified && page.live->annotationsLoaded() ? page.live.get() : nullptr;
+        const PDFPage* changed = page.modified && page.page->annotationsLoaded() ? page.page.get() : nullptr;
         std::vector<QPDFObjectHandle> original;
         if (m_pages[i].imported)
             original = m_importer->fill(page.content, changed, object);
         else if (object.getKey("/Annots").isArray())
             original = object.getKey("/Annots").getArrayAsVector();
-        if (page.modified && page.live->rotation() != page.content.source->geometry(page.content.pageNumber).rotation)
-            m_objects->set(object, "/Rotate", QPDFObjectHandle::newInteger(page.live->rotation()));
+        if (page.modified && page.page->rotation() != page.content.source->geometry(page.content.pageNumber).rotation)
+            m_objects->set(object, "/Rotate", QPDFObjectHandle::newInteger(page.page->rotation()));
         if (changed)
             annotations.write(*changed, object, original);
     }
@@ -143,11 +153,10 @@ void RewriteComposer::arrangePages() {
         Pruner::prune(RemovedPages(std::move(gone), std::move(pages)), *m_objects);
 }
 
-QByteArray RewriteComposer::write() {
+void RewriteComposer::write(QIODevice& device) {
     // The writer corrects the size, but only one that is there.
     m_objects->pdf().getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
-    QByteArray bytes;
-    BytesPipeline pipeline(bytes);
+    DevicePipeline pipeline(device);
     QPDFWriter writer(m_objects->pdf());
     writer.setOutputPipeline(&pipeline);
     writer.setObjectStreamMode(m_main ? qpdf_o_preserve : qpdf_o_generate);
@@ -170,5 +179,5 @@ QByteArray RewriteComposer::write() {
         writer.setDeterministicID(true);
     }
     writer.write();
-    return bytes;
+    pipeline.finish();
 }

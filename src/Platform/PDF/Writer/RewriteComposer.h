@@ -5,13 +5,12 @@
 #include "PDFDocument.h"
 #include "SourceFile.h"
 
-#include <QByteArray>
-
 #include <memory>
 #include <unordered_map>
 
 class PageAnnotations;
 class PageImporter;
+class QIODevice;
 
 /// Composes a whole new file: of the source's objects that the document still needs and of those that come with pages
 /// from other sources.
@@ -20,14 +19,14 @@ public:
     RewriteComposer(const DocumentContents& contents, const PDFWriteOptions& options);
     ~RewriteComposer();
 
-    /// Once. Throws `std::exception`.
-    [[nodiscard]] QByteArray compose();
+    /// Writes the file to `device`, whose errors are for the caller to notice. Once. Throws `std::exception`.
+    void compose(QIODevice& device);
 
 private:
     void findPages();
     void writePages(PageAnnotations& annotations);
     void arrangePages();
-    [[nodiscard]] QByteArray write();
+    void write(QIODevice& device);
     [[nodiscard]] QPDFObjectHandle pageObject(const PDFPage& page) const;
 
     const DocumentContents& m_contents;

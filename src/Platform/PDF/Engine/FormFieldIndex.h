@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class SourceEngine;
+
+/// On which pages of a file the widgets of its fields are. Immutable; any thread.
+class FormFieldIndex {
+public:
+    /// Walks the form's tree of fields, and the pages' lists of annotations only for widgets that don't tell their
+    /// page. At most 200,000 fields and widgets are looked at.
+    [[nodiscard]] static std::shared_ptr<const FormFieldIndex> read(SourceEngine& engine);
+
+    /// Zero-based numbers of the pages that hold widgets of the fields with that full name, ascending.
+    [[nodiscard]] std::vector<int> pages(const QString& fieldName) const { return m_pages.value(fieldName); }
+
+private:
+    QHash<QString, std::vector<int>> m_pages;
+};

@@ -1,0 +1,44 @@
+#include "PDFDocumentSnapshot.h"
+
+#include "PDFDocument.h"
+#include "PDFError.h"
+#include "PDFSource.h"
+#include "Writer/DocumentComposer.h"
+#include "Writer/DocumentContents.h"
+#include "Writer/DocumentFreezer.h"
+
+PDFDocumentSnapshot::PDFDocumentSnapshot(std::unique_ptr<DocumentContents> contents)
+    : m_contents(std::move(contents)) {}
+
+PDFDocumentSnapshot::~PDFDocumentSnapshot() = default;
+
+std::shared_ptr<const PDFDocumentSnapshot> PDFDocumentSnapshot::of(const PDFDocument& document) {
+    if (document.isLocked())
+        throw PDFError(PDFError::Kind::locked, QStringLiteral("It needs its password first."));
+    auto contents = std::make_unique<DocumentContents>(DocumentFreezer(document).freeze());
+    return std::shared_ptr<const PDFDocumentSnapshot>(new PDFDocumentSnapshot(std::move(contents)));
+}
+
+QByteArray PDFDocumentSnapshot::dataRepresentation() const {
+    return dataRepresentation({});
+}
+
+QByteArray PDFDocumentSnapshot::dataRepresentation(const PDFWriteOptions& options) const {
+    return DocumentComposer::compose(*m_contents, options);
+}
+
+void PDFDocumentSnapshot::write(const QString& path) const {
+    write(path, {});
+}
+
+void PDFDocumentSnapshot::write(const QString& path, const PDFWriteOptions& options) const {
+    DocumentComposer::write(*m_contents, options, path);
+}
+
+QByteArray PDFDocumentSnapshot::sourceBytes() const {
+    return m_contents->source ? m_contents->source->bytes() : QByteArray();
+}
+
+std::optional<QByteArray> PDFDocumentSnapshot::update() const {
+    return DocumentComposer::update(*m_contents);
+}

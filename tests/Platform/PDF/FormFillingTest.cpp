@@ -1,0 +1,267 @@
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFFormField.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr QSizeF pageSize(240, 160);
+constexpr QRectF area(20, 40, 160, 80); // of the field, page coordinates
+constexpr int zoom = 3;                 // pixels in a point
+
+struct Filling {
+    const char* name;
+    QByteArray keys;
+    QStringList value;
+    QString shown;           // by pdftotext, blanks and breaks as one blank; empty for none
+    QByteArray written = {}; // is in the unpacked file
+};
+
+const QByteArray frame = "/MK << /BC [0 0 1] /BG [1 1 0.8] >> ";
+const QByteArray fruit = "/Opt [[(a) (Apple)] [(b) (Banana)] [(c) (Cherry)] [(d) (Date)] [(e) (Elder)]] ";
+
+std::vector<Filling> fillings() {
+    const auto text = [](const char* words) { return QString::fromUtf8(words); };
+    return {
+        {"text", "/FT /Tx /DA (/Helv 14 Tf 1 0 0 rg) " + frame, {text("Plain")}, text("Plain"), "1 0 0 rg"},
+        {"automatic", "/FT /Tx /DA (/Helv 0 Tf 0 g) /BS << /W 2 /S /B >> " + frame, {text("Fits")}, text("Fits")},
+        {"wide",
+         "/FT /Tx /DA (/Helv 0 Tf 0 g) /Q 1 /BS << /W 2 /S /I >> " + frame,
+         {text("a text too wide for letters as high as the box")},
+         text("a text too wide for letters as high as the box")},
+        {"right", "/FT /Tx /Q 2 /DA (/Helv 12 Tf 0 g) /BS << /W 1 /S /U >> " + frame, {text("Right")}, text("Right")},
+        {"wrapped",
+         "/FT /Tx /Ff 4096 /DA (/Helv 12 Tf 0 g) /BS << /W 1 /S /D /D [4 2] >> " + frame,
+         {text("words that take more than one line\nand a paragraph")},
+         text("words that take more than one line and a paragraph")},
+        {"wrapped to fit",
+         "/FT /Tx /Ff 4096 /DA (/Helv 0 Tf 0 g) " + frame,
+         {QStringList(40, text("many words")).join(QLatin1Char(' '))},
+         QStringList(40, text("many words")).join(QLatin1Char(' '))},
+        {"comb", "/FT /Tx /Ff 16777216 /MaxLen 6 /DA (/Helv 14 Tf 0 g) " + frame, {text("A1B2")}, text("A 1 B 2")},
+        {"password", "/FT /Tx /Ff 8192 /DA (/Helv 14 Tf 0 g) " + frame, {text("xyz")}, QString(3, QChar(0x2022))},
+        {"foreign", "/FT /Tx /DA (/Helv 14 Tf 0 g) " + frame, {text("Ωδή")}, text("Ωδή")},
+        {"turned",
+         "/FT /Tx /DA (/Helv 14 Tf 0 g) /MK << /R 90 /BC [0] >>",
+         {text("up")},
+         text("up"),
+         "/Matrix [ 0 1 -1 0"},
+        {"combo", "/FT /Ch /Ff 131072 /DA (/Helv 14 Tf 0 g) " + fruit + frame, {text("b")}, text("Banana"), "/V (b)"},
+        {"own words",
+         "/FT /Ch /Ff 393216 /DA (/Helv 14 Tf 0 g) " + fruit + frame,
+         {text("Fig")},
+         text("Fig"),
+         "/V (Fig)"},
+        {"list",
+         "/FT /Ch /Ff 2097152 /DA (/Helv 12 Tf 0 g) /TI 1 " + fruit + frame,
+         {text("b"), text("d")},
+         text("Banana Cherry Date Elder"),
+         "/I [ 1 3 ]"},
+        {"nothing",
+         "/FT /Ch /DA (/Helv 12 Tf 0 g) /V (c) /I [2] " + fruit + frame,
+         {},
+         text("Apple Banana Cherry Date Elder")},
+        {"check", "/FT /Btn /MK << /CA (8) /BC [0] >>", {text("Yes")}, QString(), "/AS /Yes"},
+        {"radio", "/FT /Btn /Ff 32768 /MK << /CA (l) /BC [0] >>", {text("Yes")}, QString(), "/AS /Yes"},
+        {"star", "/FT /Btn /MK << /CA (H) /BC [0] /R 180 >>", {text("Yes")}, QString(), "/V /Yes"},
+    };
+}
+
+/// The field is on the first of two pages.
+QByteArray formWith(const Filling& filling) {
+    PdfFixture pdf;
+    pdf.addPage({}, pageSize);
+    pdf.addPage({}, pageSize);
+    const QByteArray script = "<< /S /JavaScript /JS (leave me alone) >>";
+    const QByteArray field =
+        pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Widget /F 4 /T (field) /Rect " + PdfFixture::rectArray(area) +
+                                 " /AA << /K " + script + " /F " + script + " >> " + filling.keys + " >>");
+    pdf.appendToArray(pdf.form(), "/Fields", field);
+    pdf.appendToArray(pdf.form(), "/CO", field);
+    pdf.setKey(pdf.form(), "/XFA", "[(template) " + pdf.addStream("<< >>", "<xdp/>") + ']');
+    pdf.setPageKey(0, "/Bulk", pdf.addStream("<< >>", QByteArray(100'000, 'x'))); // so that a save can append
+    return pdf.bytes();
+}
+
+PDFFormField fieldOf(const std::shared_ptr<PDFDocument>& document) {
+    return PDFFormField::of(document->page(0)->annotations().front()).value();
+}
+
+QImage pictureBy(const QString& program, const QStringList& arguments, const QByteArray& file) {
+    return QImage::fromData(PdfPrograms::run(program, arguments, file).output).convertToFormat(QImage::Format_RGB32);
+}
+
+/// Where the picture is neither the paper nor the field's background: the box around it, and how many pixels.
+struct Ink {
+    QRect box;
+    int count = 0;
+};
+
+Ink inkOf(const QImage& picture) {
+    Ink ink;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            if (qGray(picture.pixel(x, y)) < 150) {
+                ink.box |= QRect(x, y, 1, 1);
+                ++ink.count;
+            }
+    return ink;
+}
+
+} // namespace
+
+class FormFilling : public testing::TestWithParam<bool> {};
+
+TEST_P(FormFilling, OtherProgramsShowTheValue) {
+    for (const Filling& filling : fillings()) {
+        SCOPED_TRACE(filling.name);
+        const QByteArray before = formWith(filling);
+        const auto document = PDFDocument::fromData(before);
+        ASSERT_TRUE(fieldOf(document).setValue(filling.value));
+        if (!GetParam())
+            document->removePage(1);
+        const QByteArray file = document->dataRepresentation();
+        EXPECT_EQ(file.startsWith(before), GetParam());
+        EXPECT_EQ(PdfPrograms::complaints(file), "");
+
+        const auto reopened = PDFDocument::fromData(file);
+        EXPECT_EQ(fieldOf(reopened).value(),
+                  filling.value.isEmpty() && fieldOf(reopened).kind() == PDFFormField::Kind::text
+                      ? QStringList{QString()}
+                      : filling.value);
+        EXPECT_EQ(PdfPrograms::text(file).simplified(), filling.shown);
+        const QByteArray all = PdfPrograms::unpacked(file).simplified();
+        EXPECT_TRUE(all.contains(filling.written)) << filling.written.toStdString();
+        EXPECT_EQ(all.count("(leave me alone)"), 2);
+        EXPECT_TRUE(all.contains("/CO ["));
+        EXPECT_FALSE(all.contains("/XFA")) << "it would show the old value";
+        const QByteArray form =
+            PdfPrograms::run(QStringLiteral("mutool"),
+                             {QStringLiteral("show"), QStringLiteral("FILE"), QStringLiteral("trailer/Root/AcroForm")},
+                             file)
+                .output;
+        EXPECT_TRUE(form.contains("/Fields")) << form.toStdString();
+        EXPECT_FALSE(form.contains("NeedAppearances")) << "every look is there";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AppendOrRewrite, FormFilling, testing::Bool());
+
+TEST(FormFillingLook, ScreenAndFileLookTheSame) {
+    const QString resolution = QString::number(72 * zoom);
+    for (const Filling& filling : fillings()) {
+        SCOPED_TRACE(filling.name);
+        const auto document = PDFDocument::fromData(formWith(filling));
+        const QSize size = (pageSize * zoom).toSize();
+        ASSERT_TRUE(fieldOf(document).setValue(filling.value));
+        const QImage screen = document->page(0)->thumbnail(size, PDFDisplayBox::cropBox);
+        const QByteArray file = document->dataRepresentation();
+        const Ink live = inkOf(screen);
+        EXPECT_GT(live.count, 100);
+        const std::pair<const char*, QImage> others[] = {
+            {"this", PDFDocument::fromData(file)->page(0)->thumbnail(size, PDFDisplayBox::cropBox)},
+            {"pdftoppm",
+             pictureBy(QStringLiteral("pdftoppm"),
+                       {QStringLiteral("-r"), resolution, QStringLiteral("-png"), QStringLiteral("FILE")}, file)},
+            {"mutool", pictureBy(QStringLiteral("mutool"),
+                                 {QStringLiteral("draw"), QStringLiteral("-q"), QStringLiteral("-r"), resolution,
+                                  QStringLiteral("-F"), QStringLiteral("png"), QStringLiteral("-o"),
+                                  QStringLiteral("-"), QStringLiteral("FILE")},
+                                 file)},
+        };
+        for (const auto& [program, picture] : others) {
+            SCOPED_TRACE(program);
+            ASSERT_EQ(picture.size(), size);
+            const Ink ink = inkOf(picture);
+            constexpr int tolerance = 2 * zoom; // two points
+            EXPECT_NEAR(ink.box.left(), live.box.left(), tolerance);
+            EXPECT_NEAR(ink.box.right(), live.box.right(), tolerance);
+            EXPECT_NEAR(ink.box.top(), live.box.top(), tolerance);
+            EXPECT_NEAR(ink.box.bottom(), live.box.bottom(), tolerance);
+            EXPECT_NEAR(ink.count, live.count, 0.35 * live.count);
+        }
+    }
+}
+
+TEST(FormFillingLook, ButtonsKeepTheLooksOfTheirFile) {
+    PdfFixture pdf;
+    pdf.addPage({}, pageSize);
+    const QByteArray bbox = "<< /Type /XObject /Subtype /Form /BBox [0 0 10 10] /Matrix [2 0 0 2 5 5] >>";
+    const QByteArray red = pdf.addStream(bbox, "1 0 0 rg 0 0 10 5 re f");
+    const QByteArray blue = pdf.addStream(bbox, "0 0 1 rg 0 0 10 10 re f");
+    for (const auto& [name, looks] :
+         {std::pair("both", "/On " + red + " /Off " + blue), std::pair("one", "/On " + red)})
+        pdf.appendToArray(
+            pdf.form(), "/Fields",
+            pdf.addAnnotation(
+                0, "<< /Subtype /Widget /FT /Btn /F 4 /T (" + QByteArray(name) + ") /V /Off /AS /Off /Rect " +
+                       PdfFixture::rectArray(name[0] == 'b' ? QRectF(20, 40, 40, 40) : QRectF(100, 40, 40, 40)) +
+                       " /AP << /N << " + looks + " >> >> >>"));
+    const QByteArray bytes = pdf.bytes();
+    const auto document = PDFDocument::fromData(bytes);
+    const auto at = [&](const PDFDocument& of, double x, double y) {
+        const QImage picture = of.page(0)->thumbnail(pageSize.toSize(), PDFDisplayBox::cropBox);
+        return QColor(picture.pixel(int(x), int(pageSize.height() - y)));
+    };
+    const auto set = [&](const char* state) {
+        for (const auto& widget : document->page(0)->annotations())
+            EXPECT_TRUE(PDFFormField::of(widget)->setValue({QString::fromLatin1(state)}));
+    };
+    EXPECT_EQ(at(*document, 40, 70), QColor(Qt::blue));
+    set("On");
+    const auto saved = PDFDocument::fromData(document->dataRepresentation());
+    for (const PDFDocument* each : {document.get(), saved.get()}) {
+        for (const double left : {20.0, 100.0}) {
+            EXPECT_EQ(at(*each, left + 20, 50), QColor(Qt::red));
+            EXPECT_EQ(at(*each, left + 20, 70), QColor(Qt::white));
+        }
+    }
+    // Off again, but still changed, since the widget was moved.
+    for (const auto& widget : document->page(0)->annotations())
+        widget->setBounds(widget->bounds().translated(0, 30));
+    set("Off");
+    EXPECT_EQ(at(*document, 40, 100), QColor(Qt::blue));
+    EXPECT_EQ(at(*document, 120, 80), QColor(Qt::white)) << "a file that shows nothing for off";
+}
+
+TEST(FormFillingWidgets, EachShowsWhatTheFontOfTheFormLacks) {
+    for (const bool asksAnyway : {false, true}) {
+        PdfFixture pdf;
+        for (int i = 0; i < 3; ++i)
+            pdf.addPage({}, pageSize);
+        pdf.addSharedTextField(QStringLiteral("shared"), {{0, area}, {1, area}, {2, area}}, QStringLiteral("old"));
+        if (asksAnyway)
+            pdf.setKey(pdf.form(), "/NeedAppearances", "true");
+        const auto document = PDFDocument::fromData(pdf.bytes());
+        EXPECT_TRUE(fieldOf(document).setValue({QStringLiteral("Ωδή")}));
+        const QByteArray file = document->dataRepresentation();
+        EXPECT_EQ(PdfPrograms::complaints(file), "");
+        EXPECT_EQ(PdfPrograms::unpacked(file).contains("/NeedAppearances true"), asksAnyway)
+            << "asked for by the file, never by the value";
+        // A program that is asked to makes looks of its own, with what fonts it has.
+        for (int page = 1; page <= 3 && !asksAnyway; ++page)
+            EXPECT_EQ(PdfPrograms::text(file, page).simplified(), QStringLiteral("Ωδή")) << page;
+    }
+}
+
+TEST(FormFillingEncrypted, ValuesAreWrittenUnderTheSameProtection) {
+    PdfFixture pdf;
+    pdf.addPage({});
+    pdf.addTextField(0, QStringLiteral("name"), {40, 700, 200, 20}, QStringLiteral("old"));
+    const auto document = PDFDocument::fromData(pdf.encrypted("user", "owner", PdfFixture::Encryption::aes256));
+    ASSERT_TRUE(document->unlock(QStringLiteral("user")));
+    EXPECT_TRUE(fieldOf(document).setValue({QStringLiteral("secret value")}));
+    const QByteArray file = document->dataRepresentation();
+    EXPECT_FALSE(file.contains("secret value"));
+    EXPECT_EQ(PdfPrograms::complaints(file, QStringLiteral("user")), "");
+    const auto again = PDFDocument::fromData(file);
+    EXPECT_TRUE(again->isLocked());
+    ASSERT_TRUE(again->unlock(QStringLiteral("user")));
+    EXPECT_EQ(fieldOf(again).value(), QStringList{QStringLiteral("secret value")});
+}
