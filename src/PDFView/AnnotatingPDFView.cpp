@@ -3,6 +3,7 @@
 #include "AnnotationUndo.h"
 #include "Eraser.h"
 #include "EraserCursorOverlay.h"
+#include "FormFieldUndo.h"
 #include "MarkupAction.h"
 #include "NoteAnnotation.h"
 #include "NoteDrag.h"
@@ -40,6 +41,10 @@ AnnotatingPDFView::AnnotatingPDFView(QWidget* parent)
          {static_cast<PlacedEditor*>(m_textBoxEditor.get()), static_cast<PlacedEditor*>(m_noteEditor.get()),
           static_cast<PlacedEditor*>(m_pageTextEditor.get())})
         connect(editor, &PlacedEditor::openChanged, this, [this] { Q_EMIT editingTextChanged(isEditingText()); });
+    connect(this, &PDFView::fillingChanged, this, [this] { Q_EMIT editingTextChanged(isEditingText()); });
+    connect(this, &PDFView::formFieldChanged, this, [this](const PDFFormField& field, const QStringList& before) {
+        FormFieldUndo::registerFilling(*this, field, before);
+    });
 }
 
 AnnotatingPDFView::~AnnotatingPDFView() {
@@ -53,12 +58,15 @@ void AnnotatingPDFView::setToolState(const std::shared_ptr<ToolState>& toolState
         m_toolState->disconnect(this);
     finishGestures();
     m_toolState = toolState;
+    updateFilling();
     if (!m_toolState)
         return;
     connect(m_toolState.get(), &ToolState::toolChanged, this, [this] {
         finishGestures();
+        updateFilling();
         refreshToolCursor();
     });
+    connect(m_toolState.get(), &ToolState::textEditingModeEnabledChanged, this, &AnnotatingPDFView::updateFilling);
     connect(m_toolState.get(), &ToolState::eraserSizeChanged, this, &AnnotatingPDFView::refreshToolCursor);
 }
 
@@ -66,15 +74,22 @@ void AnnotatingPDFView::setDocUndoManager(const std::shared_ptr<UndoManager>& un
     m_docUndoManager = undoManager;
 }
 
+/// Form fields react to the tool that selects.
+void AnnotatingPDFView::updateFilling() {
+    setFillsForms(!m_toolState ||
+                  (m_toolState->tool() == AnnotationTool::select && !m_toolState->isTextEditingModeEnabled()));
+}
+
 void AnnotatingPDFView::commitEditors() {
     finishGestures();
+    commitFilling();
     m_textBoxEditor->commit();
     m_noteEditor->commit();
     m_pageTextEditor->commit();
 }
 
 bool AnnotatingPDFView::isEditingText() const {
-    return m_textBoxEditor->isOpen() || m_noteEditor->isOpen() || m_pageTextEditor->isOpen();
+    return m_textBoxEditor->isOpen() || m_noteEditor->isOpen() || m_pageTextEditor->isOpen() || isFilling();
 }
 
 bool AnnotatingPDFView::applyMarkup(const QString& subtype) {
@@ -135,17 +150,16 @@ void AnnotatingPDFView::finishGestures() {
     m_noteDrag->finish();
 }
 
-void AnnotatingPDFView::cancelOperation() {
+bool AnnotatingPDFView::cancelOperation() {
     m_shape->cancel();
     m_signature->cancel();
     m_noteDrag->cancel();
-    if (!m_toolState || m_toolState->tool() == AnnotationTool::select) {
-        PDFView::cancelOperation();
-        return;
-    }
+    if (!m_toolState || m_toolState->tool() == AnnotationTool::select)
+        return PDFView::cancelOperation();
     m_toolState->setTool(AnnotationTool::select);
     m_toolState->setActiveMarkupMode(std::nullopt);
     m_toolState->setTextEditingModeEnabled(false);
+    return true;
 }
 
 void AnnotatingPDFView::showEvent(QShowEvent* event) {

@@ -64,7 +64,9 @@ public:
 
     /// Takes over what stands in an open text editor and what is half drawn, as before the document is saved.
     void commitEditors();
-    /// True while a text editor is open over a page.
+    /// With every tool but the one that selects.
+    [[nodiscard]] bool fingerDraws() const override;
+    /// True while a text editor is open over a page, that of a form field included.
     [[nodiscard]] bool isEditingText() const;
 
 Q_SIGNALS:
@@ -75,7 +77,7 @@ protected:
     /// While text is selected: what can be done with it, wherever the click was. Otherwise what can be done at that
     /// place of the page.
     [[nodiscard]] std::unique_ptr<QMenu> menu(QPointF viewPoint) override;
-    void cancelOperation() override;
+    bool cancelOperation() override;
 
     bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -95,6 +97,7 @@ private:
     [[nodiscard]] bool usePenEraser(QTabletEvent* event);
     void addNote(QPointF viewPoint);
     void finishGestures();
+    void updateFilling();
     void updateEraserVisual(const std::optional<QPointF>& viewPoint);
     void applyStickyMarkupIfNeeded();
 

@@ -171,6 +171,10 @@ bool AnnotatingPDFView::viewportEvent(QEvent* event) {
     return PDFView::viewportEvent(event);
 }
 
+bool AnnotatingPDFView::fingerDraws() const {
+    return m_toolState && m_toolState->tool() != AnnotationTool::select;
+}
+
 // The shape of the pointer
 
 void AnnotatingPDFView::updateCursor(QPointF viewPoint) {

@@ -13,7 +13,7 @@ static constexpr double fontSize = 13;
 /// Device-independent pixels.
 static constexpr QPointF textInset(10, 13);
 
-NoteEditor::NoteEditor(AnnotatingPDFView& view) : PlacedEditor(view) {}
+NoteEditor::NoteEditor(AnnotatingPDFView& view) : AnnotationEditor(view) {}
 
 NoteEditor::~NoteEditor() = default;
 
@@ -30,7 +30,6 @@ void NoteEditor::start(const std::shared_ptr<NoteAnnotation>& note, const std::s
     paper.setColors(NoteAnnotation::ink, NoteAnnotation::paperCream);
     paper.borderColor = NoteAnnotation::ink;
     paper.setPlainText(note->contents());
-    paper.onCancel = [this] { cancel(); };
     show();
     paper.selectAll();
 }
@@ -44,7 +43,7 @@ bool NoteEditor::isSubjectThere() const {
 }
 
 void NoteEditor::close() {
-    PlacedEditor::close();
+    AnnotationEditor::close();
     m_note.reset();
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "PlacedEditor.h"
+#include "AnnotationEditor.h"
 
 class NoteAnnotation;
 
 /// Writes on a note: an editor over its paper, which follows it on the page; its letters don't grow with the zoom. The
 /// wording of a note isn't undoable.
-class NoteEditor : public PlacedEditor {
+class NoteEditor : public AnnotationEditor {
     Q_OBJECT
 
 public:
@@ -20,7 +20,7 @@ public:
     /// what it said.
     void commit() override;
     /// Leaves an old note as it was and removes a new one, undoably.
-    void cancel();
+    void cancel() override;
 
 private:
     void layOut() override;

@@ -64,7 +64,7 @@ void removeTextEdit(UndoManager* undoManager, const std::shared_ptr<PDFPage>& pa
 
 } // namespace
 
-PageTextEditor::PageTextEditor(AnnotatingPDFView& view) : PlacedEditor(view) {}
+PageTextEditor::PageTextEditor(AnnotatingPDFView& view) : AnnotationEditor(view) {}
 
 PageTextEditor::~PageTextEditor() {
     if (m_cover)
@@ -99,7 +99,6 @@ void PageTextEditor::start(const QRectF& lineBounds, const QString& lineText, co
     InlineFreeTextEditor& line = open(page, u"pageTextEditor"_qs, u"Line of text"_qs);
     line.setColors(m_foreground, Qt::transparent);
     line.setPlainText(lineText);
-    line.onCancel = [this] { cancel(); };
     show();
     line.selectAll();
 }
@@ -117,7 +116,7 @@ bool PageTextEditor::isSubjectThere() const {
 }
 
 void PageTextEditor::close() {
-    PlacedEditor::close();
+    AnnotationEditor::close();
     m_cover.reset();
 }
 

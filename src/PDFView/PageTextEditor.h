@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PlacedEditor.h"
+#include "AnnotationEditor.h"
 
 #include <QColor>
 #include <QFont>
@@ -12,7 +12,7 @@ class QRectF;
 /// Retypes a line of the page's own text. The page's content stays: a `TextCoverAnnotation` marks the place and a
 /// `FreeTextAnnotation` over it shows the new text, in the line's font as far as that can be told and in black or white
 /// as the page's background asks for. The two come and go as one undo step.
-class PageTextEditor : public PlacedEditor {
+class PageTextEditor : public AnnotationEditor {
     Q_OBJECT
 
 public:
@@ -26,7 +26,7 @@ public:
     /// before.
     void commit() override;
     /// Leaves the page as it was before.
-    void cancel();
+    void cancel() override;
 
     /// For a line of that height, both in points, whose font can't be told.
     [[nodiscard]] static double fallbackFontSize(double lineHeight);

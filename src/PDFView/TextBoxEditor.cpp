@@ -5,6 +5,7 @@
 #include "FreeTextAnnotation.h"
 #include "InlineFreeTextEditor.h"
 #include "PDFPage.h"
+#include "Palette.h"
 #include "ToolState.h"
 
 #include <QPainter>
@@ -43,7 +44,7 @@ protected:
 
 } // namespace
 
-TextBoxEditor::TextBoxEditor(AnnotatingPDFView& view) : PlacedEditor(view) {}
+TextBoxEditor::TextBoxEditor(AnnotatingPDFView& view) : AnnotationEditor(view) {}
 
 TextBoxEditor::~TextBoxEditor() {
     deleteHandles();
@@ -62,7 +63,6 @@ void TextBoxEditor::start(QPointF viewPoint, const std::shared_ptr<PDFPage>& pag
     InlineFreeTextEditor& box = open(page, u"textBoxEditor"_qs, u"Text box"_qs);
     box.setFont(font);
     box.setColors(state->color(), Qt::transparent);
-    box.onCancel = [this] { close(); };
     connect(&box, &QTextEdit::textChanged, this, &TextBoxEditor::resize);
     // The text gets the colour of the moment of the commit.
     connect(state.get(), &ToolState::colorChanged, &box,
@@ -104,7 +104,7 @@ void TextBoxEditor::resize() {
 }
 
 void TextBoxEditor::close() {
-    PlacedEditor::close();
+    AnnotationEditor::close();
     deleteHandles();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PlacedEditor.h"
+#include "AnnotationEditor.h"
 
 #include <QFont>
 #include <QPointF>
@@ -10,7 +10,7 @@
 /// Writes new text on a page: a box whose upper left corner is where it was started, always as wide, and as high as its
 /// text. It has the tool state's font at the size that it has on the page at 100%, whatever the zoom; on the page it
 /// becomes a `FreeTextAnnotation` with the bounds that it had on the screen.
-class TextBoxEditor : public PlacedEditor {
+class TextBoxEditor : public AnnotationEditor {
     Q_OBJECT
 
 public:

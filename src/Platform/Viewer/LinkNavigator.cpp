@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 
 static constexpr int longestDescription = 300;
 
@@ -52,52 +51,27 @@ QString LinkNavigator::describe(const PDFAnnotation& link) const {
     return index < 0 ? QString() : QCoreApplication::translate("PDFView", "Page %1").arg(index + 1);
 }
 
-std::vector<LinkNavigator::Link> LinkNavigator::visibleLinks() const {
-    std::vector<Link> visible;
-    const QRectF view(QPointF(0, 0), QSizeF(m_column.viewport()));
-    const auto [first, last] = m_column.visiblePages();
-    for (int page = first; page < last; ++page) {
-        std::vector<Link> links = linksOf(page);
-        std::erase_if(links, [&](const Link& link) { return !view.contains(link.rect.center()); });
-        // Line by line: what overlaps by half its height is on one line.
-        std::sort(links.begin(), links.end(), [](const Link& a, const Link& b) { return a.rect.top() < b.rect.top(); });
-        for (auto line = links.begin(); line != links.end();) {
-            const QRectF lead = line->rect;
-            const auto end = std::find_if(
-                line, links.end(), [&](const Link& link) { return link.rect.top() > lead.top() + lead.height() / 2; });
-            std::sort(line, end, [](const Link& a, const Link& b) { return a.rect.left() < b.rect.left(); });
-            line = end;
-        }
-        visible.insert(visible.end(), std::make_move_iterator(links.begin()), std::make_move_iterator(links.end()));
+std::vector<LinkNavigator::Link> LinkNavigator::inReadingOrder(int page) const {
+    std::vector<Link> links = linksOf(page);
+    // What overlaps by half its height is on one line.
+    std::sort(links.begin(), links.end(), [](const Link& a, const Link& b) { return a.rect.top() < b.rect.top(); });
+    for (auto line = links.begin(); line != links.end();) {
+        const QRectF lead = line->rect;
+        const auto end = std::find_if(
+            line, links.end(), [&](const Link& link) { return link.rect.top() > lead.top() + lead.height() / 2; });
+        std::sort(line, end, [](const Link& a, const Link& b) { return a.rect.left() < b.rect.left(); });
+        line = end;
     }
-    return visible;
+    return links;
 }
 
 std::optional<LinkNavigator::Link> LinkNavigator::focused() const {
     const std::shared_ptr<PDFAnnotation> annotation = m_focused.lock();
-    if (!annotation)
+    const std::shared_ptr<PDFPage> page = annotation ? annotation->page() : nullptr;
+    const int index = page && m_column.document() ? m_column.document()->index(page.get()) : -1;
+    if (index < 0 || !leadsSomewhere(*annotation))
         return std::nullopt;
-    const std::vector<Link> links = visibleLinks();
-    const auto found =
-        std::find_if(links.begin(), links.end(), [&](const Link& link) { return link.annotation == annotation; });
-    return found == links.end() ? std::nullopt : std::optional(*found);
-}
-
-bool LinkNavigator::focusNext(bool forward) {
-    const std::vector<Link> links = visibleLinks();
-    const std::shared_ptr<PDFAnnotation> present = m_focused.lock();
-    const auto at =
-        std::find_if(links.begin(), links.end(), [&](const Link& link) { return link.annotation == present; });
-    m_focused.reset();
-    auto next = links.end();
-    if (at == links.end() || !present)
-        next = forward || links.empty() ? links.begin() : std::prev(links.end());
-    else if (forward)
-        next = std::next(at);
-    else if (at != links.begin())
-        next = std::prev(at);
-    if (next == links.end())
-        return false;
-    m_focused = next->annotation;
-    return true;
+    const QRectF rect = m_column.pageToView(index).mapRect(annotation->bounds());
+    const bool isSeen = QRectF(QPointF(0, 0), QSizeF(m_column.viewport())).contains(rect.center());
+    return isSeen ? std::optional(Link{annotation, rect}) : std::nullopt;
 }

@@ -11,7 +11,7 @@
 class PDFAnnotation;
 class PageColumn;
 
-/// The links of the pages on the screen: under the pointer, and one after the other with the keyboard.
+/// The links of the pages: under the pointer, in the order of reading, and the one that has the keyboard.
 class LinkNavigator {
 public:
     explicit LinkNavigator(PageColumn& column) : m_column(column) {}
@@ -26,16 +26,16 @@ public:
     /// Where it leads, in words: "Page 12" or the web address.
     [[nodiscard]] QString describe(const PDFAnnotation& link) const;
 
+    /// Line by line as the page is shown.
+    [[nodiscard]] std::vector<Link> inReadingOrder(int page) const;
+
     /// The link that has the keyboard; none when it left the screen.
     [[nodiscard]] std::optional<Link> focused() const;
-    /// Moves the keyboard to the next or previous link on the screen, in reading order. False when there is no further
-    /// one, and then none has it.
-    bool focusNext(bool forward);
+    void focus(const std::shared_ptr<PDFAnnotation>& link) { m_focused = link; }
     void clearFocus() { m_focused.reset(); }
 
 private:
     [[nodiscard]] std::vector<Link> linksOf(int page) const;
-    [[nodiscard]] std::vector<Link> visibleLinks() const;
 
     PageColumn& m_column;
     std::weak_ptr<PDFAnnotation> m_focused;

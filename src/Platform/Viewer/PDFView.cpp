@@ -1,5 +1,6 @@
 #include "PDFView.h"
 
+#include "PDFAnnotation.h"
 #include "PDFDestination.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
@@ -28,7 +29,6 @@ PDFView::PDFView(QWidget* parent) : QAbstractScrollArea(parent), m_parts(std::ma
     horizontalScrollBar()->setAccessibleName(tr("Position from side to side"));
     viewport()->setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
-    viewport()->grabGesture(Qt::PinchGesture);
     m_parts->updateViewport();
     Q_EMIT historyChanged(); // sets which commands are enabled
 }
@@ -290,6 +290,31 @@ void PDFView::selectAll() {
 
 void PDFView::copy() {
     m_parts->selection.copy();
+}
+
+// Forms
+
+bool PDFView::fillsForms() const {
+    return m_parts->forms.isEnabled();
+}
+
+void PDFView::setFillsForms(bool fills) {
+    m_parts->forms.setEnabled(fills);
+}
+
+bool PDFView::isFilling() const {
+    return m_parts->forms.isEditing();
+}
+
+void PDFView::commitFilling() {
+    m_parts->forms.commit();
+}
+
+void PDFView::reveal(const PDFAnnotation& annotation) {
+    PageColumn& column = m_parts->column();
+    const std::shared_ptr<PDFPage> page = annotation.page();
+    if (page && column.document())
+        column.reveal(column.document()->index(page.get()), annotation.bounds());
 }
 
 // Memory and measuring

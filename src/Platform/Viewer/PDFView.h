@@ -13,7 +13,9 @@
 #include <vector>
 
 class PDFDestination;
+class PDFAnnotation;
 class PDFDocument;
+class PDFFormField;
 class PDFPage;
 class PDFSelection;
 struct PDFViewParts;
@@ -44,7 +46,7 @@ enum class PDFViewCommand {
 };
 
 /// Shows a document as one continuous column of pages, to be scrolled, zoomed, selected from and followed through its
-/// links. Main thread only.
+/// links, and its form to be filled. Main thread only.
 ///
 /// Pages are drawn by threads of the view; scrolling never waits for them: what isn't drawn yet is shown as a blurred
 /// smaller picture, or as white paper. The sizes of pages out of sight are estimated until they have been surveyed, and
@@ -56,8 +58,10 @@ enum class PDFViewCommand {
 ///
 /// Keys: Page Up and Page Down, Space and Shift+Space scroll by a screen; the arrows by a little, Left and Right by a
 /// page when nothing lies to the side; Home and End go to the start and the end of the current page; Tab and Shift+Tab
-/// go through the links on the screen, Return follows one, Escape leaves it or drops the selection. The wheel zooms
-/// with Ctrl and scrolls to the side with Shift.
+/// go through the links on the screen and through the fields of a form, Return follows a link, Space and the arrows
+/// fill a field, Escape leaves it or drops the selection. The wheel zooms with Ctrl and scrolls to the side with Shift.
+///
+/// Fingers: one scrolls and flings, two zoom and move, a tap is a click, a finger that rests opens the menu.
 class PDFView : public QAbstractScrollArea {
     Q_OBJECT
 
@@ -166,6 +170,19 @@ public:
     /// is done.
     void copy();
 
+    // Forms
+
+    /// Whether form fields react to the pointer and the keyboard; at first true. Turning it off commits what is being
+    /// typed into one.
+    [[nodiscard]] bool fillsForms() const;
+    void setFillsForms(bool fills);
+    /// True while the editor of a field is open.
+    [[nodiscard]] bool isFilling() const;
+    /// Takes what was typed into a field into the document.
+    void commitFilling();
+    /// Scrolls by as little as brings an annotation of the document into sight, not at all when it is there.
+    void reveal(const PDFAnnotation& annotation);
+
     // Memory and measuring
 
     /// For drawn tiles, 72 MB for each device pixel in a device-independent one, unless set.
@@ -177,6 +194,9 @@ public:
     void clearCaches();
     /// True when no stand-in is on the screen.
     [[nodiscard]] bool isSharp() const;
+
+    /// True while one finger on the screen does what the mouse does, and doesn't scroll.
+    [[nodiscard]] virtual bool fingerDraws() const { return false; }
 
     /// Owned by the view.
     [[nodiscard]] QAction* action(PDFViewCommand command) const;
@@ -191,6 +211,10 @@ Q_SIGNALS:
     void historyChanged();
     /// What lies in the view moved, by scrolling, zooming or a new layout.
     void visibleAreaChanged();
+    /// The user gave a form field another value than `before`.
+    void formFieldChanged(const PDFFormField& field, const QStringList& before);
+    /// The editor of a form field was opened or closed.
+    void fillingChanged();
     /// The reader followed a link to a web address; the view opens none.
     void linkActivated(const QUrl& url);
     /// The view was painted and all of it is sharp; `firstSharpPaint` for the first time with this document. Sent while
@@ -198,12 +222,14 @@ Q_SIGNALS:
     void pageDrawn(bool firstSharpPaint);
 
 protected:
-    /// The pointer rests or moves at a view point: sets its shape. A hand over links, an I over text.
+    /// The pointer rests or moves at a view point: sets its shape. A hand over links, buttons and choices, an I over
+    /// text.
     virtual void updateCursor(QPointF viewPoint);
     /// The menu for a click with the right button; null for none.
     [[nodiscard]] virtual std::unique_ptr<QMenu> menu(QPointF viewPoint);
-    /// Escape: leaves a link that has the keyboard, or drops the selection.
-    virtual void cancelOperation();
+    /// Escape: leaves a link or field that has the keyboard, or drops the selection. False when there was neither, so
+    /// that the key goes on to the window.
+    virtual bool cancelOperation();
     /// Draws over the pages. The painter is set to view points.
     virtual void drawOverPages(QPainter& painter);
     /// True for a link that leads somewhere.

@@ -11,9 +11,11 @@
 #include <QMenu>
 #include <QNativeGestureEvent>
 #include <QPainter>
-#include <QPinchGesture>
 #include <QScrollBar>
+#include <QScrollEvent>
+#include <QScrollPrepareEvent>
 #include <QToolTip>
+#include <QTouchEvent>
 #include <QWheelEvent>
 
 #include <cmath>
@@ -62,6 +64,7 @@ void PDFView::paintEvent(QPaintEvent* event) {
     }
     painter.restore();
 
+    m_parts->forms.paint(painter, rect);
     painter.save();
     drawOverPages(painter);
     painter.restore();
@@ -101,8 +104,11 @@ bool PDFView::viewportEvent(QEvent* event) {
     switch (event->type()) {
     case QEvent::ToolTip: {
         const auto* help = static_cast<QHelpEvent*>(event);
+        const auto field = m_parts->forms.toolTip(help->pos());
         const auto link = m_parts->links.linkAt(help->pos());
-        if (link)
+        if (field)
+            QToolTip::showText(help->globalPos(), field->text, viewport(), field->rect.toAlignedRect());
+        else if (link)
             QToolTip::showText(help->globalPos(), m_parts->links.describe(*link->annotation), viewport(),
                                link->rect.toAlignedRect());
         else
@@ -116,20 +122,21 @@ bool PDFView::viewportEvent(QEvent* event) {
         zoomAt(gesture->position(), 1 + gesture->value());
         return true;
     }
-    case QEvent::Gesture: {
-        const auto* gestures = static_cast<QGestureEvent*>(event);
-        const auto* pinch = static_cast<QPinchGesture*>(gestures->gesture(Qt::PinchGesture));
-        if (!pinch)
-            break;
-        if (pinch->changeFlags().testFlag(QPinchGesture::ScaleFactorChanged))
-            zoomAt(viewport()->mapFromGlobal(pinch->centerPoint()), pinch->scaleFactor());
-        if (pinch->changeFlags().testFlag(QPinchGesture::CenterPointChanged))
-            m_parts->columnOfPages.scroller().scrollBy((pinch->lastCenterPoint() - pinch->centerPoint()) *
-                                                       m_parts->columnOfPages.devicePixelRatio());
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+        m_parts->touch.touch(*static_cast<QTouchEvent*>(event));
         return true;
-    }
+    case QEvent::ScrollPrepare:
+        m_parts->touch.prepare(*static_cast<QScrollPrepareEvent*>(event));
+        return true;
+    case QEvent::Scroll:
+        m_parts->touch.scroll(*static_cast<QScrollEvent*>(event));
+        return true;
     case QEvent::Leave:
         m_parts->pointer.reset();
+        m_parts->forms.pointerLeft();
         break;
     default:
         break;
@@ -141,6 +148,7 @@ bool PDFView::viewportEvent(QEvent* event) {
 
 void PDFView::wheelEvent(QWheelEvent* event) {
     event->accept();
+    m_parts->touch.stop();
     if (event->modifiers().testFlag(Qt::ControlModifier)) {
         zoomAt(event->position(), std::exp2(event->angleDelta().y() / notch / notchesToDouble));
         return;
@@ -173,6 +181,8 @@ void PDFView::keyPressEvent(QKeyEvent* event) {
     const bool toTheSide = scroller.maximum().x() > 0;
     event->accept();
 
+    if (m_parts->forms.pressKey(*event))
+        return;
     if (modifiers == Qt::ShiftModifier && event->key() == Qt::Key_Space) {
         glide(0, -screen);
         return;
@@ -205,25 +215,27 @@ void PDFView::keyPressEvent(QKeyEvent* event) {
             return m_parts->follow(*link->annotation);
         break;
     case Qt::Key_Escape:
-        return cancelOperation();
+        if (cancelOperation())
+            return;
+        break;
     default:
         break;
     }
     event->ignore();
 }
 
-void PDFView::cancelOperation() {
-    if (m_parts->links.focused())
-        m_parts->leaveLink();
-    else
-        clearSelection();
+bool PDFView::cancelOperation() {
+    if (m_parts->links.focused() || m_parts->forms.focused()) {
+        m_parts->leaveFocus();
+        return true;
+    }
+    const bool selected = hasSelection();
+    clearSelection();
+    return selected;
 }
 
 bool PDFView::focusNextPrevChild(bool next) {
-    const bool onLink = m_parts->links.focusNext(next);
-    m_parts->describe();
-    viewport()->update();
-    return onLink || QAbstractScrollArea::focusNextPrevChild(next);
+    return m_parts->moveFocus(next) || QAbstractScrollArea::focusNextPrevChild(next);
 }
 
 void PDFView::focusInEvent(QFocusEvent* event) {
@@ -236,8 +248,10 @@ void PDFView::focusInEvent(QFocusEvent* event) {
 void PDFView::focusOutEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusOutEvent(event);
     m_parts->keyboardFocus = false;
-    if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
-        m_parts->leaveLink();
+    // An editor of a field is a part of the view.
+    const bool goesToEditor = viewport()->isAncestorOf(QApplication::focusWidget());
+    if (!goesToEditor && event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
+        m_parts->leaveFocus();
     viewport()->update();
 }
 
@@ -250,7 +264,11 @@ void PDFView::mousePressEvent(QMouseEvent* event) {
     column.scroller().stop();
     m_parts->keyboardFocus = false;
     m_parts->followedLink = false;
-    m_parts->leaveLink();
+    m_parts->leaveFocus();
+    if (m_parts->forms.press(event->position())) {
+        clearSelection();
+        return;
+    }
     const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
     const auto link = shift ? std::nullopt : m_parts->links.linkAt(event->position());
     m_parts->pressedLink = link ? link->annotation : nullptr;
@@ -259,12 +277,16 @@ void PDFView::mousePressEvent(QMouseEvent* event) {
 }
 
 void PDFView::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton && !m_parts->followedLink)
+    if (event->button() != Qt::LeftButton || m_parts->followedLink)
+        return;
+    if (!m_parts->forms.press(event->position())) // two quick clicks on a field are two clicks
         m_parts->drag.doubleClick(event->position());
 }
 
 void PDFView::mouseMoveEvent(QMouseEvent* event) {
     m_parts->pointer = event->position();
+    if (event->buttons().testFlag(Qt::LeftButton) && m_parts->forms.isPressed())
+        return;
     if (!event->buttons().testFlag(Qt::LeftButton)) {
         m_parts->drag.release(); // a menu or a dialog that came up has taken the event
         // Links are read from the file when they are first asked for: not in the middle of scrolling.
@@ -283,6 +305,7 @@ void PDFView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton)
         return;
     m_parts->drag.release();
+    m_parts->forms.release(event->position(), event->modifiers());
     if (const auto link = std::exchange(m_parts->pressedLink, nullptr)) {
         m_parts->followedLink = true;
         m_parts->follow(*link);
@@ -291,6 +314,10 @@ void PDFView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void PDFView::updateCursor(QPointF viewPoint) {
+    if (const auto shape = m_parts->forms.cursor(viewPoint)) {
+        viewport()->setCursor(*shape);
+        return;
+    }
     if (m_parts->links.linkAt(viewPoint)) {
         viewport()->setCursor(Qt::PointingHandCursor);
         return;

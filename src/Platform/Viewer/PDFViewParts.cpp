@@ -2,6 +2,7 @@
 
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
+#include "PDFPage.h"
 #include "PageText.h"
 
 #include <QAccessible>
@@ -22,13 +23,18 @@ static constexpr double fastScreens = 5;
 
 PDFViewParts::PDFViewParts(PDFView& owner)
     : view(owner), columnOfPages(*owner.horizontalScrollBar(), *owner.verticalScrollBar()),
-      drag(columnOfPages, texts, selection), links(columnOfPages), commands(owner) {
+      drag(columnOfPages, texts, selection), links(columnOfPages), forms(owner, columnOfPages),
+      focusOrder(columnOfPages, links), touch(owner, columnOfPages.scroller()), commands(owner) {
     m_rest.setSingleShot(true);
     m_rest.setInterval(restDelay);
     QObject::connect(&m_rest, &QTimer::timeout, &view, [this] { rested(); });
     QObject::connect(&columnOfPages, &PageColumn::moved, &view, [this] { moved(); });
     QObject::connect(&columnOfPages, &PageColumn::scaleChanged, &view, &PDFView::scaleChanged);
     QObject::connect(&tiles, &PageTiles::tileArrived, &view, [this](const TileKey& key) { tileArrived(key); });
+    QObject::connect(&forms, &FormFiller::changed, &view, &PDFView::formFieldChanged);
+    QObject::connect(&forms, &FormFiller::editingChanged, &view, &PDFView::fillingChanged);
+    QObject::connect(&forms, &FormFiller::focusChanged, &view, [this] { describe(); });
+    QObject::connect(&forms, &FormFiller::leftByTab, &view, [this](bool forward) { view.focusNextPrevChild(forward); });
     QObject::connect(&selection, &ViewSelection::changed, &view, [this] {
         wantTexts();
         view.viewport()->update();
@@ -64,6 +70,7 @@ void PDFViewParts::showDocument(const std::shared_ptr<PDFDocument>& document) {
         former->disconnect(&view);
     drag.reset();
     links.clearFocus();
+    forms.reset();
     pressedLink.reset();
     tiles.clear();
     hasDrawnSharp = false;
@@ -103,6 +110,7 @@ void PDFViewParts::pagesChanged() {
 
 void PDFViewParts::pageContentChanged(const PDFPage& page, const QRectF& area) {
     tiles.noteChange(page, area);
+    forms.noteChange(page, area);
     if (area.isNull()) {
         columnOfPages.refreshPage(&page);
         view.viewport()->update();
@@ -179,14 +187,33 @@ void PDFViewParts::updatePage() {
 void PDFViewParts::describe() {
     if (const auto link = links.focused())
         view.setAccessibleDescription(PDFView::tr("Link: %1").arg(links.describe(*link->annotation)));
+    else if (const QString field = forms.description(); !field.isEmpty())
+        view.setAccessibleDescription(field);
     else if (m_currentIndex < 0)
         view.setAccessibleDescription(PDFView::tr("No pages"));
     else
         view.setAccessibleDescription(PDFView::tr("Page %1 of %2").arg(m_currentIndex + 1).arg(m_pageCount));
 }
 
-void PDFViewParts::leaveLink() {
+bool PDFViewParts::moveFocus(bool forward) {
+    PageColumn& pagesNow = column();
+    const auto link = links.focused();
+    const auto next = focusOrder.next(link ? link->annotation : forms.focused(), forward, forms.isEnabled());
+    leaveFocus();
+    if (!next)
+        return false;
+    pagesNow.reveal(pagesNow.document()->index(next->page().get()), next->bounds());
+    if (next->type() == PDFAnnotationSubtype::link)
+        links.focus(next);
+    else
+        forms.focus(next);
+    describe();
+    return true;
+}
+
+void PDFViewParts::leaveFocus() {
     links.clearFocus();
+    forms.clearFocus();
     describe();
     view.viewport()->update();
 }
@@ -201,6 +228,7 @@ void PDFViewParts::wantTexts() {
 
 void PDFViewParts::rested() {
     wantTexts();
+    forms.readFields();
     if (pointer && !drag.isRunning())
         view.updateCursor(*pointer);
     plan(); // no longer fast

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FocusOrder.h"
+#include "FormFiller.h"
 #include "JumpHistory.h"
 #include "LinkNavigator.h"
 #include "PDFView.h"
@@ -9,6 +11,7 @@
 #include "PageTexts.h"
 #include "PageTiles.h"
 #include "SelectionDrag.h"
+#include "TouchNavigation.h"
 #include "ViewSelection.h"
 
 #include <QColor>
@@ -54,10 +57,12 @@ struct PDFViewParts {
     [[nodiscard]] bool isMoving() const { return m_rest.isActive(); }
     void bringBack(const std::optional<JumpHistory::Place>& place);
     void follow(const PDFAnnotation& link);
-    /// Says in words, for a screen reader, what the keyboard is on: a link, or else the page.
+    /// Says in words, for a screen reader, what the keyboard is on: a link, a field, or else the page.
     void describe();
-    /// No link has the keyboard any more.
-    void leaveLink();
+    /// The Tab key: gives the keyboard to the next or previous link or field. False when there is none.
+    bool moveFocus(bool forward);
+    /// No link and no field has the keyboard any more.
+    void leaveFocus();
 
     PDFView& view;
     PageColumn columnOfPages;
@@ -67,6 +72,9 @@ struct PDFViewParts {
     ViewSelection selection;
     SelectionDrag drag;
     LinkNavigator links;
+    FormFiller forms;
+    FocusOrder focusOrder;
+    TouchNavigation touch;
     JumpHistory history;
     PDFViewCommands commands;
 

@@ -5,14 +5,17 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QInputMethod>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QMimeData>
 #include <QPainter>
 #include <QTextBlock>
 #include <QTextLayout>
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <memory>
 
 static constexpr double outlineWidth = 1.5;
 /// Points of a font in an inch.
@@ -86,24 +89,12 @@ double InlineFreeTextEditor::usedHeight() const {
     return document()->size().height();
 }
 
-void InlineFreeTextEditor::endEditing() {
-    Q_EMIT editingEnded();
-}
-
 bool InlineFreeTextEditor::event(QEvent* event) {
     switch (event->type()) {
     case QEvent::Paint: {
         const bool done = QTextEdit::event(event);
         paintFrame();
         return done;
-    }
-    case QEvent::ShortcutOverride: {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) {
-            event->accept();
-            return true;
-        }
-        break;
     }
     // The insets belong to the text for the pointer.
     case QEvent::MouseButtonPress:
@@ -135,35 +126,53 @@ void InlineFreeTextEditor::paintFrame() {
     painter.drawRect(QRectF(rect()).adjusted(half, half, -half, -half));
 }
 
-void InlineFreeTextEditor::keyPressEvent(QKeyEvent* event) {
-    const bool commits = (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
-                         !event->modifiers().testFlag(Qt::ShiftModifier);
-    const bool cancels = event->key() == Qt::Key_Escape;
-    if ((commits || cancels) && isComposing()) {
-        if (commits)
-            QGuiApplication::inputMethod()->commit();
-        else
-            QGuiApplication::inputMethod()->reset();
-    } else if (commits || (cancels && onCancel)) {
-        // A copy: the editor is closed by it.
-        if (const auto callback = commits ? onCommit : onCancel)
-            callback();
-    } else {
-        QTextEdit::keyPressEvent(event);
+/// As much of the text as may come into the place of what is selected.
+QString InlineFreeTextEditor::taken(QString text) const {
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    const QTextCursor cursor = textCursor();
+    if (maximumLength) {
+        const int present = document()->characterCount() - 1; // the last is the end of the document
+        const int room = *maximumLength - present + cursor.selectionEnd() - cursor.selectionStart();
+        text.truncate(std::max(0, room));
+        if (!text.isEmpty() && text.back().isHighSurrogate())
+            text.chop(1);
     }
-    event->accept(); // no key that is pressed here scrolls the page
+    if (!staysInPlace || text.isEmpty())
+        return text;
+    const std::unique_ptr<QTextDocument> trial(document()->clone());
+    trial->setTextWidth(document()->textWidth());
+    QTextCursor place(trial.get());
+    place.setPosition(cursor.selectionStart());
+    place.setPosition(cursor.selectionEnd(), QTextCursor::KeepAnchor);
+    place.insertText(text);
+    return trial->size().height() <= viewport()->height() ? text : QString();
 }
 
-void InlineFreeTextEditor::focusOutEvent(QFocusEvent* event) {
-    QTextEdit::focusOutEvent(event);
-    switch (event->reason()) {
-    case Qt::PopupFocusReason:
-    case Qt::MenuBarFocusReason:
-    case Qt::ActiveWindowFocusReason:
-        break;
-    default:
-        Q_EMIT editingEnded();
+void InlineFreeTextEditor::insertFromMimeData(const QMimeData* source) {
+    const QString text = source->hasText() ? taken(source->text()) : QString();
+    if (!text.isEmpty())
+        insertPlainText(text);
+}
+
+void InlineFreeTextEditor::inputMethodEvent(QInputMethodEvent* event) {
+    const QString committed = event->commitString();
+    const QString text = taken(committed);
+    if (text == committed) {
+        QTextEdit::inputMethodEvent(event);
+        return;
     }
+    QInputMethodEvent shorter(event->preeditString(), event->attributes());
+    shorter.setCommitString(text, event->replacementStart(), event->replacementLength());
+    QTextEdit::inputMethodEvent(&shorter);
+}
+
+void InlineFreeTextEditor::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool types = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) &&
+                       (isReturn || (!event->text().isEmpty() && event->text().front().isPrint()));
+    if (!types || !taken(isReturn ? QStringLiteral("\n") : event->text()).isEmpty())
+        QTextEdit::keyPressEvent(event);
+    event->accept(); // no key that is pressed here scrolls the page
 }
 
 void InlineFreeTextEditor::wheelEvent(QWheelEvent* event) {

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "Palette.h"
-
+#include <QColor>
 #include <QTextEdit>
 
-#include <functional>
+#include <optional>
 
-/// A small editor of plain text that lies over a page: a child of the viewer's viewport, with an outline. Return
-/// commits, Shift+Return breaks the line, Escape cancels. Undo, the clipboard and the menu work on its own text, and
-/// the wheel scrolls the page below. While an input method composes, Return and Escape end the composition only.
+/// A small editor of plain text that lies over a page: a child of the viewer's viewport, with an outline. Undo, the
+/// clipboard and the menu work on its own text, and the wheel scrolls the page below. When it ends is for its
+/// `PlacedEditor` to say.
 ///
 /// Whoever opens it gives it a font, colours, a place and an accessible name.
 class InlineFreeTextEditor : public QTextEdit {
@@ -18,11 +17,12 @@ public:
     explicit InlineFreeTextEditor(QWidget* parent);
     ~InlineFreeTextEditor() override;
 
-    /// Escape; without it Escape does what it does in any text field.
-    std::function<void()> onCancel;
-    /// Return; without it Return does nothing.
-    std::function<void()> onCommit;
-    QColor borderColor = Palette::systemBlue;
+    /// Of the outline; it may be transparent.
+    QColor borderColor{0x00, 0x7A, 0xFF};
+    /// The text doesn't become longer, in UTF-16 units, whatever is typed or pasted; none for no limit.
+    std::optional<int> maximumLength;
+    /// Takes only what doesn't make the text higher than the editor.
+    bool staysInPlace = false;
 
     /// `pageFont`, whose size is in points of the page, for a page that is shown at `scale` on the screen of `widget`,
     /// laid out as text on pages is.
@@ -39,24 +39,19 @@ public:
     [[nodiscard]] QString finishedText();
     /// The height of the text as it is broken into lines now, without insets.
     [[nodiscard]] double usedHeight() const;
-    /// Emits `editingEnded`, as when the keyboard goes elsewhere.
-    void endEditing();
-
-Q_SIGNALS:
-    /// The keyboard went to another widget of the window. A menu that pops up, the menu bar and another window only
-    /// borrow it: the person comes back to a text that is still being edited.
-    void editingEnded();
 
 protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
+    void insertFromMimeData(const QMimeData* source) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     [[nodiscard]] bool isComposing() const;
     void paintFrame();
+    [[nodiscard]] QString taken(QString text) const;
 
     QColor m_paper = Qt::transparent;
 };
