@@ -47,6 +47,57 @@ DocumentPresenter::SaveAnswer DocumentDialogs::askToSave(QWidget* parent, const 
                                            : DocumentPresenter::SaveAnswer::Cancel;
 }
 
+DocumentDialogs::SaveAllAnswer
+DocumentDialogs::askToSaveAll(QWidget* parent, const std::vector<UnsavedDocumentsDialog::Entry>& documents) {
+    UnsavedDocumentsDialog dialog(documents, parent);
+    dialog.exec();
+    return {dialog.answer(), dialog.checked()};
+}
+
+DocumentPresenter::ChangedFileAnswer DocumentDialogs::askAboutChangedFile(QWidget* parent,
+                                                                          const QString& documentName) {
+    QMessageBox box(parent);
+    box.setObjectName(QStringLiteral("changedFileQuestion"));
+    setContent(
+        box, warningSymbol(), QStringLiteral("“%1” has been changed by another program.").arg(documentName),
+        QStringLiteral("If you overwrite it, the other program's changes are lost. Choose Save As to keep both."));
+    auto* saveAs = box.addButton(QStringLiteral("Save As…"), QMessageBox::AcceptRole);
+    auto* overwrite = box.addButton(QStringLiteral("Overwrite"), QMessageBox::DestructiveRole);
+    auto* cancel = box.addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    box.setDefaultButton(saveAs);
+    box.setEscapeButton(cancel);
+    box.exec();
+    if (box.clickedButton() == overwrite)
+        return DocumentPresenter::ChangedFileAnswer::Overwrite;
+    return box.clickedButton() == saveAs ? DocumentPresenter::ChangedFileAnswer::SaveAs
+                                         : DocumentPresenter::ChangedFileAnswer::Cancel;
+}
+
+bool DocumentDialogs::askToRevert(QWidget* parent, const QString& documentName) {
+    QMessageBox box(parent);
+    box.setObjectName(QStringLiteral("revertQuestion"));
+    setContent(box, warningSymbol(), QStringLiteral("Do you want to go back to the saved “%1”?").arg(documentName),
+               QStringLiteral("All changes since it was last saved are lost. This can't be undone."));
+    auto* revert = box.addButton(QStringLiteral("Revert"), QMessageBox::DestructiveRole);
+    auto* cancel = box.addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    box.setDefaultButton(cancel);
+    box.setEscapeButton(cancel);
+    box.exec();
+    return box.clickedButton() == revert;
+}
+
+bool DocumentDialogs::offerSaveAs(QWidget* parent, const QString& title, const QString& sentence) {
+    QMessageBox box(parent);
+    box.setObjectName(QStringLiteral("saveFailure"));
+    setContent(box, warningSymbol(), title, sentence);
+    auto* saveAs = box.addButton(QStringLiteral("Save As…"), QMessageBox::AcceptRole);
+    auto* ok = box.addButton(QStringLiteral("OK"), QMessageBox::RejectRole);
+    box.setDefaultButton(saveAs);
+    box.setEscapeButton(ok);
+    box.exec();
+    return box.clickedButton() == saveAs;
+}
+
 std::optional<QString> DocumentDialogs::chooseSaveLocation(QWidget* parent, const QString& suggestedPath) {
     QFileDialog dialog(parent, QStringLiteral("Save As"));
     dialog.setObjectName(QStringLiteral("savePanel"));

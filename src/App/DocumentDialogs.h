@@ -1,10 +1,12 @@
 #pragma once
 
 #include "DocumentPresenter.h"
+#include "UnsavedDocumentsDialog.h"
 
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 class QWidget;
 
@@ -12,10 +14,27 @@ class QWidget;
 /// The asking ones block; the telling ones return at once. Main thread only.
 class DocumentDialogs {
 public:
+    struct SaveAllAnswer {
+        DocumentPresenter::SaveAnswer answer = DocumentPresenter::SaveAnswer::Cancel;
+        std::vector<bool> checked; ///< for each document: whether to save it
+    };
+
     virtual ~DocumentDialogs();
 
     /// Whether to save the changes of the document with that name, which is about to be closed.
     virtual DocumentPresenter::SaveAnswer askToSave(QWidget* parent, const QString& documentName);
+
+    /// The same once for several documents.
+    virtual SaveAllAnswer askToSaveAll(QWidget* parent, const std::vector<UnsavedDocumentsDialog::Entry>& documents);
+
+    /// Whether to save over a file that another program has changed.
+    virtual DocumentPresenter::ChangedFileAnswer askAboutChangedFile(QWidget* parent, const QString& documentName);
+
+    /// Whether to give up the changes of a document.
+    virtual bool askToRevert(QWidget* parent, const QString& documentName);
+
+    /// Tells that a document couldn't be saved; whether it is to be saved elsewhere.
+    virtual bool offerSaveAs(QWidget* parent, const QString& title, const QString& sentence);
 
     /// Where to save to, starting from `suggestedPath`; whether a file that is there may be replaced has been asked.
     virtual std::optional<QString> chooseSaveLocation(QWidget* parent, const QString& suggestedPath);

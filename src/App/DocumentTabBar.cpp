@@ -20,6 +20,7 @@ DocumentTabBar::DocumentTabBar(QAction* newTab, QWidget* parent) : QWidget(paren
     m_tabs->setElideMode(Qt::ElideMiddle);
     m_tabs->setUsesScrollButtons(true);
     m_tabs->installEventFilter(this);
+    m_tabs->setContextMenuPolicy(Qt::CustomContextMenu);
 
     auto* newTabButton = new QToolButton(this);
     newTabButton->setObjectName(u"newTabButton"_qs);
@@ -39,9 +40,15 @@ DocumentTabBar::DocumentTabBar(QAction* newTab, QWidget* parent) : QWidget(paren
     hide();
 
     connect(m_tabs, &QTabBar::currentChanged, this, [this] { Q_EMIT currentChanged(current()); });
+    connect(m_tabs, &QTabBar::customContextMenuRequested, this, &DocumentTabBar::requestMenu);
 }
 
 DocumentTabBar::~DocumentTabBar() = default;
+
+void DocumentTabBar::setShown(bool shown) {
+    m_shown = shown;
+    setVisible(m_shown && count() > 1);
+}
 
 int DocumentTabBar::count() const {
     return m_tabs->count();
@@ -74,7 +81,7 @@ void DocumentTabBar::addTab(QWidget* content) {
     const int index = m_tabs->addTab(QString());
     m_tabs->setTabData(index, QVariant::fromValue(content));
     m_tabs->setTabButton(index, QTabBar::RightSide, makeCloseButton(content));
-    setVisible(count() > 1);
+    setVisible(m_shown && count() > 1);
 }
 
 QWidget* DocumentTabBar::makeCloseButton(QWidget* content) {
@@ -93,7 +100,7 @@ QWidget* DocumentTabBar::makeCloseButton(QWidget* content) {
 
 void DocumentTabBar::removeTab(QWidget* content) {
     m_tabs->removeTab(index(content));
-    setVisible(count() > 1);
+    setVisible(m_shown && count() > 1);
 }
 
 void DocumentTabBar::setCurrent(QWidget* content) {
@@ -106,6 +113,13 @@ void DocumentTabBar::setTitle(QWidget* content, const QString& title, bool isEdi
     // "&" would mark a key.
     m_tabs->setTabText(tab, mark + QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
     m_tabs->setTabToolTip(tab, toolTip);
+}
+
+void DocumentTabBar::requestMenu(QPoint position) {
+    // Beside the tabs, and from the keyboard, it is about the current one.
+    const int tab = m_tabs->tabAt(position);
+    if (QWidget* asked = tab >= 0 ? content(tab) : current())
+        Q_EMIT menuRequested(asked, m_tabs->mapToGlobal(position));
 }
 
 bool DocumentTabBar::eventFilter(QObject* watched, QEvent* event) {

@@ -20,6 +20,9 @@ public:
     /// `title` is a file name and may hold any characters.
     void setTitle(QWidget* content, const QString& title, bool isEdited, const QString& toolTip);
 
+    /// At first true. While false the row is hidden however many tabs there are.
+    void setShown(bool shown);
+
     [[nodiscard]] int count() const;
     /// Null when there is no tab.
     [[nodiscard]] QWidget* current() const;
@@ -32,13 +35,17 @@ Q_SIGNALS:
     /// Null when the last tab has gone.
     void currentChanged(QWidget* content);
     void closeRequested(QWidget* content);
+    /// The user asks for the menu of a tab, with the mouse or the keyboard.
+    void menuRequested(QWidget* content, QPoint globalPosition);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget* makeCloseButton(QWidget* content);
+    void requestMenu(QPoint position);
     [[nodiscard]] int index(const QWidget* content) const;
 
     QTabBar* m_tabs;
+    bool m_shown = true;
 };

@@ -7,29 +7,53 @@
 #include "DocumentTabBar.h"
 #include "DroppedFile.h"
 #include "FileOpenRouter.h"
+#include "FullScreenChrome.h"
 #include "MainMenu.h"
 #include "PDFEditorDocument.h"
 #include "PDFEditorWorkspaceView.h"
+#include "PassingNotice.h"
+#include "SlowSaves.h"
+#include "UserDefaults.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <chrono>
 
 /// A file name as a window's title: "[*]" would stand for the edited mark.
 static QString titleText(const QString& fileName) {
     return QString(fileName).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
 }
 
+/// The size of a window that is neither maximized nor takes the whole screen: "1000x720".
+static QString sizeKey() {
+    return QStringLiteral("DocumentWindow.size");
+}
+
+static QSize rememberedSize(const UserDefaults& defaults, QSize usual) {
+    const QStringList sides = defaults.stringForKey(sizeKey()).value_or(QString()).split(QLatin1Char('x'));
+    const QSize size = sides.size() == 2 ? QSize(sides[0].toInt(), sides[1].toInt()) : QSize();
+    return size.width() > 0 && size.height() > 0 ? size.boundedTo({16'384, 16'384}) : usual;
+}
+
 DocumentWindow::DocumentWindow(WindowServices& services)
     : m_services(services), m_menu(new MainMenu(*this, services.actions, services.controller)),
-      m_tabBar(new DocumentTabBar(services.actions.newTab)), m_stack(new QStackedWidget) {
+      m_tabBar(new DocumentTabBar(services.actions.newTab)), m_stack(new QStackedWidget),
+      m_slowSaves(new SlowSaves(services.controller, this)),
+      m_chrome(new FullScreenChrome(
+          *this, [this](bool shows) { showChrome(shows); }, [this] { return chromeHeight(); })) {
     setObjectName(u"documentWindow"_qs);
     setAcceptDrops(true);
     setMinimumSize(480, 360);
-    resize(1000, 720);
+    resize(rememberedSize(services.defaults, {1000, 720}));
 
     auto* central = new QWidget;
     auto* layout = new QVBoxLayout(central);
@@ -39,9 +63,19 @@ DocumentWindow::DocumentWindow(WindowServices& services)
     layout->addWidget(m_stack);
     setCentralWidget(central);
     addTabSwitching();
+    m_sizeRest.setSingleShot(true);
+    m_sizeRest.setInterval(std::chrono::milliseconds(500));
+    connect(&m_sizeRest, &QTimer::timeout, this, [this] {
+        // A window that is just becoming maximized has its new size before it says so.
+        if (!isMaximized() && !isFullScreen())
+            m_services.defaults.setString(sizeKey(), u"%1x%2"_qs.arg(width()).arg(height()));
+    });
 
     connect(m_tabBar, &DocumentTabBar::currentChanged, this, &DocumentWindow::currentTabChanged);
     connect(m_tabBar, &DocumentTabBar::closeRequested, this, &DocumentWindow::closeTab);
+    connect(m_tabBar, &DocumentTabBar::menuRequested, this, &DocumentWindow::showTabMenu);
+    connect(m_slowSaves, &SlowSaves::changed, this,
+            [this](const std::shared_ptr<Document>& document, bool isSlow) { showSaving(*document, isSlow); });
     connect(m_menu, &MainMenu::closeRequested, this, [this] { closeTab(m_tabBar->current()); });
     connect(m_menu, &MainMenu::openRecentRequested, this,
             [this](const QUrl& url) { m_services.controller.openDocument(url, true); });
@@ -77,6 +111,8 @@ void DocumentWindow::addDocument(const std::shared_ptr<PDFEditorDocument>& docum
 
     connect(view, &ContentView::settingsRequested, m_services.actions.settings, &QAction::trigger);
     connect(view, &ContentView::contentChanged, this, [this, view] {
+        if (view->workspace())
+            view->workspace()->setShowsToolbar(m_chrome->isShown());
         if (view == currentContentView())
             updateMenu();
     });
@@ -137,6 +173,37 @@ void DocumentWindow::closeTab(QWidget* content) {
     }
 }
 
+void DocumentWindow::showTabMenu(QWidget* content, QPoint globalPosition) {
+    m_tabBar->setCurrent(content);
+    auto* menu = new QMenu(this);
+    menu->setObjectName(u"tabMenu"_qs);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (QAction* action : m_menu->tabActions()) {
+        if (action)
+            menu->addAction(action);
+        else
+            menu->addSeparator();
+    }
+    menu->popup(globalPosition);
+}
+
+void DocumentWindow::showSaving(const Document& document, bool isSlow) {
+    ContentView* view = contentView(document);
+    if (!view)
+        return;
+    updateTab(view);
+    if (!view->workspace())
+        return;
+    // As long as it takes, unless another message comes.
+    constexpr std::chrono::hours untilItEnds{24};
+    const QString message = u"Saving…"_qs;
+    PassingNotice& notice = view->workspace()->notice();
+    if (isSlow)
+        notice.announce(message, untilItEnds);
+    else if (notice.message() == message)
+        notice.announce(message, std::chrono::milliseconds::zero());
+}
+
 void DocumentWindow::currentTabChanged() {
     ContentView* view = currentContentView();
     if (!view)
@@ -148,9 +215,13 @@ void DocumentWindow::currentTabChanged() {
     view->setFocus();
 }
 
+QString DocumentWindow::title(const Document& document) const {
+    return m_slowSaves->contains(document) ? document.displayName() + u" — Saving…"_qs : document.displayName();
+}
+
 void DocumentWindow::updateTab(ContentView* view) {
     const Document& document = *view->document();
-    m_tabBar->setTitle(view, document.displayName(), document.isDocumentEdited(),
+    m_tabBar->setTitle(view, title(document), document.isDocumentEdited(),
                        document.fileURL().isEmpty() ? document.displayName()
                                                     : QDir::toNativeSeparators(document.fileURL().toLocalFile()));
     if (view == currentContentView())
@@ -159,7 +230,7 @@ void DocumentWindow::updateTab(ContentView* view) {
 
 void DocumentWindow::updateTitle() {
     const Document& document = *currentContentView()->document();
-    setWindowTitle(titleText(document.displayName()) + u"[*] — Quillo"_qs);
+    setWindowTitle(titleText(title(document)) + u"[*] — Quillo"_qs);
     setWindowModified(document.isDocumentEdited());
 }
 
@@ -179,10 +250,50 @@ void DocumentWindow::present() {
     }
     raise();
     activateWindow();
+    // A question that waits for its answer stays before the window that it keeps from being used.
+    if (QWidget* question = QApplication::activeModalWidget()) {
+        question->raise();
+        question->activateWindow();
+    }
+}
+
+// Full screen
+
+void DocumentWindow::showChrome(bool shows) {
+    // The keys of its commands work only while the menu bar counts as shown.
+    menuBar()->setMaximumHeight(shows ? QWIDGETSIZE_MAX : 0);
+    m_tabBar->setShown(shows);
+    for (const ContentView* view : contentViews())
+        if (view->workspace())
+            view->workspace()->setShowsToolbar(shows);
+    const ContentView* view = currentContentView();
+    if (!shows && view && view->workspace())
+        view->workspace()->notice().announce(u"Press Esc to leave the full screen"_qs);
+}
+
+int DocumentWindow::chromeHeight() const {
+    const ContentView* view = currentContentView();
+    return menuBar()->height() + (m_tabBar->isVisible() ? m_tabBar->height() : 0) +
+           (view && view->workspace() ? view->workspace()->toolbarHeight() : 0);
+}
+
+void DocumentWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && isFullScreen())
+        setWindowState(windowState() & ~Qt::WindowFullScreen);
+    else
+        QMainWindow::keyPressEvent(event);
+}
+
+void DocumentWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (isVisible() && !isMaximized() && !isFullScreen() && !isMinimized())
+        m_sizeRest.start();
 }
 
 void DocumentWindow::closeEvent(QCloseEvent* event) {
-    event->setAccepted(m_services.controller.closeAllDocuments());
+    // The window goes with its last tab, now or when the documents are saved.
+    m_services.controller.closeAllDocuments();
+    event->setAccepted(m_tabBar->count() == 0);
 }
 
 void DocumentWindow::changeEvent(QEvent* event) {

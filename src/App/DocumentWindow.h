@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
 
 #include <memory>
 #include <vector>
@@ -11,9 +12,11 @@ class Document;
 class DocumentController;
 class DocumentDialogs;
 class DocumentTabBar;
+class FullScreenChrome;
 class MainMenu;
 class PDFEditorDocument;
 class QStackedWidget;
+class SlowSaves;
 class UserDefaults;
 
 /// What the windows of the program share. Everything outlives them.
@@ -56,11 +59,19 @@ protected:
     void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    /// Escape leaves the full screen.
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void showChrome(bool shows);
+    [[nodiscard]] int chromeHeight() const;
     void addTabSwitching();
     void closeTab(QWidget* content);
+    void showTabMenu(QWidget* content, QPoint globalPosition);
+    void showSaving(const Document& document, bool isSlow);
     void currentTabChanged();
+    [[nodiscard]] QString title(const Document& document) const;
     void updateTab(ContentView* view);
     void updateTitle();
     void updateMenu();
@@ -69,5 +80,8 @@ private:
     MainMenu* m_menu;
     DocumentTabBar* m_tabBar;
     QStackedWidget* m_stack;
+    SlowSaves* m_slowSaves;
+    FullScreenChrome* m_chrome;
     bool m_didMaximize = false;
+    QTimer m_sizeRest; ///< runs out when the size has rested for a moment
 };

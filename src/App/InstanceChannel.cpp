@@ -8,6 +8,7 @@
 #include <QLockFile>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QThread>
 
 // A message is a mark, the activation token and the files; the answer is one byte once the message is taken.
 static constexpr quint32 messageMark = 0x51756c31;
@@ -63,13 +64,32 @@ InstanceChannel::Role InstanceChannel::start(const QStringList& files) {
 }
 
 InstanceChannel::Delivery InstanceChannel::deliver(const QStringList& files) const {
+    // A process that is about to end may leave the connection without a word. When it has ended, nobody is there.
+    constexpr int attempts = 20;
+    constexpr unsigned long pauseInMilliseconds = 50;
+    Delivery delivery = Delivery::noAnswer;
+    bool isLeft = true;
+    for (int attempt = 0; isLeft && attempt < attempts; ++attempt) {
+        if (attempt > 0)
+            QThread::msleep(pauseInMilliseconds);
+        delivery = deliverOnce(files, isLeft);
+    }
+    return delivery;
+}
+
+/// `isLeft` tells whether the other side ended the connection.
+InstanceChannel::Delivery InstanceChannel::deliverOnce(const QStringList& files, bool& isLeft) const {
+    isLeft = false;
     QLocalSocket socket;
     socket.connectToServer(m_socketPath);
     if (!socket.waitForConnected(answerTimeoutInMilliseconds))
         return socket.error() == QLocalSocket::SocketTimeoutError ? Delivery::noAnswer : Delivery::nobodyThere;
     socket.write(encoded(files));
     socket.flush();
-    return socket.waitForReadyRead(answerTimeoutInMilliseconds) ? Delivery::done : Delivery::noAnswer;
+    if (socket.waitForReadyRead(answerTimeoutInMilliseconds))
+        return Delivery::done;
+    isLeft = socket.error() == QLocalSocket::PeerClosedError;
+    return Delivery::noAnswer;
 }
 
 void InstanceChannel::accept() {

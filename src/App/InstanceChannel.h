@@ -42,6 +42,7 @@ private:
     enum class Delivery { nobodyThere, done, noAnswer };
 
     Delivery deliver(const QStringList& files) const;
+    Delivery deliverOnce(const QStringList& files, bool& isLeft) const;
     void accept();
     void read(QLocalSocket* socket);
 

@@ -49,11 +49,15 @@ void MainMenu::makeMenus(AppActions& actions) {
     m_recentMenu = file->addMenu(u"Open &Recent"_qs);
     m_recentMenu->setObjectName(u"openRecent"_qs);
     file->addSeparator();
-    add(file, u"close"_qs, u"&Close"_qs, Qt::CTRL | Qt::Key_W, [this] { Q_EMIT closeRequested(); });
+    m_close = add(file, u"close"_qs, u"&Close"_qs, Qt::CTRL | Qt::Key_W, [this] { Q_EMIT closeRequested(); });
     m_save =
         add(file, u"save"_qs, u"&Save"_qs, Qt::CTRL | Qt::Key_S, [this] { m_controller.saveDocument(m_document); });
     m_saveAs = add(file, u"saveAs"_qs, u"Save &As…"_qs, Qt::CTRL | Qt::SHIFT | Qt::Key_S,
                    [this] { m_controller.saveDocumentAs(m_document); });
+    m_duplicate =
+        add(file, u"duplicate"_qs, u"&Duplicate"_qs, {}, [this] { m_controller.duplicateDocument(m_document); });
+    m_revert = add(file, u"revert"_qs, u"Re&vert to Saved…"_qs, {},
+                   [this] { m_controller.revertDocument(std::shared_ptr<Document>(m_document)); });
     file->addSeparator();
     file->addAction(actions.quit);
 
@@ -88,6 +92,7 @@ void MainMenu::makeMenus(AppActions& actions) {
 
     // Looking up which files still exist may be slow on a network, so it waits until the menu is wanted.
     connect(file, &QMenu::aboutToShow, this, &MainMenu::fillRecentMenu);
+    connect(&m_controller, &DocumentController::documentSavingChanged, this, &MainMenu::updateDocumentActions);
 }
 
 void MainMenu::fillRecentMenu() {
@@ -166,11 +171,17 @@ void MainMenu::updateDocumentActions() {
     const bool canBeSaved = m_document && !m_document->pdfDocument()->isLocked() &&
                             (m_document->pdfDocument()->pageCount() > 0 || m_document->isDocumentEdited());
     m_saveAs->setEnabled(canBeSaved);
+    m_duplicate->setEnabled(canBeSaved);
+    m_revert->setEnabled(m_document && m_controller.canRevertDocument(*m_document));
     m_save->setEnabled(canBeSaved && (m_document->isDocumentEdited() || m_document->isBeingTyped() ||
                                       m_document->fileURL().isEmpty()));
     const bool isTyped = m_document && m_document->isBeingTyped();
     m_undo->setEnabled(isTyped || (m_document && m_document->undoManager()->canUndo()));
     m_redo->setEnabled(isTyped || (m_document && m_document->undoManager()->canRedo()));
+}
+
+QList<QAction*> MainMenu::tabActions() const {
+    return {m_save, m_saveAs, m_duplicate, m_revert, nullptr, m_close};
 }
 
 /// The editor over a page that has the keyboard: while something is typed there, undo is about that.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QMetaObject>
 #include <QObject>
 #include <QPointer>
@@ -32,6 +33,9 @@ public:
     /// `document` is null in a window without one, and `workspace` while it isn't being shown.
     void setDocument(const std::shared_ptr<PDFEditorDocument>& document, WorkspaceActions* workspace);
 
+    /// The commands about the document as a whole, for the menu of its tab; null separates.
+    [[nodiscard]] QList<QAction*> tabActions() const;
+
 Q_SIGNALS:
     /// The command "Close".
     void closeRequested();
@@ -62,6 +66,9 @@ private:
     QMenu* m_toolsMenu = nullptr;
     QAction* m_save = nullptr;
     QAction* m_saveAs = nullptr;
+    QAction* m_duplicate = nullptr;
+    QAction* m_revert = nullptr;
+    QAction* m_close = nullptr;
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     QAction* m_fullScreen = nullptr;

@@ -6,8 +6,15 @@
 #include "SettingsView.h"
 
 #include <QApplication>
+#include <QEvent>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QSessionManager>
+#include <QTimer>
+
+#include <algorithm>
+#include <optional>
 
 QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
     : m_defaults(UserDefaults::standardFilePath(u"Quillo"_qs, u"Quillo"_qs)), m_dialogs(std::move(dialogs)),
@@ -16,11 +23,12 @@ QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
       m_services{m_controller, m_defaults, m_actions, *m_dialogs},
       m_defaultHandler(m_defaults,
                        [this] { return m_dialogs->askToBecomeDefault(WindowPresenter::windowForQuestions()); }),
-      m_delegate(m_services, m_defaultHandler) {
+      m_delegate(m_services, m_defaultHandler), m_crashRecovery(m_controller, m_presenter) {
     m_presenter.setServices(m_services);
     connect(&m_presenter, &WindowPresenter::documentPresented, &m_delegate, &AppDelegate::closeWelcomeWindow,
             Qt::QueuedConnection);
     connectActions();
+    connectSessionManager();
     setFileDestinations();
 }
 
@@ -67,6 +75,7 @@ void QuilloApp::refuseFile(const QUrl& url) {
 void QuilloApp::launch(const QList<QUrl>& files) {
     m_delegate.openFiles(files);
     m_delegate.applicationDidFinishLaunching();
+    m_crashRecovery.offerLostDocuments();
 }
 
 void QuilloApp::openFromOtherStart(const QStringList& files, const QString& activationToken) {
@@ -82,14 +91,77 @@ void QuilloApp::reopenFromOtherStart(const QString& activationToken) {
     m_delegate.handleReopen();
 }
 
-bool QuilloApp::terminate() {
+void QuilloApp::terminate() {
+    if (m_isTerminating)
+        return;
+    m_isTerminating = true;
     m_delegate.setTerminating(true);
-    if (!m_controller.closeAllDocuments()) {
-        m_delegate.setTerminating(false);
-        return false;
+    m_controller.closeAllDocuments([this](bool succeeded) {
+        m_isTerminating = false;
+        if (succeeded)
+            QCoreApplication::quit();
+        else
+            m_delegate.setTerminating(false);
+    });
+}
+
+void QuilloApp::endSession() {
+    m_delegate.setTerminating(true);
+    // Not `quit`, which would let the windows ask.
+    QTimer::singleShot(sessionEndLimit, this, [] { QCoreApplication::exit(); });
+    m_controller.prepareForSessionEnd([](bool) { QCoreApplication::exit(); });
+}
+
+bool QuilloApp::commitSession(bool mayAsk) {
+    struct Outcome {
+        QEventLoop loop;
+        std::optional<bool> succeeded;
+    };
+    // Shared with a completion that may come after the time is over.
+    const auto outcome = std::make_shared<Outcome>();
+    const auto completion = [outcome](bool succeeded) {
+        outcome->succeeded = succeeded;
+        outcome->loop.quit();
+    };
+    if (mayAsk)
+        m_controller.saveAllDocuments(completion);
+    else
+        m_controller.prepareForSessionEnd(completion);
+    if (!outcome->succeeded) {
+        QTimer::singleShot(sessionEndLimit, &outcome->loop, &QEventLoop::quit);
+        outcome->loop.exec();
     }
-    QCoreApplication::quit();
-    return true;
+    m_sessionIsCommitted = !mayAsk || outcome->succeeded.value_or(true);
+    return m_sessionIsCommitted;
+}
+
+bool QuilloApp::hasUnsavedDocuments() const {
+    const auto& documents = m_controller.documents();
+    return std::any_of(documents.begin(), documents.end(),
+                       [](const auto& document) { return document->isDocumentEdited() || document->isBeingTyped(); });
+}
+
+void QuilloApp::connectSessionManager() {
+    const auto commit = [this](QSessionManager& manager) {
+        if (!hasUnsavedDocuments())
+            return;
+        const bool mayAsk = manager.allowsInteraction();
+        const bool mayEnd = commitSession(mayAsk);
+        if (mayAsk)
+            manager.release();
+        if (!mayEnd)
+            manager.cancel();
+    };
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, commit, Qt::DirectConnection);
+    qApp->installEventFilter(this);
+}
+
+bool QuilloApp::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Quit && watched == qApp && m_sessionIsCommitted) {
+        QCoreApplication::exit();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void QuilloApp::showOpenPanel() {

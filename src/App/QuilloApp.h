@@ -2,12 +2,14 @@
 
 #include "AppActions.h"
 #include "AppDelegate.h"
+#include "CrashRecovery.h"
 #include "DefaultPDFHandler.h"
 #include "DocumentController.h"
 #include "DocumentDialogs.h"
 #include "UserDefaults.h"
 #include "WindowPresenter.h"
 
+#include <chrono>
 #include <memory>
 
 class SettingsView;
@@ -30,18 +32,36 @@ public:
     void openFromOtherStart(const QStringList& files, const QString& activationToken);
     void reopenFromOtherStart(const QString& activationToken);
 
-    /// Closes all documents, asking what becomes of unsaved changes, and ends the event loop. False when the user
-    /// cancelled.
-    bool terminate();
+    /// Closes all documents, asking once what becomes of unsaved changes, and ends the event loop when all is saved.
+    /// Does nothing when the user cancels or a document can't be saved.
+    void terminate();
+
+    /// Ends the event loop without asking anything, as the system wants it: at most `sessionEndLimit` later. Documents
+    /// that are being saved get that long; whatever else is unsaved is up to the recovery of lost documents.
+    void endSession();
+
+    /// What the desktop wants of a program before the session ends: asks what becomes of unsaved changes when that is
+    /// allowed, and returns when they are saved, but waits for slow disks no longer than `sessionEndLimit`. False when
+    /// the user cancelled. Nothing is closed: the session may go on.
+    [[nodiscard]] bool commitSession(bool mayAsk);
+
+    static constexpr std::chrono::seconds sessionEndLimit{10};
 
     [[nodiscard]] DocumentController& controller() { return m_controller; }
     [[nodiscard]] AppDelegate& delegate() { return m_delegate; }
     [[nodiscard]] WindowPresenter& presenter() { return m_presenter; }
     [[nodiscard]] AppActions& actions() { return m_actions; }
     [[nodiscard]] UserDefaults& defaults() { return m_defaults; }
+    [[nodiscard]] CrashRecovery& crashRecovery() { return m_crashRecovery; }
+
+protected:
+    /// Sees the desktop end the program after `commitSession`: the windows need not ask again.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void connectActions();
+    void connectSessionManager();
+    [[nodiscard]] bool hasUnsavedDocuments() const;
     void setFileDestinations();
     /// For files that Quillo can't show, until it can.
     void refuseFile(const QUrl& url);
@@ -59,5 +79,8 @@ private:
     WindowServices m_services;
     DefaultPDFHandler m_defaultHandler;
     AppDelegate m_delegate;
+    CrashRecovery m_crashRecovery;
     std::unique_ptr<SettingsView> m_settings; ///< null while it isn't open
+    bool m_isTerminating = false;
+    bool m_sessionIsCommitted = false;
 };

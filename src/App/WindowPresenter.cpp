@@ -56,6 +56,35 @@ DocumentPresenter::SaveAnswer WindowPresenter::askToSave(const std::shared_ptr<D
     return m_dialogs.askToSave(m_window, document->displayName());
 }
 
+DocumentPresenter::SaveAllAnswer
+WindowPresenter::askToSaveAll(const std::vector<std::shared_ptr<Document>>& documents) {
+    std::vector<UnsavedDocumentsDialog::Entry> entries;
+    for (const std::shared_ptr<Document>& document : documents) {
+        const QString folder = QFileInfo(document->fileURL().toLocalFile()).path();
+        entries.push_back({document->displayName(), document->fileURL().isEmpty() ? QStringLiteral("not in a file yet")
+                                                                                  : QDir::toNativeSeparators(folder)});
+    }
+    const DocumentDialogs::SaveAllAnswer reply = m_dialogs.askToSaveAll(m_window, entries);
+    SaveAllAnswer all{reply.answer, {}};
+    for (std::size_t i = 0; i < documents.size(); ++i) {
+        if (reply.checked.at(i))
+            all.toSave.push_back(documents[i]);
+    }
+    return all;
+}
+
+DocumentPresenter::ChangedFileAnswer WindowPresenter::askAboutChangedFile(const std::shared_ptr<Document>& document) {
+    return m_dialogs.askAboutChangedFile(m_window, document->displayName());
+}
+
+bool WindowPresenter::askToRevert(const std::shared_ptr<Document>& document) {
+    return m_dialogs.askToRevert(m_window, document->displayName());
+}
+
+bool WindowPresenter::offerSaveAs(const std::shared_ptr<Document>&, const QString& title, const QString& sentence) {
+    return m_dialogs.offerSaveAs(windowForQuestions(), title, sentence);
+}
+
 std::optional<QString> WindowPresenter::chooseSaveLocation(const std::shared_ptr<Document>& document,
                                                            const QString& suggestedName) {
     const QString folder = document->fileURL().isEmpty()

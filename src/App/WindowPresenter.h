@@ -30,9 +30,13 @@ public:
     void show(const std::shared_ptr<Document>& document) override;
     void bringForward(const std::shared_ptr<Document>& document) override;
     SaveAnswer askToSave(const std::shared_ptr<Document>& document) override;
+    SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>& documents) override;
+    ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) override;
+    bool askToRevert(const std::shared_ptr<Document>& document) override;
     std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>& document,
                                               const QString& suggestedName) override;
     void presentError(const QString& title, const QString& sentence) override;
+    bool offerSaveAs(const std::shared_ptr<Document>& document, const QString& title, const QString& sentence) override;
     void didClose(const std::shared_ptr<Document>& document) override;
 
 Q_SIGNALS:

@@ -1,9 +1,13 @@
 #include "PDFEditorDocument.h"
 
+#include "DocumentSnapshot.h"
+#include "FileError.h"
 #include "PDFDocument.h"
+#include "PDFDocumentSnapshot.h"
 #include "PDFError.h"
 #include "QuilloAssert.h"
 
+#include <exception>
 #include <new>
 
 PDFEditorDocument::PDFEditorDocument(QObject* parent)
@@ -33,17 +37,45 @@ QString PDFEditorDocument::openNotice() const {
                : QString();
 }
 
+/// A file that can't be written is told with what the user can do about it.
+static DocumentError documentError(const PDFError& error) {
+    try {
+        std::rethrow_if_nested(error);
+    } catch (const FileError& cause) {
+        return DocumentError(cause);
+    } catch (const std::exception&) { // the sentence of the outer error says more
+    }
+    return DocumentError(error.sentence());
+}
+
 /// Runs `operation`, which may need much memory, and turns what it throws into the document machinery's error.
 template <typename Operation>
 static auto withDocumentErrors(Operation operation) {
     try {
         return operation();
     } catch (const PDFError& error) {
-        throw DocumentError(error.sentence());
+        throw documentError(error);
     } catch (const std::bad_alloc&) {
         throw DocumentError(u"There is not enough free memory for this document."_qs);
     }
 }
+
+namespace {
+
+class PDFEditorDocumentSnapshot : public DocumentSnapshot {
+public:
+    explicit PDFEditorDocumentSnapshot(std::shared_ptr<const PDFDocumentSnapshot> contents)
+        : m_contents(std::move(contents)) {}
+
+    void write(const QString& path) const override {
+        withDocumentErrors([this, &path] { m_contents->write(path); });
+    }
+
+private:
+    const std::shared_ptr<const PDFDocumentSnapshot> m_contents;
+};
+
+} // namespace
 
 void PDFEditorDocument::read(const QUrl& url) {
     if (!url.isLocalFile())
@@ -53,10 +85,20 @@ void PDFEditorDocument::read(const QUrl& url) {
     setPdfDocument(pdfDocument);
 }
 
-QByteArray PDFEditorDocument::dataRepresentation() const {
-    if (m_pdfDocument->isLocked())
+static void refuseLocked(const PDFDocument& pdfDocument) {
+    if (pdfDocument.isLocked())
         throw DocumentError(u"This PDF is locked. Unlock it with its password before saving it."_qs);
+}
+
+QByteArray PDFEditorDocument::dataRepresentation() const {
+    refuseLocked(*m_pdfDocument);
     return withDocumentErrors([this] { return m_pdfDocument->dataRepresentation(); });
+}
+
+std::shared_ptr<const DocumentSnapshot> PDFEditorDocument::snapshot() const {
+    refuseLocked(*m_pdfDocument);
+    return withDocumentErrors(
+        [this] { return std::make_shared<PDFEditorDocumentSnapshot>(PDFDocumentSnapshot::of(*m_pdfDocument)); });
 }
 
 QString PDFEditorDocument::fileNameExtension() const {

@@ -31,6 +31,8 @@ public:
     void read(const QUrl& url) override;
     /// The whole state, annotations and page changes included. A locked document can't be saved.
     [[nodiscard]] QByteArray dataRepresentation() const override;
+    /// Takes a copy of what has changed, not of the file. A locked document can't be saved.
+    [[nodiscard]] std::shared_ptr<const DocumentSnapshot> snapshot() const override;
     /// "pdf".
     [[nodiscard]] QString fileNameExtension() const override;
 

@@ -37,10 +37,18 @@ AnnotatingPDFView* PDFKitRepresentedView::makeView(QWidget* parent) const {
     coordinator->observePageChanges();
     Q_EMIT coordinator->objectWillChange();
 
-    if (page) {
+    const std::optional<double> scale = fileURL.isEmpty() ? std::nullopt : coordinator->rememberedScale(fileURL);
+    if (page || scale) {
         // Later, since the viewer has no layout yet.
         QMetaObject::invokeMethod(
-            view, [view, page] { view->goToPage(page); }, Qt::QueuedConnection);
+            view,
+            [view, page, scale] {
+                if (scale)
+                    view->setScaleFactor(*scale);
+                if (page)
+                    view->goToPage(page);
+            },
+            Qt::QueuedConnection);
     }
     return view;
 }

@@ -4,12 +4,23 @@
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "RecentPageStore.h"
+#include "RecentScaleStore.h"
+
+#include <chrono>
 
 PDFViewCoordinator::PDFViewCoordinator(UserDefaults& defaults, QObject* parent)
-    : QObject(parent), m_defaults(defaults) {}
+    : QObject(parent), m_defaults(defaults) {
+    using namespace std::chrono_literals;
+    m_scaleRest.setSingleShot(true);
+    m_scaleRest.setInterval(300ms);
+    connect(&m_scaleRest, &QTimer::timeout, this, &PDFViewCoordinator::rememberScale);
+}
 
 PDFViewCoordinator::~PDFViewCoordinator() {
     disconnect(m_pageChangeObserver);
+    disconnect(m_scaleObserver);
+    if (m_scaleRest.isActive())
+        rememberScale();
 }
 
 AnnotatingPDFView* PDFViewCoordinator::pdfView() const {
@@ -24,6 +35,21 @@ std::optional<int> PDFViewCoordinator::rememberedPageIndex(const QUrl& fileURL) 
     return RecentPageStore::pageIndex(m_defaults, fileURL);
 }
 
+std::optional<double> PDFViewCoordinator::rememberedScale(const QUrl& fileURL) const {
+    return RecentScaleStore::scale(m_defaults, fileURL);
+}
+
+void PDFViewCoordinator::noteScale() {
+    m_scale = m_pdfView->autoScales() ? std::nullopt : std::optional(m_pdfView->scaleFactor());
+    m_scaleRest.start();
+}
+
+void PDFViewCoordinator::rememberScale() {
+    m_scaleRest.stop();
+    if (!m_fileURL.isEmpty())
+        RecentScaleStore::setScale(m_defaults, m_scale, m_fileURL);
+}
+
 bool PDFViewCoordinator::applyMarkup(MarkupAction action) {
     return m_pdfView && m_pdfView->applyMarkup(info(action).subtype);
 }
@@ -34,6 +60,8 @@ void PDFViewCoordinator::observePageChanges() {
     if (m_pdfView) {
         m_pageChangeObserver =
             connect(m_pdfView, &PDFView::pageChanged, this, &PDFViewCoordinator::updatePageIndicator);
+        disconnect(m_scaleObserver);
+        m_scaleObserver = connect(m_pdfView, &PDFView::scaleChanged, this, &PDFViewCoordinator::noteScale);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QTimer>
 #include <QUrl>
 
 #include <optional>
@@ -39,6 +40,9 @@ public:
     /// The page that was last shown of that file, or none. It may lie beyond the document's present end.
     [[nodiscard]] std::optional<int> rememberedPageIndex(const QUrl& fileURL) const;
 
+    /// The scale at which that file was last read; none when its pages followed the width of the view.
+    [[nodiscard]] std::optional<double> rememberedScale(const QUrl& fileURL) const;
+
     /// Marks the selected text. False when there is no selection or no viewer.
     bool applyMarkup(MarkupAction action);
 
@@ -54,6 +58,8 @@ Q_SIGNALS:
     void objectWillChange();
 
 private:
+    void noteScale();
+    void rememberScale();
     void publish(const QString& pageIndicator, std::optional<int> pageIndex);
 
     UserDefaults& m_defaults;
@@ -62,4 +68,7 @@ private:
     QUrl m_fileURL;
     QPointer<AnnotatingPDFView> m_pdfView;
     QMetaObject::Connection m_pageChangeObserver;
+    QMetaObject::Connection m_scaleObserver;
+    std::optional<double> m_scale; ///< none while the pages follow the width of the view
+    QTimer m_scaleRest; ///< runs out when the scale has rested for a moment: zooming by hand changes it at each frame
 };

@@ -1,17 +1,49 @@
 #include "ContentView.h"
 
+#include "AnnotatingPDFView.h"
 #include "DocumentController.h"
 #include "LandingView.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFEditorWorkspaceView.h"
 #include "PDFError.h"
+#include "PDFPage.h"
 #include "PDFUnlocker.h"
 #include "ToolState.h"
 #include "UndoManager.h"
 #include "UnlockDocumentView.h"
 
 #include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+/// Where the reader is, in terms that hold for another reading of the same file.
+struct ReaderPlace {
+    int pageIndex;
+    QPointF upperLeft; ///< of the view, on that page
+    double scale;
+    bool autoScales;
+
+    static std::optional<ReaderPlace> of(const PDFView& view) {
+        const std::shared_ptr<PDFPage> page = view.pageAt({0, 0}, true);
+        if (!page)
+            return std::nullopt;
+        return ReaderPlace{view.document()->index(page.get()), view.convertToPage(QPointF(0, 0), *page),
+                           view.scaleFactor(), view.autoScales()};
+    }
+
+    void restore(PDFView& view) const {
+        const PDFDocument& document = *view.document();
+        if (!autoScales)
+            view.setScaleFactor(scale);
+        if (const std::shared_ptr<PDFPage> page = document.page(std::min(pageIndex, document.pageCount() - 1)))
+            view.goToDestination(PDFDestination(page, upperLeft));
+    }
+};
+
+} // namespace
 
 ContentView::ContentView(std::shared_ptr<PDFEditorDocument> document, DocumentController& controller,
                          UserDefaults& defaults, AskPassword askPassword, QWidget* parent)
@@ -42,10 +74,17 @@ void ContentView::decideContent() {
         if (m_content != Content::landing)
             show(Content::landing, new LandingView(m_controller, [this](const QUrl& url) { openInPlace(url); }));
     } else if (m_content != Content::workspace || m_workspaceDocument.lock() != pdfDocument) {
+        const auto place = m_workspace ? ReaderPlace::of(*m_workspace->pdfView()) : std::nullopt;
         auto* workspace = new PDFEditorWorkspaceView(m_document, m_document->fileURL(), m_toolState, m_defaults);
         connect(workspace, &PDFEditorWorkspaceView::settingsRequested, this, &ContentView::settingsRequested);
         m_workspaceDocument = pdfDocument;
         show(Content::workspace, workspace);
+        if (place) {
+            // Later, since the viewer has no layout yet.
+            PDFView* const view = workspace->pdfView();
+            QMetaObject::invokeMethod(
+                view, [view, place] { place->restore(*view); }, Qt::QueuedConnection);
+        }
     }
 }
 
@@ -75,6 +114,7 @@ void ContentView::openInPlace(const QUrl& url) {
         return;
     }
     std::shared_ptr<PDFDocument> pdfDocument;
+    const std::optional<FileStamp> stamp = FileStamp::of(url.toLocalFile());
     try {
         pdfDocument = PDFDocument::fromFile(url.toLocalFile());
     } catch (const PDFError&) {
@@ -84,6 +124,7 @@ void ContentView::openInPlace(const QUrl& url) {
     if (!PDFUnlocker::promptAndUnlock(*pdfDocument, [this] { return m_askPassword(window()); }))
         return;
     m_document->setFileURL(url);
+    m_document->setFileStamp(stamp);
     m_document->setWasPasswordProtected(wasLocked);
     m_document->setPdfDocument(pdfDocument);
     // Whatever could be undone belongs to what was here before.

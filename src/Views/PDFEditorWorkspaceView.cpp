@@ -13,6 +13,7 @@
 #include "PDFViewCoordinator.h"
 #include "Palette.h"
 #include "PassingNotice.h"
+#include "PrintPanel.h"
 #include "SignaturePickerView.h"
 #include "ToolActions.h"
 #include "ToolState.h"
@@ -23,6 +24,7 @@
 
 #include <QAction>
 #include <QEvent>
+#include <QMessageBox>
 #include <QVBoxLayout>
 
 // A sentence about the file takes longer to read than the name of a tool.
@@ -73,6 +75,8 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     connectAssistant();
     setFocusProxy(m_pdfView);
 
+    connect(m_actions->action(WorkspaceActions::Command::print), &QAction::triggered, this,
+            &PDFEditorWorkspaceView::print);
     connect(m_toolbar, &WorkspaceToolbar::openRequested, this, &PDFEditorWorkspaceView::openNewDocument);
     connect(m_toolbar, &WorkspaceToolbar::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
     connect(m_pdfView, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
@@ -89,6 +93,14 @@ PDFEditorWorkspaceView::~PDFEditorWorkspaceView() {
 void PDFEditorWorkspaceView::setFileURL(const QUrl& fileURL) {
     m_coordinator->setFileURL(fileURL);
     m_coordinator->updatePageIndicator();
+}
+
+void PDFEditorWorkspaceView::setShowsToolbar(bool shows) {
+    m_toolbar->setVisible(shows);
+}
+
+int PDFEditorWorkspaceView::toolbarHeight() const {
+    return m_toolbar->height();
 }
 
 void PDFEditorWorkspaceView::connectTools() {
@@ -177,6 +189,19 @@ void PDFEditorWorkspaceView::askAI(const QString& prompt, bool send) {
 
 void PDFEditorWorkspaceView::openNewDocument() {
     OpenPanel::show(this, [](const QUrl& url) { FileOpenRouter::open(url); });
+}
+
+void PDFEditorWorkspaceView::print() {
+    m_document->commitEditing();
+    const auto failed = [this](const QString& title, const QString& sentence) {
+        auto* box = new QMessageBox(QMessageBox::Warning, u"Print"_qs, title, QMessageBox::Ok, window());
+        box->setObjectName(u"printFailure"_qs);
+        box->setInformativeText(sentence);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
+    };
+    PrintPanel::show(m_document->pdfDocument(), m_document->displayName(), m_pdfView->currentPageIndex().value_or(0),
+                     this, {[this](const QString& sentence) { m_notice->announce(sentence); }, failed});
 }
 
 void PDFEditorWorkspaceView::resizeEvent(QResizeEvent* event) {

@@ -37,6 +37,11 @@ public:
     [[nodiscard]] WorkspaceActions* actions() const { return m_actions; }
     [[nodiscard]] PassingNotice& notice() const { return *m_notice; }
 
+    /// Shown unless the pages are to have the whole window.
+    void setShowsToolbar(bool shows);
+    /// The toolbar's height in pixels, whether it is shown or not.
+    [[nodiscard]] int toolbarHeight() const;
+
     /// The document was saved under another name.
     void setFileURL(const QUrl& fileURL);
 
@@ -67,6 +72,7 @@ private:
     void connectAssistant();
     AssistantPanel* makeAssistantPanel();
     void openNewDocument();
+    void print();
 
     std::shared_ptr<PDFEditorDocument> m_document;
     std::shared_ptr<ToolState> m_toolState;

@@ -23,8 +23,8 @@ struct Row {
 };
 
 /// Every command once, in the order of the enumeration.
-const std::array<Row, 12>& rows() {
-    static const std::array<Row, 12> table = {{
+const std::array<Row, 13>& rows() {
+    static const std::array<Row, 13> table = {{
         {Command::copy, u"copy"_qs, u"&Copy"_qs, {Qt::CTRL | Qt::Key_C}, {}, PDFViewCommand::copy},
         {Command::selectAll, u"selectAll"_qs, u"Select &All"_qs, {Qt::CTRL | Qt::Key_A}, {}, PDFViewCommand::selectAll},
         {Command::zoomIn,
@@ -67,6 +67,7 @@ const std::array<Row, 12>& rows() {
          PDFViewCommand::goToLastPage},
         {Command::back, u"back"_qs, u"&Back"_qs, {Qt::ALT | Qt::Key_Left}, {}, PDFViewCommand::goBack},
         {Command::forward, u"forward"_qs, u"&Forward"_qs, {Qt::ALT | Qt::Key_Right}, {}, PDFViewCommand::goForward},
+        {Command::print, u"print"_qs, u"&Print…"_qs, {Qt::CTRL | Qt::Key_P}, {}, {}},
         {Command::askAssistant, u"askAssistant"_qs, u"&Ask"_qs, {Qt::CTRL | Qt::Key_K}, u"sparkles"_qs, {}},
     }};
     return table;

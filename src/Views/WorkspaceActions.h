@@ -29,6 +29,7 @@ public:
         lastPage,
         back,
         forward,
+        print,        ///< the workspace connects it
         askAssistant, ///< shows the assistant, or hides it; the workspace connects it
     };
 
@@ -49,5 +50,5 @@ private:
 
     QPointer<AnnotatingPDFView> m_view;
     ToolActions* m_tools;
-    std::array<QPointer<QAction>, 12> m_actions;
+    std::array<QPointer<QAction>, 13> m_actions;
 };

@@ -6,10 +6,12 @@
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
 #include "QuilloApp.h"
+#include "RecoveryStore.h"
 #include "TestPdf.h"
 #include "UndoManager.h"
 #include "WelcomeWindowController.h"
 
+#include <QDir>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTemporaryDir>
@@ -37,6 +39,29 @@ public:
         return answer;
     }
 
+    SaveAllAnswer askToSaveAll(QWidget*, const std::vector<UnsavedDocumentsDialog::Entry>& documents) override {
+        QStringList names;
+        SaveAllAnswer reply{SaveAnswer::Cancel, {}};
+        for (const auto& entry : documents) {
+            names.append(entry.name);
+            reply.checked.push_back(!unchecked.contains(entry.name));
+        }
+        reply.answer = askToSave(nullptr, names.join(u','));
+        return reply;
+    }
+
+    DocumentPresenter::ChangedFileAnswer askAboutChangedFile(QWidget*, const QString& documentName) override {
+        askedAboutChange.append(documentName);
+        return changedFileAnswer;
+    }
+
+    bool askToRevert(QWidget*, const QString&) override { return reverts; }
+
+    bool offerSaveAs(QWidget*, const QString& title, const QString& sentence) override {
+        errors.append(title + u" "_qs + sentence);
+        return false;
+    }
+
     std::optional<QString> chooseSaveLocation(QWidget*, const QString& suggestedPath) override {
         suggestedPaths.append(suggestedPath);
         return saveLocation;
@@ -50,6 +75,10 @@ public:
     }
 
     std::deque<SaveAnswer> saveAnswers;
+    QStringList unchecked; ///< names in the question about several documents
+    DocumentPresenter::ChangedFileAnswer changedFileAnswer = DocumentPresenter::ChangedFileAnswer::Cancel;
+    QStringList askedAboutChange;
+    bool reverts = false;
     std::optional<QString> saveLocation;
     QStringList askedToSave;
     QStringList suggestedPaths;
@@ -68,6 +97,8 @@ protected:
     void TearDown() override {
         m_app.reset();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        // What was open and unsaved would be offered to the next test.
+        QDir(RecoveryStore::standardFolder()).removeRecursively();
     }
 
     void launch(const QList<QUrl>& files = {}) {
@@ -75,12 +106,22 @@ protected:
         settle();
     }
 
-    /// Lets everything happen that waits for the next turns of the event loop.
-    static void settle() {
+    /// Lets everything happen that waits for the next turns of the event loop, and for what is being saved.
+    void settle() {
         for (int turn = 0; turn < 5; ++turn) {
             QCoreApplication::processEvents();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            if (isSaving()) {
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+                turn = 0;
+            }
         }
+    }
+
+    bool isSaving() {
+        const auto& documents = m_app->controller().documents();
+        return std::any_of(documents.begin(), documents.end(),
+                           [this](const auto& each) { return m_app->controller().isSaving(*each); });
     }
 
     QUrl file(const QString& name, const TestPdf& pdf = {}) { return pdf.write(m_folder.path(), name); }
@@ -95,7 +136,7 @@ protected:
     }
 
     /// An edit that can be undone.
-    static void edit(PDFEditorDocument& document) {
+    void edit(PDFEditorDocument& document) {
         const auto pdf = document.pdfDocument();
         const auto page = pdf->removePage(0);
         document.undoManager()->registerUndo(&document, [&document, pdf, page] {

@@ -4,7 +4,9 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -57,6 +59,84 @@ TEST(DocumentDialogs, theSaveQuestionHasThreeAnswers) {
             each.reply(dialog);
         });
         EXPECT_EQ(dialogs.askToSave(nullptr, u"<i>a</i>.pdf"_qs), each.answer);
+    }
+}
+
+TEST(DocumentDialogs, theQuestionAboutSeveralDocumentsSavesWhatIsChecked) {
+    DocumentDialogs dialogs;
+    const std::vector<UnsavedDocumentsDialog::Entry> documents = {
+        {u"a.pdf"_qs, u"/one"_qs}, {u"a.pdf"_qs, u"/two"_qs}, {u"Untitled"_qs, u"not in a file yet"_qs}};
+    const auto toggle = [](QDialog& dialog, int row) {
+        auto* list = dialog.findChild<QListWidget*>(u"unsavedList"_qs);
+        list->setCurrentRow(row);
+        QTest::keyClick(list, Qt::Key_Space);
+    };
+    const auto save = [](QDialog& dialog) { return dialog.findChild<QPushButton*>(u"saveChecked"_qs); };
+    const struct {
+        std::function<void(QDialog&)> reply;
+        SaveAnswer answer;
+        std::vector<bool> checked;
+    } cases[] = {
+        {[](QDialog& dialog) { press(dialog, u"Save"_qs); }, SaveAnswer::Save, {true, true, true}},
+        {[](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }, SaveAnswer::Save, {true, true, true}},
+        {[&](QDialog& dialog) {
+             toggle(dialog, 1);
+             press(dialog, u"Save Selected"_qs);
+         },
+         SaveAnswer::Save,
+         {true, false, true}},
+        {[&](QDialog& dialog) {
+             for (const int row : {0, 1, 2})
+                 toggle(dialog, row);
+             EXPECT_FALSE(save(dialog)->isEnabled());
+             toggle(dialog, 2);
+             EXPECT_TRUE(save(dialog)->isEnabled());
+             press(dialog, u"Discard All"_qs);
+         },
+         SaveAnswer::DontSave,
+         {false, false, true}},
+        {[](QDialog& dialog) { press(dialog, u"Cancel"_qs); }, SaveAnswer::Cancel, {true, true, true}},
+        {[](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }, SaveAnswer::Cancel, {true, true, true}},
+    };
+    for (const auto& each : cases) {
+        whenAsked([&each](QDialog& dialog) {
+            const auto* list = dialog.findChild<QListWidget*>(u"unsavedList"_qs);
+            ASSERT_EQ(list->count(), 3);
+            EXPECT_NE(list->item(0)->text(), list->item(1)->text());
+            each.reply(dialog);
+        });
+        const DocumentDialogs::SaveAllAnswer reply = dialogs.askToSaveAll(nullptr, documents);
+        EXPECT_EQ(reply.answer, each.answer);
+        EXPECT_EQ(reply.checked, each.checked);
+    }
+}
+
+TEST(DocumentDialogs, questionsAboutAFileTakeTheAnswerThatLosesNothingAsUsual) {
+    using ChangedFileAnswer = DocumentPresenter::ChangedFileAnswer;
+    DocumentDialogs dialogs;
+    const auto reply = [](const QString& button) {
+        return [button](QDialog& dialog) {
+            if (button.isEmpty())
+                QTest::keyClick(&dialog, Qt::Key_Return);
+            else
+                press(dialog, button);
+        };
+    };
+    for (const auto& [button, answer] :
+         {std::pair{u"Overwrite"_qs, ChangedFileAnswer::Overwrite},
+          std::pair{u"Save As…"_qs, ChangedFileAnswer::SaveAs}, std::pair{u"Cancel"_qs, ChangedFileAnswer::Cancel},
+          std::pair{QString(), ChangedFileAnswer::SaveAs}}) {
+        whenAsked(reply(button));
+        EXPECT_EQ(dialogs.askAboutChangedFile(nullptr, u"a.pdf"_qs), answer) << button.toStdString();
+    }
+    for (const auto& [button, answer] :
+         {std::pair{u"Revert"_qs, true}, std::pair{u"Cancel"_qs, false}, std::pair{QString(), false}}) {
+        whenAsked(reply(button));
+        EXPECT_EQ(dialogs.askToRevert(nullptr, u"a.pdf"_qs), answer) << button.toStdString();
+    }
+    for (const auto& [button, answer] : {std::pair{u"Save As…"_qs, true}, std::pair{u"OK"_qs, false}}) {
+        whenAsked(reply(button));
+        EXPECT_EQ(dialogs.offerSaveAs(nullptr, u"It couldn't be saved."_qs, u"The disk is full."_qs), answer);
     }
 }
 

@@ -71,15 +71,18 @@ TEST_F(DocumentWindowTest, commandsAreEnabledOnlyWhileTheyCanDoSomething) {
         for (const QString& name : names)
             EXPECT_EQ(command(name)->isEnabled(), enabled) << name.toStdString();
     };
-    expectEnabled({u"close"_qs, u"saveAs"_qs, u"selectAll"_qs, u"nextPage"_qs, u"lastPage"_qs, u"zoomToFit"_qs}, true);
-    expectEnabled({u"save"_qs, u"undo"_qs, u"redo"_qs, u"copy"_qs, u"previousPage"_qs, u"back"_qs, u"forward"_qs},
-                  false);
+    expectEnabled(
+        {u"close"_qs, u"saveAs"_qs, u"duplicate"_qs, u"selectAll"_qs, u"nextPage"_qs, u"lastPage"_qs, u"zoomToFit"_qs},
+        true);
+    expectEnabled(
+        {u"save"_qs, u"revert"_qs, u"undo"_qs, u"redo"_qs, u"copy"_qs, u"previousPage"_qs, u"back"_qs, u"forward"_qs},
+        false);
 
     edit(*document(0));
-    expectEnabled({u"save"_qs, u"undo"_qs}, true);
+    expectEnabled({u"save"_qs, u"revert"_qs, u"undo"_qs}, true);
     command(u"undo"_qs)->trigger();
     settle();
-    expectEnabled({u"save"_qs, u"undo"_qs}, false);
+    expectEnabled({u"save"_qs, u"revert"_qs, u"undo"_qs}, false);
 
     command(u"firstPage"_qs)->trigger();
     expectEnabled({u"previousPage"_qs}, false);
@@ -220,19 +223,22 @@ TEST_F(DocumentWindowTest, saveAsAsksForAPlaceAndTakesItsName) {
     EXPECT_EQ(PDFDocument::fromFile(*m_dialogs->saveLocation)->pageCount(), 3);
 }
 
-TEST_F(DocumentWindowTest, closingTheWindowAsksForEachEditedDocumentAndStopsAtCancel) {
+TEST_F(DocumentWindowTest, closingTheWindowAsksOnceForAllEditedDocuments) {
     launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs), file(u"c.pdf"_qs)});
     edit(*document(1));
     edit(*document(2));
-    m_dialogs->saveAnswers = {SaveAnswer::DontSave, SaveAnswer::Cancel};
+    m_dialogs->saveAnswers = {SaveAnswer::Cancel};
     EXPECT_FALSE(window()->close());
     settle();
-    EXPECT_EQ(tabNames(), QStringList{u"c.pdf"_qs});
-    EXPECT_EQ(m_dialogs->askedToSave, (QStringList{u"b.pdf"_qs, u"c.pdf"_qs}));
+    EXPECT_EQ(tabNames(), (QStringList{u"a.pdf"_qs, u"b.pdf"_qs, u"c.pdf"_qs}));
+    EXPECT_EQ(m_dialogs->askedToSave, QStringList{u"b.pdf,c.pdf"_qs});
 
-    m_dialogs->saveAnswers = {SaveAnswer::DontSave};
-    EXPECT_TRUE(window()->close());
+    m_dialogs->saveAnswers = {SaveAnswer::Save};
+    m_dialogs->unchecked = QStringList{u"c.pdf"_qs};
+    window()->close();
     settle();
+    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(u"b.pdf"_qs))->pageCount(), 2);
+    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(u"c.pdf"_qs))->pageCount(), 3);
     EXPECT_EQ(window(), nullptr);
     EXPECT_TRUE(m_app->controller().documents().empty());
     EXPECT_TRUE(landingIsVisible());

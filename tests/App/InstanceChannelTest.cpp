@@ -1,11 +1,14 @@
 #include "InstanceChannel.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QFileInfo>
+#include <QLocalServer>
 #include <QLocalSocket>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -88,6 +91,39 @@ TEST_F(InstanceChannelTest, theSocketGoesWithTheFirst) {
 TEST_F(InstanceChannelTest, withoutAFolderItIsAlone) {
     InstanceChannel channel(m_folder.filePath(QStringLiteral("missing/quillo.socket")));
     EXPECT_EQ(channel.start({}), InstanceChannel::Role::alone);
+}
+
+TEST_F(InstanceChannelTest, aStartWhileTheFirstIsEndingTakesItsPlace) {
+    // A process that is about to end: it takes the connection but answers no more.
+    QLocalServer ending;
+    ASSERT_TRUE(ending.listen(m_path));
+    QObject::connect(&ending, &QLocalServer::newConnection, &ending, [&ending] {
+        ending.nextPendingConnection()->abort();
+        ending.close();
+    });
+    EXPECT_EQ(startAnother(m_path, {u"file:///a.pdf"_qs}), InstanceChannel::Role::first);
+}
+
+TEST_F(InstanceChannelTest, oneThatRefusesEveryMessageKeepsItsPlace) {
+    QLocalServer refusing;
+    ASSERT_TRUE(refusing.listen(m_path));
+    QObject::connect(&refusing, &QLocalServer::newConnection, &refusing,
+                     [&refusing] { refusing.nextPendingConnection()->abort(); });
+    EXPECT_EQ(startAnother(m_path, {u"file:///a.pdf"_qs}), InstanceChannel::Role::alone);
+    EXPECT_TRUE(QFileInfo::exists(m_path));
+}
+
+TEST_F(InstanceChannelTest, aStartIsTakenInTheMidstOfAQuestion) {
+    InstanceChannel first(m_path);
+    ASSERT_EQ(first.start({}), InstanceChannel::Role::first);
+    QSignalSpy files(&first, &InstanceChannel::filesReceived);
+    QEventLoop question; // as a modal dialog runs one
+    QTimer::singleShot(0, &question, [&] {
+        EXPECT_EQ(startAnother(m_path, {u"file:///a.pdf"_qs}), InstanceChannel::Role::handedOver);
+        question.quit();
+    });
+    question.exec();
+    EXPECT_EQ(files.count(), 1);
 }
 
 TEST_F(InstanceChannelTest, garbageIsRefusedAndTheChannelGoesOn) {

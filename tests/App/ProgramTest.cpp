@@ -5,10 +5,13 @@
 #include <QFileInfo>
 #include <QLocalSocket>
 #include <QProcess>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
+#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -85,6 +88,29 @@ TEST_F(ProgramTest, aSecondStartHandsItsFilesToTheFirstWhichEndsWhenAsked) {
     EXPECT_EQ(program.state(), QProcess::Running);
     expectCleanEnd(program, SIGTERM);
     EXPECT_EQ(recentPaths().mid(0, 2).join(u'\n').toStdString(), (second + u'\n' + first).toStdString());
+}
+
+TEST_F(ProgramTest, startsAtTheSameMomentBecomeOneProgramWithAllFiles) {
+    QStringList files;
+    for (const char* name : {"a.pdf", "b.pdf", "c.pdf", "d.pdf"})
+        files.append(TestPdf().write(m_folder.path(), QString::fromLatin1(name)).toLocalFile());
+    QProcess processes[3];
+    start(processes[0], {files[0], files[1]});
+    start(processes[1], {files[2]});
+    start(processes[2], {files[3]});
+    const auto running = [&processes] {
+        return std::count_if(std::begin(processes), std::end(processes),
+                             [](const QProcess& each) { return each.state() == QProcess::Running; });
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&running] { return running() == 1; }, startTimeLimitInMilliseconds));
+    for (QProcess& process : processes) {
+        if (process.state() == QProcess::Running)
+            expectCleanEnd(process, SIGTERM);
+        EXPECT_EQ(process.exitCode(), 0);
+    }
+    const QStringList recent = recentPaths().mid(0, 4);
+    EXPECT_EQ(QSet<QString>(recent.begin(), recent.end()), QSet<QString>(files.begin(), files.end()));
+    EXPECT_EQ(recent.indexOf(files[0]), recent.indexOf(files[1]) + 1) << "newest first: those of a start in its order";
 }
 
 TEST_F(ProgramTest, aCrashDoesNotKeepTheNextStartAway) {

@@ -1,15 +1,19 @@
 #include "PDFEditorDocument.h"
 
+#include "DocumentSnapshot.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PdfFixtures.h"
 #include "PdfPrograms.h"
+#include "RestrictedRuns.h"
 #include "UndoManager.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -142,6 +146,54 @@ TEST_F(PDFEditorDocumentTest, aSavedFileHoldsTheAnnotationsAndPageChanges) {
     ASSERT_EQ(again.pdfDocument()->pageCount(), 2);
     ASSERT_EQ(again.pdfDocument()->page(1)->annotations().size(), 1U);
     EXPECT_EQ(again.pdfDocument()->page(1)->annotations()[0]->contents(), u"Remember"_qs);
+}
+
+TEST_F(PDFEditorDocumentTest, aSnapshotIsWrittenByAnotherThreadAsTheDocumentWas) {
+    PdfFixture fixture;
+    fill(fixture);
+    PDFEditorDocument document;
+    document.read(store(u"a.pdf"_qs, fixture.bytes()));
+    const auto pdf = document.pdfDocument();
+    const auto note = std::make_shared<PDFAnnotation>(QRectF(100, 700, 80, 14), PDFAnnotationSubtype::highlight);
+    note->setContents(u"Before"_qs);
+    pdf->page(0)->addAnnotation(note);
+    const auto snapshot = document.snapshot();
+    note->setContents(u"After"_qs);
+    pdf->removePage(1);
+
+    const QString path = m_folder.filePath(u"b.pdf"_qs);
+    std::thread([&snapshot, &path] { snapshot->write(path); }).join();
+    const auto saved = PDFDocument::fromFile(path);
+    EXPECT_EQ(saved->pageCount(), 3);
+    ASSERT_EQ(saved->page(0)->annotations().size(), 1U);
+    EXPECT_EQ(saved->page(0)->annotations()[0]->contents(), u"Before"_qs);
+    EXPECT_EQ(PdfPrograms::complaints(load(QUrl::fromLocalFile(path))), "");
+}
+
+TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
+    PdfFixture fixture;
+    fill(fixture);
+    PDFEditorDocument document;
+    document.read(store(u"a.pdf"_qs, fixture.bytes()));
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(u"closed"_qs));
+    const QUrl old = store(u"closed/old.pdf"_qs, "old");
+    ASSERT_TRUE(QFile::setPermissions(m_folder.filePath(u"closed"_qs), QFile::ReadOwner | QFile::ExeOwner));
+    QStringList told;
+    RestrictedRuns::withoutPrivileges([&] {
+        for (const QString& path : {old.toLocalFile(), m_folder.filePath(u"gone/a.pdf"_qs), m_folder.path()}) {
+            try {
+                document.snapshot()->write(path);
+            } catch (const DocumentError& error) {
+                told << error.sentence() + (error.isHelpedBySaveAs() ? u" [Save As]"_qs : QString());
+            }
+        }
+    });
+    QFile::setPermissions(m_folder.filePath(u"closed"_qs), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    EXPECT_EQ(told.join(u'\n').toStdString(),
+              "You don't have permission to write to the folder “closed”. Choose Save As to store it in another place. "
+              "[Save As]\nThe folder “gone” doesn't exist. Choose Save As to store it in another place. [Save As]\n"
+              "There is a folder of this name. Choose Save As to give it another name. [Save As]");
+    EXPECT_EQ(load(old), "old");
 }
 
 TEST_F(PDFEditorDocumentTest, aRepairedFileOpensWithANotice) {

@@ -72,6 +72,28 @@ TEST_F(PDFKitRepresentedViewTest, opensTheFileAtTheRememberedPageIfItStillExists
     }
 }
 
+TEST_F(PDFKitRepresentedViewTest, opensTheFileAtTheScaleThatTheReaderChose) {
+    const auto closedAt = [this](double scale) {
+        const std::unique_ptr<AnnotatingPDFView> view(makeView());
+        QCoreApplication::processEvents();
+        const double opened = view->autoScales() ? 0 : view->scaleFactor();
+        if (scale > 0)
+            view->setScaleFactor(scale);
+        else
+            view->zoomToFit();
+        m_window.resize(m_window.width() + 10, m_window.height()); // changes a scale that follows the width
+        EXPECT_TRUE(QTest::qWaitFor(
+            [this, scale] { return m_coordinator.rememberedScale(m_url).value_or(0) == std::max(scale, 0.0); }));
+        return opened;
+    };
+    EXPECT_EQ(closedAt(1.75), 0) << "fits the width when it was never read";
+    EXPECT_EQ(closedAt(0.5), 1.75);
+    EXPECT_EQ(closedAt(0), 0.5);
+    EXPECT_EQ(closedAt(0), 0) << "fits the width again";
+    m_defaults.setDictionary(u"RecentScaleStore.scaleByPath"_qs, {{m_url.path(), u"wide"_qs}});
+    EXPECT_EQ(closedAt(2), 0);
+}
+
 TEST_F(PDFKitRepresentedViewTest, aDocumentWithoutAFileTouchesNoRememberedPage) {
     RecentPageStore::setPageIndex(m_defaults, 3, QUrl());
     m_represented.fileURL = QUrl();

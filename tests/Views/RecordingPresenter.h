@@ -12,6 +12,15 @@ public:
     void show(const std::shared_ptr<Document>& document) override { shown.push_back(document); }
     void bringForward(const std::shared_ptr<Document>& document) override { broughtForward.push_back(document); }
     SaveAnswer askToSave(const std::shared_ptr<Document>&) override { return SaveAnswer::Cancel; }
+    SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>&) override { return {}; }
+    ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>&) override {
+        return ChangedFileAnswer::Cancel;
+    }
+    bool askToRevert(const std::shared_ptr<Document>&) override { return false; }
+    bool offerSaveAs(const std::shared_ptr<Document>&, const QString& title, const QString& sentence) override {
+        presentError(title, sentence);
+        return false;
+    }
     std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>&, const QString&) override {
         return std::nullopt;
     }

@@ -1,6 +1,7 @@
 #include "Document.h"
 
 #include "AtomicFile.h"
+#include "DocumentSnapshot.h"
 #include "FileError.h"
 #include "UndoManager.h"
 
@@ -12,6 +13,26 @@ static std::set<int>& untitledNumbers() {
     static std::set<int> numbers;
     return numbers;
 }
+
+namespace {
+
+class BytesSnapshot : public DocumentSnapshot {
+public:
+    explicit BytesSnapshot(QByteArray bytes) : m_bytes(std::move(bytes)) {}
+
+    void write(const QString& path) const override {
+        try {
+            writeFileAtomically(path, m_bytes);
+        } catch (const FileError& error) {
+            throw DocumentError(error);
+        }
+    }
+
+private:
+    const QByteArray m_bytes;
+};
+
+} // namespace
 
 static int takeUntitledNumber() {
     int number = 1;
@@ -33,6 +54,7 @@ void Document::setFileURL(const QUrl& fileURL) {
         return;
     const QString oldName = displayName();
     m_fileURL = fileURL;
+    m_fileStamp.reset();
     if (!m_fileURL.isEmpty()) {
         untitledNumbers().erase(m_untitledNumber);
         m_untitledNumber = 0;
@@ -45,11 +67,24 @@ void Document::setFileURL(const QUrl& fileURL) {
 QString Document::displayName() const {
     if (!m_fileURL.isEmpty())
         return m_fileURL.fileName();
+    if (!m_untitledName.isEmpty())
+        return m_untitledName;
     if (m_untitledNumber == 0)
         m_untitledNumber = takeUntitledNumber();
     if (m_untitledNumber == 1)
         return QStringLiteral("Untitled");
     return QStringLiteral("Untitled %1").arg(m_untitledNumber);
+}
+
+void Document::setUntitledName(const QString& name) {
+    const QString oldName = displayName();
+    m_untitledName = name;
+    if (!name.isEmpty()) {
+        untitledNumbers().erase(m_untitledNumber);
+        m_untitledNumber = 0;
+    }
+    if (displayName() != oldName)
+        Q_EMIT displayNameChanged(displayName());
 }
 
 QString Document::suggestedFileName() const {
@@ -71,13 +106,12 @@ bool Document::isDocumentEdited() const {
     return m_undoManager->isDocumentEdited();
 }
 
+std::shared_ptr<const DocumentSnapshot> Document::snapshot() const {
+    return std::make_shared<BytesSnapshot>(dataRepresentation());
+}
+
 void Document::write(const QString& path) const {
-    const QByteArray bytes = dataRepresentation();
-    try {
-        writeFileAtomically(path, bytes);
-    } catch (const FileError& error) {
-        throw DocumentError(error.sentence());
-    }
+    snapshot()->write(path);
 }
 
 QString Document::fileNameExtension() const {

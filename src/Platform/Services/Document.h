@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DocumentError.h"
+#include "FileStamp.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -8,7 +9,9 @@
 #include <QUrl>
 
 #include <memory>
+#include <optional>
 
+class DocumentSnapshot;
 class UndoManager;
 
 /// An open document: a file, or a new document that has no file yet. What it holds is up to the derived class.
@@ -25,11 +28,20 @@ public:
 
     /// Empty while the document is untitled.
     QUrl fileURL() const { return m_fileURL; }
+    /// Another file has no stamp until it is given one.
     void setFileURL(const QUrl& fileURL);
 
-    /// The file's name with its extension; for an untitled document "Untitled", "Untitled 2", …, the first that no
-    /// other living document has.
+    /// The file as this document last read or wrote it; a file with another stamp was changed by another program. None
+    /// when that isn't known.
+    const std::optional<FileStamp>& fileStamp() const { return m_fileStamp; }
+    void setFileStamp(const std::optional<FileStamp>& stamp) { m_fileStamp = stamp; }
+
+    /// The file's name with its extension; for an untitled document the name that it was given, or else "Untitled",
+    /// "Untitled 2", …, the first that no other living document has.
     QString displayName() const;
+
+    /// Without an extension. Counts while the document is untitled; empty for none.
+    void setUntitledName(const QString& name);
 
     /// `displayName()`, for an untitled document with the extension of its kind.
     QString suggestedFileName() const;
@@ -51,10 +63,13 @@ public:
     /// The bytes of the file that a save now would write. Throws DocumentError.
     virtual QByteArray dataRepresentation() const = 0;
 
-    /// Writes the document to the file at `path`, replacing a file that is there, without changing `fileURL()` or the
-    /// edited mark. The file must change at once or not at all (see AtomicFile.h); so does this one, with
-    /// `dataRepresentation()`. Throws DocumentError.
-    virtual void write(const QString& path) const;
+    /// The present state, to be written on another thread while this document goes on changing. Never null. Throws
+    /// DocumentError. This one holds `dataRepresentation()`; a document that takes long to put together overrides it.
+    virtual std::shared_ptr<const DocumentSnapshot> snapshot() const;
+
+    /// Writes the present state to the file at `path` and returns when it is there, without changing `fileURL()` or the
+    /// edited mark. Throws DocumentError; see `DocumentSnapshot::write`.
+    void write(const QString& path) const;
 
     /// The file name extension of this kind of document, without the dot. Empty if there is none.
     virtual QString fileNameExtension() const;
@@ -68,6 +83,8 @@ Q_SIGNALS:
 
 private:
     QUrl m_fileURL;
+    std::optional<FileStamp> m_fileStamp;
+    QString m_untitledName;
     std::shared_ptr<UndoManager> m_undoManager;
     bool m_isBeingTyped = false;
     /// 1 stands for "Untitled", 2 for "Untitled 2"; 0 while none was needed.

@@ -1,18 +1,16 @@
 #include "DocumentController.h"
 
 #include "Document.h"
-#include "DocumentPresenter.h"
+#include "FileStamp.h"
 #include "QuilloAssert.h"
 #include "UndoManager.h"
 #include "UserDefaults.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QScopeGuard>
 
 #include <algorithm>
 #include <exception>
-#include <new>
 #include <optional>
 #include <utility>
 
@@ -20,18 +18,6 @@ static const QString recentDocumentsKey = QStringLiteral("DocumentController.rec
 
 static QString couldNotBeOpened(const QString& name) {
     return QStringLiteral("“%1” couldn't be opened.").arg(name);
-}
-
-static QString couldNotBeSaved(const QString& name) {
-    return QStringLiteral("“%1” couldn't be saved.").arg(name);
-}
-
-static QString sentenceOf(const std::exception& error) {
-    if (const auto* documentError = dynamic_cast<const DocumentError*>(&error))
-        return documentError->sentence();
-    if (dynamic_cast<const std::bad_alloc*>(&error))
-        return QStringLiteral("There isn't enough memory.");
-    return QStringLiteral("Something unexpected happened: %1.").arg(QString::fromLocal8Bit(error.what()));
 }
 
 /// One path for all paths of a file, whether it exists or not. Empty for what is not a local file.
@@ -47,7 +33,9 @@ static QString canonicalPath(const QUrl& url) {
 
 DocumentController::DocumentController(DocumentFactory factory, DocumentPresenter& presenter, UserDefaults& defaults,
                                        QObject* parent)
-    : QObject(parent), m_factory(std::move(factory)), m_presenter(presenter), m_defaults(defaults) {}
+    : QObject(parent), m_factory(std::move(factory)), m_presenter(presenter), m_defaults(defaults) {
+    connect(&m_saver, &DocumentSaver::savingChanged, this, &DocumentController::documentSavingChanged);
+}
 
 DocumentController::~DocumentController() = default;
 
@@ -78,12 +66,16 @@ void DocumentController::openDocument(const QUrl& url, bool display, const OpenC
     QString error;
     if (!alreadyOpen) {
         try {
-            document = readDocument(url);
+            document = m_factory();
+            QUILLO_ASSERT(document, "a document factory must make a document");
+            readFile(*document, url);
             addDocument(document);
         } catch (const std::exception& exception) {
+            document = nullptr;
             const QString title = couldNotBeOpened(url.adjusted(QUrl::StripTrailingSlash).fileName());
-            error = title + QLatin1Char(' ') + sentenceOf(exception);
-            m_presenter.presentError(title, sentenceOf(exception));
+            const QString sentence = DocumentError::from(exception).sentence();
+            error = title + QLatin1Char(' ') + sentence;
+            m_presenter.presentError(title, sentence);
         }
     }
     if (document) {
@@ -100,7 +92,7 @@ void DocumentController::openDocument(const QUrl& url, bool display, const OpenC
         completion(document, alreadyOpen, error);
 }
 
-std::shared_ptr<Document> DocumentController::readDocument(const QUrl& url) const {
+void DocumentController::readFile(Document& document, const QUrl& url) {
     if (!url.isLocalFile())
         throw DocumentError(QStringLiteral("Only files on this computer can be opened."));
     const QFileInfo file(url.toLocalFile());
@@ -111,13 +103,13 @@ std::shared_ptr<Document> DocumentController::readDocument(const QUrl& url) cons
     if (!file.isReadable())
         throw DocumentError(QStringLiteral("You don't have permission to read it."));
 
-    std::shared_ptr<Document> document = m_factory();
-    QUILLO_ASSERT(document, "a document factory must make a document");
-    document->read(url);
-    document->setFileURL(url);
-    document->undoManager()->removeAllActions();
-    document->undoManager()->markSaved();
-    return document;
+    // Before reading: what is written to the file from now on counts as a change of another program.
+    const std::optional<FileStamp> stamp = FileStamp::of(url.toLocalFile());
+    document.read(url);
+    document.setFileURL(url);
+    document.setFileStamp(stamp);
+    document.undoManager()->removeAllActions();
+    document.undoManager()->markSaved();
 }
 
 std::shared_ptr<Document> DocumentController::newDocument() {
@@ -125,7 +117,8 @@ std::shared_ptr<Document> DocumentController::newDocument() {
     try {
         document = m_factory();
     } catch (const std::exception& exception) {
-        m_presenter.presentError(QStringLiteral("A new document couldn't be made."), sentenceOf(exception));
+        m_presenter.presentError(QStringLiteral("A new document couldn't be made."),
+                                 DocumentError::from(exception).sentence());
         return nullptr;
     }
     QUILLO_ASSERT(document, "a document factory must make a document");
@@ -140,73 +133,6 @@ void DocumentController::addDocument(const std::shared_ptr<Document>& document) 
     Q_EMIT documentAdded(document);
 }
 
-bool DocumentController::saveDocument(const std::shared_ptr<Document>& document) {
-    document->commitEditing();
-    if (document->fileURL().isEmpty())
-        return saveDocumentAs(document);
-    return writeDocument(document, document->fileURL());
-}
-
-bool DocumentController::saveDocumentAs(const std::shared_ptr<Document>& document) {
-    document->commitEditing();
-    const std::optional<QString> path = m_presenter.chooseSaveLocation(document, document->suggestedFileName());
-    if (!path)
-        return false;
-    const QUrl url = QUrl::fromLocalFile(QFileInfo(*path).absoluteFilePath());
-    const std::shared_ptr<Document> holder = documentForURL(url);
-    if (holder && holder != document) {
-        m_presenter.presentError(couldNotBeSaved(url.fileName()),
-                                 QStringLiteral("A file of this name is open in another window. Close that window "
-                                                "first, or choose another name."));
-        return false;
-    }
-    return writeDocument(document, url);
-}
-
-bool DocumentController::writeDocument(const std::shared_ptr<Document>& document, const QUrl& url) {
-    try {
-        if (!url.isLocalFile())
-            throw DocumentError(QStringLiteral("Only files on this computer can be written to."));
-        document->write(url.toLocalFile());
-    } catch (const std::exception& exception) {
-        m_presenter.presentError(couldNotBeSaved(url.fileName()), sentenceOf(exception));
-        return false;
-    }
-    document->setFileURL(url);
-    document->undoManager()->markSaved();
-    noteNewRecentDocumentURL(url);
-    return true;
-}
-
-bool DocumentController::closeDocument(const std::shared_ptr<Document>& document) {
-    // A pointer of its own: the caller's may be an element of the list, or belong to a window that goes.
-    const std::shared_ptr<Document> closing = documentFor(document.get());
-    if (!closing)
-        return true;
-    closing->commitEditing();
-    if (closing->isDocumentEdited() && !askAndSaveChanges(closing))
-        return false;
-    removeDocument(closing);
-    return true;
-}
-
-/// False if the document has to stay open.
-bool DocumentController::askAndSaveChanges(const std::shared_ptr<Document>& document) {
-    if (std::count(m_documentsBeingAsked.begin(), m_documentsBeingAsked.end(), document) > 0)
-        return false;
-    m_documentsBeingAsked.push_back(document);
-    const auto finish = qScopeGuard([&] { std::erase(m_documentsBeingAsked, document); });
-    switch (m_presenter.askToSave(document)) {
-    case DocumentPresenter::SaveAnswer::Save:
-        return saveDocument(document);
-    case DocumentPresenter::SaveAnswer::DontSave:
-        return true;
-    case DocumentPresenter::SaveAnswer::Cancel:
-        break;
-    }
-    return false;
-}
-
 void DocumentController::removeDocument(const std::shared_ptr<Document>& document) {
     if (std::erase(m_documents, document) == 0)
         return;
@@ -214,20 +140,6 @@ void DocumentController::removeDocument(const std::shared_ptr<Document>& documen
         setCurrentDocument(nullptr);
     m_presenter.didClose(document);
     Q_EMIT documentRemoved(document);
-}
-
-bool DocumentController::closeAllDocuments() {
-    while (!m_documents.empty()) {
-        const std::shared_ptr<Document> document = m_documents.front();
-        document->commitEditing();
-        if (document->isDocumentEdited()) {
-            m_presenter.bringForward(document);
-            setCurrentDocument(document);
-        }
-        if (!closeDocument(document))
-            return false;
-    }
-    return true;
 }
 
 QList<QUrl> DocumentController::recentDocumentURLs() const {
@@ -259,4 +171,12 @@ void DocumentController::clearRecentDocuments() {
         return;
     m_defaults.removeObject(recentDocumentsKey);
     Q_EMIT recentDocumentsChanged();
+}
+
+void DocumentController::openRecovered(const std::shared_ptr<Document>& document) {
+    document->undoManager()->removeAllActions();
+    document->undoManager()->markEdited();
+    addDocument(document);
+    m_presenter.show(document);
+    setCurrentDocument(document);
 }

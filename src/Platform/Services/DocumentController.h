@@ -1,5 +1,9 @@
 #pragma once
 
+#include "DocumentPresenter.h"
+#include "DocumentSaver.h"
+#include "DocumentWriter.h"
+
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -7,10 +11,10 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class Document;
-class DocumentPresenter;
 class UserDefaults;
 
 /// Keeps the list of open documents and carries out opening, saving and closing. It shows nothing itself: windows and
@@ -57,21 +61,47 @@ public:
     /// Makes and shows an untitled document. Null if the factory fails; the presenter has told.
     std::shared_ptr<Document> newDocument();
 
-    /// Writes the document to its file; asks for one if it is untitled. False if the user cancelled or it failed; a
-    /// failure has been shown by the presenter.
-    bool saveDocument(const std::shared_ptr<Document>& document);
+    // Saving, copying and closing. The document is written by another thread and can be changed meanwhile; what is to
+    // happen after that is chained by completions, never done in a nested event loop. A completion may be empty, is
+    // called once, and before the function returns when there is nothing to wait for.
+
+    /// `succeeded` is false if the user cancelled or if it failed; a failure has been shown by the presenter.
+    using Completion = std::function<void(bool succeeded)>;
+
+    /// Writes the document to its file; asks for one if it is untitled, and before it overwrites what another program
+    /// has put there. While the document is being saved, what changed since is saved afterwards.
+    void saveDocument(const std::shared_ptr<Document>& document, const Completion& completion = {});
 
     /// Asks for a file, writes the document to it and goes on with that file. Refuses the file of another open
-    /// document. False as above.
-    bool saveDocumentAs(const std::shared_ptr<Document>& document);
+    /// document.
+    void saveDocumentAs(const std::shared_ptr<Document>& document, const Completion& completion = {});
 
-    /// Closes the document; asks first what becomes of unsaved changes. False if it stays open because the user
-    /// cancelled, saving failed, or the question is still waiting for its answer. True if it isn't open any more.
-    bool closeDocument(const std::shared_ptr<Document>& document);
+    /// True while a save of the document is under way.
+    bool isSaving(const Document& document) const { return m_saver.isSaving(document); }
 
-    /// Closes all documents, for quitting; each with unsaved changes is brought forward before its question. Stops at
-    /// the first that stays open and returns false.
-    bool closeAllDocuments();
+    /// Makes and shows an untitled, edited document with the present content of this one.
+    void duplicateDocument(const std::shared_ptr<Document>& document, const Completion& completion = {});
+
+    /// True for a document with changes and a file, which isn't being saved.
+    bool canRevertDocument(const Document& document) const;
+
+    /// Gives up the changes and reads the file again, after asking. The document stays as it is when that fails.
+    void revertDocument(const std::shared_ptr<Document>& document);
+
+    /// Closes the document; asks first what becomes of unsaved changes, and lets a save that is under way end. It stays
+    /// open if the user cancelled, if saving failed, or if it is about to be closed already. Succeeds if it isn't open.
+    void closeDocument(const std::shared_ptr<Document>& document, const Completion& completion = {});
+
+    /// Closes all documents, for quitting. Asks once about all unsaved changes; when the user cancels or one can't be
+    /// saved, all stay open. Documents that come up in between stay open too, and then it hasn't succeeded.
+    void closeAllDocuments(const Completion& completion = {});
+
+    /// Saves what is unsaved as `closeAllDocuments` does, but closes nothing.
+    void saveAllDocuments(const Completion& completion = {});
+
+    /// For an end of the program at which nobody can be asked: emits `sessionWillEnd` and lets the saves end that are
+    /// under way. Closes nothing.
+    void prepareForSessionEnd(const Completion& completion = {});
 
     /// Newest first, at most `maximumRecentDocumentCount`; files that do not exist now are left out.
     QList<QUrl> recentDocumentURLs() const;
@@ -81,24 +111,55 @@ public:
 
     void clearRecentDocuments();
 
+    /// Adds and shows a document that was filled with what a process lost: it is edited, and nothing can be undone. Its
+    /// file may be that of an open document only if that is closed next.
+    void openRecovered(const std::shared_ptr<Document>& document);
+
 Q_SIGNALS:
     void documentAdded(const std::shared_ptr<Document>& document);
     void documentRemoved(const std::shared_ptr<Document>& document);
+    /// The document is in its file, on the disk. It is edited still if it was changed while it was being saved.
+    void documentSaved(const std::shared_ptr<Document>& document);
+    /// A save began or ended.
+    void documentSavingChanged(const std::shared_ptr<Document>& document, bool isSaving);
+    /// The program ends soon without asking anything: what keeps unsaved changes safe does so now.
+    void sessionWillEnd();
     void currentDocumentChanged(const std::shared_ptr<Document>& document);
     void recentDocumentsChanged();
 
 private:
-    std::shared_ptr<Document> readDocument(const QUrl& url) const;
+    using Documents = std::vector<std::shared_ptr<Document>>;
+
+    static void readFile(Document& document, const QUrl& url);
     void addDocument(const std::shared_ptr<Document>& document);
     void removeDocument(const std::shared_ptr<Document>& document);
-    bool writeDocument(const std::shared_ptr<Document>& document, const QUrl& url);
-    bool askAndSaveChanges(const std::shared_ptr<Document>& document);
+
+    void writeDocument(const std::shared_ptr<Document>& document, const QUrl& url, const Completion& completion);
+    void finishSave(const std::shared_ptr<Document>& document, const QUrl& url,
+                    const std::optional<DocumentError>& error, const Completion& completion);
+    QString nameOfCopy(const Document& document) const;
+    void openCopy(const QString& path, const QString& name);
+
+    static void call(const Completion& completion, bool succeeded);
+    /// Notes that something about the documents is being asked, as long as the caller holds what this returns.
+    [[nodiscard]] std::shared_ptr<void> noteQuestion(const Documents& documents);
+    bool isBeingAskedAbout(const std::shared_ptr<Document>& document) const;
+
+    DocumentPresenter::SaveAllAnswer askAboutChanges(const Documents& edited);
+    void saveChanges(const Documents& givenUp, const Completion& completion);
+    void saveAll(Documents documents, const Completion& completion);
+    void whenNothingIsSaving(const Completion& completion);
 
     DocumentFactory m_factory;
     DocumentPresenter& m_presenter;
     UserDefaults& m_defaults;
-    std::vector<std::shared_ptr<Document>> m_documents;
+    Documents m_documents;
     std::shared_ptr<Document> m_currentDocument;
-    /// Documents whose question about unsaved changes waits for its answer.
-    std::vector<std::shared_ptr<Document>> m_documentsBeingAsked;
+    /// Documents about which a question waits for its answer, once for each question.
+    Documents m_documentsInQuestion;
+    /// Documents that will be closed when a save has ended.
+    Documents m_documentsToBeClosed;
+    bool m_isSavingAll = false;
+    DocumentSaver m_saver;
+    DocumentWriter m_copyWriter;
 };

@@ -1,6 +1,27 @@
 #include "DocumentError.h"
 
+#include "FileError.h"
+
+#include <new>
+
+static QString withAdvice(const FileError& error) {
+    return error.advice().isEmpty() ? error.sentence() : error.sentence() + QLatin1Char(' ') + error.advice();
+}
+
 DocumentError::DocumentError(const QString& sentence) : std::runtime_error(sentence.toStdString()) {}
+
+DocumentError::DocumentError(const FileError& error) : DocumentError(withAdvice(error)) {
+    m_isHelpedBySaveAs = error.remedy() != FileError::Remedy::none;
+}
+
+DocumentError DocumentError::from(const std::exception& error) {
+    if (const auto* documentError = dynamic_cast<const DocumentError*>(&error))
+        return *documentError;
+    if (dynamic_cast<const std::bad_alloc*>(&error))
+        return DocumentError(QStringLiteral("There isn't enough memory."));
+    return DocumentError(
+        QStringLiteral("Something unexpected happened: %1.").arg(QString::fromLocal8Bit(error.what())));
+}
 
 QString DocumentError::sentence() const {
     return QString::fromUtf8(what());

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 class Document;
 
@@ -12,6 +13,12 @@ class Document;
 class DocumentPresenter {
 public:
     enum class SaveAnswer { Save, DontSave, Cancel };
+    enum class ChangedFileAnswer { Overwrite, SaveAs, Cancel };
+
+    struct SaveAllAnswer {
+        SaveAnswer answer = SaveAnswer::Cancel;
+        std::vector<std::shared_ptr<Document>> toSave; ///< with `Save`: the others lose their changes
+    };
 
     virtual ~DocumentPresenter() = default;
 
@@ -24,12 +31,25 @@ public:
     /// Asks whether to save the changes of a document that is about to be closed.
     virtual SaveAnswer askToSave(const std::shared_ptr<Document>& document) = 0;
 
+    /// Asks once about all documents with unsaved changes, which are about to be closed. There are at least two.
+    virtual SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>& documents) = 0;
+
+    /// Asks what to do about a file that another program has changed since the document was read or saved.
+    virtual ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) = 0;
+
+    /// Asks whether to give up the document's changes and read its file again.
+    virtual bool askToRevert(const std::shared_ptr<Document>& document) = 0;
+
     /// Asks for the path to save to, and whether a file that is there may be replaced. None if the user cancels.
     virtual std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>& document,
                                                       const QString& suggestedName) = 0;
 
     /// Tells that something failed: `title` says what, `sentence` why.
     virtual void presentError(const QString& title, const QString& sentence) = 0;
+
+    /// Tells that the document couldn't be saved and offers to save it elsewhere. True if the user wants that.
+    virtual bool offerSaveAs(const std::shared_ptr<Document>& document, const QString& title,
+                             const QString& sentence) = 0;
 
     /// The document is no longer open: its windows have to go, without asking anything.
     virtual void didClose(const std::shared_ptr<Document>& document) = 0;

@@ -52,7 +52,7 @@ void UndoManager::add(Registration registration) {
 void UndoManager::openStep() {
     if (m_stepIsOpen) {
         // Saved in the middle of a step: undo passes over that state, so only a new number may stand for what follows.
-        if (m_currentState == m_savedState)
+        if (m_currentState == m_savedState || m_currentState == m_notedState)
             m_currentState = ++m_lastState;
         return;
     }
@@ -148,7 +148,7 @@ void UndoManager::run(std::vector<Step>& from, std::vector<Step>& to, Activity a
         const Registration registration = std::move(m_runningStep.registrations.back());
         m_runningStep.registrations.pop_back();
         if (!registration.isAlive()) {
-            m_savedState = 0;
+            forgetKeptStates();
             continue;
         }
         // A target that is owned by shared pointers must not go while its handler runs.
@@ -157,20 +157,27 @@ void UndoManager::run(std::vector<Step>& from, std::vector<Step>& to, Activity a
         try {
             registration.handler();
         } catch (...) {
-            m_savedState = 0;
+            forgetKeptStates();
             m_currentState = ++m_lastState;
             throw;
         }
         if (m_counterStep.registrations.size() <= countBefore)
-            forgetUnreachableSavedState();
+            forgetUnreachableKeptStates();
     }
 }
 
-/// Called when a change can no longer be reversed by the stacks: they lead back to the saved state only if they need
-/// not cross that change, that is if the document is in the saved state now.
-void UndoManager::forgetUnreachableSavedState() {
-    if (m_savedState != m_currentState)
-        m_savedState = 0;
+void UndoManager::forgetKeptStates() {
+    m_savedState = 0;
+    m_notedState = 0;
+}
+
+/// Called when a change can no longer be reversed by the stacks: they lead back to a kept state only if they need not
+/// cross that change, that is if the document is in that state now.
+void UndoManager::forgetUnreachableKeptStates() {
+    for (quint64* kept : {&m_savedState, &m_notedState}) {
+        if (*kept != m_currentState)
+            *kept = 0;
+    }
 }
 
 void UndoManager::removeAllActions() {
@@ -180,7 +187,7 @@ void UndoManager::removeAllActions() {
     const std::vector<Registration> running = std::exchange(m_runningStep.registrations, {});
     const std::vector<Registration> counter = std::exchange(m_counterStep.registrations, {});
     m_stepIsOpen = false;
-    forgetUnreachableSavedState();
+    forgetUnreachableKeptStates();
     publish();
 }
 
@@ -213,21 +220,24 @@ void UndoManager::removeIf(const std::function<bool(const Registration&)>& predi
         all.erase(firstRemoved, all.end());
         return removesAny;
     };
-    bool leadsNotToSavedState = false;
     const auto removeFromStack = [&](std::vector<Step>& stack) {
-        bool savedStateIsHereOrDeeper = false;
+        std::vector<quint64> statesHereAndDeeper;
         for (Step& step : stack) {
-            savedStateIsHereOrDeeper |= step.targetState == m_savedState;
-            if (removeFrom(step) && savedStateIsHereOrDeeper)
-                leadsNotToSavedState = true;
+            statesHereAndDeeper.push_back(step.targetState);
+            if (!removeFrom(step))
+                continue;
+            for (quint64* kept : {&m_savedState, &m_notedState}) {
+                if (std::count(statesHereAndDeeper.begin(), statesHereAndDeeper.end(), *kept) > 0)
+                    *kept = 0;
+            }
         }
     };
     removeFromStack(m_undoStack);
     removeFromStack(m_redoStack);
-    if (removeFrom(m_counterStep) && m_savedState != m_currentState)
-        leadsNotToSavedState = true;
-    if (removeFrom(m_runningStep) || leadsNotToSavedState)
-        m_savedState = 0;
+    if (removeFrom(m_counterStep))
+        forgetUnreachableKeptStates();
+    if (removeFrom(m_runningStep))
+        forgetKeptStates();
 
     if (!m_undoStack.empty() && m_undoStack.back().registrations.empty())
         m_stepIsOpen = false;
@@ -265,8 +275,18 @@ void UndoManager::markSaved() {
     publish();
 }
 
+quint64 UndoManager::noteState() {
+    m_notedState = m_currentState;
+    return m_notedState;
+}
+
+void UndoManager::markSaved(quint64 noted) {
+    m_savedState = noted == m_notedState ? noted : 0;
+    publish();
+}
+
 void UndoManager::markEdited() {
-    m_savedState = 0;
+    forgetKeptStates();
     publish();
 }
 

@@ -91,7 +91,16 @@ public:
     /// Takes the present state as the saved one, also in the middle of a step.
     void markSaved();
 
-    /// Marks a change that registers no undo. Only `markSaved()` takes this mark away.
+    /// Remembers the present state, for a save that ends later: `markSaved` with the number that this returns takes
+    /// that state as the saved one, whatever has been done meanwhile. Also in the middle of a step. A newer note
+    /// replaces an older one.
+    quint64 noteState();
+
+    /// `noted` comes from `noteState()`. When that state can't be reached any more, or was noted before another, no
+    /// state is the saved one, and the document is edited.
+    void markSaved(quint64 noted);
+
+    /// Marks a change that registers no undo. Only a save of what is noted or marked after it takes this mark away.
     void markEdited();
 
 Q_SIGNALS:
@@ -125,7 +134,8 @@ private:
     void run(std::vector<Step>& from, std::vector<Step>& to, Activity activity);
     void removeIf(const std::function<bool(const Registration&)>& predicate);
     void removeDead();
-    void forgetUnreachableSavedState();
+    void forgetKeptStates();
+    void forgetUnreachableKeptStates();
     void trimToLevels();
     void publish();
 
@@ -143,9 +153,11 @@ private:
     int m_registrationDisabledCount = 0;
     int m_levelsOfUndo = 0;
 
-    /// States of the document are numbered as they come up. `m_savedState` is 0 when it can't be reached any more.
+    /// States of the document are numbered as they come up. `m_savedState` and `m_notedState` are kept while the stacks
+    /// lead back to them, and 0 when they can't be reached any more.
     quint64 m_lastState = 1;
     quint64 m_currentState = 1;
     quint64 m_savedState = 1;
+    quint64 m_notedState = 0;
     bool m_publishedEdited = false;
 };

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Document.h"
+#include "DocumentSnapshot.h"
 #include "UndoManager.h"
 
 #include <QFile>
+#include <QSemaphore>
 
 /// A document that holds a text. One that begins with "damaged" can't be read.
 class TextDocument : public Document {
@@ -13,19 +15,26 @@ public:
     QString text;
     /// The sentence with which the next save fails; empty if it goes well.
     QString failure;
+    /// When there is one, a snapshot isn't written before the gate is released once.
+    std::shared_ptr<QSemaphore> gate;
 
     void append(const QString& addition) {
         text += addition;
-        undoManager()->registerUndo(this, [this, addition] { text.chop(addition.size()); });
+        undoManager()->registerUndo(this, [this, addition] {
+            text.chop(addition.size());
+            undoManager()->registerUndo(this, [this, addition] { append(addition); });
+        });
     }
 
     void read(const QUrl& url) override {
         QFile file(url.toLocalFile());
         if (!file.open(QIODevice::ReadOnly))
             throw DocumentError(file.errorString());
-        append(QString::fromUtf8(file.readAll()));
-        if (text.startsWith(QLatin1String("damaged")))
+        const QString content = QString::fromUtf8(file.readAll());
+        if (content.startsWith(QLatin1String("damaged")))
             throw DocumentError(QStringLiteral("The file is damaged."));
+        text.clear();
+        append(content);
     }
 
     QByteArray dataRepresentation() const override {
@@ -34,5 +43,27 @@ public:
         return text.toUtf8();
     }
 
+    std::shared_ptr<const DocumentSnapshot> snapshot() const override {
+        if (!gate)
+            return Document::snapshot();
+        return std::make_shared<GatedSnapshot>(Document::snapshot(), gate);
+    }
+
     QString fileNameExtension() const override { return QStringLiteral("txt"); }
+
+private:
+    class GatedSnapshot : public DocumentSnapshot {
+    public:
+        GatedSnapshot(std::shared_ptr<const DocumentSnapshot> snapshot, std::shared_ptr<QSemaphore> gate)
+            : m_snapshot(std::move(snapshot)), m_gate(std::move(gate)) {}
+
+        void write(const QString& path) const override {
+            m_gate->acquire();
+            m_snapshot->write(path);
+        }
+
+    private:
+        const std::shared_ptr<const DocumentSnapshot> m_snapshot;
+        const std::shared_ptr<QSemaphore> m_gate;
+    };
 };

@@ -7,6 +7,7 @@
 
 #include <iterator>
 #include <map>
+#include <optional>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -34,6 +35,16 @@ public:
         case u's':
             manager.markSaved();
             saved = content.text();
+            return;
+        case u'a': // a save begins
+            m_note = manager.noteState();
+            m_noted = content.text();
+            return;
+        case u'b': // it ends
+            if (m_note) {
+                manager.markSaved(*m_note);
+                saved = m_noted;
+            }
             return;
         case u'u':
             manager.undo();
@@ -74,6 +85,8 @@ private:
     }
 
     std::map<QChar, std::unique_ptr<QObject>> m_targets;
+    std::optional<quint64> m_note;
+    QString m_noted;
     QChar m_next = QChar(0x100);
 };
 
@@ -93,6 +106,15 @@ TEST(UndoManagerEditedMarkTest, FollowsTheSavedState) {
         {"c+su", "EE-E", ""},
         {"+s+", "E-E", "saved in the middle of a step"},
         {"+s+ur", "E-EEE", "undo and redo pass over that state"},
+        {"cab", "EE-", ""},
+        {"cacbuur", "EEEE-E-", "edited while it was being saved"},
+        {"caubr", "EE-E-", "undone while it was being saved"},
+        {"+a+bu", "EEEEE", "noted in the middle of a step: undo passes over that state"},
+        {"caucb", "EE-EE", "the noted state went with the redo stack"},
+        {"acxb", "-EEE", "nothing is left to take the change back"},
+        {"caxbcu", "EEE-E-", ""},
+        {"camb", "EEEE", "a change without undo came after the note"},
+        {"cacsbu", "EEE-E-", "another save ended in between"},
         {"mu", "EE", ""},
         {"cmus", "EEE-", ""},
         {"cx", "EE", "nothing is left to take the change back"},
@@ -123,8 +145,8 @@ TEST(UndoManagerEditedMarkTest, NeverCallsAChangedDocumentSaved) {
         QString operations;
         bool canLoseHistory;
     } walks[] = {
-        {QStringLiteral("ccc++uuuuurrrs"), false},
-        {QStringLiteral("ccoon+uuuuurrrrsklmx"), true},
+        {QStringLiteral("ccc++uuuuurrrsab"), false},
+        {QStringLiteral("ccoon+uuuuurrrrsabklmx"), true},
     };
     for (unsigned seed = 0; seed < 200; ++seed) {
         for (const auto& walk : walks) {

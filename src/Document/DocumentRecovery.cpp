@@ -1,0 +1,64 @@
+#include "DocumentRecovery.h"
+
+#include "DocumentController.h"
+#include "PDFDocument.h"
+#include "PDFEditorDocument.h"
+#include "RecoveryRecord.h"
+
+DocumentRecovery::DocumentRecovery(DocumentController& controller, QString folder, RecoveryPace pace, QObject* parent)
+    : QObject(parent), m_folder(std::move(folder)), m_pace(pace) {
+    m_pool.setMaxThreadCount(1);
+    connect(&controller, &DocumentController::documentAdded, this, &DocumentRecovery::add);
+    connect(&controller, &DocumentController::documentRemoved, this, &DocumentRecovery::remove);
+    connect(&controller, &DocumentController::sessionWillEnd, this, [this] {
+        writePending();
+        waitForDone();
+    });
+    for (const std::shared_ptr<Document>& document : controller.documents())
+        add(document);
+}
+
+DocumentRecovery::~DocumentRecovery() {
+    m_writers.clear();
+    m_pool.waitForDone();
+}
+
+void DocumentRecovery::add(const std::shared_ptr<Document>& document) {
+    auto* editorDocument = dynamic_cast<PDFEditorDocument*>(document.get());
+    if (!editorDocument)
+        return;
+    auto writer = std::make_unique<RecoveryWriter>(
+        *editorDocument, m_pool, m_folder, m_pace,
+        [this](const PDFEditorDocument& read) { return m_currentPage ? m_currentPage(read) : std::nullopt; });
+    connect(writer.get(), &RecoveryWriter::written, this, [this] {
+        m_hasTold = false;
+        Q_EMIT written();
+    });
+    connect(writer.get(), &RecoveryWriter::failed, this, [this](const QString& sentence) {
+        if (!std::exchange(m_hasTold, true))
+            Q_EMIT writingFailed(u"Unsaved changes can't be kept safe from a crash now. "_qs + sentence);
+    });
+    m_writers[document.get()] = std::move(writer);
+}
+
+void DocumentRecovery::remove(const std::shared_ptr<Document>& document) {
+    const auto writer = m_writers.find(document.get());
+    if (writer == m_writers.end())
+        return;
+    // Who couldn't open a locked one didn't decide about its changes.
+    const auto* editorDocument = dynamic_cast<const PDFEditorDocument*>(document.get());
+    if (!editorDocument || !editorDocument->pdfDocument()->isLocked())
+        writer->second->remove();
+    m_writers.erase(writer);
+}
+
+void DocumentRecovery::adopt(const Document& document, std::shared_ptr<RecoveryRecord> record) {
+    const auto writer = m_writers.find(&document);
+    if (writer != m_writers.end())
+        writer->second->adopt(std::move(record));
+}
+
+void DocumentRecovery::writePending() {
+    for (const auto& [document, writer] : m_writers)
+        writer->writePending();
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class QDateTime;
+class RecoveryRecord;
+
+/// The folder that holds the recovery records of all processes of this user. Any thread.
+namespace RecoveryStore {
+
+/// Of one look for lost records: what is beyond is found by the next.
+inline constexpr int maximumLostCount = 100;
+/// After that many days a record that can't be read is deleted.
+inline constexpr int daysToKeepUnreadable = 30;
+
+/// `quillo/recovery` in the user's state folder.
+[[nodiscard]] QString standardFolder();
+
+/// Takes the readable records that no living process holds, newest first. Deletes what was left of records that were
+/// being made or removed, and unreadable ones that are old at the time `now`.
+[[nodiscard]] std::vector<std::unique_ptr<RecoveryRecord>> takeLost(const QString& folder, const QDateTime& now);
+
+} // namespace RecoveryStore

@@ -1,0 +1,231 @@
+#include "RecoveryWriter.h"
+
+#include "FileError.h"
+#include "PDFDocument.h"
+#include "PDFDocumentSnapshot.h"
+#include "PDFEditorDocument.h"
+#include "PDFError.h"
+#include "PDFPage.h"
+#include "PDFSource.h"
+#include "PagePicture.h"
+#include "RecoveryRecord.h"
+#include "UndoManager.h"
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QFutureWatcher>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <algorithm>
+#include <new>
+
+using namespace std::chrono_literals;
+
+// Sharp where the window that offers lost documents shows it with two pixels to the point.
+static constexpr QSize pictureSize{200, 240};
+static constexpr int shareOfTimeForWriting = 10;
+
+struct RecoveryWriter::Slot {
+    std::shared_ptr<RecoveryRecord> record;
+};
+
+struct RecoveryWriter::Outcome {
+    QString error; ///< empty when it was written
+    std::chrono::milliseconds duration{0};
+    bool hasPicture = false;
+};
+
+namespace {
+
+/// A picture of a page that only a password opens would show it to everyone.
+bool mayBePictured(const PDFDocument& document, const PDFPage* page) {
+    return page && !document.isEncrypted() && page->content().source && !page->content().source->isEncrypted();
+}
+
+/// False when there is none to store, or no room for it, which is nothing to tell.
+bool storePicture(RecoveryRecord& record, const QImage& image) {
+    try {
+        if (!image.isNull())
+            record.setPicture(image);
+        return !image.isNull();
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
+void writeRecord(RecoveryRecord& record, const RecoveryDescription& description, const PDFDocumentSnapshot& snapshot) {
+    if (const std::optional<QByteArray> update = snapshot.update())
+        record.write(description, snapshot.sourceBytes(), *update);
+    else
+        record.write(description, snapshot.dataRepresentation(), {});
+}
+
+} // namespace
+
+RecoveryWriter::RecoveryWriter(PDFEditorDocument& document, QThreadPool& pool, QString folder, RecoveryPace pace,
+                               CurrentPage currentPage, QObject* parent)
+    : QObject(parent), m_document(document), m_pool(pool), m_folder(std::move(folder)), m_pace(pace),
+      m_currentPage(std::move(currentPage)), m_slot(std::make_shared<Slot>()),
+      m_pictureCancelled(std::make_shared<std::atomic<bool>>(false)) {
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &RecoveryWriter::write);
+    connect(m_document.undoManager().get(), &UndoManager::changed, this, &RecoveryWriter::noteChange);
+    connect(&m_document, &PDFEditorDocument::objectWillChange, this, &RecoveryWriter::noteChange);
+    connect(&m_document, &PDFEditorDocument::pdfDocumentChanged, this, &RecoveryWriter::followPages);
+    connect(&m_document, &Document::documentEditedChanged, this, [this](bool edited) {
+        if (!edited)
+            remove();
+    });
+    followPages();
+    if (m_document.isDocumentEdited())
+        noteChange();
+}
+
+RecoveryWriter::~RecoveryWriter() {
+    *m_pictureCancelled = true;
+}
+
+void RecoveryWriter::followPages() {
+    for (const QMetaObject::Connection& connection : m_pageConnections)
+        disconnect(connection);
+    const PDFDocument* pages = m_document.pdfDocument().get();
+    m_pageConnections = {connect(pages, &PDFDocument::pagesChanged, this, &RecoveryWriter::noteChange),
+                         connect(pages, &PDFDocument::pageContentChanged, this, &RecoveryWriter::noteChange)};
+}
+
+void RecoveryWriter::adopt(std::shared_ptr<RecoveryRecord> record) {
+    m_slot->record = std::move(record);
+    m_hasRecord = true;
+    m_hasChanged = false;
+    m_timer.stop();
+}
+
+bool RecoveryWriter::needsWriting() const {
+    return m_hasChanged && !m_isWriting && m_document.isDocumentEdited() && !m_document.pdfDocument()->isLocked();
+}
+
+void RecoveryWriter::noteChange() {
+    m_hasChanged = true;
+    schedule();
+}
+
+void RecoveryWriter::schedule() {
+    if (!needsWriting() || m_timer.isActive())
+        return;
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(m_nextWrite.remainingTimeAsDuration());
+    m_timer.start(std::max(wait, m_pace.afterChange));
+}
+
+void RecoveryWriter::writePending() {
+    if (!needsWriting())
+        return;
+    m_timer.stop();
+    write();
+}
+
+void RecoveryWriter::write() {
+    if (!needsWriting())
+        return;
+    const PDFDocument& pages = *m_document.pdfDocument();
+    RecoveryDescription description;
+    description.displayName = m_document.displayName();
+    description.originalPath =
+        m_document.fileURL().isEmpty() ? QString() : QFileInfo(m_document.fileURL().toLocalFile()).absoluteFilePath();
+    description.originalStamp = m_document.fileStamp();
+    description.writeTime = QDateTime::currentDateTime();
+    description.pageCount = pages.pageCount();
+    description.pageIndex = m_currentPage ? m_currentPage(m_document).value_or(0) : 0;
+
+    std::shared_ptr<const PDFDocumentSnapshot> snapshot;
+    std::optional<PagePicture> picture;
+    try {
+        snapshot = PDFDocumentSnapshot::of(pages);
+        const std::shared_ptr<PDFPage> page = pages.page(description.pageIndex);
+        if (m_nextPicture.hasExpired() && mayBePictured(pages, page.get()))
+            picture.emplace(*page, pictureSize);
+    } catch (const std::exception&) { // no memory, most likely
+        Outcome outcome;
+        outcome.error = u"There isn't enough memory."_qs;
+        m_isWriting = true;
+        finish(outcome);
+        return;
+    }
+
+    m_hasChanged = false;
+    m_isWriting = true;
+    m_hasRecord = true;
+    m_pictureCancelled = std::make_shared<std::atomic<bool>>(false);
+    if (picture)
+        QTimer::singleShot(m_pace.pictureTimeLimit, this, [cancelled = m_pictureCancelled] { *cancelled = true; });
+    auto* watcher = new QFutureWatcher<Outcome>(this);
+    connect(watcher, &QFutureWatcher<Outcome>::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        finish(watcher->result());
+    });
+    watcher->setFuture(
+        QtConcurrent::run(&m_pool, [slot = m_slot, folder = m_folder, description, snapshot = std::move(snapshot),
+                                    picture = std::move(picture), cancelled = m_pictureCancelled] {
+            return store(*slot, folder, description, *snapshot, picture ? &*picture : nullptr, *cancelled);
+        }));
+}
+
+RecoveryWriter::Outcome RecoveryWriter::store(Slot& slot, const QString& folder, const RecoveryDescription& description,
+                                              const PDFDocumentSnapshot& snapshot, const PagePicture* picture,
+                                              const std::atomic<bool>& cancelled) {
+    Outcome outcome;
+    QElapsedTimer timer;
+    timer.start();
+    try {
+        if (!slot.record || !slot.record->isInPlace())
+            slot.record = RecoveryRecord::create(folder);
+        writeRecord(*slot.record, description, snapshot);
+        outcome.duration = std::chrono::milliseconds(timer.elapsed());
+        outcome.hasPicture = picture && storePicture(*slot.record, picture->image(cancelled));
+    } catch (const FileError& error) {
+        outcome.error = error.sentence();
+    } catch (const PDFError& error) {
+        outcome.error = error.sentence();
+    } catch (const std::bad_alloc&) {
+        outcome.error = u"There isn't enough memory."_qs;
+    } catch (const std::exception& error) {
+        outcome.error = QString::fromLocal8Bit(error.what());
+    }
+    // One that never held anything only takes space.
+    if (slot.record && !slot.record->manifest() && !outcome.error.isEmpty()) {
+        slot.record->remove();
+        slot.record.reset();
+    }
+    return outcome;
+}
+
+void RecoveryWriter::finish(const Outcome& outcome) {
+    m_isWriting = false;
+    if (outcome.hasPicture)
+        m_nextPicture.setRemainingTime(m_pace.betweenPictures);
+    if (outcome.error.isEmpty()) {
+        const auto pause = outcome.duration * shareOfTimeForWriting;
+        m_nextWrite.setRemainingTime(std::clamp(pause, m_pace.betweenWrites, m_pace.longestBetweenWrites));
+        Q_EMIT written();
+    } else {
+        m_hasChanged = true;
+        m_nextWrite.setRemainingTime(m_pace.beforeRetry);
+        if (m_document.isDocumentEdited())
+            Q_EMIT failed(outcome.error);
+    }
+    schedule();
+}
+
+void RecoveryWriter::remove() {
+    m_timer.stop();
+    m_hasChanged = false;
+    m_nextWrite.setRemainingTime(0ms);
+    m_nextPicture.setRemainingTime(0ms);
+    *m_pictureCancelled = true;
+    if (!std::exchange(m_hasRecord, false))
+        return;
+    m_pool.start([slot = m_slot] {
+        if (slot->record)
+            slot->record->remove();
+        slot->record.reset();
+    });
+}

@@ -1,0 +1,209 @@
+#include "DocumentController.h"
+
+#include "Document.h"
+#include "DocumentSnapshot.h"
+#include "FileStamp.h"
+#include "QuilloAssert.h"
+#include "UndoManager.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+static QString couldNotBeSaved(const QString& name) {
+    return QStringLiteral("“%1” couldn't be saved.").arg(name);
+}
+
+static QString couldNotBeCopied(const QString& name) {
+    return QStringLiteral("“%1” couldn't be duplicated.").arg(name);
+}
+
+static bool wasChangedByOthers(const Document& document) {
+    if (!document.fileStamp())
+        return false;
+    // A file that has gone holds nothing that could be lost.
+    const std::optional<FileStamp> stamp = FileStamp::of(document.fileURL().toLocalFile());
+    return stamp && stamp != document.fileStamp();
+}
+
+void DocumentController::saveDocument(const std::shared_ptr<Document>& document, const Completion& completion) {
+    if (isBeingAskedAbout(document)) {
+        call(completion, false);
+        return;
+    }
+    document->commitEditing();
+    if (isSaving(*document)) {
+        m_saver.whenSaved(*document, [this, document, completion](bool isSaved) {
+            if (isSaved && document->isDocumentEdited())
+                saveDocument(document, completion);
+            else
+                call(completion, isSaved);
+        });
+        return;
+    }
+    if (document->fileURL().isEmpty()) {
+        saveDocumentAs(document, completion);
+        return;
+    }
+    if (wasChangedByOthers(*document)) {
+        auto question = noteQuestion({document});
+        const DocumentPresenter::ChangedFileAnswer answer = m_presenter.askAboutChangedFile(document);
+        question.reset();
+        switch (answer) {
+        case DocumentPresenter::ChangedFileAnswer::Overwrite:
+            break;
+        case DocumentPresenter::ChangedFileAnswer::SaveAs:
+            saveDocumentAs(document, completion);
+            return;
+        case DocumentPresenter::ChangedFileAnswer::Cancel:
+            call(completion, false);
+            return;
+        }
+    }
+    writeDocument(document, document->fileURL(), completion);
+}
+
+void DocumentController::saveDocumentAs(const std::shared_ptr<Document>& document, const Completion& completion) {
+    if (isBeingAskedAbout(document)) {
+        call(completion, false);
+        return;
+    }
+    document->commitEditing();
+    auto question = noteQuestion({document});
+    const std::optional<QString> path = m_presenter.chooseSaveLocation(document, document->suggestedFileName());
+    question.reset();
+    if (!path) {
+        call(completion, false);
+        return;
+    }
+    const QUrl url = QUrl::fromLocalFile(QFileInfo(*path).absoluteFilePath());
+    std::shared_ptr<Document> holder = documentForURL(url);
+    if (!holder)
+        holder = m_saver.documentWritingTo(url.toLocalFile());
+    if (holder && holder != document) {
+        m_presenter.presentError(couldNotBeSaved(url.fileName()),
+                                 QStringLiteral("A file of this name is open in another window. Close that window "
+                                                "first, or choose another name."));
+        call(completion, false);
+        return;
+    }
+    writeDocument(document, url, completion);
+}
+
+/// Waits first for a save of the document that is under way, whatever comes of it.
+void DocumentController::writeDocument(const std::shared_ptr<Document>& document, const QUrl& url,
+                                       const Completion& completion) {
+    if (isSaving(*document)) {
+        m_saver.whenSaved(*document,
+                          [this, document, url, completion](bool) { writeDocument(document, url, completion); });
+        return;
+    }
+    m_saver.save(document, url, [this, document, url, completion](const std::optional<DocumentError>& error) {
+        finishSave(document, url, error, completion);
+    });
+}
+
+void DocumentController::finishSave(const std::shared_ptr<Document>& document, const QUrl& url,
+                                    const std::optional<DocumentError>& error, const Completion& completion) {
+    if (!error) {
+        noteNewRecentDocumentURL(url);
+        Q_EMIT documentSaved(document);
+        call(completion, true);
+    } else if (!error->isHelpedBySaveAs()) {
+        m_presenter.presentError(couldNotBeSaved(url.fileName()), error->sentence());
+        call(completion, false);
+    } else {
+        auto question = noteQuestion({document});
+        const bool wantsSaveAs = m_presenter.offerSaveAs(document, couldNotBeSaved(url.fileName()), error->sentence());
+        question.reset();
+        if (wantsSaveAs)
+            saveDocumentAs(document, completion);
+        else
+            call(completion, false);
+    }
+}
+
+QString DocumentController::nameOfCopy(const Document& document) const {
+    static const QRegularExpression endOfCopies(QStringLiteral(" copy( \\d+)?$"));
+    const QString name =
+        document.fileURL().isEmpty() ? document.displayName() : QFileInfo(document.displayName()).completeBaseName();
+    const QString firstName = QString(name).remove(endOfCopies) + QStringLiteral(" copy");
+    const auto isTaken = [this](const QString& candidate) {
+        return std::any_of(m_documents.begin(), m_documents.end(), [&candidate](const auto& each) {
+            return QFileInfo(each->suggestedFileName()).completeBaseName() == candidate;
+        });
+    };
+    QString copy = firstName;
+    for (int number = 2; isTaken(copy); ++number)
+        copy = QStringLiteral("%1 %2").arg(firstName).arg(number);
+    return copy;
+}
+
+void DocumentController::duplicateDocument(const std::shared_ptr<Document>& document, const Completion& completion) {
+    document->commitEditing();
+    const QString name = document->displayName();
+    const auto fail = [this, name, completion](const DocumentError& error) {
+        m_presenter.presentError(couldNotBeCopied(name), error.sentence());
+        call(completion, false);
+    };
+    std::shared_ptr<const DocumentSnapshot> snapshot;
+    try {
+        snapshot = document->snapshot();
+    } catch (const std::exception& error) {
+        fail(DocumentError::from(error));
+        return;
+    }
+    const auto folder = std::make_shared<QTemporaryDir>(); // until the copy is read
+    const QString path = folder->filePath(QStringLiteral("copy.") + document->fileNameExtension());
+    m_copyWriter.write(snapshot, path, [this, document, folder, path, fail, completion](const auto& result) {
+        if (result.error) {
+            fail(*result.error);
+            return;
+        }
+        try {
+            openCopy(path, nameOfCopy(*document));
+        } catch (const std::exception& error) {
+            fail(DocumentError::from(error));
+            return;
+        }
+        call(completion, true);
+    });
+}
+
+void DocumentController::openCopy(const QString& path, const QString& name) {
+    const std::shared_ptr<Document> copy = m_factory();
+    QUILLO_ASSERT(copy, "a document factory must make a document");
+    copy->read(QUrl::fromLocalFile(path));
+    copy->setUntitledName(name);
+    copy->undoManager()->removeAllActions();
+    copy->undoManager()->markEdited();
+    addDocument(copy);
+    m_presenter.show(copy);
+    setCurrentDocument(copy);
+}
+
+bool DocumentController::canRevertDocument(const Document& document) const {
+    return !document.fileURL().isEmpty() && (document.isDocumentEdited() || document.isBeingTyped()) &&
+           !isSaving(document);
+}
+
+void DocumentController::revertDocument(const std::shared_ptr<Document>& document) {
+    if (!canRevertDocument(*document) || isBeingAskedAbout(document))
+        return;
+    auto question = noteQuestion({document});
+    const bool reverts = m_presenter.askToRevert(document);
+    question.reset();
+    if (!reverts || !canRevertDocument(*document))
+        return;
+    document->commitEditing(); // what is being typed goes with the other changes
+    try {
+        readFile(*document, document->fileURL());
+    } catch (const std::exception& error) {
+        m_presenter.presentError(QStringLiteral("“%1” couldn't be read again.").arg(document->displayName()),
+                                 DocumentError::from(error).sentence());
+    }
+}

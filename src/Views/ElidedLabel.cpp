@@ -1,0 +1,25 @@
+#include "ElidedLabel.h"
+
+#include <QPainter>
+#include <QStyle>
+
+ElidedLabel::ElidedLabel(const QString& text, QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+    setText(text);
+    // A tool tip would read markup.
+    setToolTip(text.toHtmlEscaped());
+    setAccessibleName(text);
+}
+
+ElidedLabel::~ElidedLabel() = default;
+
+QSize ElidedLabel::minimumSizeHint() const {
+    return {fontMetrics().averageCharWidth() * 8, QLabel::minimumSizeHint().height()};
+}
+
+void ElidedLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRect area = contentsRect();
+    style()->drawItemText(&painter, area, int(Qt::AlignVCenter | Qt::AlignLeft), palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), Qt::ElideMiddle, area.width()), foregroundRole());
+}

@@ -1,0 +1,212 @@
+#include "PrintPanel.h"
+
+#include "AtomicFile.h"
+#include "FileError.h"
+#include "PDFDocument.h"
+#include "PDFError.h"
+#include "PrintCopy.h"
+#include "PrintJob.h"
+
+#include <QCheckBox>
+#include <QFileInfo>
+#include <QFutureWatcher>
+#include <QPrintDialog>
+#include <QPrintEngine>
+#include <QPrinter>
+#include <QVBoxLayout>
+#include <QtConcurrentRun>
+
+#include <algorithm>
+
+namespace {
+
+/// What came of composing: the bytes, or a sentence why there are none.
+struct Composed {
+    QByteArray bytes;
+    QString failure;
+};
+
+/// Writes the file at `path` as well, where there is one. Any thread.
+Composed compose(const PrintCopy& copy, const QString& path) {
+    try {
+        const QByteArray bytes = copy.bytes();
+        if (!path.isEmpty())
+            writeFileAtomically(path, bytes);
+        return {bytes, {}};
+    } catch (const PDFError& error) {
+        return {{}, error.sentence()};
+    } catch (const FileError& error) {
+        return {{}, error.sentence()};
+    } catch (const std::bad_alloc&) {
+        return {{}, u"There isn't enough memory."_qs};
+    }
+}
+
+/// What the dialog keeps for the print service beyond the printer's own properties: names and values in turns. Qt has
+/// no name for it in its public headers.
+QStringList serviceOptions(const QPrinter& printer) {
+    constexpr auto cupsOptions = static_cast<QPrintEngine::PrintEnginePropertyKey>(0xfe00);
+    return printer.printEngine()->property(cupsOptions).toStringList();
+}
+
+QString serviceOption(const QPrinter& printer, const QString& name) {
+    const QStringList all = serviceOptions(printer);
+    for (qsizetype i = 0; i + 1 < all.size(); i += 2)
+        if (all[i] == name)
+            return all[i + 1];
+    return {};
+}
+
+} // namespace
+
+PrintPanel* PrintPanel::show(const std::shared_ptr<PDFDocument>& document, const QString& documentName, int currentPage,
+                             QWidget* parent, Messages messages) {
+    auto* panel = new PrintPanel(document, documentName, currentPage, parent, std::move(messages));
+    panel->m_dialog->open();
+    return panel;
+}
+
+PrintPanel::PrintPanel(std::shared_ptr<PDFDocument> document, QString documentName, int currentPage, QWidget* parent,
+                       Messages messages)
+    : QObject(parent), m_document(std::move(document)), m_documentName(std::move(documentName)),
+      m_currentPage(currentPage), m_messages(std::move(messages)),
+      m_printer(std::make_unique<QPrinter>(QPrinter::HighResolution)),
+      m_dialog(new QPrintDialog(m_printer.get(), parent ? parent->window() : nullptr)),
+      m_annotations(new QCheckBox(u"Print &annotations"_qs)) {
+    m_printer->setDocName(m_documentName);
+    m_dialog->setObjectName(u"printDialog"_qs);
+    m_dialog->setWindowTitle(u"Print “%1”"_qs.arg(m_documentName));
+    m_dialog->setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
+                         QAbstractPrintDialog::PrintCurrentPage | QAbstractPrintDialog::PrintCollateCopies |
+                         QAbstractPrintDialog::PrintShowPageSize);
+    m_dialog->setMinMax(1, m_document->pageCount());
+    m_dialog->setFromTo(1, m_document->pageCount());
+
+    auto* content = new QWidget;
+    content->setWindowTitle(u"Content"_qs);
+    m_annotations->setObjectName(u"printsAnnotations"_qs);
+    m_annotations->setToolTip(u"Notes, highlights and all else that was put onto the pages. Filled forms are "
+                              "always printed."_qs);
+    m_annotations->setChecked(true);
+    auto* layout = new QVBoxLayout(content);
+    layout->addWidget(m_annotations);
+    layout->addStretch();
+    m_dialog->setOptionTabs({content});
+
+    connect(m_dialog, &QDialog::accepted, this, &PrintPanel::print);
+    connect(m_dialog, &QDialog::rejected, this, &QObject::deleteLater);
+}
+
+PrintPanel::~PrintPanel() {
+    delete m_dialog; // it refers to the printer; null when its window went before
+}
+
+std::vector<int> PrintPanel::pages(const QPrinter& printer, int pageCount, int currentPage) {
+    std::vector<int> pages;
+    const auto add = [&](int from, int to) {
+        for (int page = std::max(from, 1); page <= std::min(to, pageCount); ++page)
+            pages.push_back(page - 1);
+    };
+    switch (printer.printRange()) {
+    case QPrinter::CurrentPage:
+        add(currentPage + 1, currentPage + 1);
+        break;
+    case QPrinter::PageRange:
+        if (!printer.pageRanges().isEmpty()) {
+            for (const QPageRanges::Range& range : printer.pageRanges().toRangeList())
+                add(range.from, range.to);
+        } else {
+            add(printer.fromPage(), printer.toPage() > 0 ? printer.toPage() : pageCount);
+        }
+        break;
+    case QPrinter::AllPages:
+    case QPrinter::Selection:
+        add(1, pageCount);
+        break;
+    }
+    const QString set = serviceOption(printer, u"page-set"_qs);
+    if (set == QLatin1String("odd") || set == QLatin1String("even")) {
+        const int odd = set == QLatin1String("odd") ? 1 : 0;
+        std::erase_if(pages, [odd](int page) { return (page + 1) % 2 != odd; });
+    }
+    if (printer.pageOrder() == QPrinter::LastPageFirst)
+        std::reverse(pages.begin(), pages.end());
+    return pages;
+}
+
+QList<std::pair<QString, QString>> PrintPanel::options(const QPrinter& printer) {
+    QList<std::pair<QString, QString>> options;
+    const auto add = [&options](const char* name, const QString& value) {
+        options.append({QLatin1String(name), value});
+    };
+    add("media", QPageSize::key(printer.pageLayout().pageSize().id()));
+    add("print-scaling", u"auto-fit"_qs); // a page that is too large for the paper is made to fit
+    switch (printer.duplex()) {
+    case QPrinter::DuplexNone:
+        add("sides", u"one-sided"_qs);
+        break;
+    case QPrinter::DuplexLongSide:
+        add("sides", u"two-sided-long-edge"_qs);
+        break;
+    case QPrinter::DuplexShortSide:
+        add("sides", u"two-sided-short-edge"_qs);
+        break;
+    case QPrinter::DuplexAuto:
+        break;
+    }
+    if (printer.colorMode() == QPrinter::GrayScale)
+        add("print-color-mode", u"monochrome"_qs);
+    if (printer.copyCount() > 1)
+        add("Collate", printer.collateCopies() ? u"true"_qs : u"false"_qs);
+    const QStringList more = serviceOptions(printer);
+    for (qsizetype i = 0; i + 1 < more.size(); i += 2) {
+        const QString& name = more[i];
+        // The pages have been chosen when the copy was made.
+        if (name != QLatin1String("page-set") && name != QLatin1String("page-ranges"))
+            options.append({name, more[i + 1]});
+    }
+    return options;
+}
+
+void PrintPanel::print() {
+    const std::vector<int> chosen = pages(*m_printer, m_document->pageCount(), m_currentPage);
+    if (chosen.empty()) {
+        finish(u"None of its pages is in that range."_qs);
+        return;
+    }
+    try {
+        const QString path = m_printer->outputFileName();
+        const PrintCopy copy = PrintCopy::of(*m_document, chosen, m_annotations->isChecked());
+        auto* watcher = new QFutureWatcher<Composed>(this);
+        connect(watcher, &QFutureWatcher<Composed>::finished, this, [this, watcher, path] {
+            const Composed composed = watcher->result();
+            if (composed.failure.isEmpty() && path.isEmpty())
+                send(composed.bytes);
+            else
+                finish(composed.failure);
+        });
+        watcher->setFuture(QtConcurrent::run([copy, path] { return compose(copy, path); }));
+    } catch (const PDFError& error) {
+        finish(error.sentence());
+    }
+}
+
+void PrintPanel::send(const QByteArray& pdf) {
+    PrintJob job;
+    job.printer = m_printer->printerName();
+    job.title = m_documentName;
+    job.copies = m_printer->copyCount();
+    job.options = options(*m_printer);
+    job.submit(pdf, this, [this](const QString& failure) { finish(failure); });
+}
+
+void PrintPanel::finish(const QString& failure) {
+    const QString path = m_printer->outputFileName();
+    if (!failure.isEmpty())
+        m_messages.failed(u"“%1” couldn't be printed."_qs.arg(m_documentName), failure);
+    else if (path.isEmpty())
+        m_messages.done(u"Sent to “%1”"_qs.arg(m_printer->printerName()));
+    else
+        m_messages.done(u"Printed to “%1”"_qs.arg(QFileInfo(path).fileName()));
+    deleteLater();
+}

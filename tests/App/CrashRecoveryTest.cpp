@@ -1,0 +1,122 @@
+#include "AppTest.h"
+
+#include "AnnotatingPDFView.h"
+#include "PDFEditorWorkspaceView.h"
+#include "PDFViewCoordinator.h"
+#include "PassingNotice.h"
+#include "RecoveryRow.h"
+#include "RecoveryStore.h"
+#include "RecoveryWindow.h"
+
+#include <QDir>
+#include <QPushButton>
+#include <QSignalSpy>
+
+namespace {
+
+constexpr int timeLimitInMilliseconds = 60'000;
+
+class CrashRecoveryTest : public AppTest {
+protected:
+    /// Edits the only document, turns to its last page, and ends without closing it.
+    void crash(const QUrl& url) {
+        launch({url});
+        PDFView& view = *window()->currentContentView()->workspace()->pdfView();
+        const auto pages = document(0)->pdfDocument();
+        view.goToPage(pages->page(pages->pageCount() - 1));
+        settle();
+        pages->page(0)->setRotation(90);
+        document(0)->undoManager()->markEdited();
+        m_app->controller().prepareForSessionEnd();
+        startAnew();
+    }
+
+    void startAnew() {
+        m_app.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        SetUp();
+    }
+
+    RecoveryWindow* offer() { return m_app->crashRecovery().window(); }
+
+    void click(const QString& button) {
+        auto* found = offer()->findChild<QPushButton*>(button);
+        ASSERT_NE(found, nullptr) << button.toStdString();
+        QTest::mouseClick(found, Qt::LeftButton);
+        settle();
+    }
+};
+
+TEST_F(CrashRecoveryTest, aCleanEndLeavesNothingToOffer) {
+    launch({file(u"a.pdf"_qs)});
+    edit(*document(0));
+    m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::DontSave};
+    m_app->terminate();
+    settle();
+    startAnew();
+    launch();
+    EXPECT_EQ(offer(), nullptr);
+    EXPECT_TRUE(landingIsVisible());
+}
+
+TEST_F(CrashRecoveryTest, theNextStartOffersTheDocumentAndGoesOnWhereTheReaderWas) {
+    const QUrl url = file(u"plan.pdf"_qs);
+    crash(url);
+    launch();
+    ASSERT_NE(offer(), nullptr);
+    EXPECT_FALSE(landingIsVisible());
+    EXPECT_EQ(visibleWindowCount(), 1);
+    click(u"recover"_qs);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return offer() == nullptr; }, timeLimitInMilliseconds));
+    settle();
+    ASSERT_EQ(m_app->controller().documents().size(), 1U);
+    EXPECT_EQ(document(0)->fileURL(), url);
+    EXPECT_TRUE(document(0)->isDocumentEdited());
+    EXPECT_EQ(document(0)->pdfDocument()->page(0)->rotation(), 90);
+    EXPECT_TRUE(window()->isVisible());
+    EXPECT_FALSE(landingIsVisible());
+    EXPECT_EQ(window()->currentContentView()->workspace()->coordinator().currentPageIndex(), 2);
+}
+
+TEST_F(CrashRecoveryTest, whatIsLeftIsOfferedAgainAndWhatIsDeletedIsNot) {
+    const QUrl url = file(u"plan.pdf"_qs);
+    crash(url);
+    launch({file(u"other.pdf"_qs)});
+    ASSERT_NE(offer(), nullptr);
+    EXPECT_TRUE(offer()->isVisible());
+    click(u"notNow"_qs);
+    EXPECT_EQ(offer(), nullptr);
+    EXPECT_TRUE(window()->isVisible());
+
+    startAnew();
+    launch();
+    ASSERT_NE(offer(), nullptr);
+    click(u"delete"_qs);
+    click(u"confirmDelete"_qs);
+    EXPECT_EQ(offer(), nullptr);
+    EXPECT_TRUE(landingIsVisible());
+
+    startAnew();
+    launch();
+    EXPECT_EQ(offer(), nullptr);
+    EXPECT_FALSE(PDFDocument::fromFile(url.toLocalFile())->page(0)->rotation() == 90);
+}
+
+TEST_F(CrashRecoveryTest, thatChangesCannotBeKeptSafeIsToldOverThePage) {
+    // A file where the folder should be.
+    const QString folder = RecoveryStore::standardFolder();
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(folder).path()));
+    QFile inTheWay(folder);
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    inTheWay.close();
+    launch({file(u"a.pdf"_qs)});
+    QSignalSpy failed(&m_app->crashRecovery().recovery(), &DocumentRecovery::writingFailed);
+    document(0)->undoManager()->markEdited();
+    m_app->crashRecovery().recovery().writePending();
+    EXPECT_TRUE(failed.wait(timeLimitInMilliseconds));
+    EXPECT_TRUE(window()->currentContentView()->workspace()->notice().message().startsWith(
+        u"Unsaved changes can't be kept safe"_qs));
+    EXPECT_TRUE(inTheWay.remove());
+}
+
+} // namespace

@@ -1,0 +1,78 @@
+#include "AppTest.h"
+
+#include "AnnotatingPDFView.h"
+#include "PDFEditorWorkspaceView.h"
+#include "PassingNotice.h"
+#include "WorkspaceToolbar.h"
+
+class FullScreenTest : public AppTest {
+protected:
+    PDFEditorWorkspaceView* workspace() { return window()->currentContentView()->workspace(); }
+
+    /// Whether menu bar, tabs and toolbar can be seen.
+    std::vector<bool> shown() {
+        return {window()->menuBar()->height() > 0, window()->findChild<DocumentTabBar*>()->isVisible(),
+                workspace()->findChild<WorkspaceToolbar*>()->isVisible()};
+    }
+
+    void movePointerTo(int y) {
+        QWidget* under = window()->childAt(300, y);
+        if (!under)
+            under = window();
+        QTest::mouseMove(under, under->mapFrom(window(), QPoint(300, y)));
+    }
+};
+
+TEST_F(FullScreenTest, pagesHaveTheWholeScreenAndTheUpperEdgeBringsTheRestBack) {
+    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
+    const std::vector<bool> all(3, true);
+    const std::vector<bool> none(3, false);
+    ASSERT_EQ(shown(), all);
+    command(u"fullScreen"_qs)->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window()->isFullScreen() && shown() == none; }));
+    EXPECT_EQ(workspace()->notice().message(), u"Press Esc to leave the full screen"_qs);
+
+    movePointerTo(0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == all; }));
+    movePointerTo(window()->height() - 50);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == none; }));
+
+    // Keys of commands still work, and the tab that comes to the front has no toolbar either.
+    const ContentView* const before = window()->currentContentView();
+    QTest::keyClick(workspace()->pdfView(), Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_NE(window()->currentContentView(), before);
+    EXPECT_EQ(shown(), none);
+    QTest::keyClick(workspace()->pdfView(), Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window()->isFullScreen() && shown() == all; }));
+}
+
+TEST_F(FullScreenTest, escapeThatDropsASelectionStaysInTheFullScreen) {
+    launch({file(u"a.pdf"_qs)});
+    command(u"fullScreen"_qs)->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window()->isFullScreen(); }));
+    workspace()->pdfView()->selectAll();
+    QTest::keyClick(workspace()->pdfView(), Qt::Key_Escape);
+    EXPECT_FALSE(workspace()->pdfView()->hasSelection());
+    EXPECT_TRUE(window()->isFullScreen());
+    QTest::keyClick(workspace()->pdfView(), Qt::Key_Escape);
+    EXPECT_FALSE(window()->isFullScreen());
+}
+
+TEST_F(FullScreenTest, aWindowThatIsNoLongerMaximizedHasTheSizeOfTheLastTime) {
+    launch({file(u"a.pdf"_qs)});
+    window()->showNormal();
+    window()->resize(777, 555);
+    ASSERT_TRUE(
+        QTest::qWaitFor([this] { return m_app->defaults().stringForKey(u"DocumentWindow.size"_qs) == u"777x555"_qs; }));
+    for (const QString& stored : {u"777x555"_qs, u"0x-4"_qs, u"wide"_qs}) {
+        m_app->defaults().setString(u"DocumentWindow.size"_qs, stored);
+        m_app->controller().closeAllDocuments();
+        settle();
+        open(file(u"b.pdf"_qs));
+        EXPECT_TRUE(window()->isMaximized());
+        window()->showNormal();
+        settle();
+        EXPECT_EQ(window()->normalGeometry().size(), stored == u"777x555"_qs ? QSize(777, 555) : QSize(1000, 720))
+            << stored.toStdString();
+    }
+}

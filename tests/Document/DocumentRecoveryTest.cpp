@@ -1,0 +1,384 @@
+#include "DocumentRecovery.h"
+
+#include "DocumentController.h"
+#include "EditedPdf.h"
+#include "LostDocuments.h"
+#include "RecoveryRecord.h"
+#include "RecoveryStore.h"
+#include "SilentPresenter.h"
+#include "UserDefaults.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <sys/resource.h>
+
+#include <gtest/gtest.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int timeLimitInMilliseconds = 60'000;
+
+RecoveryPace quickPace() {
+    RecoveryPace pace;
+    pace.afterChange = pace.betweenWrites = pace.longestBetweenWrites = pace.beforeRetry = pace.betweenPictures = 5ms;
+    pace.pictureTimeLimit = 30s;
+    return pace;
+}
+
+/// What a process has, without windows. A crash is that it is gone with its documents open.
+struct Session {
+    explicit Session(const QTemporaryDir& folder, const RecoveryPace& pace = quickPace())
+        : defaults(folder.filePath(u"settings.ini"_qs)),
+          controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults),
+          recovery(controller, folder.filePath(u"recovery"_qs), pace), lostDocuments(controller, recovery) {}
+
+    std::shared_ptr<PDFEditorDocument> open(const QString& path) {
+        std::shared_ptr<PDFEditorDocument> document;
+        controller.openDocument(QUrl::fromLocalFile(path), false, [&](const auto& opened, bool, const QString&) {
+            document = std::dynamic_pointer_cast<PDFEditorDocument>(opened);
+        });
+        return document;
+    }
+
+    /// Makes the change and waits until it is recorded.
+    void record(const std::function<void()>& change) {
+        QSignalSpy written(&recovery, &DocumentRecovery::written);
+        change();
+        EXPECT_TRUE(written.wait(timeLimitInMilliseconds));
+    }
+
+    /// The only lost document, recovered; null with `error` set when that failed.
+    std::shared_ptr<PDFEditorDocument> recoverOnly(QString* error = nullptr) {
+        const std::vector<LostDocument> lost = lostDocuments.take();
+        EXPECT_EQ(lost.size(), 1U);
+        std::shared_ptr<PDFEditorDocument> recovered;
+        bool isDone = false;
+        if (!lost.empty())
+            lostDocuments.recover(lost.front().id, [&](const auto& document, const QString& sentence) {
+                recovered = document;
+                isDone = true;
+                if (error)
+                    *error = sentence;
+            });
+        EXPECT_TRUE(QTest::qWaitFor([&isDone] { return isDone; }, timeLimitInMilliseconds));
+        return recovered;
+    }
+
+    SilentPresenter presenter;
+    UserDefaults defaults;
+    DocumentController controller;
+    DocumentRecovery recovery;
+    LostDocuments lostDocuments;
+};
+
+class DocumentRecoveryTest : public testing::Test {
+protected:
+    void SetUp() override { EditedPdf::store(m_pdf, EditedPdf::pages(3)); }
+
+    /// Of records, whoever has them.
+    int recordCount() const {
+        return static_cast<int>(
+            QDir(m_folder.filePath(u"recovery"_qs)).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
+    }
+
+    void expectNoRecordSoon() const {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return recordCount() == 0; }, timeLimitInMilliseconds));
+    }
+
+    /// Leaves a record of the file with one square more.
+    void crashWithSquare() const {
+        Session session(m_folder);
+        const auto document = session.open(m_pdf);
+        session.record([&] { EditedPdf::addSquare(*document); });
+    }
+
+    QTemporaryDir m_folder;
+    const QString m_pdf = m_folder.filePath(u"report.pdf"_qs);
+};
+
+TEST_F(DocumentRecoveryTest, thereIsARecordWhileSomethingIsUnsaved) {
+    Session session(m_folder);
+    const auto document = session.open(m_pdf);
+    QTest::qWait(30);
+    EXPECT_EQ(recordCount(), 0);
+
+    // Undone.
+    session.record([&] { EditedPdf::addSquare(*document); });
+    EXPECT_EQ(recordCount(), 1);
+    document->undoManager()->undo();
+    expectNoRecordSoon();
+
+    // Saved.
+    QCoreApplication::processEvents(); // a step of its own
+    session.record([&] { EditedPdf::addSquare(*document); });
+    EXPECT_EQ(recordCount(), 1);
+    session.controller.saveDocument(document);
+    expectNoRecordSoon();
+
+    // A save that failed keeps it.
+    QCoreApplication::processEvents();
+    session.record([&] { EditedPdf::addSquare(*document); });
+    session.presenter.saveLocation = m_folder.filePath(u"no/such/folder.pdf"_qs);
+    bool isDone = false;
+    session.controller.saveDocumentAs(document, [&isDone](bool) { isDone = true; });
+    EXPECT_TRUE(QTest::qWaitFor([&isDone] { return isDone; }, timeLimitInMilliseconds));
+    EXPECT_EQ(session.presenter.errors.size(), 1);
+    EXPECT_EQ(recordCount(), 1);
+
+    // Closed, and the changes given up.
+    session.controller.closeDocument(document);
+    expectNoRecordSoon();
+}
+
+TEST_F(DocumentRecoveryTest, changesThatComeTogetherAreWrittenTogetherAndLaterOnesLater) {
+    RecoveryPace pace = quickPace();
+    pace.afterChange = 50ms;
+    pace.betweenWrites = pace.longestBetweenWrites = 400ms;
+    Session session(m_folder, pace);
+    const auto document = session.open(m_pdf);
+    QSignalSpy written(&session.recovery, &DocumentRecovery::written);
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < 5; ++i)
+        EditedPdf::addSquare(*document);
+    ASSERT_TRUE(written.wait(timeLimitInMilliseconds));
+    const qint64 first = timer.elapsed();
+    EXPECT_GE(first, 45);
+    EditedPdf::addSquare(*document);
+    ASSERT_TRUE(written.wait(timeLimitInMilliseconds));
+    EXPECT_GE(timer.elapsed() - first, 350);
+    EXPECT_EQ(written.size(), 2);
+
+    // What an ending session asks for doesn't wait.
+    EditedPdf::addSquare(*document);
+    session.controller.prepareForSessionEnd();
+    ASSERT_EQ(recordCount(), 1);
+    const QString records = m_folder.filePath(u"recovery/"_qs);
+    const QString name = QDir(records).entryList(QDir::Dirs | QDir::NoDotAndDotDot).constFirst();
+    EXPECT_TRUE(QFileInfo::exists(records + name + u"/update-4"_qs)) << "the base and three updates";
+}
+
+TEST_F(DocumentRecoveryTest, aRecoveredDocumentIsEditedAndHasItsFileAndKeepsItsRecord) {
+    crashWithSquare();
+    {
+        Session session(m_folder);
+        const auto document = session.recoverOnly();
+        ASSERT_TRUE(document);
+        EXPECT_EQ(document->fileURL(), QUrl::fromLocalFile(m_pdf));
+        EXPECT_TRUE(document->isDocumentEdited());
+        EXPECT_FALSE(document->undoManager()->canUndo());
+        EXPECT_EQ(session.presenter.shown.size(), 1U);
+        EXPECT_EQ(session.controller.documents().size(), 1U);
+        EXPECT_EQ(EditedPdf::squareCount(*document->pdfDocument()), 1);
+        EXPECT_EQ(recordCount(), 1);
+    } // and another crash
+    {
+        Session session(m_folder);
+        const auto document = session.recoverOnly();
+        ASSERT_TRUE(document);
+        session.record([&] { EditedPdf::addSquare(*document); });
+        EXPECT_EQ(recordCount(), 1) << "it goes on with its record";
+    }
+    Session session(m_folder);
+    const auto document = session.recoverOnly();
+    ASSERT_TRUE(document);
+    EXPECT_EQ(EditedPdf::squareCount(*document->pdfDocument()), 2);
+    session.controller.saveDocument(document);
+    expectNoRecordSoon();
+    EXPECT_EQ(EditedPdf::squareCount(*PDFDocument::fromFile(m_pdf)), 2);
+}
+
+TEST_F(DocumentRecoveryTest, whereTheOriginalIsNoLongerAsItWasTheRecoveredOneIsUntitled) {
+    crashWithSquare();
+    const auto expectRecovered = [this](LostDocument::Original original, const QString& name) {
+        Session session(m_folder);
+        EXPECT_EQ(session.lostDocuments.take().front().original, original);
+        session.lostDocuments.release();
+        const auto document = session.recoverOnly();
+        ASSERT_TRUE(document);
+        EXPECT_TRUE(document->fileURL().isEmpty());
+        EXPECT_EQ(document->displayName(), name);
+        EXPECT_EQ(document->suggestedFileName(), name + u".pdf"_qs);
+        EXPECT_EQ(EditedPdf::squareCount(*document->pdfDocument()), 1);
+    };
+    EditedPdf::store(m_pdf, EditedPdf::pages(4));
+    expectRecovered(LostDocument::Original::changed, u"report (recovered)"_qs);
+    QFile::remove(m_pdf);
+    expectRecovered(LostDocument::Original::missing, u"report"_qs);
+}
+
+TEST_F(DocumentRecoveryTest, theOriginalThatWasOpenedMeanwhileMakesRoomUnlessItIsEdited) {
+    crashWithSquare();
+    {
+        Session session(m_folder);
+        const auto edited = session.open(m_pdf);
+        EditedPdf::addSquare(*edited);
+        EditedPdf::addSquare(*edited);
+        const auto document = session.recoverOnly();
+        ASSERT_TRUE(document);
+        EXPECT_EQ(document->displayName(), u"report (recovered)"_qs);
+        EXPECT_EQ(session.controller.documents().size(), 2U);
+        session.controller.closeDocument(edited);
+    }
+    Session session(m_folder);
+    const auto untouched = session.open(m_pdf);
+    const auto document = session.recoverOnly();
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->fileURL(), QUrl::fromLocalFile(m_pdf));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return session.controller.documents().size() == 1; }));
+    EXPECT_EQ(session.controller.documents().front(), document);
+}
+
+TEST_F(DocumentRecoveryTest, aDocumentThatWasNeverSavedIsRecoveredWhole) {
+    {
+        Session session(m_folder);
+        const auto document = std::dynamic_pointer_cast<PDFEditorDocument>(session.controller.newDocument());
+        session.record([&] {
+            const auto pages = PDFDocument::fromFile(m_pdf);
+            document->pdfDocument()->insert(pages->page(1)->copy(), 0);
+            document->undoManager()->markEdited();
+        });
+    }
+    Session session(m_folder);
+    EXPECT_EQ(session.lostDocuments.take().front().original, LostDocument::Original::none);
+    session.lostDocuments.release();
+    const auto document = session.recoverOnly();
+    ASSERT_TRUE(document);
+    EXPECT_TRUE(document->fileURL().isEmpty());
+    EXPECT_TRUE(document->displayName().startsWith(u"Untitled"_qs));
+    ASSERT_EQ(document->pdfDocument()->pageCount(), 1);
+    EXPECT_TRUE(document->pdfDocument()->page(0)->string().contains(u"Page 2"_qs));
+}
+
+TEST_F(DocumentRecoveryTest, aProtectedDocumentStaysProtectedInItsRecord) {
+    EditedPdf::store(m_pdf, EditedPdf::pages(3, "secret"));
+    const QString marker = u"Nobody may read this"_qs;
+    {
+        Session session(m_folder);
+        const auto document = session.open(m_pdf);
+        ASSERT_TRUE(document->pdfDocument()->unlock(u"secret"_qs));
+        Q_EMIT document->objectWillChange();
+        session.record([&] {
+            EditedPdf::addSquare(*document);
+            document->pdfDocument()->page(0)->annotations().back()->setContents(marker);
+        });
+        session.recovery.waitForDone();
+    }
+    const auto lost = RecoveryStore::takeLost(m_folder.filePath(u"recovery"_qs), QDateTime::currentDateTime());
+    ASSERT_EQ(lost.size(), 1U);
+    EXPECT_TRUE(lost.front()->picture().isNull());
+    const QByteArray bytes = lost.front()->bytes();
+    EXPECT_FALSE(bytes.contains("Page 1"));
+    EXPECT_FALSE(bytes.contains(marker.toLatin1()));
+    const auto pages = PDFDocument::fromData(bytes);
+    EXPECT_TRUE(pages->isLocked());
+    EXPECT_FALSE(pages->unlock(u"wrong"_qs));
+    ASSERT_TRUE(pages->unlock(u"secret"_qs));
+    EXPECT_EQ(pages->page(0)->annotations().back()->contents(), marker);
+}
+
+TEST_F(DocumentRecoveryTest, aLockedOneWaitsForItsPasswordAndKeepsItsRecord) {
+    EditedPdf::store(m_pdf, EditedPdf::pages(3, "secret"));
+    {
+        Session session(m_folder);
+        const auto document = session.open(m_pdf);
+        ASSERT_TRUE(document->pdfDocument()->unlock(u"secret"_qs));
+        session.record([&] { EditedPdf::addSquare(*document); });
+    }
+    Session session(m_folder);
+    const auto document = session.recoverOnly();
+    ASSERT_TRUE(document && document->pdfDocument()->isLocked());
+    EXPECT_TRUE(document->wasPasswordProtected());
+    Q_EMIT document->objectWillChange();
+    QTest::qWait(50);
+    session.controller.closeDocument(document); // the password is not at hand
+    session.recovery.waitForDone();
+    EXPECT_EQ(recordCount(), 1);
+
+    const auto again = session.recoverOnly();
+    ASSERT_TRUE(again && again->pdfDocument()->unlock(u"secret"_qs));
+    EXPECT_EQ(EditedPdf::squareCount(*again->pdfDocument()), 1);
+    session.controller.closeDocument(again);
+    expectNoRecordSoon();
+}
+
+TEST_F(DocumentRecoveryTest, thePictureShowsThePageThatTheReaderWasOnWithItsAnnotations) {
+    {
+        Session session(m_folder);
+        session.recovery.setCurrentPage([](const PDFEditorDocument&) { return 0; });
+        const auto document = session.open(m_pdf);
+        session.record([&] { EditedPdf::addSquare(*document); });
+        session.recovery.waitForDone();
+    }
+    Session session(m_folder);
+    const std::vector<LostDocument> lost = session.lostDocuments.take();
+    ASSERT_EQ(lost.size(), 1U);
+    const QImage& picture = lost.front().picture;
+    ASSERT_EQ(picture.height(), 240); // of 792 points
+    const auto colorAt = [&picture](double x, double y) {
+        return picture.pixelColor(int(x * picture.width() / 612), int((792 - y) * picture.height() / 792));
+    };
+    EXPECT_EQ(colorAt(200, 175), QColor(Qt::red));
+    EXPECT_EQ(colorAt(400, 175), QColor(Qt::white));
+    EXPECT_EQ(lost.front().description.pageCount, 3);
+}
+
+TEST_F(DocumentRecoveryTest, whatCannotBeWrittenIsToldOnceAndTriedAgain) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit former = {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    Session session(m_folder);
+    const auto document = session.open(m_pdf);
+    QSignalSpy failed(&session.recovery, &DocumentRecovery::writingFailed);
+    QSignalSpy written(&session.recovery, &DocumentRecovery::written);
+    const rlimit tiny{300, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tiny), 0);
+    EditedPdf::addSquare(*document);
+    EXPECT_TRUE(failed.wait(timeLimitInMilliseconds));
+    QTest::qWait(100); // several more attempts
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &former), 0);
+    EXPECT_EQ(failed.size(), 1);
+    EXPECT_EQ(failed.front().front().toString(),
+              u"Unsaved changes can't be kept safe from a crash now. The file is too large for this disk."_qs);
+    EXPECT_TRUE(document->isDocumentEdited());
+    EXPECT_EQ(EditedPdf::squareCount(*document->pdfDocument()), 1);
+
+    EXPECT_TRUE(!written.isEmpty() || written.wait(timeLimitInMilliseconds));
+    EXPECT_EQ(recordCount(), 1);
+}
+
+TEST_F(DocumentRecoveryTest, aRecordThatSomebodyDeletedIsMadeAnew) {
+    Session session(m_folder);
+    const auto document = session.open(m_pdf);
+    session.record([&] { EditedPdf::addSquare(*document); });
+    QDir(m_folder.filePath(u"recovery"_qs)).removeRecursively();
+    session.record([&] { EditedPdf::addSquare(*document); });
+    EXPECT_EQ(recordCount(), 1);
+}
+
+TEST_F(DocumentRecoveryTest, oneThatCannotBeReadStaysAndCanBeDeleted) {
+    crashWithSquare();
+    const QString records = m_folder.filePath(u"recovery/"_qs);
+    const QString name = QDir(records).entryList(QDir::Dirs | QDir::NoDotAndDotDot).constFirst();
+    QFile base(records + name + u"/base-1"_qs);
+    ASSERT_TRUE(base.open(QIODevice::ReadWrite));
+    base.write("?");
+    base.close();
+    Session session(m_folder);
+    QString error;
+    EXPECT_EQ(session.recoverOnly(&error), nullptr);
+    EXPECT_EQ(error, u"It is damaged."_qs);
+    EXPECT_TRUE(session.controller.documents().empty());
+    EXPECT_EQ(recordCount(), 1);
+    session.lostDocuments.discard(name);
+    EXPECT_EQ(recordCount(), 0);
+}
+
+} // namespace

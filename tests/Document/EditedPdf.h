@@ -1,0 +1,56 @@
+#pragma once
+
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFEditorDocument.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+#include "UndoManager.h"
+
+#include <QFile>
+
+#include <algorithm>
+
+/// Edits of documents as views make them, and what is left of them in a file.
+namespace EditedPdf {
+
+/// Pages that say "Page 1", "Page 2", ….
+inline QByteArray pages(int count, const QByteArray& password = {}) {
+    PdfFixture fixture;
+    for (int page = 1; page <= count; ++page)
+        fixture.addPage({u"Page %1"_qs.arg(page)});
+    return password.isEmpty() ? fixture.bytes() : fixture.encrypted(password, password, PdfFixture::Encryption::aes256);
+}
+
+inline void store(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        throw std::runtime_error("A test file can't be written.");
+}
+
+/// Puts a red square on the first page. Undo takes it away.
+inline void addSquare(PDFEditorDocument& document) {
+    const std::shared_ptr<PDFPage> page = document.pdfDocument()->page(0);
+    const auto square = std::make_shared<PDFAnnotation>(QRectF(100, 100, 200, 150), PDFAnnotationSubtype::square);
+    square->setColor(Qt::red);
+    square->setInteriorColor(Qt::red);
+    page->addAnnotation(square);
+    document.undoManager()->registerUndo(&document, [page, square] { page->removeAnnotation(square); });
+}
+
+/// Takes the last page out, which needs the file written anew. Undo brings it back.
+inline void removeLastPage(PDFEditorDocument& document) {
+    const std::shared_ptr<PDFDocument> pages = document.pdfDocument();
+    const auto page = pages->removePage(pages->pageCount() - 1);
+    document.undoManager()->registerUndo(&document, [pages, page] { pages->insert(page, pages->pageCount()); });
+}
+
+/// On the first page.
+inline int squareCount(const PDFDocument& document) {
+    const auto& annotations = document.page(0)->annotations();
+    return static_cast<int>(std::count_if(annotations.begin(), annotations.end(), [](const auto& annotation) {
+        return annotation->type() == PDFAnnotationSubtype::square;
+    }));
+}
+
+} // namespace EditedPdf

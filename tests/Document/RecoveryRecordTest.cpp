@@ -1,0 +1,321 @@
+#include "RecoveryRecord.h"
+
+#include "FileError.h"
+#include "RecoveryStore.h"
+#include "RestrictedRuns.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace {
+
+RecoveryDescription description(const QString& name = u"Bericht ü.pdf"_qs) {
+    RecoveryDescription result;
+    result.displayName = name;
+    result.originalPath = u"/home/somebody/Bericht ü.pdf"_qs;
+    result.originalStamp = FileStamp{0, 0, 1234, 1'790'000'000'123'456'789};
+    result.writeTime = QDateTime::fromMSecsSinceEpoch(1'790'000'000'123);
+    result.pageCount = 7;
+    result.pageIndex = 3;
+    return result;
+}
+
+class RecoveryRecordTest : public testing::Test {
+protected:
+    QString folder() const { return m_folder.filePath(u"state/quillo/recovery"_qs); }
+
+    /// The path of the only record in the folder.
+    QString recordPath() const {
+        const QStringList names = QDir(folder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        return names.size() == 1 ? folder() + u'/' + names.constFirst() : QString();
+    }
+
+    /// What is in the folder of the record but the lock and the manifest.
+    QStringList parts() const {
+        QStringList names = QDir(recordPath()).entryList(QDir::Files | QDir::Hidden);
+        names.removeAll(u"lock"_qs);
+        names.removeAll(u"document.json"_qs);
+        return names;
+    }
+
+    static int mode(const QString& path) {
+        struct stat status = {};
+        return stat(QFile::encodeName(path).constData(), &status) == 0 ? int(status.st_mode & 07777) : -1;
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(RecoveryRecordTest, comesBackAsItWasWritten) {
+    const QByteArray base(100'000, 'b');
+    auto record = RecoveryRecord::create(folder());
+    EXPECT_FALSE(record->manifest());
+    record->write(description(), base, "first");
+    const QStringList first = parts();
+    record->write(description(), base, "second");
+    EXPECT_EQ(record->bytes(), base + "second");
+    // The base was not written again, and the former update is gone.
+    const QStringList second = parts();
+    ASSERT_EQ(second.size(), 2);
+    EXPECT_EQ(second.constFirst(), first.constFirst());
+    EXPECT_NE(second.constLast(), first.constLast());
+
+    EXPECT_EQ(RecoveryRecord::take(recordPath()), nullptr) << "of this very process";
+    record.reset();
+    record = RecoveryRecord::take(recordPath());
+    ASSERT_TRUE(record && record->manifest());
+    EXPECT_EQ(record->bytes(), base + "second");
+    const RecoveryDescription read = record->manifest()->description;
+    const RecoveryDescription written = description();
+    EXPECT_EQ(read.displayName, written.displayName);
+    EXPECT_EQ(read.originalPath, written.originalPath);
+    EXPECT_EQ(read.originalStamp, written.originalStamp);
+    EXPECT_EQ(read.writeTime, written.writeTime);
+    EXPECT_EQ(read.pageCount, written.pageCount);
+    EXPECT_EQ(read.pageIndex, written.pageIndex);
+
+    // One that was taken goes on with names that aren't in use.
+    record->write(description(), "anew", {});
+    EXPECT_EQ(record->bytes(), "anew");
+    EXPECT_EQ(parts().size(), 1);
+
+    record->remove();
+    record.reset();
+    EXPECT_TRUE(QDir(folder()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+}
+
+TEST_F(RecoveryRecordTest, isForThisUserOnly) {
+    const mode_t former = umask(0);
+    const auto record = RecoveryRecord::create(folder());
+    record->write(description(), "base", "update");
+    record->setPicture(QImage(20, 20, QImage::Format_RGB32));
+    umask(former);
+    EXPECT_EQ(mode(folder()), 0700);
+    EXPECT_EQ(mode(recordPath()), 0700);
+    for (const QFileInfo& file : QDir(recordPath()).entryInfoList(QDir::Files | QDir::Hidden))
+        EXPECT_EQ(mode(file.filePath()), 0600) << file.fileName().toStdString();
+}
+
+TEST_F(RecoveryRecordTest, keepsAPictureOfSensibleSize) {
+    const auto record = RecoveryRecord::create(folder());
+    EXPECT_TRUE(record->picture().isNull());
+    QImage picture(30, 40, QImage::Format_RGB32);
+    picture.fill(Qt::green);
+    record->setPicture(picture);
+    EXPECT_EQ(record->picture().size(), picture.size());
+    EXPECT_EQ(record->picture().pixelColor(5, 5), QColor(Qt::green));
+    QImage wall(4000, 10, QImage::Format_RGB32);
+    record->setPicture(wall);
+    EXPECT_TRUE(record->picture().isNull());
+}
+
+TEST_F(RecoveryRecordTest, aFullDiskLeavesTheFormerWrite) {
+    const auto report = RestrictedRuns::onSmallDisk(m_folder.path(), [this](const std::function<void()>&) {
+        QStringList lines;
+        const auto attempt = [&lines](const std::function<void()>& operation) {
+            try {
+                operation();
+                lines.append(u"done"_qs);
+            } catch (const FileError& error) {
+                lines.append(error.sentence());
+            }
+        };
+        auto record = RecoveryRecord::create(folder());
+        const QByteArray base(20'000, 'b');
+        attempt([&] { record->write(description(), base, "first"); });
+        attempt([&] { record->write(description(), base, QByteArray(60'000, 'u')); });
+        attempt([&] { record->write(description(), QByteArray(60'000, 'n'), {}); });
+        lines.append(record->bytes() == base + "first" ? u"intact"_qs : u"broken"_qs);
+        lines.append(QString::number(parts().size()));
+        record.reset();
+        record = RecoveryRecord::take(recordPath());
+        lines.append(record->bytes() == base + "first" ? u"intact"_qs : u"broken"_qs);
+        attempt([&] { record->write(description(), base, "second"); });
+        return lines;
+    });
+    if (!report)
+        GTEST_SKIP() << "This system lets nobody mount a disk.";
+    EXPECT_EQ(report->join(u'|').toStdString(),
+              "done|There isn't enough space on the disk.|There isn't enough space on the disk.|intact|2|intact|done");
+}
+
+TEST_F(RecoveryRecordTest, aFolderThatSomeoneRemovedIsNoticed) {
+    const auto record = RecoveryRecord::create(folder());
+    EXPECT_TRUE(record->isInPlace());
+    QDir(folder()).removeRecursively();
+    EXPECT_FALSE(record->isInPlace());
+    EXPECT_THROW(record->write(description(), "base", {}), FileError);
+}
+
+/// Damage to a record of the parts "base" and "update" that must neither crash nor be taken for a document.
+struct Damage {
+    const char* name;
+    std::function<void(const QString& path)> damage;
+    bool isSeenAtOnce = true; ///< false: only when its bytes are asked for
+    int daysKept = 29;
+};
+
+void replace(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
+
+/// Sets a value of the manifest, or of the object `in` in it.
+std::function<void(const QString& path)> withValue(const QString& key, const QJsonValue& value,
+                                                   const QString& in = {}) {
+    return [=](const QString& path) {
+        QFile file(path + u"/document.json"_qs);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
+        file.close();
+        if (in.isEmpty()) {
+            object.insert(key, value);
+        } else {
+            QJsonObject inner = object.value(in).toObject();
+            inner.insert(key, value);
+            object.insert(in, inner);
+        }
+        replace(file.fileName(), QJsonDocument(object).toJson());
+    };
+}
+
+const std::vector<Damage> damages = {
+    {"no manifest", [](const QString& path) { QFile::remove(path + u"/document.json"_qs); }, true, 1},
+    {"empty manifest", [](const QString& path) { replace(path + u"/document.json"_qs, {}); }},
+    {"cut manifest", [](const QString& path) { QFile(path + u"/document.json"_qs).resize(40); }},
+    {"noise", [](const QString& path) { replace(path + u"/document.json"_qs, QByteArray(3000, '\xFE')); }},
+    {"an array", [](const QString& path) { replace(path + u"/document.json"_qs, "[1, 2]"); }},
+    {"deep nesting", [](const QString& path) { replace(path + u"/document.json"_qs, QByteArray(60'000, '[')); }},
+    {"huge manifest", [](const QString& path) { QFile(path + u"/document.json"_qs).resize(qint64(1) << 40); }},
+    {"manifest is a folder",
+     [](const QString& path) {
+         QFile::remove(path + u"/document.json"_qs);
+         QDir(path).mkdir(u"document.json"_qs);
+     }},
+    {"manifest is a pipe",
+     [](const QString& path) {
+         QFile::remove(path + u"/document.json"_qs);
+         mkfifo(QFile::encodeName(path + u"/document.json"_qs).constData(), 0600);
+     }},
+    {"manifest is a link",
+     [](const QString& path) {
+         QFile::rename(path + u"/document.json"_qs, path + u"/../elsewhere.json"_qs);
+         QFile::link(path + u"/../elsewhere.json"_qs, path + u"/document.json"_qs);
+     }},
+    {"newer format", withValue(u"version"_qs, 2)},
+    {"time before all times", withValue(u"time"_qs, -5)},
+    {"time beyond all times", withValue(u"time"_qs, 1e300)},
+    {"path that is none", withValue(u"path"_qs, u"../../etc/passwd"_qs)},
+    {"endless path", withValue(u"path"_qs, QString(10'000, u'/'))},
+    {"base elsewhere", withValue(u"file"_qs, u"../../../../etc/passwd"_qs, u"base"_qs)},
+    {"base is the lock", withValue(u"file"_qs, u"lock"_qs, u"base"_qs)},
+    {"base of negative size", withValue(u"size"_qs, -1, u"base"_qs)},
+    {"base of absurd size", withValue(u"size"_qs, 1e18, u"base"_qs)},
+    {"base of another size", withValue(u"size"_qs, 5, u"base"_qs)},
+    {"base without sum", withValue(u"sha256"_qs, u"abc"_qs, u"base"_qs)},
+    {"update is no object", withValue(u"update"_qs, 7)},
+    {"update missing", [](const QString& path) { QFile::remove(path + u"/update-2"_qs); }},
+    {"base missing", [](const QString& path) { QFile::remove(path + u"/base-1"_qs); }},
+    {"base cut", [](const QString& path) { QFile(path + u"/base-1"_qs).resize(2); }},
+    {"base grown", [](const QString& path) { QFile(path + u"/base-1"_qs).resize(qint64(1) << 40); }},
+    {"base of other bytes", [](const QString& path) { replace(path + u"/base-1"_qs, "BASE"); }, false},
+    {"update of other bytes", [](const QString& path) { replace(path + u"/update-2"_qs, "UPDATE"); }, false},
+};
+
+TEST_F(RecoveryRecordTest, damagedOnesArePassedOverAndDeletedWhenTheyAreOld) {
+    for (const Damage& each : damages) {
+        SCOPED_TRACE(each.name);
+        {
+            const auto record = RecoveryRecord::create(folder());
+            record->write(description(), "base", "update");
+        }
+        const QString path = recordPath();
+        each.damage(path);
+        const QDateTime now = QDateTime::currentDateTime();
+        {
+            const auto lost = RecoveryStore::takeLost(folder(), now);
+            ASSERT_EQ(lost.size(), each.isSeenAtOnce ? 0U : 1U);
+            for (const auto& record : lost)
+                EXPECT_THROW((void)record->bytes(), FileError);
+        }
+        (void)RecoveryStore::takeLost(folder(), now.addDays(each.daysKept));
+        EXPECT_TRUE(QFileInfo::exists(path)) << "deleted too early";
+        (void)RecoveryStore::takeLost(folder(), now.addDays(each.daysKept + 3));
+        EXPECT_EQ(QFileInfo::exists(path), !each.isSeenAtOnce);
+        QDir(folder()).removeRecursively();
+    }
+}
+
+TEST_F(RecoveryRecordTest, whatIsOnlyToldIsPutRight) {
+    {
+        const auto record = RecoveryRecord::create(folder());
+        record->write(description(), "base", "update");
+    }
+    const QString path = recordPath();
+    withValue(u"name"_qs, u"a/b\n\u202Ec\u0007 📄"_qs + QString(1000, u'x'))(path);
+    withValue(u"pageCount"_qs, -3)(path);
+    withValue(u"pageIndex"_qs, 1e30)(path);
+    withValue(u"original"_qs, u"?"_qs)(path);
+    const auto lost = RecoveryStore::takeLost(folder(), QDateTime::currentDateTime());
+    ASSERT_EQ(lost.size(), 1U);
+    const RecoveryDescription& told = lost.front()->manifest()->description;
+    EXPECT_TRUE(told.displayName.startsWith(u"a b c 📄xxx"_qs)) << told.displayName.toStdString();
+    EXPECT_LE(told.displayName.size(), 255);
+    EXPECT_EQ(told.pageCount, 0);
+    EXPECT_EQ(told.pageIndex, 0);
+    EXPECT_FALSE(told.originalStamp);
+    EXPECT_EQ(lost.front()->bytes(), "baseupdate");
+}
+
+TEST_F(RecoveryRecordTest, leftoversGoAndStrangersStay) {
+    ASSERT_TRUE(QDir().mkpath(folder()));
+    const QDir records(folder());
+    for (const char* name : {".removed-1", ".new-1", "photos", "0123"})
+        ASSERT_TRUE(records.mkpath(QLatin1String(name) + u"/inner"_qs));
+    replace(records.filePath(u"notes.txt"_qs), "mine");
+    const QString target = m_folder.filePath(u"target"_qs);
+    ASSERT_TRUE(QDir().mkpath(target));
+    ASSERT_TRUE(QFile::link(target, records.filePath(QString(32, u'a'))));
+
+    const QDateTime now = QDateTime::currentDateTime();
+    EXPECT_TRUE(RecoveryStore::takeLost(folder(), now).empty());
+    EXPECT_FALSE(records.exists(u".removed-1"_qs));
+    EXPECT_TRUE(records.exists(u".new-1"_qs)) << "somebody may be at it";
+    EXPECT_TRUE(RecoveryStore::takeLost(folder(), now.addDays(40)).empty());
+    EXPECT_FALSE(records.exists(u".new-1"_qs));
+    for (const char* name : {"photos/inner", "0123/inner", "notes.txt"})
+        EXPECT_TRUE(records.exists(QLatin1String(name))) << name;
+    EXPECT_TRUE(QDir(target).isEmpty()) << "a link was followed";
+}
+
+TEST_F(RecoveryRecordTest, aNewLookFindsTheNewestFirst) {
+    for (int minute = 0; minute < 3; ++minute) {
+        RecoveryDescription each = description(QString::number(minute));
+        each.writeTime = each.writeTime.addSecs(minute == 2 ? 30 : 60 * minute);
+        RecoveryRecord::create(folder())->write(each, "base", {});
+    }
+    QStringList names;
+    for (const auto& record : RecoveryStore::takeLost(folder(), QDateTime::currentDateTime()))
+        names.append(record->manifest()->description.displayName);
+    EXPECT_EQ(names.join(u','), u"1,2,0"_qs);
+}
+
+TEST_F(RecoveryRecordTest, theFolderFollowsTheBaseDirectories) {
+    const QByteArray former = qgetenv("XDG_STATE_HOME");
+    qputenv("XDG_STATE_HOME", "/somewhere");
+    EXPECT_EQ(RecoveryStore::standardFolder(), u"/somewhere/quillo/recovery"_qs);
+    for (const char* useless : {"", "relative"}) {
+        qputenv("XDG_STATE_HOME", useless);
+        EXPECT_EQ(RecoveryStore::standardFolder(), QDir::homePath() + u"/.local/state/quillo/recovery"_qs);
+    }
+    qputenv("XDG_STATE_HOME", former);
+}
+
+} // namespace

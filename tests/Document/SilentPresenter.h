@@ -1,0 +1,33 @@
+#pragma once
+
+#include "DocumentPresenter.h"
+
+#include <QStringList>
+
+/// A presenter without windows, for a controller that nobody looks at: gives up what can be given up, cancels nothing.
+class SilentPresenter : public DocumentPresenter {
+public:
+    void show(const std::shared_ptr<Document>& document) override { shown.push_back(document); }
+    void bringForward(const std::shared_ptr<Document>&) override {}
+    SaveAnswer askToSave(const std::shared_ptr<Document>&) override { return SaveAnswer::DontSave; }
+    SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>&) override {
+        return {SaveAnswer::DontSave, {}};
+    }
+    ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>&) override {
+        return ChangedFileAnswer::Overwrite;
+    }
+    bool askToRevert(const std::shared_ptr<Document>&) override { return true; }
+    std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>&, const QString&) override {
+        return saveLocation;
+    }
+    void presentError(const QString& title, const QString& sentence) override { errors.append(title + sentence); }
+    bool offerSaveAs(const std::shared_ptr<Document>&, const QString& title, const QString& sentence) override {
+        errors.append(title + sentence);
+        return false;
+    }
+    void didClose(const std::shared_ptr<Document>&) override {}
+
+    std::optional<QString> saveLocation;
+    std::vector<std::shared_ptr<Document>> shown;
+    QStringList errors;
+};

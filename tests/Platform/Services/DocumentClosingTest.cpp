@@ -1,0 +1,221 @@
+#include "ControllerFixture.h"
+
+#include <QSignalSpy>
+
+namespace {
+
+class DocumentClosingTest : public ControllerFixture {
+protected:
+    /// An edited document whose saves wait for `m_gate`.
+    std::shared_ptr<TextDocument> openGated(const char* name) {
+        auto document = edit(open(makeFile(name)));
+        document->gate = m_gate;
+        m_presenter.takeCalls();
+        return document;
+    }
+
+    const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
+};
+
+TEST_F(DocumentClosingTest, ClosingAsksAboutUnsavedChanges) {
+    const struct {
+        bool edited;
+        Answer answer;
+        const char* failure;
+        bool closes;
+        const char* content;
+        const char* calls;
+    } rows[] = {
+        {false, Answer::Cancel, "", true, "text", "closed a.txt"},
+        {true, Answer::Cancel, "", false, "text", "ask a.txt"},
+        {true, Answer::DontSave, "", true, "text", "ask a.txt; closed a.txt"},
+        {true, Answer::Save, "", true, "text+", "ask a.txt; closed a.txt"},
+        {true, Answer::Save, "No.", false, "text", "ask a.txt; “a.txt” couldn't be saved. No."},
+    };
+    for (const auto& row : rows) {
+        auto document = open(makeFile("a.txt"));
+        if (row.edited)
+            edit(document);
+        document->failure = QLatin1String(row.failure);
+        m_presenter.answer = row.answer;
+        m_presenter.takeCalls();
+        EXPECT_EQ(close(document), row.closes);
+        EXPECT_EQ(m_presenter.takeCalls(), row.calls);
+        EXPECT_EQ(contentOf("a.txt"), row.content);
+        EXPECT_EQ(m_controller->documents().size(), row.closes ? 0u : 1u) << row.calls;
+        EXPECT_EQ(m_controller->currentDocument(), row.closes ? nullptr : document);
+        const std::weak_ptr<Document> watch = document;
+        m_presenter.answer = Answer::DontSave;
+        EXPECT_TRUE(close(document));
+        document.reset();
+        EXPECT_TRUE(watch.expired()) << "nobody keeps a closed document";
+    }
+}
+
+TEST_F(DocumentClosingTest, AQuestionIsAskedOnceAtATime) {
+    const auto document = edit(m_controller->newDocument());
+    m_presenter.answer = Answer::Save;
+    m_presenter.takeCalls();
+    m_presenter.whileAsking = [&](const auto& asked) {
+        EXPECT_FALSE(close(asked));
+        EXPECT_FALSE(save(asked));
+        EXPECT_FALSE(closeAll());
+    };
+    EXPECT_FALSE(close(document)) << "no place to save to was chosen";
+    EXPECT_EQ(m_presenter.takeCalls(), "ask Untitled; choose Untitled.txt");
+    m_presenter.whileAsking = nullptr;
+    m_presenter.answer = Answer::DontSave;
+    EXPECT_TRUE(close(m_controller->documents().front())) << "and it can be asked again";
+}
+
+TEST_F(DocumentClosingTest, ClosingDuringASaveWaitsForIt) {
+    const auto document = openGated("a.txt");
+    Outcome saved, closed, closedAgain;
+    m_controller->saveDocument(document, saved.completion());
+    m_controller->closeDocument(document, closed.completion());
+    m_controller->closeDocument(document, closedAgain.completion());
+    EXPECT_EQ(closedAgain.succeeded, false) << "it will be closed already";
+    EXPECT_FALSE(closed.succeeded.has_value());
+    m_gate->release();
+    EXPECT_TRUE(closed.waitFor());
+    EXPECT_EQ(m_presenter.takeCalls(), "closed a.txt");
+    EXPECT_EQ(contentOf("a.txt"), "text+");
+
+    const auto changed = openGated("b.txt");
+    Outcome closedChanged;
+    m_controller->saveDocument(changed);
+    m_controller->closeDocument(changed, closedChanged.completion());
+    edit(changed);
+    m_gate->release();
+    EXPECT_FALSE(closedChanged.waitFor());
+    EXPECT_EQ(m_presenter.takeCalls(), "ask b.txt") << "the save did not hold the last change";
+    EXPECT_EQ(contentOf("b.txt"), "text+");
+
+    const auto failing = openGated("c.txt");
+    Outcome closedFailing;
+    failing->setFileURL(QUrl::fromLocalFile(path("gone/c.txt")));
+    m_controller->saveDocument(failing);
+    m_controller->closeDocument(failing, closedFailing.completion());
+    m_gate->release();
+    EXPECT_FALSE(closedFailing.waitFor());
+    EXPECT_EQ(m_presenter.takeCalls().find("“c.txt” couldn't be saved."), 0u);
+    EXPECT_TRUE(failing->isDocumentEdited());
+    EXPECT_EQ(m_controller->documents().size(), 2u);
+}
+
+TEST_F(DocumentClosingTest, QuittingAsksOnceAboutAllUnsavedChanges) {
+    QStringList signalled;
+    const auto note = [&signalled](const char* what) {
+        return [&signalled, what](const std::shared_ptr<Document>& document) {
+            signalled.append(QLatin1String(what) + (document ? document->displayName() : QString()));
+        };
+    };
+    QObject::connect(m_controller.get(), &DocumentController::documentAdded, note("+"));
+    QObject::connect(m_controller.get(), &DocumentController::documentRemoved, note("-"));
+    QObject::connect(m_controller.get(), &DocumentController::currentDocumentChanged, note("*"));
+    open(makeFile("a.txt"));
+    const auto second = edit(open(makeFile("b.txt")));
+    open(makeFile("c.txt"));
+    m_presenter.takeCalls();
+    EXPECT_FALSE(closeAll());
+    EXPECT_EQ(m_presenter.takeCalls(), "forward b.txt; ask b.txt") << "with one, the ordinary question";
+    EXPECT_EQ(m_controller->documents().size(), 3u);
+
+    const auto untitled = edit(m_controller->newDocument());
+    m_presenter.takeCalls();
+    EXPECT_FALSE(closeAll());
+    EXPECT_EQ(m_presenter.takeCalls(), "ask b.txt,Untitled");
+
+    m_presenter.answer = Answer::Save;
+    EXPECT_FALSE(closeAll());
+    EXPECT_EQ(m_presenter.takeCalls(), "ask b.txt,Untitled; forward Untitled; choose Untitled.txt");
+    EXPECT_EQ(contentOf("b.txt"), "text+");
+    EXPECT_EQ(m_controller->documents().size(), 4u) << "all stay when one has no place";
+
+    edit(second);
+    m_presenter.location = path("d.txt");
+    EXPECT_TRUE(closeAll());
+    EXPECT_EQ(m_presenter.takeCalls(), "ask b.txt,Untitled; forward Untitled; choose Untitled.txt; closed a.txt; "
+                                       "closed b.txt; closed c.txt; closed d.txt");
+    EXPECT_EQ(contentOf("b.txt") + ' ' + contentOf("d.txt"), "text++ +");
+    EXPECT_TRUE(closeAll());
+    EXPECT_EQ(signalled.join(QLatin1Char(' ')).toStdString(),
+              "+a.txt *a.txt +b.txt *b.txt +c.txt *c.txt *b.txt +Untitled *Untitled -a.txt -b.txt -c.txt * -d.txt");
+}
+
+TEST_F(DocumentClosingTest, QuittingSavesWhatIsCheckedAndGivesUpTheRest) {
+    for (const char* name : {"a.txt", "b.txt", "c.txt"})
+        edit(open(makeFile(name)));
+    m_presenter.uncheckedNames = QStringList{QStringLiteral("b.txt")};
+    m_presenter.answer = Answer::Save;
+    EXPECT_TRUE(closeAll());
+    EXPECT_EQ(contentOf("a.txt") + contentOf("b.txt") + contentOf("c.txt"), "text+texttext+");
+
+    for (const char* name : {"a.txt", "b.txt"})
+        edit(open(makeFile(name)));
+    m_presenter.answer = Answer::DontSave;
+    EXPECT_TRUE(closeAll());
+    EXPECT_EQ(contentOf("a.txt") + contentOf("b.txt"), "texttext");
+}
+
+TEST_F(DocumentClosingTest, QuittingDuringASaveWaitsAndAsksAboutLaterChanges) {
+    const auto document = openGated("a.txt");
+    Outcome quit, quitAgain;
+    m_controller->saveDocument(document);
+    m_controller->closeAllDocuments(quit.completion());
+    m_controller->closeAllDocuments(quitAgain.completion());
+    EXPECT_EQ(quitAgain.succeeded, false) << "it is under way already";
+    m_presenter.answer = Answer::Save;
+    edit(document);
+    m_gate->release();
+    while (m_presenter.takeCalls() != "forward a.txt; ask a.txt")
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    edit(document); // while quitting saves it
+    m_gate->release(2);
+    EXPECT_TRUE(quit.waitFor());
+    EXPECT_EQ(m_presenter.takeCalls(), "forward a.txt; ask a.txt; closed a.txt");
+    EXPECT_EQ(contentOf("a.txt"), "text+++");
+}
+
+TEST_F(DocumentClosingTest, AFailedSaveOrANewDocumentStopsQuitting) {
+    const auto document = openGated("a.txt");
+    const auto failing = edit(open(makeFile("b.txt")));
+    failing->failure = QStringLiteral("No.");
+    m_presenter.answer = Answer::Save;
+    m_gate->release();
+    m_presenter.takeCalls();
+    EXPECT_FALSE(closeAll());
+    EXPECT_EQ(m_presenter.takeCalls(), "ask a.txt,b.txt; “b.txt” couldn't be saved. No.");
+    EXPECT_EQ(m_controller->documents().size(), 2u);
+    EXPECT_EQ(contentOf("a.txt"), "text+");
+
+    failing->failure.clear();
+    edit(document);
+    Outcome quit;
+    m_controller->closeAllDocuments(quit.completion());
+    const auto late = open(makeFile("late.txt"));
+    m_gate->release();
+    EXPECT_FALSE(quit.waitFor());
+    EXPECT_EQ(m_controller->documents(), std::vector<std::shared_ptr<Document>>{late})
+        << "who opens a file wants to see it";
+    EXPECT_TRUE(closeAll());
+}
+
+TEST_F(DocumentClosingTest, ASessionsEndAsksNothingAndWaitsForWhatIsBeingSaved) {
+    const auto document = openGated("a.txt");
+    edit(open(makeFile("b.txt")));
+    m_presenter.takeCalls();
+    QSignalSpy ending(m_controller.get(), &DocumentController::sessionWillEnd);
+    Outcome prepared;
+    m_controller->saveDocument(document);
+    m_controller->prepareForSessionEnd(prepared.completion());
+    EXPECT_EQ(ending.count(), 1);
+    EXPECT_FALSE(prepared.succeeded.has_value());
+    m_gate->release();
+    EXPECT_TRUE(prepared.waitFor());
+    EXPECT_EQ(contentOf("a.txt") + contentOf("b.txt"), "text+text");
+    EXPECT_EQ(m_controller->documents().size(), 2u);
+    EXPECT_EQ(m_presenter.takeCalls(), "");
+}
+
+} // namespace
