@@ -73,6 +73,21 @@ DocumentPresenter::ChangedFileAnswer DocumentDialogs::askAboutChangedFile(QWidge
                                          : DocumentPresenter::ChangedFileAnswer::Cancel;
 }
 
+bool DocumentDialogs::askToReload(QWidget* parent, const QString& documentName) {
+    QMessageBox box(parent);
+    box.setObjectName(QStringLiteral("reloadQuestion"));
+    setContent(
+        box, warningSymbol(), QStringLiteral("“%1” has been changed by another program.").arg(documentName),
+        QStringLiteral("You have changes of your own that aren't saved. If you reload the file, they are lost. If "
+                       "you keep them, saving replaces the other program's version."));
+    auto* reload = box.addButton(QStringLiteral("Reload"), QMessageBox::DestructiveRole);
+    auto* keep = box.addButton(QStringLiteral("Keep My Changes"), QMessageBox::RejectRole);
+    box.setDefaultButton(keep);
+    box.setEscapeButton(keep);
+    box.exec();
+    return box.clickedButton() == reload;
+}
+
 bool DocumentDialogs::askToRevert(QWidget* parent, const QString& documentName) {
     QMessageBox box(parent);
     box.setObjectName(QStringLiteral("revertQuestion"));

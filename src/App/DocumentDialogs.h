@@ -30,6 +30,9 @@ public:
     /// Whether to save over a file that another program has changed.
     virtual DocumentPresenter::ChangedFileAnswer askAboutChangedFile(QWidget* parent, const QString& documentName);
 
+    /// Whether to give up the changes of a document for those that another program has made to its file.
+    virtual bool askToReload(QWidget* parent, const QString& documentName);
+
     /// Whether to give up the changes of a document.
     virtual bool askToRevert(QWidget* parent, const QString& documentName);
 

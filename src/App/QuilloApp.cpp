@@ -23,10 +23,15 @@ QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
       m_services{m_controller, m_defaults, m_actions, *m_dialogs},
       m_defaultHandler(m_defaults,
                        [this] { return m_dialogs->askToBecomeDefault(WindowPresenter::windowForQuestions()); }),
-      m_delegate(m_services, m_defaultHandler), m_crashRecovery(m_controller, m_presenter) {
+      m_delegate(m_services, m_defaultHandler), m_crashRecovery(m_controller, m_presenter),
+      m_fileMonitor(m_controller, m_presenter) {
     m_presenter.setServices(m_services);
     connect(&m_presenter, &WindowPresenter::documentPresented, &m_delegate, &AppDelegate::closeWelcomeWindow,
             Qt::QueuedConnection);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, &m_fileMonitor, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive)
+            m_fileMonitor.checkAll();
+    });
     connectActions();
     connectSessionManager();
     setFileDestinations();

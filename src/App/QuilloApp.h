@@ -6,6 +6,7 @@
 #include "DefaultPDFHandler.h"
 #include "DocumentController.h"
 #include "DocumentDialogs.h"
+#include "DocumentFileMonitor.h"
 #include "UserDefaults.h"
 #include "WindowPresenter.h"
 
@@ -80,6 +81,7 @@ private:
     DefaultPDFHandler m_defaultHandler;
     AppDelegate m_delegate;
     CrashRecovery m_crashRecovery;
+    DocumentFileMonitor m_fileMonitor;
     std::unique_ptr<SettingsView> m_settings; ///< null while it isn't open
     bool m_isTerminating = false;
     bool m_sessionIsCommitted = false;

@@ -3,12 +3,17 @@
 #include "ContentView.h"
 #include "DocumentDialogs.h"
 #include "PDFEditorDocument.h"
+#include "PDFEditorWorkspaceView.h"
+#include "PassingNotice.h"
 #include "QuilloAssert.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
+
+// A sentence about a file takes longer to read than the name of a tool.
+static constexpr std::chrono::seconds noticeTime{5};
 
 WindowPresenter::WindowPresenter(DocumentDialogs& dialogs, QObject* parent) : QObject(parent), m_dialogs(dialogs) {}
 
@@ -75,6 +80,22 @@ WindowPresenter::askToSaveAll(const std::vector<std::shared_ptr<Document>>& docu
 
 DocumentPresenter::ChangedFileAnswer WindowPresenter::askAboutChangedFile(const std::shared_ptr<Document>& document) {
     return m_dialogs.askAboutChangedFile(m_window, document->displayName());
+}
+
+bool WindowPresenter::askToReload(const std::shared_ptr<Document>& document) {
+    return m_dialogs.askToReload(m_window, document->displayName());
+}
+
+void WindowPresenter::presentNotice(const std::shared_ptr<Document>& document, const QString& sentence) {
+    // Later: a document that was just read again has no view yet.
+    QMetaObject::invokeMethod(
+        this,
+        [this, document, sentence] {
+            const ContentView* view = m_window ? m_window->contentView(*document) : nullptr;
+            if (view && view->workspace())
+                view->workspace()->notice().announce(sentence, noticeTime);
+        },
+        Qt::QueuedConnection);
 }
 
 bool WindowPresenter::askToRevert(const std::shared_ptr<Document>& document) {

@@ -32,6 +32,8 @@ public:
     SaveAnswer askToSave(const std::shared_ptr<Document>& document) override;
     SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>& documents) override;
     ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) override;
+    bool askToReload(const std::shared_ptr<Document>& document) override;
+    void presentNotice(const std::shared_ptr<Document>& document, const QString& sentence) override;
     bool askToRevert(const std::shared_ptr<Document>& document) override;
     std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>& document,
                                               const QString& suggestedName) override;

@@ -81,7 +81,10 @@ void PDFEditorDocument::read(const QUrl& url) {
     if (!url.isLocalFile())
         throw DocumentError(u"Only files on this computer can be opened."_qs);
     const auto pdfDocument = withDocumentErrors([&url] { return PDFDocument::fromFile(url.toLocalFile()); });
-    setWasPasswordProtected(pdfDocument->isLocked());
+    const bool wasLocked = pdfDocument->isLocked();
+    if (wasLocked && url == fileURL())
+        pdfDocument->unlockLike(*m_pdfDocument); // the file is read again
+    setWasPasswordProtected(wasLocked);
     setPdfDocument(pdfDocument);
 }
 

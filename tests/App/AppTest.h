@@ -55,6 +55,7 @@ public:
         return changedFileAnswer;
     }
 
+    bool askToReload(QWidget*, const QString&) override { return reverts; }
     bool askToRevert(QWidget*, const QString&) override { return reverts; }
 
     bool offerSaveAs(QWidget*, const QString& title, const QString& sentence) override {

@@ -134,6 +134,11 @@ TEST(DocumentDialogs, questionsAboutAFileTakeTheAnswerThatLosesNothingAsUsual) {
         whenAsked(reply(button));
         EXPECT_EQ(dialogs.askToRevert(nullptr, u"a.pdf"_qs), answer) << button.toStdString();
     }
+    for (const auto& [button, answer] :
+         {std::pair{u"Reload"_qs, true}, std::pair{u"Keep My Changes"_qs, false}, std::pair{QString(), false}}) {
+        whenAsked(reply(button));
+        EXPECT_EQ(dialogs.askToReload(nullptr, u"a.pdf"_qs), answer) << button.toStdString();
+    }
     for (const auto& [button, answer] : {std::pair{u"Save As…"_qs, true}, std::pair{u"OK"_qs, false}}) {
         whenAsked(reply(button));
         EXPECT_EQ(dialogs.offerSaveAs(nullptr, u"It couldn't be saved."_qs, u"The disk is full."_qs), answer);

@@ -127,33 +127,63 @@ TEST_F(SavingTest, aSessionThatEndsAsksOnlyWhenItMay) {
     EXPECT_TRUE(document->isDocumentEdited());
 }
 
-TEST_F(SavingTest, revertingKeepsTheReadersPlace) {
-    launch({file(u"a.pdf"_qs, {.pageCount = 9})});
-    const auto workspace = [this] { return window()->currentContentView()->workspace(); };
-    workspace()->pdfView()->setScaleFactor(1.25);
-    workspace()->pdfView()->goToPage(document(0)->pdfDocument()->page(4));
-    settle();
-    const auto place = [&workspace] {
+/// A reader in the middle of a document.
+class ReadingAgainTest : public SavingTest {
+protected:
+    PDFEditorWorkspaceView* workspace() { return window()->currentContentView()->workspace(); }
+
+    void openInTheMiddle() {
+        launch({file(u"a.pdf"_qs, {.pageCount = 9})});
+        workspace()->pdfView()->setScaleFactor(1.25);
+        workspace()->pdfView()->goToPage(document(0)->pdfDocument()->page(4));
+        settle();
+        m_before = place();
+        m_oldWorkspace = workspace();
+    }
+
+    void expectAnotherViewAtTheSamePlace() {
+        EXPECT_NE(workspace(), m_oldWorkspace);
+        EXPECT_EQ(place().first, m_before.first);
+        EXPECT_NEAR(place().second.y(), m_before.second.y(), 2);
+        EXPECT_NEAR(workspace()->pdfView()->scaleFactor(), 1.25, 1e-6);
+    }
+
+    const PDFEditorWorkspaceView* m_oldWorkspace = nullptr;
+
+private:
+    /// The page and the point of it at the upper left of the view.
+    std::pair<int, QPointF> place() {
         const PDFView& view = *workspace()->pdfView();
         const auto page = view.pageAt({0, 0}, true);
-        return std::pair{view.document()->index(page.get()), view.convertToPage(QPointF(0, 0), *page)};
-    };
-    document(0)->pdfDocument()->page(4)->setRotation(0);
-    document(0)->undoManager()->markEdited();
-    const auto before = place();
-    const auto* oldWorkspace = workspace();
+        return {view.document()->index(page.get()), view.convertToPage(QPointF(0, 0), *page)};
+    }
 
+    std::pair<int, QPointF> m_before;
+};
+
+TEST_F(ReadingAgainTest, revertingKeepsTheReadersPlace) {
+    openInTheMiddle();
+    document(0)->undoManager()->markEdited();
     command(u"revert"_qs)->trigger();
     settle();
-    EXPECT_EQ(workspace(), oldWorkspace) << "the answer was no";
+    EXPECT_EQ(workspace(), m_oldWorkspace) << "the answer was no";
     m_dialogs->reverts = true;
     command(u"revert"_qs)->trigger();
     settle();
     EXPECT_FALSE(document(0)->isDocumentEdited());
-    EXPECT_NE(workspace(), oldWorkspace);
-    EXPECT_EQ(place().first, before.first);
-    EXPECT_NEAR(place().second.y(), before.second.y(), 2);
-    EXPECT_NEAR(workspace()->pdfView()->scaleFactor(), 1.25, 1e-6);
+    expectAnotherViewAtTheSamePlace();
+}
+
+TEST_F(ReadingAgainTest, aFileThatAnotherProgramReplacedIsShownAtTheSamePlace) {
+    openInTheMiddle();
+    const auto before = document(0)->pdfDocument();
+    file(u"b.pdf"_qs, {.pageCount = 11});
+    ASSERT_EQ(rename(qPrintable(m_folder.filePath(u"b.pdf"_qs)), qPrintable(m_folder.filePath(u"a.pdf"_qs))), 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return document(0)->pdfDocument() != before; }, 30'000));
+    settle();
+    EXPECT_EQ(document(0)->pdfDocument()->pageCount(), 11);
+    EXPECT_EQ(workspace()->notice().message(), u"“a.pdf” was changed by another program."_qs);
+    expectAnotherViewAtTheSamePlace();
 }
 
 TEST_F(SavingTest, aDuplicateIsATabOfItsOwn) {

@@ -206,4 +206,26 @@ TEST_F(PDFEditorDocumentTest, aRepairedFileOpensWithANotice) {
     EXPECT_EQ(PdfPrograms::complaints(document.dataRepresentation()), "");
 }
 
+TEST_F(PDFEditorDocumentTest, aProtectedFileThatIsReadAgainNeedsNoPassword) {
+    for (const auto encryption : {PdfFixture::Encryption::rc4, PdfFixture::Encryption::aes256}) {
+        PdfFixture fixture;
+        fill(fixture);
+        PDFEditorDocument document;
+        const QUrl url = store(u"locked.pdf"_qs, fixture.encrypted("grün", "owner", encryption));
+        document.read(url);
+        document.setFileURL(url);
+        document.read(url);
+        EXPECT_TRUE(document.pdfDocument()->isLocked()) << "nobody has given a password";
+        ASSERT_TRUE(document.pdfDocument()->unlock(u"grün"_qs) || document.pdfDocument()->unlock(u"owner"_qs));
+        document.read(url);
+        EXPECT_FALSE(document.pdfDocument()->isLocked());
+        EXPECT_EQ(document.pdfDocument()->pageCount(), 3);
+        EXPECT_TRUE(document.wasPasswordProtected());
+
+        store(u"locked.pdf"_qs, fixture.encrypted("other", "owner 2", encryption));
+        document.read(url);
+        EXPECT_TRUE(document.pdfDocument()->isLocked()) << "it has another password now";
+    }
+}
+
 } // namespace

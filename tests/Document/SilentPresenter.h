@@ -16,6 +16,8 @@ public:
     ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>&) override {
         return ChangedFileAnswer::Overwrite;
     }
+    bool askToReload(const std::shared_ptr<Document>&) override { return true; }
+    void presentNotice(const std::shared_ptr<Document>&, const QString&) override {}
     bool askToRevert(const std::shared_ptr<Document>&) override { return true; }
     std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>&, const QString&) override {
         return saveLocation;

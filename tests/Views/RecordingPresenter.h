@@ -16,6 +16,8 @@ public:
     ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>&) override {
         return ChangedFileAnswer::Cancel;
     }
+    bool askToReload(const std::shared_ptr<Document>&) override { return false; }
+    void presentNotice(const std::shared_ptr<Document>&, const QString&) override {}
     bool askToRevert(const std::shared_ptr<Document>&) override { return false; }
     bool offerSaveAs(const std::shared_ptr<Document>&, const QString& title, const QString& sentence) override {
         presentError(title, sentence);

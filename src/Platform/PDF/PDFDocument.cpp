@@ -76,9 +76,15 @@ bool PDFDocument::wasRepaired() const {
 }
 
 bool PDFDocument::unlock(const QString& password) {
-    if (!m_locked)
-        return true;
-    if (!m_source->authenticate(password))
+    return !m_locked || unlocked(m_source->authenticate(password));
+}
+
+bool PDFDocument::unlockLike(const PDFDocument& other) {
+    return !m_locked || (other.m_source && unlocked(m_source->authenticateLike(*other.m_source)));
+}
+
+bool PDFDocument::unlocked(bool authenticated) {
+    if (!authenticated)
         return false;
     m_locked = false;
     adoptPages();

@@ -46,6 +46,8 @@ public:
     [[nodiscard]] bool isEncrypted() const;
     /// Takes the user's or the owner's password. True when the document is open afterwards.
     bool unlock(const QString& password);
+    /// The same with the password that another document was unlocked with.
+    bool unlockLike(const PDFDocument& other);
     /// True when the file was damaged and had to be rebuilt to be read.
     [[nodiscard]] bool wasRepaired() const;
 
@@ -118,6 +120,7 @@ private:
     friend class DocumentFreezer;
 
     explicit PDFDocument(std::shared_ptr<PDFSource> source);
+    bool unlocked(bool authenticated);
     void adoptPages();
     std::shared_ptr<PDFPage> pageOfSource(int pageNumber) const;
 

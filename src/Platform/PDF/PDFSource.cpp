@@ -34,6 +34,10 @@ bool PDFSource::authenticate(const QString& password) {
     return m_engine->authenticate(password.toUtf8());
 }
 
+bool PDFSource::authenticateLike(const PDFSource& other) {
+    return !other.m_engine->password().isEmpty() && m_engine->authenticate(other.m_engine->password());
+}
+
 QByteArray PDFSource::password() const {
     // AES-256 takes UTF-8; the older handlers take one byte for a character (ISO 32000-2, 7.6.4.3).
     constexpr int firstRevisionWithUtf8 = 5;

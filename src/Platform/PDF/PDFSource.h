@@ -28,6 +28,8 @@ public:
     [[nodiscard]] bool needsPassword() const;
     /// True when the password, the user's or the owner's, opens the file. Main thread, before any page is read.
     bool authenticate(const QString& password);
+    /// The same with the password that opened another file.
+    bool authenticateLike(const PDFSource& other);
     /// The password that opened it, as the bytes that the file's security handler takes; empty for none.
     [[nodiscard]] QByteArray password() const;
 

@@ -88,6 +88,11 @@ public:
     /// Gives up the changes and reads the file again, after asking. The document stays as it is when that fails.
     void revertDocument(const std::shared_ptr<Document>& document);
 
+    /// Another program has changed the document's file, which has the stamp `stamp` now. Reads it again when nothing is
+    /// lost by that, and asks otherwise; a version that the user keeps may overwrite the file. A file that can't be
+    /// read leaves the document as it is.
+    void fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp);
+
     /// Closes the document; asks first what becomes of unsaved changes, and lets a save that is under way end. It stays
     /// open if the user cancelled, if saving failed, or if it is about to be closed already. Succeeds if it isn't open.
     void closeDocument(const std::shared_ptr<Document>& document, const Completion& completion = {});

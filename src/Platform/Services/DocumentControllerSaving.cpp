@@ -207,3 +207,29 @@ void DocumentController::revertDocument(const std::shared_ptr<Document>& documen
                                  DocumentError::from(error).sentence());
     }
 }
+
+void DocumentController::fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp) {
+    if (isSaving(*document) || isBeingAskedAbout(document))
+        return;
+    if (document->isDocumentEdited() || document->isBeingTyped()) {
+        auto question = noteQuestion({document});
+        const bool reloads = m_presenter.askToReload(document);
+        question.reset();
+        if (!reloads || !documentFor(document.get())) {
+            document->setFileStamp(stamp);
+            return;
+        }
+        document->commitEditing(); // what is being typed goes with the other changes
+    }
+    const QString name = document->displayName();
+    try {
+        readFile(*document, document->fileURL());
+        m_presenter.presentNotice(document, QStringLiteral("“%1” was changed by another program.").arg(name));
+    } catch (const std::exception& error) {
+        document->setFileStamp(stamp); // until it changes again
+        document->undoManager()->markEdited();
+        m_presenter.presentNotice(document,
+                                  QStringLiteral("“%1” was changed by another program and can't be read any more: %2")
+                                      .arg(name, DocumentError::from(error).sentence()));
+    }
+}

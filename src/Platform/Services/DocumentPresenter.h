@@ -37,6 +37,13 @@ public:
     /// Asks what to do about a file that another program has changed since the document was read or saved.
     virtual ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) = 0;
 
+    /// Another program has changed the file of a document that has changes of its own: asks whether to give these up
+    /// and read the file.
+    virtual bool askToReload(const std::shared_ptr<Document>& document) = 0;
+
+    /// Tells the user in passing something about the document that needs no answer.
+    virtual void presentNotice(const std::shared_ptr<Document>& document, const QString& sentence) = 0;
+
     /// Asks whether to give up the document's changes and read its file again.
     virtual bool askToRevert(const std::shared_ptr<Document>& document) = 0;
 

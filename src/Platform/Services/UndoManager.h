@@ -91,6 +91,9 @@ public:
     /// Takes the present state as the saved one, also in the middle of a step.
     void markSaved();
 
+    /// A number of the present state: the same after undoing back to it, another after any change.
+    quint64 state() const { return m_currentState; }
+
     /// Remembers the present state, for a save that ends later: `markSaved` with the number that this returns takes
     /// that state as the saved one, whatever has been done meanwhile. Also in the middle of a step. A newer note
     /// replaces an older one.

@@ -47,6 +47,14 @@ public:
         return changedFileAnswer;
     }
 
+    bool askToReload(const std::shared_ptr<Document>& document) override {
+        note("reload", document);
+        runWhileAsking(document);
+        return reverts;
+    }
+
+    void presentNotice(const std::shared_ptr<Document>&, const QString& sentence) override { m_calls.append(sentence); }
+
     bool askToRevert(const std::shared_ptr<Document>& document) override {
         note("revert", document);
         return reverts;
