@@ -84,6 +84,8 @@ public:
     ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>&) override {
         return ChangedFileAnswer::Cancel;
     }
+    bool askToReload(const std::shared_ptr<Document>&) override { return false; }
+    void presentNotice(const std::shared_ptr<Document>&, const QString&) override {}
     bool askToRevert(const std::shared_ptr<Document>&) override { return false; }
     std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>&, const QString&) override { return {}; }
     void presentError(const QString&, const QString&) override {}
