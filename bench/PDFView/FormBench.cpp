@@ -124,8 +124,7 @@ void scroll(Window& window, const char* job) {
 
 void hover(Window& window, const char* job) {
     for (int i = 0; i < 400; ++i)
-        window.measure(
-            [&] { window.mouse(QEvent::MouseMove, QPointF(30 + (i % 100) * 11, 60 + (i / 100) * 190), {}); });
+        window.measure([&] { window.mouse(QEvent::MouseMove, QPoint(30 + (i % 100) * 11, 60 + (i / 100) * 190), {}); });
     window.report(job, frameAim);
 }
 

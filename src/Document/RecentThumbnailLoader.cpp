@@ -98,7 +98,7 @@ static QImage firstPage(const QByteArray& bytes, const std::atomic<bool>& cancel
     request.pageToDevice =
         geometry.displayTransform(PDFDisplayBox::mediaBox) * QTransform::fromScale(width / size.width(), scale);
     request.deviceRect = QRect(0, 0, static_cast<int>(width), RecentThumbnailLoader::thumbnailHeight);
-    request.imaginedLooks = true;
+    request.bareAnnotations = true;
     return PageRenderer::render(request, &cancelled);
 }
 

@@ -81,8 +81,13 @@ void AnnotatingPDFView::updateFilling() {
 }
 
 void AnnotatingPDFView::commitEditors() {
-    finishGestures();
     commitFilling();
+    applyEditors();
+}
+
+void AnnotatingPDFView::applyEditors() {
+    finishGestures();
+    applyFilling();
     m_textBoxEditor->commit();
     m_noteEditor->commit();
     m_pageTextEditor->commit();

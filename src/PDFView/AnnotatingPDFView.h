@@ -62,8 +62,11 @@ public:
     /// Gives the pointer the shape that belongs to the present tool.
     void refreshToolCursor();
 
-    /// Takes over what stands in an open text editor and what is half drawn, as before the document is saved.
+    /// Takes over what stands in an open text editor and what is half drawn.
     void commitEditors();
+    /// The same before the document is saved, which mustn't get in the way of a person who is filling a form: a field
+    /// that is typed in stays open.
+    void applyEditors();
     /// With every tool but the one that selects.
     [[nodiscard]] bool fingerDraws() const override;
     /// True while a text editor is open over a page, that of a form field included.

@@ -59,6 +59,31 @@ TEST_F(FormFillingUndoTest, eachCommittedEditIsAStepAndScrollsToItsField) {
     EXPECT_EQ(values(), "Grace|Yes|");
 }
 
+TEST_F(FormFillingUndoTest, typingGoesOnAfterTheDocumentHasTakenIt) {
+    for (const QRectF& field : {FormFixture::name, FormFixture::notes}) {
+        m_form.click(field);
+        m_form.view.applyEditors();
+        EXPECT_EQ(m_form.value(field), QStringList(QString()));
+        m_form.type(QStringLiteral("Ada"));
+        m_form.view.applyEditors();
+        EXPECT_EQ(m_form.value(field), QStringList(QStringLiteral("Ada")));
+        QCoreApplication::processEvents();
+        m_form.type(QStringLiteral(" L"));
+        m_form.key(Qt::Key_Return, Qt::ControlModifier);
+        EXPECT_EQ(m_form.editor(), nullptr);
+        EXPECT_EQ(m_form.value(field), QStringList(QStringLiteral("Ada L")));
+        m_undoManager->undo();
+        EXPECT_EQ(m_form.value(field), QStringList(QStringLiteral("Ada")));
+        m_undoManager->undo();
+        EXPECT_EQ(m_form.value(field), QStringList(QString()));
+        EXPECT_FALSE(m_undoManager->canUndo());
+    }
+    m_form.click(FormFixture::fruit);
+    m_form.view.applyEditors(); // nothing is typed in a list
+    EXPECT_EQ(m_form.editor(), nullptr);
+    EXPECT_TRUE(m_undoManager->canUndo());
+}
+
 TEST_F(FormFillingUndoTest, anOpenFieldCountsAsBeingTypedUntilItIsCommitted) {
     std::vector<bool> told;
     QObject::connect(&m_form.view, &AnnotatingPDFView::editingTextChanged, &m_form.view,

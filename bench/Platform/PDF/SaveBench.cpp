@@ -122,7 +122,7 @@ void report(const Result& result) {
     QJsonObject line{{QStringLiteral("job"), QString::fromLatin1(result.job)},
                      {QStringLiteral("p50_ms"), rounded(percentile(result.times, 0.5))},
                      {QStringLiteral("max_ms"), rounded(percentile(result.times, 1))},
-                     {QStringLiteral("peak_memory_mb"), double(usage.ru_maxrss / 1024)}}; // of the program so far
+                     {QStringLiteral("peak_memory_mb"), double(usage.ru_maxrss) / 1024}}; // of the program so far
     if (result.bytes > 0)
         line.insert(QStringLiteral("bytes"), result.bytes);
     if (result.aim) {

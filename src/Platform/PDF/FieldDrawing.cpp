@@ -82,7 +82,7 @@ void addText(AnnotationDrawing& drawing, const FieldText& text, const Values& va
     set.color = values.fontColor.value_or(QColor(Qt::black));
     set.clip = text.clip();
     QFont measured = set.font;
-    constexpr int unitsPerSize = 1000;
+    constexpr int unitsPerSize = 60; // Qt forgets the widths of the letters of larger fonts at once
     measured.setPixelSize(unitsPerSize);
     measured.setHintingPreference(QFont::PreferNoHinting);
     const QFontMetricsF metrics(measured);
@@ -142,8 +142,7 @@ std::optional<AnnotationDrawing> FieldDrawing::of(const Values& values) {
     } else {
         const bool isComb = values.widgetFieldType == PDFWidgetFieldType::text && values.form &&
                             (values.fieldFlags & combFlag) && !(values.fieldFlags & (multilineFlag | passwordFlag));
-        constexpr int mostCells = 1000;
-        frame.cells = isComb ? std::min(values.form->maximumLength.value_or(0), mostCells) : 0;
+        frame.cells = isComb ? std::min(values.form->maximumLength.value_or(0), FormFieldValues::mostCells) : 0;
         frame.addTo(drawing);
         addText(drawing, textOf(values, frame), values);
     }

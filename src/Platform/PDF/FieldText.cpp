@@ -1,6 +1,10 @@
 #include "FieldText.h"
 
+#include <QHash>
+
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace {
 
@@ -12,58 +16,113 @@ constexpr double smallestSize = 4;
 constexpr double usualSize = 12;
 constexpr double largestSize = 144;
 
-/// Rows and lines past it don't show in any field, but would take long.
-constexpr qsizetype mostLines = 5000;
-/// So does what lies past this in a line; a text of several lines may have more.
+/// What no field has room for needn't be measured, however long a text a file gives. Hardly a letter is narrower than
+/// that, in parts of the font size.
+constexpr double narrowest = 0.1;
 constexpr qsizetype longestLine = 5000;
-constexpr qsizetype longestText = 100000;
+constexpr qsizetype longestText = 100000; // of several lines
+constexpr int mostLines = 5000;
 
-/// How many characters of the word, one at least, are no wider than `room` (parts of the font size).
-qsizetype fittingLength(const QString& word, const FieldText::Width& width, double room) {
-    qsizetype low = 1;
-    qsizetype high = word.size();
-    while (low < high) {
-        const qsizetype middle = (low + high + 1) / 2;
-        if (width(word.left(middle)) <= room)
-            low = middle;
-        else
-            high = middle - 1;
-    }
-    return low < word.size() && word.at(low - 1).isHighSurrogate() ? low + 1 : low;
+/// How many characters may show in a line of that width, which is in parts of the font size.
+qsizetype lengthThatShows(double room) {
+    return qsizetype(std::clamp(room / narrowest, 1.0, double(longestLine)));
 }
 
-/// Breaks at blanks, and within words that are wider than a line. `room` is in parts of the font size.
-QStringList wrapped(const QString& text, const FieldText::Width& width, double room) {
-    QStringList lines;
-    const double blank = width(QStringLiteral(" "));
-    for (const QString& paragraph : text.split(QLatin1Char('\n'))) {
+/// Breaks a text into lines, at blanks, and within words that are wider than a line. May be asked for several sizes.
+class LineBreaker {
+public:
+    LineBreaker(const QString& text, const FieldText::Width& width)
+        : m_paragraphs(text.split(QLatin1Char('\n'))), m_width(width), m_blank(width(QStringLiteral(" "))) {
+        m_plain.fill(-1);
+    }
+
+    /// `room` is in parts of the font size. At most `most` lines.
+    QStringList lines(double room, int most) {
+        m_room = room;
+        m_most = most;
+        m_lines.clear();
+        for (const QString& paragraph : m_paragraphs) {
+            if (m_lines.size() >= m_most)
+                break;
+            addParagraph(paragraph);
+        }
+        return std::exchange(m_lines, {});
+    }
+
+private:
+    void addParagraph(const QString& paragraph) {
         QString line;
         double reached = 0;
         bool isFirst = true;
-        for (QString word : paragraph.split(QLatin1Char(' '))) {
-            double wordWidth = width(word);
-            if (!isFirst && reached + blank + wordWidth > room && !line.isEmpty()) {
-                lines += std::exchange(line, QString());
+        qsizetype start = 0;
+        while (start <= paragraph.size()) {
+            const qsizetype blank = paragraph.indexOf(QLatin1Char(' '), start);
+            const qsizetype end = blank < 0 ? paragraph.size() : blank;
+            QStringView word = QStringView(paragraph).sliced(start, end - start);
+            start = end + 1;
+            double wordWidth = widthOf(word);
+            if (!isFirst && reached + m_blank + wordWidth > m_room && !line.isEmpty()) {
+                m_lines += std::exchange(line, QString());
                 isFirst = true;
             }
-            while (isFirst && wordWidth > room && word.size() > 1 && lines.size() < mostLines) {
-                const qsizetype length = fittingLength(word, width, room);
-                lines += word.left(length);
-                word.remove(0, length);
-                wordWidth = width(word);
+            while (isFirst && wordWidth > m_room && word.size() > 1 && m_lines.size() < m_most) {
+                const qsizetype length = fittingLength(word);
+                if (length == word.size())
+                    break; // wider only by what its letters do to each other
+                m_lines += word.first(length).toString();
+                word = word.sliced(length);
+                wordWidth = widthOf(word);
             }
-            line += isFirst ? word : QLatin1Char(' ') + word;
-            reached = isFirst ? wordWidth : reached + blank + wordWidth;
+            if (m_lines.size() >= m_most)
+                return;
+            if (!isFirst)
+                line += QLatin1Char(' ');
+            line += word;
+            reached = isFirst ? wordWidth : reached + m_blank + wordWidth;
             isFirst = false;
-            if (lines.size() >= mostLines)
-                break;
         }
-        lines += line;
-        if (lines.size() >= mostLines)
-            break;
+        m_lines += line;
     }
-    return lines;
-}
+
+    /// Of as much of it as a line may show.
+    double widthOf(QStringView word) {
+        const QString measured = word.first(std::min(word.size(), lengthThatShows(m_room) + 1)).toString();
+        const auto known = m_widths.constFind(measured);
+        return known != m_widths.cend() ? *known : *m_widths.insert(measured, m_width(measured));
+    }
+
+    double characterWidth(QStringView character) {
+        if (character.size() > 1 || character[0].unicode() >= m_plain.size())
+            return widthOf(character);
+        double& known = m_plain.at(character[0].unicode());
+        if (known < 0)
+            known = m_width(character.toString());
+        return known;
+    }
+
+    /// How many characters of a word, one at least, are no wider than a line, each by itself.
+    qsizetype fittingLength(QStringView word) {
+        double reached = 0;
+        qsizetype length = 0;
+        while (length < word.size()) {
+            const qsizetype next = word[length].isHighSurrogate() && length + 1 < word.size() ? length + 2 : length + 1;
+            reached += characterWidth(word.sliced(length, next - length));
+            if (length > 0 && reached > m_room)
+                break;
+            length = next;
+        }
+        return length;
+    }
+
+    QStringList m_paragraphs;
+    const FieldText::Width& m_width;
+    double m_blank;
+    double m_room = 0;
+    int m_most = 0;
+    QStringList m_lines;
+    QHash<QString, double> m_widths;
+    std::array<double, 128> m_plain; // of single characters; negative before they are asked for
+};
 
 double slackShare(int alignment) {
     return alignment == 1 ? 0.5 : alignment == 2 ? 1.0 : 0.0;
@@ -87,9 +146,10 @@ FieldText::Layout FieldText::layout(const Width& width) const {
         return rowLayout();
 
     Layout result;
-    QString line = text.left(longestLine);
-    line.replace(QLatin1Char('\n'), QLatin1Char(' '));
     const double room = std::max(1.0, box.width() - 2 * inset(*this));
+    const qsizetype most = lengthThatShows(room / (size > 0 ? size : smallestSize));
+    QString line = text.left(kind == Kind::comb && cells > 0 ? cells : most);
+    line.replace(QLatin1Char('\n'), QLatin1Char(' '));
     const double cell = kind == Kind::comb && cells > 0 ? box.width() / cells : 0;
     const double natural = width(line);
     result.size = size;
@@ -119,12 +179,31 @@ FieldText::Layout FieldText::wrappedLayout(const Width& width) const {
     Layout result;
     const double room = std::max(1.0, box.width() - 2 * inset(*this));
     const double height = std::max(1.0, box.height() - 2 * inset(*this));
+    const double smallest = size > 0 ? size : smallestSize;
+    const auto linesThatShow = [&](double letters) {
+        return int(std::clamp(box.height() / (leading * letters), 0.0, double(mostLines))) + 2;
+    };
+    const qsizetype most = std::min(longestText, linesThatShow(smallest) * lengthThatShows(room / smallest));
+    const QString shown = text.left(most);
+    LineBreaker breaker(shown, width);
     result.size = size > 0 ? size : usualSize;
-    const QString shown = text.left(longestText);
-    QStringList lines = wrapped(shown, width, room / result.size);
-    while (size <= 0 && result.size > smallestSize && double(lines.size()) * result.size * leading > height) {
-        result.size -= 0.5;
-        lines = wrapped(shown, width, room / result.size);
+    QStringList lines = breaker.lines(room / result.size, linesThatShow(result.size));
+    if (size <= 0 && double(lines.size()) * result.size * leading > height) {
+        // The largest size at which all fits, in steps; the smallest where none is small enough.
+        constexpr double step = 0.5;
+        int low = 0;
+        int high = int((usualSize - smallestSize) / step);
+        while (low < high) {
+            const int middle = (low + high + 1) / 2;
+            const double tried = smallestSize + middle * step;
+            const qsizetype count = breaker.lines(room / tried, linesThatShow(tried)).size();
+            if (double(count) * tried * leading > height)
+                high = middle - 1;
+            else
+                low = middle;
+        }
+        result.size = smallestSize + low * step;
+        lines = breaker.lines(room / result.size, linesThatShow(result.size));
     }
     double y = box.height() - inset(*this) - ascent * result.size;
     for (const QString& line : lines) {

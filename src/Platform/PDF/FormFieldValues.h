@@ -13,6 +13,9 @@
 /// What a widget and its field say beyond the common values of annotations: how the file has it, never changed
 /// afterwards, so that copies of an annotation share it.
 struct FormFieldValues {
+    /// Of a comb, however long a text a file lets it be.
+    static constexpr int mostCells = 1000;
+
     // Of the field
 
     int fieldObject = 0; ///< number of the dictionary that has the field's own name; 0 for one inside another object

@@ -56,6 +56,7 @@ void PDFAnnotation::noteChange(const QRectF& area) {
 
 void PDFAnnotation::announceChange(const QRectF& area) {
     m_modified = true;
+    m_fieldDrawing.reset();
     m_dateBeforeFilling.reset();
     if (const auto holder = page())
         holder->noteChange(area);
@@ -178,6 +179,8 @@ void PDFAnnotation::fill(const QString& string, const QStringList& chosen, PDFWi
     m_values.modificationDate = *before;
     m_modified = false;
     m_dateBeforeFilling.reset();
+    if (const auto holder = page())
+        holder->m_hiddenFileAnnotations.reset(); // the file's own look is right again
 }
 
 void PDFAnnotation::add(const QPainterPath& path) {

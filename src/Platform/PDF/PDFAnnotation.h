@@ -17,6 +17,7 @@
 #include <vector>
 
 class PDFPage;
+struct AnnotationDrawing;
 class QPainter;
 struct FormFieldValues;
 
@@ -231,6 +232,7 @@ private:
     std::weak_ptr<PDFPage> m_page;
     std::optional<PDFAnnotationOrigin> m_origin;
     bool m_modified = false;
+    mutable std::shared_ptr<const AnnotationDrawing> m_fieldDrawing; // of a widget that was drawn as it is now
     /// When it was last changed before it was filled; set while its value is all that differs from the file.
     std::optional<QDateTime> m_dateBeforeFilling;
 };

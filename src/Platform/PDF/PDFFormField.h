@@ -34,6 +34,10 @@ public:
     /// from the left). Hidden and read-only ones, push buttons and signatures are left out.
     [[nodiscard]] static std::vector<std::shared_ptr<PDFAnnotation>> fillableWidgets(const PDFPage& page);
 
+    /// False for a page of which the file's form tells that it holds no field: that page isn't read for the answer. A
+    /// file with widgets and no form that lists any tells nothing.
+    [[nodiscard]] static bool mayBeOn(const PDFPage& page);
+
     /// The widget that the field was asked for at.
     [[nodiscard]] const std::shared_ptr<PDFAnnotation>& widget() const { return m_widget; }
     /// All widgets of the field in the document, this one included; reads pages that hold others.

@@ -103,6 +103,13 @@ const PDFAnnotation* singleButton(const Widgets& widgets, const PDFAnnotation& a
 
 } // namespace
 
+bool PDFFormField::mayBeOn(const PDFPage& page) {
+    if (page.annotationsLoaded())
+        return true;
+    const auto index = page.content().source->engine().fieldIndex();
+    return index->isEmpty() || index->hasFields(page.content().pageNumber);
+}
+
 Widgets PDFFormField::widgets() const {
     const std::shared_ptr<PDFPage> page = m_widget->page();
     if (!page)

@@ -41,6 +41,7 @@ std::shared_ptr<PDFPage> PDFPage::copy() const {
     if (m_annotationsLoaded) {
         copied->m_annotationsLoaded = true;
         copied->m_fileAnnotations = m_fileAnnotations;
+        copied->m_fileLooks = m_fileLooks;
         for (const auto& annotation : m_annotations) {
             copied->m_annotations.push_back(annotation->copy());
             copied->m_annotations.back()->m_page = copied;
@@ -86,6 +87,7 @@ QTransform PDFPage::displayTransform(PDFDisplayBox box) const {
 
 void PDFPage::noteChange(const QRectF& area) {
     ++m_revision;
+    m_hiddenFileAnnotations.reset();
     if (m_document)
         Q_EMIT m_document->pageContentChanged(this, area);
 }
@@ -159,6 +161,8 @@ void PDFPage::loadAnnotations() const {
             std::make_shared<PDFAnnotation>(std::move(*values[i]), PDFAnnotationOrigin{m_content, int(i)});
         annotation->m_page = self;
         m_fileAnnotations.push_back(int(i));
+        if (annotation->values().hasAppearance)
+            m_fileLooks.push_back(int(i));
         m_annotations.push_back(std::move(annotation));
     }
 }
@@ -224,15 +228,18 @@ bool PDFPage::isModified() const {
 std::vector<int> PDFPage::hiddenFileAnnotations() const {
     if (!m_annotationsLoaded)
         return {};
-    std::vector<int> shown;
-    for (const auto& annotation : m_annotations)
-        if (!annotation->isModified() && isFromHere(*annotation))
-            shown.push_back(annotation->origin()->index);
-    std::sort(shown.begin(), shown.end());
-    std::vector<int> hidden;
-    std::set_difference(m_fileAnnotations.begin(), m_fileAnnotations.end(), shown.begin(), shown.end(),
-                        std::back_inserter(hidden));
-    return hidden;
+    if (!m_hiddenFileAnnotations) {
+        std::vector<int> shown;
+        for (const auto& annotation : m_annotations)
+            if (!annotation->isModified() && isFromHere(*annotation))
+                shown.push_back(annotation->origin()->index);
+        if (!std::is_sorted(shown.begin(), shown.end())) // which they are but where the order was changed
+            std::sort(shown.begin(), shown.end());
+        m_hiddenFileAnnotations.emplace();
+        std::set_difference(m_fileLooks.begin(), m_fileLooks.end(), shown.begin(), shown.end(),
+                            std::back_inserter(*m_hiddenFileAnnotations));
+    }
+    return *m_hiddenFileAnnotations;
 }
 
 std::vector<std::shared_ptr<PDFAnnotation>> PDFPage::liveAnnotations() const {

@@ -108,7 +108,7 @@ public:
     /// Counts changes of what the page shows.
     [[nodiscard]] quint64 revision() const { return m_revision; }
     /// Places in the file's own list of annotations that the engine must leave out, because the annotation was removed
-    /// or is drawn by its live object; ascending.
+    /// or is drawn by its live object; ascending. Without those for which the engine has nothing to draw.
     [[nodiscard]] std::vector<int> hiddenFileAnnotations() const;
     /// The annotations that draw themselves over what the engine draws, lowest first: new ones, changed ones, and those
     /// of the file that bring no appearance. The last are known once the page has been drawn.
@@ -140,6 +140,8 @@ private:
     mutable bool m_annotationsLoaded = false;
     mutable std::vector<std::shared_ptr<PDFAnnotation>> m_annotations;
     mutable std::vector<int> m_fileAnnotations; // the readable places of the file's list, ascending
+    mutable std::vector<int> m_fileLooks;       // of them those whose appearance the file brings
+    mutable std::optional<std::vector<int>> m_hiddenFileAnnotations; // as of the last change
     std::optional<int> m_rotation;
     quint64 m_revision = 0;
 };

@@ -20,9 +20,9 @@ struct PageRenderRequest {
     QTransform pageToDevice;
     /// The part to draw, in device pixels. Never larger than 8192 pixels on a side; a larger one gives a null image.
     QRect deviceRect;
-    /// Also draws annotations that bring no appearance, as the engine imagines them: for a picture of a file alone. On
-    /// a live page their live objects draw them.
-    bool imaginedLooks = false;
+    /// Also draws annotations that bring no appearance: for a picture of a file alone. On a live page their live
+    /// objects draw them.
+    bool bareAnnotations = false;
 };
 
 /// Draws pages on the calling thread, whichever it is. Several threads may draw at once, also from one source.

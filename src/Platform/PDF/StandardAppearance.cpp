@@ -52,7 +52,13 @@ void paint(const AnnotationDrawing::SetText& text, QPainter& painter) {
 void PDFAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
     if (drawFileState(*this, painter))
         return;
-    const std::optional<AnnotationDrawing> drawing = AnnotationDrawing::of(m_values);
+    // Breaking a field's text into lines takes far longer than drawing them.
+    std::shared_ptr<const AnnotationDrawing> drawing = m_fieldDrawing;
+    if (!drawing)
+        if (auto made = AnnotationDrawing::of(m_values))
+            drawing = std::make_shared<const AnnotationDrawing>(std::move(*made));
+    if (type() == PDFAnnotationSubtype::widget)
+        m_fieldDrawing = drawing;
     if (!drawing) {
         if (type() == PDFAnnotationSubtype::text)
             NoteIcon::draw(m_values, painter);

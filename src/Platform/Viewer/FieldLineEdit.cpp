@@ -1,5 +1,7 @@
 #include "FieldLineEdit.h"
 
+#include "FormPainting.h"
+
 #include <QContextMenuEvent>
 #include <QFontMetricsF>
 #include <QKeyEvent>
@@ -9,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 /// What Qt leaves free at the sides of a line by itself, device-independent pixels.
 static constexpr int ownInset = 2;
@@ -52,10 +55,26 @@ void FieldLineEdit::setCells(int count) {
     m_cells = count;
 }
 
+void FieldLineEdit::setOffersChoices(bool offers) {
+    m_offersChoices = offers;
+    updateMargins();
+}
+
 void FieldLineEdit::setPlacement(double inset, double lift) {
-    const int side = std::max(0, static_cast<int>(std::lround(inset)) - ownInset);
+    m_inset = inset;
     m_lift = lift;
-    setTextMargins(side, 0, side, static_cast<int>(std::lround(2 * lift)));
+    updateMargins();
+}
+
+void FieldLineEdit::updateMargins() {
+    const int side = std::max(0, static_cast<int>(std::lround(m_inset)) - ownInset);
+    const int arrow = m_offersChoices ? static_cast<int>(std::lround(FormPainting::arrowArea(rect()).width())) : 0;
+    setTextMargins(side, 0, std::max(side, arrow), static_cast<int>(std::lround(2 * m_lift)));
+}
+
+void FieldLineEdit::resizeEvent(QResizeEvent* event) {
+    QLineEdit::resizeEvent(event);
+    updateMargins();
 }
 
 void FieldLineEdit::setFitsWidth(bool fits) {
@@ -79,7 +98,7 @@ int FieldLineEdit::gapAt(QPointF point) const {
 
 void FieldLineEdit::paintCells(QPainter& painter) const {
     const double cell = cellWidth();
-    const QString shown = displayText();
+    const QString shown = displayText().left(m_cells);
     const int selected = hasSelectedText() ? selectionStart() : 0;
     const int selectedEnd = hasSelectedText() ? selectionEnd() : 0;
     painter.fillRect(rect(), palette().color(QPalette::Base));
@@ -105,6 +124,10 @@ void FieldLineEdit::paintCells(QPainter& painter) const {
 void FieldLineEdit::paintEvent(QPaintEvent* event) {
     if (m_cells == 0) {
         QLineEdit::paintEvent(event);
+        if (m_offersChoices) {
+            QPainter painter(this);
+            FormPainting::paintArrow(painter, rect());
+        }
         return;
     }
     QPainter painter(this);
@@ -119,7 +142,14 @@ QVariant FieldLineEdit::inputMethodQuery(Qt::InputMethodQuery query) const {
 
 // Pointer and keys
 
+bool FieldLineEdit::isOnArrow(QPointF point) const {
+    return m_offersChoices && FormPainting::arrowArea(rect()).contains(point);
+}
+
 void FieldLineEdit::mousePressEvent(QMouseEvent* event) {
+    m_isArrowPressed = event->button() == Qt::LeftButton && isOnArrow(event->position());
+    if (m_isArrowPressed)
+        return;
     if (m_cells == 0 || event->button() != Qt::LeftButton) {
         QLineEdit::mousePressEvent(event);
         return;
@@ -132,20 +162,34 @@ void FieldLineEdit::mousePressEvent(QMouseEvent* event) {
 }
 
 void FieldLineEdit::mouseMoveEvent(QMouseEvent* event) {
+    if (m_isArrowPressed)
+        return;
+    if (event->buttons() == Qt::NoButton)
+        setCursor(isOnArrow(event->position()) ? Qt::PointingHandCursor : Qt::IBeamCursor);
     if (m_cells == 0)
         QLineEdit::mouseMoveEvent(event);
     else if (event->buttons().testFlag(Qt::LeftButton))
         setSelection(m_anchor, gapAt(event->position()) - m_anchor);
 }
 
+/// Not when it is pressed: the list would get the release.
+void FieldLineEdit::mouseReleaseEvent(QMouseEvent* event) {
+    if (!std::exchange(m_isArrowPressed, false))
+        QLineEdit::mouseReleaseEvent(event);
+    else if (isOnArrow(event->position()))
+        Q_EMIT choicesRequested();
+}
+
 void FieldLineEdit::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (isOnArrow(event->position()))
+        return;
     m_cells == 0 ? QLineEdit::mouseDoubleClickEvent(event) : selectAll();
 }
 
 void FieldLineEdit::keyPressEvent(QKeyEvent* event) {
     const bool isDown = event->key() == Qt::Key_Down || event->key() == Qt::Key_F4;
     if (isDown)
-        Q_EMIT downPressed();
+        Q_EMIT choicesRequested();
     else
         QLineEdit::keyPressEvent(event);
     m_anchor = hasSelectedText() ? m_anchor : cursorPosition();

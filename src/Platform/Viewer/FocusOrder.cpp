@@ -19,6 +19,11 @@ bool FocusOrder::isSeen(const Stop& stop) const {
     return QRectF(QPointF(0, 0), QSizeF(m_column.viewport())).contains(stop.rect.center());
 }
 
+bool FocusOrder::mayHaveFields(int page) const {
+    const std::shared_ptr<PDFPage> live = m_column.document()->page(page);
+    return live && PDFFormField::mayBeOn(*live);
+}
+
 FocusOrder::PageStops FocusOrder::stopsOf(int page, bool withFields) const {
     PageStops found;
     const std::shared_ptr<PDFPage> live = m_column.document()->page(page);
@@ -58,6 +63,8 @@ std::shared_ptr<PDFAnnotation> FocusOrder::next(const std::shared_ptr<PDFAnnotat
         const bool isPageSeen = page >= firstSeen && page < endSeen;
         if (!isPageSeen && page != presentIndex && !isInForm)
             return nullptr;
+        if (!isPageSeen && page != presentIndex && !mayHaveFields(page))
+            continue;
         PageStops found = stopsOf(page, withFields);
         if (!forward)
             std::reverse(found.stops.begin(), found.stops.end());

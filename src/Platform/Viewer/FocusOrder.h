@@ -31,6 +31,7 @@ private:
         bool hasFields = false;
     };
     [[nodiscard]] PageStops stopsOf(int page, bool withFields) const;
+    [[nodiscard]] bool mayHaveFields(int page) const;
     [[nodiscard]] bool isSeen(const Stop& stop) const;
 
     PageColumn& m_column;

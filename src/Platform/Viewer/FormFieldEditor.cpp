@@ -1,5 +1,6 @@
 #include "FormFieldEditor.h"
 
+#include "FieldDrawing.h"
 #include "FormFieldValues.h"
 #include "InlineFreeTextEditor.h"
 #include "PDFAnnotation.h"
@@ -10,12 +11,7 @@
 
 #include <algorithm>
 
-// Points; of a field whose text is as large as fits.
-static constexpr double usualSize = 12;
-static constexpr double smallestSize = 4;
-static constexpr double largestSize = 144;
-/// In parts of the font's size.
-static constexpr double lineHeight = 1.15;
+static constexpr double usualSize = 12; // points
 
 FormFieldEditor::FormFieldEditor(PDFView& view) : PlacedEditor(view) {}
 
@@ -95,17 +91,17 @@ double FormFieldEditor::scale() const {
     return viewer().scaleFactor() * field().widget()->page()->userUnit();
 }
 
-QFont FormFieldEditor::font() const {
+QFont FormFieldEditor::font(const QString& text) const {
     const PDFAnnotation& widget = *field().widget();
     QFont onPage = widget.font().value_or(QFont(QStringLiteral("Helvetica"), int(usualSize)));
-    if (widget.values().fontSizeSuitsBox || onPage.pointSizeF() <= 0) {
-        const bool isLine = field().kind() != PDFFormField::Kind::listBox && !field().isMultiline();
-        const double height = frame().height() / scale() - 2 * border();
-        const double fitting =
-            field().isComb()
-                ? std::min(height / lineHeight, frame().width() / scale() / field().maximumLength().value_or(1))
-                : height / lineHeight;
-        onPage.setPointSizeF(isLine ? std::clamp(fitting, smallestSize, largestSize) : usualSize);
+    if (onPage.pointSizeF() <= 0)
+        onPage.setPointSizeF(usualSize);
+    if (widget.values().fontSizeSuitsBox) {
+        PDFAnnotation::Values shown = widget.values();
+        shown.widgetStringValue = text;
+        shown.chosenValues = QStringList{text};
+        if (const auto drawing = FieldDrawing::of(shown); drawing && drawing->text)
+            onPage.setPointSizeF(drawing->text->layout.size);
     }
     return InlineFreeTextEditor::screenFont(onPage, scale(), viewer());
 }

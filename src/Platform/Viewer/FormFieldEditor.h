@@ -30,7 +30,7 @@ public:
     [[nodiscard]] std::shared_ptr<PDFAnnotation> subject() const;
 
 Q_SIGNALS:
-    /// The editor is closed already.
+    /// The editor is closed already, unless it stays open for more.
     void committed(const PDFFormField& field, const QStringList& value);
     /// After the commit.
     void leftByTab(bool forward);
@@ -57,8 +57,8 @@ protected:
     [[nodiscard]] double border() const;
     /// Device-independent pixels in a unit of the page.
     [[nodiscard]] double scale() const;
-    /// For the screen at the present scale.
-    [[nodiscard]] QFont font() const;
+    /// For the screen at the present scale; as large as suits `text` where the field leaves that open.
+    [[nodiscard]] QFont font(const QString& text = {}) const;
     [[nodiscard]] QColor textColor() const;
     /// Opaque, since it covers what the field looks like without the editor.
     [[nodiscard]] QColor paper() const;

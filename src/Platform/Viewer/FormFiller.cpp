@@ -213,6 +213,11 @@ void FormFiller::commit() {
     m_list.commit();
 }
 
+void FormFiller::apply() {
+    m_text.apply();
+    m_list.commit();
+}
+
 void FormFiller::edit(const PDFFormField& field, std::optional<QPointF> point) {
     if (field.kind() == Kind::listBox)
         m_list.start(field, point);
@@ -234,9 +239,7 @@ void FormFiller::activate(const PDFFormField& field, std::optional<QPointF> poin
         toggle(field);
         break;
     case Kind::comboBox: {
-        // The square at the right is that of the arrow.
-        const QRectF rect = rectOf(*field.widget());
-        const bool onArrow = point && point->x() > rect.right() - std::min(rect.height(), rect.width() / 3);
+        const bool onArrow = point && FormPainting::arrowArea(rectOf(*field.widget())).contains(*point);
         if (field.isEditable())
             edit(field, point);
         if (!field.isEditable() || onArrow)
@@ -292,7 +295,7 @@ void FormFiller::moveInGroup(const PDFFormField& field, int step) {
         return;
     const auto count = static_cast<int>(group.size());
     const int next = (static_cast<int>(present - group.begin()) + step + count) % count;
-    const std::shared_ptr<PDFAnnotation> widget = group[static_cast<std::size_t>(next)];
+    const std::shared_ptr<PDFAnnotation>& widget = group[static_cast<std::size_t>(next)];
     const auto button = PDFFormField::of(widget);
     if (!button || !button->isFillable())
         return;

@@ -74,6 +74,8 @@ public:
 
     [[nodiscard]] bool isEditing() const { return m_text.isOpen() || m_list.isOpen(); }
     void commit();
+    /// Takes what was typed into the document; a field that is typed in stays open for more.
+    void apply();
 
 Q_SIGNALS:
     void changed(const PDFFormField& field, const QStringList& before);

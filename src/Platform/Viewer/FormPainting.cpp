@@ -42,6 +42,12 @@ void FormPainting::paintFields(QPainter& painter, const std::vector<PageFields::
     painter.restore();
 }
 
+QRectF FormPainting::arrowArea(const QRectF& field) {
+    QRectF area = field;
+    area.setLeft(field.right() - std::min(field.height(), field.width() / 3));
+    return area;
+}
+
 void FormPainting::paintArrow(QPainter& painter, const QRectF& field) {
     const double size = std::min({largestArrow, field.height() / 3, field.width() / 4});
     const QPointF middle(field.right() - 1.4 * size, field.center().y());

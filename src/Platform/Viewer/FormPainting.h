@@ -15,6 +15,9 @@ namespace FormPainting {
 void paintFields(QPainter& painter, const std::vector<PageFields::Entry>& fields, const QTransform& pageToView,
                  const QRectF& exposed);
 
+/// The part of a combo box at its right that is its mark's (view points).
+[[nodiscard]] QRectF arrowArea(const QRectF& field);
+
 /// The mark of a combo box at the right of its rectangle (view points).
 void paintArrow(QPainter& painter, const QRectF& field);
 

@@ -1,16 +1,21 @@
 #include "FormTextEditor.h"
 
 #include "FieldLineEdit.h"
+#include "FormFieldValues.h"
 #include "InlineFreeTextEditor.h"
 #include "PDFAnnotation.h"
 #include "PDFView.h"
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
+#include <QTextBlockFormat>
+#include <QTextCursor>
 #include <QTextDocument>
+#include <QTextLayout>
 #include <QTextOption>
 
 #include <algorithm>
+#include <cmath>
 
 static Qt::Alignment alignmentOf(const PDFFormField& field) {
     switch (field.alignment()) {
@@ -23,9 +28,15 @@ static Qt::Alignment alignmentOf(const PDFFormField& field) {
     }
 }
 
+// Of the field's look without the editor, in parts of the font's size.
+static constexpr double capitals = 0.718;
+static constexpr double descenders = 0.207;
+static constexpr double lineHeight = 1.15;
+static constexpr double pointsPerInch = 72; // of a font
+
 /// A combo box whose value is one of its choices shows the label of that.
 static QString shownText(const PDFFormField& field) {
-    const QString value = field.value().join(QString());
+    QString value = field.value().join(QString());
     for (const PDFFormField::Choice& choice : field.choices())
         if (choice.exportValue == value)
             return choice.label;
@@ -57,17 +68,19 @@ QWidget* FormTextEditor::makeLine() {
     made->setColors(textColor(), paper());
     made->setAlignment(alignmentOf(field()) | Qt::AlignVCenter);
     made->setFitsWidth(field().doesNotScroll());
+    made->setOffersChoices(field().kind() == PDFFormField::Kind::comboBox);
     if (field().kind() == PDFFormField::Kind::text) {
         if (field().isPassword())
             made->setEchoMode(QLineEdit::Password);
         if (const auto limit = field().maximumLength()) {
             made->setMaxLength(*limit);
-            made->setCells(field().isComb() ? *limit : 0);
+            made->setCells(field().isComb() ? std::min(*limit, FormFieldValues::mostCells) : 0);
         }
     }
     made->setText(shownText(field()));
     made->selectAll();
-    connect(made, &FieldLineEdit::downPressed, this, &FormTextEditor::choicesRequested);
+    connect(made, &FieldLineEdit::choicesRequested, this, &FormTextEditor::choicesRequested);
+    connect(made, &FieldLineEdit::textChanged, this, &FormTextEditor::fitText);
     return made;
 }
 
@@ -81,10 +94,35 @@ QWidget* FormTextEditor::makeLines() {
     option.setAlignment(alignmentOf(field()));
     made->document()->setDefaultTextOption(option);
     made->setPlainText(shownText(field()));
+    setLineHeight(*made);
     made->document()->clearUndoRedoStacks();
     made->document()->setModified(false);
     made->selectAll();
+    connect(made, &QTextEdit::textChanged, this, &FormTextEditor::fitText);
     return made;
+}
+
+void FormTextEditor::setLineHeight(InlineFreeTextEditor& editor) const {
+    const QFont shown = font();
+    const double size = shown.pointSizeF() * editor.logicalDpiY() / pointsPerInch;
+    // What a line of the editor takes is more than the font says.
+    QTextLayout probe(QStringLiteral("x"), shown, &editor);
+    probe.beginLayout();
+    QTextLine line = probe.createLine();
+    line.setLineWidth(size); // which lays it out
+    const double natural = std::ceil(line.height());
+    probe.endLayout();
+    QTextBlockFormat format;
+    format.setLineHeight(100 * lineHeight * size / natural, QTextBlockFormat::ProportionalHeight);
+    QTextCursor all(editor.document());
+    all.select(QTextCursor::Document);
+    all.mergeBlockFormat(format);
+}
+
+/// Where the field chooses the size of its text.
+void FormTextEditor::fitText() {
+    if (isOpen() && subject()->values().fontSizeSuitsBox)
+        layOut();
 }
 
 void FormTextEditor::click(QPointF point) {
@@ -101,6 +139,16 @@ void FormTextEditor::replaceText(const QString& text) {
         return;
     line()->selectAll();
     line()->insert(text);
+}
+
+void FormTextEditor::apply() {
+    if (!canCommit() || !isChanged())
+        return;
+    if (line())
+        line()->setModified(false);
+    else
+        lines()->document()->setModified(false);
+    Q_EMIT committed(field(), value());
 }
 
 bool FormTextEditor::isChanged() const {
@@ -124,19 +172,22 @@ bool FormTextEditor::breaksLine(const QKeyEvent& key) const {
 /// Without the editor the capitals and descenders of Helvetica stand in the middle, whatever the font; here it is the
 /// line.
 double FormTextEditor::lift() const {
-    constexpr double capitals = 0.718; // in parts of the font's size
-    constexpr double descenders = 0.207;
     const QFontMetricsF metrics(line()->font(), line());
-    const double size = line()->font().pointSizeF() * line()->logicalDpiY() / 72;
+    const double size = line()->font().pointSizeF() * line()->logicalDpiY() / pointsPerInch;
     const double lift = (metrics.ascent() - metrics.descent() - (capitals - descenders) * size) / 2;
     return lift > 0 && metrics.height() + 2 * lift <= frame().height() ? lift : 0;
 }
 
 void FormTextEditor::layOut() {
     const double inset = (border() + std::max(1.0, border())) * scale();
-    widget()->setFont(font());
+    const QFont fitting = font(lines() ? lines()->toPlainText() : line()->text());
+    if (widget()->font() != fitting)
+        widget()->setFont(fitting);
     if (lines()) {
-        lines()->place(frame(), QPointF(inset, inset));
+        // Without the editor it is the capitals of the first line that reach up to the inset.
+        const double size = fitting.pointSizeF() * lines()->logicalDpiY() / pointsPerInch;
+        const double above = QFontMetricsF(fitting, lines()).ascent() - capitals * size;
+        lines()->place(frame(), QPointF(inset, std::max(0.0, inset - above)));
         return;
     }
     line()->setPlacement(field().alignment() == PDFFormField::Alignment::center ? 0 : inset, lift());

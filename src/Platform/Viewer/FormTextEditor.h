@@ -15,6 +15,8 @@ public:
     explicit FormTextEditor(PDFView& view);
     ~FormTextEditor() override;
 
+    /// Takes what was typed into the document, and stays open for more.
+    void apply();
     /// Puts another text in the place of the present one, as if it was typed. An editor is open.
     void replaceText(const QString& text);
 
@@ -30,6 +32,8 @@ private:
     void layOut() override;
     [[nodiscard]] bool breaksLine(const QKeyEvent& key) const override;
 
+    void setLineHeight(InlineFreeTextEditor& editor) const;
+    void fitText();
     [[nodiscard]] double lift() const;
     [[nodiscard]] bool hasLines() const;
     [[nodiscard]] FieldLineEdit* line() const;

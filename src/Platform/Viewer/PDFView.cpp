@@ -310,6 +310,10 @@ void PDFView::commitFilling() {
     m_parts->forms.commit();
 }
 
+void PDFView::applyFilling() {
+    m_parts->forms.apply();
+}
+
 void PDFView::reveal(const PDFAnnotation& annotation) {
     PageColumn& column = m_parts->column();
     const std::shared_ptr<PDFPage> page = annotation.page();

@@ -180,6 +180,8 @@ public:
     [[nodiscard]] bool isFilling() const;
     /// Takes what was typed into a field into the document.
     void commitFilling();
+    /// The same, but a field that is typed in stays open, so that typing can go on.
+    void applyFilling();
     /// Scrolls by as little as brings an annotation of the document into sight, not at all when it is there.
     void reveal(const PDFAnnotation& annotation);
 

@@ -358,9 +358,13 @@ TEST(FormField, HostileForms) {
                 "/T (f) /FT /Ch /Opt [(a)] /Parent " + widget + " /Kids [" + parent + ' ' + widget + ' ' + parent + ']';
             pdf.setKey(widget, "/Kids", '[' + parent + ' ' + widget + ']');
             break;
-        case 1: { // thousands of widgets with long values to inherit
-            keys = "/T (" + many.left(100'000) + ") /TU (" + many + ") /FT /Tx /V (" + many.left(200) + ") /Kids [";
-            for (int i = 0; i < 2000; ++i)
+        case 1:   // thousands of widgets with long values to inherit,
+        case 7: { // and with all of them to be broken into lines of a size that is to be found
+            const bool isWrapped = which == 7;
+            keys = "/T (" + many.left(100'000) + ") /TU (" + many + ") /FT /Tx ";
+            keys += isWrapped ? "/Ff 4096 /DA (/Helv 0 Tf) /V (" + QByteArray("ab ").repeated(700'000) + ") /Kids ["
+                              : "/V (" + many + ") /Kids [";
+            for (int i = 0; i < 3000; ++i)
                 keys += pdf.addAnnotation(0, "<< /Subtype /Widget /F 4 /Rect [20 20 90 90] /Parent " + parent + " >>") +
                         ' ';
             keys += widget + ']';
@@ -376,7 +380,7 @@ TEST(FormField, HostileForms) {
                    " null [(a) " + widget + "]] /Kids [" + widget + ']';
             break;
         case 4: // a comb with more cells than its box has points, and a turn without end
-            keys = "/T (f) /FT /Tx /Ff 16777216 /MaxLen 1000000 /V (abc) /Kids [" + widget + ']';
+            keys = "/T (f) /FT /Tx /Ff 16777216 /MaxLen 2147483647 /V (abc) /Kids [" + widget + ']';
             pdf.setKey(widget, "/MK", "<< /R 2147483647 /BC [0] >>");
             pdf.setKey(widget, "/BS", "<< /W 99999 /S /B >>");
             break;
@@ -395,9 +399,10 @@ TEST(FormField, HostileForms) {
         pdf.appendToArray(pdf.form(), "/Fields", pdf.form());
         return pdf.bytes();
     };
-    for (int which = 0; which <= 6; ++which) {
+    for (int which = 0; which <= 7; ++which) {
         SCOPED_TRACE(which);
         const auto document = PDFDocument::fromData(build(which));
+        EXPECT_FALSE(document->page(0)->thumbnail(QSize(100, 100), PDFDisplayBox::cropBox).isNull());
         (void)PDFFormField::fillableWidgets(*document->page(0));
         const auto all = document->page(0)->annotations();
         ASSERT_FALSE(all.empty());

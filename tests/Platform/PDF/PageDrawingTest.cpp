@@ -112,6 +112,7 @@ TEST(PageDrawing, RemovedAndChangedFileAnnotationsLeaveTheEnginesPicture) {
     EXPECT_EQ(look().pixel(125, 25), red);
 
     page->insertAnnotation(first, 0);
+    EXPECT_EQ(page->hiddenFileAnnotations(), std::vector<int>{1});
     EXPECT_EQ(look().pixel(25, 75), red);
     EXPECT_EQ(page->annotations().at(0), first);
 }
@@ -135,6 +136,50 @@ TEST(PageDrawing, AbsurdAndBrokenPagesDrawWhatTheyCan) {
     }
 }
 
+TEST(PageDrawing, TheFileAloneSaysHowItsAnnotationsLook) {
+    PdfFixture pdf;
+    pdf.addPageWithContent("", "<< >>", QSizeF(200, 100));
+    const auto filled = [&pdf](const QByteArray& color) {
+        return pdf.addStream("<< /Type /XObject /Subtype /Form /BBox [0 0 10 10] >>", color + " rg 0 0 10 10 re f");
+    };
+    const QByteArray look = filled("1 0 0");
+    const QByteArray looks = "/AP << /N << /Yes " + look + " >> >> ";
+    const QByteArray circle = pdf.reserveObject();
+    pdf.fillObject(circle, "<< /Kids [] /Parent " + circle + " >>");
+    struct Case {
+        const char* name;
+        QByteArray keys;
+        QRgb expected;
+    };
+    const std::vector<Case> cases = {
+        {"a state with a look", "/Subtype /Widget /FT /Btn /T (a) /AS /Yes " + looks, red},
+        {"a state without one", "/Subtype /Widget /FT /Btn /T (b) /AS /Off /MK << /BG [0 0 1] >> " + looks, white},
+        {"a signature to come", "/Subtype /Widget /FT /Sig /T (c) /AP << /N " + look + " >>", red},
+        {"a field among its own parents", "/Subtype /Widget /FT /Tx /T (d) /AP << /N " + look + " >> /Parent " + circle,
+         red},
+        {"a hidden one", "/Subtype /Stamp /F 2 /AP << /N " + look + " >>", white},
+        {"a stamp of the engine's own", "/Subtype /Stamp /Name /Draft /C [0 0 1]", white},
+        {"a field with a colour", "/Subtype /Widget /FT /Tx /T (e) /V (text) /MK << /BG [0 0 1] >>", white},
+        {"a broken look", "/Subtype /Stamp /AP << /N << /Length 5 >> >>", white},
+        {"one behind it", "/Subtype /Stamp /AP << /N " + look + " >>", red},
+    };
+    for (std::size_t i = 0; i < cases.size(); ++i)
+        pdf.addAnnotation(0, "<< /Type /Annot /Rect " + PdfFixture::rectArray(QRectF(20 * double(i), 20, 10, 10)) +
+                                 ' ' + cases[i].keys + " >>");
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    PageRenderRequest request{
+        page->content(), {}, true, page->displayTransform(PDFDisplayBox::cropBox), QRect(0, 0, 200, 100)};
+    (void)page->text(); // which loads the page as well
+    const QImage image = PageRenderer::render(request);
+    ASSERT_FALSE(image.isNull());
+    for (std::size_t i = 0; i < cases.size(); ++i)
+        EXPECT_EQ(image.pixel(20 * int(i) + 5, 75), cases[i].expected) << cases[i].name;
+    request.annotations = false;
+    EXPECT_EQ(PageRenderer::render(request).pixel(5, 75), white);
+    EXPECT_EQ(page->annotations().size(), cases.size());
+}
+
 TEST(PageDrawing, AnnotationsWithoutAnAppearanceAreSeenToo) {
     PdfFixture pdf;
     pdf.addPageWithContent("", "<< >>", QSizeF(200, 100));
@@ -151,10 +196,10 @@ TEST(PageDrawing, AnnotationsWithoutAnAppearanceAreSeenToo) {
     EXPECT_NEAR(qGreen(image.pixel(75, 85)), 128, 2) << "translucent, and drawn once";
     EXPECT_FALSE(page->isModified());
 
-    // Without a live page the engine's idea of them is better than nothing.
+    // Nor does a picture of the file alone leave them out, when it is asked for them.
     PageRenderRequest request{
         page->content(), {}, true, page->displayTransform(PDFDisplayBox::cropBox), QRect(0, 0, 200, 100)};
     EXPECT_EQ(PageRenderer::render(request).pixel(25, 75), white);
-    request.imaginedLooks = true;
+    request.bareAnnotations = true;
     EXPECT_EQ(PageRenderer::render(request).pixel(25, 75), red);
 }

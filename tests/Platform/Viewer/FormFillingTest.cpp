@@ -1,3 +1,4 @@
+#include "FieldDrawing.h"
 #include "PdfPrograms.h"
 #include "ShownForm.h"
 
@@ -161,6 +162,47 @@ TEST(FormTexts, anEditorKeepsToItsFieldWhenThePageIsScrolledAndZoomed) {
             EXPECT_NEAR(form.editor()->font().pointSizeF() * form.editor()->logicalDpiY() / 72, 10 * scale, 0.01);
         }
         form.key(Qt::Key_Escape);
+    }
+}
+
+TEST(FormTexts, linesAreEditedAsLargeAndAsFarApartAsTheyWillStand) {
+    for (const QByteArray& size : {QByteArray("11"), QByteArray("0")}) {
+        PdfFixture pdf;
+        pdf.addPage({});
+        pdf.appendToArray(pdf.form(), "/Fields",
+                          pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Widget /FT /Tx /Ff 4096 /F 4 /T (notes) "
+                                               "/Rect [50 650 250 710] /DA (/Helv " +
+                                                   size + " Tf 0 g) >>"));
+        const auto document = PDFDocument::fromData(pdf.bytes());
+        PDFView view;
+        view.resize(700, 700);
+        view.setDocument(document);
+        view.setScaleFactor(1.5);
+        view.show();
+        view.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+        view.setFocus(Qt::MouseFocusReason);
+        QTest::keyClick(&view, Qt::Key_Tab);
+        auto* const editor = qobject_cast<QTextEdit*>(QApplication::focusWidget());
+        ASSERT_NE(editor, nullptr);
+        QTest::keyClicks(editor, QStringLiteral("one"));
+        for (int i = 0; i < 6; ++i) {
+            QTest::keyClick(editor, Qt::Key_Return);
+            QTest::keyClicks(editor, QStringLiteral("more"));
+        }
+        const double edited = editor->font().pointSizeF() * editor->logicalDpiY() / 72 / view.scaleFactor();
+        QTextCursor place(editor->document());
+        const double first = editor->cursorRect(place).top();
+        place.movePosition(QTextCursor::NextBlock, QTextCursor::MoveAnchor, 3);
+        const double apart = (editor->cursorRect(place).top() - first) / 3 / view.scaleFactor();
+        QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
+
+        const auto look = FieldDrawing::of(document->page(0)->annotations().at(0)->values());
+        ASSERT_TRUE(look && look->text && look->text->layout.lines.size() > 1U);
+        const FieldText::Layout& stands = look->text->layout;
+        EXPECT_EQ(size == "0", stands.size < 8);
+        EXPECT_NEAR(edited, stands.size, 0.05);
+        EXPECT_NEAR(apart, stands.lines[0].at.y() - stands.lines[1].at.y(), 0.7);
     }
 }
 

@@ -44,6 +44,43 @@ TEST(FormKeyboard, tabGoesThroughFieldsAndLinksAndOverPages) {
     EXPECT_EQ(form.view.currentPageIndex(), 0);
 }
 
+TEST(FormKeyboard, tabGoesToTheNextPageWithFieldsPastAnyNumberWithout) {
+    constexpr int last = 60;
+    constexpr int listed = 30;
+    const QRectF rect(100, 700, 100, 20);
+    for (const bool formListsFields : {true, false}) {
+        PdfFixture pdf;
+        for (int i = 0; i <= last; ++i)
+            pdf.addPage({QStringLiteral("Page")});
+        for (const int page : {0, listed, last})
+            pdf.addAnnotation(page, "<< /Type /Annot /Subtype /Widget /FT /Tx /F 4 /T (p" + QByteArray::number(page) +
+                                        ") /Rect " + PdfFixture::rectArray(rect) + " >>");
+        const QByteArray group = pdf.addObject("<< /FT /Tx /T (of the form) /Kids [] >>");
+        for (const int page : {0, listed}) {
+            const QByteArray widget = pdf.addAnnotation(page, "<< /Type /Annot /Subtype /Widget /F 4 /Parent " + group +
+                                                                  " /Rect [100 600 200 620] >>");
+            pdf.appendToArray(group, "/Kids", widget);
+        }
+        if (formListsFields)
+            pdf.appendToArray(pdf.form(), "/Fields", group);
+        const auto document = PDFDocument::fromData(pdf.bytes());
+        PDFView view;
+        view.resize(700, 700);
+        view.setDocument(document);
+        view.show();
+        view.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+        view.setFocus(Qt::MouseFocusReason);
+        for (int i = 0; i < 3; ++i)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(view.currentPageIndex(), listed);
+        // Pages of which the form tells that they hold no field weren't read.
+        EXPECT_EQ(document->page(listed / 2)->annotationsLoaded(), !formListsFields);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+        EXPECT_EQ(view.currentPageIndex(), 0);
+    }
+}
+
 TEST(FormKeyboard, behindTheLastFieldItLeavesTheView) {
     QWidget window;
     auto* const layout = new QVBoxLayout(&window);

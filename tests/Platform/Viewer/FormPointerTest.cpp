@@ -1,6 +1,7 @@
 #include "ShownForm.h"
 
 #include <QHelpEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QToolTip>
 
@@ -49,6 +50,27 @@ TEST(FormPointer, tellsWhatItIsOverAndADragFromAFieldSelectsNothing) {
     drag(QPoint(int(line.left()) - 5, form.onScreen(QRectF(72, 700, 1, 60)).top()),
          form.middle(FormFixture::name)); // from outside over a field: that selects
     EXPECT_TRUE(form.view.hasSelection());
+}
+
+TEST(FormPointer, theArrowStaysWhileAComboBoxIsTypedIn) {
+    Form form;
+    form.click(FormFixture::city);
+    form.type(QStringLiteral("Par"));
+    QWidget* const editor = form.editor();
+    ASSERT_NE(editor, nullptr);
+    const QPoint arrow(editor->width() - 6, editor->height() / 2);
+    QTest::mouseMove(editor, editor->rect().center());
+    EXPECT_EQ(editor->cursor().shape(), Qt::IBeamCursor);
+    QTest::mouseMove(editor, arrow);
+    EXPECT_EQ(editor->cursor().shape(), Qt::PointingHandCursor);
+    QTest::mouseClick(editor, Qt::LeftButton, {}, editor->rect().center());
+    EXPECT_EQ(form.choices(), nullptr);
+    QTest::mouseClick(editor, Qt::LeftButton, {}, arrow);
+    ASSERT_NE(form.choices(), nullptr);
+    form.choose(1);
+    EXPECT_EQ(qobject_cast<QLineEdit*>(form.editor())->text(), QStringLiteral("Oslo"));
+    form.key(Qt::Key_Return);
+    EXPECT_EQ(form.value(FormFixture::city), QStringList(QStringLiteral("Oslo")));
 }
 
 TEST(FormPointer, fieldsAreTintedOnTheScreenAndNowhereElse) {

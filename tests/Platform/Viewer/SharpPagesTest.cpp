@@ -193,7 +193,9 @@ TEST(SharpPages, highlightsLetTheTextShowThrough) {
 TEST(SharpPages, aRemovedAnnotationOfTheFileLeavesThem) {
     PdfFixture fixture;
     fixture.addPage({QStringLiteral("text")});
-    fixture.addAnnotation(0, "<< /Subtype /Square /Rect [100 400 300 600] /IC [0 0 1] /C [0 0 1] /F 4 >>");
+    const QByteArray look =
+        fixture.addStream("<< /Type /XObject /Subtype /Form /BBox [0 0 10 10] >>", "0 0 1 rg 0 0 10 10 re f");
+    fixture.addAnnotation(0, "<< /Subtype /Square /Rect [100 400 300 600] /F 4 /AP << /N " + look + " >> >>");
     const auto document = documentOf(fixture);
     ShownView view(document);
     view.waitUntilSharp();

@@ -114,8 +114,10 @@ std::shared_ptr<const FormFieldIndex> FormFieldIndex::read(SourceEngine& engine)
             const auto found = scanned.find(place.object);
             page = found == scanned.end() ? -1 : found->second;
         }
-        if (page >= 0)
-            index->m_pages[place.name].push_back(page);
+        if (page < 0)
+            continue;
+        index->m_pages[place.name].push_back(page);
+        index->m_pagesWithFields.insert(page);
     }
     for (std::vector<int>& pages : index->m_pages) {
         std::sort(pages.begin(), pages.end());

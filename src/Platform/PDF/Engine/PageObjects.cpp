@@ -43,22 +43,46 @@ int countLeaves(fz_context* context, pdf_obj* node, int depth, int limit) {
     return count;
 }
 
-/// Deeper than any form is.
-constexpr int mostParents = 64;
-
-void endParentCycles(fz_context* context, pdf_document* document, int pageNumber) {
-    pdf_obj* page = pdf_lookup_page_obj(context, document, pageNumber);
-    pdf_obj* annots = pdf_dict_get(context, page, PDF_NAME(Annots));
-    const int count = pdf_array_len(context, annots);
-    for (int i = 0; i < count; ++i) {
-        pdf_obj* annotation = pdf_array_get(context, annots, i);
-        pdf_obj* above = annotation;
-        for (int depth = 0; above && depth < mostParents; ++depth)
-            above = pdf_dict_get(context, above, PDF_NAME(Parent));
-        if (above)
-            pdf_dict_del(context, annotation, PDF_NAME(Parent));
+/// Takes a page's list of annotations out of the engine's sight for as long as this lives. The engine's objects are
+/// changed as if they were just being read, so that it doesn't take the change for an edit of the document.
+class AnnotationsAside {
+public:
+    AnnotationsAside(fz_context* context, pdf_document* document, int pageNumber) : m_context(context) {
+        m_isAside = engineTry(m_context, [&] {
+            m_page = pdf_keep_obj(
+                m_context, pdf_resolve_indirect(m_context, pdf_lookup_page_obj(m_context, document, pageNumber)));
+            m_annots = pdf_keep_obj(m_context, pdf_dict_get(m_context, m_page, PDF_NAME(Annots)));
+            m_parent = pdf_obj_parent_num(m_context, m_page);
+            if (m_annots)
+                put(PDF_NULL);
+        });
     }
-}
+    ~AnnotationsAside() {
+        if (m_annots)
+            engineTry(m_context, [&] { put(m_annots); });
+        pdf_drop_obj(m_context, m_annots);
+        pdf_drop_obj(m_context, m_page);
+    }
+    AnnotationsAside(const AnnotationsAside&) = delete;
+    AnnotationsAside& operator=(const AnnotationsAside&) = delete;
+
+    /// False when the page couldn't be found.
+    explicit operator bool() const { return m_isAside; }
+
+private:
+    /// An object without a parent is one that is being read.
+    void put(pdf_obj* annots) {
+        pdf_set_obj_parent(m_context, m_page, 0);
+        pdf_dict_put(m_context, m_page, PDF_NAME(Annots), annots);
+        pdf_set_obj_parent(m_context, m_page, m_parent);
+    }
+
+    fz_context* m_context;
+    pdf_obj* m_page = nullptr;
+    pdf_obj* m_annots = nullptr;
+    int m_parent = 0; // number of the object that the page is or is in
+    bool m_isAside = false;
+};
 
 } // namespace
 
@@ -85,9 +109,11 @@ void PageObjects::readGeometry(fz_context* context, pdf_obj* page, PDFPageGeomet
 
 pdf_page* PageObjects::load(fz_context* context, pdf_document* document, int pageNumber) {
     pdf_page* page = nullptr;
-    const auto attempt = [&] { page = pdf_load_page(context, document, pageNumber); };
-    if (!engineTry(context, attempt) && engineTry(context, [&] { endParentCycles(context, document, pageNumber); }))
-        engineTry(context, attempt);
+    // Damage that is found on the way to a page makes the engine read the whole file anew, once, and give up this time.
+    constexpr int mostAttempts = 2;
+    for (int attempt = 0; attempt < mostAttempts && !page; ++attempt)
+        if (const AnnotationsAside aside(context, document, pageNumber); aside)
+            engineTry(context, [&] { page = pdf_load_page(context, document, pageNumber); });
     return page;
 }
 

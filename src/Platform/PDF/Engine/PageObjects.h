@@ -16,9 +16,11 @@ void readGeometry(fz_context* context, pdf_obj* page, PDFPageGeometry& geometry)
 /// The number of pages that the tree claims when that can be true, and otherwise the number of pages found by walking.
 [[nodiscard]] int countPages(fz_context* context, pdf_document* document);
 
-/// The page, to be dropped by the caller; null for one that can't be loaded. The engine refuses a page with a form
-/// field that is among its own parents; this takes such a field off its parents, in the engine's memory only. Doesn't
-/// throw.
+/// The page, to be dropped by the caller; null for one that can't be loaded. Doesn't throw.
+///
+/// It comes without links, annotations and widgets. On loading a page the engine would make up an appearance for every
+/// annotation that has none and put it into its document: for one field with a large MaxLen that takes it minutes and
+/// all memory.
 [[nodiscard]] pdf_page* load(fz_context* context, pdf_document* document, int pageNumber);
 
 } // namespace PageObjects

@@ -1,22 +1,12 @@
 #include "Engine/PageRecorder.h"
 
+#include "Engine/AppearanceRunner.h"
 #include "Engine/EngineValues.h"
 #include "Engine/PageObjects.h"
 
 #include <algorithm>
 
 namespace {
-
-/// How a form XObject comes to fill its annotation's rectangle (ISO 32000-1, 12.5.5, algorithm 8.1); the matrix of the
-/// form itself left out, which running it adds.
-fz_matrix fit(const fz_rect& rect, const fz_rect& box, const fz_matrix& matrix) {
-    const fz_rect shown = fz_transform_rect(box, matrix);
-    const float width = shown.x1 - shown.x0;
-    const float height = shown.y1 - shown.y0;
-    const float sx = width > 0 ? (rect.x1 - rect.x0) / width : 1;
-    const float sy = height > 0 ? (rect.y1 - rect.y0) / height : 1;
-    return fz_make_matrix(sx, 0, 0, sy, rect.x0 - shown.x0 * sx, rect.y0 - shown.y0 * sy);
-}
 
 struct Recording {
     std::shared_ptr<const EngineInstance> instance;
@@ -53,28 +43,38 @@ struct Recording {
     }
 };
 
-/// The place of an annotation's dictionary in the page's Annots array; -1 when it isn't there.
-int placeOf(fz_context* context, pdf_obj* annots, pdf_obj* dictionary) {
-    const int number = pdf_to_num(context, dictionary);
-    const int count = pdf_array_len(context, annots);
-    for (int i = 0; i < count; ++i) {
-        pdf_obj* entry = pdf_array_get(context, annots, i);
-        if (number ? pdf_to_num(context, entry) == number
-                   : pdf_resolve_indirect(context, entry) == pdf_resolve_indirect(context, dictionary))
-            return i;
-    }
-    return -1;
+pdf_obj* annotsOf(fz_context* context, pdf_page* page) {
+    pdf_obj* annots = nullptr;
+    engineTry(context,
+              [&] { annots = pdf_resolve_indirect(context, pdf_dict_get(context, page->obj, PDF_NAME(Annots))); });
+    return annots;
 }
 
-/// Calls `action(annotation, place)` for what the page draws over its content, in drawing order: the other annotations
-/// first, form fields over them.
-template <typename Action>
-void forEachAnnotation(fz_context* context, pdf_page* page, Action&& action) {
-    pdf_obj* annots = pdf_dict_get(context, page->obj, PDF_NAME(Annots));
-    for (pdf_annot* annot = pdf_first_annot(context, page); annot; annot = pdf_next_annot(context, annot))
-        action(annot, placeOf(context, annots, pdf_annot_obj(context, annot)));
-    for (pdf_annot* widget = pdf_first_widget(context, page); widget; widget = pdf_next_widget(context, widget))
-        action(widget, placeOf(context, annots, pdf_annot_obj(context, widget)));
+/// Null for one that is no dictionary.
+pdf_obj* annotationAt(fz_context* context, pdf_obj* annots, int index) {
+    pdf_obj* annotation = nullptr;
+    engineTry(context, [&] { annotation = pdf_resolve_indirect(context, pdf_array_get(context, annots, index)); });
+    return pdf_is_dict(context, annotation) ? annotation : nullptr;
+}
+
+/// Over the page's content, form fields above the other annotations.
+void runAnnotations(const Recording& recording, const std::vector<int>& hidden, fz_cookie* cookie) {
+    fz_context* context = recording.context;
+    AppearanceRunner runner(context, recording.page, recording.device, recording.toPage, cookie);
+    pdf_obj* annots = annotsOf(context, recording.page);
+    const int count = pdf_array_len(context, annots);
+    for (const bool widgets : {false, true}) {
+        for (int i = 0; i < count && !(cookie && cookie->abort); ++i) {
+            pdf_obj* annotation = annotationAt(context, annots, i);
+            bool isWidget = false;
+            engineTry(context, [&] {
+                isWidget =
+                    pdf_name_eq(context, pdf_dict_get(context, annotation, PDF_NAME(Subtype)), PDF_NAME(Widget)) != 0;
+            });
+            if (annotation && isWidget == widgets && !std::binary_search(hidden.begin(), hidden.end(), i))
+                runner.run(annotation);
+        }
+    }
 }
 
 /// Links and windows of notes have no look of their own.
@@ -106,16 +106,8 @@ std::shared_ptr<const RecordedPage> PageRecorder::record(SourceEngine& engine, c
         return nullptr;
     engineTry(context,
               [&] { pdf_run_page_contents(context, recording.page, recording.device, recording.toPage, cookie); });
-    if (key.annotations) {
-        engineTry(context, [&] {
-            forEachAnnotation(context, recording.page, [&](pdf_annot* annot, int place) {
-                // The engine makes a look of its own for one without, which its live object draws as well.
-                if (!std::binary_search(key.hiddenAnnotations.begin(), key.hiddenAnnotations.end(), place) &&
-                    (key.imaginedLooks || EngineValues::hasAppearance(context, pdf_annot_obj(context, annot))))
-                    pdf_run_annot(context, annot, recording.device, recording.toPage, cookie);
-            });
-        });
-    }
+    if (key.annotations)
+        runAnnotations(recording, key.hiddenAnnotations, cookie);
     bool isBare = false;
     engineTry(context, [&] { isBare = hasBareAnnotation(context, recording.page->obj); });
     if (isBare)
@@ -127,7 +119,9 @@ std::shared_ptr<const RecordedPage> PageRecorder::record(SourceEngine& engine, c
     return recorded;
 }
 
-std::shared_ptr<const RecordedPage> PageRecorder::recordAnnotation(SourceEngine& engine, int pageNumber, int index) {
+/// Records what `run` runs of the annotation at `index` of a page.
+template <typename Run>
+static std::shared_ptr<const RecordedPage> recordOne(SourceEngine& engine, int pageNumber, int index, Run&& run) {
     const SourceEngine::Lease borrowed = engine.lease();
     if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
         return nullptr;
@@ -135,44 +129,27 @@ std::shared_ptr<const RecordedPage> PageRecorder::recordAnnotation(SourceEngine&
     Recording recording(borrowed);
     if (!recording.begin(borrowed.document(), pageNumber))
         return nullptr;
-    bool drawn = false;
-    engineTry(context, [&] {
-        forEachAnnotation(context, recording.page, [&](pdf_annot* annot, int place) {
-            if (place != index)
-                return;
-            pdf_run_annot(context, annot, recording.device, recording.toPage, nullptr);
-            drawn = true;
-        });
+    pdf_obj* annotation = annotationAt(context, annotsOf(context, recording.page), index);
+    AppearanceRunner runner(context, recording.page, recording.device, recording.toPage, nullptr);
+    return annotation && run(runner, annotation) ? recording.finish() : nullptr;
+}
+
+std::shared_ptr<const RecordedPage> PageRecorder::recordAnnotation(SourceEngine& engine, int pageNumber, int index) {
+    return recordOne(engine, pageNumber, index, [](AppearanceRunner& runner, pdf_obj* annotation) {
+        runner.run(annotation);
+        return true;
     });
-    return drawn ? recording.finish() : nullptr;
 }
 
 std::shared_ptr<const RecordedPage> PageRecorder::recordState(SourceEngine& engine, int pageNumber, int index,
                                                               const QByteArray& state) {
-    const SourceEngine::Lease borrowed = engine.lease();
-    if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
-        return nullptr;
-    fz_context* context = borrowed.context();
-    Recording recording(borrowed);
-    pdf_processor* processor = nullptr;
-    bool drawn = false;
-    engineTry(context, [&] {
-        pdf_obj* page = pdf_lookup_page_obj(context, borrowed.document(), pageNumber);
-        pdf_obj* annotation = pdf_array_get(context, pdf_dict_get(context, page, PDF_NAME(Annots)), index);
-        pdf_obj* look = pdf_dict_gets(context, pdf_dict_getp(context, annotation, "AP/N"), state.constData());
-        if (!pdf_is_stream(context, look))
-            return;
-        const fz_rect rect = pdf_dict_get_rect(context, annotation, PDF_NAME(Rect));
-        const fz_matrix place = fit(rect, pdf_xobject_bbox(context, look), pdf_xobject_matrix(context, look));
-        recording.list = fz_new_display_list(context, rect);
-        recording.device = fz_new_list_device(context, recording.list);
-        processor = pdf_new_run_processor(context, recording.device, place, "View", nullptr, nullptr, nullptr);
-        processor->op_q(context, processor);
-        processor->op_Do_form(context, processor, nullptr, look, nullptr);
-        processor->op_Q(context, processor);
-        pdf_close_processor(context, processor);
-        drawn = true;
+    const SourceEngine::StateKey key{pageNumber, index, state};
+    if (auto kept = engine.stateLook(key))
+        return kept;
+    auto recorded = recordOne(engine, pageNumber, index, [&state](AppearanceRunner& runner, pdf_obj* annotation) {
+        return runner.runState(annotation, state.constData());
     });
-    pdf_drop_processor(context, processor);
-    return drawn ? recording.finish() : nullptr;
+    if (recorded)
+        engine.keepStateLook(key, recorded);
+    return recorded;
 }

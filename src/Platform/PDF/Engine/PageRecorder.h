@@ -4,9 +4,8 @@
 
 /// Records what a page draws, for replay in tiles. Any thread.
 ///
-/// Annotations are drawn by the appearances that the file gives them. The engine could make up those that are missing,
-/// but it would have to change its document for that, and its own lookups don't stand such a document: the program
-/// draws such annotations itself (`PDFAnnotation::drawsItself`).
+/// Annotations are drawn by the appearances that the file gives them; those without one draw themselves
+/// (`PDFAnnotation::drawsItself`).
 namespace PageRecorder {
 
 /// From the engine's recent recordings when it is there. Null when the page can't be read or `cookie` was aborted.

@@ -11,6 +11,7 @@ namespace {
 /// Documents that stay open for the next borrower: the main thread's and those of two workers.
 constexpr std::size_t idleLimit = 3;
 constexpr std::size_t recordingLimit = 8;
+constexpr std::size_t stateLookLimit = 4096; // some hundred bytes each
 constexpr int lookupsBeforeTable = 64;
 
 PDFError openFailure(const QByteArray& bytes, const std::string& reason) {
@@ -227,6 +228,20 @@ void SourceEngine::keepRecording(const RecordingKey& key, std::shared_ptr<const 
         m_recordings.erase(m_recordings.begin());
     }
     m_recordings.emplace_back(key, std::move(page));
+}
+
+std::shared_ptr<const RecordedPage> SourceEngine::stateLook(const StateKey& key) const {
+    const std::lock_guard guard(m_mutex);
+    const auto found = m_stateLooks.find(key);
+    return found == m_stateLooks.end() ? nullptr : found->second;
+}
+
+void SourceEngine::keepStateLook(const StateKey& key, std::shared_ptr<const RecordedPage> look) {
+    std::map<StateKey, std::shared_ptr<const RecordedPage>> dropped; // after the lock
+    const std::lock_guard guard(m_mutex);
+    if (m_stateLooks.size() >= stateLookLimit)
+        dropped.swap(m_stateLooks);
+    m_stateLooks.insert_or_assign(key, std::move(look));
 }
 
 bool SourceEngine::hasBareAnnotations(int pageNumber) const {

@@ -6,8 +6,10 @@
 #include <QByteArray>
 
 #include <atomic>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -118,11 +120,23 @@ public:
         int pageNumber = 0;
         bool annotations = true;
         std::vector<int> hiddenAnnotations;
-        bool imaginedLooks = false; ///< with those that bring no appearance
         bool operator==(const RecordingKey&) const = default;
     };
     [[nodiscard]] std::shared_ptr<const RecordedPage> recording(const RecordingKey& key) const;
     void keepRecording(const RecordingKey& key, std::shared_ptr<const RecordedPage> page);
+
+    /// The looks that buttons of the file have for their states, as they were recorded: a change draws those around it
+    /// again and again.
+    struct StateKey {
+        int pageNumber = 0;
+        int index = 0; ///< in the page's list of annotations
+        QByteArray state;
+        bool operator<(const StateKey& other) const {
+            return std::tie(pageNumber, index, state) < std::tie(other.pageNumber, other.index, other.state);
+        }
+    };
+    [[nodiscard]] std::shared_ptr<const RecordedPage> stateLook(const StateKey& key) const;
+    void keepStateLook(const StateKey& key, std::shared_ptr<const RecordedPage> look);
 
     /// Pages whose file annotations want to be drawn without bringing an appearance. Known once a page has been
     /// recorded.
@@ -160,6 +174,7 @@ private:
     std::shared_ptr<const PageTable> m_table;
     int m_lookups = 0;
     std::vector<std::pair<RecordingKey, std::shared_ptr<const RecordedPage>>> m_recordings; // most recent last
+    std::map<StateKey, std::shared_ptr<const RecordedPage>> m_stateLooks;
     std::unordered_set<int> m_pagesWithBareAnnotations;
     std::shared_ptr<const FormFieldIndex> m_fieldIndex;
     std::mutex m_tableMaking;

@@ -5,6 +5,7 @@
 #include "FieldDrawing.h"
 #include "FieldFont.h"
 #include "FieldFrame.h"
+#include "FormFieldValues.h"
 #include "FormTree.h"
 #include "PdfValues.h"
 
@@ -37,7 +38,7 @@ PDFBorder borderOf(QPDFObjectHandle widget) {
         border.style = PDFBorderStyle::underline;
     constexpr int mostDashes = 16;
     if (dashes.isArray() && dashes.getArrayNItems() <= mostDashes)
-        for (QPDFObjectHandle dash : dashes.aitems())
+        for (const QPDFObjectHandle& dash : dashes.aitems())
             border.dashPattern.push_back(PdfValues::toNumber(dash));
     return border;
 }
@@ -84,9 +85,9 @@ FieldFrame FieldLook::frame() const {
     frame.background = PdfValues::toColor(PdfValues::entry(widget.getKey("/MK"), "/BG"));
     frame.edge = PdfValues::toColor(PdfValues::entry(widget.getKey("/MK"), "/BC"));
     frame.border = borderOf(m_widget);
-    constexpr int mostCells = 1000;
     if (!m_isChoice && (m_flags & FormTree::comb) && !(m_flags & (FormTree::multiline | FormTree::password)))
-        frame.cells = std::clamp(int(PdfValues::toNumber(FormTree::inherited(m_widget, "/MaxLen"))), 0, mostCells);
+        frame.cells = int(std::clamp(PdfValues::toNumber(FormTree::inherited(m_widget, "/MaxLen")), 0.0,
+                                     double(FormFieldValues::mostCells)));
     return frame;
 }
 
@@ -102,7 +103,7 @@ void FieldLook::addRows(FieldText& text) const {
     text.kind = FieldText::Kind::rows;
     QPDFObjectHandle value = FormTree::inherited(m_widget, "/V");
     QStringList chosen;
-    for (QPDFObjectHandle each : value.isArray() ? value.getArrayAsVector() : std::vector{value})
+    for (const QPDFObjectHandle& each : value.isArray() ? value.getArrayAsVector() : std::vector{value})
         chosen += PdfValues::toText(each);
     QPDFObjectHandle options = FormTree::inherited(m_widget, "/Opt");
     const int count = options.isArray() ? std::min(options.getArrayNItems(), mostChoices) : 0;
