@@ -60,7 +60,7 @@ QByteArray fileOf(int pageCount) {
         add("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Contents " + QByteArray::number(first + 1) +
             " 0 R /Resources << /XObject << /I " + QByteArray::number(first + 2) + " 0 R >> >> >>");
         add(stream({}, "q 612 0 0 792 0 0 cm /I Do Q"));
-        QByteArray noise(imageSide * imageSide, Qt::Uninitialized);
+        QByteArray noise(qsizetype(imageSide) * imageSide, Qt::Uninitialized);
         QRandomGenerator::global()->fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
         const QByteArray side = QByteArray::number(imageSide);
         add(stream("/Type /XObject /Subtype /Image /ColorSpace /DeviceGray /BitsPerComponent 8 /Width " + side +

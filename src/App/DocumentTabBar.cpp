@@ -8,9 +8,30 @@
 #include <QTabBar>
 #include <QToolButton>
 
-static constexpr int closeSymbolSide = 12;
+#include <algorithm>
 
-DocumentTabBar::DocumentTabBar(QAction* newTab, QWidget* parent) : QWidget(parent), m_tabs(new QTabBar(this)) {
+static constexpr int closeSymbolSide = 12;
+static constexpr int leastCharacters = 12; // of a name, before the tabs scroll
+
+namespace {
+
+/// Tabs that stay legible when there are many of them.
+class Tabs : public QTabBar {
+public:
+    using QTabBar::QTabBar;
+
+protected:
+    QSize minimumTabSizeHint(int index) const override {
+        QSize size = QTabBar::minimumTabSizeHint(index); // with next to no text
+        const int legible = size.width() + leastCharacters * fontMetrics().averageCharWidth();
+        size.setWidth(std::min(legible, tabSizeHint(index).width()));
+        return size;
+    }
+};
+
+} // namespace
+
+DocumentTabBar::DocumentTabBar(QAction* newTab, QWidget* parent) : QWidget(parent), m_tabs(new Tabs(this)) {
     setObjectName(u"documentTabBar"_qs);
     m_tabs->setObjectName(u"documentTabs"_qs);
     m_tabs->setAccessibleName(u"Documents"_qs);

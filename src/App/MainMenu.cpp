@@ -10,6 +10,7 @@
 
 #include <QAction>
 #include <QDir>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QTextEdit>
@@ -39,6 +40,20 @@ QAction* MainMenu::add(QMenu* menu, const QString& name, const QString& text, co
     return action;
 }
 
+template <typename Action>
+bool MainMenu::askEditor(const Action& action) {
+    QWidget* const editor = m_document->isBeingTyped() ? m_window.focusWidget() : nullptr;
+    auto* const lines = qobject_cast<QTextEdit*>(editor);
+    auto* const line = qobject_cast<QLineEdit*>(editor);
+    if (lines)
+        action(*lines);
+    else if (line)
+        action(*line);
+    else
+        m_document->commitEditing(); // a list that is open, say: its change becomes the newest of the document
+    return lines || line;
+}
+
 void MainMenu::makeMenus(AppActions& actions) {
     QMenuBar* bar = m_window.menuBar();
     bar->setObjectName(u"menuBar"_qs);
@@ -59,20 +74,18 @@ void MainMenu::makeMenus(AppActions& actions) {
     m_revert = add(file, u"revert"_qs, u"Re&vert to Saved…"_qs, {},
                    [this] { m_controller.revertDocument(std::shared_ptr<Document>(m_document)); });
     file->addSeparator();
+    m_afterPrint = file->addSeparator();
     file->addAction(actions.quit);
+    m_fileMenu = file;
 
     m_settings = actions.settings;
     m_editMenu = bar->addMenu(u"&Edit"_qs);
     m_undo = add(m_editMenu, u"undo"_qs, u"&Undo"_qs, Qt::CTRL | Qt::Key_Z, [this] {
-        if (QTextEdit* const editor = openEditor())
-            editor->undo();
-        else
+        if (!askEditor([](auto& editor) { editor.undo(); }))
             m_document->undoManager()->undo();
     });
     m_redo = add(m_editMenu, u"redo"_qs, u"&Redo"_qs, Qt::CTRL | Qt::SHIFT | Qt::Key_Z, [this] {
-        if (QTextEdit* const editor = openEditor())
-            editor->redo();
-        else
+        if (!askEditor([](auto& editor) { editor.redo(); }))
             m_document->undoManager()->redo();
     });
 
@@ -118,6 +131,10 @@ void MainMenu::fillWorkspaceMenus() {
         for (const Command command : commands)
             menu->addAction(m_workspace->action(command));
     };
+    m_fileMenu->removeAction(m_print);
+    m_print = m_workspace->action(Command::print);
+    m_fileMenu->insertAction(m_afterPrint, m_print);
+
     m_editMenu->clear();
     m_editMenu->addActions({m_undo, m_redo});
     m_editMenu->addSeparator();
@@ -182,9 +199,4 @@ void MainMenu::updateDocumentActions() {
 
 QList<QAction*> MainMenu::tabActions() const {
     return {m_save, m_saveAs, m_duplicate, m_revert, nullptr, m_close};
-}
-
-/// The editor over a page that has the keyboard: while something is typed there, undo is about that.
-QTextEdit* MainMenu::openEditor() const {
-    return m_document->isBeingTyped() ? qobject_cast<QTextEdit*>(m_window.focusWidget()) : nullptr;
 }

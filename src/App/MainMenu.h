@@ -17,7 +17,6 @@ class QAction;
 class QMainWindow;
 class QKeySequence;
 class QMenu;
-class QTextEdit;
 class WorkspaceActions;
 
 /// The menu bar of one window. Its commands act on the document that it was last told of, and are enabled only while
@@ -49,7 +48,10 @@ private:
     void fillRecentMenu();
     void fillWorkspaceMenus();
     void updateDocumentActions();
-    [[nodiscard]] QTextEdit* openEditor() const;
+    /// Lets the text editor over a page that has the keyboard act: while something is typed there, undo is about that.
+    /// False when there is none.
+    template <typename Action>
+    bool askEditor(const Action& action);
 
     QMainWindow& m_window;
     DocumentController& m_controller;
@@ -59,6 +61,7 @@ private:
     WorkspaceActions* m_noWorkspace;
     QPointer<WorkspaceActions> m_workspace;
 
+    QMenu* m_fileMenu = nullptr;
     QMenu* m_recentMenu = nullptr;
     QMenu* m_editMenu = nullptr;
     QMenu* m_viewMenu = nullptr;
@@ -69,6 +72,8 @@ private:
     QAction* m_duplicate = nullptr;
     QAction* m_revert = nullptr;
     QAction* m_close = nullptr;
+    QPointer<QAction> m_print; ///< the workspace's
+    QAction* m_afterPrint = nullptr;
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     QAction* m_fullScreen = nullptr;

@@ -106,11 +106,16 @@ bool WindowPresenter::offerSaveAs(const std::shared_ptr<Document>&, const QStrin
     return m_dialogs.offerSaveAs(windowForQuestions(), title, sentence);
 }
 
+/// Not every home has a folder for documents.
+static QString folderForNewFiles() {
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QFileInfo(documents).isDir() ? documents : QDir::homePath();
+}
+
 std::optional<QString> WindowPresenter::chooseSaveLocation(const std::shared_ptr<Document>& document,
                                                            const QString& suggestedName) {
-    const QString folder = document->fileURL().isEmpty()
-                               ? QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
-                               : QFileInfo(document->fileURL().toLocalFile()).path();
+    const QString folder =
+        document->fileURL().isEmpty() ? folderForNewFiles() : QFileInfo(document->fileURL().toLocalFile()).path();
     return m_dialogs.chooseSaveLocation(m_window, QDir(folder).filePath(suggestedName));
 }
 

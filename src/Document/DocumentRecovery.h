@@ -6,6 +6,7 @@
 #include <QThreadPool>
 
 #include <memory>
+#include <set>
 #include <unordered_map>
 
 class Document;
@@ -39,12 +40,16 @@ public:
 Q_SIGNALS:
     /// The changes of a document were written.
     void written();
-    /// Changes can't be kept safe now; `sentence` says so and why. Told once, until it works again.
+    /// Changes can't be kept safe now; `sentence` says so and why. Told once, until it works again for every document.
     void writingFailed(const QString& sentence);
 
 private:
     void add(const std::shared_ptr<Document>& document);
     void remove(const std::shared_ptr<Document>& document);
+    void noteFile(const std::shared_ptr<Document>& document);
+    /// Writes all that is pending and returns when it is on the disk.
+    void writeAll();
+    void tellFailure(const RecoveryWriter& writer, const QString& sentence);
 
     const QString m_folder;
     const RecoveryPace m_pace;
@@ -52,5 +57,6 @@ private:
     /// One thread for all: work on one record never overlaps, and leaves the processor to the reader.
     QThreadPool m_pool;
     std::unordered_map<const Document*, std::unique_ptr<RecoveryWriter>> m_writers;
-    bool m_hasTold = false;
+    /// Those whose changes aren't on the disk because the last write failed.
+    std::set<const RecoveryWriter*> m_failing;
 };

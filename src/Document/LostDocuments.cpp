@@ -111,7 +111,7 @@ void LostDocuments::finish(const Reading& reading, const Completion& completion)
 
 std::shared_ptr<PDFEditorDocument> LostDocuments::open(const Reading& reading) {
     const std::shared_ptr<PDFDocument> pages = PDFDocument::fromData(reading.bytes);
-    const auto document = std::make_shared<PDFEditorDocument>();
+    auto document = std::make_shared<PDFEditorDocument>();
     document->setWasPasswordProtected(pages->isLocked());
     document->setPdfDocument(pages);
 

@@ -17,7 +17,7 @@ struct RecoveryManifest {
     };
 
     /// A larger file is none of ours.
-    static constexpr qint64 maximumEncodedSize = 64 * 1024;
+    static constexpr qint64 maximumEncodedSize = qint64(64) * 1024;
     /// No document of more bytes can be opened.
     static constexpr qint64 maximumPartSize = qint64(4) << 30;
 

@@ -71,6 +71,7 @@ RecoveryWriter::RecoveryWriter(PDFEditorDocument& document, QThreadPool& pool, Q
     connect(&m_timer, &QTimer::timeout, this, &RecoveryWriter::write);
     connect(m_document.undoManager().get(), &UndoManager::changed, this, &RecoveryWriter::noteChange);
     connect(&m_document, &PDFEditorDocument::objectWillChange, this, &RecoveryWriter::noteChange);
+    connect(&m_document, &Document::fileURLChanged, this, &RecoveryWriter::noteFile);
     connect(&m_document, &PDFEditorDocument::pdfDocumentChanged, this, &RecoveryWriter::followPages);
     connect(&m_document, &Document::documentEditedChanged, this, [this](bool edited) {
         if (!edited)
@@ -82,6 +83,10 @@ RecoveryWriter::RecoveryWriter(PDFEditorDocument& document, QThreadPool& pool, Q
 }
 
 RecoveryWriter::~RecoveryWriter() {
+    giveUpPicture();
+}
+
+void RecoveryWriter::giveUpPicture() {
     *m_pictureCancelled = true;
 }
 
@@ -101,7 +106,7 @@ void RecoveryWriter::adopt(std::shared_ptr<RecoveryRecord> record) {
 }
 
 bool RecoveryWriter::needsWriting() const {
-    return m_hasChanged && !m_isWriting && m_document.isDocumentEdited() && !m_document.pdfDocument()->isLocked();
+    return m_hasChanged && m_document.isDocumentEdited() && !m_document.pdfDocument()->isLocked();
 }
 
 void RecoveryWriter::noteChange() {
@@ -110,7 +115,7 @@ void RecoveryWriter::noteChange() {
 }
 
 void RecoveryWriter::schedule() {
-    if (!needsWriting() || m_timer.isActive())
+    if (!needsWriting() || isWriting() || m_timer.isActive())
         return;
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(m_nextWrite.remainingTimeAsDuration());
     m_timer.start(std::max(wait, m_pace.afterChange));
@@ -146,14 +151,15 @@ void RecoveryWriter::write() {
     } catch (const std::exception&) { // no memory, most likely
         Outcome outcome;
         outcome.error = u"There isn't enough memory."_qs;
-        m_isWriting = true;
+        ++m_writeCount;
         finish(outcome);
         return;
     }
 
     m_hasChanged = false;
-    m_isWriting = true;
+    ++m_writeCount;
     m_hasRecord = true;
+    giveUpPicture(); // of an earlier state
     m_pictureCancelled = std::make_shared<std::atomic<bool>>(false);
     if (picture)
         QTimer::singleShot(m_pace.pictureTimeLimit, this, [cancelled = m_pictureCancelled] { *cancelled = true; });
@@ -199,7 +205,7 @@ RecoveryWriter::Outcome RecoveryWriter::store(Slot& slot, const QString& folder,
 }
 
 void RecoveryWriter::finish(const Outcome& outcome) {
-    m_isWriting = false;
+    --m_writeCount;
     if (outcome.hasPicture)
         m_nextPicture.setRemainingTime(m_pace.betweenPictures);
     if (outcome.error.isEmpty()) {
@@ -220,7 +226,7 @@ void RecoveryWriter::remove() {
     m_hasChanged = false;
     m_nextWrite.setRemainingTime(0ms);
     m_nextPicture.setRemainingTime(0ms);
-    *m_pictureCancelled = true;
+    giveUpPicture();
     if (!std::exchange(m_hasRecord, false))
         return;
     m_pool.start([slot = m_slot] {

@@ -54,8 +54,12 @@ public:
     void adopt(std::shared_ptr<RecoveryRecord> record);
     /// Deletes the record.
     void remove();
-    /// Begins now what would be written later.
+    /// Begins now what would be written later, also while an earlier state is being written.
     void writePending();
+    /// Lets the work that was begun end without a picture.
+    void giveUpPicture();
+    /// The document's file was written, so the record is to tell of it.
+    void noteFile() { noteChange(); }
 
 Q_SIGNALS:
     void written();
@@ -78,6 +82,7 @@ private:
     void write();
     void finish(const Outcome& outcome);
     [[nodiscard]] bool needsWriting() const;
+    [[nodiscard]] bool isWriting() const { return m_writeCount > 0; }
 
     PDFEditorDocument& m_document;
     QThreadPool& m_pool;
@@ -91,6 +96,6 @@ private:
     QDeadlineTimer m_nextPicture{0};
     std::shared_ptr<std::atomic<bool>> m_pictureCancelled;
     bool m_hasChanged = false;
-    bool m_isWriting = false;
+    int m_writeCount = 0;     ///< begun and not finished
     bool m_hasRecord = false; ///< there is one, or work under way that makes one
 };

@@ -81,7 +81,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     connect(m_toolbar, &WorkspaceToolbar::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
     connect(m_pdfView, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
     connect(m_pdfView, &AnnotatingPDFView::editingTextChanged, m_document.get(), &Document::setBeingTyped);
-    connect(m_document.get(), &Document::commitEditingRequested, m_pdfView, &AnnotatingPDFView::commitEditors);
+    connect(m_document.get(), &Document::commitEditingRequested, m_pdfView, &AnnotatingPDFView::applyEditors);
     if (!m_document->openNotice().isEmpty())
         m_notice->announce(m_document->openNotice(), openNoticeTime);
 }

@@ -1,12 +1,17 @@
 #include "AppTest.h"
 
 #include "AnnotatingPDFView.h"
+#include "FormFixture.h"
 #include "PDFAnnotation.h"
 #include "PDFEditorWorkspaceView.h"
+#include "PDFFormField.h"
 #include "ToolState.h"
 
 #include <QCloseEvent>
 #include <QDropEvent>
+#include <QFile>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QTabBar>
@@ -93,6 +98,22 @@ TEST_F(DocumentWindowTest, commandsAreEnabledOnlyWhileTheyCanDoSomething) {
     expectEnabled({u"copy"_qs}, true);
 }
 
+TEST_F(DocumentWindowTest, namesOfTabsStayLegibleInANarrowWindow) {
+    launch({file(u"a.pdf"_qs)});
+    for (int i = 1; i < 8; ++i)
+        open(file(u"The minutes of meeting %1 of the board.pdf"_qs.arg(i)));
+    window()->resize(500, 600);
+    settle();
+    const int legible = tabs()->fontMetrics().horizontalAdvance(u"The m…d.pdf"_qs);
+    const auto room = [this](int tab) {
+        return tabs()->tabRect(tab).width() - tabs()->tabButton(tab, QTabBar::RightSide)->width();
+    };
+    for (int i = 1; i < 8; ++i)
+        EXPECT_GE(room(i), legible) << i;
+    EXPECT_LT(room(0), legible) << "A short name takes no more than it needs.";
+    EXPECT_TRUE(tabs()->rect().contains(tabs()->tabRect(7).center()));
+}
+
 TEST_F(DocumentWindowTest, theMenuBelongsToTheCurrentTab) {
     launch({file(u"a.pdf"_qs)});
     auto* firstView = window()->currentContentView()->workspace()->pdfView();
@@ -111,8 +132,17 @@ TEST_F(DocumentWindowTest, theMenuBelongsToTheCurrentTab) {
             EXPECT_TRUE(entry->isSeparator() || !entry->isEnabled()) << entry->text().toStdString();
     }
     EXPECT_FALSE(command(u"saveAs"_qs)->isEnabled());
+    const auto prints = [&entries] {
+        QList<QAction*> actions = entries(u"File"_qs);
+        actions.removeIf([](const QAction* entry) { return entry->objectName() != QLatin1String("print"); });
+        return actions;
+    };
+    ASSERT_EQ(prints().size(), 1);
+    EXPECT_FALSE(prints().constFirst()->isEnabled());
 
     window()->setCurrent(window()->contentViews().front());
+    ASSERT_EQ(prints().size(), 1);
+    EXPECT_TRUE(prints().constFirst()->isEnabled());
     EXPECT_TRUE(entries(u"Go"_qs).contains(firstView->action(PDFViewCommand::goToNextPage)));
     QTest::keyClick(window(), Qt::Key_Down, Qt::ControlModifier);
     EXPECT_EQ(firstView->currentPageIndex(), 1);
@@ -179,6 +209,52 @@ TEST_F(DocumentWindowTest, whatIsBeingTypedIsSavedAndAskedAbout) {
     settle();
     EXPECT_EQ(m_dialogs->askedToSave, QStringList{u"a.pdf"_qs});
     EXPECT_EQ(document(0)->pdfDocument()->page(0)->annotations().size(), 2U);
+}
+
+TEST_F(DocumentWindowTest, undoIsAboutTheFieldThatIsBeingFilled) {
+    QFile form(m_folder.filePath(u"form.pdf"_qs));
+    ASSERT_TRUE(form.open(QFile::WriteOnly));
+    form.write(FormFixture::bytes());
+    form.close();
+    launch({QUrl::fromLocalFile(form.fileName())});
+    AnnotatingPDFView* const view = window()->currentContentView()->workspace()->pdfView();
+    const auto click = [&](const QRectF& field) {
+        const std::shared_ptr<PDFPage> page = document(0)->pdfDocument()->page(0);
+        view->reveal(*page->annotation(field.center()));
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->convertFromPage(field, *page).center().toPoint());
+    };
+    click(FormFixture::name);
+    auto* const line = view->viewport()->findChild<QLineEdit*>();
+    ASSERT_TRUE(line);
+    QTest::keyClicks(line, u"Ada"_qs);
+    command(u"undo"_qs)->trigger();
+    EXPECT_EQ(line->text(), QString());
+    command(u"redo"_qs)->trigger();
+    EXPECT_EQ(line->text(), u"Ada"_qs);
+    EXPECT_FALSE(document(0)->isDocumentEdited());
+
+    click(FormFixture::fruit);
+    auto* const list = view->viewport()->findChild<QListWidget*>();
+    ASSERT_TRUE(list);
+    EXPECT_TRUE(document(0)->isDocumentEdited());
+    list->setCurrentRow(list->count() - 1);
+    command(u"undo"_qs)->trigger(); // what was chosen, and not what was typed before
+    EXPECT_FALSE(list->isVisible());
+    EXPECT_TRUE(document(0)->undoManager()->canRedo());
+    EXPECT_TRUE(document(0)->undoManager()->canUndo());
+    command(u"undo"_qs)->trigger();
+    EXPECT_FALSE(document(0)->isDocumentEdited());
+
+    click(FormFixture::name);
+    QTest::keyClicks(window()->focusWidget(), u"Bob"_qs);
+    command(u"save"_qs)->trigger();
+    settle();
+    QTest::keyClicks(window()->focusWidget(), u"by"_qs);
+    EXPECT_EQ(view->viewport()->findChild<QLineEdit*>()->text(), u"Bobby"_qs);
+    const auto value = [](const std::shared_ptr<PDFDocument>& pdf) {
+        return PDFFormField::of(pdf->page(0)->annotation(FormFixture::name.center()))->value().join(u'|');
+    };
+    EXPECT_EQ(value(PDFDocument::fromFile(form.fileName())), u"Bob"_qs);
 }
 
 TEST_F(DocumentWindowTest, closingATabAsksWhatBecomesOfItsChanges) {

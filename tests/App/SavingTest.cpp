@@ -199,6 +199,7 @@ TEST_F(SavingTest, aDuplicateIsATabOfItsOwn) {
     command(u"save"_qs)->trigger();
     settle();
     EXPECT_TRUE(m_dialogs->suggestedPaths.constLast().endsWith(u"/a copy.pdf"_qs));
+    EXPECT_TRUE(QFileInfo(m_dialogs->suggestedPaths.constLast()).dir().exists());
     EXPECT_EQ(savedPageCount(u"saved copy.pdf"_qs), 2);
     EXPECT_EQ(savedPageCount(u"a.pdf"_qs), 3);
 }

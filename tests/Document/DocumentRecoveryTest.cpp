@@ -165,6 +165,75 @@ TEST_F(DocumentRecoveryTest, changesThatComeTogetherAreWrittenTogetherAndLaterOn
     EXPECT_TRUE(QFileInfo::exists(records + name + u"/update-4"_qs)) << "the base and three updates";
 }
 
+TEST_F(DocumentRecoveryTest, anEndingSessionRecordsAlsoWhatCameDuringAWriteAndWaitsForNoSlowPicture) {
+    PdfFixture slow;
+    slow.addPageWithContent(QByteArray("0 0 m 600 700 l S 600 0 m 0 700 l S\n").repeated(300'000));
+    EditedPdf::store(m_pdf, slow.bytes());
+    {
+        RecoveryPace pace = quickPace();
+        pace.pictureTimeLimit = 20ms;
+        Session session(m_folder, pace);
+        const auto document = session.open(m_pdf);
+        EditedPdf::addSquare(*document);
+        session.recovery.writePending();
+        EditedPdf::addSquare(*document);
+        session.controller.prepareForSessionEnd();
+    }
+    Session session(m_folder);
+    EXPECT_TRUE(session.lostDocuments.take().front().picture.isNull());
+    session.lostDocuments.release();
+    const auto document = session.recoverOnly();
+    ASSERT_TRUE(document);
+    EXPECT_EQ(EditedPdf::squareCount(*document->pdfDocument()), 2);
+}
+
+TEST_F(DocumentRecoveryTest, whatWasChangedDuringASaveIsRecoveredIntoTheSavedFile) {
+    const QString other = m_folder.filePath(u"other.pdf"_qs);
+    for (const QString& path : {m_pdf, other}) {
+        SCOPED_TRACE(path.toStdString());
+        const int squares = EditedPdf::squareCount(*PDFDocument::fromFile(m_pdf));
+        {
+            Session session(m_folder);
+            const auto document = session.open(m_pdf);
+            EditedPdf::addSquare(*document);
+            bool isSaved = false;
+            session.presenter.saveLocation = path;
+            session.controller.saveDocumentAs(document, [&isSaved](bool succeeded) { isSaved = succeeded; });
+            EditedPdf::addSquare(*document);
+            session.recovery.writePending();
+            EXPECT_TRUE(QTest::qWaitFor([&isSaved] { return isSaved; }, timeLimitInMilliseconds));
+            EXPECT_TRUE(document->isDocumentEdited());
+            session.controller.prepareForSessionEnd();
+        }
+        EXPECT_EQ(EditedPdf::squareCount(*PDFDocument::fromFile(path)), squares + 1);
+        Session session(m_folder);
+        const auto document = session.recoverOnly();
+        ASSERT_TRUE(document);
+        EXPECT_EQ(document->fileURL(), QUrl::fromLocalFile(path));
+        EXPECT_EQ(EditedPdf::squareCount(*document->pdfDocument()), squares + 2);
+        session.controller.closeDocument(document);
+        expectNoRecordSoon();
+    }
+}
+
+TEST_F(DocumentRecoveryTest, aDocumentWithoutPagesIsSavedAndRecovered) {
+    {
+        Session session(m_folder);
+        const auto document = session.open(m_pdf);
+        session.record([&] {
+            while (document->pdfDocument()->pageCount() > 0)
+                EditedPdf::removeLastPage(*document);
+        });
+    }
+    Session session(m_folder);
+    const auto document = session.recoverOnly();
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->pdfDocument()->pageCount(), 0);
+    session.controller.saveDocument(document);
+    expectNoRecordSoon();
+    EXPECT_EQ(PDFDocument::fromFile(m_pdf)->pageCount(), 0);
+}
+
 TEST_F(DocumentRecoveryTest, aRecoveredDocumentIsEditedAndHasItsFileAndKeepsItsRecord) {
     crashWithSquare();
     {
@@ -352,6 +421,37 @@ TEST_F(DocumentRecoveryTest, whatCannotBeWrittenIsToldOnceAndTriedAgain) {
 
     EXPECT_TRUE(!written.isEmpty() || written.wait(timeLimitInMilliseconds));
     EXPECT_EQ(recordCount(), 1);
+}
+
+TEST_F(DocumentRecoveryTest, oneThatCannotBeWrittenIsNotToldAgainWhenAnotherIsWritten) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit former = {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    const QString large = m_folder.filePath(u"large.pdf"_qs);
+    EditedPdf::store(large, EditedPdf::pages(300));
+    Session session(m_folder);
+    const auto tooLarge = session.open(large);
+    const auto document = session.open(m_pdf);
+    const QFileInfo sizes[] = {QFileInfo(m_pdf), QFileInfo(large)};
+    const rlimit between{rlim_t(sizes[0].size() + sizes[1].size()) / 2, former.rlim_max};
+    QSignalSpy failed(&session.recovery, &DocumentRecovery::writingFailed);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &between), 0);
+    EditedPdf::addSquare(*tooLarge);
+    EXPECT_TRUE(failed.wait(timeLimitInMilliseconds));
+    for (int i = 0; i < 5; ++i) {
+        session.record([&] { EditedPdf::addSquare(*document); });
+        QTest::qWait(30); // the other is tried again
+    }
+    EXPECT_EQ(failed.size(), 1);
+
+    // When nothing of that one is unsaved any more, it is news that the other can't be written.
+    tooLarge->undoManager()->undo();
+    EXPECT_FALSE(tooLarge->isDocumentEdited());
+    const rlimit tiny{300, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tiny), 0);
+    EditedPdf::addSquare(*document);
+    EXPECT_TRUE(failed.wait(timeLimitInMilliseconds));
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &former), 0);
 }
 
 TEST_F(DocumentRecoveryTest, aRecordThatSomebodyDeletedIsMadeAnew) {

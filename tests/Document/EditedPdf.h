@@ -8,6 +8,7 @@
 #include "UndoManager.h"
 
 #include <QFile>
+#include <QStringList>
 
 #include <algorithm>
 
@@ -51,6 +52,20 @@ inline int squareCount(const PDFDocument& document) {
     return static_cast<int>(std::count_if(annotations.begin(), annotations.end(), [](const auto& annotation) {
         return annotation->type() == PDFAnnotationSubtype::square;
     }));
+}
+
+/// Tells documents with other titles, pages, annotations or values apart, in one line. Pages are told by their widths.
+inline QString state(const PDFDocument& document) {
+    QStringList pages;
+    for (int i = 0; i < document.pageCount(); ++i) {
+        const std::shared_ptr<PDFPage> page = document.page(i);
+        QStringList annotations;
+        for (const auto& annotation : page->annotations())
+            annotations.append(annotation->type() == PDFAnnotationSubtype::widget ? annotation->widgetStringValue()
+                                                                                  : annotation->contents());
+        pages.append(u"%1[%2]"_qs.arg(page->bounds(PDFDisplayBox::mediaBox).width()).arg(annotations.join(u',')));
+    }
+    return u"%1: %2"_qs.arg(document.documentAttributes().value(u"Title"_qs).toString(), pages.join(u' '));
 }
 
 } // namespace EditedPdf

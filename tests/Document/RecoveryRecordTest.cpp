@@ -11,7 +11,9 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -305,6 +307,13 @@ TEST_F(RecoveryRecordTest, aNewLookFindsTheNewestFirst) {
     for (const auto& record : RecoveryStore::takeLost(folder(), QDateTime::currentDateTime()))
         names.append(record->manifest()->description.displayName);
     EXPECT_EQ(names.join(u','), u"1,2,0"_qs);
+}
+
+TEST_F(RecoveryRecordTest, testsNeverTouchTheRecordsOfThePersonWhoRunsThem) {
+    const QString scratchHome = QFileInfo(QDir::homePath()).path();
+    EXPECT_NE(scratchHome, QFileInfo(QString::fromLocal8Bit(getpwuid(getuid())->pw_dir)).path());
+    EXPECT_EQ(RecoveryStore::standardFolder(), scratchHome + u"/state/quillo/recovery"_qs);
+    EXPECT_TRUE(QDir::tempPath().startsWith(scratchHome + u'/'));
 }
 
 TEST_F(RecoveryRecordTest, theFolderFollowsTheBaseDirectories) {

@@ -11,10 +11,12 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -114,17 +116,23 @@ std::optional<struct stat> statusOfReplaceable(const path& file) {
     throw FileError::forSystemError(errorNumber);
 }
 
-/// Makes an empty file. One that replaces another can be read by nobody else before it has the permissions of that.
-path makeTemporaryFile(const path& folder, bool replaces) {
+constexpr std::string_view temporaryPrefix = ".saving-";
+
+/// Makes an empty file and locks it through the descriptor that it returns, so that nobody takes it for a leftover. One
+/// that replaces another can be read by nobody else before it has the permissions of that.
+int makeTemporaryFile(const path& folder, bool replaces, path& file) {
     constexpr mode_t userOnly = 0600;
     constexpr mode_t usual = 0666; // less the user's mask
     constexpr int attempts = 100;
     int error = EEXIST;
     for (int attempt = 0; error == EEXIST && attempt < attempts; ++attempt) {
-        path file = folder / (".saving-" + std::to_string(QRandomGenerator::system()->generate64()));
+        file = folder / (std::string(temporaryPrefix) + std::to_string(QRandomGenerator::system()->generate64()));
         const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-        if (Descriptor(open(file.c_str(), flags, replaces ? userOnly : usual)).isOpen())
-            return file;
+        const int descriptor = open(file.c_str(), flags, replaces ? userOnly : usual);
+        if (descriptor >= 0) {
+            flock(descriptor, LOCK_EX | LOCK_NB); // where the file system can't, its age protects it
+            return descriptor;
+        }
         error = errno;
     }
     throwFolderError(error, folder);
@@ -160,6 +168,30 @@ void copyPermissions(const struct stat& status, const path& from, int to) {
         throw FileError::forSystemError(errno);
 }
 
+bool isTemporaryName(const std::string& name) {
+    return name.size() > temporaryPrefix.size() && name.starts_with(temporaryPrefix) &&
+           name.find_first_not_of("0123456789", temporaryPrefix.size()) == std::string::npos;
+}
+
+/// Deletes the temporary files in `folder` that this user's processes left when they were killed: those that nobody
+/// holds and nobody wrote to in the hour before `now`, a time of the file system's own clock.
+void removeLeftovers(const path& folder, time_t now) {
+    constexpr time_t anHour = 3600;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error); !error && entry != end(entry);
+         entry.increment(error)) {
+        const path& name = entry->path();
+        if (!isTemporaryName(name.filename().string()))
+            continue;
+        const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+        struct stat status = {};
+        if (file.isOpen() && fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
+            status.st_uid == geteuid() && now - status.st_mtime >= anHour &&
+            flock(file.number(), LOCK_EX | LOCK_NB) == 0)
+            unlink(name.c_str());
+    }
+}
+
 /// Some file systems can't do it, and say so.
 void synchronize(int descriptor) {
     if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP)
@@ -184,10 +216,12 @@ void writeFileAtomically(const QString& path, const QByteArray& bytes) {
 void writeFileAtomically(const QString& path, const std::function<void(QFile& file)>& write) {
     const auto target = followLinks(path);
     const auto replaced = statusOfReplaceable(target);
-    const auto temporary = makeTemporaryFile(target.parent_path(), replaced.has_value());
+    std::filesystem::path temporary;
+    const Descriptor lock(makeTemporaryFile(target.parent_path(), replaced.has_value(), temporary));
     auto removeTemporary = qScopeGuard([&temporary] { unlink(temporary.c_str()); });
 
     writeContent(temporary, write);
+    struct stat written = {};
     {
         const Descriptor file(open(temporary.c_str(), O_WRONLY | O_CLOEXEC));
         if (!file.isOpen())
@@ -195,6 +229,8 @@ void writeFileAtomically(const QString& path, const std::function<void(QFile& fi
         if (replaced)
             copyPermissions(*replaced, target, file.number());
         synchronize(file.number());
+        if (fstat(file.number(), &written) != 0)
+            throw FileError::forSystemError(errno);
     }
     if (rename(temporary.c_str(), target.c_str()) != 0)
         throw FileError::forSystemError(errno);
@@ -204,4 +240,5 @@ void writeFileAtomically(const QString& path, const std::function<void(QFile& fi
     const Descriptor folder(open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.isOpen())
         fsync(folder.number());
+    removeLeftovers(target.parent_path(), written.st_mtime);
 }

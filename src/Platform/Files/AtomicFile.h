@@ -14,6 +14,9 @@ class QFile;
 /// far as the user may give files away, its owner and group; a new one gets the usual permissions. Programs that have
 /// the old file open go on reading the old content; other hard links to it keep the old content too.
 ///
+/// A process that is killed meanwhile leaves a file ".saving-" with a number, which a later call for the same folder
+/// deletes when it is an hour old.
+///
 /// Throws FileError, with nothing changed and no file left behind. A file that the user may not write to is
 /// refused, even where the folder would let it be replaced.
 void writeFileAtomically(const QString& path, const QByteArray& bytes);

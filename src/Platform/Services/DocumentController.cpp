@@ -47,6 +47,13 @@ std::shared_ptr<Document> DocumentController::documentForURL(const QUrl& url) co
     return found != m_documents.end() ? *found : nullptr;
 }
 
+std::shared_ptr<Document> DocumentController::holderOf(const QUrl& url) const {
+    std::shared_ptr<Document> holder = documentForURL(url);
+    if (!holder && url.isLocalFile())
+        holder = m_saver.documentWritingTo(QFileInfo(url.toLocalFile()).absoluteFilePath());
+    return holder;
+}
+
 std::shared_ptr<Document> DocumentController::documentFor(const Document* document) const {
     const auto found = std::find_if(m_documents.begin(), m_documents.end(),
                                     [document](const auto& each) { return each.get() == document; });
@@ -61,7 +68,7 @@ void DocumentController::setCurrentDocument(const std::shared_ptr<Document>& doc
 }
 
 void DocumentController::openDocument(const QUrl& url, bool display, const OpenCompletion& completion) {
-    std::shared_ptr<Document> document = documentForURL(url);
+    std::shared_ptr<Document> document = holderOf(url);
     const bool alreadyOpen = document != nullptr;
     QString error;
     if (!alreadyOpen) {

@@ -54,8 +54,9 @@ public:
     /// `document` is null or one of `documents()`; any other is passed over.
     void setCurrentDocument(const std::shared_ptr<Document>& document);
 
-    /// Opens a file, or brings its document forward if it is open. With `display` false no window is made or moved.
-    /// A failure is shown by the presenter. `completion`, which may be empty, is called before the function returns.
+    /// Opens a file, or brings its document forward if it is open or just being saved to that file. With `display`
+    /// false no window is made or moved. A failure is shown by the presenter. `completion`, which may be empty, is
+    /// called before the function returns.
     void openDocument(const QUrl& url, bool display, const OpenCompletion& completion = {});
 
     /// Makes and shows an untitled document. Null if the factory fails; the presenter has told.
@@ -135,6 +136,8 @@ Q_SIGNALS:
 private:
     using Documents = std::vector<std::shared_ptr<Document>>;
 
+    /// The open document of this file, or the one that is being saved to it; null if there is none.
+    std::shared_ptr<Document> holderOf(const QUrl& url) const;
     static void readFile(Document& document, const QUrl& url);
     void addDocument(const std::shared_ptr<Document>& document);
     void removeDocument(const std::shared_ptr<Document>& document);

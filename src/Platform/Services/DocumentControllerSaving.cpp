@@ -81,9 +81,7 @@ void DocumentController::saveDocumentAs(const std::shared_ptr<Document>& documen
         return;
     }
     const QUrl url = QUrl::fromLocalFile(QFileInfo(*path).absoluteFilePath());
-    std::shared_ptr<Document> holder = documentForURL(url);
-    if (!holder)
-        holder = m_saver.documentWritingTo(url.toLocalFile());
+    const std::shared_ptr<Document> holder = holderOf(url);
     if (holder && holder != document) {
         m_presenter.presentError(couldNotBeSaved(url.fileName()),
                                  QStringLiteral("A file of this name is open in another window. Close that window "
@@ -217,6 +215,7 @@ void DocumentController::fileWasChanged(const std::shared_ptr<Document>& documen
         question.reset();
         if (!reloads || !documentFor(document.get())) {
             document->setFileStamp(stamp);
+            document->undoManager()->markEdited(); // undoing doesn't lead back to what is in the file
             return;
         }
         document->commitEditing(); // what is being typed goes with the other changes

@@ -49,7 +49,7 @@ void DocumentFileMonitor::updatePaths() {
     for (auto& [document, watched] : m_watched) {
         const QString path = document->fileURL().toLocalFile();
         if (path != watched.path)
-            watched = {path, FileStamp::of(path), false, 0};
+            watched = {path, FileStamp::of(path), false, {}, {}};
         if (path.isEmpty())
             continue;
         const QFileInfo file(path);
@@ -138,14 +138,18 @@ void DocumentFileMonitor::fileIsGone(const std::shared_ptr<Document>& document, 
         }
     }
     watched.isGone = true;
+    watched.stampWhenGone = document->fileStamp();
+    watched.savedStateWhenGone.reset();
+    if (!document->isDocumentEdited())
+        watched.savedStateWhenGone = document->undoManager()->state();
     document->undoManager()->markEdited();
-    watched.stateWhenGone = document->undoManager()->state();
     m_presenter.presentNotice(
         document, QStringLiteral("“%1” was moved or deleted by another program. Save it to put it back.").arg(name));
 }
 
 void DocumentFileMonitor::fileIsBack(Document& document, Watched& watched) {
     watched.isGone = false;
-    if (document.undoManager()->state() == watched.stateWhenGone)
+    const bool isTheSame = document.fileStamp() == watched.stampWhenGone; // no new one, which a save has put there
+    if (isTheSame && document.undoManager()->state() == watched.savedStateWhenGone)
         document.undoManager()->markSaved();
 }

@@ -38,7 +38,9 @@ private:
         QString path;                      ///< empty for an untitled document
         std::optional<FileStamp> lastSeen; ///< none while there is no file
         bool isGone = false;               ///< the user has been told
-        quint64 stateWhenGone = 0;         ///< of the undo manager
+        std::optional<FileStamp> stampWhenGone;
+        /// Of the undo manager; none when not all was in the file.
+        std::optional<quint64> savedStateWhenGone;
     };
 
     void watch(const std::shared_ptr<Document>& document);

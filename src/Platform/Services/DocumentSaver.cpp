@@ -31,8 +31,8 @@ void DocumentSaver::save(const std::shared_ptr<Document>& document, const QUrl& 
 }
 
 void DocumentSaver::finish(const Document& document, const DocumentWriter::Result& result) {
-    const auto found = find(document);
-    const Save save = *found;
+    const auto found = m_saves.begin() + (find(document) - m_saves.cbegin());
+    const Save save = std::move(*found);
     m_saves.erase(found);
     // A document that took up another file meanwhile has nothing to do with this one any more.
     if (!result.error && save.document->fileURL() == save.urlBefore) {

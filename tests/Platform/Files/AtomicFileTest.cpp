@@ -3,6 +3,7 @@
 #include "FileError.h"
 #include "RestrictedRuns.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -270,6 +271,37 @@ TEST_F(AtomicFileTest, TheWriterMayWriteInPiecesByNameOrFail) {
                  std::runtime_error);
     EXPECT_EQ(contentOf(path("file")), "by name");
     EXPECT_EQ(names(), QStringList(QStringLiteral("file")));
+}
+
+TEST_F(AtomicFileTest, WhatAKilledProcessLeftIsRemovedAfterAnHour) {
+    const auto makeOld = [this](const char* name, int minutes) {
+        make(path(name));
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-60 * qint64(minutes)),
+                                     QFileDevice::FileModificationTime));
+    };
+    constexpr int anHour = 60;
+    makeOld(".saving-1", anHour + 1);
+    makeOld(".saving-2", anHour - 1);
+    makeOld(".saving-18446744073709551615", 10'000);
+    makeOld(".saving-3x", 10'000);
+    makeOld(".saving-", 10'000);
+    makeOld("saving-4", 10'000);
+    makeOld("report", 10'000);
+    ASSERT_EQ(symlink("report", qPrintable(path(".saving-5"))), 0);
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral(".saving-6")));
+    ASSERT_EQ(mkfifo(qPrintable(path(".saving-7")), 0600), 0);
+
+    // One that is old but still being written.
+    writeFileAtomically(path("slow"), [&](QFile& file) {
+        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addDays(-1), QFileDevice::FileModificationTime));
+        writeFileAtomically(path("other"), QByteArray("other"));
+        EXPECT_TRUE(QFileInfo::exists(file.fileName()));
+    });
+    EXPECT_EQ(names().join(QLatin1Char(' ')).toStdString(),
+              ".saving- .saving-2 .saving-3x .saving-5 .saving-6 .saving-7 other report saving-4 slow");
+    EXPECT_EQ(contentOf(path("report")), "old");
 }
 
 TEST_F(AtomicFileTest, AReaderNeverFindsAMixture) {

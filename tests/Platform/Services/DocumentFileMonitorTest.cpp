@@ -142,6 +142,45 @@ TEST_F(DocumentFileMonitorTest, ADocumentFollowsItsFileAndMissesOneThatIsGone) {
     EXPECT_EQ(callsAfterSettling(), "");
 }
 
+TEST_F(DocumentFileMonitorTest, UnsavedChangesStayUnsavedWhenTheFileComesBack) {
+    const QTemporaryDir elsewhere;
+    const QByteArray away = elsewhere.filePath(QStringLiteral("a.txt")).toLocal8Bit();
+    const auto takeAway = [&] {
+        ASSERT_EQ(rename(qPrintable(path("a.txt")), away.constData()), 0);
+        EXPECT_EQ(nextCalls(), "“a.txt” was moved or deleted by another program. Save it to put it back.");
+    };
+    const auto document = openWatched("a.txt");
+    edit(document);
+    takeAway();
+    ASSERT_EQ(rename(away.constData(), qPrintable(path("a.txt"))), 0);
+    EXPECT_EQ(callsAfterSettling(), "");
+    EXPECT_TRUE(document->isDocumentEdited());
+    EXPECT_EQ(contentOf("a.txt"), "text");
+
+    // What a save puts there is another file than the one that went.
+    EXPECT_TRUE(save(document));
+    EXPECT_EQ(callsAfterSettling(), "");
+    takeAway();
+    EXPECT_TRUE(save(edit(document)));
+    document->undoManager()->undo();
+    m_monitor.checkAll();
+    EXPECT_TRUE(document->isDocumentEdited());
+    EXPECT_EQ(contentOf("a.txt"), "text++");
+}
+
+TEST_F(DocumentFileMonitorTest, AVersionThatTheReaderKeepsIsNotTheSavedOneAfterUndoing) {
+    const auto document = openWatched("a.txt");
+    edit(document);
+    replace("a.txt", "theirs");
+    EXPECT_EQ(nextCalls(), "reload a.txt");
+    document->undoManager()->undo();
+    EXPECT_EQ(document->text, QStringLiteral("text"));
+    EXPECT_TRUE(document->isDocumentEdited()) << "what is shown is nowhere on the disk";
+    EXPECT_TRUE(save(document));
+    EXPECT_EQ(contentOf("a.txt"), "text");
+    EXPECT_FALSE(document->isDocumentEdited());
+}
+
 TEST_F(DocumentFileMonitorTest, ClosedAndUntitledDocumentsAreLeftAlone) {
     const auto document = openWatched("a.txt");
     m_controller->newDocument();

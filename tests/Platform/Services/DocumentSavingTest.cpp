@@ -233,6 +233,20 @@ TEST_F(DocumentSavingTest, SavingAsDuringASaveLeavesBothFilesWhole) {
     EXPECT_TRUE(third.waitFor());
 }
 
+TEST_F(DocumentSavingTest, AFileThatADocumentIsBeingSavedToIsOpenedAsThatDocument) {
+    const auto document = openGated("a.txt");
+    makeFile("b.txt", "old");
+    Outcome outcome;
+    m_presenter.location = path("b.txt");
+    m_controller->saveDocumentAs(document, outcome.completion());
+    EXPECT_EQ(open(QUrl::fromLocalFile(path("b.txt"))), document);
+    EXPECT_TRUE(m_wasOpen);
+    m_gate->release();
+    EXPECT_TRUE(outcome.waitFor());
+    EXPECT_EQ(m_controller->documents().size(), 1U);
+    EXPECT_EQ(contentOf("b.txt"), "text+");
+}
+
 TEST_F(DocumentSavingTest, ASaveEndsInTheMidstOfAQuestionAboutAnotherDocument) {
     const auto document = openGated("a.txt");
     const auto other = edit(open(makeFile("b.txt")));
