@@ -7,6 +7,9 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <algorithm>
+#include <array>
+
 static constexpr int symbolSide = 44;
 
 static QString warningSymbol() {
@@ -28,23 +31,43 @@ static void setContent(QMessageBox& box, const QString& symbolName, const QStrin
     box.setInformativeText(informativeText);
 }
 
+namespace {
+
+struct Button {
+    QString text;
+    QMessageBox::ButtonRole role;
+};
+
+/// Which of the buttons was pressed, from 0. Return presses the one at `usual`, Escape the last.
+std::size_t ask(QWidget* parent, const QString& name, const QString& symbolName, const QString& text,
+                const QString& informativeText, const std::vector<Button>& buttons, std::size_t usual) {
+    QMessageBox box(parent);
+    box.setObjectName(name);
+    setContent(box, symbolName, text, informativeText);
+    std::vector<QPushButton*> shown;
+    for (const Button& button : buttons)
+        shown.push_back(box.addButton(button.text, button.role));
+    box.setDefaultButton(shown.at(usual));
+    box.setEscapeButton(shown.back());
+    box.exec();
+    const auto pressed = std::find(shown.begin(), shown.end(), box.clickedButton());
+    return pressed == shown.end() ? shown.size() - 1 : static_cast<std::size_t>(pressed - shown.begin());
+}
+
+} // namespace
+
 DocumentDialogs::~DocumentDialogs() = default;
 
 DocumentPresenter::SaveAnswer DocumentDialogs::askToSave(QWidget* parent, const QString& documentName) {
-    QMessageBox box(parent);
-    box.setObjectName(QStringLiteral("saveQuestion"));
-    setContent(box, warningSymbol(), QStringLiteral("Do you want to save the changes to “%1”?").arg(documentName),
-               QStringLiteral("The changes are lost if you don't save them."));
-    auto* save = box.addButton(QStringLiteral("Save"), QMessageBox::AcceptRole);
-    auto* dontSave = box.addButton(QStringLiteral("Don't Save"), QMessageBox::DestructiveRole);
-    auto* cancel = box.addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
-    box.setDefaultButton(save);
-    box.setEscapeButton(cancel);
-    box.exec();
-    if (box.clickedButton() == save)
-        return DocumentPresenter::SaveAnswer::Save;
-    return box.clickedButton() == dontSave ? DocumentPresenter::SaveAnswer::DontSave
-                                           : DocumentPresenter::SaveAnswer::Cancel;
+    using Answer = DocumentPresenter::SaveAnswer;
+    const std::size_t pressed = ask(parent, QStringLiteral("saveQuestion"), warningSymbol(),
+                                    QStringLiteral("Do you want to save the changes to “%1”?").arg(documentName),
+                                    QStringLiteral("The changes are lost if you don't save them."),
+                                    {{QStringLiteral("Save"), QMessageBox::AcceptRole},
+                                     {QStringLiteral("Don't Save"), QMessageBox::DestructiveRole},
+                                     {QStringLiteral("Cancel"), QMessageBox::RejectRole}},
+                                    0);
+    return std::array{Answer::Save, Answer::DontSave, Answer::Cancel}.at(pressed);
 }
 
 DocumentDialogs::SaveAllAnswer
@@ -56,61 +79,41 @@ DocumentDialogs::askToSaveAll(QWidget* parent, const std::vector<UnsavedDocument
 
 DocumentPresenter::ChangedFileAnswer DocumentDialogs::askAboutChangedFile(QWidget* parent,
                                                                           const QString& documentName) {
-    QMessageBox box(parent);
-    box.setObjectName(QStringLiteral("changedFileQuestion"));
-    setContent(
-        box, warningSymbol(), QStringLiteral("“%1” has been changed by another program.").arg(documentName),
-        QStringLiteral("If you overwrite it, the other program's changes are lost. Choose Save As to keep both."));
-    auto* saveAs = box.addButton(QStringLiteral("Save As…"), QMessageBox::AcceptRole);
-    auto* overwrite = box.addButton(QStringLiteral("Overwrite"), QMessageBox::DestructiveRole);
-    auto* cancel = box.addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
-    box.setDefaultButton(saveAs);
-    box.setEscapeButton(cancel);
-    box.exec();
-    if (box.clickedButton() == overwrite)
-        return DocumentPresenter::ChangedFileAnswer::Overwrite;
-    return box.clickedButton() == saveAs ? DocumentPresenter::ChangedFileAnswer::SaveAs
-                                         : DocumentPresenter::ChangedFileAnswer::Cancel;
+    using Answer = DocumentPresenter::ChangedFileAnswer;
+    const std::size_t pressed =
+        ask(parent, QStringLiteral("changedFileQuestion"), warningSymbol(),
+            QStringLiteral("“%1” has been changed by another program.").arg(documentName),
+            QStringLiteral("If you overwrite it, the other program's changes are lost. Choose Save As to keep both."),
+            {{QStringLiteral("Save As…"), QMessageBox::AcceptRole},
+             {QStringLiteral("Overwrite"), QMessageBox::DestructiveRole},
+             {QStringLiteral("Cancel"), QMessageBox::RejectRole}},
+            0);
+    return std::array{Answer::SaveAs, Answer::Overwrite, Answer::Cancel}.at(pressed);
 }
 
 bool DocumentDialogs::askToReload(QWidget* parent, const QString& documentName) {
-    QMessageBox box(parent);
-    box.setObjectName(QStringLiteral("reloadQuestion"));
-    setContent(
-        box, warningSymbol(), QStringLiteral("“%1” has been changed by another program.").arg(documentName),
-        QStringLiteral("You have changes of your own that aren't saved. If you reload the file, they are lost. If "
-                       "you keep them, saving replaces the other program's version."));
-    auto* reload = box.addButton(QStringLiteral("Reload"), QMessageBox::DestructiveRole);
-    auto* keep = box.addButton(QStringLiteral("Keep My Changes"), QMessageBox::RejectRole);
-    box.setDefaultButton(keep);
-    box.setEscapeButton(keep);
-    box.exec();
-    return box.clickedButton() == reload;
+    return ask(parent, QStringLiteral("reloadQuestion"), warningSymbol(),
+               QStringLiteral("“%1” has been changed by another program.").arg(documentName),
+               QStringLiteral("You have changes of your own that aren't saved. If you reload the file, they are lost. "
+                              "If you keep them, saving replaces the other program's version."),
+               {{QStringLiteral("Reload"), QMessageBox::DestructiveRole},
+                {QStringLiteral("Keep My Changes"), QMessageBox::RejectRole}},
+               1) == 0;
 }
 
 bool DocumentDialogs::askToRevert(QWidget* parent, const QString& documentName) {
-    QMessageBox box(parent);
-    box.setObjectName(QStringLiteral("revertQuestion"));
-    setContent(box, warningSymbol(), QStringLiteral("Do you want to go back to the saved “%1”?").arg(documentName),
-               QStringLiteral("All changes since it was last saved are lost. This can't be undone."));
-    auto* revert = box.addButton(QStringLiteral("Revert"), QMessageBox::DestructiveRole);
-    auto* cancel = box.addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
-    box.setDefaultButton(cancel);
-    box.setEscapeButton(cancel);
-    box.exec();
-    return box.clickedButton() == revert;
+    return ask(parent, QStringLiteral("revertQuestion"), warningSymbol(),
+               QStringLiteral("Do you want to go back to the saved “%1”?").arg(documentName),
+               QStringLiteral("All changes since it was last saved are lost. This can't be undone."),
+               {{QStringLiteral("Revert"), QMessageBox::DestructiveRole},
+                {QStringLiteral("Cancel"), QMessageBox::RejectRole}},
+               1) == 0;
 }
 
 bool DocumentDialogs::offerSaveAs(QWidget* parent, const QString& title, const QString& sentence) {
-    QMessageBox box(parent);
-    box.setObjectName(QStringLiteral("saveFailure"));
-    setContent(box, warningSymbol(), title, sentence);
-    auto* saveAs = box.addButton(QStringLiteral("Save As…"), QMessageBox::AcceptRole);
-    auto* ok = box.addButton(QStringLiteral("OK"), QMessageBox::RejectRole);
-    box.setDefaultButton(saveAs);
-    box.setEscapeButton(ok);
-    box.exec();
-    return box.clickedButton() == saveAs;
+    return ask(parent, QStringLiteral("saveFailure"), warningSymbol(), title, sentence,
+               {{QStringLiteral("Save As…"), QMessageBox::AcceptRole}, {QStringLiteral("OK"), QMessageBox::RejectRole}},
+               0) == 0;
 }
 
 std::optional<QString> DocumentDialogs::chooseSaveLocation(QWidget* parent, const QString& suggestedPath) {
@@ -130,17 +133,13 @@ std::optional<QString> DocumentDialogs::askPassword(QWidget* parent) {
 }
 
 bool DocumentDialogs::askToBecomeDefault(QWidget* parent) {
-    QMessageBox box(parent);
-    box.setObjectName(QStringLiteral("defaultViewerQuestion"));
-    setContent(box, infoSymbol(), QStringLiteral("Make Quillo Your Default PDF Viewer?"),
+    return ask(parent, QStringLiteral("defaultViewerQuestion"), infoSymbol(),
+               QStringLiteral("Make Quillo Your Default PDF Viewer?"),
                QStringLiteral("PDFs will open in Quillo automatically when you double-click them in Finder, Mail, or "
-                              "anywhere else."));
-    auto* set = box.addButton(QStringLiteral("Set as Default"), QMessageBox::AcceptRole);
-    auto* notNow = box.addButton(QStringLiteral("Not Now"), QMessageBox::RejectRole);
-    box.setDefaultButton(set);
-    box.setEscapeButton(notNow);
-    box.exec();
-    return box.clickedButton() == set;
+                              "anywhere else."),
+               {{QStringLiteral("Set as Default"), QMessageBox::AcceptRole},
+                {QStringLiteral("Not Now"), QMessageBox::RejectRole}},
+               0) == 0;
 }
 
 static void present(QWidget* parent, const QString& name, const QString& symbolName, const QString& title,
