@@ -116,9 +116,10 @@ private:
         page->addAnnotation(annotation);
         onUndo([this, page, annotation] { removeAnnotation(page, annotation); });
     }
-    void removeAnnotation(const Page& page, Annotation annotation) { // a copy: the caller's may be the page's own
-        page->removeAnnotation(annotation);
+    void removeAnnotation(const Page& page, const Annotation& annotation) {
+        // First: the caller's may be the page's own, which goes.
         onUndo([this, page, annotation] { addAnnotation(page, annotation); });
+        page->removeAnnotation(annotation);
     }
     void setValue(const Annotation& widget, const QStringList& value) {
         auto field = PDFFormField::of(widget);

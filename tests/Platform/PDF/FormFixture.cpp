@@ -45,13 +45,15 @@ QByteArray FormFixture::many(int pages, int count) {
     for (int page = 0; page < pages; ++page) {
         fixture.addPage({QStringLiteral("Page %1").arg(page + 1)});
         for (int i = 0; i < count; ++i) {
-            const double row = 750.0 / (1 + (count - 1) / columns);
-            const QRectF rect(20 + (i % columns) * 23, 20 + (i / columns) * row, 20, std::min(row * 0.8, 16.0));
-            const QString name = QStringLiteral("field%1x%2").arg(page).arg(i);
+            const int rows = 1 + (count - 1) / columns;
+            const int row = i / columns;
+            const double height = 750.0 / rows;
+            const QRectF rect(20 + (i % columns) * 23, 20 + row * height, 20, std::min(height * 0.8, 16.0));
+            const QString fieldName = QStringLiteral("field%1x%2").arg(page).arg(i);
             if (i % 2 == 0)
-                fixture.addTextField(page, name, rect, QString());
+                fixture.addTextField(page, fieldName, rect, QString());
             else
-                fixture.addCheckBox(page, name, rect, false);
+                fixture.addCheckBox(page, fieldName, rect, false);
         }
     }
     return fixture.bytes();

@@ -288,7 +288,7 @@ TEST(SnapshotTest, UpdateIsWhatTheSourceLacks) {
         change(*document);
         const auto snapshot = PDFDocumentSnapshot::of(*document);
         EXPECT_EQ(snapshot->sourceBytes(), bytes);
-        const std::optional<QByteArray> update = snapshot->update();
+        std::optional<QByteArray> update = snapshot->update();
         if (update) {
             EXPECT_EQ(PdfPrograms::complaints(bytes + *update), "");
             EXPECT_EQ(described(*PDFDocument::fromData(bytes + *update)), described(*document));

@@ -47,7 +47,7 @@ TEST(FormPointer, tellsWhatItIsOverAndADragFromAFieldSelectsNothing) {
     drag(form.middle(FormFixture::name), line.center().toPoint());
     EXPECT_FALSE(form.view.hasSelection());
     EXPECT_EQ(form.editor(), nullptr);
-    drag(QPoint(int(line.left()) - 5, form.onScreen(QRectF(72, 700, 1, 60)).top()),
+    drag(QPoint(int(line.left()) - 5, int(form.onScreen(QRectF(72, 700, 1, 60)).top())),
          form.middle(FormFixture::name)); // from outside over a field: that selects
     EXPECT_TRUE(form.view.hasSelection());
 }

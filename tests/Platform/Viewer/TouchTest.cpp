@@ -21,27 +21,39 @@ public:
     explicit Hand(PDFView& view) : m_view(view) {}
 
     void press(QPoint at) {
-        m_touch.reset(new Sequence(QTest::touchEvent(&m_view, screen(), false)));
-        commit(m_touch->press(0, in(at)));
+        touch([&](Touch& event) { event.press(0, in(m_first = at)); });
     }
-    void pressSecond(QPoint at) { commit(m_touch->stationary(0).press(1, in(at))); }
-    void move(QPoint at) { commit(m_touch->move(0, in(at))); }
-    void move(QPoint first, QPoint second) { commit(m_touch->move(0, in(first)).move(1, in(second))); }
-    void release(QPoint at) { commit(m_touch->release(0, in(at))); }
-    void releaseSecond(QPoint at) { commit(m_touch->stationary(0).release(1, in(at))); }
+    void pressSecond(QPoint at) {
+        touch([&](Touch& event) { event.move(0, in(m_first)).press(1, in(at)); });
+    }
+    void move(QPoint at) {
+        touch([&](Touch& event) { event.move(0, in(m_first = at)); });
+    }
+    void move(QPoint first, QPoint second) {
+        touch([&](Touch& event) { event.move(0, in(m_first = first)).move(1, in(second)); });
+    }
+    void release(QPoint at) {
+        touch([&](Touch& event) { event.release(0, in(at)); });
+    }
+    void releaseSecond(QPoint at) {
+        touch([&](Touch& event) { event.move(0, in(m_first)).release(1, in(at)); });
+    }
 
 private:
-    using Sequence = QTest::QTouchEventWidgetSequence;
+    using Touch = QTest::QTouchEventWidgetSequence;
 
     QPoint in(QPoint viewPoint) const { return m_view.viewport()->mapTo(&m_view, viewPoint); }
 
-    static void commit(QTest::QTouchEventSequence& touch) {
+    template <typename Act>
+    void touch(Act act) {
         QTest::qWait(8); // the speed of a fling comes from the time between touches
-        touch.commit();
+        Touch event = QTest::touchEvent(&m_view, screen(), false);
+        act(event);
+        event.commit();
     }
 
     PDFView& m_view;
-    std::unique_ptr<Sequence> m_touch;
+    QPoint m_first; ///< of the first finger, which stays when the second comes and goes
 };
 
 double top(PDFView& view, const std::shared_ptr<PDFPage>& page) {
