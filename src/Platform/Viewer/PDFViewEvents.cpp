@@ -12,8 +12,6 @@
 #include <QNativeGestureEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QScrollEvent>
-#include <QScrollPrepareEvent>
 #include <QToolTip>
 #include <QTouchEvent>
 #include <QWheelEvent>
@@ -127,12 +125,6 @@ bool PDFView::viewportEvent(QEvent* event) {
     case QEvent::TouchEnd:
     case QEvent::TouchCancel:
         m_parts->touch.touch(*static_cast<QTouchEvent*>(event));
-        return true;
-    case QEvent::ScrollPrepare:
-        m_parts->touch.prepare(*static_cast<QScrollPrepareEvent*>(event));
-        return true;
-    case QEvent::Scroll:
-        m_parts->touch.scroll(*static_cast<QScrollEvent*>(event));
         return true;
     case QEvent::Leave:
         m_parts->pointer.reset();

@@ -8,26 +8,28 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMouseEvent>
-#include <QScroller>
 #include <QStyleHints>
 #include <QTouchEvent>
 
+#include <chrono>
 #include <cmath>
 
 // View points. A finger covers more than the tip of a mouse.
 static constexpr double tapRadius = 12;
 static constexpr double doubleTapRadius = 32;
+// View points a second, below which pages don't go on by themselves.
+static constexpr double slowestFling = 30;
+/// Seconds in which a fling loses all but a third of its speed.
+static constexpr double flingTime = 0.4;
+/// Seconds without a move after which a finger throws nothing.
+static constexpr double restingTime = 0.15;
+static constexpr std::chrono::milliseconds flingInterval{8};
 
 TouchNavigation::TouchNavigation(PDFView& view, ViewScroller& scroller) : m_view(view), m_scroller(scroller) {
     m_view.viewport()->setAttribute(Qt::WA_AcceptTouchEvents);
-    QScroller* kinetic = QScroller::scroller(m_view.viewport());
-    QScrollerProperties properties = kinetic->scrollerProperties();
-    properties.setScrollMetric(QScrollerProperties::VerticalOvershootPolicy, QScrollerProperties::OvershootAlwaysOff);
-    properties.setScrollMetric(QScrollerProperties::HorizontalOvershootPolicy, QScrollerProperties::OvershootAlwaysOff);
-    properties.setScrollMetric(QScrollerProperties::FrameRate, QScrollerProperties::Fps60);
-    properties.setScrollMetric(QScrollerProperties::DragStartDistance, 0.0); // told apart from a tap here
-    properties.setScrollMetric(QScrollerProperties::AxisLockThreshold, 0.5);
-    kinetic->setScrollerProperties(properties);
+    m_fling.setTimerType(Qt::PreciseTimer);
+    m_fling.setInterval(flingInterval);
+    connect(&m_fling, &QTimer::timeout, this, &TouchNavigation::glide);
 }
 
 TouchNavigation::~TouchNavigation() = default;
@@ -71,8 +73,7 @@ void TouchNavigation::touch(QTouchEvent& event) {
 // One finger
 
 void TouchNavigation::press(QPointF viewPoint) {
-    QScroller* kinetic = QScroller::scroller(m_view.viewport());
-    m_stopsFling = kinetic->state() == QScroller::Scrolling;
+    m_stopsFling = m_fling.isActive();
     stop();
     m_scroller.stop();
     m_mode = Mode::resting;
@@ -88,15 +89,14 @@ void TouchNavigation::move(QPointF viewPoint) {
             sendMouse(QEvent::MouseButtonPress, m_pressPoint, Qt::LeftButton);
         } else {
             m_mode = Mode::scrolling;
-            QScroller::scroller(m_view.viewport())
-                ->handleInput(QScroller::InputPress, viewPoint, static_cast<qint64>(m_time));
+            m_velocity = {};
+            m_lastPoint = viewPoint;
         }
     }
     if (m_mode == Mode::drawing)
         sendMouse(QEvent::MouseMove, viewPoint, Qt::LeftButton);
     else if (m_mode == Mode::scrolling)
-        QScroller::scroller(m_view.viewport())
-            ->handleInput(QScroller::InputMove, viewPoint, static_cast<qint64>(m_time));
+        drag(viewPoint);
     m_lastPoint = viewPoint;
 }
 
@@ -111,8 +111,11 @@ void TouchNavigation::release(QPointF viewPoint) {
         sendMouse(QEvent::MouseButtonRelease, viewPoint, Qt::NoButton);
         break;
     case Mode::scrolling:
-        QScroller::scroller(m_view.viewport())
-            ->handleInput(QScroller::InputRelease, viewPoint, static_cast<qint64>(m_time));
+        drag(viewPoint);
+        if (std::hypot(m_velocity.x(), m_velocity.y()) >= slowestFling) {
+            m_sinceFling.start();
+            m_fling.start();
+        }
         break;
     default:
         break;
@@ -179,23 +182,32 @@ void TouchNavigation::pinch(const QTouchEvent& event) {
         m_scroller.scrollBy(way * devicePixelRatio());
 }
 
-// Kinetic scrolling
+// Scrolling
 
-void TouchNavigation::prepare(QScrollPrepareEvent& event) {
-    const double ratio = devicePixelRatio();
-    event.setViewportSize(m_view.viewport()->size());
-    event.setContentPosRange(QRectF(QPointF(), m_scroller.maximum() / ratio));
-    m_kineticPoint = m_scroller.offset() / ratio;
-    event.setContentPos(m_kineticPoint);
-    event.accept();
+void TouchNavigation::drag(QPointF viewPoint) {
+    const QPointF way = m_lastPoint - viewPoint;
+    const double seconds = static_cast<double>(m_time - m_lastTime) / 1000;
+    if (seconds > restingTime)
+        m_velocity = {}; // the finger has rested
+    else if (seconds > 0 && !way.isNull())
+        m_velocity = m_velocity.isNull() ? way / seconds : (m_velocity + way / seconds) / 2;
+    m_lastTime = m_time;
+    m_lastPoint = viewPoint;
+    if (!way.isNull())
+        m_scroller.scrollBy(way * devicePixelRatio());
 }
 
-void TouchNavigation::scroll(const QScrollEvent& event) {
-    // By the way and not to the place, which moves when the sizes of pages out of sight become known.
-    m_scroller.scrollBy((event.contentPos() - m_kineticPoint) * devicePixelRatio());
-    m_kineticPoint = event.contentPos();
+void TouchNavigation::glide() {
+    const double seconds = static_cast<double>(m_sinceFling.restart()) / 1000;
+    const double kept = std::exp(-seconds / flingTime);
+    const QPointF before = m_scroller.offset();
+    m_scroller.scrollBy(m_velocity * (flingTime * (1 - kept) * devicePixelRatio()));
+    m_velocity *= kept;
+    const bool isAtEnd = m_scroller.offset() == before && seconds > 0.05;
+    if (isAtEnd || std::hypot(m_velocity.x(), m_velocity.y()) < slowestFling)
+        m_fling.stop();
 }
 
 void TouchNavigation::stop() {
-    QScroller::scroller(m_view.viewport())->stop();
+    m_fling.stop();
 }

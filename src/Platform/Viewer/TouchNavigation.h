@@ -5,14 +5,13 @@
 #include <QEvent>
 #include <QObject>
 #include <QPointF>
+#include <QTimer>
 
 #include <memory>
 #include <optional>
 
 class PDFPage;
 class PDFView;
-class QScrollEvent;
-class QScrollPrepareEvent;
 class QTouchEvent;
 class ViewScroller;
 
@@ -29,9 +28,6 @@ public:
 
     /// Touches of the viewport. Always takes them.
     void touch(QTouchEvent& event);
-    /// What Qt's kinetic scrolling asks and says.
-    void prepare(QScrollPrepareEvent& event);
-    void scroll(const QScrollEvent& event);
     /// Ends a fling, when the pages move by other means.
     void stop();
 
@@ -51,6 +47,8 @@ private:
     void press(QPointF viewPoint);
     void move(QPointF viewPoint);
     void release(QPointF viewPoint);
+    void drag(QPointF viewPoint);
+    void glide();
     void pinch(const QTouchEvent& event);
     void startPinch();
     void tap(QPointF viewPoint);
@@ -62,10 +60,13 @@ private:
     Mode m_mode = Mode::none;
     QPointF m_pressPoint;
     QPointF m_lastPoint;
+    quint64 m_lastTime = 0; // of the last one that scrolled
+    QPointF m_velocity;     // of the pages, in view points a second
+    QTimer m_fling;         // runs while the pages go on by themselves
+    QElapsedTimer m_sinceFling;
     quint64 m_time = 0;                     // of the touch that is being handled, milliseconds
     std::shared_ptr<PDFPage> m_pinchedPage; // null until the fingers have moved
     QPointF m_pinchedPoint;                 // of that page, between the fingers
-    QPointF m_kineticPoint;                 // where the kinetic scrolling was last, view points
     bool m_stopsFling = false;              // the finger came down on moving pages: that is no tap
     QBasicTimer m_holdTimer;
     std::optional<QPointF> m_lastTap;
