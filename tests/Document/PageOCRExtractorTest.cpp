@@ -91,11 +91,14 @@ TEST(PageOCRExtractor, ReadsAnnotationsOfTheFileAndNewOnes) {
     const auto page = document->page(0);
     EXPECT_EQ(read(page), "Delivered on Monday\nChecked by Marianne");
 
-    // The worker draws the field, which goes meanwhile.
+    // The worker draws the field, which goes meanwhile: the page is read as it was or as it is, with no mixture.
     auto task = PageOCRExtractor::recognizeText(page);
     page->removeAnnotation(page->annotations().front());
     page->addAnnotation(freeText({36, 10, 200, 24}, u"Paid in full"_qs));
-    EXPECT_EQ(QCoro::waitFor(std::move(task)).value_or(QString()).toStdString(), "Delivered on Monday\nPaid in full");
+    const std::string text = QCoro::waitFor(std::move(task)).value_or(QString()).toStdString();
+    EXPECT_TRUE(text == "Delivered on Monday\nPaid in full" || text == "Delivered on Monday\nChecked by Marianne")
+        << text;
+    EXPECT_EQ(read(page), "Delivered on Monday\nPaid in full");
 }
 
 TEST(PageOCRExtractor, APageWithoutLinesGivesNone) {
