@@ -6,13 +6,13 @@
 // whether the measuring was possible.
 
 #include "DocumentController.h"
-#include "DocumentPresenter.h"
 #include "DocumentRecovery.h"
 #include "Measurement.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
+#include "SilentPresenter.h"
 #include "UndoManager.h"
 #include "UserDefaults.h"
 
@@ -74,24 +74,6 @@ QByteArray fileOf(int pageCount) {
     return file + "trailer\n<< /Size " + QByteArray::number(offsets.size() + 1) + " /Root 1 0 R >>\nstartxref\n" +
            QByteArray::number(table) + "\n%%EOF\n";
 }
-
-class NoPresenter : public DocumentPresenter {
-public:
-    void show(const std::shared_ptr<Document>&) override {}
-    void bringForward(const std::shared_ptr<Document>&) override {}
-    SaveAnswer askToSave(const std::shared_ptr<Document>&) override { return SaveAnswer::Cancel; }
-    SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>&) override { return {}; }
-    ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>&) override {
-        return ChangedFileAnswer::Cancel;
-    }
-    bool askToReload(const std::shared_ptr<Document>&) override { return false; }
-    void presentNotice(const std::shared_ptr<Document>&, const QString&) override {}
-    bool askToRevert(const std::shared_ptr<Document>&) override { return false; }
-    std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>&, const QString&) override { return {}; }
-    void presentError(const QString&, const QString&) override {}
-    bool offerSaveAs(const std::shared_ptr<Document>&, const QString&, const QString&) override { return false; }
-    void didClose(const std::shared_ptr<Document>&) override {}
-};
 
 struct Times {
     double mainThread = 0; ///< milliseconds
@@ -158,7 +140,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     file.close();
 
-    NoPresenter presenter;
+    SilentPresenter presenter;
     UserDefaults defaults(folder.filePath(u"settings.ini"_qs));
     DocumentController controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults);
     RecoveryPace never;

@@ -5,25 +5,15 @@
 // each about what an event took of the main thread, its painting included. The exit code tells only whether the
 // measuring was possible.
 
-#include "AnnotatingPDFView.h"
 #include "InkPath.h"
-#include "Measurement.h"
+#include "MeasuredWindow.h"
 #include "PDFAnnotation.h"
-#include "PDFDocument.h"
-#include "PDFPage.h"
-#include "ToolState.h"
-#include "UndoManager.h"
 
-#include <QApplication>
-#include <QElapsedTimer>
 #include <QImage>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QMouseEvent>
 #include <QScrollBar>
 
 #include <cmath>
-#include <cstdio>
 #include <random>
 
 using namespace Measurement;
@@ -59,33 +49,16 @@ void fill(PDFPage& page) {
     }
 }
 
-class Window {
+class Window : public MeasuredWindow {
 public:
-    explicit Window(const std::shared_ptr<PDFDocument>& document) : m_document(document) {
-        m_view.setToolState(m_toolState);
-        m_view.setDocUndoManager(m_undoManager);
-        m_view.setDocument(document);
-        m_view.resize(1200, 900);
-        m_view.setAutoScales(true);
-        m_view.show();
-        settle();
-    }
+    using MeasuredWindow::MeasuredWindow;
 
-    ToolState& tools() { return *m_toolState; }
-    AnnotatingPDFView& view() { return m_view; }
-    [[nodiscard]] PDFPage& page() const { return *m_document->page(0); }
-
-    void settle() {
-        QElapsedTimer waited;
-        waited.start();
-        while (waited.elapsed() < 300 || (!m_view.isSharp() && waited.elapsed() < 20'000))
-            QApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
+    [[nodiscard]] PDFPage& page() const { return *MeasuredWindow::page(0); }
 
     void mouse(QEvent::Type type, QPointF point, Qt::MouseButton button, Qt::MouseButtons buttons) {
-        const QPointF at = m_view.convertFromPage(point, page());
-        QMouseEvent event(type, at, m_view.viewport()->mapToGlobal(at), button, buttons, Qt::NoModifier);
-        QApplication::sendEvent(m_view.viewport(), &event);
+        const QPointF at = view().convertFromPage(point, page());
+        QMouseEvent event(type, at, view().viewport()->mapToGlobal(at), button, buttons, Qt::NoModifier);
+        QApplication::sendEvent(view().viewport(), &event);
     }
 
     /// Presses at the first point, moves through the others and lets go; measures each move until it is painted.
@@ -98,46 +71,13 @@ public:
         settle();
     }
 
-    template <typename Action>
-    void measure(Action&& action) {
-        QElapsedTimer clock;
-        clock.start();
-        const double cpu = threadCpu();
-        action();
-        QApplication::processEvents();
-        m_cpu.push_back(threadCpu() - cpu);
-        m_wall.push_back(milliseconds(clock.nsecsElapsed()));
-    }
-
     void report(const char* job, int annotationsBefore) {
-        const double median = percentile(m_wall, 0.5);
-        const double p99 = percentile(m_wall, 0.99);
-        const QJsonObject result{
-            {QStringLiteral("job"), QString::fromLatin1(job)},
-            {QStringLiteral("events"), int(m_wall.size())},
-            {QStringLiteral("annotations_before"), annotationsBefore},
-            {QStringLiteral("annotations_after"), int(page().annotations().size())},
-            {QStringLiteral("p50_ms"), rounded(median)},
-            {QStringLiteral("p99_ms"), rounded(p99)},
-            {QStringLiteral("max_ms"), rounded(percentile(m_wall, 1))},
-            {QStringLiteral("p50_cpu_ms"), rounded(percentile(m_cpu, 0.5))},
-            {QStringLiteral("p99_cpu_ms"), rounded(percentile(m_cpu, 0.99))},
-            {QStringLiteral("aim"), QStringLiteral("p50_ms < %1, p99_ms < %2").arg(medianAim).arg(p99Aim)},
-            {QStringLiteral("to_aim"), rounded(std::max(median - medianAim, p99 - p99Aim))},
-        };
-        std::puts(QJsonDocument(result).toJson(QJsonDocument::Compact).constData());
-        std::fflush(stdout);
-        m_wall.clear();
-        m_cpu.clear();
+        const double toAim = std::max(percentile(wall(), 0.5) - medianAim, percentile(wall(), 0.99) - p99Aim);
+        print(job, {{QStringLiteral("annotations_before"), annotationsBefore},
+                    {QStringLiteral("annotations_after"), int(page().annotations().size())},
+                    {QStringLiteral("aim"), QStringLiteral("p50_ms < %1, p99_ms < %2").arg(medianAim).arg(p99Aim)},
+                    {QStringLiteral("to_aim"), rounded(toAim)}});
     }
-
-private:
-    std::shared_ptr<PDFDocument> m_document;
-    std::shared_ptr<ToolState> m_toolState = std::make_shared<ToolState>();
-    std::shared_ptr<UndoManager> m_undoManager = std::make_shared<UndoManager>();
-    AnnotatingPDFView m_view;
-    std::vector<double> m_wall; // milliseconds
-    std::vector<double> m_cpu;
 };
 
 void drawStroke() {

@@ -4,24 +4,13 @@
 // 200 of them, all with real events in a shown window. Prints one JSON object for each about what an event took of the
 // main thread, its painting included. The exit code tells only whether the measuring was possible.
 
-#include "AnnotatingPDFView.h"
 #include "FormFixture.h"
-#include "Measurement.h"
+#include "MeasuredWindow.h"
 #include "PDFAnnotation.h"
-#include "PDFDocument.h"
-#include "PDFPage.h"
-#include "ToolState.h"
-#include "UndoManager.h"
 
-#include <QApplication>
-#include <QElapsedTimer>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
-
-#include <cstdio>
 
 using namespace Measurement;
 
@@ -30,33 +19,15 @@ namespace {
 constexpr double frameAim = 4;
 constexpr double commitAim = 16;
 
-class Window {
+class Window : public MeasuredWindow {
 public:
-    explicit Window(const std::shared_ptr<PDFDocument>& document) : m_document(document) {
-        m_view.setToolState(m_toolState);
-        m_view.setDocUndoManager(m_undoManager);
-        m_view.setDocument(document);
-        m_view.resize(1200, 900);
-        m_view.setAutoScales(true);
-        m_view.show();
-        settle();
-    }
-
-    AnnotatingPDFView& view() { return m_view; }
-    [[nodiscard]] std::shared_ptr<PDFPage> page(int index) const { return m_document->page(index); }
-
-    void settle() {
-        QElapsedTimer waited;
-        waited.start();
-        while (waited.elapsed() < 400 || (!m_view.isSharp() && waited.elapsed() < 20'000))
-            QApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
+    using MeasuredWindow::MeasuredWindow;
 
     void mouse(QEvent::Type type, QPointF at, Qt::MouseButtons buttons) {
         const bool isMove = type == QEvent::MouseMove;
-        QMouseEvent event(type, at, m_view.viewport()->mapToGlobal(at), isMove ? Qt::NoButton : Qt::LeftButton, buttons,
+        QMouseEvent event(type, at, view().viewport()->mapToGlobal(at), isMove ? Qt::NoButton : Qt::LeftButton, buttons,
                           Qt::NoModifier);
-        QApplication::sendEvent(m_view.viewport(), &event);
+        QApplication::sendEvent(view().viewport(), &event);
     }
 
     void click(QPointF at) {
@@ -71,43 +42,10 @@ public:
         }
     }
 
-    template <typename Action>
-    void measure(Action&& action) {
-        QElapsedTimer clock;
-        clock.start();
-        const double cpu = threadCpu();
-        action();
-        QApplication::processEvents();
-        m_cpu.push_back(threadCpu() - cpu);
-        m_wall.push_back(milliseconds(clock.nsecsElapsed()));
-    }
-
     void report(const char* job, double aim) {
-        const double p99 = percentile(m_cpu, 0.99);
-        const QJsonObject result{
-            {QStringLiteral("job"), QString::fromLatin1(job)},
-            {QStringLiteral("events"), int(m_cpu.size())},
-            {QStringLiteral("p50_cpu_ms"), rounded(percentile(m_cpu, 0.5))},
-            {QStringLiteral("p99_cpu_ms"), rounded(p99)},
-            {QStringLiteral("max_cpu_ms"), rounded(percentile(m_cpu, 1))},
-            {QStringLiteral("p50_ms"), rounded(percentile(m_wall, 0.5))},
-            {QStringLiteral("p99_ms"), rounded(percentile(m_wall, 0.99))},
-            {QStringLiteral("aim"), QStringLiteral("p99_cpu_ms < %1").arg(aim)},
-            {QStringLiteral("to_aim"), rounded(p99 - aim)},
-        };
-        std::puts(QJsonDocument(result).toJson(QJsonDocument::Compact).constData());
-        std::fflush(stdout);
-        m_wall.clear();
-        m_cpu.clear();
+        print(job, {{QStringLiteral("aim"), QStringLiteral("p99_cpu_ms < %1").arg(aim)},
+                    {QStringLiteral("to_aim"), rounded(percentile(cpu(), 0.99) - aim)}});
     }
-
-private:
-    std::shared_ptr<PDFDocument> m_document;
-    std::shared_ptr<ToolState> m_toolState = std::make_shared<ToolState>();
-    std::shared_ptr<UndoManager> m_undoManager = std::make_shared<UndoManager>();
-    AnnotatingPDFView m_view;
-    std::vector<double> m_wall; // milliseconds
-    std::vector<double> m_cpu;
 };
 
 void scroll(Window& window, const char* job) {

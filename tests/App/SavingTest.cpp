@@ -1,12 +1,11 @@
 #include "AppTest.h"
 
 #include "AnnotatingPDFView.h"
-#include "DocumentSnapshot.h"
+#include "GatedSnapshot.h"
 #include "PDFEditorWorkspaceView.h"
 #include "PassingNotice.h"
 
 #include <QContextMenuEvent>
-#include <QSemaphore>
 #include <QTabBar>
 
 using SaveAnswer = ScriptedDialogs::SaveAnswer;
@@ -17,25 +16,11 @@ namespace {
 class GatedDocument : public PDFEditorDocument {
 public:
     std::shared_ptr<const DocumentSnapshot> snapshot() const override {
-        return std::make_shared<Snapshot>(PDFEditorDocument::snapshot(), m_gate);
+        return std::make_shared<GatedSnapshot>(PDFEditorDocument::snapshot(), m_gate);
     }
     void release() { m_gate->release(); }
 
 private:
-    class Snapshot : public DocumentSnapshot {
-    public:
-        Snapshot(std::shared_ptr<const DocumentSnapshot> snapshot, std::shared_ptr<QSemaphore> gate)
-            : m_snapshot(std::move(snapshot)), m_gate(std::move(gate)) {}
-        void write(const QString& path) const override {
-            m_gate->acquire();
-            m_snapshot->write(path);
-        }
-
-    private:
-        const std::shared_ptr<const DocumentSnapshot> m_snapshot;
-        const std::shared_ptr<QSemaphore> m_gate;
-    };
-
     const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
 };
 

@@ -2,7 +2,7 @@
 
 #include "DocumentController.h"
 #include "PDFEditorDocument.h"
-#include "RecordingPresenter.h"
+#include "SilentPresenter.h"
 #include "TestPdf.h"
 #include "ThumbnailCache.h"
 #include "UserDefaults.h"
@@ -44,6 +44,6 @@ protected:
 
     QTemporaryDir m_folder;
     UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
-    RecordingPresenter m_presenter;
+    SilentPresenter m_presenter;
     DocumentController m_controller{[] { return std::make_shared<PDFEditorDocument>(); }, m_presenter, m_defaults};
 };

@@ -13,7 +13,7 @@
 #include <vector>
 
 /// A folder with more entries isn't searched for a file that was renamed.
-static constexpr int mostEntries = 20'000;
+static constexpr int mostEntries = 2000; // each is looked up while the user waits
 
 DocumentFileMonitor::DocumentFileMonitor(DocumentController& controller, DocumentPresenter& presenter, QObject* parent)
     : QObject(parent), m_controller(controller), m_presenter(presenter) {

@@ -136,6 +136,14 @@ protected:
         return text;
     }
 
+    /// An edited document whose saves wait for `m_gate`.
+    std::shared_ptr<TextDocument> openGated(const char* name) {
+        auto document = edit(open(makeFile(name)));
+        document->gate = m_gate;
+        m_presenter.takeCalls();
+        return document;
+    }
+
     /// What has come of something that ends later.
     struct Outcome {
         std::optional<bool> succeeded;
@@ -186,6 +194,7 @@ protected:
 
     const QTemporaryDir m_folder;
     UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
+    const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
     RecordingPresenter m_presenter;
     std::unique_ptr<DocumentController> m_controller =
         std::make_unique<DocumentController>([] { return std::make_shared<TextDocument>(); }, m_presenter, m_defaults);

@@ -5,18 +5,7 @@
 
 namespace {
 
-class DocumentClosingTest : public ControllerFixture {
-protected:
-    /// An edited document whose saves wait for `m_gate`.
-    std::shared_ptr<TextDocument> openGated(const char* name) {
-        auto document = edit(open(makeFile(name)));
-        document->gate = m_gate;
-        m_presenter.takeCalls();
-        return document;
-    }
-
-    const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
-};
+class DocumentClosingTest : public ControllerFixture {};
 
 TEST_F(DocumentClosingTest, ClosingAsksAboutUnsavedChanges) {
     const struct {

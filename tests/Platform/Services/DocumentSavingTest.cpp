@@ -16,16 +16,6 @@ namespace {
 class DocumentSavingTest : public ControllerFixture {
 protected:
     using ChangedFileAnswer = DocumentPresenter::ChangedFileAnswer;
-
-    /// An edited document whose saves wait for `m_gate`.
-    std::shared_ptr<TextDocument> openGated(const char* name) {
-        auto document = edit(open(makeFile(name)));
-        document->gate = m_gate;
-        m_presenter.takeCalls();
-        return document;
-    }
-
-    const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
 };
 
 TEST_F(DocumentSavingTest, SavingWritesTheFileOrAsksForOne) {

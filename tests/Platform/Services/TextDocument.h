@@ -1,11 +1,10 @@
 #pragma once
 
 #include "Document.h"
-#include "DocumentSnapshot.h"
+#include "GatedSnapshot.h"
 #include "UndoManager.h"
 
 #include <QFile>
-#include <QSemaphore>
 
 /// A document that holds a text. One that begins with "damaged" can't be read.
 class TextDocument : public Document {
@@ -50,20 +49,4 @@ public:
     }
 
     QString fileNameExtension() const override { return QStringLiteral("txt"); }
-
-private:
-    class GatedSnapshot : public DocumentSnapshot {
-    public:
-        GatedSnapshot(std::shared_ptr<const DocumentSnapshot> snapshot, std::shared_ptr<QSemaphore> gate)
-            : m_snapshot(std::move(snapshot)), m_gate(std::move(gate)) {}
-
-        void write(const QString& path) const override {
-            m_gate->acquire();
-            m_snapshot->write(path);
-        }
-
-    private:
-        const std::shared_ptr<const DocumentSnapshot> m_snapshot;
-        const std::shared_ptr<QSemaphore> m_gate;
-    };
 };
