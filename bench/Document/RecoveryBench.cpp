@@ -114,15 +114,15 @@ void print(const char* job, qint64 byteCount, const std::vector<Times>& all, dou
         mainThread.push_back(each.mainThread);
         worker.push_back(each.worker);
     }
-    QJsonObject line{{u"job"_qs, QString::fromLatin1(job)},
-                     {u"file_mb"_qs, rounded(double(byteCount) / 1e6)},
-                     {u"count"_qs, int(all.size())},
-                     {u"main_thread_max_ms"_qs, rounded(percentile(mainThread, 1))},
-                     {u"main_thread_aim_ms"_qs, mainThreadAim},
-                     {u"worker_median_ms"_qs, rounded(percentile(worker, 0.5))},
-                     {u"worker_max_ms"_qs, rounded(percentile(worker, 1))}};
+    QJsonObject line{{QStringLiteral("job"), QString::fromLatin1(job)},
+                     {QStringLiteral("file_mb"), rounded(double(byteCount) / 1e6)},
+                     {QStringLiteral("count"), int(all.size())},
+                     {QStringLiteral("main_thread_max_ms"), rounded(percentile(mainThread, 1))},
+                     {QStringLiteral("main_thread_aim_ms"), mainThreadAim},
+                     {QStringLiteral("worker_median_ms"), rounded(percentile(worker, 0.5))},
+                     {QStringLiteral("worker_max_ms"), rounded(percentile(worker, 1))}};
     if (workerAim > 0)
-        line.insert(u"worker_median_aim_ms"_qs, workerAim);
+        line.insert(QStringLiteral("worker_median_aim_ms"), workerAim);
     std::puts(QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
 }
 
@@ -134,18 +134,18 @@ int main(int argc, char** argv) {
     const QGuiApplication application(argc, argv);
     const int megabytes = argc > 1 ? std::max(1, std::atoi(argv[1])) : 100;
     const QTemporaryDir folder;
-    QFile file(folder.filePath(u"large.pdf"_qs));
+    QFile file(folder.filePath(QStringLiteral("large.pdf")));
     const int pageCount = std::max(editCount, int(megabytes * 1e6 / (imageSide * imageSide)));
     if (!file.open(QIODevice::WriteOnly) || file.write(fileOf(pageCount)) < 0)
         return EXIT_FAILURE;
     file.close();
 
     SilentPresenter presenter;
-    UserDefaults defaults(folder.filePath(u"settings.ini"_qs));
+    UserDefaults defaults(folder.filePath(QStringLiteral("settings.ini")));
     DocumentController controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults);
     RecoveryPace never;
     never.afterChange = std::chrono::hours(1);
-    DocumentRecovery recovery(controller, folder.filePath(u"recovery"_qs), never);
+    DocumentRecovery recovery(controller, folder.filePath(QStringLiteral("recovery")), never);
     std::shared_ptr<PDFEditorDocument> document;
     controller.openDocument(QUrl::fromLocalFile(file.fileName()), false, [&](const auto& opened, bool, const QString&) {
         document = std::dynamic_pointer_cast<PDFEditorDocument>(opened);

@@ -5,9 +5,9 @@
 std::span<const AIModelPreferenceInfo> allAIModelPreferences() {
     using enum AIModelPreference;
     static const AIModelPreferenceInfo preferences[] = {
-        {highPerformance, u"High Perf"_qs},
-        {balanced, u"Balanced"_qs},
-        {fast, u"Fast"_qs},
+        {highPerformance, QStringLiteral("High Perf")},
+        {balanced, QStringLiteral("Balanced")},
+        {fast, QStringLiteral("Fast")},
     };
     return preferences;
 }

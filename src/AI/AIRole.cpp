@@ -1,5 +1,5 @@
 #include "AIRole.h"
 
 QString rawValue(AIRole role) {
-    return role == AIRole::user ? u"user"_qs : u"assistant"_qs;
+    return role == AIRole::user ? QStringLiteral("user") : QStringLiteral("assistant");
 }

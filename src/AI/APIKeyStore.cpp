@@ -3,15 +3,15 @@
 #include "UserDefaults.h"
 
 static QString poolKey(APIProviderKind kind) {
-    return u"quillo."_qs + rawValue(kind) + u"APIKeyPool"_qs;
+    return QStringLiteral("quillo.") + rawValue(kind) + QStringLiteral("APIKeyPool");
 }
 
 static QString olderKey() {
-    return u"vellumark.ollamaAPIKey"_qs;
+    return QStringLiteral("vellumark.ollamaAPIKey");
 }
 
 static QString urlKey() {
-    return u"quillo.customAPIURL"_qs;
+    return QStringLiteral("quillo.customAPIURL");
 }
 
 QStringList APIKeyStore::allKeys(UserDefaults& defaults, APIProviderKind kind) {
@@ -44,7 +44,7 @@ void APIKeyStore::clear(UserDefaults& defaults, APIProviderKind kind) {
 }
 
 QString APIKeyStore::defaultURL() {
-    return u"https://ollama.com/v1/chat/completions"_qs;
+    return QStringLiteral("https://ollama.com/v1/chat/completions");
 }
 
 QString APIKeyStore::loadURL(const UserDefaults& defaults) {

@@ -1,5 +1,5 @@
 #include "APIProviderKind.h"
 
 QString rawValue(APIProviderKind kind) {
-    return kind == APIProviderKind::ollama ? u"ollama"_qs : u"groq"_qs;
+    return kind == APIProviderKind::ollama ? QStringLiteral("ollama") : QStringLiteral("groq");
 }

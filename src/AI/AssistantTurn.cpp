@@ -5,7 +5,8 @@
 namespace {
 
 const QStringList& rawValues() {
-    static const QStringList values{u"user"_qs, u"assistant"_qs, u"error"_qs}; // in the order of the enumeration
+    static const QStringList values{QStringLiteral("user"), QStringLiteral("assistant"),
+                                    QStringLiteral("error")}; // in the order of the enumeration
     return values;
 }
 

@@ -19,8 +19,8 @@ void startTask(std::function<void()> task) {
 }
 
 QString messageWithAttachment(const QString& name, const QString& content, const QString& text) {
-    const QString question = text.isEmpty() ? u"Summarize or explain this attached file."_qs : text;
-    return u"Context from attached file '%1':\n---\n%2\n---\n\n%3"_qs.arg(name, content, question);
+    const QString question = text.isEmpty() ? QStringLiteral("Summarize or explain this attached file.") : text;
+    return QStringLiteral("Context from attached file '%1':\n---\n%2\n---\n\n%3").arg(name, content, question);
 }
 
 } // namespace
@@ -34,7 +34,7 @@ void AssistantViewModel::submit() {
     QString message = text;
     if (m_attachmentName && m_attachmentContent) {
         if (text.isEmpty())
-            bubble = u"Attached file: "_qs + *m_attachmentName;
+            bubble = QStringLiteral("Attached file: ") + *m_attachmentName;
         message = messageWithAttachment(*m_attachmentName, *m_attachmentContent, text);
         removeAttachment();
     }
@@ -68,7 +68,7 @@ QCoro::Task<void> AssistantViewModel::runAgentLoop() {
 
         m_history.push_back(turn.message);
         if (turn.isFinal) {
-            endRun(Role::assistant, turn.text.isEmpty() ? u"Done."_qs : turn.text);
+            endRun(Role::assistant, turn.text.isEmpty() ? QStringLiteral("Done.") : turn.text);
             co_return;
         }
 
@@ -77,7 +77,7 @@ QCoro::Task<void> AssistantViewModel::runAgentLoop() {
             results.parts.push_back(AIContentPart::toolResult(call.id, resultOf(call)));
         m_history.push_back(results);
     }
-    endRun(Role::error, u"That took too many steps to resolve — try rephrasing your request."_qs);
+    endRun(Role::error, QStringLiteral("That took too many steps to resolve — try rephrasing your request."));
 }
 
 /// The model's reply. What its tool calls will have to read of a long document is read before it is handed over, so
@@ -102,7 +102,7 @@ const AssistantTool* AssistantViewModel::tool(const QString& name) const {
 
 QString AssistantViewModel::resultOf(const AIToolCall& call) const {
     const AssistantTool* const called = tool(call.name);
-    return called ? called->execute(call.input) : u"Unknown tool '%1'."_qs.arg(call.name);
+    return called ? called->execute(call.input) : QStringLiteral("Unknown tool '%1'.").arg(call.name);
 }
 
 void AssistantViewModel::endRun(AssistantTurn::Role role, const QString& text) {

@@ -45,7 +45,8 @@ QString AttachmentReader::text(const QString& path) {
 }
 
 QStringList AttachmentReader::nameFilters() {
-    return {u"PDF and text files (*.pdf *.txt *.text *.md *.markdown *.rst *.tex *.csv *.tsv *.log *.json *.xml *.yaml "
-            u"*.yml *.toml *.ini *.conf *.html *.htm *.css *.rtf *.srt *.c *.h *.cc *.cpp *.hpp *.py *.js *.ts *.java "
-            u"*.go *.rs *.rb *.php *.swift *.sql *.sh *.diff *.patch)"_qs};
+    return {QStringLiteral(
+        "PDF and text files (*.pdf *.txt *.text *.md *.markdown *.rst *.tex *.csv *.tsv *.log *.json *.xml *.yaml "
+        "*.yml *.toml *.ini *.conf *.html *.htm *.css *.rtf *.srt *.c *.h *.cc *.cpp *.hpp *.py *.js *.ts *.java "
+        "*.go *.rs *.rb *.php *.swift *.sql *.sh *.diff *.patch)")};
 }

@@ -30,13 +30,13 @@ BackendAIProvider::BackendAIProvider(QUrl endpoint, std::shared_ptr<URLSession> 
     : m_endpoint(std::move(endpoint)), m_session(std::move(session)) {}
 
 QUrl BackendAIProvider::defaultEndpoint() {
-    return QUrl(u"https://" QUILLO_ASSISTANT_HOST "/api/v1/chat/completions"_qs);
+    return QUrl(QStringLiteral("https://" QUILLO_ASSISTANT_HOST "/api/v1/chat/completions"));
 }
 
 QCoro::Task<AIAgentTurn> BackendAIProvider::send(std::vector<AIMessage> history, std::vector<AssistantTool> tools,
                                                  QString system, AIModelPreference preference) {
-    const QJsonObject body{{u"messages"_qs, OpenAIChatCodec::encodeMessages(history, system)},
-                           {u"tools"_qs, OpenAIChatCodec::encodeToolSpecs(tools)},
-                           {u"preference"_qs, info(preference).rawValue}};
+    const QJsonObject body{{QStringLiteral("messages"), OpenAIChatCodec::encodeMessages(history, system)},
+                           {QStringLiteral("tools"), OpenAIChatCodec::encodeToolSpecs(tools)},
+                           {QStringLiteral("preference"), info(preference).rawValue}};
     return ChatRequest::send(m_session, [endpoint = m_endpoint, body] { return signedRequest(endpoint, body); });
 }

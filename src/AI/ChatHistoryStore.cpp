@@ -20,7 +20,7 @@ QString directory() {
     constexpr QFile::Permissions userOnlyFolder = userOnly | QFile::ExeOwner;
     QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
     QString path = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    for (const QString& name : {u"/Quillo"_qs, u"/Chats"_qs}) {
+    for (const QString& name : {QStringLiteral("/Quillo"), QStringLiteral("/Chats")}) {
         path += name;
         QDir().mkdir(path, userOnlyFolder);
     }
@@ -30,7 +30,7 @@ QString directory() {
 
 QString filePath(const QString& documentKey) {
     const QByteArray digest = QCryptographicHash::hash(documentKey.toUtf8(), QCryptographicHash::Sha256);
-    return directory() + u'/' + QString::fromLatin1(digest.toHex()) + u".json"_qs;
+    return directory() + u'/' + QString::fromLatin1(digest.toHex()) + QStringLiteral(".json");
 }
 
 } // namespace

@@ -38,14 +38,15 @@ std::optional<QString> stringIn(const QJsonObject& object, QLatin1String key) {
 }
 
 std::optional<QUuid> uuidIn(const QJsonObject& object) {
-    static const QRegularExpression canonical(u"\\A[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}\\z"_qs);
+    static const QRegularExpression canonical(
+        QStringLiteral("\\A[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}\\z"));
     const std::optional<QString> text = stringIn(object, idKey);
     return text && canonical.match(*text).hasMatch() ? std::optional(QUuid::fromString(*text)) : std::nullopt;
 }
 
 std::optional<QDateTime> timeIn(const QJsonObject& object) {
     static const QRegularExpression wholeSeconds(
-        u"\\A\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d(Z|[+-]\\d\\d:?\\d\\d)\\z"_qs);
+        QStringLiteral("\\A\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d(Z|[+-]\\d\\d:?\\d\\d)\\z"));
     const std::optional<QString> text = stringIn(object, updatedAtKey);
     if (!text || !wholeSeconds.match(*text).hasMatch())
         return std::nullopt;

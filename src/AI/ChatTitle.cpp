@@ -14,10 +14,11 @@ QString ChatTitle::fromFirstMessage(const QString& message) {
 }
 
 QString ChatTitle::prompt(const QString& firstMessage) {
-    return u"Write a short chat title (3 to 6 words, no quotes, no trailing punctuation) summarizing this message:\n\n"_qs +
+    return QStringLiteral("Write a short chat title (3 to 6 words, no quotes, no trailing punctuation) summarizing "
+                          "this message:\n\n") +
            firstMessage;
 }
 
 QString ChatTitle::systemPrompt() {
-    return u"You write short, punchy chat titles and respond with the title only."_qs;
+    return QStringLiteral("You write short, punchy chat titles and respond with the title only.");
 }

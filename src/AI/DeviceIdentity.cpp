@@ -67,7 +67,8 @@ P256SigningKey privateKey() {
 } // namespace
 
 QString DeviceIdentity::keyFilePath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillo/device-identity.key"_qs;
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QStringLiteral("/Quillo/device-identity.key");
 }
 
 QByteArray DeviceIdentity::publicKeyBase64() {

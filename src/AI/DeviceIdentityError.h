@@ -9,7 +9,7 @@ class DeviceIdentityError : public std::runtime_error {
 public:
     [[nodiscard]] static DeviceIdentityError writeFailed(const std::exception& underlying) {
         return DeviceIdentityError(
-            u"Couldn't save the device signing key (%1)."_qs.arg(QString::fromUtf8(underlying.what())));
+            QStringLiteral("Couldn't save the device signing key (%1).").arg(QString::fromUtf8(underlying.what())));
     }
 
 private:

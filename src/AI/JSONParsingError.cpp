@@ -3,5 +3,6 @@
 #include <QString>
 
 JSONParsingError::JSONParsingError(const QJsonParseError& error)
-    : std::runtime_error(
-          u"The AI service sent an answer that Quillo can't read (%1)."_qs.arg(error.errorString()).toStdString()) {}
+    : std::runtime_error(QStringLiteral("The AI service sent an answer that Quillo can't read (%1).")
+                             .arg(error.errorString())
+                             .toStdString()) {}

@@ -14,8 +14,11 @@ namespace {
 
 QJsonObject encodeToolUse(const AIContentPart::ToolUse& toolUse) {
     const QByteArray arguments = QJsonDocument(toolUse.input).toJson(QJsonDocument::Compact);
-    const QJsonObject function{{u"name"_qs, toolUse.name}, {u"arguments"_qs, QString::fromUtf8(arguments)}};
-    return {{u"id"_qs, toolUse.id}, {u"type"_qs, u"function"_qs}, {u"function"_qs, function}};
+    const QJsonObject function{{QStringLiteral("name"), toolUse.name},
+                               {QStringLiteral("arguments"), QString::fromUtf8(arguments)}};
+    return {{QStringLiteral("id"), toolUse.id},
+            {QStringLiteral("type"), QStringLiteral("function")},
+            {QStringLiteral("function"), function}};
 }
 
 QJsonObject encodeAssistantMessage(const AIMessage& message) {
@@ -27,9 +30,9 @@ QJsonObject encodeAssistantMessage(const AIMessage& message) {
         else if (const auto* toolUse = part.asToolUse())
             toolCalls.append(encodeToolUse(*toolUse));
     }
-    QJsonObject encoded{{u"role"_qs, rawValue(message.role)}, {u"content"_qs, content}};
+    QJsonObject encoded{{QStringLiteral("role"), rawValue(message.role)}, {QStringLiteral("content"), content}};
     if (!toolCalls.isEmpty())
-        encoded.insert(u"tool_calls"_qs, toolCalls);
+        encoded.insert(QStringLiteral("tool_calls"), toolCalls);
     return encoded;
 }
 
@@ -42,13 +45,14 @@ void appendUserMessages(QJsonArray& messages, const AIMessage& message) {
             texts.append(text->text);
         } else if (const auto* result = part.asToolResult()) {
             hasToolResults = true;
-            messages.append(QJsonObject{
-                {u"role"_qs, u"tool"_qs}, {u"tool_call_id"_qs, result->id}, {u"content"_qs, result->content}});
+            messages.append(QJsonObject{{QStringLiteral("role"), QStringLiteral("tool")},
+                                        {QStringLiteral("tool_call_id"), result->id},
+                                        {QStringLiteral("content"), result->content}});
         }
     }
     if (!hasToolResults) {
-        messages.append(
-            QJsonObject{{u"role"_qs, rawValue(message.role)}, {u"content"_qs, texts.join(QLatin1Char('\n'))}});
+        messages.append(QJsonObject{{QStringLiteral("role"), rawValue(message.role)},
+                                    {QStringLiteral("content"), texts.join(QLatin1Char('\n'))}});
     }
 }
 
@@ -92,7 +96,7 @@ QString errorMessage(const QJsonObject& reply) {
     const QJsonValue message = error.toObject().value(u"message");
     if (message.isString())
         return message.toString();
-    return error.isString() ? error.toString() : u"Unknown error"_qs;
+    return error.isString() ? error.toString() : QStringLiteral("Unknown error");
 }
 
 /// Throws JSONParsingError. None for JSON that is no object.
@@ -110,7 +114,8 @@ std::optional<QJsonObject> parseObject(const QByteArray& body) {
 } // namespace
 
 QJsonArray OpenAIChatCodec::encodeMessages(const std::vector<AIMessage>& history, const QString& system) {
-    QJsonArray messages{QJsonObject{{u"role"_qs, u"system"_qs}, {u"content"_qs, system}}};
+    QJsonArray messages{
+        QJsonObject{{QStringLiteral("role"), QStringLiteral("system")}, {QStringLiteral("content"), system}}};
     for (const AIMessage& message : history) {
         if (message.role == AIRole::assistant)
             messages.append(encodeAssistantMessage(message));
@@ -123,9 +128,11 @@ QJsonArray OpenAIChatCodec::encodeMessages(const std::vector<AIMessage>& history
 QJsonArray OpenAIChatCodec::encodeToolSpecs(const std::vector<AssistantTool>& tools) {
     QJsonArray specs;
     for (const AssistantTool& tool : tools) {
-        const QJsonObject function{
-            {u"name"_qs, tool.name}, {u"description"_qs, tool.description}, {u"parameters"_qs, tool.inputSchema}};
-        specs.append(QJsonObject{{u"type"_qs, u"function"_qs}, {u"function"_qs, function}});
+        const QJsonObject function{{QStringLiteral("name"), tool.name},
+                                   {QStringLiteral("description"), tool.description},
+                                   {QStringLiteral("parameters"), tool.inputSchema}};
+        specs.append(
+            QJsonObject{{QStringLiteral("type"), QStringLiteral("function")}, {QStringLiteral("function"), function}});
     }
     return specs;
 }

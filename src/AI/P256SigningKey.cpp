@@ -39,8 +39,8 @@ void check(bool isDone) {
         return;
     const char* const reason = ERR_reason_error_string(ERR_get_error());
     ERR_clear_error();
-    throw CryptographyError(u"The device signing key couldn't be used (%1)."_qs.arg(
-        QLatin1String(reason != nullptr ? reason : "unknown reason")));
+    throw CryptographyError(QStringLiteral("The device signing key couldn't be used (%1).")
+                                .arg(QLatin1String(reason != nullptr ? reason : "unknown reason")));
 }
 
 QByteArray bytesOf(const BIGNUM* number) {

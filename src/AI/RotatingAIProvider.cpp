@@ -18,25 +18,25 @@ namespace {
 QString ollamaModel(AIModelPreference preference) {
     switch (preference) {
     case AIModelPreference::highPerformance:
-        return u"gpt-oss:120b-cloud"_qs;
+        return QStringLiteral("gpt-oss:120b-cloud");
     case AIModelPreference::balanced:
-        return u"gpt-oss:70b-cloud"_qs;
+        return QStringLiteral("gpt-oss:70b-cloud");
     case AIModelPreference::fast:
         break;
     }
-    return u"gpt-oss:8b-cloud"_qs;
+    return QStringLiteral("gpt-oss:8b-cloud");
 }
 
 QString groqModel(AIModelPreference preference) {
     switch (preference) {
     case AIModelPreference::highPerformance:
-        return u"llama3-70b-8192"_qs;
+        return QStringLiteral("llama3-70b-8192");
     case AIModelPreference::balanced:
-        return u"llama-3.1-8b-instant"_qs;
+        return QStringLiteral("llama-3.1-8b-instant");
     case AIModelPreference::fast:
         break;
     }
-    return u"llama3-8b-8192"_qs;
+    return QStringLiteral("llama3-8b-8192");
 }
 
 /// A line break that was copied along with the key would end the header.
@@ -50,7 +50,7 @@ QByteArray bearer(const QString& key) {
 AIProviderError withoutKey(const AIProviderError& error, const QString& key) {
     if (error.kind() != AIProviderError::Kind::http || key.trimmed().isEmpty())
         return error;
-    return AIProviderError::http(error.status(), error.message().replace(key.trimmed(), u"…"_qs));
+    return AIProviderError::http(error.status(), error.message().replace(key.trimmed(), QStringLiteral("…")));
 }
 
 bool asksForAnotherKey(const AIProviderError& error) {
@@ -68,7 +68,7 @@ RotatingAIProvider::RotatingAIProvider(UserDefaults& defaults, QUrl groqEndpoint
       m_clock(std::move(clock)) {}
 
 QUrl RotatingAIProvider::defaultGroqEndpoint() {
-    return QUrl(u"https://api.groq.com/openai/v1/chat/completions"_qs);
+    return QUrl(QStringLiteral("https://api.groq.com/openai/v1/chat/completions"));
 }
 
 /// The default where the user's address can't be one.
@@ -84,9 +84,10 @@ std::vector<RotatingAIProvider::AICredential> RotatingAIProvider::allCredentials
     std::vector<AICredential> credentials;
     for (qsizetype i = 0; i < std::max(ollamaKeys.size(), groqKeys.size()); ++i) {
         if (i < ollamaKeys.size())
-            credentials.push_back({u"Ollama Cloud"_qs, ollamaEndpoint(), ollamaModel(preference), ollamaKeys[i]});
+            credentials.push_back(
+                {QStringLiteral("Ollama Cloud"), ollamaEndpoint(), ollamaModel(preference), ollamaKeys[i]});
         if (i < groqKeys.size())
-            credentials.push_back({u"Groq"_qs, m_groqEndpoint, groqModel(preference), groqKeys[i]});
+            credentials.push_back({QStringLiteral("Groq"), m_groqEndpoint, groqModel(preference), groqKeys[i]});
     }
     return credentials;
 }
@@ -111,14 +112,15 @@ QCoro::Task<AIAgentTurn> RotatingAIProvider::send(std::vector<AIMessage> history
 QCoro::Task<AIAgentTurn> RotatingAIProvider::tryInTurn(std::shared_ptr<URLSession> session,
                                                        std::vector<AICredential> credentials, QJsonArray messages,
                                                        QJsonArray toolSpecs) {
-    AIProviderError lastError = AIProviderError::missingAPIKey(u"Ollama Cloud or Groq"_qs);
+    AIProviderError lastError = AIProviderError::missingAPIKey(QStringLiteral("Ollama Cloud or Groq"));
     for (const AICredential& credential : credentials) {
         try {
             co_return co_await performRequest(session, credential, messages, toolSpecs);
         } catch (const AIProviderError& error) {
             if (!asksForAnotherKey(error))
                 throw withoutKey(error, credential.apiKey);
-            lastError = AIProviderError::http(error.status(), credential.label + u" key rejected or rate-limited"_qs);
+            lastError = AIProviderError::http(error.status(),
+                                              credential.label + QStringLiteral(" key rejected or rate-limited"));
         }
     }
     throw AIProviderError(lastError);
@@ -129,7 +131,9 @@ QCoro::Task<AIAgentTurn> RotatingAIProvider::performRequest(std::shared_ptr<URLS
                                                             QJsonArray toolSpecs) {
     return ChatRequest::send(std::move(session), [credential = std::move(credential), messages = std::move(messages),
                                                   toolSpecs = std::move(toolSpecs)] {
-        const QJsonObject body{{u"model"_qs, credential.model}, {u"messages"_qs, messages}, {u"tools"_qs, toolSpecs}};
+        const QJsonObject body{{QStringLiteral("model"), credential.model},
+                               {QStringLiteral("messages"), messages},
+                               {QStringLiteral("tools"), toolSpecs}};
         return URLRequest{credential.endpoint,
                           {{"Authorization", bearer(credential.apiKey)}, {"Content-Type", "application/json"}},
                           QJsonDocument(body).toJson(QJsonDocument::Compact)};

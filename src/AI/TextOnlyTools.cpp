@@ -15,8 +15,9 @@ QString fullText(const QString& text) {
     const qsizetype end = UserCharacters::endOfFirst(text, limit);
     if (end == text.size())
         return text;
-    return text.left(end) + u"\n\n[Truncated — document is longer than fits in one call. Use search_text for anything "
-                            u"past this point.]"_qs;
+    return text.left(end) +
+           QStringLiteral("\n\n[Truncated — document is longer than fits in one call. Use search_text for anything "
+                          "past this point.]");
 }
 
 QString searchText(const QString& text, const QJsonObject& input) {
@@ -24,7 +25,7 @@ QString searchText(const QString& text, const QJsonObject& input) {
     constexpr qsizetype margin = 60; // user-perceived characters on either side of a hit
     const QString query = ToolArguments::string(input, queryArgument).value_or(QString());
     if (query.isEmpty())
-        return u"Missing 'query' argument."_qs;
+        return QStringLiteral("Missing 'query' argument.");
     const QString lowerText = text.toLower();
     const QString lowerQuery = query.toLower();
     QStringList excerpts;
@@ -33,23 +34,25 @@ QString searchText(const QString& text, const QJsonObject& input) {
         // Lower case may be longer than what it comes from: such places are off by a little, or behind the end.
         const qsizetype from = UserCharacters::before(text, hit, margin);
         const qsizetype to = UserCharacters::after(text, end, margin);
-        excerpts.append(u"…"_qs + text.mid(from, to - from) + u"…"_qs);
+        excerpts.append(QStringLiteral("…") + text.mid(from, to - from) + QStringLiteral("…"));
         hit = lowerText.indexOf(lowerQuery, end);
     }
-    return excerpts.isEmpty() ? u"No matches found for '%1'."_qs.arg(query) : excerpts.join(u'\n');
+    return excerpts.isEmpty() ? QStringLiteral("No matches found for '%1'.").arg(query) : excerpts.join(u'\n');
 }
 
 } // namespace
 
 std::vector<AssistantTool> TextOnlyTools::make(const TextOnlyAssistantContext& context) {
     return {
-        {u"get_full_text"_qs,
-         u"Get the text Spotlight has indexed for this document (Excel/PowerPoint/Pages/Numbers/Keynote/EPUB — not a "
-         u"PDF, no page numbers)."_qs,
+        {QStringLiteral("get_full_text"),
+         QStringLiteral("Get the text Spotlight has indexed for this document "
+                        "(Excel/PowerPoint/Pages/Numbers/Keynote/EPUB — not a "
+                        "PDF, no page numbers)."),
          toolSchema({}), [context](const QJsonObject&) { return fullText(context.extractedText); }},
-        {u"search_text"_qs,
-         u"Search this document's Spotlight-indexed text for a keyword or phrase and return short excerpts."_qs,
-         toolSchema({{queryArgument, u"string"_qs}}),
+        {QStringLiteral("search_text"),
+         QStringLiteral(
+             "Search this document's Spotlight-indexed text for a keyword or phrase and return short excerpts."),
+         toolSchema({{queryArgument, QStringLiteral("string")}}),
          [context](const QJsonObject& input) { return searchText(context.extractedText, input); }},
     };
 }

@@ -6,12 +6,12 @@ QJsonObject toolSchema(const std::vector<ToolParameter>& parameters) {
     QJsonObject properties;
     QJsonArray required;
     for (const ToolParameter& parameter : parameters) {
-        properties.insert(parameter.name, QJsonObject{{u"type"_qs, parameter.type}});
+        properties.insert(parameter.name, QJsonObject{{QStringLiteral("type"), parameter.type}});
         if (parameter.isRequired)
             required.append(parameter.name);
     }
-    QJsonObject schema{{u"type"_qs, u"object"_qs}, {u"properties"_qs, properties}};
+    QJsonObject schema{{QStringLiteral("type"), QStringLiteral("object")}, {QStringLiteral("properties"), properties}};
     if (!required.isEmpty())
-        schema.insert(u"required"_qs, required);
+        schema.insert(QStringLiteral("required"), required);
     return schema;
 }

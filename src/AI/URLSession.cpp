@@ -39,8 +39,9 @@ bool haveSameOrigin(const QUrl& first, const QUrl& second) {
 void checkURL(const QUrl& url) {
     const QString scheme = url.scheme();
     if ((scheme != u"https" && scheme != u"http") || url.host().isEmpty()) {
-        throw URLSessionError(u"The API URL isn't one of a web service. It must begin with https:// or http://. Change "
-                              "it in Quillo > Settings…"_qs);
+        throw URLSessionError(
+            QStringLiteral("The API URL isn't one of a web service. It must begin with https:// or http://. Change "
+                           "it in Quillo > Settings…"));
     }
 }
 
@@ -75,7 +76,7 @@ QNetworkRequest URLSession::networkRequest(const URLRequest& request) const {
          {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
           QNetworkRequest::AuthenticationReuseAttribute})
         result.setAttribute(attribute, QNetworkRequest::Manual);
-    result.setHeader(QNetworkRequest::UserAgentHeader, u"Quillo"_qs);
+    result.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("Quillo"));
     for (const auto& [name, value] : request.headers)
         result.setRawHeader(name, value);
     return result;
@@ -115,9 +116,9 @@ QCoro::Task<URLSession::Answer> URLSession::postOnce(std::shared_ptr<URLSession>
 
     const QString host = request.url.host();
     if (isTooLong)
-        throw URLSessionError(u"The AI service at “%1” sent an answer that is too long."_qs.arg(host));
+        throw URLSessionError(QStringLiteral("The AI service at “%1” sent an answer that is too long.").arg(host));
     if (session->m_isCancelled)
-        throw URLSessionError(u"The question was given up because Quillo was closed."_qs);
+        throw URLSessionError(QStringLiteral("The question was given up because Quillo was closed."));
     const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (status.isValid())
         answer.reply.status = status.toInt();

@@ -9,11 +9,13 @@ static QAction* makeAction(QObject* owner, const QString& name, const QString& t
 }
 
 AppActions::AppActions(QObject* parent)
-    : QObject(parent), newTab(makeAction(this, u"newTab"_qs, u"&New Tab"_qs, Qt::CTRL | Qt::Key_T)),
-      open(makeAction(this, u"open"_qs, u"&Open…"_qs, Qt::CTRL | Qt::Key_O)),
-      quit(makeAction(this, u"quit"_qs, u"&Quit"_qs, Qt::CTRL | Qt::Key_Q)),
-      settings(makeAction(this, u"settings"_qs, u"Se&ttings…"_qs, Qt::CTRL | Qt::Key_Comma)),
-      about(makeAction(this, u"about"_qs, u"&About Quillo"_qs)),
-      makeDefault(makeAction(this, u"makeDefault"_qs, u"&Make Quillo the Default PDF Viewer…"_qs)) {}
+    : QObject(parent),
+      newTab(makeAction(this, QStringLiteral("newTab"), QStringLiteral("&New Tab"), Qt::CTRL | Qt::Key_T)),
+      open(makeAction(this, QStringLiteral("open"), QStringLiteral("&Open…"), Qt::CTRL | Qt::Key_O)),
+      quit(makeAction(this, QStringLiteral("quit"), QStringLiteral("&Quit"), Qt::CTRL | Qt::Key_Q)),
+      settings(makeAction(this, QStringLiteral("settings"), QStringLiteral("Se&ttings…"), Qt::CTRL | Qt::Key_Comma)),
+      about(makeAction(this, QStringLiteral("about"), QStringLiteral("&About Quillo"))),
+      makeDefault(
+          makeAction(this, QStringLiteral("makeDefault"), QStringLiteral("&Make Quillo the Default PDF Viewer…"))) {}
 
 AppActions::~AppActions() = default;

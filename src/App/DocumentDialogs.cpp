@@ -153,9 +153,9 @@ static void present(QWidget* parent, const QString& name, const QString& symbolN
 }
 
 void DocumentDialogs::presentMessage(QWidget* parent, const QString& title, const QString& sentence) {
-    present(parent, u"message"_qs, infoSymbol(), title, sentence);
+    present(parent, QStringLiteral("message"), infoSymbol(), title, sentence);
 }
 
 void DocumentDialogs::presentError(QWidget* parent, const QString& title, const QString& sentence) {
-    present(parent, u"errorAlert"_qs, warningSymbol(), title, sentence);
+    present(parent, QStringLiteral("errorAlert"), warningSymbol(), title, sentence);
 }

@@ -32,9 +32,9 @@ protected:
 } // namespace
 
 DocumentTabBar::DocumentTabBar(QAction* newTab, QWidget* parent) : QWidget(parent), m_tabs(new Tabs(this)) {
-    setObjectName(u"documentTabBar"_qs);
-    m_tabs->setObjectName(u"documentTabs"_qs);
-    m_tabs->setAccessibleName(u"Documents"_qs);
+    setObjectName(QStringLiteral("documentTabBar"));
+    m_tabs->setObjectName(QStringLiteral("documentTabs"));
+    m_tabs->setAccessibleName(QStringLiteral("Documents"));
     m_tabs->setDocumentMode(true);
     m_tabs->setDrawBase(false);
     m_tabs->setMovable(true);
@@ -44,10 +44,10 @@ DocumentTabBar::DocumentTabBar(QAction* newTab, QWidget* parent) : QWidget(paren
     m_tabs->setContextMenuPolicy(Qt::CustomContextMenu);
 
     auto* newTabButton = new QToolButton(this);
-    newTabButton->setObjectName(u"newTabButton"_qs);
-    newTabButton->setAccessibleName(u"New Tab"_qs);
-    newTabButton->setToolTip(u"New Tab (%1)"_qs.arg(newTab->shortcut().toString(QKeySequence::NativeText)));
-    newTabButton->setIcon(SymbolIcon::icon(u"plus"_qs));
+    newTabButton->setObjectName(QStringLiteral("newTabButton"));
+    newTabButton->setAccessibleName(QStringLiteral("New Tab"));
+    newTabButton->setToolTip(QStringLiteral("New Tab (%1)").arg(newTab->shortcut().toString(QKeySequence::NativeText)));
+    newTabButton->setIcon(SymbolIcon::icon(QStringLiteral("plus")));
     newTabButton->setAutoRaise(true);
     newTabButton->setFocusPolicy(Qt::TabFocus);
     connect(newTabButton, &QToolButton::clicked, newTab, &QAction::trigger);
@@ -107,10 +107,10 @@ void DocumentTabBar::addTab(QWidget* content) {
 
 QWidget* DocumentTabBar::makeCloseButton(QWidget* content) {
     auto* button = new QToolButton(m_tabs);
-    button->setObjectName(u"closeTab"_qs);
-    button->setAccessibleName(u"Close Tab"_qs);
-    button->setToolTip(u"Close Tab"_qs);
-    button->setIcon(SymbolIcon::icon(u"xmark"_qs));
+    button->setObjectName(QStringLiteral("closeTab"));
+    button->setAccessibleName(QStringLiteral("Close Tab"));
+    button->setToolTip(QStringLiteral("Close Tab"));
+    button->setIcon(SymbolIcon::icon(QStringLiteral("xmark")));
     button->setIconSize({closeSymbolSide, closeSymbolSide});
     button->setAutoRaise(true);
     // With the keyboard the command "Close" is nearer.
@@ -130,7 +130,7 @@ void DocumentTabBar::setCurrent(QWidget* content) {
 
 void DocumentTabBar::setTitle(QWidget* content, const QString& title, bool isEdited, const QString& toolTip) {
     const int tab = index(content);
-    const QString mark = isEdited ? u"• "_qs : QString();
+    const QString mark = isEdited ? QStringLiteral("• ") : QString();
     // "&" would mark a key.
     m_tabs->setTabText(tab, mark + QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
     m_tabs->setTabToolTip(tab, toolTip);

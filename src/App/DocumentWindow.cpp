@@ -50,7 +50,7 @@ DocumentWindow::DocumentWindow(WindowServices& services)
       m_slowSaves(new SlowSaves(services.controller, this)),
       m_chrome(new FullScreenChrome(
           *this, [this](bool shows) { showChrome(shows); }, [this] { return chromeHeight(); })) {
-    setObjectName(u"documentWindow"_qs);
+    setObjectName(QStringLiteral("documentWindow"));
     setAcceptDrops(true);
     setMinimumSize(480, 360);
     resize(rememberedSize(services.defaults, {1000, 720}));
@@ -68,7 +68,7 @@ DocumentWindow::DocumentWindow(WindowServices& services)
     connect(&m_sizeRest, &QTimer::timeout, this, [this] {
         // A window that is just becoming maximized has its new size before it says so.
         if (!isMaximized() && !isFullScreen())
-            m_services.defaults.setString(sizeKey(), u"%1x%2"_qs.arg(width()).arg(height()));
+            m_services.defaults.setString(sizeKey(), QStringLiteral("%1x%2").arg(width()).arg(height()));
     });
 
     connect(m_tabBar, &DocumentTabBar::currentChanged, this, &DocumentWindow::currentTabChanged);
@@ -176,7 +176,7 @@ void DocumentWindow::closeTab(QWidget* content) {
 void DocumentWindow::showTabMenu(QWidget* content, QPoint globalPosition) {
     m_tabBar->setCurrent(content);
     auto* menu = new QMenu(this);
-    menu->setObjectName(u"tabMenu"_qs);
+    menu->setObjectName(QStringLiteral("tabMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     for (QAction* action : m_menu->tabActions()) {
         if (action)
@@ -196,7 +196,7 @@ void DocumentWindow::showSaving(const Document& document, bool isSlow) {
         return;
     // As long as it takes, unless another message comes.
     constexpr std::chrono::hours untilItEnds{24};
-    const QString message = u"Saving…"_qs;
+    const QString message = QStringLiteral("Saving…");
     PassingNotice& notice = view->workspace()->notice();
     if (isSlow)
         notice.announce(message, untilItEnds);
@@ -216,7 +216,8 @@ void DocumentWindow::currentTabChanged() {
 }
 
 QString DocumentWindow::title(const Document& document) const {
-    return m_slowSaves->contains(document) ? document.displayName() + u" — Saving…"_qs : document.displayName();
+    return m_slowSaves->contains(document) ? document.displayName() + QStringLiteral(" — Saving…")
+                                           : document.displayName();
 }
 
 void DocumentWindow::updateTab(ContentView* view) {
@@ -230,7 +231,7 @@ void DocumentWindow::updateTab(ContentView* view) {
 
 void DocumentWindow::updateTitle() {
     const Document& document = *currentContentView()->document();
-    setWindowTitle(titleText(title(document)) + u"[*] — Quillo"_qs);
+    setWindowTitle(titleText(title(document)) + QStringLiteral("[*] — Quillo"));
     setWindowModified(document.isDocumentEdited());
 }
 
@@ -268,7 +269,7 @@ void DocumentWindow::showChrome(bool shows) {
             view->workspace()->setShowsToolbar(shows);
     const ContentView* view = currentContentView();
     if (!shows && view && view->workspace())
-        view->workspace()->notice().announce(u"Press Esc to leave the full screen"_qs);
+        view->workspace()->notice().announce(QStringLiteral("Press Esc to leave the full screen"));
 }
 
 int DocumentWindow::chromeHeight() const {

@@ -56,22 +56,23 @@ bool MainMenu::askEditor(const Action& action) {
 
 void MainMenu::makeMenus(AppActions& actions) {
     QMenuBar* bar = m_window.menuBar();
-    bar->setObjectName(u"menuBar"_qs);
+    bar->setObjectName(QStringLiteral("menuBar"));
 
-    QMenu* file = bar->addMenu(u"&File"_qs);
+    QMenu* file = bar->addMenu(QStringLiteral("&File"));
     file->addAction(actions.newTab);
     file->addAction(actions.open);
-    m_recentMenu = file->addMenu(u"Open &Recent"_qs);
-    m_recentMenu->setObjectName(u"openRecent"_qs);
+    m_recentMenu = file->addMenu(QStringLiteral("Open &Recent"));
+    m_recentMenu->setObjectName(QStringLiteral("openRecent"));
     file->addSeparator();
-    m_close = add(file, u"close"_qs, u"&Close"_qs, Qt::CTRL | Qt::Key_W, [this] { Q_EMIT closeRequested(); });
-    m_save =
-        add(file, u"save"_qs, u"&Save"_qs, Qt::CTRL | Qt::Key_S, [this] { m_controller.saveDocument(m_document); });
-    m_saveAs = add(file, u"saveAs"_qs, u"Save &As…"_qs, Qt::CTRL | Qt::SHIFT | Qt::Key_S,
+    m_close = add(file, QStringLiteral("close"), QStringLiteral("&Close"), Qt::CTRL | Qt::Key_W,
+                  [this] { Q_EMIT closeRequested(); });
+    m_save = add(file, QStringLiteral("save"), QStringLiteral("&Save"), Qt::CTRL | Qt::Key_S,
+                 [this] { m_controller.saveDocument(m_document); });
+    m_saveAs = add(file, QStringLiteral("saveAs"), QStringLiteral("Save &As…"), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
                    [this] { m_controller.saveDocumentAs(m_document); });
-    m_duplicate =
-        add(file, u"duplicate"_qs, u"&Duplicate"_qs, {}, [this] { m_controller.duplicateDocument(m_document); });
-    m_revert = add(file, u"revert"_qs, u"Re&vert to Saved…"_qs, {},
+    m_duplicate = add(file, QStringLiteral("duplicate"), QStringLiteral("&Duplicate"), {},
+                      [this] { m_controller.duplicateDocument(m_document); });
+    m_revert = add(file, QStringLiteral("revert"), QStringLiteral("Re&vert to Saved…"), {},
                    [this] { m_controller.revertDocument(std::shared_ptr<Document>(m_document)); });
     file->addSeparator();
     m_afterPrint = file->addSeparator();
@@ -79,27 +80,27 @@ void MainMenu::makeMenus(AppActions& actions) {
     m_fileMenu = file;
 
     m_settings = actions.settings;
-    m_editMenu = bar->addMenu(u"&Edit"_qs);
-    m_undo = add(m_editMenu, u"undo"_qs, u"&Undo"_qs, Qt::CTRL | Qt::Key_Z, [this] {
+    m_editMenu = bar->addMenu(QStringLiteral("&Edit"));
+    m_undo = add(m_editMenu, QStringLiteral("undo"), QStringLiteral("&Undo"), Qt::CTRL | Qt::Key_Z, [this] {
         if (!askEditor([](auto& editor) { editor.undo(); }))
             m_document->undoManager()->undo();
     });
-    m_redo = add(m_editMenu, u"redo"_qs, u"&Redo"_qs, Qt::CTRL | Qt::SHIFT | Qt::Key_Z, [this] {
+    m_redo = add(m_editMenu, QStringLiteral("redo"), QStringLiteral("&Redo"), Qt::CTRL | Qt::SHIFT | Qt::Key_Z, [this] {
         if (!askEditor([](auto& editor) { editor.redo(); }))
             m_document->undoManager()->redo();
     });
 
-    m_viewMenu = bar->addMenu(u"&View"_qs);
-    m_fullScreen = add(m_viewMenu, u"fullScreen"_qs, u"&Full Screen"_qs, Qt::Key_F11,
+    m_viewMenu = bar->addMenu(QStringLiteral("&View"));
+    m_fullScreen = add(m_viewMenu, QStringLiteral("fullScreen"), QStringLiteral("&Full Screen"), Qt::Key_F11,
                        [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); });
     m_fullScreen->setCheckable(true);
     connect(m_viewMenu, &QMenu::aboutToShow, this, [this] { m_fullScreen->setChecked(m_window.isFullScreen()); });
 
-    m_goMenu = bar->addMenu(u"&Go"_qs);
+    m_goMenu = bar->addMenu(QStringLiteral("&Go"));
 
-    m_toolsMenu = bar->addMenu(u"&Tools"_qs);
+    m_toolsMenu = bar->addMenu(QStringLiteral("&Tools"));
 
-    QMenu* help = bar->addMenu(u"&Help"_qs);
+    QMenu* help = bar->addMenu(QStringLiteral("&Help"));
     help->addAction(actions.makeDefault);
     help->addAction(actions.about);
 
@@ -121,7 +122,7 @@ void MainMenu::fillRecentMenu() {
     if (urls.isEmpty())
         return;
     m_recentMenu->addSeparator();
-    QAction* clear = m_recentMenu->addAction(u"Clear Recents"_qs);
+    QAction* clear = m_recentMenu->addAction(QStringLiteral("Clear Recents"));
     connect(clear, &QAction::triggered, &m_controller, &DocumentController::clearRecentDocuments);
 }
 

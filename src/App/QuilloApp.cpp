@@ -17,8 +17,8 @@
 #include <optional>
 
 QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
-    : m_defaults(UserDefaults::standardFilePath(u"Quillo"_qs, u"Quillo"_qs)), m_dialogs(std::move(dialogs)),
-      m_presenter(*m_dialogs),
+    : m_defaults(UserDefaults::standardFilePath(QStringLiteral("Quillo"), QStringLiteral("Quillo"))),
+      m_dialogs(std::move(dialogs)), m_presenter(*m_dialogs),
       m_controller([] { return std::make_shared<PDFEditorDocument>(); }, m_presenter, m_defaults),
       m_services{m_controller, m_defaults, m_actions, *m_dialogs},
       m_defaultHandler(m_defaults,
@@ -67,14 +67,14 @@ void QuilloApp::setFileDestinations() {
 void QuilloApp::refuseFile(const QUrl& url) {
     const QString name = url.fileName().isEmpty() ? url.toDisplayString() : url.fileName();
     const QFileInfo file(url.toLocalFile());
-    QString sentence = u"“%1” isn't a PDF. Quillo opens PDF files only so far."_qs;
+    QString sentence = QStringLiteral("“%1” isn't a PDF. Quillo opens PDF files only so far.");
     if (!url.isLocalFile())
-        sentence = u"“%1” isn't a file on this computer."_qs;
+        sentence = QStringLiteral("“%1” isn't a file on this computer.");
     else if (!file.exists())
-        sentence = u"There is no file “%1”."_qs;
+        sentence = QStringLiteral("There is no file “%1”.");
     else if (file.isDir())
-        sentence = u"“%1” is a folder."_qs;
-    m_presenter.presentError(u"“%1” can't be opened."_qs.arg(name), sentence.arg(name));
+        sentence = QStringLiteral("“%1” is a folder.");
+    m_presenter.presentError(QStringLiteral("“%1” can't be opened.").arg(name), sentence.arg(name));
 }
 
 void QuilloApp::launch(const QList<QUrl>& files) {
@@ -177,14 +177,15 @@ void QuilloApp::showOpenPanel() {
 
 void QuilloApp::showAbout() {
     auto* box = new QMessageBox(WindowPresenter::windowForQuestions());
-    box->setObjectName(u"about"_qs);
+    box->setObjectName(QStringLiteral("about"));
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowTitle(u"About Quillo"_qs);
+    box->setWindowTitle(QStringLiteral("About Quillo"));
     box->setIconPixmap(QApplication::windowIcon().pixmap(QSize(64, 64), box->devicePixelRatioF()));
-    box->setText(u"Quillo %1"_qs.arg(QCoreApplication::applicationVersion()));
-    box->setInformativeText(u"Highlight, draw, and ask AI about your PDFs.\n\nFree software under the GNU Affero "
-                            u"General Public License, version 3 or later."_qs);
-    box->addButton(u"OK"_qs, QMessageBox::AcceptRole);
+    box->setText(QStringLiteral("Quillo %1").arg(QCoreApplication::applicationVersion()));
+    box->setInformativeText(
+        QStringLiteral("Highlight, draw, and ask AI about your PDFs.\n\nFree software under the GNU Affero "
+                       "General Public License, version 3 or later."));
+    box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
     box->open();
 }
 
@@ -208,16 +209,16 @@ void QuilloApp::showSettings() {
 void QuilloApp::makeDefaultViewer() {
     m_defaultHandler.isDefault([this](bool isDefaultNow) {
         if (isDefaultNow) {
-            m_dialogs->presentMessage(WindowPresenter::windowForQuestions(), u"Quillo is your default"_qs,
-                                      u"PDFs open in Quillo already."_qs);
+            m_dialogs->presentMessage(WindowPresenter::windowForQuestions(), QStringLiteral("Quillo is your default"),
+                                      QStringLiteral("PDFs open in Quillo already."));
             return;
         }
         if (!m_dialogs->askToBecomeDefault(WindowPresenter::windowForQuestions()))
             return;
         m_defaultHandler.setAsDefault([this](bool succeeded) {
             if (!succeeded)
-                m_presenter.presentError(u"Quillo could not become your default PDF viewer."_qs,
-                                         u"The desktop did not accept the change."_qs);
+                m_presenter.presentError(QStringLiteral("Quillo could not become your default PDF viewer."),
+                                         QStringLiteral("The desktop did not accept the change."));
         });
     });
 }

@@ -17,31 +17,31 @@ static constexpr int listWidth = 420;
 
 UnsavedDocumentsDialog::UnsavedDocumentsDialog(const std::vector<Entry>& documents, QWidget* parent)
     : QDialog(parent), m_list(new QListWidget(this)) {
-    setObjectName(u"unsavedDocuments"_qs);
-    setWindowTitle(u"Quillo"_qs);
+    setObjectName(QStringLiteral("unsavedDocuments"));
+    setWindowTitle(QStringLiteral("Quillo"));
     setModal(true);
 
     auto* symbol = new QLabel(this);
-    symbol->setPixmap(SymbolIcon::pixmap(u"exclamationmark.triangle"_qs, symbolSide,
+    symbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("exclamationmark.triangle"), symbolSide,
                                          palette().color(QPalette::WindowText), devicePixelRatioF()));
-    auto* question =
-        new QLabel(u"%1 documents have unsaved changes. Which do you want to save?"_qs.arg(documents.size()), this);
+    auto* question = new QLabel(
+        QStringLiteral("%1 documents have unsaved changes. Which do you want to save?").arg(documents.size()), this);
     QFont bold = question->font();
     bold.setBold(true);
     question->setFont(bold);
     question->setWordWrap(true);
-    auto* consequence = new QLabel(u"The changes that you don't save are lost."_qs, this);
+    auto* consequence = new QLabel(QStringLiteral("The changes that you don't save are lost."), this);
     consequence->setWordWrap(true);
     fillList(documents);
 
     auto* buttons = new QDialogButtonBox(this);
-    m_save = buttons->addButton(u"Save"_qs, QDialogButtonBox::AcceptRole);
-    m_save->setObjectName(u"saveChecked"_qs);
+    m_save = buttons->addButton(QStringLiteral("Save"), QDialogButtonBox::AcceptRole);
+    m_save->setObjectName(QStringLiteral("saveChecked"));
     m_save->setDefault(true);
-    auto* discard = buttons->addButton(u"Discard All"_qs, QDialogButtonBox::DestructiveRole);
-    discard->setObjectName(u"discardAll"_qs);
-    auto* cancel = buttons->addButton(u"Cancel"_qs, QDialogButtonBox::RejectRole);
-    cancel->setObjectName(u"cancel"_qs);
+    auto* discard = buttons->addButton(QStringLiteral("Discard All"), QDialogButtonBox::DestructiveRole);
+    discard->setObjectName(QStringLiteral("discardAll"));
+    auto* cancel = buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
+    cancel->setObjectName(QStringLiteral("cancel"));
     for (QPushButton* button : {discard, cancel})
         button->setAutoDefault(false);
 
@@ -65,14 +65,14 @@ UnsavedDocumentsDialog::UnsavedDocumentsDialog(const std::vector<Entry>& documen
 UnsavedDocumentsDialog::~UnsavedDocumentsDialog() = default;
 
 void UnsavedDocumentsDialog::fillList(const std::vector<Entry>& documents) {
-    m_list->setObjectName(u"unsavedList"_qs);
-    m_list->setAccessibleName(u"Documents with unsaved changes"_qs);
+    m_list->setObjectName(QStringLiteral("unsavedList"));
+    m_list->setAccessibleName(QStringLiteral("Documents with unsaved changes"));
     m_list->setTextElideMode(Qt::ElideMiddle);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setMinimumWidth(listWidth);
     m_list->setSpacing(rowSpacing);
     for (const Entry& entry : documents) {
-        auto* item = new QListWidgetItem(u"%1 — %2"_qs.arg(entry.name, entry.place), m_list);
+        auto* item = new QListWidgetItem(QStringLiteral("%1 — %2").arg(entry.name, entry.place), m_list);
         item->setToolTip(entry.place);
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         item->setCheckState(Qt::Checked);
@@ -92,7 +92,7 @@ std::vector<bool> UnsavedDocumentsDialog::checked() const {
 void UnsavedDocumentsDialog::updateSaveButton() {
     const std::vector<bool> marks = checked();
     const auto count = std::count(marks.begin(), marks.end(), true);
-    m_save->setText(count == m_list->count() ? u"Save"_qs : u"Save Selected"_qs);
+    m_save->setText(count == m_list->count() ? QStringLiteral("Save") : QStringLiteral("Save Selected"));
     m_save->setEnabled(count > 0);
 }
 

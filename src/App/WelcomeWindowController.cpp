@@ -6,8 +6,8 @@
 
 WelcomeWindowController::WelcomeWindowController(WindowServices& services, QObject* parent)
     : QObject(parent), m_window(std::make_unique<QMainWindow>()) {
-    m_window->setObjectName(u"welcomeWindow"_qs);
-    m_window->setWindowTitle(u"Quillo"_qs);
+    m_window->setObjectName(QStringLiteral("welcomeWindow"));
+    m_window->setWindowTitle(QStringLiteral("Quillo"));
     m_window->resize(720, 560);
     m_window->setMinimumSize(480, 360);
     auto* menu = new MainMenu(*m_window, services.actions, services.controller);

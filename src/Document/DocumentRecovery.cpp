@@ -64,7 +64,7 @@ void DocumentRecovery::tellFailure(const RecoveryWriter& writer, const QString& 
     const bool isFirst = m_failing.empty();
     m_failing.insert(&writer);
     if (isFirst)
-        Q_EMIT writingFailed(u"Unsaved changes can't be kept safe from a crash now. "_qs + sentence);
+        Q_EMIT writingFailed(QStringLiteral("Unsaved changes can't be kept safe from a crash now. ") + sentence);
 }
 
 void DocumentRecovery::adopt(const Document& document, std::shared_ptr<RecoveryRecord> record) {

@@ -8,7 +8,8 @@
 
 /// Kinds of document that may be folders with a fixed inside.
 static const QStringList& packageExtensions() {
-    static const QStringList extensions{u"rtfd"_qs, u"pages"_qs, u"numbers"_qs, u"key"_qs};
+    static const QStringList extensions{QStringLiteral("rtfd"), QStringLiteral("pages"), QStringLiteral("numbers"),
+                                        QStringLiteral("key")};
     return extensions;
 }
 
@@ -29,20 +30,23 @@ void FileOpenRouter::setDestinations(Destinations destinations) {
 }
 
 const QStringList& FileOpenRouter::track1Extensions() {
-    static const QStringList extensions{u"rtf"_qs, u"rtfd"_qs, u"txt"_qs,  u"doc"_qs,  u"docx"_qs, u"html"_qs,
-                                        u"htm"_qs, u"md"_qs,   u"jpg"_qs,  u"jpeg"_qs, u"png"_qs,  u"heic"_qs,
-                                        u"gif"_qs, u"bmp"_qs,  u"tiff"_qs, u"tif"_qs};
+    static const QStringList extensions{
+        QStringLiteral("rtf"),  QStringLiteral("rtfd"), QStringLiteral("txt"),  QStringLiteral("doc"),
+        QStringLiteral("docx"), QStringLiteral("html"), QStringLiteral("htm"),  QStringLiteral("md"),
+        QStringLiteral("jpg"),  QStringLiteral("jpeg"), QStringLiteral("png"),  QStringLiteral("heic"),
+        QStringLiteral("gif"),  QStringLiteral("bmp"),  QStringLiteral("tiff"), QStringLiteral("tif")};
     return extensions;
 }
 
 const QStringList& FileOpenRouter::track2Extensions() {
-    static const QStringList extensions{u"xls"_qs,   u"xlsx"_qs,    u"ppt"_qs, u"pptx"_qs,
-                                        u"pages"_qs, u"numbers"_qs, u"key"_qs, u"epub"_qs};
+    static const QStringList extensions{QStringLiteral("xls"),  QStringLiteral("xlsx"),  QStringLiteral("ppt"),
+                                        QStringLiteral("pptx"), QStringLiteral("pages"), QStringLiteral("numbers"),
+                                        QStringLiteral("key"),  QStringLiteral("epub")};
     return extensions;
 }
 
 QStringList FileOpenRouter::allSupportedExtensions() {
-    return QStringList{u"pdf"_qs} + track1Extensions() + track2Extensions();
+    return QStringList{QStringLiteral("pdf")} + track1Extensions() + track2Extensions();
 }
 
 FileOpenRouter::Kind FileOpenRouter::classify(const QUrl& url) {
@@ -80,13 +84,14 @@ void FileOpenRouter::open(const QUrl& url) {
 static QString patterns(const QStringList& extensions) {
     QStringList patterns;
     for (const QString& extension : extensions)
-        patterns << u"*."_qs + extension << u"*."_qs + extension.toUpper();
+        patterns << QStringLiteral("*.") + extension << QStringLiteral("*.") + extension.toUpper();
     return patterns.join(u' ');
 }
 
 QStringList FileOpenRouter::nameFilters() {
-    return {u"All supported files (%1)"_qs.arg(patterns(allSupportedExtensions())),
-            u"PDF documents (%1)"_qs.arg(patterns({u"pdf"_qs})), u"All files (*)"_qs};
+    return {QStringLiteral("All supported files (%1)").arg(patterns(allSupportedExtensions())),
+            QStringLiteral("PDF documents (%1)").arg(patterns({QStringLiteral("pdf")})),
+            QStringLiteral("All files (*)")};
 }
 
 QStringList FileOpenRouter::allSupportedMimeTypes() {
@@ -94,7 +99,8 @@ QStringList FileOpenRouter::allSupportedMimeTypes() {
         const QMimeDatabase database;
         QStringList found;
         for (const QString& extension : allSupportedExtensions()) {
-            const QMimeType type = database.mimeTypeForFile(u"file."_qs + extension, QMimeDatabase::MatchExtension);
+            const QMimeType type =
+                database.mimeTypeForFile(QStringLiteral("file.") + extension, QMimeDatabase::MatchExtension);
             if (!type.isDefault())
                 found << type.name();
         }

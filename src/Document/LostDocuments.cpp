@@ -40,11 +40,11 @@ LostDocument::Original stateOfOriginal(const RecoveryDescription& description) {
 
 /// Empty for the name that any new document gets.
 QString untitledName(const RecoveryDescription& description, LostDocument::Original original) {
-    static const QRegularExpression usual(u"\\AUntitled(?: [0-9]+)?\\z"_qs);
+    static const QRegularExpression usual(QStringLiteral("\\AUntitled(?: [0-9]+)?\\z"));
     if (description.originalPath.isEmpty())
         return usual.match(description.displayName).hasMatch() ? QString() : description.displayName;
     const QString name = QFileInfo(description.originalPath).completeBaseName();
-    return original == LostDocument::Original::missing ? name : u"%1 (recovered)"_qs.arg(name);
+    return original == LostDocument::Original::missing ? name : QStringLiteral("%1 (recovered)").arg(name);
 }
 
 } // namespace
@@ -86,7 +86,7 @@ LostDocuments::Reading LostDocuments::read(const std::shared_ptr<RecoveryRecord>
     } catch (const FileError& error) {
         reading.error = error.sentence();
     } catch (const std::bad_alloc&) {
-        reading.error = u"There isn't enough memory."_qs;
+        reading.error = QStringLiteral("There isn't enough memory.");
     }
     return reading;
 }
@@ -100,7 +100,7 @@ void LostDocuments::finish(const Reading& reading, const Completion& completion)
         } catch (const PDFError& unreadable) {
             error = unreadable.sentence();
         } catch (const std::bad_alloc&) {
-            error = u"There isn't enough memory."_qs;
+            error = QStringLiteral("There isn't enough memory.");
         }
     }
     if (!document)

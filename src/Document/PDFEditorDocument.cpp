@@ -33,7 +33,7 @@ void PDFEditorDocument::setWasPasswordProtected(bool wasProtected) {
 
 QString PDFEditorDocument::openNotice() const {
     return m_pdfDocument->wasRepaired()
-               ? u"This file was damaged and has been repaired. Some of its content may be missing."_qs
+               ? QStringLiteral("This file was damaged and has been repaired. Some of its content may be missing.")
                : QString();
 }
 
@@ -56,7 +56,7 @@ static auto withDocumentErrors(Operation operation) {
     } catch (const PDFError& error) {
         throw documentError(error);
     } catch (const std::bad_alloc&) {
-        throw DocumentError(u"There is not enough free memory for this document."_qs);
+        throw DocumentError(QStringLiteral("There is not enough free memory for this document."));
     }
 }
 
@@ -79,7 +79,7 @@ private:
 
 void PDFEditorDocument::read(const QUrl& url) {
     if (!url.isLocalFile())
-        throw DocumentError(u"Only files on this computer can be opened."_qs);
+        throw DocumentError(QStringLiteral("Only files on this computer can be opened."));
     const auto pdfDocument = withDocumentErrors([&url] { return PDFDocument::fromFile(url.toLocalFile()); });
     const bool wasLocked = pdfDocument->isLocked();
     if (wasLocked && url == fileURL())
@@ -90,7 +90,7 @@ void PDFEditorDocument::read(const QUrl& url) {
 
 static void refuseLocked(const PDFDocument& pdfDocument) {
     if (pdfDocument.isLocked())
-        throw DocumentError(u"This PDF is locked. Unlock it with its password before saving it."_qs);
+        throw DocumentError(QStringLiteral("This PDF is locked. Unlock it with its password before saving it."));
 }
 
 QByteArray PDFEditorDocument::dataRepresentation() const {
@@ -105,5 +105,5 @@ std::shared_ptr<const DocumentSnapshot> PDFEditorDocument::snapshot() const {
 }
 
 QString PDFEditorDocument::fileNameExtension() const {
-    return u"pdf"_qs;
+    return QStringLiteral("pdf");
 }

@@ -123,7 +123,7 @@ std::unique_ptr<RecoveryRecord> RecoveryRecord::take(const QString& path) {
 }
 
 bool RecoveryRecord::isId(const QString& name) {
-    static const QRegularExpression pattern(u"\\A[0-9a-f]{32}\\z"_qs);
+    static const QRegularExpression pattern(QStringLiteral("\\A[0-9a-f]{32}\\z"));
     return pattern.match(name).hasMatch();
 }
 
@@ -174,11 +174,11 @@ void RecoveryRecord::write(const RecoveryDescription& description, const QByteAr
     next.description = description;
     try {
         const bool hasBase = m_manifest && base.constData() == m_base.constData() && base.size() == m_base.size();
-        next.base = hasBase ? m_manifest->base : writePart(u"base"_qs, base);
+        next.base = hasBase ? m_manifest->base : writePart(QStringLiteral("base"), base);
         if (!update.isEmpty()) {
             const auto& former = m_manifest ? m_manifest->update : std::nullopt;
             const bool hasUpdate = former && former->byteCount == update.size() && former->sha256 == sha256(update);
-            next.update = hasUpdate ? *former : writePart(u"update"_qs, update);
+            next.update = hasUpdate ? *former : writePart(QStringLiteral("update"), update);
         }
         writeUserOnly(filePath(manifestName), next.encoded());
     } catch (...) {
@@ -207,16 +207,16 @@ void RecoveryRecord::removeUnnamedFiles() const {
 QByteArray RecoveryRecord::readPart(const RecoveryManifest::Part& part) const {
     QFile file(filePath(part.fileName));
     if (!hasPart(part) || !file.open(QIODevice::ReadOnly))
-        throw FileError(u"A part of it is missing."_qs);
+        throw FileError(QStringLiteral("A part of it is missing."));
     QByteArray bytes = file.read(part.byteCount);
     if (sha256(bytes) != part.sha256)
-        throw FileError(u"It is damaged."_qs);
+        throw FileError(QStringLiteral("It is damaged."));
     return bytes;
 }
 
 QByteArray RecoveryRecord::bytes() {
     if (!m_manifest)
-        throw FileError(u"It is damaged."_qs);
+        throw FileError(QStringLiteral("It is damaged."));
     QByteArray bytes = readPart(m_manifest->base);
     if (m_manifest->update)
         bytes += readPart(*m_manifest->update);
@@ -229,7 +229,7 @@ void RecoveryRecord::setPicture(const QImage& picture) {
     writeFileAtomically(filePath(pictureName), [&picture](QFile& file) {
         file.setPermissions(userOnly);
         if (!picture.save(&file, "PNG"))
-            throw FileError(u"The picture couldn't be written."_qs);
+            throw FileError(QStringLiteral("The picture couldn't be written."));
     });
 }
 

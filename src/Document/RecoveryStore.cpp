@@ -22,8 +22,8 @@ bool isLeftover(const QString& name, const QDateTime& modified, const QDateTime&
 QString RecoveryStore::standardFolder() {
     QString state = qEnvironmentVariable("XDG_STATE_HOME");
     if (!QDir::isAbsolutePath(state)) // as the XDG base directories want it
-        state = QDir::homePath() + u"/.local/state"_qs;
-    return state + u"/quillo/recovery"_qs;
+        state = QDir::homePath() + QStringLiteral("/.local/state");
+    return state + QStringLiteral("/quillo/recovery");
 }
 
 std::vector<std::unique_ptr<RecoveryRecord>> RecoveryStore::takeLost(const QString& folder, const QDateTime& now) {

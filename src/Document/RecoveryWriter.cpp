@@ -150,7 +150,7 @@ void RecoveryWriter::write() {
             picture.emplace(*page, pictureSize);
     } catch (const std::exception&) { // no memory, most likely
         Outcome outcome;
-        outcome.error = u"There isn't enough memory."_qs;
+        outcome.error = QStringLiteral("There isn't enough memory.");
         ++m_writeCount;
         finish(outcome);
         return;
@@ -192,7 +192,7 @@ RecoveryWriter::Outcome RecoveryWriter::store(Slot& slot, const QString& folder,
     } catch (const PDFError& error) {
         outcome.error = error.sentence();
     } catch (const std::bad_alloc&) {
-        outcome.error = u"There isn't enough memory."_qs;
+        outcome.error = QStringLiteral("There isn't enough memory.");
     } catch (const std::exception& error) {
         outcome.error = QString::fromLocal8Bit(error.what());
     }

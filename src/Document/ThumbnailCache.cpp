@@ -32,7 +32,7 @@ QString ThumbnailCache::key(const PDFDocument& document, int page) {
 }
 
 QString ThumbnailCache::recentKey(const QString& path) {
-    return u"recent-"_qs + path;
+    return QStringLiteral("recent-") + path;
 }
 
 QImage ThumbnailCache::image(const QString& key) {

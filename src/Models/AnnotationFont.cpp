@@ -10,11 +10,11 @@
 std::span<const AnnotationFontInfo> allAnnotationFonts() {
     using enum AnnotationFont;
     static const AnnotationFontInfo fonts[] = {
-        {system, u"system"_qs, u"Sans"_qs},
-        {serif, u"serif"_qs, u"Serif"_qs},
-        {mono, u"mono"_qs, u"Mono"_qs},
-        {rounded, u"rounded"_qs, u"Rounded"_qs},
-        {marker, u"marker"_qs, u"Handwritten"_qs},
+        {system, QStringLiteral("system"), QStringLiteral("Sans")},
+        {serif, QStringLiteral("serif"), QStringLiteral("Serif")},
+        {mono, QStringLiteral("mono"), QStringLiteral("Mono")},
+        {rounded, QStringLiteral("rounded"), QStringLiteral("Rounded")},
+        {marker, QStringLiteral("marker"), QStringLiteral("Handwritten")},
     };
     return fonts;
 }
@@ -41,20 +41,21 @@ QFont platformFont(AnnotationFont font, double size, QFont::Weight weight) {
         break;
     case AnnotationFont::serif:
         // The font configuration of the desktop knows what its serif font is; the hint chooses one where it doesn't.
-        result.setFamilies({u"serif"_qs});
+        result.setFamilies({QStringLiteral("serif")});
         result.setStyleHint(QFont::Serif);
         break;
     case AnnotationFont::mono:
         result = QFontDatabase::systemFont(QFontDatabase::FixedFont);
         break;
     case AnnotationFont::rounded:
-        if (const QString family =
-                installedFamily({u"Nunito"_qs, u"Varela Round"_qs, u"Quicksand"_qs, u"Comfortaa"_qs});
+        if (const QString family = installedFamily({QStringLiteral("Nunito"), QStringLiteral("Varela Round"),
+                                                    QStringLiteral("Quicksand"), QStringLiteral("Comfortaa")});
             !family.isEmpty())
             result.setFamilies({family});
         break;
     case AnnotationFont::marker:
-        if (const QString family = installedFamily({u"Noteworthy"_qs, u"Comic Neue"_qs}); !family.isEmpty()) {
+        if (const QString family = installedFamily({QStringLiteral("Noteworthy"), QStringLiteral("Comic Neue")});
+            !family.isEmpty()) {
             result.setFamilies({family});
             weight = QFont::Bold; // the face is bold, whatever weight is asked for
         }

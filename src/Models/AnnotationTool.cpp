@@ -5,17 +5,21 @@
 std::span<const AnnotationToolInfo> allAnnotationTools() {
     using enum AnnotationTool;
     static const AnnotationToolInfo tools[] = {
-        {select, u"select"_qs, u"Select"_qs, u"cursorarrow"_qs, u"1"_qs},
-        {ink, u"ink"_qs, u"Draw"_qs, u"pencil.tip"_qs, u"2"_qs},
-        {rectangle, u"rectangle"_qs, u"Rectangle"_qs, u"rectangle"_qs, u"3"_qs},
-        {oval, u"oval"_qs, u"Oval"_qs, u"circle"_qs, u"4"_qs},
-        {line, u"line"_qs, u"Line"_qs, u"line.diagonal"_qs, u"5"_qs},
-        {textBox, u"textBox"_qs, u"Text Box"_qs, u"textformat"_qs, u"6"_qs},
-        {note, u"note"_qs, u"Note"_qs, u"note.text"_qs, u"7"_qs},
-        {eraser, u"eraser"_qs, u"Eraser"_qs, u"eraser"_qs, u"8"_qs},
-        {signature, u"signature"_qs, u"Sign"_qs, u"signature"_qs, u"9"_qs},
-        {redact, u"redact"_qs, u"Redact"_qs, u"eye.slash"_qs, u"r"_qs},
-        {form, u"form"_qs, u"Form Field"_qs, u"checklist"_qs, u"f"_qs},
+        {select, QStringLiteral("select"), QStringLiteral("Select"), QStringLiteral("cursorarrow"),
+         QStringLiteral("1")},
+        {ink, QStringLiteral("ink"), QStringLiteral("Draw"), QStringLiteral("pencil.tip"), QStringLiteral("2")},
+        {rectangle, QStringLiteral("rectangle"), QStringLiteral("Rectangle"), QStringLiteral("rectangle"),
+         QStringLiteral("3")},
+        {oval, QStringLiteral("oval"), QStringLiteral("Oval"), QStringLiteral("circle"), QStringLiteral("4")},
+        {line, QStringLiteral("line"), QStringLiteral("Line"), QStringLiteral("line.diagonal"), QStringLiteral("5")},
+        {textBox, QStringLiteral("textBox"), QStringLiteral("Text Box"), QStringLiteral("textformat"),
+         QStringLiteral("6")},
+        {note, QStringLiteral("note"), QStringLiteral("Note"), QStringLiteral("note.text"), QStringLiteral("7")},
+        {eraser, QStringLiteral("eraser"), QStringLiteral("Eraser"), QStringLiteral("eraser"), QStringLiteral("8")},
+        {signature, QStringLiteral("signature"), QStringLiteral("Sign"), QStringLiteral("signature"),
+         QStringLiteral("9")},
+        {redact, QStringLiteral("redact"), QStringLiteral("Redact"), QStringLiteral("eye.slash"), QStringLiteral("r")},
+        {form, QStringLiteral("form"), QStringLiteral("Form Field"), QStringLiteral("checklist"), QStringLiteral("f")},
     };
     return tools;
 }
@@ -29,5 +33,5 @@ std::optional<AnnotationTool> annotationToolFromRawValue(QStringView rawValue) {
 }
 
 QString helpText(AnnotationTool tool, const QString& shortcut) {
-    return u"%1 (%2)"_qs.arg(info(tool).label, shortcut);
+    return QStringLiteral("%1 (%2)").arg(info(tool).label, shortcut);
 }

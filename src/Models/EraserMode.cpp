@@ -4,8 +4,8 @@
 
 std::span<const EraserModeInfo> allEraserModes() {
     static const EraserModeInfo modes[] = {
-        {EraserMode::wholeStroke, u"wholeStroke"_qs, u"Line"_qs},
-        {EraserMode::precise, u"precise"_qs, u"Precise"_qs},
+        {EraserMode::wholeStroke, QStringLiteral("wholeStroke"), QStringLiteral("Line")},
+        {EraserMode::precise, QStringLiteral("precise"), QStringLiteral("Precise")},
     };
     return modes;
 }
@@ -19,5 +19,5 @@ std::optional<EraserMode> eraserModeFromRawValue(QStringView rawValue) {
 }
 
 QString eraserModeHelpText() {
-    return u"Line erases the whole stroke it touches; Precise erases only the part it passes over"_qs;
+    return QStringLiteral("Line erases the whole stroke it touches; Precise erases only the part it passes over");
 }

@@ -4,8 +4,8 @@
 
 std::span<const FormFieldModeInfo> allFormFieldModes() {
     static const FormFieldModeInfo modes[] = {
-        {FormFieldMode::text, u"text"_qs, u"Text Field"_qs},
-        {FormFieldMode::checkbox, u"checkbox"_qs, u"Checkbox"_qs},
+        {FormFieldMode::text, QStringLiteral("text"), QStringLiteral("Text Field")},
+        {FormFieldMode::checkbox, QStringLiteral("checkbox"), QStringLiteral("Checkbox")},
     };
     return modes;
 }
@@ -19,5 +19,5 @@ std::optional<FormFieldMode> formFieldModeFromRawValue(QStringView rawValue) {
 }
 
 QString formFieldModeHelpText() {
-    return u"Drag on the page to place this kind of form field"_qs;
+    return QStringLiteral("Drag on the page to place this kind of form field");
 }

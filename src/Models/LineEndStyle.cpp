@@ -6,12 +6,12 @@
 
 std::span<const LineEndStyleInfo> allLineEndStyles() {
     static const LineEndStyleInfo styles[] = {
-        {PDFLineStyle::none, u"Line"_qs},
-        {PDFLineStyle::closedArrow, u"Arrow"_qs},
-        {PDFLineStyle::openArrow, u"Open Arrow"_qs},
-        {PDFLineStyle::circle, u"Circle"_qs},
-        {PDFLineStyle::square, u"Square"_qs},
-        {PDFLineStyle::diamond, u"Diamond"_qs},
+        {PDFLineStyle::none, QStringLiteral("Line")},
+        {PDFLineStyle::closedArrow, QStringLiteral("Arrow")},
+        {PDFLineStyle::openArrow, QStringLiteral("Open Arrow")},
+        {PDFLineStyle::circle, QStringLiteral("Circle")},
+        {PDFLineStyle::square, QStringLiteral("Square")},
+        {PDFLineStyle::diamond, QStringLiteral("Diamond")},
     };
     return styles;
 }

@@ -6,10 +6,12 @@
 std::span<const MarkupActionInfo> allMarkupActions() {
     using enum MarkupAction;
     static const MarkupActionInfo actions[] = {
-        {highlight, u"highlight"_qs, u"Highlight"_qs, u"highlighter"_qs, u"h"_qs, PDFAnnotationSubtype::highlight},
-        {underline, u"underline"_qs, u"Underline"_qs, u"underline"_qs, u"u"_qs, PDFAnnotationSubtype::underline},
-        {strikethrough, u"strikethrough"_qs, u"Strikethrough"_qs, u"strikethrough"_qs, u"x"_qs,
-         PDFAnnotationSubtype::strikeOut},
+        {highlight, QStringLiteral("highlight"), QStringLiteral("Highlight"), QStringLiteral("highlighter"),
+         QStringLiteral("h"), PDFAnnotationSubtype::highlight},
+        {underline, QStringLiteral("underline"), QStringLiteral("Underline"), QStringLiteral("underline"),
+         QStringLiteral("u"), PDFAnnotationSubtype::underline},
+        {strikethrough, QStringLiteral("strikethrough"), QStringLiteral("Strikethrough"),
+         QStringLiteral("strikethrough"), QStringLiteral("x"), PDFAnnotationSubtype::strikeOut},
     };
     return actions;
 }
@@ -25,6 +27,7 @@ std::optional<MarkupAction> markupActionFromRawValue(QStringView rawValue) {
 QString helpText(MarkupAction action, const QString& shortcut) {
     const MarkupActionInfo& row = info(action);
     // One pattern for all actions, "underlineing" included.
-    return u"%1 selected text, or click with nothing selected to keep %2ing whatever you select next, "
-           "until you click it again (%3)"_qs.arg(row.title, row.rawValue, shortcut);
+    return QStringLiteral("%1 selected text, or click with nothing selected to keep %2ing whatever you select next, "
+                          "until you click it again (%3)")
+        .arg(row.title, row.rawValue, shortcut);
 }

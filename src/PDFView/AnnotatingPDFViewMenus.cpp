@@ -29,12 +29,14 @@ struct SelectionPrompt {
 
 const std::vector<SelectionPrompt>& selectionPrompts() {
     static const std::vector<SelectionPrompt> prompts = {
-        {u"Explain This"_qs, u"Explain this: "_qs, true},
-        {u"Summarize Selection"_qs, u"Summarize this: "_qs, true},
-        {u"Simplify / Plain English"_qs, u"Rewrite this in simple, plain English: "_qs, true},
-        {u"Extract Key Points"_qs, u"Extract the key points from this as a short bullet list: "_qs, true},
-        {u"Generate Study Questions"_qs, u"Write 3 short study questions based on this: "_qs, true},
-        {u"Translate…"_qs, u"Translate this to <language>: "_qs, false},
+        {QStringLiteral("Explain This"), QStringLiteral("Explain this: "), true},
+        {QStringLiteral("Summarize Selection"), QStringLiteral("Summarize this: "), true},
+        {QStringLiteral("Simplify / Plain English"), QStringLiteral("Rewrite this in simple, plain English: "), true},
+        {QStringLiteral("Extract Key Points"),
+         QStringLiteral("Extract the key points from this as a short bullet list: "), true},
+        {QStringLiteral("Generate Study Questions"), QStringLiteral("Write 3 short study questions based on this: "),
+         true},
+        {QStringLiteral("Translate…"), QStringLiteral("Translate this to <language>: "), false},
     };
     return prompts;
 }
@@ -47,9 +49,9 @@ QAction* addEntry(QMenu& menu, const QString& title, QObject* context, std::func
 }
 
 QMenu& addSubmenu(QMenu& menu) {
-    QMenu* const submenu = menu.addMenu(u"Ask AI"_qs);
-    submenu->setObjectName(u"askAIMenu"_qs);
-    submenu->setAccessibleName(u"Ask AI"_qs);
+    QMenu* const submenu = menu.addMenu(QStringLiteral("Ask AI"));
+    submenu->setObjectName(QStringLiteral("askAIMenu"));
+    submenu->setAccessibleName(QStringLiteral("Ask AI"));
     return *submenu;
 }
 
@@ -69,7 +71,7 @@ QCoro::Task<void> extractText(QPointer<AnnotatingPDFView> view, std::shared_ptr<
     if (isFound)
         QGuiApplication::clipboard()->setText(*text);
     if (view->onTextExtracted)
-        view->onTextExtracted(isFound ? *text : u"No text could be recognized on this page."_qs);
+        view->onTextExtracted(isFound ? *text : QStringLiteral("No text could be recognized on this page."));
 }
 
 } // namespace
@@ -88,7 +90,7 @@ std::unique_ptr<QMenu> AnnotatingPDFView::menu(QPointF viewPoint) {
 }
 
 std::unique_ptr<QMenu> AnnotatingPDFView::buildSelectionMenu() {
-    auto menu = makeMenu(this, u"selectionMenu"_qs, u"Selected text"_qs);
+    auto menu = makeMenu(this, QStringLiteral("selectionMenu"), QStringLiteral("Selected text"));
     for (const MarkupActionInfo& row : allMarkupActions()) {
         addEntry(*menu, row.title, this, [this, subtype = row.subtype] {
             applyMarkup(subtype);
@@ -114,21 +116,21 @@ void AnnotatingPDFView::addAskAIMenu(QMenu& menu) {
     for (const SelectionPrompt& prompt : selectionPrompts())
         addEntry(submenu, prompt.title, this, [ask, prompt] { ask(prompt.prefix, prompt.send); });
     submenu.addSeparator();
-    addEntry(submenu, u"Send to AI Assistant"_qs, this, [ask] { ask(QString(), false); });
+    addEntry(submenu, QStringLiteral("Send to AI Assistant"), this, [ask] { ask(QString(), false); });
 }
 
 std::unique_ptr<QMenu> AnnotatingPDFView::buildPageMenu(QPointF viewPoint, const std::shared_ptr<PDFPage>& page) {
-    auto menu = makeMenu(this, u"pageMenu"_qs, u"Page"_qs);
-    addEntry(*menu, u"Add Note Here"_qs, this, [this, viewPoint] { addNote(viewPoint); });
-    addEntry(*menu, u"Add Text Box Here"_qs, this, [this, viewPoint] {
+    auto menu = makeMenu(this, QStringLiteral("pageMenu"), QStringLiteral("Page"));
+    addEntry(*menu, QStringLiteral("Add Note Here"), this, [this, viewPoint] { addNote(viewPoint); });
+    addEntry(*menu, QStringLiteral("Add Text Box Here"), this, [this, viewPoint] {
         if (const std::shared_ptr<PDFPage> target = pageAt(viewPoint, true))
             m_textBoxEditor->start(viewPoint, target);
     });
     menu->addSeparator();
     QMenu& submenu = addSubmenu(*menu);
     if (onAskAI)
-        addEntry(submenu, u"Summarize This Page"_qs, this, [this, page] { askAIAboutPage(page); });
-    addEntry(submenu, u"Extract Text with AI (OCR)"_qs, this,
+        addEntry(submenu, QStringLiteral("Summarize This Page"), this, [this, page] { askAIAboutPage(page); });
+    addEntry(submenu, QStringLiteral("Extract Text with AI (OCR)"), this,
              [this, page] { extractText(this, page, m_closing.get_token()); });
     return menu;
 }
@@ -140,9 +142,12 @@ void AnnotatingPDFView::askAIAboutPage(const std::shared_ptr<PDFPage>& page) {
     const QString number = QString::number(index + 1);
     const QString text = page->string().trimmed();
     if (text.isEmpty())
-        onAskAI(u"Page %1 has no extractable text (it may be a scanned image). Let me know that directly rather than "
-                u"guessing its content."_qs.arg(number),
-                true);
+        onAskAI(
+            QStringLiteral(
+                "Page %1 has no extractable text (it may be a scanned image). Let me know that directly rather than "
+                "guessing its content.")
+                .arg(number),
+            true);
     else
-        onAskAI(u"Summarize page "_qs + number + u": “"_qs + text + u'”', true);
+        onAskAI(QStringLiteral("Summarize page ") + number + QStringLiteral(": “") + text + u'”', true);
 }

@@ -12,7 +12,7 @@ std::shared_ptr<PDFAnnotation> FormFieldPlacer::makeAnnotation(FormFieldMode mod
     QColor background = Palette::systemBlue;
     background.setAlphaF(0.08F);
     field->setBackgroundColor(background);
-    field->setFieldName(u"%1_%2"_qs.arg(info(mode).rawValue).arg(nextFormNumber++));
+    field->setFieldName(QStringLiteral("%1_%2").arg(info(mode).rawValue).arg(nextFormNumber++));
     if (mode == FormFieldMode::text) {
         field->setWidgetFieldType(PDFWidgetFieldType::text);
     } else {

@@ -24,7 +24,7 @@ void NoteEditor::start(const std::shared_ptr<NoteAnnotation>& note, const std::s
     m_note = note;
     m_isNew = isNew;
 
-    InlineFreeTextEditor& paper = open(page, u"noteEditor"_qs, u"Note"_qs);
+    InlineFreeTextEditor& paper = open(page, QStringLiteral("noteEditor"), QStringLiteral("Note"));
     paper.setFont(
         InlineFreeTextEditor::screenFont(platformFont(AnnotationFont::marker, fontSize, QFont::Medium), 1, view()));
     paper.setColors(NoteAnnotation::ink, NoteAnnotation::paperCream);

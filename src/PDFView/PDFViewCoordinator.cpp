@@ -73,7 +73,7 @@ void PDFViewCoordinator::updatePageIndicator() {
         return;
     }
     const int index = document->index(page.get());
-    publish(u"%1 of %2"_qs.arg(index + 1).arg(document->pageCount()), index);
+    publish(QStringLiteral("%1 of %2").arg(index + 1).arg(document->pageCount()), index);
     if (!m_fileURL.isEmpty())
         RecentPageStore::setPageIndex(m_defaults, index, m_fileURL);
 }

@@ -96,7 +96,7 @@ void PageTextEditor::start(const QRectF& lineBounds, const QString& lineText, co
     m_cover = std::make_shared<TextCoverAnnotation>(covered);
     page->addAnnotation(m_cover);
 
-    InlineFreeTextEditor& line = open(page, u"pageTextEditor"_qs, u"Line of text"_qs);
+    InlineFreeTextEditor& line = open(page, QStringLiteral("pageTextEditor"), QStringLiteral("Line of text"));
     line.setColors(m_foreground, Qt::transparent);
     line.setPlainText(lineText);
     show();

@@ -27,7 +27,7 @@ class Handle : public QWidget {
 public:
     explicit Handle(QWidget* parent) : QWidget(parent) {
         setAttribute(Qt::WA_TransparentForMouseEvents);
-        setObjectName(u"textBoxHandle"_qs);
+        setObjectName(QStringLiteral("textBoxHandle"));
         resize(handleSize, handleSize);
     }
 
@@ -60,7 +60,7 @@ void TextBoxEditor::start(QPointF viewPoint, const std::shared_ptr<PDFPage>& pag
     m_height = std::ceil(InlineFreeTextEditor::defaultLineHeight(font, view())) + 2 * textInset.y();
     m_corner = view().convertToPage(QPointF(viewPoint.toPoint()), *page);
 
-    InlineFreeTextEditor& box = open(page, u"textBoxEditor"_qs, u"Text box"_qs);
+    InlineFreeTextEditor& box = open(page, QStringLiteral("textBoxEditor"), QStringLiteral("Text box"));
     box.setFont(font);
     box.setColors(state->color(), Qt::transparent);
     connect(&box, &QTextEdit::textChanged, this, &TextBoxEditor::resize);

@@ -16,17 +16,17 @@
 static constexpr double greetingSize = 1.8; // of the usual font
 
 AssistantBubbleList::AssistantBubbleList(QWidget* parent)
-    : QAbstractScrollArea(parent), m_greeting(new QLabel(u"Hi "_qs + u"there"_qs, viewport())),
+    : QAbstractScrollArea(parent), m_greeting(new QLabel(QStringLiteral("Hi ") + QStringLiteral("there"), viewport())),
       m_scroll(new QVariantAnimation(this)) {
-    setObjectName(u"assistantConversation"_qs);
-    setAccessibleName(u"Conversation"_qs);
+    setObjectName(QStringLiteral("assistantConversation"));
+    setAccessibleName(QStringLiteral("Conversation"));
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::TabFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setBackgroundRole(QPalette::Window);
     verticalScrollBar()->setSingleStep(fontMetrics().lineSpacing());
 
-    m_greeting->setObjectName(u"greeting"_qs);
+    m_greeting->setObjectName(QStringLiteral("greeting"));
     QFont font = m_greeting->font();
     font.setPointSizeF(font.pointSizeF() * greetingSize);
     font.setWeight(QFont::DemiBold);

@@ -24,10 +24,10 @@ static constexpr qreal cornerRadius = 14;
 AssistantInputArea::AssistantInputArea(std::shared_ptr<AssistantViewModel> viewModel, QWidget* parent)
     : QWidget(parent), m_viewModel(std::move(viewModel)), m_quickPrompts(makeQuickPrompts()), m_box(new QWidget),
       m_chip(new AttachmentChip), m_field(new MessageField) {
-    setObjectName(u"assistantInput"_qs);
-    m_field->setObjectName(u"message"_qs);
-    m_field->setAccessibleName(u"Message"_qs);
-    m_field->setPlaceholderText(u"Message Assistant..."_qs);
+    setObjectName(QStringLiteral("assistantInput"));
+    m_field->setObjectName(QStringLiteral("message"));
+    m_field->setAccessibleName(QStringLiteral("Message"));
+    m_field->setPlaceholderText(QStringLiteral("Message Assistant..."));
     m_field->viewport()->setAutoFillBackground(false);
     m_field->onReturn = [this] {
         if (!canSubmit())
@@ -78,8 +78,10 @@ QWidget* AssistantInputArea::makeQuickPrompts() {
         QString label;
         QString prompt;
     } entries[] = {
-        {u"summarizePage"_qs, u"Create a summary of this page"_qs, u"Summarize this page"_qs},
-        {u"expandOnTopic"_qs, u"Expand on this topic"_qs, u"Expand on this topic"_qs},
+        {QStringLiteral("summarizePage"), QStringLiteral("Create a summary of this page"),
+         QStringLiteral("Summarize this page")},
+        {QStringLiteral("expandOnTopic"), QStringLiteral("Expand on this topic"),
+         QStringLiteral("Expand on this topic")},
     };
     auto* prompts = new QWidget;
     auto* layout = new QVBoxLayout(prompts);
@@ -100,9 +102,9 @@ QWidget* AssistantInputArea::makeQuickPrompts() {
 }
 
 QWidget* AssistantInputArea::makeButtonRow() {
-    auto* attach = new QAction(SymbolIcon::icon(u"paperclip"_qs), QString(), this);
-    attach->setObjectName(u"attachFile"_qs);
-    attach->setToolTip(u"Add PDF or Text Attachment"_qs);
+    auto* attach = new QAction(SymbolIcon::icon(QStringLiteral("paperclip")), QString(), this);
+    attach->setObjectName(QStringLiteral("attachFile"));
+    attach->setToolTip(QStringLiteral("Add PDF or Text Attachment"));
     connect(attach, &QAction::triggered, m_viewModel.get(), &AssistantViewModel::attachFile);
     auto* attachButton = new ToolbarButton(attach);
     attachButton->setIconSize({symbolSide, symbolSide});
@@ -123,15 +125,15 @@ QWidget* AssistantInputArea::makeButtonRow() {
 
 QToolButton* AssistantInputArea::makeModelMenu() {
     auto* button = new ToolbarButton;
-    button->setObjectName(u"modelMenuButton"_qs);
-    button->setToolTip(u"Model"_qs);
+    button->setObjectName(QStringLiteral("modelMenuButton"));
+    button->setToolTip(QStringLiteral("Model"));
     button->setPopupMode(QToolButton::InstantPopup);
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    button->setIcon(SymbolIcon::icon(u"chevron.down"_qs));
+    button->setIcon(SymbolIcon::icon(QStringLiteral("chevron.down")));
     button->setIconSize({12, 12});
     auto* menu = new QMenu(button);
-    menu->setObjectName(u"modelMenu"_qs);
-    menu->setAccessibleName(u"Model"_qs);
+    menu->setObjectName(QStringLiteral("modelMenu"));
+    menu->setAccessibleName(QStringLiteral("Model"));
     auto* group = new QActionGroup(menu);
     for (const AIModelPreferenceInfo& row : allAIModelPreferences()) {
         QAction* action = menu->addAction(row.rawValue);
@@ -176,7 +178,7 @@ void AssistantInputArea::updateAttachment() {
 void AssistantInputArea::updateModel() {
     const QString title = info(m_viewModel->modelPreference()).rawValue;
     m_model->setText(title);
-    m_model->setAccessibleName(u"Model: "_qs + title);
+    m_model->setAccessibleName(QStringLiteral("Model: ") + title);
     m_model->findChild<QAction*>(title)->setChecked(true);
 }
 

@@ -34,8 +34,8 @@ static void chooseFile(QWidget* panel, const QStringList& nameFilters,
 AssistantPanel::AssistantPanel(std::shared_ptr<AssistantViewModel> viewModel, QWidget* parent)
     : QWidget(parent), m_viewModel(std::move(viewModel)), m_list(new AssistantBubbleList),
       m_input(new AssistantInputArea(m_viewModel)) {
-    setObjectName(u"assistantPanel"_qs);
-    setAccessibleName(u"Assistant"_qs);
+    setObjectName(QStringLiteral("assistantPanel"));
+    setAccessibleName(QStringLiteral("Assistant"));
     setFocusProxy(m_input);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -80,17 +80,17 @@ QWidget* AssistantPanel::makeHeader() {
         layout->addWidget(button);
         return button;
     };
-    m_sidebarButton =
-        addButton(u"toggleSidebar"_qs, u"sidebar.left"_qs, u"Toggle Page Sidebar"_qs, [this] { m_onToggleSidebar(); });
+    m_sidebarButton = addButton(QStringLiteral("toggleSidebar"), QStringLiteral("sidebar.left"),
+                                QStringLiteral("Toggle Page Sidebar"), [this] { m_onToggleSidebar(); });
     m_sidebarButton->hide();
-    addButton(u"newConversation"_qs, u"square.and.pencil"_qs, u"New Conversation"_qs,
-              [this] { m_viewModel->startNewConversation(); });
-    m_historyButton =
-        addButton(u"chatHistory"_qs, u"clock.arrow.circlepath"_qs, u"Chat History"_qs, [this] { showHistory(); });
+    addButton(QStringLiteral("newConversation"), QStringLiteral("square.and.pencil"),
+              QStringLiteral("New Conversation"), [this] { m_viewModel->startNewConversation(); });
+    m_historyButton = addButton(QStringLiteral("chatHistory"), QStringLiteral("clock.arrow.circlepath"),
+                                QStringLiteral("Chat History"), [this] { showHistory(); });
     layout->addStretch(1);
-    addButton(u"assistantSettings"_qs, u"gearshape"_qs, u"AI Assistant Settings…"_qs,
-              [this] { Q_EMIT settingsRequested(); });
-    addButton(u"closeAssistant"_qs, u"xmark"_qs, u"Close Assistant"_qs, [this] {
+    addButton(QStringLiteral("assistantSettings"), QStringLiteral("gearshape"),
+              QStringLiteral("AI Assistant Settings…"), [this] { Q_EMIT settingsRequested(); });
+    addButton(QStringLiteral("closeAssistant"), QStringLiteral("xmark"), QStringLiteral("Close Assistant"), [this] {
         if (onClose)
             onClose();
     });

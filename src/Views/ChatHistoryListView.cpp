@@ -17,19 +17,19 @@ static constexpr int margin = 12;
 static constexpr int mostVisibleRows = 7;
 
 ChatHistoryListView::ChatHistoryListView(std::shared_ptr<AssistantViewModel> viewModel, QWidget* parent)
-    : QFrame(parent, Qt::Popup), m_viewModel(std::move(viewModel)), m_none(new QLabel(u"No saved chats yet."_qs)),
-      m_scrollArea(new QScrollArea) {
-    setObjectName(u"chatHistory"_qs);
-    setAccessibleName(u"Chats"_qs);
+    : QFrame(parent, Qt::Popup), m_viewModel(std::move(viewModel)),
+      m_none(new QLabel(QStringLiteral("No saved chats yet."))), m_scrollArea(new QScrollArea) {
+    setObjectName(QStringLiteral("chatHistory"));
+    setAccessibleName(QStringLiteral("Chats"));
     setFrameShape(QFrame::StyledPanel);
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_NoMouseReplay);
-    auto* heading = new QLabel(u"Chats"_qs);
+    auto* heading = new QLabel(QStringLiteral("Chats"));
     QFont font = heading->font();
     font.setBold(true);
     heading->setFont(font);
-    m_none->setObjectName(u"noChats"_qs);
-    m_scrollArea->setObjectName(u"chatRows"_qs);
+    m_none->setObjectName(QStringLiteral("noChats"));
+    m_scrollArea->setObjectName(QStringLiteral("chatRows"));
     m_scrollArea->setFrameShape(QFrame::NoFrame);
     m_scrollArea->setFocusPolicy(Qt::NoFocus);
     m_scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

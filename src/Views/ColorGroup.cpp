@@ -12,7 +12,8 @@
 /// The names of `Palette::annotationPresets`, for those who can't see them.
 static const QString& presetName(std::size_t index) {
     static const std::array<QString, Palette::annotationPresets.size()> names = {
-        u"Amber"_qs, u"Red"_qs, u"Blue"_qs, u"Green"_qs, u"Purple"_qs, u"Black"_qs};
+        QStringLiteral("Amber"), QStringLiteral("Red"),    QStringLiteral("Blue"),
+        QStringLiteral("Green"), QStringLiteral("Purple"), QStringLiteral("Black")};
     return names[index];
 }
 
@@ -38,10 +39,10 @@ static QIcon colorWellIcon(const QColor& color, qreal devicePixelRatio) {
 }
 
 ColorGroup::ColorGroup(std::shared_ptr<ToolState> toolState, QWidget* parent)
-    : ToolbarGroup(u"Color"_qs, 1, parent), m_toolState(std::move(toolState)) {
+    : ToolbarGroup(QStringLiteral("Color"), 1, parent), m_toolState(std::move(toolState)) {
     for (std::size_t i = 0; i < Palette::annotationPresets.size(); ++i) {
         auto* swatch = new ColorSwatch(Palette::annotationPresets[i], presetName(i));
-        swatch->setToolTip(u"Marker color presets"_qs);
+        swatch->setToolTip(QStringLiteral("Marker color presets"));
         connect(swatch, &ColorSwatch::clicked, this, [this, swatch] {
             m_toolState->setColor(swatch->color());
             showColor();
@@ -49,9 +50,9 @@ ColorGroup::ColorGroup(std::shared_ptr<ToolState> toolState, QWidget* parent)
         m_swatches.push_back(swatch);
         addWidget(swatch);
     }
-    m_customColor = new QAction(u"Custom Color"_qs, this);
-    m_customColor->setObjectName(u"customColor"_qs);
-    m_customColor->setToolTip(u"Custom marker color"_qs);
+    m_customColor = new QAction(QStringLiteral("Custom Color"), this);
+    m_customColor->setObjectName(QStringLiteral("customColor"));
+    m_customColor->setToolTip(QStringLiteral("Custom marker color"));
     connect(m_customColor, &QAction::triggered, this, &ColorGroup::chooseCustomColor);
     addButton(m_customColor);
     connect(m_toolState.get(), &ToolState::colorChanged, this, &ColorGroup::showColor);
@@ -68,7 +69,7 @@ void ColorGroup::showColor() {
 
 void ColorGroup::chooseCustomColor() {
     auto* dialog = new QColorDialog(m_toolState->color(), window());
-    dialog->setObjectName(u"customColorDialog"_qs);
+    dialog->setObjectName(QStringLiteral("customColorDialog"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QColorDialog::colorSelected, m_toolState.get(), &ToolState::setColor);
     dialog->open();

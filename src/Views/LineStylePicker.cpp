@@ -15,8 +15,8 @@ static constexpr qreal cornerRadius = 10;
 
 LineStylePicker::LineStylePicker(std::shared_ptr<ToolState> toolState, QWidget* container)
     : QFrame(container), m_toolState(std::move(toolState)), m_tiles(new QButtonGroup(this)) {
-    setObjectName(u"lineStylePicker"_qs);
-    setAccessibleName(u"Line end styles"_qs);
+    setObjectName(QStringLiteral("lineStylePicker"));
+    setAccessibleName(QStringLiteral("Line end styles"));
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->setSpacing(2);

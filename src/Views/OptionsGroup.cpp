@@ -15,7 +15,7 @@
 static constexpr int spacing = 6;
 
 OptionsGroup::OptionsGroup(std::shared_ptr<ToolState> toolState, QWidget* parent)
-    : ToolbarGroup(u"Options"_qs, spacing, parent), m_toolState(std::move(toolState)),
+    : ToolbarGroup(QStringLiteral("Options"), spacing, parent), m_toolState(std::move(toolState)),
       m_colors(new ColorGroup(m_toolState)) {
     addWidget(m_colors);
     makeFontGroup();
@@ -32,9 +32,9 @@ OptionsGroup::~OptionsGroup() = default;
 
 void OptionsGroup::makeFontGroup() {
     auto* font = new QComboBox;
-    font->setObjectName(u"fontChoice"_qs);
-    font->setAccessibleName(u"Text box font"_qs);
-    font->setToolTip(u"Text box font"_qs);
+    font->setObjectName(QStringLiteral("fontChoice"));
+    font->setAccessibleName(QStringLiteral("Text box font"));
+    font->setToolTip(QStringLiteral("Text box font"));
     for (const AnnotationFontInfo& info : allAnnotationFonts()) {
         font->addItem(info.title);
         font->setItemData(static_cast<int>(info.font), platformFont(info.font, font->font().pointSizeF()),
@@ -46,23 +46,23 @@ void OptionsGroup::makeFontGroup() {
     connect(m_toolState.get(), &ToolState::fontChoiceChanged, font, showFont);
     showFont();
 
-    auto* size = new PointSizeField({8, 48, 1}, u"Text box font size"_qs);
-    size->setObjectName(u"fontSize"_qs);
+    auto* size = new PointSizeField({8, 48, 1}, QStringLiteral("Text box font size"));
+    size->setObjectName(QStringLiteral("fontSize"));
     connect(size, &PointSizeField::committed, m_toolState.get(), &ToolState::setFontSize);
     const auto showSize = [this, size] { size->setValue(m_toolState->fontSize()); };
     connect(m_toolState.get(), &ToolState::fontSizeChanged, size, showSize);
     showSize();
 
-    m_fontGroup = new ToolbarGroup(u"Font"_qs, spacing);
+    m_fontGroup = new ToolbarGroup(QStringLiteral("Font"), spacing);
     m_fontGroup->addWidget(font);
     m_fontGroup->addWidget(size);
     addWidget(m_fontGroup);
 }
 
 void OptionsGroup::makeStrokeWidth() {
-    m_strokeWidth = new PointSizeField({1, 30, 1}, u"Stroke width"_qs);
-    m_strokeWidth->setObjectName(u"strokeWidth"_qs);
-    m_strokeWidth->setSymbol(u"lineweight"_qs);
+    m_strokeWidth = new PointSizeField({1, 30, 1}, QStringLiteral("Stroke width"));
+    m_strokeWidth->setObjectName(QStringLiteral("strokeWidth"));
+    m_strokeWidth->setSymbol(QStringLiteral("lineweight"));
     connect(m_strokeWidth, &PointSizeField::committed, m_toolState.get(), &ToolState::setLineWidth);
     const auto showWidth = [this] { m_strokeWidth->setValue(m_toolState->lineWidth()); };
     connect(m_toolState.get(), &ToolState::lineWidthChanged, m_strokeWidth, showWidth);
@@ -72,9 +72,9 @@ void OptionsGroup::makeStrokeWidth() {
 
 void OptionsGroup::makeLineEndButton() {
     m_lineEnd = new ToolbarButton;
-    m_lineEnd->setObjectName(u"lineEndStyleButton"_qs);
-    m_lineEnd->setAccessibleName(u"Line end style"_qs);
-    m_lineEnd->setToolTip(u"Line end style"_qs);
+    m_lineEnd->setObjectName(QStringLiteral("lineEndStyleButton"));
+    m_lineEnd->setAccessibleName(QStringLiteral("Line end style"));
+    m_lineEnd->setToolTip(QStringLiteral("Line end style"));
     m_lineEnd->setIconSize(LineStylePreview::size);
     connect(m_lineEnd, &ToolbarButton::clicked, this, [this] { Q_EMIT lineEndStylesRequested(m_lineEnd); });
     connect(m_toolState.get(), &ToolState::lineEndStyleChanged, this, &OptionsGroup::showLineEndStyle);
@@ -88,9 +88,9 @@ void OptionsGroup::showLineEndStyle() {
 }
 
 void OptionsGroup::makeEraserGroup() {
-    auto* size = new PointSizeField({4, 100, 2}, u"Eraser size"_qs);
-    size->setObjectName(u"eraserSize"_qs);
-    size->setSymbol(u"circle"_qs);
+    auto* size = new PointSizeField({4, 100, 2}, QStringLiteral("Eraser size"));
+    size->setObjectName(QStringLiteral("eraserSize"));
+    size->setSymbol(QStringLiteral("circle"));
     connect(size, &PointSizeField::committed, m_toolState.get(), &ToolState::setEraserSize);
     const auto showSize = [this, size] { size->setValue(m_toolState->eraserSize()); };
     connect(m_toolState.get(), &ToolState::eraserSizeChanged, size, showSize);
@@ -99,15 +99,15 @@ void OptionsGroup::makeEraserGroup() {
     QStringList titles;
     for (const EraserModeInfo& info : allEraserModes())
         titles << info.title;
-    auto* mode = new SegmentedChoice(u"Eraser mode"_qs, eraserModeHelpText(), titles);
-    mode->setObjectName(u"eraserMode"_qs);
+    auto* mode = new SegmentedChoice(QStringLiteral("Eraser mode"), eraserModeHelpText(), titles);
+    mode->setObjectName(QStringLiteral("eraserMode"));
     connect(mode, &SegmentedChoice::chosen, m_toolState.get(),
             [this](int index) { m_toolState->setEraserMode(static_cast<EraserMode>(index)); });
     const auto showMode = [this, mode] { mode->setCurrent(static_cast<int>(m_toolState->eraserMode())); };
     connect(m_toolState.get(), &ToolState::eraserModeChanged, mode, showMode);
     showMode();
 
-    m_eraserGroup = new ToolbarGroup(u"Eraser"_qs, spacing);
+    m_eraserGroup = new ToolbarGroup(QStringLiteral("Eraser"), spacing);
     m_eraserGroup->addWidget(size);
     m_eraserGroup->addWidget(mode);
     addWidget(m_eraserGroup);
@@ -117,8 +117,8 @@ void OptionsGroup::makeFormGroup() {
     QStringList titles;
     for (const FormFieldModeInfo& info : allFormFieldModes())
         titles << info.title;
-    m_formGroup = new SegmentedChoice(u"Kind of form field"_qs, formFieldModeHelpText(), titles);
-    m_formGroup->setObjectName(u"formFieldMode"_qs);
+    m_formGroup = new SegmentedChoice(QStringLiteral("Kind of form field"), formFieldModeHelpText(), titles);
+    m_formGroup->setObjectName(QStringLiteral("formFieldMode"));
     connect(m_formGroup, &SegmentedChoice::chosen, m_toolState.get(),
             [this](int index) { m_toolState->setFormFieldMode(static_cast<FormFieldMode>(index)); });
     const auto showMode = [this] { m_formGroup->setCurrent(static_cast<int>(m_toolState->formFieldMode())); };

@@ -39,7 +39,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     : QWidget(parent), m_document(std::move(document)), m_toolState(std::move(toolState)),
       m_coordinator(new PDFViewCoordinator(defaults, this)), m_defaults(defaults),
       m_assistantDock(new AssistantDock([this] { return makeAssistantPanel(); })) {
-    setObjectName(u"workspace"_qs);
+    setObjectName(QStringLiteral("workspace"));
     auto* viewerArea = new QWidget(this);
     PDFKitRepresentedView representation;
     representation.toolState = m_toolState;
@@ -50,7 +50,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     representation.onTextExtracted = [this](const QString& text) { handleExtractedText(text); };
     representation.undoManager = m_document->undoManager();
     m_pdfView = representation.makeView(viewerArea);
-    m_pdfView->setObjectName(u"viewer"_qs);
+    m_pdfView->setObjectName(QStringLiteral("viewer"));
     m_pdfView->setFrameShape(QFrame::NoFrame);
     m_actions = new WorkspaceActions(m_pdfView, m_toolState, this);
     m_notice = new PassingNotice(viewerArea);
@@ -117,7 +117,7 @@ void PDFEditorWorkspaceView::selectTool(AnnotationTool tool) {
     m_toolState->setTool(tool);
     m_toolState->setActiveMarkupMode(std::nullopt);
     m_toolState->setTextEditingModeEnabled(false);
-    m_notice->announce(u"Switched to %1 Tool"_qs.arg(info(tool).label));
+    m_notice->announce(QStringLiteral("Switched to %1 Tool").arg(info(tool).label));
     if (tool == AnnotationTool::signature)
         (new SignaturePickerView(m_toolState->signatureStore(), this))->popUp(*m_toolbar->toolButton(tool));
 }
@@ -128,7 +128,7 @@ void PDFEditorWorkspaceView::toggleTextEditingMode() {
         return;
     m_toolState->setTool(AnnotationTool::select);
     m_toolState->setActiveMarkupMode(std::nullopt);
-    m_notice->announce(u"Editing Mode — click any line of text to edit it"_qs);
+    m_notice->announce(QStringLiteral("Editing Mode — click any line of text to edit it"));
 }
 
 void PDFEditorWorkspaceView::toggleMarkup(MarkupAction action) {
@@ -177,7 +177,7 @@ void PDFEditorWorkspaceView::setShowsAssistant(bool shows) {
 
 void PDFEditorWorkspaceView::handleExtractedText(const QString& text) {
     setShowsAssistant(true);
-    assistant()->appendAssistantTurn(u"Extracted text:\n\n"_qs + text);
+    assistant()->appendAssistantTurn(QStringLiteral("Extracted text:\n\n") + text);
 }
 
 void PDFEditorWorkspaceView::askAI(const QString& prompt, bool send) {
@@ -194,8 +194,8 @@ void PDFEditorWorkspaceView::openNewDocument() {
 void PDFEditorWorkspaceView::print() {
     m_document->commitEditing();
     const auto failed = [this](const QString& title, const QString& sentence) {
-        auto* box = new QMessageBox(QMessageBox::Warning, u"Print"_qs, title, QMessageBox::Ok, window());
-        box->setObjectName(u"printFailure"_qs);
+        auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Print"), title, QMessageBox::Ok, window());
+        box->setObjectName(QStringLiteral("printFailure"));
         box->setInformativeText(sentence);
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->open();

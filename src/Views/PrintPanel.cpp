@@ -38,7 +38,7 @@ Composed compose(const PrintCopy& copy, const QString& path) {
     } catch (const FileError& error) {
         return {{}, error.sentence()};
     } catch (const std::bad_alloc&) {
-        return {{}, u"There isn't enough memory."_qs};
+        return {{}, QStringLiteral("There isn't enough memory.")};
     }
 }
 
@@ -72,10 +72,10 @@ PrintPanel::PrintPanel(std::shared_ptr<PDFDocument> document, QString documentNa
       m_currentPage(currentPage), m_messages(std::move(messages)),
       m_printer(std::make_unique<QPrinter>(QPrinter::HighResolution)),
       m_dialog(new QPrintDialog(m_printer.get(), parent ? parent->window() : nullptr)),
-      m_annotations(new QCheckBox(u"Print &annotations"_qs)) {
+      m_annotations(new QCheckBox(QStringLiteral("Print &annotations"))) {
     m_printer->setDocName(m_documentName);
-    m_dialog->setObjectName(u"printDialog"_qs);
-    m_dialog->setWindowTitle(u"Print “%1”"_qs.arg(m_documentName));
+    m_dialog->setObjectName(QStringLiteral("printDialog"));
+    m_dialog->setWindowTitle(QStringLiteral("Print “%1”").arg(m_documentName));
     m_dialog->setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
                          QAbstractPrintDialog::PrintCurrentPage | QAbstractPrintDialog::PrintCollateCopies |
                          QAbstractPrintDialog::PrintShowPageSize);
@@ -83,10 +83,11 @@ PrintPanel::PrintPanel(std::shared_ptr<PDFDocument> document, QString documentNa
     m_dialog->setFromTo(1, m_document->pageCount());
 
     auto* content = new QWidget;
-    content->setWindowTitle(u"Content"_qs);
-    m_annotations->setObjectName(u"printsAnnotations"_qs);
-    m_annotations->setToolTip(u"Notes, highlights and all else that was put onto the pages. Filled forms are "
-                              "always printed."_qs);
+    content->setWindowTitle(QStringLiteral("Content"));
+    m_annotations->setObjectName(QStringLiteral("printsAnnotations"));
+    m_annotations->setToolTip(
+        QStringLiteral("Notes, highlights and all else that was put onto the pages. Filled forms are "
+                       "always printed."));
     m_annotations->setChecked(true);
     auto* layout = new QVBoxLayout(content);
     layout->addWidget(m_annotations);
@@ -124,7 +125,7 @@ std::vector<int> PrintPanel::pages(const QPrinter& printer, int pageCount, int c
         add(1, pageCount);
         break;
     }
-    const QString set = serviceOption(printer, u"page-set"_qs);
+    const QString set = serviceOption(printer, QStringLiteral("page-set"));
     if (set == QLatin1String("odd") || set == QLatin1String("even")) {
         const int odd = set == QLatin1String("odd") ? 1 : 0;
         std::erase_if(pages, [odd](int page) { return (page + 1) % 2 != odd; });
@@ -140,24 +141,24 @@ QList<std::pair<QString, QString>> PrintPanel::options(const QPrinter& printer) 
         options.append({QLatin1String(name), value});
     };
     add("media", QPageSize::key(printer.pageLayout().pageSize().id()));
-    add("print-scaling", u"auto-fit"_qs); // a page that is too large for the paper is made to fit
+    add("print-scaling", QStringLiteral("auto-fit")); // a page that is too large for the paper is made to fit
     switch (printer.duplex()) {
     case QPrinter::DuplexNone:
-        add("sides", u"one-sided"_qs);
+        add("sides", QStringLiteral("one-sided"));
         break;
     case QPrinter::DuplexLongSide:
-        add("sides", u"two-sided-long-edge"_qs);
+        add("sides", QStringLiteral("two-sided-long-edge"));
         break;
     case QPrinter::DuplexShortSide:
-        add("sides", u"two-sided-short-edge"_qs);
+        add("sides", QStringLiteral("two-sided-short-edge"));
         break;
     case QPrinter::DuplexAuto:
         break;
     }
     if (printer.colorMode() == QPrinter::GrayScale)
-        add("print-color-mode", u"monochrome"_qs);
+        add("print-color-mode", QStringLiteral("monochrome"));
     if (printer.copyCount() > 1)
-        add("Collate", printer.collateCopies() ? u"true"_qs : u"false"_qs);
+        add("Collate", printer.collateCopies() ? QStringLiteral("true") : QStringLiteral("false"));
     const QStringList more = serviceOptions(printer);
     for (qsizetype i = 0; i + 1 < more.size(); i += 2) {
         const QString& name = more[i];
@@ -171,7 +172,7 @@ QList<std::pair<QString, QString>> PrintPanel::options(const QPrinter& printer) 
 void PrintPanel::print() {
     const std::vector<int> chosen = pages(*m_printer, m_document->pageCount(), m_currentPage);
     if (chosen.empty()) {
-        finish(u"None of its pages is in that range."_qs);
+        finish(QStringLiteral("None of its pages is in that range."));
         return;
     }
     try {
@@ -203,10 +204,10 @@ void PrintPanel::send(const QByteArray& pdf) {
 void PrintPanel::finish(const QString& failure) {
     const QString path = m_printer->outputFileName();
     if (!failure.isEmpty())
-        m_messages.failed(u"“%1” couldn't be printed."_qs.arg(m_documentName), failure);
+        m_messages.failed(QStringLiteral("“%1” couldn't be printed.").arg(m_documentName), failure);
     else if (path.isEmpty())
-        m_messages.done(u"Sent to “%1”"_qs.arg(m_printer->printerName()));
+        m_messages.done(QStringLiteral("Sent to “%1”").arg(m_printer->printerName()));
     else
-        m_messages.done(u"Printed to “%1”"_qs.arg(QFileInfo(path).fileName()));
+        m_messages.done(QStringLiteral("Printed to “%1”").arg(QFileInfo(path).fileName()));
     deleteLater();
 }

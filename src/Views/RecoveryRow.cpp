@@ -20,23 +20,23 @@ namespace {
 /// Where the document was.
 QString placeText(const LostDocument& document) {
     if (document.original == LostDocument::Original::none)
-        return u"It has never been saved."_qs;
+        return QStringLiteral("It has never been saved.");
     return QDir::toNativeSeparators(QFileInfo(document.description.originalPath).path());
 }
 
 QString factsText(const RecoveryDescription& description, const QDateTime& now) {
     const QString time = RelativeDateTimeFormatter::localizedString(description.writeTime, now);
     const int count = description.pageCount;
-    return count == 1 ? u"%1 · 1 page"_qs.arg(time) : u"%1 · %2 pages"_qs.arg(time).arg(count);
+    return count == 1 ? QStringLiteral("%1 · 1 page").arg(time) : QStringLiteral("%1 · %2 pages").arg(time).arg(count);
 }
 
 /// What the reader should know before recovering it; empty for nothing.
 QString noticeText(LostDocument::Original original) {
     switch (original) {
     case LostDocument::Original::changed:
-        return u"The file has changed since. This opens as a new document."_qs;
+        return QStringLiteral("The file has changed since. This opens as a new document.");
     case LostDocument::Original::missing:
-        return u"The file is gone. This opens as a new document."_qs;
+        return QStringLiteral("The file is gone. This opens as a new document.");
     case LostDocument::Original::none:
     case LostDocument::Original::unchanged:
         break;
@@ -48,19 +48,20 @@ QString noticeText(LostDocument::Original original) {
 
 RecoveryRow::RecoveryRow(const LostDocument& document, const QDateTime& now, QWidget* parent)
     : QFrame(parent), m_document(document), m_picture(new QLabel), m_notice(new QWidget), m_noticeSymbol(new QLabel),
-      m_noticeText(new QLabel), m_recover(new QPushButton(u"Recover"_qs)), m_delete(new QPushButton(u"Delete"_qs)) {
+      m_noticeText(new QLabel), m_recover(new QPushButton(QStringLiteral("Recover"))),
+      m_delete(new QPushButton(QStringLiteral("Delete"))) {
     const QString& name = m_document.description.displayName;
-    setObjectName(u"recoveryRow"_qs);
+    setObjectName(QStringLiteral("recoveryRow"));
     setAccessibleName(name);
-    m_picture->setObjectName(u"picture"_qs);
+    m_picture->setObjectName(QStringLiteral("picture"));
     m_picture->setFixedSize(pictureArea);
     m_picture->setAlignment(Qt::AlignCenter);
     showPicture();
 
-    m_recover->setObjectName(u"recover"_qs);
-    m_recover->setAccessibleName(u"Recover “%1”"_qs.arg(name));
-    m_delete->setObjectName(u"delete"_qs);
-    m_delete->setAccessibleName(u"Delete “%1”"_qs.arg(name));
+    m_recover->setObjectName(QStringLiteral("recover"));
+    m_recover->setAccessibleName(QStringLiteral("Recover “%1”").arg(name));
+    m_delete->setObjectName(QStringLiteral("delete"));
+    m_delete->setAccessibleName(QStringLiteral("Delete “%1”").arg(name));
     for (QPushButton* button : {m_recover, m_delete})
         button->setAutoDefault(false);
     connect(m_recover, &QPushButton::clicked, this, &RecoveryRow::recoverRequested);
@@ -79,14 +80,14 @@ RecoveryRow::~RecoveryRow() = default;
 
 QWidget* RecoveryRow::makeTexts(const QDateTime& now) {
     auto* name = new ElidedLabel(m_document.description.displayName);
-    name->setObjectName(u"name"_qs);
+    name->setObjectName(QStringLiteral("name"));
     QFont bold = name->font();
     bold.setWeight(QFont::DemiBold);
     name->setFont(bold);
     auto* place = new ElidedLabel(placeText(m_document));
-    place->setObjectName(u"place"_qs);
+    place->setObjectName(QStringLiteral("place"));
     auto* facts = new ElidedLabel(factsText(m_document.description, now));
-    facts->setObjectName(u"facts"_qs);
+    facts->setObjectName(QStringLiteral("facts"));
     makeNotice();
     setNotice(noticeText(m_document.original));
 
@@ -102,7 +103,7 @@ QWidget* RecoveryRow::makeTexts(const QDateTime& now) {
 }
 
 void RecoveryRow::makeNotice() {
-    m_noticeText->setObjectName(u"notice"_qs);
+    m_noticeText->setObjectName(QStringLiteral("notice"));
     m_noticeText->setTextFormat(Qt::PlainText);
     m_noticeText->setWordWrap(true);
     auto* layout = new QHBoxLayout(m_notice);
@@ -120,7 +121,7 @@ void RecoveryRow::setNotice(const QString& text) {
 }
 
 void RecoveryRow::showNoticeSymbol() {
-    m_noticeSymbol->setPixmap(SymbolIcon::pixmap(u"exclamationmark.triangle"_qs, fontMetrics().height(),
+    m_noticeSymbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("exclamationmark.triangle"), fontMetrics().height(),
                                                  palette().color(QPalette::WindowText), devicePixelRatioF()));
 }
 
@@ -156,7 +157,7 @@ void RecoveryRow::setBusy(bool busy) {
 void RecoveryRow::setFailure(const QString& sentence) {
     m_hasFailed = true;
     m_isBusy = false;
-    setNotice(u"It can't be recovered. "_qs + sentence);
+    setNotice(QStringLiteral("It can't be recovered. ") + sentence);
     updateButtons();
 }
 

@@ -17,10 +17,10 @@ static constexpr int mostVisibleRows = 4;
 static constexpr int margin = 20;
 
 RecoveryWindow::RecoveryWindow(const std::vector<LostDocument>& documents, QWidget* parent)
-    : QDialog(parent), m_recoverAll(new QPushButton(u"Recover All"_qs)),
-      m_deleteAll(new QPushButton(u"Delete All"_qs)) {
-    setObjectName(u"recoveryWindow"_qs);
-    setWindowTitle(u"Recover Documents — Quillo"_qs);
+    : QDialog(parent), m_recoverAll(new QPushButton(QStringLiteral("Recover All"))),
+      m_deleteAll(new QPushButton(QStringLiteral("Delete All"))) {
+    setObjectName(QStringLiteral("recoveryWindow"));
+    setWindowTitle(QStringLiteral("Recover Documents — Quillo"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->setSpacing(14);
@@ -34,13 +34,14 @@ RecoveryWindow::RecoveryWindow(const std::vector<LostDocument>& documents, QWidg
 RecoveryWindow::~RecoveryWindow() = default;
 
 QWidget* RecoveryWindow::makeHeader() const {
-    auto* heading = new QLabel(u"Quillo ended before these changes were saved"_qs);
+    auto* heading = new QLabel(QStringLiteral("Quillo ended before these changes were saved"));
     QFont font = heading->font();
     font.setPointSizeF(font.pointSizeF() * 1.25);
     font.setWeight(QFont::DemiBold);
     heading->setFont(font);
-    auto* line = new QLabel(u"Recover the documents to go on with them. What you leave here is offered again at the "
-                            u"next start."_qs);
+    auto* line = new QLabel(
+        QStringLiteral("Recover the documents to go on with them. What you leave here is offered again at the "
+                       "next start."));
     line->setWordWrap(true);
     auto* header = new QWidget;
     auto* layout = new QVBoxLayout(header);
@@ -67,8 +68,8 @@ QWidget* RecoveryWindow::makeList(const std::vector<LostDocument>& documents) {
     column->addStretch();
 
     auto* area = new QScrollArea;
-    area->setObjectName(u"lostDocuments"_qs);
-    area->setAccessibleName(u"Documents with unsaved changes"_qs);
+    area->setObjectName(QStringLiteral("lostDocuments"));
+    area->setAccessibleName(QStringLiteral("Documents with unsaved changes"));
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setWidget(content);
@@ -80,7 +81,7 @@ QWidget* RecoveryWindow::makeList(const std::vector<LostDocument>& documents) {
 }
 
 QWidget* RecoveryWindow::makeButtons() {
-    auto* later = new QPushButton(u"Not Now"_qs);
+    auto* later = new QPushButton(QStringLiteral("Not Now"));
     const struct {
         QPushButton* button;
         const char* name;
@@ -132,20 +133,21 @@ void RecoveryWindow::recoverAll() {
 
 void RecoveryWindow::askToDelete(const QStringList& ids) {
     auto* question = new QMessageBox(this);
-    question->setObjectName(u"deleteQuestion"_qs);
+    question->setObjectName(QStringLiteral("deleteQuestion"));
     question->setAttribute(Qt::WA_DeleteOnClose);
-    question->setWindowTitle(u"Quillo"_qs);
-    question->setIconPixmap(SymbolIcon::pixmap(u"exclamationmark.triangle"_qs, 44,
+    question->setWindowTitle(QStringLiteral("Quillo"));
+    question->setIconPixmap(SymbolIcon::pixmap(QStringLiteral("exclamationmark.triangle"), 44,
                                                palette().color(QPalette::WindowText), devicePixelRatioF()));
     question->setTextFormat(Qt::PlainText); // file names may hold what looks like markup
-    question->setText(ids.size() == 1 ? u"Delete the unsaved changes to “%1”?"_qs.arg(
-                                            row(ids.constFirst())->document().description.displayName)
-                                      : u"Delete the unsaved changes to all %1 documents?"_qs.arg(ids.size()));
-    question->setInformativeText(u"They can't be recovered afterwards. Saved files stay as they are."_qs);
-    QPushButton* remove = question->addButton(u"Delete"_qs, QMessageBox::DestructiveRole);
-    QPushButton* cancel = question->addButton(u"Cancel"_qs, QMessageBox::RejectRole);
-    remove->setObjectName(u"confirmDelete"_qs);
-    cancel->setObjectName(u"cancelDelete"_qs);
+    question->setText(ids.size() == 1
+                          ? QStringLiteral("Delete the unsaved changes to “%1”?")
+                                .arg(row(ids.constFirst())->document().description.displayName)
+                          : QStringLiteral("Delete the unsaved changes to all %1 documents?").arg(ids.size()));
+    question->setInformativeText(QStringLiteral("They can't be recovered afterwards. Saved files stay as they are."));
+    QPushButton* remove = question->addButton(QStringLiteral("Delete"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = question->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    remove->setObjectName(QStringLiteral("confirmDelete"));
+    cancel->setObjectName(QStringLiteral("cancelDelete"));
     question->setDefaultButton(cancel);
     question->setEscapeButton(cancel);
     connect(remove, &QPushButton::clicked, this, [this, ids] {

@@ -15,7 +15,7 @@ static constexpr int symbolSide = 16;
 static constexpr int buttonSide = 28;
 
 ReplyActionRow::ReplyActionRow(const QString& text, QWidget* parent) : QWidget(parent), m_text(text) {
-    setObjectName(u"replyActions"_qs);
+    setObjectName(QStringLiteral("replyActions"));
     const struct {
         QString name;
         QString symbolName;
@@ -23,18 +23,35 @@ ReplyActionRow::ReplyActionRow(const QString& text, QWidget* parent) : QWidget(p
         void (ReplyActionRow::*operation)(); ///< null for what is not collected yet
         QString label;
     } entries[] = {
-        {u"helpful"_qs, u"hand.thumbsup"_qs, u"Helpful"_qs, nullptr, {}},
-        {u"notHelpful"_qs, u"hand.thumbsdown"_qs, u"Not helpful"_qs, nullptr, {}},
-        {u"shareResponse"_qs, u"square.and.arrow.up"_qs, u"Share response"_qs, &ReplyActionRow::share, {}},
-        {u"copyResponse"_qs, u"doc.on.doc"_qs, u"Copy to clipboard"_qs, &ReplyActionRow::copy, {}},
-        {u"readAloud"_qs, u"speaker.wave.2"_qs, u"Read aloud"_qs, &ReplyActionRow::readAloud, {}},
-        {u"regenerate"_qs, u"arrow.clockwise"_qs, u"Regenerate response"_qs, &ReplyActionRow::regenerateRequested, {}},
-        {u"editInAPage"_qs, u"square.and.pencil"_qs, u"Copy and edit response in a new document"_qs,
-         &ReplyActionRow::copy, u"Edit in a page"_qs},
+        {QStringLiteral("helpful"), QStringLiteral("hand.thumbsup"), QStringLiteral("Helpful"), nullptr, {}},
+        {QStringLiteral("notHelpful"), QStringLiteral("hand.thumbsdown"), QStringLiteral("Not helpful"), nullptr, {}},
+        {QStringLiteral("shareResponse"),
+         QStringLiteral("square.and.arrow.up"),
+         QStringLiteral("Share response"),
+         &ReplyActionRow::share,
+         {}},
+        {QStringLiteral("copyResponse"),
+         QStringLiteral("doc.on.doc"),
+         QStringLiteral("Copy to clipboard"),
+         &ReplyActionRow::copy,
+         {}},
+        {QStringLiteral("readAloud"),
+         QStringLiteral("speaker.wave.2"),
+         QStringLiteral("Read aloud"),
+         &ReplyActionRow::readAloud,
+         {}},
+        {QStringLiteral("regenerate"),
+         QStringLiteral("arrow.clockwise"),
+         QStringLiteral("Regenerate response"),
+         &ReplyActionRow::regenerateRequested,
+         {}},
+        {QStringLiteral("editInAPage"), QStringLiteral("square.and.pencil"),
+         QStringLiteral("Copy and edit response in a new document"), &ReplyActionRow::copy,
+         QStringLiteral("Edit in a page")},
     };
     auto* layout = new ToolbarLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto* symbols = new ToolbarGroup(u"Reply"_qs);
+    auto* symbols = new ToolbarGroup(QStringLiteral("Reply"));
     for (const auto& entry : entries) {
         auto* action = new QAction(SymbolIcon::icon(entry.symbolName), entry.label, this);
         action->setObjectName(entry.name);
@@ -71,5 +88,6 @@ void ReplyActionRow::copy() {
 
 void ReplyActionRow::readAloud() {
     if (!SpeechSynthesizer::speakToTheEnd(m_text))
-        Q_EMIT noticeRequested(u"Reading aloud needs the desktop’s speech service, which isn’t available."_qs);
+        Q_EMIT noticeRequested(
+            QStringLiteral("Reading aloud needs the desktop’s speech service, which isn’t available."));
 }

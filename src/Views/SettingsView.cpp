@@ -40,11 +40,11 @@ static QLabel* makeNote(const QString& text) {
 
 SettingsView::SettingsView(UserDefaults& defaults, DefaultViewer defaultViewer, QWidget* parent)
     : QDialog(parent), m_defaults(defaults), m_defaultViewer(std::move(defaultViewer)), m_apiURL(new QLineEdit),
-      m_apiKey(new QLineEdit), m_setAsDefaultButton(new QPushButton(u"Set as Default"_qs)),
-      m_isDefault(new SymbolLabel), m_refusal(new QLabel(u"The desktop did not accept the change."_qs)),
+      m_apiKey(new QLineEdit), m_setAsDefaultButton(new QPushButton(QStringLiteral("Set as Default"))),
+      m_isDefault(new SymbolLabel), m_refusal(new QLabel(QStringLiteral("The desktop did not accept the change."))),
       m_status(new SymbolLabel), m_saved(new SymbolLabel) {
-    setObjectName(u"settings"_qs);
-    setWindowTitle(u"Settings"_qs);
+    setObjectName(QStringLiteral("settings"));
+    setWindowTitle(QStringLiteral("Settings"));
     auto* line = new QFrame;
     line->setFrameShape(QFrame::HLine);
     line->setFrameShadow(QFrame::Sunken);
@@ -74,20 +74,21 @@ SettingsView::SettingsView(UserDefaults& defaults, DefaultViewer defaultViewer, 
 SettingsView::~SettingsView() = default;
 
 QWidget* SettingsView::makeGeneralSection() {
-    m_setAsDefaultButton->setObjectName(u"setAsDefault"_qs);
+    m_setAsDefaultButton->setObjectName(QStringLiteral("setAsDefault"));
     m_setAsDefaultButton->setAccessibleName(m_setAsDefaultButton->text());
     m_setAsDefaultButton->setAutoDefault(false);
     m_setAsDefaultButton->setEnabled(m_defaultViewer.canBeSet && m_defaultViewer.setAsDefault);
     if (!m_setAsDefaultButton->isEnabled())
-        m_setAsDefaultButton->setToolTip(u"Quillo has to be installed for this, on a desktop that lets it."_qs);
+        m_setAsDefaultButton->setToolTip(
+            QStringLiteral("Quillo has to be installed for this, on a desktop that lets it."));
     connect(m_setAsDefaultButton, &QPushButton::clicked, this, &SettingsView::setAsDefault);
-    m_isDefault->setObjectName(u"isDefault"_qs);
-    m_isDefault->setContent(u"checkmark.circle.fill"_qs, u"Quillo is your default"_qs, success);
-    m_refusal->setObjectName(u"defaultRefused"_qs);
+    m_isDefault->setObjectName(QStringLiteral("isDefault"));
+    m_isDefault->setContent(QStringLiteral("checkmark.circle.fill"), QStringLiteral("Quillo is your default"), success);
+    m_refusal->setObjectName(QStringLiteral("defaultRefused"));
     m_refusal->hide();
 
     auto* row = new QHBoxLayout;
-    row->addWidget(new QLabel(u"Default PDF Viewer"_qs));
+    row->addWidget(new QLabel(QStringLiteral("Default PDF Viewer")));
     row->addStretch(1);
     row->addWidget(m_refusal);
     row->addWidget(m_isDefault);
@@ -96,10 +97,10 @@ QWidget* SettingsView::makeGeneralSection() {
     auto* layout = new QVBoxLayout(section);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(10);
-    layout->addWidget(makeHeading(u"GENERAL"_qs));
+    layout->addWidget(makeHeading(QStringLiteral("GENERAL")));
     layout->addLayout(row);
-    layout->addWidget(
-        makeNote(u"Makes PDFs open in Quillo automatically when double-clicked in Finder, Mail, or anywhere else."_qs));
+    layout->addWidget(makeNote(QStringLiteral(
+        "Makes PDFs open in Quillo automatically when double-clicked in Finder, Mail, or anywhere else.")));
     return section;
 }
 
@@ -110,12 +111,12 @@ QWidget* SettingsView::makeAssistantSection() {
     const auto addField = [form](const QString& label, const QString& name, QLineEdit* field) {
         field->setObjectName(name);
         field->setAccessibleName(label);
-        field->setPlaceholderText(u"Enter %1..."_qs.arg(label));
+        field->setPlaceholderText(QStringLiteral("Enter %1...").arg(label));
         field->setMinimumWidth(fieldWidth);
         form->addRow(label, field);
     };
-    addField(u"API URL"_qs, u"apiURL"_qs, m_apiURL);
-    addField(u"API Key"_qs, u"apiKey"_qs, m_apiKey);
+    addField(QStringLiteral("API URL"), QStringLiteral("apiURL"), m_apiURL);
+    addField(QStringLiteral("API Key"), QStringLiteral("apiKey"), m_apiKey);
     m_apiKey->setEchoMode(QLineEdit::Password);
 
     auto* buttons = new QHBoxLayout;
@@ -129,26 +130,27 @@ QWidget* SettingsView::makeAssistantSection() {
         buttons->addWidget(button);
         return button;
     };
-    addButton(u"Save"_qs, u"save"_qs, &SettingsView::save)->setDefault(true);
-    addButton(u"Use Quillo's AI"_qs, u"useBuiltInAI"_qs, &SettingsView::useBuiltInAI)->setAutoDefault(false);
-    m_saved->setObjectName(u"saved"_qs);
-    m_saved->setContent(u"checkmark"_qs, u"Saved"_qs, success);
+    addButton(QStringLiteral("Save"), QStringLiteral("save"), &SettingsView::save)->setDefault(true);
+    addButton(QStringLiteral("Use Quillo's AI"), QStringLiteral("useBuiltInAI"), &SettingsView::useBuiltInAI)
+        ->setAutoDefault(false);
+    m_saved->setObjectName(QStringLiteral("saved"));
+    m_saved->setContent(QStringLiteral("checkmark"), QStringLiteral("Saved"), success);
     buttons->addWidget(m_saved);
     buttons->addStretch(1);
     form->addRow(QString(), buttons);
-    m_status->setObjectName(u"status"_qs);
-    form->addRow(u"Status"_qs, m_status);
+    m_status->setObjectName(QStringLiteral("status"));
+    form->addRow(QStringLiteral("Status"), m_status);
 
     auto* section = new QWidget;
     auto* layout = new QVBoxLayout(section);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(10);
-    layout->addWidget(makeHeading(u"AI ASSISTANT"_qs));
+    layout->addWidget(makeHeading(QStringLiteral("AI ASSISTANT")));
     layout->addLayout(form);
-    layout->addWidget(
-        makeNote(u"By default, the Ask panel uses Quillo's built-in AI (routed through our server — we never see your "
-                 u"own API key because you don't need one). Add your own Ollama Cloud or Groq key instead if you'd "
-                 u"rather call the provider directly."_qs));
+    layout->addWidget(makeNote(QStringLiteral(
+        "By default, the Ask panel uses Quillo's built-in AI (routed through our server — we never see your "
+        "own API key because you don't need one). Add your own Ollama Cloud or Groq key instead if you'd "
+        "rather call the provider directly.")));
     return section;
 }
 
@@ -199,10 +201,12 @@ void SettingsView::fieldEdited() {
 
 void SettingsView::showStatus() {
     if (m_usingBuiltInAPI)
-        m_status->setContent(u"checkmark.circle.fill"_qs, u"Using Quillo's built-in AI — no key needed"_qs, success);
+        m_status->setContent(QStringLiteral("checkmark.circle.fill"),
+                             QStringLiteral("Using Quillo's built-in AI — no key needed"), success);
     else if (m_isKeySaved)
-        m_status->setContent(u"checkmark.circle.fill"_qs, u"Using your own API key"_qs, success);
+        m_status->setContent(QStringLiteral("checkmark.circle.fill"), QStringLiteral("Using your own API key"),
+                             success);
     else
-        m_status->setContent(u"info.circle"_qs, u"No active configuration"_qs);
+        m_status->setContent(QStringLiteral("info.circle"), QStringLiteral("No active configuration"));
     m_saved->setVisible(m_justSaved);
 }

@@ -22,14 +22,15 @@ static QPushButton* makeButton(const QString& title, const QString& name) {
 
 SignaturePadSheet::SignaturePadSheet(std::shared_ptr<SignatureStore> store, QWidget* parent)
     : QDialog(parent), m_store(std::move(store)), m_pad(new SignaturePad),
-      m_clear(makeButton(u"Clear"_qs, u"clearSignature"_qs)), m_save(makeButton(u"Save"_qs, u"saveSignature"_qs)) {
-    setObjectName(u"signaturePadSheet"_qs);
-    setWindowTitle(u"Draw Your Signature"_qs);
-    auto* heading = new QLabel(u"Draw Your Signature"_qs);
+      m_clear(makeButton(QStringLiteral("Clear"), QStringLiteral("clearSignature"))),
+      m_save(makeButton(QStringLiteral("Save"), QStringLiteral("saveSignature"))) {
+    setObjectName(QStringLiteral("signaturePadSheet"));
+    setWindowTitle(QStringLiteral("Draw Your Signature"));
+    auto* heading = new QLabel(QStringLiteral("Draw Your Signature"));
     QFont font = heading->font();
     font.setBold(true);
     heading->setFont(font);
-    auto* cancel = makeButton(u"Cancel"_qs, u"cancelSignature"_qs);
+    auto* cancel = makeButton(QStringLiteral("Cancel"), QStringLiteral("cancelSignature"));
     m_save->setDefault(true);
 
     auto* buttons = new QHBoxLayout;

@@ -20,23 +20,24 @@ static constexpr int margin = 14;
 static constexpr int spacing = 10;
 
 SignaturePickerView::SignaturePickerView(std::shared_ptr<SignatureStore> store, QWidget* parent)
-    : QFrame(parent, Qt::Popup), m_store(std::move(store)), m_none(new QLabel(u"No saved signatures yet."_qs)),
-      m_scrollArea(new QScrollArea), m_new(new QPushButton(u"New Signature…"_qs)) {
-    setObjectName(u"signaturePicker"_qs);
-    setAccessibleName(u"Signatures"_qs);
+    : QFrame(parent, Qt::Popup), m_store(std::move(store)),
+      m_none(new QLabel(QStringLiteral("No saved signatures yet."))), m_scrollArea(new QScrollArea),
+      m_new(new QPushButton(QStringLiteral("New Signature…"))) {
+    setObjectName(QStringLiteral("signaturePicker"));
+    setAccessibleName(QStringLiteral("Signatures"));
     setFrameShape(QFrame::StyledPanel);
     setAttribute(Qt::WA_DeleteOnClose);
     // The click that closes it must not place a signature as well.
     setAttribute(Qt::WA_NoMouseReplay);
 
-    auto* heading = new QLabel(u"Signatures"_qs);
+    auto* heading = new QLabel(QStringLiteral("Signatures"));
     QFont font = heading->font();
     font.setBold(true);
     heading->setFont(font);
     m_scrollArea->setFrameShape(QFrame::NoFrame);
     m_scrollArea->setFocusPolicy(Qt::NoFocus);
     m_scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_new->setObjectName(u"newSignature"_qs);
+    m_new->setObjectName(QStringLiteral("newSignature"));
     m_new->setAccessibleName(m_new->text());
     m_new->setAutoDefault(true);
 

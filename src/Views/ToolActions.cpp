@@ -10,8 +10,9 @@ ToolActions::ToolActions(std::shared_ptr<ToolState> toolState, QObject* parent)
     : QObject(parent), m_toolState(std::move(toolState)) {
     makeToolActions();
     makeMarkupActions();
-    m_editText = makeAction(u"editText"_qs, u"Edit Text"_qs, u"character.cursor.ibeam"_qs);
-    m_editText->setToolTip(u"Editing Mode: click any line of text in the PDF to edit it in place"_qs);
+    m_editText =
+        makeAction(QStringLiteral("editText"), QStringLiteral("Edit Text"), QStringLiteral("character.cursor.ibeam"));
+    m_editText->setToolTip(QStringLiteral("Editing Mode: click any line of text in the PDF to edit it in place"));
     connect(m_editText, &QAction::triggered, this, [this] {
         Q_EMIT editTextChosen();
         update();
@@ -39,7 +40,7 @@ void ToolActions::makeToolActions() {
     auto* group = new QActionGroup(this);
     for (const AnnotationToolInfo& info : allAnnotationTools()) {
         QAction* action = makeAction(info.rawValue, info.label, info.symbolName);
-        const QKeySequence keys(u"Ctrl+"_qs + info.shortcutKey.toUpper());
+        const QKeySequence keys(QStringLiteral("Ctrl+") + info.shortcutKey.toUpper());
         action->setShortcut(keys);
         action->setToolTip(helpText(info.tool, keys.toString(QKeySequence::NativeText)));
         group->addAction(action);
@@ -51,7 +52,7 @@ void ToolActions::makeToolActions() {
 void ToolActions::makeMarkupActions() {
     for (const MarkupActionInfo& info : allMarkupActions()) {
         QAction* action = makeAction(info.rawValue, info.title, info.symbolName);
-        const QKeySequence keys(u"Ctrl+Shift+"_qs + info.shortcutKey.toUpper());
+        const QKeySequence keys(QStringLiteral("Ctrl+Shift+") + info.shortcutKey.toUpper());
         action->setShortcut(keys);
         action->setToolTip(helpText(info.action, keys.toString(QKeySequence::NativeText)));
         connect(action, &QAction::triggered, this, [this, markup = info.action] {

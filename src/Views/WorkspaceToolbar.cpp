@@ -22,17 +22,17 @@ using Placement = ToolbarLayout::Placement;
 
 WorkspaceToolbar::WorkspaceToolbar(const WorkspaceActions& actions, std::shared_ptr<ToolState> toolState,
                                    PDFViewCoordinator& coordinator, QWidget* parent)
-    : QWidget(parent), m_layout(new ToolbarLayout(this)), m_toolGroup(new ToolbarGroup(u"Tools"_qs)) {
-    setObjectName(u"workspaceToolbar"_qs);
-    setAccessibleName(u"Toolbar"_qs);
+    : QWidget(parent), m_layout(new ToolbarLayout(this)), m_toolGroup(new ToolbarGroup(QStringLiteral("Tools"))) {
+    setObjectName(QStringLiteral("workspaceToolbar"));
+    setAccessibleName(QStringLiteral("Toolbar"));
     m_layout->setContentsMargins(6, 3, 6, 4);
     const ToolActions& tools = actions.tools();
     m_toolGroup->addButtons(tools.tools());
-    auto* markup = new ToolbarGroup(u"Markup"_qs);
+    auto* markup = new ToolbarGroup(QStringLiteral("Markup"));
     markup->addButtons(tools.markup());
     auto* options = new OptionsGroup(std::move(toolState));
     connect(options, &OptionsGroup::lineEndStylesRequested, this, &WorkspaceToolbar::lineEndStylesRequested);
-    auto* zoom = new ToolbarGroup(u"Zoom"_qs);
+    auto* zoom = new ToolbarGroup(QStringLiteral("Zoom"));
     for (const Command command : {Command::zoomOut, Command::zoomToFit, Command::zoomIn})
         zoom->addButton(actions.action(command));
 
@@ -48,25 +48,25 @@ WorkspaceToolbar::WorkspaceToolbar(const WorkspaceActions& actions, std::shared_
 WorkspaceToolbar::~WorkspaceToolbar() = default;
 
 QWidget* WorkspaceToolbar::toolButton(AnnotationTool tool) const {
-    return m_toolGroup->findChild<ToolbarButton*>(info(tool).rawValue + u"Button"_qs);
+    return m_toolGroup->findChild<ToolbarButton*>(info(tool).rawValue + QStringLiteral("Button"));
 }
 
 ToolbarGroup* WorkspaceToolbar::makeOpenGroup() {
-    auto* open = new QAction(SymbolIcon::icon(u"doc.badge.plus"_qs), u"Open"_qs, this);
-    open->setObjectName(u"openDocument"_qs);
-    open->setToolTip(u"Open a PDF or Word document…"_qs);
+    auto* open = new QAction(SymbolIcon::icon(QStringLiteral("doc.badge.plus")), QStringLiteral("Open"), this);
+    open->setObjectName(QStringLiteral("openDocument"));
+    open->setToolTip(QStringLiteral("Open a PDF or Word document…"));
     connect(open, &QAction::triggered, this, &WorkspaceToolbar::openRequested);
-    auto* group = new ToolbarGroup(u"File"_qs);
+    auto* group = new ToolbarGroup(QStringLiteral("File"));
     group->addButton(open)->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     return group;
 }
 
 ToolbarGroup* WorkspaceToolbar::makeRightGroup(const WorkspaceActions& actions) {
-    auto* settings = new QAction(SymbolIcon::icon(u"gearshape"_qs), u"Settings"_qs, this);
-    settings->setObjectName(u"openSettings"_qs);
-    settings->setToolTip(u"Settings…"_qs);
+    auto* settings = new QAction(SymbolIcon::icon(QStringLiteral("gearshape")), QStringLiteral("Settings"), this);
+    settings->setObjectName(QStringLiteral("openSettings"));
+    settings->setToolTip(QStringLiteral("Settings…"));
     connect(settings, &QAction::triggered, this, &WorkspaceToolbar::settingsRequested);
-    auto* group = new ToolbarGroup(u"Document"_qs);
+    auto* group = new ToolbarGroup(QStringLiteral("Document"));
     group->addButton(actions.tools().editText())->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     group->addButton(actions.action(Command::askAssistant))->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     group->addButton(settings);
@@ -75,7 +75,7 @@ ToolbarGroup* WorkspaceToolbar::makeRightGroup(const WorkspaceActions& actions) 
 
 ToolbarGroup* WorkspaceToolbar::makePageGroup(const WorkspaceActions& actions, PDFViewCoordinator& coordinator) {
     auto* field = new PageField;
-    auto* group = new ToolbarGroup(u"Pages"_qs);
+    auto* group = new ToolbarGroup(QStringLiteral("Pages"));
     group->addButton(actions.action(Command::previousPage));
     group->addWidget(field);
     group->addButton(actions.action(Command::nextPage));

@@ -12,45 +12,47 @@ protected:
     static constexpr auto groq = APIProviderKind::groq;
 
     QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
 };
 
 TEST_F(APIKeyStoreTest, KeepsAPoolForEachServiceInOrder) {
     EXPECT_FALSE(APIKeyStore::load(m_defaults, ollama));
-    for (const QString& key : {u"b"_qs, u"a"_qs, u"b"_qs, u" b"_qs})
+    for (const QString& key : {QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("b"), QStringLiteral(" b")})
         APIKeyStore::save(m_defaults, key, ollama);
-    APIKeyStore::save(m_defaults, u"g"_qs, groq);
+    APIKeyStore::save(m_defaults, QStringLiteral("g"), groq);
 
-    EXPECT_EQ(m_defaults.stringListForKey(u"quillo.ollamaAPIKeyPool"_qs), QStringList({u"b"_qs, u"a"_qs, u" b"_qs}));
-    EXPECT_EQ(m_defaults.stringListForKey(u"quillo.groqAPIKeyPool"_qs), QStringList({u"g"_qs}));
-    EXPECT_EQ(APIKeyStore::load(m_defaults, ollama), u"b"_qs);
+    EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.ollamaAPIKeyPool")),
+              QStringList({QStringLiteral("b"), QStringLiteral("a"), QStringLiteral(" b")}));
+    EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.groqAPIKeyPool")), QStringList({QStringLiteral("g")}));
+    EXPECT_EQ(APIKeyStore::load(m_defaults, ollama), QStringLiteral("b"));
 
     APIKeyStore::clear(m_defaults, groq);
-    EXPECT_FALSE(m_defaults.contains(u"quillo.groqAPIKeyPool"_qs));
+    EXPECT_FALSE(m_defaults.contains(QStringLiteral("quillo.groqAPIKeyPool")));
     EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama).size(), 3);
 }
 
 TEST_F(APIKeyStoreTest, TakesOverTheKeyOfAnOlderVersion) {
-    const QString olderKey = u"vellumark.ollamaAPIKey"_qs;
+    const QString olderKey = QStringLiteral("vellumark.ollamaAPIKey");
     m_defaults.setString(olderKey, QString());
     EXPECT_TRUE(APIKeyStore::allKeys(m_defaults, ollama).isEmpty());
-    m_defaults.setString(olderKey, u"old"_qs);
+    m_defaults.setString(olderKey, QStringLiteral("old"));
 
     EXPECT_TRUE(APIKeyStore::allKeys(m_defaults, groq).isEmpty());
-    EXPECT_FALSE(m_defaults.contains(u"quillo.ollamaAPIKeyPool"_qs)) << "nobody has asked for it";
-    EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama), QStringList({u"old"_qs}));
-    EXPECT_EQ(m_defaults.stringListForKey(u"quillo.ollamaAPIKeyPool"_qs), QStringList({u"old"_qs}));
-    EXPECT_EQ(m_defaults.stringForKey(olderKey), u"old"_qs);
+    EXPECT_FALSE(m_defaults.contains(QStringLiteral("quillo.ollamaAPIKeyPool"))) << "nobody has asked for it";
+    EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama), QStringList({QStringLiteral("old")}));
+    EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.ollamaAPIKeyPool")),
+              QStringList({QStringLiteral("old")}));
+    EXPECT_EQ(m_defaults.stringForKey(olderKey), QStringLiteral("old"));
 
-    m_defaults.setStringList(u"quillo.ollamaAPIKeyPool"_qs, {u"new"_qs});
-    EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama), QStringList({u"new"_qs}));
+    m_defaults.setStringList(QStringLiteral("quillo.ollamaAPIKeyPool"), {QStringLiteral("new")});
+    EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama), QStringList({QStringLiteral("new")}));
     APIKeyStore::clear(m_defaults, ollama);
     EXPECT_TRUE(APIKeyStore::allKeys(m_defaults, ollama).isEmpty()) << "the older key is gone too";
 }
 
 TEST_F(APIKeyStoreTest, KeepsTheAddressAsTyped) {
-    EXPECT_EQ(QUrl(APIKeyStore::loadURL(m_defaults)).path(), u"/v1/chat/completions"_qs);
-    APIKeyStore::saveURL(m_defaults, u" no address "_qs);
-    EXPECT_EQ(m_defaults.stringForKey(u"quillo.customAPIURL"_qs), u" no address "_qs);
-    EXPECT_EQ(APIKeyStore::loadURL(m_defaults), u" no address "_qs);
+    EXPECT_EQ(QUrl(APIKeyStore::loadURL(m_defaults)).path(), QStringLiteral("/v1/chat/completions"));
+    APIKeyStore::saveURL(m_defaults, QStringLiteral(" no address "));
+    EXPECT_EQ(m_defaults.stringForKey(QStringLiteral("quillo.customAPIURL")), QStringLiteral(" no address "));
+    EXPECT_EQ(APIKeyStore::loadURL(m_defaults), QStringLiteral(" no address "));
 }

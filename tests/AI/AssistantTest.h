@@ -74,11 +74,12 @@ class AssistantTest : public testing::Test {
 protected:
     AssistantTest() {
         PdfFixture fixture;
-        fixture.addPage({u"The Quick fox"_qs, u"second line"_qs});
+        fixture.addPage({QStringLiteral("The Quick fox"), QStringLiteral("second line")});
         fixture.addPage({});
-        fixture.addPage({u"about the lazy dog"_qs});
-        fixture.setOutline({{u"Getting Started"_qs, 0, {{u"  Setup"_qs, 1}}}, {u"The Dog"_qs, 2}});
-        m_path = m_folder.filePath(u"Some.Book.pdf"_qs);
+        fixture.addPage({QStringLiteral("about the lazy dog")});
+        fixture.setOutline(
+            {{QStringLiteral("Getting Started"), 0, {{QStringLiteral("  Setup"), 1}}}, {QStringLiteral("The Dog"), 2}});
+        m_path = m_folder.filePath(QStringLiteral("Some.Book.pdf"));
         QFile file(m_path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(fixture.bytes());
@@ -115,7 +116,7 @@ protected:
 
     QTemporaryDir m_folder;
     QString m_path;
-    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     std::shared_ptr<PDFDocument> m_document;
     std::unique_ptr<AnnotatingPDFView> m_view;
     std::unique_ptr<PDFViewCoordinator> m_coordinator;

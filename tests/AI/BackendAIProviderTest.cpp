@@ -59,11 +59,14 @@ bool isSigned(const LoopbackServer::Request& request) {
         return false;
     const QByteArray digest = QCryptographicHash::hash(request.body, QCryptographicHash::Sha256).toHex();
     const QTemporaryDir folder;
-    return write(folder.filePath(u"key"_qs), QByteArray::fromBase64(request.header("X-Device-Public-Key"))) &&
-           write(folder.filePath(u"signature"_qs), derSignature(signature)) &&
-           write(folder.filePath(u"message"_qs), request.header("X-Device-Timestamp") + '.' + digest) &&
-           runOpenSSL(folder.path(), {u"dgst"_qs, u"-sha256"_qs, u"-verify"_qs, u"key"_qs, u"-keyform"_qs, u"DER"_qs,
-                                      u"-signature"_qs, u"signature"_qs, u"message"_qs});
+    return write(folder.filePath(QStringLiteral("key")),
+                 QByteArray::fromBase64(request.header("X-Device-Public-Key"))) &&
+           write(folder.filePath(QStringLiteral("signature")), derSignature(signature)) &&
+           write(folder.filePath(QStringLiteral("message")), request.header("X-Device-Timestamp") + '.' + digest) &&
+           runOpenSSL(folder.path(),
+                      {QStringLiteral("dgst"), QStringLiteral("-sha256"), QStringLiteral("-verify"),
+                       QStringLiteral("key"), QStringLiteral("-keyform"), QStringLiteral("DER"),
+                       QStringLiteral("-signature"), QStringLiteral("signature"), QStringLiteral("message")});
 }
 
 } // namespace
@@ -74,7 +77,7 @@ protected:
 
     QCoro::Task<AIAgentTurn> send(AIModelPreference preference = AIModelPreference::balanced) {
         std::vector<AIMessage> history;
-        history.push_back(AIMessage::userText(u"Grüße"_qs));
+        history.push_back(AIMessage::userText(QStringLiteral("Grüße")));
         std::vector<AssistantTool> tools;
         m_server.enqueue(LoopbackServer::json(200, answer));
         return m_provider.send(std::move(history), std::move(tools), {}, preference);
@@ -88,7 +91,7 @@ protected:
 
     const QString m_keyFile = DeviceIdentity::keyFilePath();
     LoopbackServer m_server;
-    BackendAIProvider m_provider{m_server.url(u"/api/v1/chat/completions"_qs), URLSession::create()};
+    BackendAIProvider m_provider{m_server.url(QStringLiteral("/api/v1/chat/completions")), URLSession::create()};
 };
 
 TEST_F(BackendAIProviderTest, SendsSignedBytes) {
@@ -96,7 +99,7 @@ TEST_F(BackendAIProviderTest, SendsSignedBytes) {
     for (const AIModelPreferenceInfo& each : allAIModelPreferences()) {
         const auto outcome = outcomeOf(send(each.preference));
         ASSERT_TRUE(outcome.value) << outcome.sentence();
-        EXPECT_EQ(outcome.value->text, u"Hi"_qs);
+        EXPECT_EQ(outcome.value->text, QStringLiteral("Hi"));
 
         const auto& request = m_server.requests().back();
         EXPECT_EQ(request.requestLine().toStdString(), "POST /api/v1/chat/completions HTTP/1.1");
@@ -116,8 +119,8 @@ TEST_F(BackendAIProviderTest, SendsSignedBytes) {
     const auto& requests = m_server.requests();
     EXPECT_EQ(requests[0].header("X-Device-Public-Key"), requests[2].header("X-Device-Public-Key"));
     EXPECT_NE(requests[0].header("X-Device-Signature"), requests[2].header("X-Device-Signature"));
-    EXPECT_EQ(BackendAIProvider::defaultEndpoint().path(), u"/api/v1/chat/completions"_qs);
-    EXPECT_EQ(BackendAIProvider::defaultEndpoint().scheme(), u"https"_qs);
+    EXPECT_EQ(BackendAIProvider::defaultEndpoint().path(), QStringLiteral("/api/v1/chat/completions"));
+    EXPECT_EQ(BackendAIProvider::defaultEndpoint().scheme(), QStringLiteral("https"));
 }
 
 TEST_F(BackendAIProviderTest, KeepsItsKeyToTheUser) {
@@ -125,9 +128,9 @@ TEST_F(BackendAIProviderTest, KeepsItsKeyToTheUser) {
     const QByteArray publicKey = ask().header("X-Device-Public-Key");
     EXPECT_EQ(permissionsOf(m_keyFile), 0600u);
     EXPECT_EQ(permissionsOf(QFileInfo(m_keyFile).path()), 0700u);
-    EXPECT_EQ(m_keyFile, QDir(QFileInfo(m_keyFile).path()).filePath(u"device-identity.key"_qs));
+    EXPECT_EQ(m_keyFile, QDir(QFileInfo(m_keyFile).path()).filePath(QStringLiteral("device-identity.key")));
     EXPECT_EQ(QDir(QFileInfo(m_keyFile).path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              QStringList{u"device-identity.key"_qs});
+              QStringList{QStringLiteral("device-identity.key")});
 
     // What is no private key gives way to one: a wrong length, zero, and the order of the curve or more.
     for (const QByteArray& damaged :

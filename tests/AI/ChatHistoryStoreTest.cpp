@@ -24,13 +24,13 @@ using Role = AssistantTurn::Role;
 const QString key = QStringLiteral("/home/someone/Ünï.pdf");
 
 QString folder() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillo/Chats"_qs;
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Quillo/Chats");
 }
 
 QString path() {
     return folder() + u'/' +
            QString::fromLatin1(QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha256).toHex()) +
-           u".json"_qs;
+           QStringLiteral(".json");
 }
 
 mode_t modeOf(const QString& file) {
@@ -41,10 +41,11 @@ mode_t modeOf(const QString& file) {
 
 std::vector<ChatSession> someSessions() {
     ChatSession first;
-    first.title = u"One \"quoted\" … 👨‍👩‍👧"_qs;
-    first.turns = {{QUuid::createUuid(), Role::user, u"a\nb"_qs},
-                   {QUuid::createUuid(), Role::assistant, QString(QChar(u'\0')) + QChar(0xD83D) + u"\\frac"_qs},
-                   {QUuid::createUuid(), Role::error, {}}};
+    first.title = QStringLiteral("One \"quoted\" … 👨‍👩‍👧");
+    first.turns = {
+        {QUuid::createUuid(), Role::user, QStringLiteral("a\nb")},
+        {QUuid::createUuid(), Role::assistant, QString(QChar(u'\0')) + QChar(0xD83D) + QStringLiteral("\\frac")},
+        {QUuid::createUuid(), Role::error, {}}};
     first.updatedAt = QDateTime(QDate(2024, 5, 1), QTime(23, 59, 59, 999), Qt::UTC);
     return {first, ChatSession()};
 }
@@ -75,13 +76,14 @@ TEST(ChatHistoryStoreTest, GivesBackWhatWasSavedButForFractionsOfASecond) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QJsonArray array = QJsonDocument::fromJson(file.readAll()).array();
     const QJsonObject session = array[0].toObject();
-    EXPECT_EQ(session.keys(), QStringList({u"id"_qs, u"title"_qs, u"turns"_qs, u"updatedAt"_qs}));
-    EXPECT_EQ(session[u"updatedAt"].toString(), u"2024-05-01T23:59:59Z"_qs);
+    EXPECT_EQ(session.keys(), QStringList({QStringLiteral("id"), QStringLiteral("title"), QStringLiteral("turns"),
+                                           QStringLiteral("updatedAt")}));
+    EXPECT_EQ(session[u"updatedAt"].toString(), QStringLiteral("2024-05-01T23:59:59Z"));
     EXPECT_EQ(session[u"id"].toString().size(), 36);
     const QJsonObject turn = session[u"turns"][1].toObject();
-    EXPECT_EQ(turn.keys(), QStringList({u"id"_qs, u"role"_qs, u"text"_qs}));
-    EXPECT_EQ(turn[u"role"], QJsonValue(u"assistant"_qs));
-    EXPECT_EQ(array[1][u"title"], QJsonValue(u"New Chat"_qs));
+    EXPECT_EQ(turn.keys(), QStringList({QStringLiteral("id"), QStringLiteral("role"), QStringLiteral("text")}));
+    EXPECT_EQ(turn[u"role"], QJsonValue(QStringLiteral("assistant")));
+    EXPECT_EQ(array[1][u"title"], QJsonValue(QStringLiteral("New Chat")));
 }
 
 TEST(ChatHistoryStoreTest, ReadsAllOrNothing) {

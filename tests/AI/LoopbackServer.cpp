@@ -57,11 +57,11 @@ LoopbackServer::Reply LoopbackServer::silence() {
     return [](QTcpSocket&) {};
 }
 
-LoopbackServer::LoopbackServer() : m_server(std::make_unique<QTcpServer>()), m_scheme(u"http"_qs) {
+LoopbackServer::LoopbackServer() : m_server(std::make_unique<QTcpServer>()), m_scheme(QStringLiteral("http")) {
     listen();
 }
 
-LoopbackServer::LoopbackServer(const QSslConfiguration& configuration) : m_scheme(u"https"_qs) {
+LoopbackServer::LoopbackServer(const QSslConfiguration& configuration) : m_scheme(QStringLiteral("https")) {
     auto server = std::make_unique<QSslServer>();
     server->setSslConfiguration(configuration);
     m_server = std::move(server);
@@ -83,7 +83,7 @@ void LoopbackServer::listen() {
 }
 
 QUrl LoopbackServer::url(const QString& path) const {
-    return QUrl(m_scheme + u"://127.0.0.1:%1"_qs.arg(m_server->serverPort()) + path);
+    return QUrl(m_scheme + QStringLiteral("://127.0.0.1:%1").arg(m_server->serverPort()) + path);
 }
 
 /// Answers the request on the connection once it is there as a whole.

@@ -58,18 +58,25 @@ TEST(OpenAIChatCodec, WritesEachKindOfMessage) {
         QByteArray wire;
     } cases[] = {
         {"texts of the user, on lines of their own; a tool use isn't theirs",
-         {AIRole::user, {Part::text(u"a \"b\" ü\n"_qs), Part::toolUse(u"x"_qs, u"y"_qs, {}), Part::text(u"c/d"_qs)}},
+         {AIRole::user,
+          {Part::text(QStringLiteral("a \"b\" ü\n")), Part::toolUse(QStringLiteral("x"), QStringLiteral("y"), {}),
+           Part::text(QStringLiteral("c/d"))}},
          R"({"content":"a \"b\" ü\n\nc/d","role":"user"})"},
         {"a message without parts", {AIRole::user, {}}, R"({"content":"","role":"user"})"},
         {"results, which displace a text",
-         {AIRole::user, {Part::toolResult(u"1"_qs, u"one"_qs), Part::text(u"lost"_qs), Part::toolResult(u"2"_qs, {})}},
+         {AIRole::user,
+          {Part::toolResult(QStringLiteral("1"), QStringLiteral("one")), Part::text(QStringLiteral("lost")),
+           Part::toolResult(QStringLiteral("2"), {})}},
          R"({"content":"one","role":"tool","tool_call_id":"1"},{"content":"","role":"tool","tool_call_id":"2"})"},
         {"texts of the assistant, joined with nothing",
-         {AIRole::assistant, {Part::text(u"a"_qs), Part::toolResult(u"1"_qs, u"r"_qs), Part::text(u"b"_qs)}},
+         {AIRole::assistant,
+          {Part::text(QStringLiteral("a")), Part::toolResult(QStringLiteral("1"), QStringLiteral("r")),
+           Part::text(QStringLiteral("b"))}},
          R"({"content":"ab","role":"assistant"})"},
         {"tool uses alone",
          {AIRole::assistant,
-          {Part::toolUse(u"1"_qs, u"go"_qs, {{u"page"_qs, 3}}), Part::toolUse(u"2"_qs, u"read"_qs, {})}},
+          {Part::toolUse(QStringLiteral("1"), QStringLiteral("go"), {{QStringLiteral("page"), 3}}),
+           Part::toolUse(QStringLiteral("2"), QStringLiteral("read"), {})}},
          R"({"content":"","role":"assistant","tool_calls":[)"
          R"({"function":{"arguments":"{\"page\":3}","name":"go"},"id":"1","type":"function"},)"
          R"({"function":{"arguments":"{}","name":"read"},"id":"2","type":"function"}]})"},
@@ -82,19 +89,21 @@ TEST(OpenAIChatCodec, WritesEachKindOfMessage) {
 }
 
 TEST(OpenAIChatCodec, ReadsWhatItWroteOfAToolCall) {
-    const QJsonObject input{
-        {u"text"_qs, u"Ω \\ \" \u2028 😀"_qs}, {u"page"_qs, qint64(9007199254740993)}, {u"none"_qs, {}}};
-    const AIMessage asked{AIRole::assistant, {AIContentPart::toolUse(u"1"_qs, u"n"_qs, input)}};
+    const QJsonObject input{{QStringLiteral("text"), QStringLiteral("Ω \\ \" \u2028 😀")},
+                            {QStringLiteral("page"), qint64(9007199254740993)},
+                            {QStringLiteral("none"), {}}};
+    const AIMessage asked{AIRole::assistant, {AIContentPart::toolUse(QStringLiteral("1"), QStringLiteral("n"), input)}};
     const QJsonArray messages = OpenAIChatCodec::encodeMessages({asked}, {});
-    const AIAgentTurn turn =
-        OpenAIChatCodec::decodeResponse({{u"choices"_qs, QJsonArray{QJsonObject{{u"message"_qs, messages.last()}}}}});
+    const AIAgentTurn turn = OpenAIChatCodec::decodeResponse(
+        {{QStringLiteral("choices"), QJsonArray{QJsonObject{{QStringLiteral("message"), messages.last()}}}}});
     EXPECT_EQ(turn.message, asked);
 }
 
 TEST(OpenAIChatCodec, DecidesWhetherATurnIsFinal) {
     const QByteArray function = R"({"name":"go","arguments":"{\"page\":2}"})";
-    const AIToolCall call{u"1"_qs, u"go"_qs, {{u"page"_qs, 2}}};
-    const AIMessage message{AIRole::assistant, {AIContentPart::toolUse(u"1"_qs, u"go"_qs, call.input)}};
+    const AIToolCall call{QStringLiteral("1"), QStringLiteral("go"), {{QStringLiteral("page"), 2}}};
+    const AIMessage message{AIRole::assistant,
+                            {AIContentPart::toolUse(QStringLiteral("1"), QStringLiteral("go"), call.input)}};
 
     for (const char* reason : {R"("tool_calls")", R"("stop")", R"("TOOL_CALLS")", "null", "7"}) {
         const AIAgentTurn turn = decodeCall(function, reason);
@@ -105,8 +114,8 @@ TEST(OpenAIChatCodec, DecidesWhetherATurnIsFinal) {
     }
     const AIAgentTurn answer = decode(R"({"message":{"content":"Hi"},"finish_reason":"tool_calls"},{"more":1})");
     EXPECT_TRUE(answer.isFinal) << "there is nothing to run";
-    EXPECT_EQ(answer.text, u"Hi"_qs);
-    EXPECT_EQ(answer.message, (AIMessage{AIRole::assistant, {AIContentPart::text(u"Hi"_qs)}}));
+    EXPECT_EQ(answer.text, QStringLiteral("Hi"));
+    EXPECT_EQ(answer.message, (AIMessage{AIRole::assistant, {AIContentPart::text(QStringLiteral("Hi"))}}));
 }
 
 TEST(OpenAIChatCodec, ToleratesOddToolCalls) {
@@ -115,7 +124,7 @@ TEST(OpenAIChatCodec, ToleratesOddToolCalls) {
         QByteArray function;
         QJsonObject input;
     } readable[] = {
-        {R"({"name":"n","arguments":{"a":1}})", {{u"a"_qs, 1}}},
+        {R"({"name":"n","arguments":{"a":1}})", {{QStringLiteral("a"), 1}}},
         {R"({"name":"n","arguments":"nonsense"})", {}},
         {R"({"name":"n","arguments":"[1]"})", {}},
         {R"({"name":"n","arguments":"{\"a\":)" + deep + R"(}"})", {}},
@@ -133,7 +142,7 @@ TEST(OpenAIChatCodec, ToleratesOddToolCalls) {
     const AIAgentTurn second = decode(R"({"message":{"tool_calls":[{"id":7,"function":{"name":"a"}},)"
                                       R"({"id":"2","function":{"name":"b"}}]},"finish_reason":"tool_calls"})");
     ASSERT_EQ(second.toolCalls.size(), 1u) << "the entry without a text for its id is passed over";
-    EXPECT_EQ(second.toolCalls[0].name, u"b"_qs);
+    EXPECT_EQ(second.toolCalls[0].name, QStringLiteral("b"));
     for (const char* calls : {R"([{"id":"1","function":{"name":"n"}},5])", R"({"id":"1"})", R"("x")"}) {
         const AIAgentTurn turn =
             decode(R"({"message":{"tool_calls":)" + QByteArray(calls) + R"(},"finish_reason":"tool_calls"})");

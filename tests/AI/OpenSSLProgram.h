@@ -8,6 +8,6 @@
 inline bool runOpenSSL(const QString& folder, const QStringList& arguments) {
     QProcess program;
     program.setWorkingDirectory(folder);
-    program.start(u"openssl"_qs, arguments);
+    program.start(QStringLiteral("openssl"), arguments);
     return program.waitForFinished() && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0;
 }

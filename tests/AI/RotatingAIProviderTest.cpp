@@ -28,7 +28,7 @@ std::string text(const QByteArray& bytes) {
 
 class RotatingAIProviderTest : public testing::Test {
 protected:
-    RotatingAIProviderTest() { APIKeyStore::saveURL(m_defaults, m_server.url(u"/ollama"_qs).toString()); }
+    RotatingAIProviderTest() { APIKeyStore::saveURL(m_defaults, m_server.url(QStringLiteral("/ollama")).toString()); }
 
     void addKeys(const QStringList& ollama, const QStringList& groq) {
         for (const QString& key : ollama)
@@ -39,9 +39,9 @@ protected:
 
     TaskOutcome<AIAgentTurn> ask(AIModelPreference preference = AIModelPreference::highPerformance) {
         std::vector<AIMessage> history;
-        history.push_back(AIMessage::userText(u"Hello"_qs));
+        history.push_back(AIMessage::userText(QStringLiteral("Hello")));
         std::vector<AssistantTool> tools;
-        return outcomeOf(m_provider.send(std::move(history), std::move(tools), u"Be kind."_qs, preference));
+        return outcomeOf(m_provider.send(std::move(history), std::move(tools), QStringLiteral("Be kind."), preference));
     }
 
     /// Target, key and model of each request, in order.
@@ -56,31 +56,35 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     LoopbackServer m_server;
     qint64 m_now = 0; // seconds since 1970
-    RotatingAIProvider m_provider{m_defaults, m_server.url(u"/groq"_qs), URLSession::create(),
+    RotatingAIProvider m_provider{m_defaults, m_server.url(QStringLiteral("/groq")), URLSession::create(),
                                   [this] { return m_now; }};
 };
 
 TEST_F(RotatingAIProviderTest, SendsTheseBytes) {
-    addKeys({u"sk-ollama"_qs}, {});
-    const QJsonObject schema{{u"type"_qs, u"object"_qs},
-                             {u"properties"_qs, QJsonObject{{u"page"_qs, QJsonObject{{u"type"_qs, u"integer"_qs}}}}},
-                             {u"required"_qs, QJsonArray{u"page"_qs}}};
+    addKeys({QStringLiteral("sk-ollama")}, {});
+    const QJsonObject schema{
+        {QStringLiteral("type"), QStringLiteral("object")},
+        {QStringLiteral("properties"),
+         QJsonObject{{QStringLiteral("page"), QJsonObject{{QStringLiteral("type"), QStringLiteral("integer")}}}}},
+        {QStringLiteral("required"), QJsonArray{QStringLiteral("page")}}};
     std::vector<AssistantTool> tools;
-    tools.push_back({u"go_to_page"_qs, u"Go to a \"page\"."_qs, schema, {}});
+    tools.push_back({QStringLiteral("go_to_page"), QStringLiteral("Go to a \"page\"."), schema, {}});
     std::vector<AIMessage> history;
-    history.push_back(AIMessage::userText(u"Page 3?"_qs));
+    history.push_back(AIMessage::userText(QStringLiteral("Page 3?")));
     history.push_back({AIRole::assistant, {}});
-    history.back().parts.push_back(AIContentPart::toolUse(u"c1"_qs, u"go_to_page"_qs, {{u"page"_qs, 3}}));
+    history.back().parts.push_back(
+        AIContentPart::toolUse(QStringLiteral("c1"), QStringLiteral("go_to_page"), {{QStringLiteral("page"), 3}}));
     history.push_back({AIRole::user, {}});
-    history.back().parts.push_back(AIContentPart::toolResult(u"c1"_qs, u"Navigated to page 3."_qs));
+    history.back().parts.push_back(
+        AIContentPart::toolResult(QStringLiteral("c1"), QStringLiteral("Navigated to page 3.")));
     m_server.enqueue(LoopbackServer::json(200, answer));
-    const auto outcome =
-        outcomeOf(m_provider.send(history, tools, u"Be kind – 日本."_qs, AIModelPreference::highPerformance));
+    const auto outcome = outcomeOf(
+        m_provider.send(history, tools, QStringLiteral("Be kind – 日本."), AIModelPreference::highPerformance));
     ASSERT_TRUE(outcome.value) << outcome.sentence();
-    EXPECT_EQ(outcome.value->text, u"Hi"_qs);
+    EXPECT_EQ(outcome.value->text, QStringLiteral("Hi"));
     EXPECT_TRUE(outcome.value->isFinal);
 
     ASSERT_EQ(m_server.requests().size(), 1u);
@@ -100,7 +104,7 @@ TEST_F(RotatingAIProviderTest, SendsTheseBytes) {
 }
 
 TEST_F(RotatingAIProviderTest, TriesEachKeyOnceFromTheOneOfTheHour) {
-    addKeys({u"O0"_qs, u"O1"_qs, u"O2"_qs}, {u"G0"_qs});
+    addKeys({QStringLiteral("O0"), QStringLiteral("O1"), QStringLiteral("O2")}, {QStringLiteral("G0")});
     const std::vector<std::string> inOrder = {"/ollama Bearer O0 gpt-oss:120b-cloud", "/groq Bearer G0 llama3-70b-8192",
                                               "/ollama Bearer O1 gpt-oss:120b-cloud",
                                               "/ollama Bearer O2 gpt-oss:120b-cloud"};
@@ -127,7 +131,7 @@ TEST_F(RotatingAIProviderTest, TriesEachKeyOnceFromTheOneOfTheHour) {
 }
 
 TEST_F(RotatingAIProviderTest, NamesTheModelsOfEachPreference) {
-    addKeys({u"O"_qs}, {u"G"_qs});
+    addKeys({QStringLiteral("O")}, {QStringLiteral("G")});
     for (const AIModelPreferenceInfo& each : allAIModelPreferences()) {
         m_server.enqueue(LoopbackServer::json(401, "{}"));
         m_server.enqueue(LoopbackServer::json(429, "{}"));
@@ -140,7 +144,7 @@ TEST_F(RotatingAIProviderTest, NamesTheModelsOfEachPreference) {
 }
 
 TEST_F(RotatingAIProviderTest, StopsAtAnyOtherFailure) {
-    addKeys({u"sk-first"_qs, u"sk-second"_qs}, {});
+    addKeys({QStringLiteral("sk-first"), QStringLiteral("sk-second")}, {});
     const struct {
         LoopbackServer::Reply reply;
         const char* sentence;
@@ -164,8 +168,8 @@ TEST_F(RotatingAIProviderTest, ReadsKeysAndAddressAtEachQuestion) {
     EXPECT_TRUE(outcome.threw<AIProviderError>());
     EXPECT_EQ(outcome.sentence(), "Add your Ollama Cloud or Groq API key in Quillo > Settings… to use Ask.");
 
-    addKeys({u" late\r\n"_qs}, {});
-    APIKeyStore::saveURL(m_defaults, m_server.url(u"/other"_qs).toString());
+    addKeys({QStringLiteral(" late\r\n")}, {});
+    APIKeyStore::saveURL(m_defaults, m_server.url(QStringLiteral("/other")).toString());
     m_server.enqueue(LoopbackServer::json(200, answer));
     EXPECT_TRUE(ask().value);
     EXPECT_EQ(attempts(), std::vector<std::string>{"/other Bearer  late gpt-oss:120b-cloud"})
@@ -178,23 +182,23 @@ TEST_F(RotatingAIProviderTest, AsksTheServicesThemselvesByDefault) {
     QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, proxy.host(), static_cast<quint16>(proxy.port())});
     const auto reset = qScopeGuard([] { QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy); });
     const QByteArray refusal = "HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n";
-    addKeys({u"O"_qs}, {});
-    for (const QString& invalid : {QString(), u"not an address"_qs, u"https://[broken/v1"_qs}) {
+    addKeys({QStringLiteral("O")}, {});
+    for (const QString& invalid : {QString(), QStringLiteral("not an address"), QStringLiteral("https://[broken/v1")}) {
         APIKeyStore::saveURL(m_defaults, invalid);
         m_server.enqueue(LoopbackServer::bytes(refusal));
         EXPECT_FALSE(ask().value);
         EXPECT_EQ(text(m_server.requests().back().requestLine()), "CONNECT ollama.com:443 HTTP/1.1")
             << invalid.toStdString();
     }
-    EXPECT_EQ(QUrl(APIKeyStore::defaultURL()).path(), u"/v1/chat/completions"_qs);
+    EXPECT_EQ(QUrl(APIKeyStore::defaultURL()).path(), QStringLiteral("/v1/chat/completions"));
 
     APIKeyStore::clear(m_defaults, APIProviderKind::ollama);
-    addKeys({}, {u"G"_qs});
+    addKeys({}, {QStringLiteral("G")});
     RotatingAIProvider provider(m_defaults);
     m_server.enqueue(LoopbackServer::bytes(refusal));
     EXPECT_FALSE(outcomeOf(provider.send({}, {}, {}, AIModelPreference::fast)).value);
     EXPECT_EQ(text(m_server.requests().back().requestLine()), "CONNECT api.groq.com:443 HTTP/1.1");
-    EXPECT_EQ(RotatingAIProvider::defaultGroqEndpoint().path(), u"/openai/v1/chat/completions"_qs);
+    EXPECT_EQ(RotatingAIProvider::defaultGroqEndpoint().path(), QStringLiteral("/openai/v1/chat/completions"));
     for (const auto& request : m_server.requests())
         EXPECT_TRUE(request.header("Authorization").isNull()) << "a proxy gets no key";
 }

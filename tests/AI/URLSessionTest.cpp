@@ -27,17 +27,21 @@ using namespace std::chrono_literals;
 namespace {
 
 const QByteArray answer = R"({"choices":[{"message":{"content":"Hi"}}]})";
-const QString secret = u"sk-secret-of-the-user"_qs;
+const QString secret = QStringLiteral("sk-secret-of-the-user");
 
 /// What openssl makes in `folder`, signed by nobody but itself.
 QSslConfiguration selfSigned(const QTemporaryDir& folder) {
-    EXPECT_TRUE(runOpenSSL(folder.path(), {u"req"_qs, u"-x509"_qs, u"-newkey"_qs, u"rsa:2048"_qs, u"-nodes"_qs,
-                                           u"-keyout"_qs, u"key.pem"_qs, u"-out"_qs, u"certificate.pem"_qs, u"-subj"_qs,
-                                           u"/CN=127.0.0.1"_qs, u"-addext"_qs, u"subjectAltName=IP:127.0.0.1"_qs}));
-    QFile key(folder.filePath(u"key.pem"_qs));
+    EXPECT_TRUE(
+        runOpenSSL(folder.path(), {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"),
+                                   QStringLiteral("rsa:2048"), QStringLiteral("-nodes"), QStringLiteral("-keyout"),
+                                   QStringLiteral("key.pem"), QStringLiteral("-out"), QStringLiteral("certificate.pem"),
+                                   QStringLiteral("-subj"), QStringLiteral("/CN=127.0.0.1"), QStringLiteral("-addext"),
+                                   QStringLiteral("subjectAltName=IP:127.0.0.1")}));
+    QFile key(folder.filePath(QStringLiteral("key.pem")));
     EXPECT_TRUE(key.open(QIODevice::ReadOnly));
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setLocalCertificateChain(QSslCertificate::fromPath(folder.filePath(u"certificate.pem"_qs)));
+    configuration.setLocalCertificateChain(
+        QSslCertificate::fromPath(folder.filePath(QStringLiteral("certificate.pem"))));
     configuration.setPrivateKey(QSslKey(&key, QSsl::Rsa));
     return configuration;
 }
@@ -49,7 +53,7 @@ class URLSessionTest : public testing::Test {
 protected:
     URLSessionTest() {
         APIKeyStore::save(m_defaults, secret, APIProviderKind::ollama);
-        setService(m_server.url(u"/ask"_qs));
+        setService(m_server.url(QStringLiteral("/ask")));
     }
 
     void setService(const QUrl& url) { APIKeyStore::saveURL(m_defaults, url.toString()); }
@@ -66,14 +70,14 @@ protected:
     }
 
     void expectAnswer(const char* when) {
-        setService(m_server.url(u"/ask"_qs));
+        setService(m_server.url(QStringLiteral("/ask")));
         m_server.enqueue(LoopbackServer::json(200, answer));
         const auto outcome = outcomeOf(send());
         EXPECT_TRUE(outcome.value && outcome.value->text == u"Hi") << when << ": " << outcome.sentence();
     }
 
     QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     LoopbackServer m_server;
     std::shared_ptr<URLSession> m_session = URLSession::create();
     std::unique_ptr<RotatingAIProvider> m_provider =
@@ -125,7 +129,7 @@ TEST_F(URLSessionTest, TellsWhyThereIsNoConnection) {
     QUrl nobody;
     {
         const LoopbackServer gone;
-        nobody = gone.url(u"/?key=%1"_qs.arg(secret));
+        nobody = gone.url(QStringLiteral("/?key=%1").arg(secret));
     }
     const QTemporaryDir folder;
     LoopbackServer unproven(selfSigned(folder));
@@ -134,15 +138,17 @@ TEST_F(URLSessionTest, TellsWhyThereIsNoConnection) {
         const char* sentence;
     } cases[] = {
         {nobody, "The AI service at “127.0.0.1” refused the connection. Check that it is running."},
-        {unproven.url(u"/ask"_qs),
+        {unproven.url(QStringLiteral("/ask")),
          "The AI service at “127.0.0.1” couldn't prove who it is, so nothing was sent to it."},
-        {QUrl(u"http://nobody.invalid/ask"_qs),
+        {QUrl(QStringLiteral("http://nobody.invalid/ask")),
          "The AI service at “nobody.invalid” couldn't be found. Check your internet connection and the API URL in "
          "Quillo > Settings…"},
-        {QUrl(u"localhost:11434/v1"_qs), "The API URL isn't one of a web service. It must begin with https:// or "
-                                         "http://. Change it in Quillo > Settings…"},
-        {QUrl(u"file:///etc/hostname"_qs), "The API URL isn't one of a web service. It must begin with https:// or "
-                                           "http://. Change it in Quillo > Settings…"},
+        {QUrl(QStringLiteral("localhost:11434/v1")),
+         "The API URL isn't one of a web service. It must begin with https:// or "
+         "http://. Change it in Quillo > Settings…"},
+        {QUrl(QStringLiteral("file:///etc/hostname")),
+         "The API URL isn't one of a web service. It must begin with https:// or "
+         "http://. Change it in Quillo > Settings…"},
     };
     for (const auto& each : cases) {
         setService(each.url);
@@ -160,10 +166,10 @@ TEST_F(URLSessionTest, AsksWhomTheCertificatesProve) {
     const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
     const auto reset = qScopeGuard([&] { QSslConfiguration::setDefaultConfiguration(usual); });
     QSslConfiguration trusting = usual;
-    ASSERT_TRUE(trusting.addCaCertificates(folder.filePath(u"certificate.pem"_qs)));
+    ASSERT_TRUE(trusting.addCaCertificates(folder.filePath(QStringLiteral("certificate.pem"))));
     QSslConfiguration::setDefaultConfiguration(trusting);
 
-    setService(server.url(u"/ask"_qs));
+    setService(server.url(QStringLiteral("/ask")));
     server.enqueue(LoopbackServer::json(200, answer));
     const auto outcome = outcomeOf(send());
     EXPECT_TRUE(outcome.value) << outcome.sentence();
@@ -185,18 +191,18 @@ TEST_F(URLSessionTest, GivesUpOnSilence) {
 
 TEST_F(URLSessionTest, FollowsRedirectsOnlyAtHome) {
     const LoopbackServer elsewhere;
-    QUrl otherScheme = m_server.url(u"/ask"_qs);
-    otherScheme.setScheme(u"https"_qs);
+    QUrl otherScheme = m_server.url(QStringLiteral("/ask"));
+    otherScheme.setScheme(QStringLiteral("https"));
     const struct {
         int status;
         QUrl target;
-    } followedNever[] = {{301, elsewhere.url(u"/ask"_qs)},
-                         {302, elsewhere.url(u"/ask"_qs)},
-                         {307, elsewhere.url(u"/ask"_qs)},
-                         {308, elsewhere.url(u"/ask"_qs)},
+    } followedNever[] = {{301, elsewhere.url(QStringLiteral("/ask"))},
+                         {302, elsewhere.url(QStringLiteral("/ask"))},
+                         {307, elsewhere.url(QStringLiteral("/ask"))},
+                         {308, elsewhere.url(QStringLiteral("/ask"))},
                          {308, otherScheme},
-                         {303, m_server.url(u"/result"_qs)},
-                         {307, QUrl(u"file:///etc/hostname"_qs)}};
+                         {303, m_server.url(QStringLiteral("/result"))},
+                         {307, QUrl(QStringLiteral("file:///etc/hostname"))}};
     for (const auto& each : followedNever) {
         m_server.enqueue(LoopbackServer::redirect(each.target.toString(), each.status));
         const auto outcome = outcomeOf(send());
@@ -207,7 +213,7 @@ TEST_F(URLSessionTest, FollowsRedirectsOnlyAtHome) {
 
     for (const int status : {301, 302, 307, 308}) {
         const auto count = m_server.requests().size();
-        m_server.enqueue(LoopbackServer::redirect(u"moved"_qs, status));
+        m_server.enqueue(LoopbackServer::redirect(QStringLiteral("moved"), status));
         expectAnswer("behind a redirect");
         ASSERT_EQ(m_server.requests().size(), count + 2);
         const auto& first = m_server.requests()[count];
@@ -218,7 +224,7 @@ TEST_F(URLSessionTest, FollowsRedirectsOnlyAtHome) {
     }
 
     for (int i = 0; i < 20; ++i)
-        m_server.enqueue(LoopbackServer::redirect(u"/ask"_qs));
+        m_server.enqueue(LoopbackServer::redirect(QStringLiteral("/ask")));
     EXPECT_EQ(outcomeOf(send()).sentence(), "The AI service at “127.0.0.1” sends requests in a circle.");
 }
 

@@ -59,7 +59,7 @@ public:
     bool askToRevert(QWidget*, const QString&) override { return reverts; }
 
     bool offerSaveAs(QWidget*, const QString& title, const QString& sentence) override {
-        errors.append(title + u" "_qs + sentence);
+        errors.append(title + QStringLiteral(" ") + sentence);
         return false;
     }
 
@@ -72,7 +72,7 @@ public:
     bool askToBecomeDefault(QWidget*) override { return false; }
     void presentMessage(QWidget*, const QString&, const QString&) override {}
     void presentError(QWidget*, const QString& title, const QString& sentence) override {
-        errors.append(title + u" "_qs + sentence);
+        errors.append(title + QStringLiteral(" ") + sentence);
     }
 
     std::deque<SaveAnswer> saveAnswers;

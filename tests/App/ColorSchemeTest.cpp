@@ -24,8 +24,8 @@ public:
 
 public Q_SLOTS:
     QDBusVariant Read(const QString& group, const QString& key) {
-        EXPECT_EQ(group, u"org.freedesktop.appearance"_qs);
-        EXPECT_EQ(key, u"color-scheme"_qs);
+        EXPECT_EQ(group, QStringLiteral("org.freedesktop.appearance"));
+        EXPECT_EQ(key, QStringLiteral("color-scheme"));
         return QDBusVariant(QVariant::fromValue(QDBusVariant(colorScheme)));
     }
 
@@ -37,19 +37,20 @@ Q_SIGNALS:
 class Desktop {
 public:
     Desktop() {
-        m_daemon.start(u"dbus-daemon"_qs, {u"--session"_qs, u"--nofork"_qs, u"--print-address"_qs});
+        m_daemon.start(QStringLiteral("dbus-daemon"),
+                       {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address")});
         if (!m_daemon.waitForReadyRead())
             throw std::runtime_error("The tests need dbus-daemon.");
         const QString address = QString::fromLatin1(m_daemon.readLine()).trimmed();
         qputenv("DBUS_SESSION_BUS_ADDRESS", address.toLatin1());
-        QDBusConnection bus = QDBusConnection::connectToBus(address, u"portal"_qs);
-        EXPECT_TRUE(bus.registerObject(u"/org/freedesktop/portal/desktop"_qs, &portal,
+        QDBusConnection bus = QDBusConnection::connectToBus(address, QStringLiteral("portal"));
+        EXPECT_TRUE(bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal,
                                        QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
-        EXPECT_TRUE(bus.registerService(u"org.freedesktop.portal.Desktop"_qs));
+        EXPECT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
     }
 
     ~Desktop() {
-        QDBusConnection::disconnectFromBus(u"portal"_qs);
+        QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
         QDBusConnection::disconnectFromBus(QDBusConnection::sessionBus().name());
         m_daemon.terminate();
         m_daemon.waitForFinished();
@@ -57,7 +58,8 @@ public:
 
     void choose(uint colorScheme) {
         portal.colorScheme = colorScheme;
-        Q_EMIT portal.SettingChanged(u"org.freedesktop.appearance"_qs, u"color-scheme"_qs, QDBusVariant(colorScheme));
+        Q_EMIT portal.SettingChanged(QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme"),
+                                     QDBusVariant(colorScheme));
     }
 
     Portal portal;

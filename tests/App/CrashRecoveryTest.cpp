@@ -48,7 +48,7 @@ protected:
 };
 
 TEST_F(CrashRecoveryTest, aCleanEndLeavesNothingToOffer) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     edit(*document(0));
     m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::DontSave};
     m_app->terminate();
@@ -60,13 +60,13 @@ TEST_F(CrashRecoveryTest, aCleanEndLeavesNothingToOffer) {
 }
 
 TEST_F(CrashRecoveryTest, theNextStartOffersTheDocumentAndGoesOnWhereTheReaderWas) {
-    const QUrl url = file(u"plan.pdf"_qs);
+    const QUrl url = file(QStringLiteral("plan.pdf"));
     crash(url);
     launch();
     ASSERT_NE(offer(), nullptr);
     EXPECT_FALSE(landingIsVisible());
     EXPECT_EQ(visibleWindowCount(), 1);
-    click(u"recover"_qs);
+    click(QStringLiteral("recover"));
     ASSERT_TRUE(QTest::qWaitFor([this] { return offer() == nullptr; }, timeLimitInMilliseconds));
     settle();
     ASSERT_EQ(m_app->controller().documents().size(), 1U);
@@ -79,20 +79,20 @@ TEST_F(CrashRecoveryTest, theNextStartOffersTheDocumentAndGoesOnWhereTheReaderWa
 }
 
 TEST_F(CrashRecoveryTest, whatIsLeftIsOfferedAgainAndWhatIsDeletedIsNot) {
-    const QUrl url = file(u"plan.pdf"_qs);
+    const QUrl url = file(QStringLiteral("plan.pdf"));
     crash(url);
-    launch({file(u"other.pdf"_qs)});
+    launch({file(QStringLiteral("other.pdf"))});
     ASSERT_NE(offer(), nullptr);
     EXPECT_TRUE(offer()->isVisible());
-    click(u"notNow"_qs);
+    click(QStringLiteral("notNow"));
     EXPECT_EQ(offer(), nullptr);
     EXPECT_TRUE(window()->isVisible());
 
     startAnew();
     launch();
     ASSERT_NE(offer(), nullptr);
-    click(u"delete"_qs);
-    click(u"confirmDelete"_qs);
+    click(QStringLiteral("delete"));
+    click(QStringLiteral("confirmDelete"));
     EXPECT_EQ(offer(), nullptr);
     EXPECT_TRUE(landingIsVisible());
 
@@ -109,13 +109,13 @@ TEST_F(CrashRecoveryTest, thatChangesCannotBeKeptSafeIsToldOverThePage) {
     QFile inTheWay(folder);
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     inTheWay.close();
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     QSignalSpy failed(&m_app->crashRecovery().recovery(), &DocumentRecovery::writingFailed);
     document(0)->undoManager()->markEdited();
     m_app->crashRecovery().recovery().writePending();
     EXPECT_TRUE(failed.wait(timeLimitInMilliseconds));
     EXPECT_TRUE(window()->currentContentView()->workspace()->notice().message().startsWith(
-        u"Unsaved changes can't be kept safe"_qs));
+        QStringLiteral("Unsaved changes can't be kept safe")));
     EXPECT_TRUE(inTheWay.remove());
 }
 

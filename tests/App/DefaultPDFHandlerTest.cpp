@@ -15,7 +15,7 @@
 namespace {
 
 QString promptedKey() {
-    return u"hasPromptedSetAsDefaultPDFHandler"_qs;
+    return QStringLiteral("hasPromptedSetAsDefaultPDFHandler");
 }
 
 void write(const QString& path, const QByteArray& content) {
@@ -48,17 +48,17 @@ protected:
         QFile::remove(desktopEntry());
     }
 
-    QString program() const { return m_folder.filePath(u"xdg-mime"_qs); }
+    QString program() const { return m_folder.filePath(QStringLiteral("xdg-mime")); }
 
     static QString desktopEntry() {
         return QStandardPaths::writableLocation(QStandardPaths::ApplicationsLocation) +
-               u"/org.quillo.Quillo.desktop"_qs;
+               QStringLiteral("/org.quillo.Quillo.desktop");
     }
 
-    void setCurrentViewer(const QByteArray& name) { write(m_folder.filePath(u"current"_qs), name); }
+    void setCurrentViewer(const QByteArray& name) { write(m_folder.filePath(QStringLiteral("current")), name); }
 
     QByteArray log() const {
-        QFile file(m_folder.filePath(u"log"_qs));
+        QFile file(m_folder.filePath(QStringLiteral("log")));
         return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
     }
 
@@ -77,7 +77,7 @@ protected:
 
     QTemporaryDir m_folder;
     const QByteArray m_oldPath = qgetenv("PATH");
-    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     int m_questionCount = 0;
     bool m_answer = true;
     DefaultPDFHandler m_handler{m_defaults, [this] {
@@ -95,7 +95,7 @@ TEST_F(DefaultPDFHandlerTest, asksTheDesktopAndTellsIt) {
     EXPECT_EQ(log(), "default org.quillo.Quillo.desktop application/pdf\n");
     EXPECT_TRUE(isDefault());
 
-    write(m_folder.filePath(u"refuse"_qs), "");
+    write(m_folder.filePath(QStringLiteral("refuse")), "");
     succeeded.reset();
     m_handler.setAsDefault([&succeeded](bool value) { succeeded = value; });
     ASSERT_TRUE(QTest::qWaitFor([&succeeded] { return succeeded.has_value(); }));

@@ -44,9 +44,9 @@ TEST(DocumentDialogs, theSaveQuestionHasThreeAnswers) {
         std::function<void(QDialog&)> reply;
         SaveAnswer answer;
     } cases[] = {
-        {[](QDialog& dialog) { press(dialog, u"Save"_qs); }, SaveAnswer::Save},
-        {[](QDialog& dialog) { press(dialog, u"Don't Save"_qs); }, SaveAnswer::DontSave},
-        {[](QDialog& dialog) { press(dialog, u"Cancel"_qs); }, SaveAnswer::Cancel},
+        {[](QDialog& dialog) { press(dialog, QStringLiteral("Save")); }, SaveAnswer::Save},
+        {[](QDialog& dialog) { press(dialog, QStringLiteral("Don't Save")); }, SaveAnswer::DontSave},
+        {[](QDialog& dialog) { press(dialog, QStringLiteral("Cancel")); }, SaveAnswer::Cancel},
         {[](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }, SaveAnswer::Cancel},
         {[](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }, SaveAnswer::Save},
         {[](QDialog& dialog) { dialog.close(); }, SaveAnswer::Cancel},
@@ -54,34 +54,36 @@ TEST(DocumentDialogs, theSaveQuestionHasThreeAnswers) {
     for (const auto& each : cases) {
         whenAsked([&each](QDialog& dialog) {
             const auto& box = dynamic_cast<QMessageBox&>(dialog);
-            EXPECT_TRUE(box.text().contains(u"“<i>a</i>.pdf”"_qs));
+            EXPECT_TRUE(box.text().contains(QStringLiteral("“<i>a</i>.pdf”")));
             EXPECT_EQ(box.textFormat(), Qt::PlainText);
             each.reply(dialog);
         });
-        EXPECT_EQ(dialogs.askToSave(nullptr, u"<i>a</i>.pdf"_qs), each.answer);
+        EXPECT_EQ(dialogs.askToSave(nullptr, QStringLiteral("<i>a</i>.pdf")), each.answer);
     }
 }
 
 TEST(DocumentDialogs, theQuestionAboutSeveralDocumentsSavesWhatIsChecked) {
     DocumentDialogs dialogs;
     const std::vector<UnsavedDocumentsDialog::Entry> documents = {
-        {u"a.pdf"_qs, u"/one"_qs}, {u"a.pdf"_qs, u"/two"_qs}, {u"Untitled"_qs, u"not in a file yet"_qs}};
+        {QStringLiteral("a.pdf"), QStringLiteral("/one")},
+        {QStringLiteral("a.pdf"), QStringLiteral("/two")},
+        {QStringLiteral("Untitled"), QStringLiteral("not in a file yet")}};
     const auto toggle = [](QDialog& dialog, int row) {
-        auto* list = dialog.findChild<QListWidget*>(u"unsavedList"_qs);
+        auto* list = dialog.findChild<QListWidget*>(QStringLiteral("unsavedList"));
         list->setCurrentRow(row);
         QTest::keyClick(list, Qt::Key_Space);
     };
-    const auto save = [](QDialog& dialog) { return dialog.findChild<QPushButton*>(u"saveChecked"_qs); };
+    const auto save = [](QDialog& dialog) { return dialog.findChild<QPushButton*>(QStringLiteral("saveChecked")); };
     const struct {
         std::function<void(QDialog&)> reply;
         SaveAnswer answer;
         std::vector<bool> checked;
     } cases[] = {
-        {[](QDialog& dialog) { press(dialog, u"Save"_qs); }, SaveAnswer::Save, {true, true, true}},
+        {[](QDialog& dialog) { press(dialog, QStringLiteral("Save")); }, SaveAnswer::Save, {true, true, true}},
         {[](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }, SaveAnswer::Save, {true, true, true}},
         {[&](QDialog& dialog) {
              toggle(dialog, 1);
-             press(dialog, u"Save Selected"_qs);
+             press(dialog, QStringLiteral("Save Selected"));
          },
          SaveAnswer::Save,
          {true, false, true}},
@@ -91,16 +93,16 @@ TEST(DocumentDialogs, theQuestionAboutSeveralDocumentsSavesWhatIsChecked) {
              EXPECT_FALSE(save(dialog)->isEnabled());
              toggle(dialog, 2);
              EXPECT_TRUE(save(dialog)->isEnabled());
-             press(dialog, u"Discard All"_qs);
+             press(dialog, QStringLiteral("Discard All"));
          },
          SaveAnswer::DontSave,
          {false, false, true}},
-        {[](QDialog& dialog) { press(dialog, u"Cancel"_qs); }, SaveAnswer::Cancel, {true, true, true}},
+        {[](QDialog& dialog) { press(dialog, QStringLiteral("Cancel")); }, SaveAnswer::Cancel, {true, true, true}},
         {[](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }, SaveAnswer::Cancel, {true, true, true}},
     };
     for (const auto& each : cases) {
         whenAsked([&each](QDialog& dialog) {
-            const auto* list = dialog.findChild<QListWidget*>(u"unsavedList"_qs);
+            const auto* list = dialog.findChild<QListWidget*>(QStringLiteral("unsavedList"));
             ASSERT_EQ(list->count(), 3);
             EXPECT_NE(list->item(0)->text(), list->item(1)->text());
             each.reply(dialog);
@@ -122,34 +124,40 @@ TEST(DocumentDialogs, questionsAboutAFileTakeTheAnswerThatLosesNothingAsUsual) {
                 press(dialog, button);
         };
     };
-    for (const auto& [button, answer] :
-         {std::pair{u"Overwrite"_qs, ChangedFileAnswer::Overwrite},
-          std::pair{u"Save As…"_qs, ChangedFileAnswer::SaveAs}, std::pair{u"Cancel"_qs, ChangedFileAnswer::Cancel},
-          std::pair{QString(), ChangedFileAnswer::SaveAs}}) {
+    for (const auto& [button, answer] : {std::pair{QStringLiteral("Overwrite"), ChangedFileAnswer::Overwrite},
+                                         std::pair{QStringLiteral("Save As…"), ChangedFileAnswer::SaveAs},
+                                         std::pair{QStringLiteral("Cancel"), ChangedFileAnswer::Cancel},
+                                         std::pair{QString(), ChangedFileAnswer::SaveAs}}) {
         whenAsked(reply(button));
-        EXPECT_EQ(dialogs.askAboutChangedFile(nullptr, u"a.pdf"_qs), answer) << button.toStdString();
+        EXPECT_EQ(dialogs.askAboutChangedFile(nullptr, QStringLiteral("a.pdf")), answer) << button.toStdString();
+    }
+    for (const auto& [button, answer] : {std::pair{QStringLiteral("Revert"), true},
+                                         std::pair{QStringLiteral("Cancel"), false}, std::pair{QString(), false}}) {
+        whenAsked(reply(button));
+        EXPECT_EQ(dialogs.askToRevert(nullptr, QStringLiteral("a.pdf")), answer) << button.toStdString();
     }
     for (const auto& [button, answer] :
-         {std::pair{u"Revert"_qs, true}, std::pair{u"Cancel"_qs, false}, std::pair{QString(), false}}) {
+         {std::pair{QStringLiteral("Reload"), true}, std::pair{QStringLiteral("Keep My Changes"), false},
+          std::pair{QString(), false}}) {
         whenAsked(reply(button));
-        EXPECT_EQ(dialogs.askToRevert(nullptr, u"a.pdf"_qs), answer) << button.toStdString();
+        EXPECT_EQ(dialogs.askToReload(nullptr, QStringLiteral("a.pdf")), answer) << button.toStdString();
     }
     for (const auto& [button, answer] :
-         {std::pair{u"Reload"_qs, true}, std::pair{u"Keep My Changes"_qs, false}, std::pair{QString(), false}}) {
+         {std::pair{QStringLiteral("Save As…"), true}, std::pair{QStringLiteral("OK"), false}}) {
         whenAsked(reply(button));
-        EXPECT_EQ(dialogs.askToReload(nullptr, u"a.pdf"_qs), answer) << button.toStdString();
-    }
-    for (const auto& [button, answer] : {std::pair{u"Save As…"_qs, true}, std::pair{u"OK"_qs, false}}) {
-        whenAsked(reply(button));
-        EXPECT_EQ(dialogs.offerSaveAs(nullptr, u"It couldn't be saved."_qs, u"The disk is full."_qs), answer);
+        EXPECT_EQ(
+            dialogs.offerSaveAs(nullptr, QStringLiteral("It couldn't be saved."), QStringLiteral("The disk is full.")),
+            answer);
     }
 }
 
 TEST(DocumentDialogs, theDefaultViewerQuestionTakesItsFirstButtonAsYes) {
     DocumentDialogs dialogs;
-    for (const auto& [button, answer] : {std::pair{u"Set as Default"_qs, true}, std::pair{u"Not Now"_qs, false}}) {
+    for (const auto& [button, answer] :
+         {std::pair{QStringLiteral("Set as Default"), true}, std::pair{QStringLiteral("Not Now"), false}}) {
         whenAsked([&button = button](QDialog& dialog) {
-            EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).text(), u"Make Quillo Your Default PDF Viewer?"_qs);
+            EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).text(),
+                      QStringLiteral("Make Quillo Your Default PDF Viewer?"));
             press(dialog, button);
         });
         EXPECT_EQ(dialogs.askToBecomeDefault(nullptr), answer);
@@ -162,15 +170,15 @@ TEST(DocumentDialogs, thePasswordPromptGivesWhatWasTypedOrNothing) {
         auto* field = dialog.findChild<QLineEdit*>();
         ASSERT_NE(field, nullptr);
         EXPECT_EQ(field->echoMode(), QLineEdit::Password);
-        QTest::keyClicks(field, u"pass word"_qs);
-        press(dialog, u"Unlock"_qs);
+        QTest::keyClicks(field, QStringLiteral("pass word"));
+        press(dialog, QStringLiteral("Unlock"));
     });
-    EXPECT_EQ(dialogs.askPassword(nullptr), u"pass word"_qs);
+    EXPECT_EQ(dialogs.askPassword(nullptr), QStringLiteral("pass word"));
 
-    whenAsked([](QDialog& dialog) { press(dialog, u"Unlock"_qs); });
+    whenAsked([](QDialog& dialog) { press(dialog, QStringLiteral("Unlock")); });
     EXPECT_EQ(dialogs.askPassword(nullptr), QString()) << "An empty password is one like any other.";
 
-    whenAsked([](QDialog& dialog) { press(dialog, u"Cancel"_qs); });
+    whenAsked([](QDialog& dialog) { press(dialog, QStringLiteral("Cancel")); });
     EXPECT_EQ(dialogs.askPassword(nullptr), std::nullopt);
 }
 
@@ -182,12 +190,13 @@ TEST(DocumentDialogs, theSavePanelStartsAtTheSuggestionAndAddsTheExtension) {
         EXPECT_EQ(panel.acceptMode(), QFileDialog::AcceptSave);
         auto* field = panel.findChild<QLineEdit*>();
         ASSERT_NE(field, nullptr);
-        EXPECT_EQ(field->text(), u"paper.pdf"_qs);
-        field->setText(u"copy"_qs);
+        EXPECT_EQ(field->text(), QStringLiteral("paper.pdf"));
+        field->setText(QStringLiteral("copy"));
         QMetaObject::invokeMethod(&panel, "accept");
     });
-    EXPECT_EQ(dialogs.chooseSaveLocation(nullptr, folder.filePath(u"paper.pdf"_qs)), folder.filePath(u"copy.pdf"_qs));
+    EXPECT_EQ(dialogs.chooseSaveLocation(nullptr, folder.filePath(QStringLiteral("paper.pdf"))),
+              folder.filePath(QStringLiteral("copy.pdf")));
 
     whenAsked([](QDialog& dialog) { dialog.reject(); });
-    EXPECT_EQ(dialogs.chooseSaveLocation(nullptr, folder.filePath(u"paper.pdf"_qs)), std::nullopt);
+    EXPECT_EQ(dialogs.chooseSaveLocation(nullptr, folder.filePath(QStringLiteral("paper.pdf"))), std::nullopt);
 }

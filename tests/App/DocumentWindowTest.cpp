@@ -22,89 +22,93 @@ using SaveAnswer = ScriptedDialogs::SaveAnswer;
 
 class DocumentWindowTest : public AppTest {
 protected:
-    QTabBar* tabs() { return window()->findChild<QTabBar*>(u"documentTabs"_qs); }
+    QTabBar* tabs() { return window()->findChild<QTabBar*>(QStringLiteral("documentTabs")); }
     std::shared_ptr<PDFEditorDocument> current() { return window()->currentContentView()->document(); }
 };
 
 TEST_F(DocumentWindowTest, documentsAreTabsOfOneWindow) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     DocumentWindow* first = window();
     EXPECT_FALSE(tabs()->isVisible());
-    open(file(u"b & c.pdf"_qs));
-    open(file(u"d[*].pdf"_qs));
+    open(file(QStringLiteral("b & c.pdf")));
+    open(file(QStringLiteral("d[*].pdf")));
     EXPECT_EQ(window(), first);
     EXPECT_TRUE(tabs()->isVisible());
-    EXPECT_EQ(tabNames(), (QStringList{u"a.pdf"_qs, u"b & c.pdf"_qs, u"d[*].pdf"_qs}));
-    EXPECT_EQ(tabs()->tabText(1), u"b && c.pdf"_qs);
-    EXPECT_EQ(tabs()->tabToolTip(1), m_folder.filePath(u"b & c.pdf"_qs));
+    EXPECT_EQ(tabNames(),
+              (QStringList{QStringLiteral("a.pdf"), QStringLiteral("b & c.pdf"), QStringLiteral("d[*].pdf")}));
+    EXPECT_EQ(tabs()->tabText(1), QStringLiteral("b && c.pdf"));
+    EXPECT_EQ(tabs()->tabToolTip(1), m_folder.filePath(QStringLiteral("b & c.pdf")));
     EXPECT_EQ(m_app->controller().currentDocument(), document(2));
     EXPECT_FALSE(window()->isWindowModified());
-    EXPECT_TRUE(window()->windowTitle().startsWith(u"d[*][*].pdf"_qs));
+    EXPECT_TRUE(window()->windowTitle().startsWith(QStringLiteral("d[*][*].pdf")));
 
     // An open file comes forward instead of opening again.
-    open(file(u"a.pdf"_qs));
+    open(file(QStringLiteral("a.pdf")));
     EXPECT_EQ(tabs()->count(), 3);
-    EXPECT_EQ(current()->displayName(), u"a.pdf"_qs);
+    EXPECT_EQ(current()->displayName(), QStringLiteral("a.pdf"));
 
     tabs()->moveTab(0, 2);
-    EXPECT_EQ(tabNames(), (QStringList{u"b & c.pdf"_qs, u"d[*].pdf"_qs, u"a.pdf"_qs}));
-    EXPECT_EQ(current()->displayName(), u"a.pdf"_qs);
+    EXPECT_EQ(tabNames(),
+              (QStringList{QStringLiteral("b & c.pdf"), QStringLiteral("d[*].pdf"), QStringLiteral("a.pdf")}));
+    EXPECT_EQ(current()->displayName(), QStringLiteral("a.pdf"));
     QTest::mouseClick(tabs(), Qt::LeftButton, {}, tabs()->tabRect(0).center());
-    EXPECT_EQ(current()->displayName(), u"b & c.pdf"_qs);
+    EXPECT_EQ(current()->displayName(), QStringLiteral("b & c.pdf"));
     EXPECT_EQ(m_app->controller().currentDocument(), current());
-    window()->findChild<QAction*>(u"previousTab"_qs)->trigger();
-    EXPECT_EQ(current()->displayName(), u"a.pdf"_qs);
-    window()->findChild<QAction*>(u"nextTab"_qs)->trigger();
-    EXPECT_EQ(current()->displayName(), u"b & c.pdf"_qs);
+    window()->findChild<QAction*>(QStringLiteral("previousTab"))->trigger();
+    EXPECT_EQ(current()->displayName(), QStringLiteral("a.pdf"));
+    window()->findChild<QAction*>(QStringLiteral("nextTab"))->trigger();
+    EXPECT_EQ(current()->displayName(), QStringLiteral("b & c.pdf"));
 
     QTest::mouseClick(tabs(), Qt::MiddleButton, {}, tabs()->tabRect(1).center());
     settle();
-    EXPECT_EQ(tabNames(), (QStringList{u"b & c.pdf"_qs, u"a.pdf"_qs}));
+    EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("b & c.pdf"), QStringLiteral("a.pdf")}));
 }
 
 TEST_F(DocumentWindowTest, theNewTabButtonMakesAnUntitledDocument) {
-    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
-    QTest::mouseClick(window()->findChild<QToolButton*>(u"newTabButton"_qs), Qt::LeftButton);
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
+    QTest::mouseClick(window()->findChild<QToolButton*>(QStringLiteral("newTabButton")), Qt::LeftButton);
     settle();
-    EXPECT_EQ(tabNames().constLast(), u"Untitled"_qs);
-    EXPECT_EQ(current()->displayName(), u"Untitled"_qs);
+    EXPECT_EQ(tabNames().constLast(), QStringLiteral("Untitled"));
+    EXPECT_EQ(current()->displayName(), QStringLiteral("Untitled"));
 }
 
 TEST_F(DocumentWindowTest, commandsAreEnabledOnlyWhileTheyCanDoSomething) {
-    launch({file(u"a.pdf"_qs, {.pageCount = 2})});
+    launch({file(QStringLiteral("a.pdf"), {.pageCount = 2})});
     const auto expectEnabled = [this](const QStringList& names, bool enabled) {
         for (const QString& name : names)
             EXPECT_EQ(command(name)->isEnabled(), enabled) << name.toStdString();
     };
-    expectEnabled(
-        {u"close"_qs, u"saveAs"_qs, u"duplicate"_qs, u"selectAll"_qs, u"nextPage"_qs, u"lastPage"_qs, u"zoomToFit"_qs},
-        true);
-    expectEnabled(
-        {u"save"_qs, u"revert"_qs, u"undo"_qs, u"redo"_qs, u"copy"_qs, u"previousPage"_qs, u"back"_qs, u"forward"_qs},
-        false);
+    expectEnabled({QStringLiteral("close"), QStringLiteral("saveAs"), QStringLiteral("duplicate"),
+                   QStringLiteral("selectAll"), QStringLiteral("nextPage"), QStringLiteral("lastPage"),
+                   QStringLiteral("zoomToFit")},
+                  true);
+    expectEnabled({QStringLiteral("save"), QStringLiteral("revert"), QStringLiteral("undo"), QStringLiteral("redo"),
+                   QStringLiteral("copy"), QStringLiteral("previousPage"), QStringLiteral("back"),
+                   QStringLiteral("forward")},
+                  false);
 
     edit(*document(0));
-    expectEnabled({u"save"_qs, u"revert"_qs, u"undo"_qs}, true);
-    command(u"undo"_qs)->trigger();
+    expectEnabled({QStringLiteral("save"), QStringLiteral("revert"), QStringLiteral("undo")}, true);
+    command(QStringLiteral("undo"))->trigger();
     settle();
-    expectEnabled({u"save"_qs, u"revert"_qs, u"undo"_qs}, false);
+    expectEnabled({QStringLiteral("save"), QStringLiteral("revert"), QStringLiteral("undo")}, false);
 
-    command(u"firstPage"_qs)->trigger();
-    expectEnabled({u"previousPage"_qs}, false);
-    command(u"lastPage"_qs)->trigger();
-    expectEnabled({u"previousPage"_qs, u"back"_qs}, true);
-    expectEnabled({u"nextPage"_qs}, false);
-    command(u"selectAll"_qs)->trigger();
-    expectEnabled({u"copy"_qs}, true);
+    command(QStringLiteral("firstPage"))->trigger();
+    expectEnabled({QStringLiteral("previousPage")}, false);
+    command(QStringLiteral("lastPage"))->trigger();
+    expectEnabled({QStringLiteral("previousPage"), QStringLiteral("back")}, true);
+    expectEnabled({QStringLiteral("nextPage")}, false);
+    command(QStringLiteral("selectAll"))->trigger();
+    expectEnabled({QStringLiteral("copy")}, true);
 }
 
 TEST_F(DocumentWindowTest, namesOfTabsStayLegibleInANarrowWindow) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     for (int i = 1; i < 8; ++i)
-        open(file(u"The minutes of meeting %1 of the board.pdf"_qs.arg(i)));
+        open(file(QStringLiteral("The minutes of meeting %1 of the board.pdf").arg(i)));
     window()->resize(500, 600);
     settle();
-    const int legible = tabs()->fontMetrics().horizontalAdvance(u"The m…d.pdf"_qs);
+    const int legible = tabs()->fontMetrics().horizontalAdvance(QStringLiteral("The m…d.pdf"));
     const auto room = [this](int tab) {
         return tabs()->tabRect(tab).width() - tabs()->tabButton(tab, QTabBar::RightSide)->width();
     };
@@ -115,9 +119,9 @@ TEST_F(DocumentWindowTest, namesOfTabsStayLegibleInANarrowWindow) {
 }
 
 TEST_F(DocumentWindowTest, theMenuBelongsToTheCurrentTab) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     auto* firstView = window()->currentContentView()->workspace()->pdfView();
-    open(file(u"locked.pdf"_qs, {.password = "key"}));
+    open(file(QStringLiteral("locked.pdf"), {.password = "key"}));
     const auto entries = [this](const QString& menu) {
         QList<QAction*> actions;
         for (QAction* title : window()->menuBar()->actions()) {
@@ -126,14 +130,14 @@ TEST_F(DocumentWindowTest, theMenuBelongsToTheCurrentTab) {
         }
         return actions;
     };
-    for (const QString& menu : {u"Go"_qs, u"Tools"_qs}) {
+    for (const QString& menu : {QStringLiteral("Go"), QStringLiteral("Tools")}) {
         ASSERT_FALSE(entries(menu).isEmpty());
         for (const QAction* entry : entries(menu))
             EXPECT_TRUE(entry->isSeparator() || !entry->isEnabled()) << entry->text().toStdString();
     }
-    EXPECT_FALSE(command(u"saveAs"_qs)->isEnabled());
+    EXPECT_FALSE(command(QStringLiteral("saveAs"))->isEnabled());
     const auto prints = [&entries] {
-        QList<QAction*> actions = entries(u"File"_qs);
+        QList<QAction*> actions = entries(QStringLiteral("File"));
         actions.removeIf([](const QAction* entry) { return entry->objectName() != QLatin1String("print"); });
         return actions;
     };
@@ -143,7 +147,7 @@ TEST_F(DocumentWindowTest, theMenuBelongsToTheCurrentTab) {
     window()->setCurrent(window()->contentViews().front());
     ASSERT_EQ(prints().size(), 1);
     EXPECT_TRUE(prints().constFirst()->isEnabled());
-    EXPECT_TRUE(entries(u"Go"_qs).contains(firstView->action(PDFViewCommand::goToNextPage)));
+    EXPECT_TRUE(entries(QStringLiteral("Go")).contains(firstView->action(PDFViewCommand::goToNextPage)));
     QTest::keyClick(window(), Qt::Key_Down, Qt::ControlModifier);
     EXPECT_EQ(firstView->currentPageIndex(), 1);
     const double scale = firstView->scaleFactor();
@@ -152,7 +156,7 @@ TEST_F(DocumentWindowTest, theMenuBelongsToTheCurrentTab) {
 }
 
 TEST_F(DocumentWindowTest, aToolIsChosenForTheCurrentTab) {
-    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
     const auto toolOf = [this](std::size_t tab) {
         return window()->contentViews()[tab]->workspace()->pdfView()->toolState()->tool();
     };
@@ -162,57 +166,57 @@ TEST_F(DocumentWindowTest, aToolIsChosenForTheCurrentTab) {
     QTest::keyClick(window(), Qt::Key_F, Qt::ControlModifier);
     EXPECT_EQ(toolOf(0), AnnotationTool::ink);
     EXPECT_EQ(toolOf(1), AnnotationTool::form);
-    EXPECT_TRUE(command(u"form"_qs)->isChecked());
-    command(u"oval"_qs)->trigger();
+    EXPECT_TRUE(command(QStringLiteral("form"))->isChecked());
+    command(QStringLiteral("oval"))->trigger();
     EXPECT_EQ(toolOf(0), AnnotationTool::ink);
     EXPECT_EQ(toolOf(1), AnnotationTool::oval);
-    command(u"editText"_qs)->trigger();
+    command(QStringLiteral("editText"))->trigger();
     EXPECT_EQ(toolOf(1), AnnotationTool::select);
-    EXPECT_TRUE(command(u"editText"_qs)->isChecked());
+    EXPECT_TRUE(command(QStringLiteral("editText"))->isChecked());
 }
 
 TEST_F(DocumentWindowTest, theEditedMarkShowsOnTabAndWindow) {
-    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
     edit(*document(1));
-    EXPECT_EQ(tabs()->tabText(1), u"• b.pdf"_qs);
+    EXPECT_EQ(tabs()->tabText(1), QStringLiteral("• b.pdf"));
     EXPECT_TRUE(window()->isWindowModified());
-    command(u"save"_qs)->trigger();
+    command(QStringLiteral("save"))->trigger();
     settle();
-    EXPECT_EQ(tabs()->tabText(1), u"b.pdf"_qs);
+    EXPECT_EQ(tabs()->tabText(1), QStringLiteral("b.pdf"));
     EXPECT_FALSE(window()->isWindowModified());
-    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(u"b.pdf"_qs))->pageCount(), 2);
+    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(QStringLiteral("b.pdf")))->pageCount(), 2);
 }
 
 TEST_F(DocumentWindowTest, whatIsBeingTypedIsSavedAndAskedAbout) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     const auto type = [this](const QString& text) {
-        command(u"textBox"_qs)->trigger();
+        command(QStringLiteral("textBox"))->trigger();
         AnnotatingPDFView* const view = window()->currentContentView()->workspace()->pdfView();
         QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->viewport()->rect().center());
         auto* const editor = view->viewport()->findChild<QTextEdit*>();
         ASSERT_TRUE(editor);
         QTest::keyClicks(editor, text);
     };
-    type(u"saved"_qs);
+    type(QStringLiteral("saved"));
     EXPECT_FALSE(document(0)->isDocumentEdited());
-    ASSERT_TRUE(command(u"save"_qs)->isEnabled());
-    command(u"save"_qs)->trigger();
+    ASSERT_TRUE(command(QStringLiteral("save"))->isEnabled());
+    command(QStringLiteral("save"))->trigger();
     settle();
-    const auto saved = PDFDocument::fromFile(m_folder.filePath(u"a.pdf"_qs));
+    const auto saved = PDFDocument::fromFile(m_folder.filePath(QStringLiteral("a.pdf")));
     ASSERT_EQ(saved->page(0)->annotations().size(), 1U);
-    EXPECT_EQ(saved->page(0)->annotations()[0]->contents(), u"saved"_qs);
-    EXPECT_FALSE(command(u"save"_qs)->isEnabled());
+    EXPECT_EQ(saved->page(0)->annotations()[0]->contents(), QStringLiteral("saved"));
+    EXPECT_FALSE(command(QStringLiteral("save"))->isEnabled());
 
-    type(u"not saved"_qs);
+    type(QStringLiteral("not saved"));
     m_dialogs->saveAnswers = {SaveAnswer::Cancel};
-    command(u"close"_qs)->trigger();
+    command(QStringLiteral("close"))->trigger();
     settle();
-    EXPECT_EQ(m_dialogs->askedToSave, QStringList{u"a.pdf"_qs});
+    EXPECT_EQ(m_dialogs->askedToSave, QStringList{QStringLiteral("a.pdf")});
     EXPECT_EQ(document(0)->pdfDocument()->page(0)->annotations().size(), 2U);
 }
 
 TEST_F(DocumentWindowTest, undoIsAboutTheFieldThatIsBeingFilled) {
-    QFile form(m_folder.filePath(u"form.pdf"_qs));
+    QFile form(m_folder.filePath(QStringLiteral("form.pdf")));
     ASSERT_TRUE(form.open(QFile::WriteOnly));
     form.write(FormFixture::bytes());
     form.close();
@@ -226,11 +230,11 @@ TEST_F(DocumentWindowTest, undoIsAboutTheFieldThatIsBeingFilled) {
     click(FormFixture::name);
     auto* const line = view->viewport()->findChild<QLineEdit*>();
     ASSERT_TRUE(line);
-    QTest::keyClicks(line, u"Ada"_qs);
-    command(u"undo"_qs)->trigger();
+    QTest::keyClicks(line, QStringLiteral("Ada"));
+    command(QStringLiteral("undo"))->trigger();
     EXPECT_EQ(line->text(), QString());
-    command(u"redo"_qs)->trigger();
-    EXPECT_EQ(line->text(), u"Ada"_qs);
+    command(QStringLiteral("redo"))->trigger();
+    EXPECT_EQ(line->text(), QStringLiteral("Ada"));
     EXPECT_FALSE(document(0)->isDocumentEdited());
 
     click(FormFixture::fruit);
@@ -238,105 +242,106 @@ TEST_F(DocumentWindowTest, undoIsAboutTheFieldThatIsBeingFilled) {
     ASSERT_TRUE(list);
     EXPECT_TRUE(document(0)->isDocumentEdited());
     list->setCurrentRow(list->count() - 1);
-    command(u"undo"_qs)->trigger(); // what was chosen, and not what was typed before
+    command(QStringLiteral("undo"))->trigger(); // what was chosen, and not what was typed before
     EXPECT_FALSE(list->isVisible());
     EXPECT_TRUE(document(0)->undoManager()->canRedo());
     EXPECT_TRUE(document(0)->undoManager()->canUndo());
-    command(u"undo"_qs)->trigger();
+    command(QStringLiteral("undo"))->trigger();
     EXPECT_FALSE(document(0)->isDocumentEdited());
 
     click(FormFixture::name);
-    QTest::keyClicks(window()->focusWidget(), u"Bob"_qs);
-    command(u"save"_qs)->trigger();
+    QTest::keyClicks(window()->focusWidget(), QStringLiteral("Bob"));
+    command(QStringLiteral("save"))->trigger();
     settle();
-    QTest::keyClicks(window()->focusWidget(), u"by"_qs);
-    EXPECT_EQ(view->viewport()->findChild<QLineEdit*>()->text(), u"Bobby"_qs);
+    QTest::keyClicks(window()->focusWidget(), QStringLiteral("by"));
+    EXPECT_EQ(view->viewport()->findChild<QLineEdit*>()->text(), QStringLiteral("Bobby"));
     const auto value = [](const std::shared_ptr<PDFDocument>& pdf) {
         return PDFFormField::of(pdf->page(0)->annotation(FormFixture::name.center()))->value().join(u'|');
     };
-    EXPECT_EQ(value(PDFDocument::fromFile(form.fileName())), u"Bob"_qs);
+    EXPECT_EQ(value(PDFDocument::fromFile(form.fileName())), QStringLiteral("Bob"));
 }
 
 TEST_F(DocumentWindowTest, closingATabAsksWhatBecomesOfItsChanges) {
-    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
     edit(*document(1));
     const auto edited = document(1);
 
     m_dialogs->saveAnswers = {SaveAnswer::Cancel};
-    command(u"close"_qs)->trigger();
+    command(QStringLiteral("close"))->trigger();
     settle();
-    EXPECT_EQ(tabNames(), (QStringList{u"a.pdf"_qs, u"b.pdf"_qs}));
+    EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("a.pdf"), QStringLiteral("b.pdf")}));
 
     // The close button of the tab, and a save that fails: the tab stays.
     m_dialogs->saveAnswers = {SaveAnswer::Save};
-    edited->setFileURL(QUrl::fromLocalFile(m_folder.filePath(u"gone/b.pdf"_qs)));
+    edited->setFileURL(QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("gone/b.pdf"))));
     QTest::mouseClick(tabs()->tabButton(1, QTabBar::RightSide), Qt::LeftButton);
     settle();
     EXPECT_EQ(tabs()->count(), 2);
     EXPECT_EQ(m_dialogs->errors.size(), 1);
 
-    edited->setFileURL(QUrl::fromLocalFile(m_folder.filePath(u"saved.pdf"_qs)));
+    edited->setFileURL(QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("saved.pdf"))));
     m_dialogs->saveAnswers = {SaveAnswer::Save};
-    command(u"close"_qs)->trigger();
+    command(QStringLiteral("close"))->trigger();
     settle();
-    EXPECT_EQ(tabNames(), QStringList{u"a.pdf"_qs});
-    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(u"saved.pdf"_qs))->pageCount(), 2);
-    EXPECT_EQ(m_dialogs->askedToSave, (QStringList{u"b.pdf"_qs, u"b.pdf"_qs, u"saved.pdf"_qs}));
+    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("a.pdf")});
+    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(QStringLiteral("saved.pdf")))->pageCount(), 2);
+    EXPECT_EQ(m_dialogs->askedToSave,
+              (QStringList{QStringLiteral("b.pdf"), QStringLiteral("b.pdf"), QStringLiteral("saved.pdf")}));
 }
 
 TEST_F(DocumentWindowTest, saveAsAsksForAPlaceAndTakesItsName) {
-    launch({file(u"a.pdf"_qs)});
-    command(u"saveAs"_qs)->trigger();
+    launch({file(QStringLiteral("a.pdf"))});
+    command(QStringLiteral("saveAs"))->trigger();
     settle();
-    EXPECT_EQ(m_dialogs->suggestedPaths, QStringList{m_folder.filePath(u"a.pdf"_qs)});
-    EXPECT_EQ(tabNames(), QStringList{u"a.pdf"_qs});
+    EXPECT_EQ(m_dialogs->suggestedPaths, QStringList{m_folder.filePath(QStringLiteral("a.pdf"))});
+    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("a.pdf")});
 
-    m_dialogs->saveLocation = m_folder.filePath(u"copy.pdf"_qs);
-    command(u"saveAs"_qs)->trigger();
+    m_dialogs->saveLocation = m_folder.filePath(QStringLiteral("copy.pdf"));
+    command(QStringLiteral("saveAs"))->trigger();
     settle();
-    EXPECT_EQ(tabNames(), QStringList{u"copy.pdf"_qs});
-    EXPECT_TRUE(window()->windowTitle().startsWith(u"copy.pdf"_qs));
+    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("copy.pdf")});
+    EXPECT_TRUE(window()->windowTitle().startsWith(QStringLiteral("copy.pdf")));
     EXPECT_EQ(PDFDocument::fromFile(*m_dialogs->saveLocation)->pageCount(), 3);
 }
 
 TEST_F(DocumentWindowTest, closingTheWindowAsksOnceForAllEditedDocuments) {
-    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs), file(u"c.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf")), file(QStringLiteral("c.pdf"))});
     edit(*document(1));
     edit(*document(2));
     m_dialogs->saveAnswers = {SaveAnswer::Cancel};
     EXPECT_FALSE(window()->close());
     settle();
-    EXPECT_EQ(tabNames(), (QStringList{u"a.pdf"_qs, u"b.pdf"_qs, u"c.pdf"_qs}));
-    EXPECT_EQ(m_dialogs->askedToSave, QStringList{u"b.pdf,c.pdf"_qs});
+    EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("a.pdf"), QStringLiteral("b.pdf"), QStringLiteral("c.pdf")}));
+    EXPECT_EQ(m_dialogs->askedToSave, QStringList{QStringLiteral("b.pdf,c.pdf")});
 
     m_dialogs->saveAnswers = {SaveAnswer::Save};
-    m_dialogs->unchecked = QStringList{u"c.pdf"_qs};
+    m_dialogs->unchecked = QStringList{QStringLiteral("c.pdf")};
     window()->close();
     settle();
-    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(u"b.pdf"_qs))->pageCount(), 2);
-    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(u"c.pdf"_qs))->pageCount(), 3);
+    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(QStringLiteral("b.pdf")))->pageCount(), 2);
+    EXPECT_EQ(PDFDocument::fromFile(m_folder.filePath(QStringLiteral("c.pdf")))->pageCount(), 3);
     EXPECT_EQ(window(), nullptr);
     EXPECT_TRUE(m_app->controller().documents().empty());
     EXPECT_TRUE(landingIsVisible());
 }
 
 TEST_F(DocumentWindowTest, cancellingTheUnlockScreenClosesItsTab) {
-    launch({file(u"a.pdf"_qs), file(u"locked.pdf"_qs, {.password = "key"})});
-    ASSERT_EQ(current()->displayName(), u"locked.pdf"_qs);
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("locked.pdf"), {.password = "key"})});
+    ASSERT_EQ(current()->displayName(), QStringLiteral("locked.pdf"));
     Q_EMIT window()->currentContentView()->closeRequested();
     settle();
-    EXPECT_EQ(tabNames(), QStringList{u"a.pdf"_qs});
+    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("a.pdf")});
 }
 
 TEST_F(DocumentWindowTest, aFileDroppedOnTheWindowOpensInATab) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     QMimeData data;
-    data.setUrls({file(u"dropped.pdf"_qs)});
+    data.setUrls({file(QStringLiteral("dropped.pdf"))});
     QDragEnterEvent enter(QPoint(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window(), &enter);
     EXPECT_TRUE(enter.isAccepted());
     QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window(), &drop);
     settle();
-    EXPECT_EQ(tabNames(), (QStringList{u"a.pdf"_qs, u"dropped.pdf"_qs}));
+    EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("a.pdf"), QStringLiteral("dropped.pdf")}));
 }

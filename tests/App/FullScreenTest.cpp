@@ -24,13 +24,13 @@ protected:
 };
 
 TEST_F(FullScreenTest, pagesHaveTheWholeScreenAndTheUpperEdgeBringsTheRestBack) {
-    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
     const std::vector<bool> all(3, true);
     const std::vector<bool> none(3, false);
     ASSERT_EQ(shown(), all);
-    command(u"fullScreen"_qs)->trigger();
+    command(QStringLiteral("fullScreen"))->trigger();
     ASSERT_TRUE(QTest::qWaitFor([&] { return window()->isFullScreen() && shown() == none; }));
-    EXPECT_EQ(workspace()->notice().message(), u"Press Esc to leave the full screen"_qs);
+    EXPECT_EQ(workspace()->notice().message(), QStringLiteral("Press Esc to leave the full screen"));
 
     movePointerTo(0);
     EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == all; }));
@@ -47,8 +47,8 @@ TEST_F(FullScreenTest, pagesHaveTheWholeScreenAndTheUpperEdgeBringsTheRestBack) 
 }
 
 TEST_F(FullScreenTest, escapeThatDropsASelectionStaysInTheFullScreen) {
-    launch({file(u"a.pdf"_qs)});
-    command(u"fullScreen"_qs)->trigger();
+    launch({file(QStringLiteral("a.pdf"))});
+    command(QStringLiteral("fullScreen"))->trigger();
     ASSERT_TRUE(QTest::qWaitFor([&] { return window()->isFullScreen(); }));
     workspace()->pdfView()->selectAll();
     QTest::keyClick(workspace()->pdfView(), Qt::Key_Escape);
@@ -59,20 +59,22 @@ TEST_F(FullScreenTest, escapeThatDropsASelectionStaysInTheFullScreen) {
 }
 
 TEST_F(FullScreenTest, aWindowThatIsNoLongerMaximizedHasTheSizeOfTheLastTime) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     window()->showNormal();
     window()->resize(777, 555);
-    ASSERT_TRUE(
-        QTest::qWaitFor([this] { return m_app->defaults().stringForKey(u"DocumentWindow.size"_qs) == u"777x555"_qs; }));
-    for (const QString& stored : {u"777x555"_qs, u"0x-4"_qs, u"wide"_qs}) {
-        m_app->defaults().setString(u"DocumentWindow.size"_qs, stored);
+    ASSERT_TRUE(QTest::qWaitFor([this] {
+        return m_app->defaults().stringForKey(QStringLiteral("DocumentWindow.size")) == QStringLiteral("777x555");
+    }));
+    for (const QString& stored : {QStringLiteral("777x555"), QStringLiteral("0x-4"), QStringLiteral("wide")}) {
+        m_app->defaults().setString(QStringLiteral("DocumentWindow.size"), stored);
         m_app->controller().closeAllDocuments();
         settle();
-        open(file(u"b.pdf"_qs));
+        open(file(QStringLiteral("b.pdf")));
         EXPECT_TRUE(window()->isMaximized());
         window()->showNormal();
         settle();
-        EXPECT_EQ(window()->normalGeometry().size(), stored == u"777x555"_qs ? QSize(777, 555) : QSize(1000, 720))
+        EXPECT_EQ(window()->normalGeometry().size(),
+                  stored == QStringLiteral("777x555") ? QSize(777, 555) : QSize(1000, 720))
             << stored.toStdString();
     }
 }

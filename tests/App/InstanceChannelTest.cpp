@@ -50,18 +50,19 @@ protected:
 TEST_F(InstanceChannelTest, laterStartsReachTheFirstInOrder) {
     qputenv("XDG_ACTIVATION_TOKEN", "token-1");
     InstanceChannel first(m_path);
-    ASSERT_EQ(first.start({u"file:///x.pdf"_qs}), InstanceChannel::Role::first);
+    ASSERT_EQ(first.start({QStringLiteral("file:///x.pdf")}), InstanceChannel::Role::first);
     QSignalSpy files(&first, &InstanceChannel::filesReceived);
     QSignalSpy reopen(&first, &InstanceChannel::reopenRequested);
 
-    const QStringList names = {u"file:///b.pdf"_qs, u"file:///a%20%C3%A4.pdf"_qs, u"file:///b.pdf"_qs};
+    const QStringList names = {QStringLiteral("file:///b.pdf"), QStringLiteral("file:///a%20%C3%A4.pdf"),
+                               QStringLiteral("file:///b.pdf")};
     EXPECT_EQ(startAnother(m_path, names), InstanceChannel::Role::handedOver);
     EXPECT_EQ(startAnother(m_path, {}), InstanceChannel::Role::handedOver);
     qunsetenv("XDG_ACTIVATION_TOKEN");
 
     ASSERT_EQ(files.count(), 1);
     EXPECT_EQ(files.first().at(0).toStringList(), names);
-    EXPECT_EQ(files.first().at(1).toString(), u"token-1"_qs);
+    EXPECT_EQ(files.first().at(1).toString(), QStringLiteral("token-1"));
     EXPECT_EQ(reopen.count(), 1);
 }
 
@@ -77,7 +78,7 @@ TEST_F(InstanceChannelTest, whatACrashLeftBehindIsClearedAway) {
     ASSERT_TRUE(QFileInfo::exists(m_path));
     InstanceChannel first(m_path);
     EXPECT_EQ(first.start({}), InstanceChannel::Role::first);
-    EXPECT_EQ(startAnother(m_path, {u"file:///a.pdf"_qs}), InstanceChannel::Role::handedOver);
+    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::handedOver);
 }
 
 TEST_F(InstanceChannelTest, theSocketGoesWithTheFirst) {
@@ -101,7 +102,7 @@ TEST_F(InstanceChannelTest, aStartWhileTheFirstIsEndingTakesItsPlace) {
         ending.nextPendingConnection()->abort();
         ending.close();
     });
-    EXPECT_EQ(startAnother(m_path, {u"file:///a.pdf"_qs}), InstanceChannel::Role::first);
+    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::first);
 }
 
 TEST_F(InstanceChannelTest, oneThatRefusesEveryMessageKeepsItsPlace) {
@@ -109,7 +110,7 @@ TEST_F(InstanceChannelTest, oneThatRefusesEveryMessageKeepsItsPlace) {
     ASSERT_TRUE(refusing.listen(m_path));
     QObject::connect(&refusing, &QLocalServer::newConnection, &refusing,
                      [&refusing] { refusing.nextPendingConnection()->abort(); });
-    EXPECT_EQ(startAnother(m_path, {u"file:///a.pdf"_qs}), InstanceChannel::Role::alone);
+    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::alone);
     EXPECT_TRUE(QFileInfo::exists(m_path));
 }
 
@@ -119,7 +120,7 @@ TEST_F(InstanceChannelTest, aStartIsTakenInTheMidstOfAQuestion) {
     QSignalSpy files(&first, &InstanceChannel::filesReceived);
     QEventLoop question; // as a modal dialog runs one
     QTimer::singleShot(0, &question, [&] {
-        EXPECT_EQ(startAnother(m_path, {u"file:///a.pdf"_qs}), InstanceChannel::Role::handedOver);
+        EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::handedOver);
         question.quit();
     });
     question.exec();
@@ -140,7 +141,7 @@ TEST_F(InstanceChannelTest, garbageIsRefusedAndTheChannelGoesOn) {
         stranger.write(garbage);
         stranger.disconnectFromServer();
     }
-    EXPECT_EQ(startAnother(m_path, {u"file:///a.pdf"_qs}), InstanceChannel::Role::handedOver);
+    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::handedOver);
     EXPECT_EQ(files.count(), 1);
     EXPECT_EQ(reopen.count(), 0);
 }

@@ -52,8 +52,9 @@ protected:
 
     static QStringList recentPaths() {
         // Qt's test mode, which is on here and not in the program, would give another folder.
-        const UserDefaults defaults(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/Quillo/Quillo.ini"_qs);
-        return defaults.stringListForKey(u"DocumentController.recentDocumentPaths"_qs).value_or(QStringList());
+        const UserDefaults defaults(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Quillo/Quillo.ini"));
+        return defaults.stringListForKey(QStringLiteral("DocumentController.recentDocumentPaths"))
+            .value_or(QStringList());
     }
 
     static void expectCleanEnd(QProcess& process, int signalNumber) {
@@ -69,17 +70,17 @@ protected:
 
 TEST_F(ProgramTest, textsForTheTerminalNeedNoDisplay) {
     qputenv("QT_QPA_PLATFORM", "no-such-platform");
-    EXPECT_TRUE(run({u"--version"_qs}).output.startsWith("Quillo "));
-    EXPECT_TRUE(run({u"--help"_qs}).output.contains("quillo [FILE…]"));
-    const Ended mistaken = run({u"--loud"_qs});
+    EXPECT_TRUE(run({QStringLiteral("--version")}).output.startsWith("Quillo "));
+    EXPECT_TRUE(run({QStringLiteral("--help")}).output.contains("quillo [FILE…]"));
+    const Ended mistaken = run({QStringLiteral("--loud")});
     EXPECT_EQ(mistaken.exitCode, 2);
     EXPECT_TRUE(mistaken.errors.contains("--loud"));
     qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
 TEST_F(ProgramTest, aSecondStartHandsItsFilesToTheFirstWhichEndsWhenAsked) {
-    const QString first = TestPdf().write(m_folder.path(), u"first.pdf"_qs).toLocalFile();
-    const QString second = TestPdf().write(m_folder.path(), u"second.pdf"_qs).toLocalFile();
+    const QString first = TestPdf().write(m_folder.path(), QStringLiteral("first.pdf")).toLocalFile();
+    const QString second = TestPdf().write(m_folder.path(), QStringLiteral("second.pdf")).toLocalFile();
     QProcess program;
     start(program, {first});
     ASSERT_TRUE(isReachable());

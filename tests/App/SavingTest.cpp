@@ -44,29 +44,29 @@ protected:
 };
 
 TEST_F(SavingTest, aSaveThatTakesLongShowsUntilItEnds) {
-    launch({file(u"b.pdf"_qs)});
-    const auto document = openGated(u"a.pdf"_qs);
+    launch({file(QStringLiteral("b.pdf"))});
+    const auto document = openGated(QStringLiteral("a.pdf"));
     const PassingNotice& notice = window()->currentContentView()->workspace()->notice();
-    const auto* tabs = window()->findChild<QTabBar*>(u"documentTabs"_qs);
-    command(u"save"_qs)->trigger();
+    const auto* tabs = window()->findChild<QTabBar*>(QStringLiteral("documentTabs"));
+    command(QStringLiteral("save"))->trigger();
     QCoreApplication::processEvents();
     EXPECT_TRUE(m_app->controller().isSaving(*document));
-    EXPECT_FALSE(command(u"revert"_qs)->isEnabled());
-    EXPECT_EQ(tabs->tabText(1), u"• a.pdf"_qs) << "most saves are over before they are worth a word";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return tabs->tabText(1) == u"• a.pdf — Saving…"_qs; }));
-    EXPECT_TRUE(window()->windowTitle().startsWith(u"a.pdf — Saving…"_qs));
-    EXPECT_EQ(notice.message(), u"Saving…"_qs);
+    EXPECT_FALSE(command(QStringLiteral("revert"))->isEnabled());
+    EXPECT_EQ(tabs->tabText(1), QStringLiteral("• a.pdf")) << "most saves are over before they are worth a word";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return tabs->tabText(1) == QStringLiteral("• a.pdf — Saving…"); }));
+    EXPECT_TRUE(window()->windowTitle().startsWith(QStringLiteral("a.pdf — Saving…")));
+    EXPECT_EQ(notice.message(), QStringLiteral("Saving…"));
     document->release();
     settle();
-    EXPECT_EQ(tabs->tabText(1), u"a.pdf"_qs);
+    EXPECT_EQ(tabs->tabText(1), QStringLiteral("a.pdf"));
     EXPECT_TRUE(QTest::qWaitFor([&notice] { return !notice.isVisible(); }));
-    EXPECT_EQ(savedPageCount(u"a.pdf"_qs), 2);
+    EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 2);
 }
 
 TEST_F(SavingTest, aWindowThatClosesDuringASaveGoesWhenItIsDone) {
     launch();
-    const auto document = openGated(u"a.pdf"_qs);
-    command(u"save"_qs)->trigger();
+    const auto document = openGated(QStringLiteral("a.pdf"));
+    command(QStringLiteral("save"))->trigger();
     EXPECT_FALSE(window()->close());
     QCoreApplication::processEvents();
     EXPECT_TRUE(window()->isVisible());
@@ -74,26 +74,26 @@ TEST_F(SavingTest, aWindowThatClosesDuringASaveGoesWhenItIsDone) {
     settle();
     EXPECT_EQ(window(), nullptr);
     EXPECT_TRUE(m_dialogs->askedToSave.isEmpty());
-    EXPECT_EQ(savedPageCount(u"a.pdf"_qs), 2);
+    EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 2);
 }
 
 TEST_F(SavingTest, quittingDuringASaveEndsTheProgramOnceItIsOnTheDisk) {
     launch();
-    const auto document = openGated(u"a.pdf"_qs);
-    command(u"save"_qs)->trigger();
+    const auto document = openGated(QStringLiteral("a.pdf"));
+    command(QStringLiteral("save"))->trigger();
     m_app->terminate();
     m_app->terminate();
     EXPECT_EQ(m_app->controller().documents().size(), 1U);
     QTimer::singleShot(0, qApp, [&document] { document->release(); });
     EXPECT_EQ(QCoreApplication::exec(), 0) << "it ends by itself";
     EXPECT_TRUE(m_app->controller().documents().empty());
-    EXPECT_EQ(savedPageCount(u"a.pdf"_qs), 2);
+    EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 2);
     EXPECT_FALSE(landingIsVisible());
 }
 
 TEST_F(SavingTest, aSessionThatEndsAsksOnlyWhenItMay) {
     launch();
-    const auto document = openGated(u"a.pdf"_qs);
+    const auto document = openGated(QStringLiteral("a.pdf"));
     document->release();
     EXPECT_TRUE(m_app->commitSession(false));
     EXPECT_TRUE(document->isDocumentEdited());
@@ -102,7 +102,7 @@ TEST_F(SavingTest, aSessionThatEndsAsksOnlyWhenItMay) {
     EXPECT_FALSE(m_app->commitSession(true));
     EXPECT_TRUE(m_app->commitSession(true));
     EXPECT_FALSE(document->isDocumentEdited());
-    EXPECT_EQ(savedPageCount(u"a.pdf"_qs), 2);
+    EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 2);
     EXPECT_EQ(m_app->controller().documents().size(), 1U);
 
     edit(*document);
@@ -118,7 +118,7 @@ protected:
     PDFEditorWorkspaceView* workspace() { return window()->currentContentView()->workspace(); }
 
     void openInTheMiddle() {
-        launch({file(u"a.pdf"_qs, {.pageCount = 9})});
+        launch({file(QStringLiteral("a.pdf"), {.pageCount = 9})});
         workspace()->pdfView()->setScaleFactor(1.25);
         workspace()->pdfView()->goToPage(document(0)->pdfDocument()->page(4));
         settle();
@@ -149,11 +149,11 @@ private:
 TEST_F(ReadingAgainTest, revertingKeepsTheReadersPlace) {
     openInTheMiddle();
     document(0)->undoManager()->markEdited();
-    command(u"revert"_qs)->trigger();
+    command(QStringLiteral("revert"))->trigger();
     settle();
     EXPECT_EQ(workspace(), m_oldWorkspace) << "the answer was no";
     m_dialogs->reverts = true;
-    command(u"revert"_qs)->trigger();
+    command(QStringLiteral("revert"))->trigger();
     settle();
     EXPECT_FALSE(document(0)->isDocumentEdited());
     expectAnotherViewAtTheSamePlace();
@@ -162,61 +162,64 @@ TEST_F(ReadingAgainTest, revertingKeepsTheReadersPlace) {
 TEST_F(ReadingAgainTest, aFileThatAnotherProgramReplacedIsShownAtTheSamePlace) {
     openInTheMiddle();
     const auto before = document(0)->pdfDocument();
-    file(u"b.pdf"_qs, {.pageCount = 11});
-    ASSERT_EQ(rename(qPrintable(m_folder.filePath(u"b.pdf"_qs)), qPrintable(m_folder.filePath(u"a.pdf"_qs))), 0);
+    file(QStringLiteral("b.pdf"), {.pageCount = 11});
+    ASSERT_EQ(rename(qPrintable(m_folder.filePath(QStringLiteral("b.pdf"))),
+                     qPrintable(m_folder.filePath(QStringLiteral("a.pdf")))),
+              0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return document(0)->pdfDocument() != before; }, 30'000));
     settle();
     EXPECT_EQ(document(0)->pdfDocument()->pageCount(), 11);
-    EXPECT_EQ(workspace()->notice().message(), u"“a.pdf” was changed by another program."_qs);
+    EXPECT_EQ(workspace()->notice().message(), QStringLiteral("“a.pdf” was changed by another program."));
     expectAnotherViewAtTheSamePlace();
 }
 
 TEST_F(SavingTest, aDuplicateIsATabOfItsOwn) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     edit(*document(0));
-    command(u"duplicate"_qs)->trigger();
+    command(QStringLiteral("duplicate"))->trigger();
     EXPECT_TRUE(QTest::qWaitFor([this] { return tabNames().size() == 2; }));
-    EXPECT_EQ(tabNames(), (QStringList{u"a.pdf"_qs, u"a copy"_qs}));
+    EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("a.pdf"), QStringLiteral("a copy")}));
     EXPECT_EQ(document(1)->pdfDocument()->pageCount(), 2);
     EXPECT_TRUE(document(1)->isDocumentEdited());
-    EXPECT_FALSE(command(u"revert"_qs)->isEnabled());
-    m_dialogs->saveLocation = m_folder.filePath(u"saved copy.pdf"_qs);
-    command(u"save"_qs)->trigger();
+    EXPECT_FALSE(command(QStringLiteral("revert"))->isEnabled());
+    m_dialogs->saveLocation = m_folder.filePath(QStringLiteral("saved copy.pdf"));
+    command(QStringLiteral("save"))->trigger();
     settle();
-    EXPECT_TRUE(m_dialogs->suggestedPaths.constLast().endsWith(u"/a copy.pdf"_qs));
+    EXPECT_TRUE(m_dialogs->suggestedPaths.constLast().endsWith(QStringLiteral("/a copy.pdf")));
     EXPECT_TRUE(QFileInfo(m_dialogs->suggestedPaths.constLast()).dir().exists());
-    EXPECT_EQ(savedPageCount(u"saved copy.pdf"_qs), 2);
-    EXPECT_EQ(savedPageCount(u"a.pdf"_qs), 3);
+    EXPECT_EQ(savedPageCount(QStringLiteral("saved copy.pdf")), 2);
+    EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 3);
 }
 
 TEST_F(SavingTest, aFileFilledIntoATabIsWatchedForOtherProgramsToo) {
     launch();
     m_app->actions().newTab->trigger();
     settle();
-    window()->currentContentView()->openInPlace(file(u"a.pdf"_qs));
+    window()->currentContentView()->openInPlace(file(QStringLiteral("a.pdf")));
     settle();
-    file(u"a.pdf"_qs, {.pageCount = 7});
+    file(QStringLiteral("a.pdf"), {.pageCount = 7});
     edit(*document(0));
-    command(u"save"_qs)->trigger();
+    command(QStringLiteral("save"))->trigger();
     settle();
-    EXPECT_EQ(m_dialogs->askedAboutChange, QStringList{u"a.pdf"_qs});
-    EXPECT_EQ(savedPageCount(u"a.pdf"_qs), 7);
+    EXPECT_EQ(m_dialogs->askedAboutChange, QStringList{QStringLiteral("a.pdf")});
+    EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 7);
 }
 
 TEST_F(SavingTest, theMenuOfATabIsAboutItsDocument) {
-    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
-    auto* tabs = window()->findChild<QTabBar*>(u"documentTabs"_qs);
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
+    auto* tabs = window()->findChild<QTabBar*>(QStringLiteral("documentTabs"));
     const QPoint first = tabs->tabRect(0).center();
     QContextMenuEvent asked(QContextMenuEvent::Mouse, first, tabs->mapToGlobal(first));
     QCoreApplication::sendEvent(tabs, &asked);
-    const auto* menu = window()->findChild<QMenu*>(u"tabMenu"_qs);
+    const auto* menu = window()->findChild<QMenu*>(QStringLiteral("tabMenu"));
     ASSERT_TRUE(menu && menu->isVisible());
     EXPECT_EQ(window()->currentContentView()->document(), document(0));
     QStringList names;
     for (QAction* action : menu->actions())
         names.append(action->objectName());
-    EXPECT_EQ(names, (QStringList{u"save"_qs, u"saveAs"_qs, u"duplicate"_qs, u"revert"_qs, QString(), u"close"_qs}));
+    EXPECT_EQ(names, (QStringList{QStringLiteral("save"), QStringLiteral("saveAs"), QStringLiteral("duplicate"),
+                                  QStringLiteral("revert"), QString(), QStringLiteral("close")}));
     menu->actions().constLast()->trigger();
     settle();
-    EXPECT_EQ(tabNames(), QStringList{u"b.pdf"_qs});
+    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("b.pdf")});
 }

@@ -14,9 +14,9 @@ protected:
 };
 
 TEST_F(SettingsTest, allWaysLeadToOneWindow) {
-    launch({file(u"a.pdf"_qs)});
-    EXPECT_EQ(command(u"settings"_qs)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Comma));
-    command(u"settings"_qs)->trigger();
+    launch({file(QStringLiteral("a.pdf"))});
+    EXPECT_EQ(command(QStringLiteral("settings"))->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    command(QStringLiteral("settings"))->trigger();
     settle();
     ASSERT_EQ(settingsWindows().size(), 1);
     const QPointer<QWidget> settings = settingsWindows().front();
@@ -30,7 +30,7 @@ TEST_F(SettingsTest, allWaysLeadToOneWindow) {
         EXPECT_EQ(settingsWindows(), QList<QWidget*>{settings.data()}) << name;
     }
     // It doesn't go with the documents, but with Escape.
-    command(u"close"_qs)->trigger();
+    command(QStringLiteral("close"))->trigger();
     settle();
     EXPECT_TRUE(settings && settings->isVisible());
     QTest::keyClick(settings, Qt::Key_Escape);
@@ -40,11 +40,11 @@ TEST_F(SettingsTest, allWaysLeadToOneWindow) {
 }
 
 TEST_F(SettingsTest, theAskCommandIsInTheMenuOfTheCurrentDocument) {
-    launch({file(u"a.pdf"_qs)});
-    command(u"askAssistant"_qs)->trigger();
+    launch({file(QStringLiteral("a.pdf"))});
+    command(QStringLiteral("askAssistant"))->trigger();
     EXPECT_TRUE(window()->currentContentView()->workspace()->showsAssistant());
-    EXPECT_TRUE(command(u"askAssistant"_qs)->isChecked());
+    EXPECT_TRUE(command(QStringLiteral("askAssistant"))->isChecked());
     m_app->controller().newDocument();
     settle();
-    EXPECT_FALSE(command(u"askAssistant"_qs)->isEnabled()) << "The new tab shows no document.";
+    EXPECT_FALSE(command(QStringLiteral("askAssistant"))->isEnabled()) << "The new tab shows no document.";
 }

@@ -15,7 +15,7 @@ TEST_F(WindowPolicyTest, withNothingToOpenThereIsOneLandingWindow) {
 }
 
 TEST_F(WindowPolicyTest, aFileAtLaunchShowsNoLandingWindow) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     EXPECT_FALSE(landingIsVisible());
     ASSERT_NE(window(), nullptr);
     EXPECT_TRUE(window()->isVisible());
@@ -24,10 +24,10 @@ TEST_F(WindowPolicyTest, aFileAtLaunchShowsNoLandingWindow) {
 
 TEST_F(WindowPolicyTest, theLandingWindowGoesWhenADocumentOpensAndComesBackAfterTheLast) {
     launch();
-    open(file(u"a.pdf"_qs));
+    open(file(QStringLiteral("a.pdf")));
     EXPECT_FALSE(landingIsVisible());
     EXPECT_EQ(m_app->delegate().welcomeWindowController(), nullptr);
-    open(file(u"b.pdf"_qs));
+    open(file(QStringLiteral("b.pdf")));
 
     m_app->controller().closeDocument(document(0));
     settle();
@@ -70,7 +70,7 @@ TEST_F(WindowPolicyTest, afterTheUserClosedItOnlyANewStartBringsItBack) {
 }
 
 TEST_F(WindowPolicyTest, reopeningWithADocumentShowsNoLandingWindow) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     window()->showMinimized();
     settle();
     m_app->reopenFromOtherStart({});
@@ -85,20 +85,20 @@ TEST_F(WindowPolicyTest, aNewTabShowsTheLandingContentAndAFileFillsIt) {
     settle();
     EXPECT_FALSE(landingIsVisible());
     ASSERT_NE(window(), nullptr);
-    EXPECT_EQ(tabNames(), QStringList{u"Untitled"_qs});
+    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("Untitled")});
     ContentView* view = window()->currentContentView();
     EXPECT_EQ(view->workspace(), nullptr);
 
-    view->openInPlace(file(u"filled.pdf"_qs));
+    view->openInPlace(file(QStringLiteral("filled.pdf")));
     settle();
     EXPECT_EQ(window()->currentContentView(), view);
     EXPECT_NE(view->workspace(), nullptr);
-    EXPECT_EQ(tabNames(), QStringList{u"filled.pdf"_qs});
-    EXPECT_TRUE(window()->windowTitle().startsWith(u"filled.pdf"_qs));
+    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("filled.pdf")});
+    EXPECT_TRUE(window()->windowTitle().startsWith(QStringLiteral("filled.pdf")));
 }
 
 TEST_F(WindowPolicyTest, quittingAsksAndShowsNoLandingWindow) {
-    launch({file(u"a.pdf"_qs), file(u"b.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
     edit(*document(1));
     m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::Cancel};
     m_app->terminate();
@@ -114,7 +114,7 @@ TEST_F(WindowPolicyTest, quittingAsksAndShowsNoLandingWindow) {
 }
 
 TEST_F(WindowPolicyTest, aCancelledQuitLeavesThePolicyOn) {
-    launch({file(u"a.pdf"_qs)});
+    launch({file(QStringLiteral("a.pdf"))});
     edit(*document(0));
     m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::Cancel, ScriptedDialogs::SaveAnswer::DontSave};
     m_app->terminate();

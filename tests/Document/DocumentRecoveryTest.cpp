@@ -35,9 +35,10 @@ RecoveryPace quickPace() {
 /// What a process has, without windows. A crash is that it is gone with its documents open.
 struct Session {
     explicit Session(const QTemporaryDir& folder, const RecoveryPace& pace = quickPace())
-        : defaults(folder.filePath(u"settings.ini"_qs)),
+        : defaults(folder.filePath(QStringLiteral("settings.ini"))),
           controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults),
-          recovery(controller, folder.filePath(u"recovery"_qs), pace), lostDocuments(controller, recovery) {}
+          recovery(controller, folder.filePath(QStringLiteral("recovery")), pace), lostDocuments(controller, recovery) {
+    }
 
     std::shared_ptr<PDFEditorDocument> open(const QString& path) {
         std::shared_ptr<PDFEditorDocument> document;
@@ -85,7 +86,7 @@ protected:
     /// Of records, whoever has them.
     int recordCount() const {
         return static_cast<int>(
-            QDir(m_folder.filePath(u"recovery"_qs)).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
+            QDir(m_folder.filePath(QStringLiteral("recovery"))).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
     }
 
     void expectNoRecordSoon() const {
@@ -100,7 +101,7 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    const QString m_pdf = m_folder.filePath(u"report.pdf"_qs);
+    const QString m_pdf = m_folder.filePath(QStringLiteral("report.pdf"));
 };
 
 TEST_F(DocumentRecoveryTest, thereIsARecordWhileSomethingIsUnsaved) {
@@ -125,7 +126,7 @@ TEST_F(DocumentRecoveryTest, thereIsARecordWhileSomethingIsUnsaved) {
     // A save that failed keeps it.
     QCoreApplication::processEvents();
     session.record([&] { EditedPdf::addSquare(*document); });
-    session.presenter.saveLocation = m_folder.filePath(u"no/such/folder.pdf"_qs);
+    session.presenter.saveLocation = m_folder.filePath(QStringLiteral("no/such/folder.pdf"));
     bool isDone = false;
     session.controller.saveDocumentAs(document, [&isDone](bool) { isDone = true; });
     EXPECT_TRUE(QTest::qWaitFor([&isDone] { return isDone; }, timeLimitInMilliseconds));
@@ -160,9 +161,9 @@ TEST_F(DocumentRecoveryTest, changesThatComeTogetherAreWrittenTogetherAndLaterOn
     EditedPdf::addSquare(*document);
     session.controller.prepareForSessionEnd();
     ASSERT_EQ(recordCount(), 1);
-    const QString records = m_folder.filePath(u"recovery/"_qs);
+    const QString records = m_folder.filePath(QStringLiteral("recovery/"));
     const QString name = QDir(records).entryList(QDir::Dirs | QDir::NoDotAndDotDot).constFirst();
-    EXPECT_TRUE(QFileInfo::exists(records + name + u"/update-4"_qs)) << "the base and three updates";
+    EXPECT_TRUE(QFileInfo::exists(records + name + QStringLiteral("/update-4"))) << "the base and three updates";
 }
 
 TEST_F(DocumentRecoveryTest, anEndingSessionRecordsAlsoWhatCameDuringAWriteAndWaitsForNoSlowPicture) {
@@ -188,7 +189,7 @@ TEST_F(DocumentRecoveryTest, anEndingSessionRecordsAlsoWhatCameDuringAWriteAndWa
 }
 
 TEST_F(DocumentRecoveryTest, whatWasChangedDuringASaveIsRecoveredIntoTheSavedFile) {
-    const QString other = m_folder.filePath(u"other.pdf"_qs);
+    const QString other = m_folder.filePath(QStringLiteral("other.pdf"));
     for (const QString& path : {m_pdf, other}) {
         SCOPED_TRACE(path.toStdString());
         const int squares = EditedPdf::squareCount(*PDFDocument::fromFile(m_pdf));
@@ -274,13 +275,13 @@ TEST_F(DocumentRecoveryTest, whereTheOriginalIsNoLongerAsItWasTheRecoveredOneIsU
         ASSERT_TRUE(document);
         EXPECT_TRUE(document->fileURL().isEmpty());
         EXPECT_EQ(document->displayName(), name);
-        EXPECT_EQ(document->suggestedFileName(), name + u".pdf"_qs);
+        EXPECT_EQ(document->suggestedFileName(), name + QStringLiteral(".pdf"));
         EXPECT_EQ(EditedPdf::squareCount(*document->pdfDocument()), 1);
     };
     EditedPdf::store(m_pdf, EditedPdf::pages(4));
-    expectRecovered(LostDocument::Original::changed, u"report (recovered)"_qs);
+    expectRecovered(LostDocument::Original::changed, QStringLiteral("report (recovered)"));
     QFile::remove(m_pdf);
-    expectRecovered(LostDocument::Original::missing, u"report"_qs);
+    expectRecovered(LostDocument::Original::missing, QStringLiteral("report"));
 }
 
 TEST_F(DocumentRecoveryTest, theOriginalThatWasOpenedMeanwhileMakesRoomUnlessItIsEdited) {
@@ -292,7 +293,7 @@ TEST_F(DocumentRecoveryTest, theOriginalThatWasOpenedMeanwhileMakesRoomUnlessItI
         EditedPdf::addSquare(*edited);
         const auto document = session.recoverOnly();
         ASSERT_TRUE(document);
-        EXPECT_EQ(document->displayName(), u"report (recovered)"_qs);
+        EXPECT_EQ(document->displayName(), QStringLiteral("report (recovered)"));
         EXPECT_EQ(session.controller.documents().size(), 2U);
         session.controller.closeDocument(edited);
     }
@@ -321,18 +322,18 @@ TEST_F(DocumentRecoveryTest, aDocumentThatWasNeverSavedIsRecoveredWhole) {
     const auto document = session.recoverOnly();
     ASSERT_TRUE(document);
     EXPECT_TRUE(document->fileURL().isEmpty());
-    EXPECT_TRUE(document->displayName().startsWith(u"Untitled"_qs));
+    EXPECT_TRUE(document->displayName().startsWith(QStringLiteral("Untitled")));
     ASSERT_EQ(document->pdfDocument()->pageCount(), 1);
-    EXPECT_TRUE(document->pdfDocument()->page(0)->string().contains(u"Page 2"_qs));
+    EXPECT_TRUE(document->pdfDocument()->page(0)->string().contains(QStringLiteral("Page 2")));
 }
 
 TEST_F(DocumentRecoveryTest, aProtectedDocumentStaysProtectedInItsRecord) {
     EditedPdf::store(m_pdf, EditedPdf::pages(3, "secret"));
-    const QString marker = u"Nobody may read this"_qs;
+    const QString marker = QStringLiteral("Nobody may read this");
     {
         Session session(m_folder);
         const auto document = session.open(m_pdf);
-        ASSERT_TRUE(document->pdfDocument()->unlock(u"secret"_qs));
+        ASSERT_TRUE(document->pdfDocument()->unlock(QStringLiteral("secret")));
         Q_EMIT document->objectWillChange();
         session.record([&] {
             EditedPdf::addSquare(*document);
@@ -340,7 +341,8 @@ TEST_F(DocumentRecoveryTest, aProtectedDocumentStaysProtectedInItsRecord) {
         });
         session.recovery.waitForDone();
     }
-    const auto lost = RecoveryStore::takeLost(m_folder.filePath(u"recovery"_qs), QDateTime::currentDateTime());
+    const auto lost =
+        RecoveryStore::takeLost(m_folder.filePath(QStringLiteral("recovery")), QDateTime::currentDateTime());
     ASSERT_EQ(lost.size(), 1U);
     EXPECT_TRUE(lost.front()->picture().isNull());
     const QByteArray bytes = lost.front()->bytes();
@@ -348,8 +350,8 @@ TEST_F(DocumentRecoveryTest, aProtectedDocumentStaysProtectedInItsRecord) {
     EXPECT_FALSE(bytes.contains(marker.toLatin1()));
     const auto pages = PDFDocument::fromData(bytes);
     EXPECT_TRUE(pages->isLocked());
-    EXPECT_FALSE(pages->unlock(u"wrong"_qs));
-    ASSERT_TRUE(pages->unlock(u"secret"_qs));
+    EXPECT_FALSE(pages->unlock(QStringLiteral("wrong")));
+    ASSERT_TRUE(pages->unlock(QStringLiteral("secret")));
     EXPECT_EQ(pages->page(0)->annotations().back()->contents(), marker);
 }
 
@@ -358,7 +360,7 @@ TEST_F(DocumentRecoveryTest, aLockedOneWaitsForItsPasswordAndKeepsItsRecord) {
     {
         Session session(m_folder);
         const auto document = session.open(m_pdf);
-        ASSERT_TRUE(document->pdfDocument()->unlock(u"secret"_qs));
+        ASSERT_TRUE(document->pdfDocument()->unlock(QStringLiteral("secret")));
         session.record([&] { EditedPdf::addSquare(*document); });
     }
     Session session(m_folder);
@@ -372,7 +374,7 @@ TEST_F(DocumentRecoveryTest, aLockedOneWaitsForItsPasswordAndKeepsItsRecord) {
     EXPECT_EQ(recordCount(), 1);
 
     const auto again = session.recoverOnly();
-    ASSERT_TRUE(again && again->pdfDocument()->unlock(u"secret"_qs));
+    ASSERT_TRUE(again && again->pdfDocument()->unlock(QStringLiteral("secret")));
     EXPECT_EQ(EditedPdf::squareCount(*again->pdfDocument()), 1);
     session.controller.closeDocument(again);
     expectNoRecordSoon();
@@ -414,8 +416,9 @@ TEST_F(DocumentRecoveryTest, whatCannotBeWrittenIsToldOnceAndTriedAgain) {
     QTest::qWait(100); // several more attempts
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &former), 0);
     EXPECT_EQ(failed.size(), 1);
-    EXPECT_EQ(failed.front().front().toString(),
-              u"Unsaved changes can't be kept safe from a crash now. The file is too large for this disk."_qs);
+    EXPECT_EQ(
+        failed.front().front().toString(),
+        QStringLiteral("Unsaved changes can't be kept safe from a crash now. The file is too large for this disk."));
     EXPECT_TRUE(document->isDocumentEdited());
     EXPECT_EQ(EditedPdf::squareCount(*document->pdfDocument()), 1);
 
@@ -427,7 +430,7 @@ TEST_F(DocumentRecoveryTest, oneThatCannotBeWrittenIsNotToldAgainWhenAnotherIsWr
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit former = {};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
-    const QString large = m_folder.filePath(u"large.pdf"_qs);
+    const QString large = m_folder.filePath(QStringLiteral("large.pdf"));
     EditedPdf::store(large, EditedPdf::pages(300));
     Session session(m_folder);
     const auto tooLarge = session.open(large);
@@ -458,23 +461,23 @@ TEST_F(DocumentRecoveryTest, aRecordThatSomebodyDeletedIsMadeAnew) {
     Session session(m_folder);
     const auto document = session.open(m_pdf);
     session.record([&] { EditedPdf::addSquare(*document); });
-    QDir(m_folder.filePath(u"recovery"_qs)).removeRecursively();
+    QDir(m_folder.filePath(QStringLiteral("recovery"))).removeRecursively();
     session.record([&] { EditedPdf::addSquare(*document); });
     EXPECT_EQ(recordCount(), 1);
 }
 
 TEST_F(DocumentRecoveryTest, oneThatCannotBeReadStaysAndCanBeDeleted) {
     crashWithSquare();
-    const QString records = m_folder.filePath(u"recovery/"_qs);
+    const QString records = m_folder.filePath(QStringLiteral("recovery/"));
     const QString name = QDir(records).entryList(QDir::Dirs | QDir::NoDotAndDotDot).constFirst();
-    QFile base(records + name + u"/base-1"_qs);
+    QFile base(records + name + QStringLiteral("/base-1"));
     ASSERT_TRUE(base.open(QIODevice::ReadWrite));
     base.write("?");
     base.close();
     Session session(m_folder);
     QString error;
     EXPECT_EQ(session.recoverOnly(&error), nullptr);
-    EXPECT_EQ(error, u"It is damaged."_qs);
+    EXPECT_EQ(error, QStringLiteral("It is damaged."));
     EXPECT_TRUE(session.controller.documents().empty());
     EXPECT_EQ(recordCount(), 1);
     session.lostDocuments.discard(name);

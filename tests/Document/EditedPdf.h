@@ -19,7 +19,7 @@ namespace EditedPdf {
 inline QByteArray pages(int count, const QByteArray& password = {}) {
     PdfFixture fixture;
     for (int page = 1; page <= count; ++page)
-        fixture.addPage({u"Page %1"_qs.arg(page)});
+        fixture.addPage({QStringLiteral("Page %1").arg(page)});
     return password.isEmpty() ? fixture.bytes() : fixture.encrypted(password, password, PdfFixture::Encryption::aes256);
 }
 
@@ -63,9 +63,11 @@ inline QString state(const PDFDocument& document) {
         for (const auto& annotation : page->annotations())
             annotations.append(annotation->type() == PDFAnnotationSubtype::widget ? annotation->widgetStringValue()
                                                                                   : annotation->contents());
-        pages.append(u"%1[%2]"_qs.arg(page->bounds(PDFDisplayBox::mediaBox).width()).arg(annotations.join(u',')));
+        pages.append(
+            QStringLiteral("%1[%2]").arg(page->bounds(PDFDisplayBox::mediaBox).width()).arg(annotations.join(u',')));
     }
-    return u"%1: %2"_qs.arg(document.documentAttributes().value(u"Title"_qs).toString(), pages.join(u' '));
+    return QStringLiteral("%1: %2").arg(document.documentAttributes().value(QStringLiteral("Title")).toString(),
+                                        pages.join(u' '));
 }
 
 } // namespace EditedPdf

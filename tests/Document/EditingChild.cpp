@@ -87,7 +87,7 @@ private:
         } else {
             const auto note = std::make_shared<PDFAnnotation>(QRectF(50, 300, 200, 60), PDFAnnotationSubtype::square);
             note->setColor(Qt::red);
-            note->setContents(u"note %1"_qs.arg(m_number));
+            note->setContents(QStringLiteral("note %1").arg(m_number));
             addAnnotation(page, note);
         }
     }
@@ -96,7 +96,7 @@ private:
         for (int i = 0; i < pages().pageCount(); ++i) {
             const auto widgets = PDFFormField::fillableWidgets(*pages().page(i));
             if (!widgets.empty()) {
-                setValue(widgets.front(), {u"value %1"_qs.arg(m_number)});
+                setValue(widgets.front(), {QStringLiteral("value %1").arg(m_number)});
                 return;
             }
         }
@@ -108,7 +108,7 @@ private:
 
     void setTitle(const QString& title) {
         QVariantMap attributes = pages().documentAttributes();
-        const QString former = std::exchange(attributes[u"Title"_qs], title).toString();
+        const QString former = std::exchange(attributes[QStringLiteral("Title")], title).toString();
         pages().setDocumentAttributes(attributes);
         onUndo([this, former] { setTitle(former); });
     }
@@ -147,7 +147,7 @@ private:
 
 int run(const QString& folder, const QString& path, unsigned seed) {
     SilentPresenter presenter;
-    UserDefaults defaults(folder + u"/settings.ini"_qs);
+    UserDefaults defaults(folder + QStringLiteral("/settings.ini"));
     DocumentController controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults);
     // Connected first, so that it is told before the record goes.
     QObject::connect(&controller, &DocumentController::documentAdded, &controller, [](const auto& added) {

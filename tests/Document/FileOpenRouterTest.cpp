@@ -13,33 +13,33 @@ TEST(FileOpenRouter, classifiesByTheExtensionAlone) {
         QString name;
         Kind kind;
     } cases[] = {
-        {u"report.pdf"_qs, Kind::pdf},
-        {u"REPORT.PDF"_qs, Kind::pdf},
-        {u"notes.tar.Pdf"_qs, Kind::pdf},
-        {u"Größe 100%.pdf"_qs, Kind::pdf},
-        {u"a#b?c.pdf"_qs, Kind::pdf},
-        {u"letter.docx"_qs, Kind::track1},
-        {u"photo.JPEG"_qs, Kind::track1},
-        {u"scan.tif"_qs, Kind::track1},
-        {u"readme.md"_qs, Kind::track1},
-        {u"memo.rtfd/"_qs, Kind::track1},
-        {u"budget.xlsx"_qs, Kind::track2},
-        {u"talk.key"_qs, Kind::track2},
-        {u"book.EPUB"_qs, Kind::track2},
-        {u"pdf"_qs, Kind::unsupported},
-        {u".pdf"_qs, Kind::unsupported},
-        {u"report."_qs, Kind::unsupported},
-        {u"report.pdf.gz"_qs, Kind::unsupported},
-        {u"report.pdf "_qs, Kind::unsupported},
-        {u"drawing.svg"_qs, Kind::unsupported},
+        {QStringLiteral("report.pdf"), Kind::pdf},
+        {QStringLiteral("REPORT.PDF"), Kind::pdf},
+        {QStringLiteral("notes.tar.Pdf"), Kind::pdf},
+        {QStringLiteral("Größe 100%.pdf"), Kind::pdf},
+        {QStringLiteral("a#b?c.pdf"), Kind::pdf},
+        {QStringLiteral("letter.docx"), Kind::track1},
+        {QStringLiteral("photo.JPEG"), Kind::track1},
+        {QStringLiteral("scan.tif"), Kind::track1},
+        {QStringLiteral("readme.md"), Kind::track1},
+        {QStringLiteral("memo.rtfd/"), Kind::track1},
+        {QStringLiteral("budget.xlsx"), Kind::track2},
+        {QStringLiteral("talk.key"), Kind::track2},
+        {QStringLiteral("book.EPUB"), Kind::track2},
+        {QStringLiteral("pdf"), Kind::unsupported},
+        {QStringLiteral(".pdf"), Kind::unsupported},
+        {QStringLiteral("report."), Kind::unsupported},
+        {QStringLiteral("report.pdf.gz"), Kind::unsupported},
+        {QStringLiteral("report.pdf "), Kind::unsupported},
+        {QStringLiteral("drawing.svg"), Kind::unsupported},
     };
     for (const auto& [name, kind] : cases)
-        EXPECT_EQ(FileOpenRouter::classify(QUrl::fromLocalFile(u"/no such folder/"_qs + name)), kind)
+        EXPECT_EQ(FileOpenRouter::classify(QUrl::fromLocalFile(QStringLiteral("/no such folder/") + name)), kind)
             << name.toStdString();
     EXPECT_EQ(FileOpenRouter::classify(QUrl()), Kind::unsupported);
 
     for (const QString& extension : FileOpenRouter::allSupportedExtensions())
-        EXPECT_NE(FileOpenRouter::classify(QUrl::fromLocalFile(u"/x."_qs + extension)), Kind::unsupported)
+        EXPECT_NE(FileOpenRouter::classify(QUrl::fromLocalFile(QStringLiteral("/x.") + extension)), Kind::unsupported)
             << extension.toStdString();
 }
 
@@ -49,52 +49,55 @@ TEST(FileOpenRouter, aFolderIsOnlyADocumentWhenItsKindIsAFolder) {
         QDir(folder.path()).mkdir(name);
         return QUrl::fromLocalFile(folder.filePath(name));
     };
-    EXPECT_EQ(FileOpenRouter::classify(make(u"plain"_qs)), Kind::unsupported);
-    EXPECT_EQ(FileOpenRouter::classify(make(u"scans.pdf"_qs)), Kind::unsupported);
-    EXPECT_EQ(FileOpenRouter::classify(make(u"memo.rtfd"_qs)), Kind::track1);
-    EXPECT_EQ(FileOpenRouter::classify(make(u"talk.key"_qs)), Kind::track2);
+    EXPECT_EQ(FileOpenRouter::classify(make(QStringLiteral("plain"))), Kind::unsupported);
+    EXPECT_EQ(FileOpenRouter::classify(make(QStringLiteral("scans.pdf"))), Kind::unsupported);
+    EXPECT_EQ(FileOpenRouter::classify(make(QStringLiteral("memo.rtfd"))), Kind::track1);
+    EXPECT_EQ(FileOpenRouter::classify(make(QStringLiteral("talk.key"))), Kind::track2);
 }
 
 TEST(FileOpenRouter, handsEachKindToItsDestination) {
     QStringList log;
     FileOpenRouter::setDestinations({
-        .openDocument = [&log](const QUrl& url) { log << u"document "_qs + url.fileName(); },
-        .openImport = [&log](const QUrl& url) { log << u"import "_qs + url.fileName(); },
+        .openDocument = [&log](const QUrl& url) { log << QStringLiteral("document ") + url.fileName(); },
+        .openImport = [&log](const QUrl& url) { log << QStringLiteral("import ") + url.fileName(); },
         .openPreview =
             [&log](const QUrl& url, bool isSupported) {
-                log << (isSupported ? u"preview "_qs : u"refusal "_qs) + url.fileName();
+                log << (isSupported ? QStringLiteral("preview ") : QStringLiteral("refusal ")) + url.fileName();
             },
     });
-    for (const QString& name : {u"a.pdf"_qs, u"b.txt"_qs, u"c.pptx"_qs, u"d.zip"_qs, u"e"_qs})
-        FileOpenRouter::open(QUrl::fromLocalFile(u"/"_qs + name));
-    EXPECT_EQ(log.join(u','), u"document a.pdf,import b.txt,preview c.pptx,refusal d.zip,refusal e"_qs);
+    for (const QString& name : {QStringLiteral("a.pdf"), QStringLiteral("b.txt"), QStringLiteral("c.pptx"),
+                                QStringLiteral("d.zip"), QStringLiteral("e")})
+        FileOpenRouter::open(QUrl::fromLocalFile(QStringLiteral("/") + name));
+    EXPECT_EQ(log.join(u','), QStringLiteral("document a.pdf,import b.txt,preview c.pptx,refusal d.zip,refusal e"));
 
     FileOpenRouter::setDestinations({});
-    for (const QString& name : {u"a.pdf"_qs, u"b.txt"_qs, u"c.pptx"_qs, u"d.zip"_qs})
-        FileOpenRouter::open(QUrl::fromLocalFile(u"/"_qs + name));
+    for (const QString& name :
+         {QStringLiteral("a.pdf"), QStringLiteral("b.txt"), QStringLiteral("c.pptx"), QStringLiteral("d.zip")})
+        FileOpenRouter::open(QUrl::fromLocalFile(QStringLiteral("/") + name));
     EXPECT_EQ(log.size(), 5);
 }
 
 TEST(FileOpenRouter, panelsAndDropsKnowTheSupportedKinds) {
     const QStringList filters = FileOpenRouter::nameFilters();
     ASSERT_EQ(filters.size(), 3);
-    for (const QString& pattern : {u"*.pdf "_qs, u"*.PDF "_qs, u"*.docx "_qs, u"*.EPUB"_qs})
+    for (const QString& pattern :
+         {QStringLiteral("*.pdf "), QStringLiteral("*.PDF "), QStringLiteral("*.docx "), QStringLiteral("*.EPUB")})
         EXPECT_TRUE(filters[0].contains(pattern)) << pattern.toStdString();
 
-    EXPECT_TRUE(FileOpenRouter::isSupportedMimeType(u"application/pdf"_qs));
-    EXPECT_TRUE(FileOpenRouter::isSupportedMimeType(u"application/x-pdf"_qs)); // an alias
-    EXPECT_TRUE(FileOpenRouter::isSupportedMimeType(u"image/png"_qs));
-    EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(u"application/zip"_qs));
-    EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(u"application/octet-stream"_qs));
-    EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(u"no such type"_qs));
+    EXPECT_TRUE(FileOpenRouter::isSupportedMimeType(QStringLiteral("application/pdf")));
+    EXPECT_TRUE(FileOpenRouter::isSupportedMimeType(QStringLiteral("application/x-pdf"))); // an alias
+    EXPECT_TRUE(FileOpenRouter::isSupportedMimeType(QStringLiteral("image/png")));
+    EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(QStringLiteral("application/zip")));
+    EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(QStringLiteral("application/octet-stream")));
+    EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(QStringLiteral("no such type")));
     EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(QString()));
 }
 
 TEST(FileOpenRouter, aDropStandsForItsFirstSupportedFile) {
-    const QUrl zip = QUrl::fromLocalFile(u"/tmp/a.zip"_qs);
-    const QUrl text = QUrl::fromLocalFile(u"/tmp/b.txt"_qs);
-    const QUrl pdf = QUrl::fromLocalFile(u"/tmp/c.pdf"_qs);
-    const QUrl web(u"https://example.org/d.pdf"_qs);
+    const QUrl zip = QUrl::fromLocalFile(QStringLiteral("/tmp/a.zip"));
+    const QUrl text = QUrl::fromLocalFile(QStringLiteral("/tmp/b.txt"));
+    const QUrl pdf = QUrl::fromLocalFile(QStringLiteral("/tmp/c.pdf"));
+    const QUrl web(QStringLiteral("https://example.org/d.pdf"));
     const auto dropped = [](const QList<QUrl>& urls) {
         QMimeData data;
         data.setUrls(urls);

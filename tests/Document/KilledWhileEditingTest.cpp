@@ -103,12 +103,12 @@ protected:
     void storeNewFile() const {
         PdfFixture fixture;
         for (int page = 0; page < pageCount; ++page)
-            fixture.addPage({u"Page"_qs}, QSizeF(601 + page, 792));
-        fixture.addTextField(0, u"name"_qs, QRectF(50, 500, 200, 24), u"nobody"_qs);
+            fixture.addPage({QStringLiteral("Page")}, QSizeF(601 + page, 792));
+        fixture.addTextField(0, QStringLiteral("name"), QRectF(50, 500, 200, 24), QStringLiteral("nobody"));
         QByteArray bulk(500'000, '\0');
         std::mt19937 random(1);
         std::generate(bulk.begin(), bulk.end(), [&random] { return static_cast<char>(random() & 0xFF); });
-        fixture.attach(u"bulk"_qs, bulk);
+        fixture.attach(QStringLiteral("bulk"), bulk);
         EditedPdf::store(m_pdf, fixture.bytes());
     }
 
@@ -150,12 +150,12 @@ protected:
     void expectFewLeftovers(const Log& log) const {
         EXPECT_FALSE(log.saveCount() > 0 && QFileInfo::exists(m_oldLeftover));
         QStringList names = QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden);
-        names.removeAll(u"report.pdf"_qs);
+        names.removeAll(QStringLiteral("report.pdf"));
         names.removeAll(QFileInfo(m_oldLeftover).fileName());
         ASSERT_LE(names.size(), 1) << names.join(u' ').toStdString();
         if (names.isEmpty())
             return;
-        EXPECT_TRUE(names.front().startsWith(u".saving-"_qs)) << names.front().toStdString();
+        EXPECT_TRUE(names.front().startsWith(QStringLiteral(".saving-"))) << names.front().toStdString();
         QFile::remove(m_oldLeftover);
         m_oldLeftover = m_folder.filePath(names.front());
         const utimbuf longAgo{1'000'000'000, 1'000'000'000};
@@ -165,7 +165,7 @@ protected:
     /// Recovers as the program does, and then saves the document or gives it up.
     void expectRecovery(const Log& log, bool saves) const {
         SilentPresenter presenter;
-        UserDefaults defaults(m_folder.filePath(u"state/settings.ini"_qs));
+        UserDefaults defaults(m_folder.filePath(QStringLiteral("state/settings.ini")));
         DocumentController controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults);
         DocumentRecovery recovery(controller, m_records);
         LostDocuments lostDocuments(controller, recovery);
@@ -200,17 +200,18 @@ protected:
     /// Without those that were never written completely, which stay for a day.
     QStringList records() const {
         QStringList names = QDir(m_records).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
-        names.removeIf(
-            [this](const QString& name) { return !QFileInfo::exists(m_records + u'/' + name + u"/document.json"_qs); });
+        names.removeIf([this](const QString& name) {
+            return !QFileInfo::exists(m_records + u'/' + name + QStringLiteral("/document.json"));
+        });
         return names;
     }
 
-    void SetUp() override { ASSERT_TRUE(QDir(m_folder.path()).mkdir(u"state"_qs)); }
+    void SetUp() override { ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("state"))); }
 
     QTemporaryDir m_folder;
-    const QString m_records = m_folder.filePath(u"state/recovery"_qs);
-    const QString m_pdf = m_folder.filePath(u"report.pdf"_qs);
-    mutable QString m_oldLeftover = m_folder.filePath(u".saving-0"_qs);
+    const QString m_records = m_folder.filePath(QStringLiteral("state/recovery"));
+    const QString m_pdf = m_folder.filePath(QStringLiteral("report.pdf"));
+    mutable QString m_oldLeftover = m_folder.filePath(QStringLiteral(".saving-0"));
 };
 
 TEST_F(KilledWhileEditingTest, theFileIsWholeAndWhatWasRecordedIsThere) {

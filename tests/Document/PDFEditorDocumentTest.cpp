@@ -35,7 +35,7 @@ protected:
 
     /// Three pages that say "First", "Second" and "Third".
     static void fill(PdfFixture& fixture) {
-        for (const QString& word : {u"First"_qs, u"Second"_qs, u"Third"_qs})
+        for (const QString& word : {QStringLiteral("First"), QStringLiteral("Second"), QStringLiteral("Third")})
             fixture.addPage({word});
     }
 
@@ -50,20 +50,21 @@ TEST_F(PDFEditorDocumentTest, aNewOneIsEmptyAndUntitled) {
     EXPECT_FALSE(document.wasPasswordProtected());
     EXPECT_FALSE(document.isDocumentEdited());
     EXPECT_TRUE(document.openNotice().isEmpty());
-    EXPECT_TRUE(document.suggestedFileName().endsWith(u".pdf"_qs));
+    EXPECT_TRUE(document.suggestedFileName().endsWith(QStringLiteral(".pdf")));
 }
 
 TEST_F(PDFEditorDocumentTest, readingPutsTheFilesDocumentInPlace) {
     PdfFixture fixture;
     fill(fixture);
-    const QUrl url = store(u"a b.pdf"_qs, fixture.bytes());
+    const QUrl url = store(QStringLiteral("a b.pdf"), fixture.bytes());
     PDFEditorDocument document;
     QStringList log;
     QObject::connect(&document, &PDFEditorDocument::pdfDocumentChanged, &document,
-                     [&] { log << u"another, %1 pages"_qs.arg(document.pdfDocument()->pageCount()); });
-    QObject::connect(&document, &PDFEditorDocument::objectWillChange, &document, [&log] { log << u"look"_qs; });
+                     [&] { log << QStringLiteral("another, %1 pages").arg(document.pdfDocument()->pageCount()); });
+    QObject::connect(&document, &PDFEditorDocument::objectWillChange, &document,
+                     [&log] { log << QStringLiteral("look"); });
     document.read(url);
-    EXPECT_EQ(log.join(u';'), u"another, 3 pages;look"_qs);
+    EXPECT_EQ(log.join(u';'), QStringLiteral("another, 3 pages;look"));
     EXPECT_FALSE(document.wasPasswordProtected());
     EXPECT_TRUE(document.openNotice().isEmpty());
 
@@ -75,17 +76,17 @@ TEST_F(PDFEditorDocumentTest, aFileThatCannotBeReadLeavesASentenceAndTheDocument
     PdfFixture fixture;
     fill(fixture);
     PDFEditorDocument document;
-    document.read(store(u"good.pdf"_qs, fixture.bytes()));
+    document.read(store(QStringLiteral("good.pdf"), fixture.bytes()));
     const auto before = document.pdfDocument();
 
-    ASSERT_TRUE(QDir(m_folder.path()).mkdir(u"folder.pdf"_qs));
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("folder.pdf")));
     const QUrl bad[] = {
-        QUrl::fromLocalFile(m_folder.filePath(u"missing.pdf"_qs)),
-        QUrl::fromLocalFile(m_folder.filePath(u"folder.pdf"_qs)),
-        store(u"empty.pdf"_qs, {}),
-        store(u"text.pdf"_qs, "This is a letter, not a document.\n"),
-        store(u"zeros.pdf"_qs, QByteArray(100'000, '\0')),
-        QUrl(u"https://example.org/a.pdf"_qs),
+        QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing.pdf"))),
+        QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("folder.pdf"))),
+        store(QStringLiteral("empty.pdf"), {}),
+        store(QStringLiteral("text.pdf"), "This is a letter, not a document.\n"),
+        store(QStringLiteral("zeros.pdf"), QByteArray(100'000, '\0')),
+        QUrl(QStringLiteral("https://example.org/a.pdf")),
     };
     for (const QUrl& url : bad) {
         try {
@@ -103,39 +104,40 @@ TEST_F(PDFEditorDocumentTest, aLockedDocumentIsHeldAndSavedOnlyAfterItsPassword)
     PdfFixture fixture;
     fill(fixture);
     PDFEditorDocument document;
-    document.read(store(u"locked.pdf"_qs, fixture.encrypted("user", "owner", PdfFixture::Encryption::aes256)));
+    document.read(
+        store(QStringLiteral("locked.pdf"), fixture.encrypted("user", "owner", PdfFixture::Encryption::aes256)));
     EXPECT_TRUE(document.pdfDocument()->isLocked());
     EXPECT_TRUE(document.wasPasswordProtected());
-    const QUrl target = store(u"target.pdf"_qs, "old");
+    const QUrl target = store(QStringLiteral("target.pdf"), "old");
     EXPECT_THROW(static_cast<void>(document.dataRepresentation()), DocumentError);
     EXPECT_THROW(document.write(target.toLocalFile()), DocumentError);
     EXPECT_EQ(load(target), "old");
 
-    ASSERT_TRUE(document.pdfDocument()->unlock(u"user"_qs));
+    ASSERT_TRUE(document.pdfDocument()->unlock(QStringLiteral("user")));
     EXPECT_TRUE(document.wasPasswordProtected());
     document.write(target.toLocalFile());
     const auto saved = PDFDocument::fromData(load(target));
-    EXPECT_TRUE(!saved->isLocked() || saved->unlock(u"user"_qs));
+    EXPECT_TRUE(!saved->isLocked() || saved->unlock(QStringLiteral("user")));
     EXPECT_EQ(saved->pageCount(), 3);
 }
 
 TEST_F(PDFEditorDocumentTest, aSavedFileHoldsTheAnnotationsAndPageChanges) {
     PdfFixture fixture;
     fill(fixture);
-    const QUrl url = store(u"a.pdf"_qs, fixture.bytes());
+    const QUrl url = store(QStringLiteral("a.pdf"), fixture.bytes());
     PDFEditorDocument document;
     document.read(url);
     const auto note = std::make_shared<PDFAnnotation>(QRectF(100, 700, 80, 14), PDFAnnotationSubtype::highlight);
     note->setColor(Qt::yellow);
-    note->setContents(u"Remember"_qs);
+    note->setContents(QStringLiteral("Remember"));
     document.pdfDocument()->page(2)->addAnnotation(note);
     document.pdfDocument()->removePage(0);
     document.write(url.toLocalFile());
 
     const QByteArray saved = load(url);
     EXPECT_EQ(PdfPrograms::complaints(saved), "");
-    EXPECT_EQ(PdfPrograms::text(saved, 1).trimmed(), u"Second"_qs);
-    EXPECT_EQ(PdfPrograms::text(saved, 2).trimmed(), u"Third"_qs);
+    EXPECT_EQ(PdfPrograms::text(saved, 1).trimmed(), QStringLiteral("Second"));
+    EXPECT_EQ(PdfPrograms::text(saved, 2).trimmed(), QStringLiteral("Third"));
     const QByteArray unpacked = PdfPrograms::unpacked(saved);
     EXPECT_TRUE(unpacked.contains("/Subtype /Highlight"));
     EXPECT_TRUE(unpacked.contains("(Remember)"));
@@ -145,28 +147,28 @@ TEST_F(PDFEditorDocumentTest, aSavedFileHoldsTheAnnotationsAndPageChanges) {
     again.read(url);
     ASSERT_EQ(again.pdfDocument()->pageCount(), 2);
     ASSERT_EQ(again.pdfDocument()->page(1)->annotations().size(), 1U);
-    EXPECT_EQ(again.pdfDocument()->page(1)->annotations()[0]->contents(), u"Remember"_qs);
+    EXPECT_EQ(again.pdfDocument()->page(1)->annotations()[0]->contents(), QStringLiteral("Remember"));
 }
 
 TEST_F(PDFEditorDocumentTest, aSnapshotIsWrittenByAnotherThreadAsTheDocumentWas) {
     PdfFixture fixture;
     fill(fixture);
     PDFEditorDocument document;
-    document.read(store(u"a.pdf"_qs, fixture.bytes()));
+    document.read(store(QStringLiteral("a.pdf"), fixture.bytes()));
     const auto pdf = document.pdfDocument();
     const auto note = std::make_shared<PDFAnnotation>(QRectF(100, 700, 80, 14), PDFAnnotationSubtype::highlight);
-    note->setContents(u"Before"_qs);
+    note->setContents(QStringLiteral("Before"));
     pdf->page(0)->addAnnotation(note);
     const auto snapshot = document.snapshot();
-    note->setContents(u"After"_qs);
+    note->setContents(QStringLiteral("After"));
     pdf->removePage(1);
 
-    const QString path = m_folder.filePath(u"b.pdf"_qs);
+    const QString path = m_folder.filePath(QStringLiteral("b.pdf"));
     std::thread([&snapshot, &path] { snapshot->write(path); }).join();
     const auto saved = PDFDocument::fromFile(path);
     EXPECT_EQ(saved->pageCount(), 3);
     ASSERT_EQ(saved->page(0)->annotations().size(), 1U);
-    EXPECT_EQ(saved->page(0)->annotations()[0]->contents(), u"Before"_qs);
+    EXPECT_EQ(saved->page(0)->annotations()[0]->contents(), QStringLiteral("Before"));
     EXPECT_EQ(PdfPrograms::complaints(load(QUrl::fromLocalFile(path))), "");
 }
 
@@ -174,21 +176,23 @@ TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
     PdfFixture fixture;
     fill(fixture);
     PDFEditorDocument document;
-    document.read(store(u"a.pdf"_qs, fixture.bytes()));
-    ASSERT_TRUE(QDir(m_folder.path()).mkpath(u"closed"_qs));
-    const QUrl old = store(u"closed/old.pdf"_qs, "old");
-    ASSERT_TRUE(QFile::setPermissions(m_folder.filePath(u"closed"_qs), QFile::ReadOwner | QFile::ExeOwner));
+    document.read(store(QStringLiteral("a.pdf"), fixture.bytes()));
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("closed")));
+    const QUrl old = store(QStringLiteral("closed/old.pdf"), "old");
+    ASSERT_TRUE(QFile::setPermissions(m_folder.filePath(QStringLiteral("closed")), QFile::ReadOwner | QFile::ExeOwner));
     QStringList told;
     RestrictedRuns::withoutPrivileges([&] {
-        for (const QString& path : {old.toLocalFile(), m_folder.filePath(u"gone/a.pdf"_qs), m_folder.path()}) {
+        for (const QString& path :
+             {old.toLocalFile(), m_folder.filePath(QStringLiteral("gone/a.pdf")), m_folder.path()}) {
             try {
                 document.snapshot()->write(path);
             } catch (const DocumentError& error) {
-                told << error.sentence() + (error.isHelpedBySaveAs() ? u" [Save As]"_qs : QString());
+                told << error.sentence() + (error.isHelpedBySaveAs() ? QStringLiteral(" [Save As]") : QString());
             }
         }
     });
-    QFile::setPermissions(m_folder.filePath(u"closed"_qs), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile::setPermissions(m_folder.filePath(QStringLiteral("closed")),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     EXPECT_EQ(told.join(u'\n').toStdString(),
               "You don't have permission to write to the folder “closed”. Choose Save As to store it in another place. "
               "[Save As]\nThe folder “gone” doesn't exist. Choose Save As to store it in another place. [Save As]\n"
@@ -200,9 +204,9 @@ TEST_F(PDFEditorDocumentTest, aRepairedFileOpensWithANotice) {
     PdfFixture fixture;
     fill(fixture);
     PDFEditorDocument document;
-    document.read(store(u"damaged.pdf"_qs, PdfFixture::damaged(fixture.bytes())));
+    document.read(store(QStringLiteral("damaged.pdf"), PdfFixture::damaged(fixture.bytes())));
     EXPECT_EQ(document.pdfDocument()->pageCount(), 3);
-    EXPECT_TRUE(document.openNotice().contains(u"repaired"_qs));
+    EXPECT_TRUE(document.openNotice().contains(QStringLiteral("repaired")));
     EXPECT_EQ(PdfPrograms::complaints(document.dataRepresentation()), "");
 }
 
@@ -211,18 +215,19 @@ TEST_F(PDFEditorDocumentTest, aProtectedFileThatIsReadAgainNeedsNoPassword) {
         PdfFixture fixture;
         fill(fixture);
         PDFEditorDocument document;
-        const QUrl url = store(u"locked.pdf"_qs, fixture.encrypted("grün", "owner", encryption));
+        const QUrl url = store(QStringLiteral("locked.pdf"), fixture.encrypted("grün", "owner", encryption));
         document.read(url);
         document.setFileURL(url);
         document.read(url);
         EXPECT_TRUE(document.pdfDocument()->isLocked()) << "nobody has given a password";
-        ASSERT_TRUE(document.pdfDocument()->unlock(u"grün"_qs) || document.pdfDocument()->unlock(u"owner"_qs));
+        ASSERT_TRUE(document.pdfDocument()->unlock(QStringLiteral("grün")) ||
+                    document.pdfDocument()->unlock(QStringLiteral("owner")));
         document.read(url);
         EXPECT_FALSE(document.pdfDocument()->isLocked());
         EXPECT_EQ(document.pdfDocument()->pageCount(), 3);
         EXPECT_TRUE(document.wasPasswordProtected());
 
-        store(u"locked.pdf"_qs, fixture.encrypted("other", "owner 2", encryption));
+        store(QStringLiteral("locked.pdf"), fixture.encrypted("other", "owner 2", encryption));
         document.read(url);
         EXPECT_TRUE(document.pdfDocument()->isLocked()) << "it has another password now";
     }

@@ -33,7 +33,7 @@ std::shared_ptr<PDFPage> scannedPage(const QStringList& lines) {
 
 /// Blank when there is none, which no recognized text is.
 std::string read(const std::shared_ptr<PDFPage>& page) {
-    return QCoro::waitFor(PageOCRExtractor::recognizeText(page)).value_or(u" "_qs).toStdString();
+    return QCoro::waitFor(PageOCRExtractor::recognizeText(page)).value_or(QStringLiteral(" ")).toStdString();
 }
 
 std::shared_ptr<PDFAnnotation> freeText(const QRectF& bounds, const QString& text) {
@@ -52,7 +52,7 @@ public:
     QCoro::Task<> read(std::shared_ptr<const PDFPage> page, std::shared_ptr<QStringList> log) {
         const QPointer<Reader> self(this);
         const auto text = co_await PageOCRExtractor::recognizeText(page, m_stop.get_token());
-        log->append(self ? text.value_or(u"none"_qs) : u"gone"_qs);
+        log->append(self ? text.value_or(QStringLiteral("none")) : QStringLiteral("gone"));
     }
     ~Reader() override { m_stop.request_stop(); }
 
@@ -61,7 +61,7 @@ private:
 };
 
 TEST(PageOCRExtractor, ReadsTheLinesOfAScan) {
-    const auto page = scannedPage({u"Invoice number 4711"_qs, u"Total amount 86 euros"_qs});
+    const auto page = scannedPage({QStringLiteral("Invoice number 4711"), QStringLiteral("Total amount 86 euros")});
     EXPECT_EQ(read(page), "Invoice number 4711\nTotal amount 86 euros");
     EXPECT_FALSE(page->isModified());
     EXPECT_TRUE(page->string().isEmpty());
@@ -69,14 +69,14 @@ TEST(PageOCRExtractor, ReadsTheLinesOfAScan) {
 
 TEST(PageOCRExtractor, ReadsAPageAsItIsShown) {
     const QTransform quarterBack = QTransform().rotate(-90);
-    const auto turned = PDFPage::fromImage(scanOf({u"Lying on its side"_qs}).transformed(quarterBack),
+    const auto turned = PDFPage::fromImage(scanOf({QStringLiteral("Lying on its side")}).transformed(quarterBack),
                                            quarterBack.mapRect(QRectF(0, 0, 300, 150)).size());
     turned->setRotation(90);
     EXPECT_EQ(read(turned), "Lying on its side");
 
     // All of the media box, wherever it begins; a unit of the page may be larger than a point.
     PdfFixture fixture;
-    fixture.addPage({u"First line outside of the crop box"_qs, u"Second line"_qs}, {400, 200});
+    fixture.addPage({QStringLiteral("First line outside of the crop box"), QStringLiteral("Second line")}, {400, 200});
     fixture.setPageKey(0, "/MediaBox", "[-50 50 400 250]");
     fixture.setPageKey(0, "/CropBox", "[0 60 100 70]");
     fixture.setPageKey(0, "/UserUnit", "2");
@@ -85,8 +85,8 @@ TEST(PageOCRExtractor, ReadsAPageAsItIsShown) {
 
 TEST(PageOCRExtractor, ReadsAnnotationsOfTheFileAndNewOnes) {
     PdfFixture fixture;
-    fixture.addPage({u"Delivered on Monday"_qs}, {300, 150});
-    fixture.addTextField(0, u"name"_qs, {36, 50, 200, 20}, u"Checked by Marianne"_qs);
+    fixture.addPage({QStringLiteral("Delivered on Monday")}, {300, 150});
+    fixture.addTextField(0, QStringLiteral("name"), {36, 50, 200, 20}, QStringLiteral("Checked by Marianne"));
     const auto document = PDFDocument::fromData(fixture.bytes());
     const auto page = document->page(0);
     EXPECT_EQ(read(page), "Delivered on Monday\nChecked by Marianne");
@@ -94,7 +94,7 @@ TEST(PageOCRExtractor, ReadsAnnotationsOfTheFileAndNewOnes) {
     // The worker draws the field, which goes meanwhile: the page is read as it was or as it is, with no mixture.
     auto task = PageOCRExtractor::recognizeText(page);
     page->removeAnnotation(page->annotations().front());
-    page->addAnnotation(freeText({36, 10, 200, 24}, u"Paid in full"_qs));
+    page->addAnnotation(freeText({36, 10, 200, 24}, QStringLiteral("Paid in full")));
     const std::string text = QCoro::waitFor(std::move(task)).value_or(QString()).toStdString();
     EXPECT_TRUE(text == "Delivered on Monday\nPaid in full" || text == "Delivered on Monday\nChecked by Marianne")
         << text;
@@ -120,7 +120,7 @@ TEST(PageOCRExtractor, AnAbsurdlyLargePageIsReadAtASmallerScale) {
 
 TEST(PageOCRExtractor, PagesAndReadersMayGoMeanwhile) {
     PdfFixture fixture;
-    fixture.addPage({u"Still readable"_qs}, {300, 150});
+    fixture.addPage({QStringLiteral("Still readable")}, {300, 150});
     auto document = PDFDocument::fromData(fixture.bytes());
     auto page = document->page(0);
     auto task = PageOCRExtractor::recognizeText(page);
@@ -132,16 +132,16 @@ TEST(PageOCRExtractor, PagesAndReadersMayGoMeanwhile) {
     const auto log = std::make_shared<QStringList>();
     const auto lasting = std::make_unique<Reader>();
     auto closing = std::make_unique<Reader>();
-    closing->read(scannedPage({u"Window that closes"_qs}), log); // the tasks are dropped
-    lasting->read(scannedPage({u"Window that stays"_qs}), log);
+    closing->read(scannedPage({QStringLiteral("Window that closes")}), log); // the tasks are dropped
+    lasting->read(scannedPage({QStringLiteral("Window that stays")}), log);
     closing.reset();
     ASSERT_TRUE(QTest::qWaitFor([&log] { return log->size() == 2; }, 60'000));
     log->sort(); // either may come first: their pages are drawn and read in turns
-    EXPECT_EQ(*log, QStringList({u"Window that stays"_qs, u"gone"_qs}));
+    EXPECT_EQ(*log, QStringList({QStringLiteral("Window that stays"), QStringLiteral("gone")}));
 }
 
 TEST(PageOCRExtractor, AStopGivesNone) {
-    const auto page = scannedPage({u"Never mind"_qs});
+    const auto page = scannedPage({QStringLiteral("Never mind")});
     std::stop_source stop;
     auto task = PageOCRExtractor::recognizeText(page, stop.get_token());
     stop.request_stop();

@@ -12,11 +12,11 @@ namespace {
 
 /// Three pages that say "First", "Second" and "Third"; a highlight and a filled field on the second.
 void fill(PdfFixture& fixture) {
-    for (const QString& word : {u"First"_qs, u"Second"_qs, u"Third"_qs})
+    for (const QString& word : {QStringLiteral("First"), QStringLiteral("Second"), QStringLiteral("Third")})
         fixture.addPage({word});
     fixture.addAnnotation(1, "<< /Type /Annot /Subtype /Highlight /Rect [70 700 200 730] /C [1 1 0] /QuadPoints "
                              "[70 730 200 730 70 700 200 700] >>");
-    fixture.addTextField(1, u"name"_qs, {72, 500, 200, 24}, u"Ada"_qs);
+    fixture.addTextField(1, QStringLiteral("name"), {72, 500, 200, 24}, QStringLiteral("Ada"));
 }
 
 /// The words of the file, those of fields included, page after page.
@@ -64,7 +64,7 @@ TEST(PrintCopy, AProtectedDocumentGoesToThePrinterOpen) {
     PdfFixture fixture;
     fill(fixture);
     const auto document = PDFDocument::fromData(fixture.encrypted("secret", "owner", PdfFixture::Encryption::aes256));
-    ASSERT_TRUE(document->unlock(u"secret"_qs));
+    ASSERT_TRUE(document->unlock(QStringLiteral("secret")));
     EXPECT_EQ(words(PrintCopy::of(*document, {0, 1, 2}, true).bytes()), "First Second Ada Third");
     EXPECT_EQ(words(PrintCopy::of(*document, {0, 1, 2}, false).bytes()), "First Second Ada Third");
 }

@@ -7,13 +7,13 @@
 
 #include <gtest/gtest.h>
 
-static const QString key = u"RecentPageStore.pageIndexByPath"_qs;
+static const QString key = QStringLiteral("RecentPageStore.pageIndexByPath");
 
 TEST(RecentPageStore, remembersEachFileByItsPathInTheFileOfSettings) {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(u"settings.ini"_qs);
-    const QUrl report = QUrl::fromLocalFile(u"/home/me/Größe, 100% = a/b.pdf"_qs);
-    const QUrl other = QUrl::fromLocalFile(u"/home/me/other.pdf"_qs);
+    const QString path = folder.filePath(QStringLiteral("settings.ini"));
+    const QUrl report = QUrl::fromLocalFile(QStringLiteral("/home/me/Größe, 100% = a/b.pdf"));
+    const QUrl other = QUrl::fromLocalFile(QStringLiteral("/home/me/other.pdf"));
     {
         UserDefaults defaults(path);
         EXPECT_EQ(RecentPageStore::pageIndex(defaults, report), std::nullopt);
@@ -25,24 +25,26 @@ TEST(RecentPageStore, remembersEachFileByItsPathInTheFileOfSettings) {
     const UserDefaults defaults(path);
     EXPECT_EQ(RecentPageStore::pageIndex(defaults, report), 41);
     EXPECT_EQ(RecentPageStore::pageIndex(defaults, other), 0);
-    EXPECT_EQ(RecentPageStore::pageIndex(defaults, QUrl::fromLocalFile(u"/home/me/b.pdf"_qs)), std::nullopt);
+    EXPECT_EQ(RecentPageStore::pageIndex(defaults, QUrl::fromLocalFile(QStringLiteral("/home/me/b.pdf"))),
+              std::nullopt);
     EXPECT_TRUE(defaults.dictionaryForKey(key).value_or(QVariantMap()).contains(report.toLocalFile()));
 }
 
 TEST(RecentPageStore, aStoreThatIsNoDictionaryOfNumbersCountsAsEmpty) {
     const QTemporaryDir folder;
-    UserDefaults defaults(folder.filePath(u"settings.ini"_qs));
-    const QUrl url = QUrl::fromLocalFile(u"/a.pdf"_qs);
+    UserDefaults defaults(folder.filePath(QStringLiteral("settings.ini")));
+    const QUrl url = QUrl::fromLocalFile(QStringLiteral("/a.pdf"));
     const auto spoilt = [&defaults](int attempt) {
         switch (attempt) {
         case 0:
-            return defaults.setString(key, u"nonsense"_qs);
+            return defaults.setString(key, QStringLiteral("nonsense"));
         case 1:
-            return defaults.setDictionary(key, {{u"/a.pdf"_qs, 3}, {u"/b.pdf"_qs, u"4"_qs}});
+            return defaults.setDictionary(
+                key, {{QStringLiteral("/a.pdf"), 3}, {QStringLiteral("/b.pdf"), QStringLiteral("4")}});
         case 2:
-            return defaults.setDictionary(key, {{u"/a.pdf"_qs, 3}, {u"/b.pdf"_qs, 1.5}});
+            return defaults.setDictionary(key, {{QStringLiteral("/a.pdf"), 3}, {QStringLiteral("/b.pdf"), 1.5}});
         default:
-            return defaults.setDictionary(key, {{u"/a.pdf"_qs, 3}, {u"/b.pdf"_qs, true}});
+            return defaults.setDictionary(key, {{QStringLiteral("/a.pdf"), 3}, {QStringLiteral("/b.pdf"), true}});
         }
     };
     for (int attempt = 0; attempt < 4; ++attempt) {
@@ -53,7 +55,7 @@ TEST(RecentPageStore, aStoreThatIsNoDictionaryOfNumbersCountsAsEmpty) {
         EXPECT_EQ(defaults.dictionaryForKey(key).value_or(QVariantMap()).size(), 1) << attempt;
     }
     // A number that no document can have as a page index is no reason to forget the other files.
-    defaults.setDictionary(key, {{u"/a.pdf"_qs, 3}, {u"/b.pdf"_qs, qlonglong(1) << 40}});
+    defaults.setDictionary(key, {{QStringLiteral("/a.pdf"), 3}, {QStringLiteral("/b.pdf"), qlonglong(1) << 40}});
     EXPECT_EQ(RecentPageStore::pageIndex(defaults, url), 3);
-    EXPECT_EQ(RecentPageStore::pageIndex(defaults, QUrl::fromLocalFile(u"/b.pdf"_qs)), std::nullopt);
+    EXPECT_EQ(RecentPageStore::pageIndex(defaults, QUrl::fromLocalFile(QStringLiteral("/b.pdf"))), std::nullopt);
 }

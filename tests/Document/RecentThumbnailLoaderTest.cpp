@@ -43,7 +43,7 @@ protected:
                                        QByteArray::number(size.height() / 2) + " re f",
                                    "<< >>", size);
         fixture.setPageKey(0, "/Rotate", rotation);
-        fixture.addPage({u"Second page"_qs});
+        fixture.addPage({QStringLiteral("Second page")});
         return fixture.bytes();
     }
 
@@ -51,43 +51,43 @@ protected:
 };
 
 TEST_F(RecentThumbnailLoaderTest, showsTheFirstPage280PixelsHigh) {
-    const QImage letter = loaded(store(u"Größe.pdf"_qs, pageFile({612, 792})));
+    const QImage letter = loaded(store(QStringLiteral("Größe.pdf"), pageFile({612, 792})));
     ASSERT_EQ(letter.size(), QSize(216, 280));
     EXPECT_EQ(letter.pixelColor(50, 210), QColor(Qt::black));
     EXPECT_EQ(letter.pixelColor(50, 70), QColor(Qt::white));
     EXPECT_EQ(letter.pixelColor(160, 210), QColor(Qt::white));
 
     // Turned clockwise, the lower left quarter comes to the upper left.
-    const QImage turned = loaded(store(u"turned.pdf"_qs, pageFile({280, 560}, "90")));
+    const QImage turned = loaded(store(QStringLiteral("turned.pdf"), pageFile({280, 560}, "90")));
     ASSERT_EQ(turned.size(), QSize(560, 280));
     EXPECT_EQ(turned.pixelColor(100, 70), QColor(Qt::black));
     EXPECT_EQ(turned.pixelColor(100, 210), QColor(Qt::white));
 
-    EXPECT_EQ(loaded(store(u"strip.pdf"_qs, pageFile({10, 10'000}))).size(), QSize(1, 280));
+    EXPECT_EQ(loaded(store(QStringLiteral("strip.pdf"), pageFile({10, 10'000}))).size(), QSize(1, 280));
 }
 
 TEST_F(RecentThumbnailLoaderTest, aFileThatIsNoReadablePDFGivesNone) {
     PdfFixture locked;
-    locked.addPage({u"Secret"_qs});
+    locked.addPage({QStringLiteral("Secret")});
     PdfFixture empty;
-    const QString pipe = m_folder.filePath(u"pipe.pdf"_qs);
+    const QString pipe = m_folder.filePath(QStringLiteral("pipe.pdf"));
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    QFile huge(m_folder.filePath(u"huge.pdf"_qs));
+    QFile huge(m_folder.filePath(QStringLiteral("huge.pdf")));
     ASSERT_TRUE(huge.open(QIODevice::WriteOnly));
     huge.write(pageFile({612, 792}));
     ASSERT_TRUE(huge.resize(RecentThumbnailLoader::maximumFileSize + 1));
 
     const QUrl bad[] = {
-        QUrl::fromLocalFile(m_folder.filePath(u"missing.pdf"_qs)),
+        QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing.pdf"))),
         QUrl::fromLocalFile(m_folder.path()),
         QUrl::fromLocalFile(pipe),
         QUrl::fromLocalFile(huge.fileName()),
-        QUrl(u"https://example.org/a.pdf"_qs),
-        store(u"text.pdf"_qs, "no PDF"),
-        store(u"nothing.pdf"_qs, {}),
-        store(u"locked.pdf"_qs, locked.encrypted("user", "owner", PdfFixture::Encryption::aes256)),
-        store(u"no pages.pdf"_qs, empty.bytes()),
-        store(u"ribbon.pdf"_qs, pageFile({10'000, 10})),
+        QUrl(QStringLiteral("https://example.org/a.pdf")),
+        store(QStringLiteral("text.pdf"), "no PDF"),
+        store(QStringLiteral("nothing.pdf"), {}),
+        store(QStringLiteral("locked.pdf"), locked.encrypted("user", "owner", PdfFixture::Encryption::aes256)),
+        store(QStringLiteral("no pages.pdf"), empty.bytes()),
+        store(QStringLiteral("ribbon.pdf"), pageFile({10'000, 10})),
     };
     for (const QUrl& url : bad)
         EXPECT_TRUE(loaded(url).isNull()) << url.toString().toStdString();
@@ -108,7 +108,7 @@ TEST_F(RecentThumbnailLoaderTest, manyAtOnceEachGetTheirOwnPicture) {
 }
 
 TEST_F(RecentThumbnailLoaderTest, nothingIsDeliveredToAReceiverOrLoaderThatIsGone) {
-    const QUrl url = store(u"a.pdf"_qs, pageFile({612, 792}));
+    const QUrl url = store(QStringLiteral("a.pdf"), pageFile({612, 792}));
     int delivered = 0;
     const auto count = [&delivered](const QImage&) { ++delivered; };
 

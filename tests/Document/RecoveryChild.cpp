@@ -22,7 +22,7 @@ static constexpr int changesBeforeRewrites = 12;
 
 static int edit(const QString& folder, const QString& path) {
     SilentPresenter presenter;
-    UserDefaults defaults(folder + u"/settings.ini"_qs);
+    UserDefaults defaults(folder + QStringLiteral("/settings.ini"));
     DocumentController controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults);
     RecoveryPace pace;
     pace.afterChange = pace.betweenWrites = pace.longestBetweenWrites = pace.betweenPictures =
@@ -64,9 +64,9 @@ static int take(const QString& folder) {
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
-    if (arguments.size() == 4 && arguments[1] == u"edit"_qs)
+    if (arguments.size() == 4 && arguments[1] == QStringLiteral("edit"))
         return edit(arguments[2], arguments[3]);
-    if (arguments.size() == 3 && arguments[1] == u"take"_qs)
+    if (arguments.size() == 3 && arguments[1] == QStringLiteral("take"))
         return take(arguments[2]);
     return 2;
 }

@@ -44,8 +44,8 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    const QString m_records = m_folder.filePath(u"recovery"_qs);
-    const QString m_pdf = m_folder.filePath(u"report.pdf"_qs);
+    const QString m_records = m_folder.filePath(QStringLiteral("recovery"));
+    const QString m_pdf = m_folder.filePath(QStringLiteral("report.pdf"));
 };
 
 TEST_F(RecoveryProcessTest, aKilledProcessLeavesTheLastCompleteWrite) {
@@ -54,7 +54,7 @@ TEST_F(RecoveryProcessTest, aKilledProcessLeavesTheLastCompleteWrite) {
     for (int run = 0; run < 12; ++run) {
         SCOPED_TRACE(run);
         QProcess child;
-        start(child, {u"edit"_qs, m_records, m_pdf});
+        start(child, {QStringLiteral("edit"), m_records, m_pdf});
         int recorded = 0;
         for (int lines = std::uniform_int_distribution(1, 25)(random); lines > 0; --lines)
             recorded = readLine(child).toInt();
@@ -85,7 +85,7 @@ TEST_F(RecoveryProcessTest, aKilledProcessLeavesTheLastCompleteWrite) {
 TEST_F(RecoveryProcessTest, eachLostRecordIsTakenByOneProcess) {
     constexpr int recordCount = 30;
     QProcess living;
-    start(living, {u"edit"_qs, m_records, m_pdf});
+    start(living, {QStringLiteral("edit"), m_records, m_pdf});
     ASSERT_FALSE(readLine(living).isEmpty());
     for (int i = 0; i < recordCount; ++i) {
         RecoveryDescription description;
@@ -95,7 +95,7 @@ TEST_F(RecoveryProcessTest, eachLostRecordIsTakenByOneProcess) {
 
     QProcess takers[3];
     for (QProcess& taker : takers)
-        start(taker, {u"take"_qs, m_records});
+        start(taker, {QStringLiteral("take"), m_records});
     QSet<QByteArray> taken;
     int count = 0;
     for (QProcess& taker : takers) {

@@ -17,10 +17,10 @@
 
 namespace {
 
-RecoveryDescription description(const QString& name = u"Bericht ü.pdf"_qs) {
+RecoveryDescription description(const QString& name = QStringLiteral("Bericht ü.pdf")) {
     RecoveryDescription result;
     result.displayName = name;
-    result.originalPath = u"/home/somebody/Bericht ü.pdf"_qs;
+    result.originalPath = QStringLiteral("/home/somebody/Bericht ü.pdf");
     result.originalStamp = FileStamp{0, 0, 1234, 1'790'000'000'123'456'789};
     result.writeTime = QDateTime::fromMSecsSinceEpoch(1'790'000'000'123);
     result.pageCount = 7;
@@ -30,7 +30,7 @@ RecoveryDescription description(const QString& name = u"Bericht ü.pdf"_qs) {
 
 class RecoveryRecordTest : public testing::Test {
 protected:
-    QString folder() const { return m_folder.filePath(u"state/quillo/recovery"_qs); }
+    QString folder() const { return m_folder.filePath(QStringLiteral("state/quillo/recovery")); }
 
     /// The path of the only record in the folder.
     QString recordPath() const {
@@ -41,8 +41,8 @@ protected:
     /// What is in the folder of the record but the lock and the manifest.
     QStringList parts() const {
         QStringList names = QDir(recordPath()).entryList(QDir::Files | QDir::Hidden);
-        names.removeAll(u"lock"_qs);
-        names.removeAll(u"document.json"_qs);
+        names.removeAll(QStringLiteral("lock"));
+        names.removeAll(QStringLiteral("document.json"));
         return names;
     }
 
@@ -123,7 +123,7 @@ TEST_F(RecoveryRecordTest, aFullDiskLeavesTheFormerWrite) {
         const auto attempt = [&lines](const std::function<void()>& operation) {
             try {
                 operation();
-                lines.append(u"done"_qs);
+                lines.append(QStringLiteral("done"));
             } catch (const FileError& error) {
                 lines.append(error.sentence());
             }
@@ -133,11 +133,11 @@ TEST_F(RecoveryRecordTest, aFullDiskLeavesTheFormerWrite) {
         attempt([&] { record->write(description(), base, "first"); });
         attempt([&] { record->write(description(), base, QByteArray(60'000, 'u')); });
         attempt([&] { record->write(description(), QByteArray(60'000, 'n'), {}); });
-        lines.append(record->bytes() == base + "first" ? u"intact"_qs : u"broken"_qs);
+        lines.append(record->bytes() == base + "first" ? QStringLiteral("intact") : QStringLiteral("broken"));
         lines.append(QString::number(parts().size()));
         record.reset();
         record = RecoveryRecord::take(recordPath());
-        lines.append(record->bytes() == base + "first" ? u"intact"_qs : u"broken"_qs);
+        lines.append(record->bytes() == base + "first" ? QStringLiteral("intact") : QStringLiteral("broken"));
         attempt([&] { record->write(description(), base, "second"); });
         return lines;
     });
@@ -173,7 +173,7 @@ void replace(const QString& path, const QByteArray& bytes) {
 std::function<void(const QString& path)> withValue(const QString& key, const QJsonValue& value,
                                                    const QString& in = {}) {
     return [=](const QString& path) {
-        QFile file(path + u"/document.json"_qs);
+        QFile file(path + QStringLiteral("/document.json"));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
         file.close();
@@ -189,46 +189,50 @@ std::function<void(const QString& path)> withValue(const QString& key, const QJs
 }
 
 const std::vector<Damage> damages = {
-    {"no manifest", [](const QString& path) { QFile::remove(path + u"/document.json"_qs); }, true, 1},
-    {"empty manifest", [](const QString& path) { replace(path + u"/document.json"_qs, {}); }},
-    {"cut manifest", [](const QString& path) { QFile(path + u"/document.json"_qs).resize(40); }},
-    {"noise", [](const QString& path) { replace(path + u"/document.json"_qs, QByteArray(3000, '\xFE')); }},
-    {"an array", [](const QString& path) { replace(path + u"/document.json"_qs, "[1, 2]"); }},
-    {"deep nesting", [](const QString& path) { replace(path + u"/document.json"_qs, QByteArray(60'000, '[')); }},
-    {"huge manifest", [](const QString& path) { QFile(path + u"/document.json"_qs).resize(qint64(1) << 40); }},
+    {"no manifest", [](const QString& path) { QFile::remove(path + QStringLiteral("/document.json")); }, true, 1},
+    {"empty manifest", [](const QString& path) { replace(path + QStringLiteral("/document.json"), {}); }},
+    {"cut manifest", [](const QString& path) { QFile(path + QStringLiteral("/document.json")).resize(40); }},
+    {"noise", [](const QString& path) { replace(path + QStringLiteral("/document.json"), QByteArray(3000, '\xFE')); }},
+    {"an array", [](const QString& path) { replace(path + QStringLiteral("/document.json"), "[1, 2]"); }},
+    {"deep nesting",
+     [](const QString& path) { replace(path + QStringLiteral("/document.json"), QByteArray(60'000, '[')); }},
+    {"huge manifest",
+     [](const QString& path) { QFile(path + QStringLiteral("/document.json")).resize(qint64(1) << 40); }},
     {"manifest is a folder",
      [](const QString& path) {
-         QFile::remove(path + u"/document.json"_qs);
-         QDir(path).mkdir(u"document.json"_qs);
+         QFile::remove(path + QStringLiteral("/document.json"));
+         QDir(path).mkdir(QStringLiteral("document.json"));
      }},
     {"manifest is a pipe",
      [](const QString& path) {
-         QFile::remove(path + u"/document.json"_qs);
-         mkfifo(QFile::encodeName(path + u"/document.json"_qs).constData(), 0600);
+         QFile::remove(path + QStringLiteral("/document.json"));
+         mkfifo(QFile::encodeName(path + QStringLiteral("/document.json")).constData(), 0600);
      }},
     {"manifest is a link",
      [](const QString& path) {
-         QFile::rename(path + u"/document.json"_qs, path + u"/../elsewhere.json"_qs);
-         QFile::link(path + u"/../elsewhere.json"_qs, path + u"/document.json"_qs);
+         QFile::rename(path + QStringLiteral("/document.json"), path + QStringLiteral("/../elsewhere.json"));
+         QFile::link(path + QStringLiteral("/../elsewhere.json"), path + QStringLiteral("/document.json"));
      }},
-    {"newer format", withValue(u"version"_qs, 2)},
-    {"time before all times", withValue(u"time"_qs, -5)},
-    {"time beyond all times", withValue(u"time"_qs, 1e300)},
-    {"path that is none", withValue(u"path"_qs, u"../../etc/passwd"_qs)},
-    {"endless path", withValue(u"path"_qs, QString(10'000, u'/'))},
-    {"base elsewhere", withValue(u"file"_qs, u"../../../../etc/passwd"_qs, u"base"_qs)},
-    {"base is the lock", withValue(u"file"_qs, u"lock"_qs, u"base"_qs)},
-    {"base of negative size", withValue(u"size"_qs, -1, u"base"_qs)},
-    {"base of absurd size", withValue(u"size"_qs, 1e18, u"base"_qs)},
-    {"base of another size", withValue(u"size"_qs, 5, u"base"_qs)},
-    {"base without sum", withValue(u"sha256"_qs, u"abc"_qs, u"base"_qs)},
-    {"update is no object", withValue(u"update"_qs, 7)},
-    {"update missing", [](const QString& path) { QFile::remove(path + u"/update-2"_qs); }},
-    {"base missing", [](const QString& path) { QFile::remove(path + u"/base-1"_qs); }},
-    {"base cut", [](const QString& path) { QFile(path + u"/base-1"_qs).resize(2); }},
-    {"base grown", [](const QString& path) { QFile(path + u"/base-1"_qs).resize(qint64(1) << 40); }},
-    {"base of other bytes", [](const QString& path) { replace(path + u"/base-1"_qs, "BASE"); }, false},
-    {"update of other bytes", [](const QString& path) { replace(path + u"/update-2"_qs, "UPDATE"); }, false},
+    {"newer format", withValue(QStringLiteral("version"), 2)},
+    {"time before all times", withValue(QStringLiteral("time"), -5)},
+    {"time beyond all times", withValue(QStringLiteral("time"), 1e300)},
+    {"path that is none", withValue(QStringLiteral("path"), QStringLiteral("../../etc/passwd"))},
+    {"endless path", withValue(QStringLiteral("path"), QString(10'000, u'/'))},
+    {"base elsewhere",
+     withValue(QStringLiteral("file"), QStringLiteral("../../../../etc/passwd"), QStringLiteral("base"))},
+    {"base is the lock", withValue(QStringLiteral("file"), QStringLiteral("lock"), QStringLiteral("base"))},
+    {"base of negative size", withValue(QStringLiteral("size"), -1, QStringLiteral("base"))},
+    {"base of absurd size", withValue(QStringLiteral("size"), 1e18, QStringLiteral("base"))},
+    {"base of another size", withValue(QStringLiteral("size"), 5, QStringLiteral("base"))},
+    {"base without sum", withValue(QStringLiteral("sha256"), QStringLiteral("abc"), QStringLiteral("base"))},
+    {"update is no object", withValue(QStringLiteral("update"), 7)},
+    {"update missing", [](const QString& path) { QFile::remove(path + QStringLiteral("/update-2")); }},
+    {"base missing", [](const QString& path) { QFile::remove(path + QStringLiteral("/base-1")); }},
+    {"base cut", [](const QString& path) { QFile(path + QStringLiteral("/base-1")).resize(2); }},
+    {"base grown", [](const QString& path) { QFile(path + QStringLiteral("/base-1")).resize(qint64(1) << 40); }},
+    {"base of other bytes", [](const QString& path) { replace(path + QStringLiteral("/base-1"), "BASE"); }, false},
+    {"update of other bytes", [](const QString& path) { replace(path + QStringLiteral("/update-2"), "UPDATE"); },
+     false},
 };
 
 TEST_F(RecoveryRecordTest, damagedOnesArePassedOverAndDeletedWhenTheyAreOld) {
@@ -261,14 +265,14 @@ TEST_F(RecoveryRecordTest, whatIsOnlyToldIsPutRight) {
         record->write(description(), "base", "update");
     }
     const QString path = recordPath();
-    withValue(u"name"_qs, u"a/b\n\u202Ec\u0007 📄"_qs + QString(1000, u'x'))(path);
-    withValue(u"pageCount"_qs, -3)(path);
-    withValue(u"pageIndex"_qs, 1e30)(path);
-    withValue(u"original"_qs, u"?"_qs)(path);
+    withValue(QStringLiteral("name"), QStringLiteral("a/b\n\u202Ec\u0007 📄") + QString(1000, u'x'))(path);
+    withValue(QStringLiteral("pageCount"), -3)(path);
+    withValue(QStringLiteral("pageIndex"), 1e30)(path);
+    withValue(QStringLiteral("original"), QStringLiteral("?"))(path);
     const auto lost = RecoveryStore::takeLost(folder(), QDateTime::currentDateTime());
     ASSERT_EQ(lost.size(), 1U);
     const RecoveryDescription& told = lost.front()->manifest()->description;
-    EXPECT_TRUE(told.displayName.startsWith(u"a b c 📄xxx"_qs)) << told.displayName.toStdString();
+    EXPECT_TRUE(told.displayName.startsWith(QStringLiteral("a b c 📄xxx"))) << told.displayName.toStdString();
     EXPECT_LE(told.displayName.size(), 255);
     EXPECT_EQ(told.pageCount, 0);
     EXPECT_EQ(told.pageIndex, 0);
@@ -280,18 +284,18 @@ TEST_F(RecoveryRecordTest, leftoversGoAndStrangersStay) {
     ASSERT_TRUE(QDir().mkpath(folder()));
     const QDir records(folder());
     for (const char* name : {".removed-1", ".new-1", "photos", "0123"})
-        ASSERT_TRUE(records.mkpath(QLatin1String(name) + u"/inner"_qs));
-    replace(records.filePath(u"notes.txt"_qs), "mine");
-    const QString target = m_folder.filePath(u"target"_qs);
+        ASSERT_TRUE(records.mkpath(QLatin1String(name) + QStringLiteral("/inner")));
+    replace(records.filePath(QStringLiteral("notes.txt")), "mine");
+    const QString target = m_folder.filePath(QStringLiteral("target"));
     ASSERT_TRUE(QDir().mkpath(target));
     ASSERT_TRUE(QFile::link(target, records.filePath(QString(32, u'a'))));
 
     const QDateTime now = QDateTime::currentDateTime();
     EXPECT_TRUE(RecoveryStore::takeLost(folder(), now).empty());
-    EXPECT_FALSE(records.exists(u".removed-1"_qs));
-    EXPECT_TRUE(records.exists(u".new-1"_qs)) << "somebody may be at it";
+    EXPECT_FALSE(records.exists(QStringLiteral(".removed-1")));
+    EXPECT_TRUE(records.exists(QStringLiteral(".new-1"))) << "somebody may be at it";
     EXPECT_TRUE(RecoveryStore::takeLost(folder(), now.addDays(40)).empty());
-    EXPECT_FALSE(records.exists(u".new-1"_qs));
+    EXPECT_FALSE(records.exists(QStringLiteral(".new-1")));
     for (const char* name : {"photos/inner", "0123/inner", "notes.txt"})
         EXPECT_TRUE(records.exists(QLatin1String(name))) << name;
     EXPECT_TRUE(QDir(target).isEmpty()) << "a link was followed";
@@ -306,23 +310,23 @@ TEST_F(RecoveryRecordTest, aNewLookFindsTheNewestFirst) {
     QStringList names;
     for (const auto& record : RecoveryStore::takeLost(folder(), QDateTime::currentDateTime()))
         names.append(record->manifest()->description.displayName);
-    EXPECT_EQ(names.join(u','), u"1,2,0"_qs);
+    EXPECT_EQ(names.join(u','), QStringLiteral("1,2,0"));
 }
 
 TEST_F(RecoveryRecordTest, testsNeverTouchTheRecordsOfThePersonWhoRunsThem) {
     const QString scratchHome = QFileInfo(QDir::homePath()).path();
     EXPECT_NE(scratchHome, QFileInfo(QString::fromLocal8Bit(getpwuid(getuid())->pw_dir)).path());
-    EXPECT_EQ(RecoveryStore::standardFolder(), scratchHome + u"/state/quillo/recovery"_qs);
+    EXPECT_EQ(RecoveryStore::standardFolder(), scratchHome + QStringLiteral("/state/quillo/recovery"));
     EXPECT_TRUE(QDir::tempPath().startsWith(scratchHome + u'/'));
 }
 
 TEST_F(RecoveryRecordTest, theFolderFollowsTheBaseDirectories) {
     const QByteArray former = qgetenv("XDG_STATE_HOME");
     qputenv("XDG_STATE_HOME", "/somewhere");
-    EXPECT_EQ(RecoveryStore::standardFolder(), u"/somewhere/quillo/recovery"_qs);
+    EXPECT_EQ(RecoveryStore::standardFolder(), QStringLiteral("/somewhere/quillo/recovery"));
     for (const char* useless : {"", "relative"}) {
         qputenv("XDG_STATE_HOME", useless);
-        EXPECT_EQ(RecoveryStore::standardFolder(), QDir::homePath() + u"/.local/state/quillo/recovery"_qs);
+        EXPECT_EQ(RecoveryStore::standardFolder(), QDir::homePath() + QStringLiteral("/.local/state/quillo/recovery"));
     }
     qputenv("XDG_STATE_HOME", former);
 }

@@ -21,8 +21,8 @@ TEST(ThumbnailCache, the301stThumbnailEvictsTheOldest) {
     for (int i = 0; i <= ThumbnailCache::maximumCount; ++i)
         ThumbnailCache::insert(QString::number(i), picture());
     EXPECT_EQ(ThumbnailCache::count(), 300);
-    EXPECT_TRUE(ThumbnailCache::image(u"0"_qs).isNull());
-    EXPECT_FALSE(ThumbnailCache::image(u"300"_qs).isNull());
+    EXPECT_TRUE(ThumbnailCache::image(QStringLiteral("0")).isNull());
+    EXPECT_FALSE(ThumbnailCache::image(QStringLiteral("300")).isNull());
 }
 
 TEST(ThumbnailCache, aDocumentsThumbnailsGoWithItAndNoOtherDocumentGetsThem) {
@@ -30,15 +30,15 @@ TEST(ThumbnailCache, aDocumentsThumbnailsGoWithItAndNoOtherDocumentGetsThem) {
     std::optional<PDFDocument> document; // both live at the same address
     document.emplace();
     const QString first = ThumbnailCache::key(*document, 4);
-    EXPECT_TRUE(QRegularExpression(u"^\\d+-4$"_qs).match(first).hasMatch());
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d+-4$")).match(first).hasMatch());
     EXPECT_EQ(ThumbnailCache::key(*document, 4), first);
     ThumbnailCache::insert(first, picture());
-    ThumbnailCache::insert(ThumbnailCache::recentKey(u"/a.pdf"_qs), picture());
+    ThumbnailCache::insert(ThumbnailCache::recentKey(QStringLiteral("/a.pdf")), picture());
 
     document.emplace();
     EXPECT_NE(ThumbnailCache::key(*document, 4), first);
     EXPECT_EQ(ThumbnailCache::count(), 1);
-    EXPECT_FALSE(ThumbnailCache::image(u"recent-/a.pdf"_qs).isNull());
+    EXPECT_FALSE(ThumbnailCache::image(QStringLiteral("recent-/a.pdf")).isNull());
 }
 
 TEST(ThumbnailCache, memoryPressureEmptiesIt) {
@@ -47,7 +47,7 @@ TEST(ThumbnailCache, memoryPressureEmptiesIt) {
     MemoryPressureMonitor monitor(std::move(source));
     ThumbnailCache::install(monitor);
     for (const auto level : {MemoryPressureSource::Level::Warning, MemoryPressureSource::Level::Critical}) {
-        ThumbnailCache::insert(u"a"_qs, picture());
+        ThumbnailCache::insert(QStringLiteral("a"), picture());
         Q_EMIT pressure.memoryPressure(level);
         EXPECT_EQ(ThumbnailCache::count(), 0);
     }

@@ -4,7 +4,7 @@
 
 TEST(MathImage, drawsInItsFontAndSaysHowLarge) {
     MathImage formula;
-    formula.latex = u"\\frac12"_qs;
+    formula.latex = QStringLiteral("\\frac12");
     formula.fontSize = 100;
     const MTMathImageResult result = formula.asImage(2);
     EXPECT_FALSE(result.error);
@@ -18,6 +18,6 @@ TEST(MathImage, drawsInItsFontAndSaysHowLarge) {
     for (const int x : {2, 50, 97})
         EXPECT_EQ(result.image->pixelColor(x, axis), Qt::black) << x;
 
-    formula.latex = u"}"_qs;
+    formula.latex = QStringLiteral("}");
     EXPECT_TRUE(formula.asImage().error);
 }

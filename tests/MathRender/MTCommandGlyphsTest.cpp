@@ -85,24 +85,25 @@ TEST(CommandGlyphs, everySymbolButOneIsInTheFont) {
             sources << u'\\' + string(symbol.name);
     }
     EXPECT_EQ(sources.size(), 225);
-    EXPECT_EQ(lackingGlyphs(sources), QStringList{u"\\lbar"_qs}) << "a lambda with a stroke";
+    EXPECT_EQ(lackingGlyphs(sources), QStringList{QStringLiteral("\\lbar")}) << "a lambda with a stroke";
     EXPECT_NEAR(layout(u"\\ ")->width(), font()->ctFont()->advance(font()->ctFont()->glyph(U' ')), 1e-9);
 }
 
 TEST(CommandGlyphs, everyAccentAndDelimiterIsInTheFont) {
     QStringList sources;
     for (const auto& accent : MTCommandTables::allAccents())
-        sources << u'\\' + string(accent.name) + u" x"_qs << u'\\' + string(accent.name) + u"{xyz}"_qs;
-    const QString tall = u"\\begin{matrix}1\\\\1\\\\1\\\\1\\end{matrix}"_qs;
+        sources << u'\\' + string(accent.name) + QStringLiteral(" x")
+                << u'\\' + string(accent.name) + QStringLiteral("{xyz}");
+    const QString tall = QStringLiteral("\\begin{matrix}1\\\\1\\\\1\\\\1\\end{matrix}");
     for (const auto& delimiter : MTCommandTables::allDelimiters()) {
         if (delimiter.name == u".")
             continue;
-        const bool isPlain = delimiter.name.size() == 1 && !u"\\{}"_qs.contains(string(delimiter.name));
+        const bool isPlain = delimiter.name.size() == 1 && !QStringLiteral("\\{}").contains(string(delimiter.name));
         const QString name = isPlain                   ? string(delimiter.name)
-                             : delimiter.name == u"||" ? u"\\|"_qs
+                             : delimiter.name == u"||" ? QStringLiteral("\\|")
                                                        : u'\\' + string(delimiter.name);
-        for (const QString& inner : {u"x"_qs, tall})
-            sources << u"\\left"_qs + name + u' ' + inner + u"\\right."_qs;
+        for (const QString& inner : {QStringLiteral("x"), tall})
+            sources << QStringLiteral("\\left") + name + u' ' + inner + QStringLiteral("\\right.");
     }
     EXPECT_EQ(sources.size(), 2 * 12 + 2 * 31);
     EXPECT_EQ(lackingGlyphs(sources), QStringList());
@@ -119,8 +120,8 @@ TEST(CommandGlyphs, everyAlphabetIsInTheFont) {
     EXPECT_EQ(sources.size(), 22 * 62);
     // Unicode has three small script letters elsewhere than the others, where this font has none.
     QStringList lacking;
-    for (const QString& name : {u"mathcal"_qs, u"cal"_qs}) {
-        for (const QChar letter : u"ego"_qs)
+    for (const QString& name : {QStringLiteral("mathcal"), QStringLiteral("cal")}) {
+        for (const QChar letter : QStringLiteral("ego"))
             lacking << u'\\' + name + u'{' + letter + u'}';
     }
     EXPECT_EQ(lackingGlyphs(sources), lacking);

@@ -67,7 +67,8 @@ TEST(MTCommandTables, holdEveryName) {
 
 TEST(MTCommandTables, leadBackToTheShortestName) {
     const auto nameOf = [](QStringView symbol) {
-        return MTMathAtomFactory::latexSymbolName(*MTMathAtomFactory::atomForLatexSymbol(symbol)).value_or(u"none"_qs);
+        return MTMathAtomFactory::latexSymbolName(*MTMathAtomFactory::atomForLatexSymbol(symbol))
+            .value_or(QStringLiteral("none"));
     };
     EXPECT_EQ(nameOf(u"varsigma"), u"rho");
     EXPECT_EQ(nameOf(u"to"), u"rightarrow");
@@ -85,7 +86,7 @@ TEST(MTCommandTables, leadBackToTheShortestName) {
     EXPECT_EQ(delimiterNameOf(u"langle"), u"<");
     EXPECT_EQ(delimiterNameOf(u"."), u".");
     EXPECT_FALSE(MTMathAtomFactory::boundaryForDelimiter(u"alpha"));
-    EXPECT_FALSE(MTMathAtomFactory::delimiterName(MTMathAtom(MTMathAtomType::open, u"("_qs)));
+    EXPECT_FALSE(MTMathAtomFactory::delimiterName(MTMathAtom(MTMathAtomType::open, QStringLiteral("("))));
 
     EXPECT_EQ(MTMathAtomFactory::accentName(*MTMathAtomFactory::accentWithName(u"widetilde")), u"tilde");
     EXPECT_FALSE(MTMathAtomFactory::accentWithName(u"ring"));
@@ -95,37 +96,40 @@ TEST(MTCommandTables, everythingWrittenIsReadAgain) {
     for (const QString& name : MTMathAtomFactory::supportedLatexSymbolNames()) {
         if (name == u"&")
             continue; // parts cells even behind a backslash
-        expectRoundTrip(u'\\' + name + u" x"_qs);
-        expectRoundTrip(u"x^{\\"_qs + name + u" }"_qs);
+        expectRoundTrip(u'\\' + name + QStringLiteral(" x"));
+        expectRoundTrip(QStringLiteral("x^{\\") + name + QStringLiteral(" }"));
     }
     for (const auto& accent : MTCommandTables::allAccents())
-        expectRoundTrip(u'\\' + string(accent.name) + u"{xy}_i^2"_qs);
+        expectRoundTrip(u'\\' + string(accent.name) + QStringLiteral("{xy}_i^2"));
     for (const auto& delimiter : MTCommandTables::allDelimiters()) {
         // All but single visible characters are commands.
         QString name = string(delimiter.name);
         if (name == u"||")
-            name = u"|"_qs;
-        const bool isPlain = delimiter.name.size() == 1 && !u"\\{}"_qs.contains(name);
+            name = QStringLiteral("|");
+        const bool isPlain = delimiter.name.size() == 1 && !QStringLiteral("\\{}").contains(name);
         const QString source = isPlain ? name : u'\\' + name;
-        expectRoundTrip(u"\\left"_qs + source + u" x\\right"_qs + source + u" y"_qs);
+        expectRoundTrip(QStringLiteral("\\left") + source + QStringLiteral(" x\\right") + source +
+                        QStringLiteral(" y"));
     }
     for (const auto& style : MTCommandTables::allFontStyleNames()) {
-        expectRoundTrip(u'\\' + string(style.name) + u"{xy\\frac{a}{1}}z"_qs);
+        expectRoundTrip(u'\\' + string(style.name) + QStringLiteral("{xy\\frac{a}{1}}z"));
         EXPECT_EQ(MTMathAtomFactory::fontStyleWithName(MTMathAtomFactory::fontNameForStyle(style.style)), style.style);
     }
     for (const auto& fraction : MTCommandTables::allFractionCommands())
-        expectRoundTrip(u"1+{a \\"_qs + string(fraction.name) + u" b}^2"_qs);
+        expectRoundTrip(QStringLiteral("1+{a \\") + string(fraction.name) + QStringLiteral(" b}^2"));
     for (const auto& environment : MTCommandTables::allMatrixEnvironments()) {
         const QString name = string(environment.name);
-        expectRoundTrip(u"\\begin{"_qs + name + u"}a&b\\\\c\\end{"_qs + name + u"}x"_qs);
+        expectRoundTrip(QStringLiteral("\\begin{") + name + QStringLiteral("}a&b\\\\c\\end{") + name +
+                        QStringLiteral("}x"));
     }
-    for (const QString& name : {u"eqalign"_qs, u"split"_qs, u"aligned"_qs})
-        expectRoundTrip(u"\\begin{"_qs + name + u"}a&=b^2\\\\&^2\\end{"_qs + name + u"}"_qs);
-    expectRoundTrip(u"\\begin{displaylines}a\\\\b\\end{displaylines}"_qs);
-    expectRoundTrip(u"\\begin{gather}a\\\\b\\end{gather}"_qs);
-    expectRoundTrip(u"\\begin{eqnarray}a&=&b\\\\c&=&d\\end{eqnarray}"_qs);
-    expectRoundTrip(u"a&b\\\\c"_qs);
-    expectRoundTrip(u"\\text{for all x}\\sqrt[n]{\\overline{x}\\underline y}-3:4\\color{#f00}{\\bm v}"_qs);
+    for (const QString& name : {QStringLiteral("eqalign"), QStringLiteral("split"), QStringLiteral("aligned")})
+        expectRoundTrip(QStringLiteral("\\begin{") + name + QStringLiteral("}a&=b^2\\\\&^2\\end{") + name +
+                        QStringLiteral("}"));
+    expectRoundTrip(QStringLiteral("\\begin{displaylines}a\\\\b\\end{displaylines}"));
+    expectRoundTrip(QStringLiteral("\\begin{gather}a\\\\b\\end{gather}"));
+    expectRoundTrip(QStringLiteral("\\begin{eqnarray}a&=&b\\\\c&=&d\\end{eqnarray}"));
+    expectRoundTrip(QStringLiteral("a&b\\\\c"));
+    expectRoundTrip(QStringLiteral("\\text{for all x}\\sqrt[n]{\\overline{x}\\underline y}-3:4\\color{#f00}{\\bm v}"));
 }
 
 TEST(MTAccentedCharacters, areThoseThatUnicodeTakesApart) {
@@ -173,15 +177,16 @@ TEST(MTMathAtomFactory, makesSmallFormulas) {
 }
 
 TEST(MTMathAtomFactory, learnsSymbols) {
-    MTMathAtom star(MTMathAtomType::binaryOperator, u"\u2605"_qs);
-    MTMathAtomFactory::addLatexSymbol(u"bigstar"_qs, star);
-    MTMathAtomFactory::addLatexSymbol(u"filledstar"_qs, star);
-    star.nucleus = u"changed"_qs;
+    MTMathAtom star(MTMathAtomType::binaryOperator, QStringLiteral("\u2605"));
+    MTMathAtomFactory::addLatexSymbol(QStringLiteral("bigstar"), star);
+    MTMathAtomFactory::addLatexSymbol(QStringLiteral("filledstar"), star);
+    star.nucleus = QStringLiteral("changed");
     EXPECT_EQ(dumpOfSource(u"a\\bigstar b\\filledstar"), u"var:a bin:\u2605 var:b bin:\u2605");
-    expectRoundTrip(u"\\filledstar x"_qs);
+    expectRoundTrip(QStringLiteral("\\filledstar x"));
     EXPECT_EQ(MTMathAtomFactory::latexSymbolName(*MTMathAtomFactory::atomForLatexSymbol(u"filledstar")), u"bigstar");
     // In place of one of the table; templates are never handed out themselves.
-    MTMathAtomFactory::addLatexSymbol(u"mho"_qs, MTMathAtom(MTMathAtomType::relation, u"mho!"_qs));
-    MTMathAtomFactory::atomForLatexSymbol(u"mho")->nucleus = u"spoilt"_qs;
+    MTMathAtomFactory::addLatexSymbol(QStringLiteral("mho"),
+                                      MTMathAtom(MTMathAtomType::relation, QStringLiteral("mho!")));
+    MTMathAtomFactory::atomForLatexSymbol(u"mho")->nucleus = QStringLiteral("spoilt");
     EXPECT_EQ(dumpOfSource(u"\\mho"), u"rel:mho!");
 }

@@ -105,27 +105,29 @@ TEST(HostileLayout, manyParts) {
 
 TEST(HostileLayout, manyPartsAreLaidOutOnceAndNotForEachLevelAroundThem) {
     const int most = MTMathListBuilder::maximumParts - 10;
-    const QString letters = u"x"_qs.repeated(most - 1'000);
-    const QString fractions = u"\\frac12"_qs.repeated((most - 1'000) / 5);
+    const QString letters = QStringLiteral("x").repeated(most - 1'000);
+    const QString fractions = QStringLiteral("\\frac12").repeated((most - 1'000) / 5);
     constexpr int depth = MTMathListBuilder::maximumNesting - 5;
-    useFully(nested(u"\\hat ", QString(u'{' + letters + u'}'), u"", depth) + u"^2_3"_qs);
-    useFully(nested(u"\\hat ", QString(u'{' + fractions + u'}'), u"", depth) + u"^2"_qs);
+    useFully(nested(u"\\hat ", QString(u'{' + letters + u'}'), u"", depth) + QStringLiteral("^2_3"));
+    useFully(nested(u"\\hat ", QString(u'{' + fractions + u'}'), u"", depth) + QStringLiteral("^2"));
     useFully(nested(u"\\color{#123456}", QString(u'{' + fractions + u'}'), u"", depth));
     useFully(nested(u"\\left(", fractions, u"\\right)", depth));
 }
 
 TEST(HostileLayout, tablesOfManyRowsInDelimitersThatAreBuilt) {
     const auto tableOf = [](int rows, int columns) {
-        const QString row = u"1&"_qs.repeated(columns - 1) + u"1\\\\"_qs;
-        return QString(u"\\begin{pmatrix}"_qs + row.repeated(rows) + u"\\end{pmatrix}"_qs);
+        const QString row = QStringLiteral("1&").repeated(columns - 1) + QStringLiteral("1\\\\");
+        return QString(QStringLiteral("\\begin{pmatrix}") + row.repeated(rows) + QStringLiteral("\\end{pmatrix}"));
     };
     // 24 points from row to row.
     EXPECT_NEAR(useFully(tableOf(25'000, 1)), 600'000, 100);
     useFully(tableOf(150, 150));
     useFully(tableOf(1, 30'000));
-    useFully(u"\\sqrt"_qs + u'{' + tableOf(25'000, 1) + u'}');
-    useFully(u"\\begin{matrix}"_qs + u"\\\\"_qs.repeated(30'000) + u"\\end{matrix}"_qs);
-    useFully(u"\\begin{vmatrix}"_qs + u"&"_qs.repeated(30'000) + u"\\end{vmatrix}"_qs);
+    useFully(QStringLiteral("\\sqrt") + u'{' + tableOf(25'000, 1) + u'}');
+    useFully(QStringLiteral("\\begin{matrix}") + QStringLiteral("\\\\").repeated(30'000) +
+             QStringLiteral("\\end{matrix}"));
+    useFully(QStringLiteral("\\begin{vmatrix}") + QStringLiteral("&").repeated(30'000) +
+             QStringLiteral("\\end{vmatrix}"));
 }
 
 TEST(HostileLayout, everySymbolInEveryAlphabetAndStyle) {
@@ -138,7 +140,7 @@ TEST(HostileLayout, everySymbolInEveryAlphabetAndStyle) {
         if (!QStringView(u"\\{}^_&").contains(QChar(unit)))
             symbols += QChar(unit);
     }
-    symbols += u"\u00E9\u00E6\u0416"_qs;
+    symbols += QStringLiteral("\u00E9\u00E6\u0416");
     for (const QStringView style : {u"mathnormal", u"mathrm", u"mathbf", u"mathcal", u"mathtt", u"mathit", u"mathsf",
                                     u"mathfrak", u"mathbb", u"bm", u"text"}) {
         const QString source = u'\\' + style.toString() + u'{' + symbols + u'}';

@@ -95,21 +95,21 @@ TEST(HostileSource, aMegabyteOfAnythingComesToAnEnd) {
     for (const QStringView unit : units) {
         const QString source = unit.toString().repeated((1 << 20) / unit.size());
         useFully(source);
-        useFully(u"\\begin{matrix}\\text{\\left."_qs + source + u"\\right.}\\end{matrix}"_qs);
+        useFully(QStringLiteral("\\begin{matrix}\\text{\\left.") + source + QStringLiteral("\\right.}\\end{matrix}"));
     }
     // Too many parts are an error, and what is not counted does no harm.
-    EXPECT_EQ(useFully(u"^"_qs.repeated(1 << 20)), 13);
-    EXPECT_EQ(useFully(u"&"_qs.repeated(1 << 20)), 13);
-    EXPECT_EQ(useFully(u"{}"_qs.repeated(1 << 20)), 13);
-    EXPECT_EQ(useFully(u" $"_qs.repeated(1 << 20)), 0);
-    EXPECT_EQ(useFully(u"1"_qs.repeated(MTMathListBuilder::maximumParts - 1)), 0);
-    EXPECT_EQ(useFully(u"1"_qs.repeated(MTMathListBuilder::maximumParts)), 13);
+    EXPECT_EQ(useFully(QStringLiteral("^").repeated(1 << 20)), 13);
+    EXPECT_EQ(useFully(QStringLiteral("&").repeated(1 << 20)), 13);
+    EXPECT_EQ(useFully(QStringLiteral("{}").repeated(1 << 20)), 13);
+    EXPECT_EQ(useFully(QStringLiteral(" $").repeated(1 << 20)), 0);
+    EXPECT_EQ(useFully(QStringLiteral("1").repeated(MTMathListBuilder::maximumParts - 1)), 0);
+    EXPECT_EQ(useFully(QStringLiteral("1").repeated(MTMathListBuilder::maximumParts)), 13);
 }
 
 TEST(HostileSource, hugeTablesAreRefusedAndLargeOnesRead) {
     const auto tableOf = [](int rows, int columns) {
-        const QString row = u"1&"_qs.repeated(columns - 1) + u"1\\\\"_qs;
-        return QString(u"\\begin{bmatrix}"_qs + row.repeated(rows) + u"\\end{bmatrix}"_qs);
+        const QString row = QStringLiteral("1&").repeated(columns - 1) + QStringLiteral("1\\\\");
+        return QString(QStringLiteral("\\begin{bmatrix}") + row.repeated(rows) + QStringLiteral("\\end{bmatrix}"));
     };
     EXPECT_EQ(useFully(tableOf(1'000, 1'000)), 13);
     EXPECT_EQ(useFully(tableOf(200, 200)), 0);
@@ -126,11 +126,11 @@ TEST(HostileSource, tablesTakeRowsThatEndInsideGroups) {
 }
 
 TEST(HostileSource, fourThreadsReadTheSameThing) {
-    QStringList sources{u"\\frac{-b\\pm\\sqrt{b^2-4ac}}{2a}"_qs,
-                        u"\\begin{cases}x&x\\ge0\\\\-x&x<0\\end{cases}"_qs,
-                        u"\u00E9\u1EBF\u0416\\mathbf{v}\\cdot\\hat{n}"_qs,
-                        u"\\left\\{\\sum_{i=1}^n i\\right\\|\\to\\infty"_qs,
-                        u"\\foo{"_qs,
+    QStringList sources{QStringLiteral("\\frac{-b\\pm\\sqrt{b^2-4ac}}{2a}"),
+                        QStringLiteral("\\begin{cases}x&x\\ge0\\\\-x&x<0\\end{cases}"),
+                        QStringLiteral("\u00E9\u1EBF\u0416\\mathbf{v}\\cdot\\hat{n}"),
+                        QStringLiteral("\\left\\{\\sum_{i=1}^n i\\right\\|\\to\\infty"),
+                        QStringLiteral("\\foo{"),
                         nested(u"\\left(", u"x", u"\\right)", 50)};
     constexpr int threadCount = 4;
     std::vector<QStringList> results(threadCount);

@@ -55,5 +55,5 @@ TEST(MTMathAlphabets, theDefaultStyleKnowsOnlyWhatVariablesAndNumbersAreMadeOf) 
     EXPECT_EQ(reasonFor(u"\u0416", fraktur), u"Unknown character \u0416 for default style.");
     EXPECT_EQ(reasonFor(u"+", italic), QString());
     // A letter with a mark is one character, and none of the alphabets'.
-    EXPECT_EQ(changeFont(u"x\u0323\u0301"_qs, bold), u"x\u0323\u0301");
+    EXPECT_EQ(changeFont(QStringLiteral("x\u0323\u0301"), bold), u"x\u0323\u0301");
 }

@@ -84,11 +84,11 @@ TEST(MTMathList, finalizingReachesEveryPartOfEveryKind) {
     };
     for (const QStringView shape : shapes) {
         const QString source = shape.toString();
-        const auto parsed = MTMathListBuilder::build(QString(source).replace(u'%', u"-12"_qs));
+        const auto parsed = MTMathListBuilder::build(QString(source).replace(u'%', QStringLiteral("-12")));
         ASSERT_TRUE(parsed) << qPrintable(source);
         const QString text = dump(parsed->finalized());
         const qsizetype parts = source.count(u'%');
-        EXPECT_EQ(text.count(u"un:\u2212{0+1} num:12<1|2|>{1+2}"_qs), parts) << qPrintable(text);
+        EXPECT_EQ(text.count(QStringLiteral("un:\u2212{0+1} num:12<1|2|>{1+2}")), parts) << qPrintable(text);
         EXPECT_FALSE(dump(parsed).contains(u'<')) << "the source list stays as it was";
         // Layout finalizes the parts of a finalized list once more, which must not change them.
         EXPECT_EQ(dump(parsed->finalized()->finalized()), text);
@@ -96,21 +96,21 @@ TEST(MTMathList, finalizingReachesEveryPartOfEveryKind) {
 }
 
 TEST(MTMathList, placesThatAreSetAlreadyStay) {
-    const auto list = listOf(u"abc"_qs);
+    const auto list = listOf(QStringLiteral("abc"));
     list->atoms()[1]->indexRange = {5, 2};
     EXPECT_EQ(dump(list->finalized()), u"var:a{0+1} var:b{5+2} var:c{7+1}");
 }
 
 TEST(MTMathList, editingKeepsTheRules) {
-    const auto list = listOf(u"ac"_qs);
-    list->insert(atom(MTMathAtomType::variable, u"b"_qs), 1);
-    list->insert(atom(MTMathAtomType::variable, u"d"_qs), 3);
-    list->insert(atom(MTMathAtomType::variable, u"?"_qs), 9);
+    const auto list = listOf(QStringLiteral("ac"));
+    list->insert(atom(MTMathAtomType::variable, QStringLiteral("b")), 1);
+    list->insert(atom(MTMathAtomType::variable, QStringLiteral("d")), 3);
+    list->insert(atom(MTMathAtomType::variable, QStringLiteral("?")), 9);
     list->insert(nullptr, 0);
     list->add(nullptr);
     EXPECT_EQ(dump(list), u"var:a var:b var:c var:d");
 
-    const auto other = listOf(u"xy"_qs);
+    const auto other = listOf(QStringLiteral("xy"));
     list->append(other);
     list->append(nullptr);
     EXPECT_EQ(list->atoms().back(), other->atoms().back()) << "the same objects";
@@ -135,15 +135,15 @@ TEST(MTMathAtom, scriptsAndBoundariesAreGuarded) {
     for (const auto type : {MTMathAtomType::ordinary, MTMathAtomType::accent, MTMathAtomType::boundary,
                             MTMathAtomType::space, MTMathAtomType::textcolor, MTMathAtomType::table}) {
         const auto target = atom(type);
-        const QString sub = reasonOf([&] { target->setSubScript(listOf(u"i"_qs)); });
-        const QString super = reasonOf([&] { target->setSuperScript(listOf(u"n"_qs)); });
+        const QString sub = reasonOf([&] { target->setSubScript(listOf(QStringLiteral("i"))); });
+        const QString super = reasonOf([&] { target->setSuperScript(listOf(QStringLiteral("n"))); });
         EXPECT_EQ(sub.isEmpty(), target->scriptsAllowed());
         EXPECT_EQ(target->subScript() != nullptr, target->scriptsAllowed());
         EXPECT_EQ(target->superScript() != nullptr, target->scriptsAllowed());
         if (!sub.isEmpty()) {
             ++refused;
-            EXPECT_EQ(sub, u"Subscripts not allowed for atom of type "_qs + description(type));
-            EXPECT_EQ(super, u"Superscripts not allowed for atom of type "_qs + description(type));
+            EXPECT_EQ(sub, QStringLiteral("Subscripts not allowed for atom of type ") + description(type));
+            EXPECT_EQ(super, QStringLiteral("Superscripts not allowed for atom of type ") + description(type));
         }
         target->setSubScript(nullptr);
         EXPECT_FALSE(target->subScript());
@@ -153,7 +153,7 @@ TEST(MTMathAtom, scriptsAndBoundariesAreGuarded) {
     EXPECT_EQ(description(MTMathAtomType::largeOperator), u"Large Operator");
 
     MTInner inner;
-    inner.setLeftBoundary(atom(MTMathAtomType::boundary, u"("_qs));
+    inner.setLeftBoundary(atom(MTMathAtomType::boundary, QStringLiteral("(")));
     EXPECT_EQ(reasonOf([&] { inner.setLeftBoundary(atom(MTMathAtomType::open)); }),
               u"Left boundary must be of type .boundary");
     EXPECT_EQ(reasonOf([&] { inner.setRightBoundary(atom(MTMathAtomType::close)); }),
@@ -177,13 +177,13 @@ TEST(MTMathAtom, copiesShareNothingAndKeepTheirClass) {
     for (const auto& part : copy->atoms()) {
         part->nucleus += u'!';
         if (const auto fraction = std::dynamic_pointer_cast<MTFraction>(part)) {
-            fraction->numerator->atoms().front()->subScript()->add(atom(MTMathAtomType::number, u"9"_qs));
+            fraction->numerator->atoms().front()->subScript()->add(atom(MTMathAtomType::number, QStringLiteral("9")));
             fraction->denominator->removeLastAtom();
         } else if (const auto radical = std::dynamic_pointer_cast<MTRadical>(part)) {
             radical->degree->removeLastAtom();
             radical->radicand->removeLastAtom();
         } else if (const auto inner = std::dynamic_pointer_cast<MTInner>(part)) {
-            inner->leftBoundary()->nucleus = u"["_qs;
+            inner->leftBoundary()->nucleus = QStringLiteral("[");
             if (const auto table = std::dynamic_pointer_cast<MTMathTable>(inner->innerList->atoms().front()))
                 table->cells[0][0]->removeLastAtom();
         } else if (const auto decorated = std::dynamic_pointer_cast<MTInnerListAtom>(part)) {
@@ -191,14 +191,14 @@ TEST(MTMathAtom, copiesShareNothingAndKeepTheirClass) {
         }
     }
     EXPECT_EQ(dump(original), before);
-    EXPECT_EQ(atom(MTMathAtomType::radical, u"x"_qs)->nucleus, QString());
+    EXPECT_EQ(atom(MTMathAtomType::radical, QStringLiteral("x"))->nucleus, QString());
 }
 
 TEST(MTMathAtom, fusingTakesOverTextPlacesAndScripts) {
-    const auto first = atom(MTMathAtomType::ordinary, u"a"_qs);
-    const auto second = atom(MTMathAtomType::ordinary, u"b"_qs);
+    const auto first = atom(MTMathAtomType::ordinary, QStringLiteral("a"));
+    const auto second = atom(MTMathAtomType::ordinary, QStringLiteral("b"));
     second->indexRange = {1, 1};
-    second->setSuperScript(listOf(u"n"_qs));
+    second->setSuperScript(listOf(QStringLiteral("n")));
     first->indexRange = {0, 1};
     first->fuse(second);
     EXPECT_EQ(dump(*first), u"ord:ab^(var:n)<a|b|>{0+2}");
@@ -239,8 +239,8 @@ TEST(MTMathTable, growsToWhatIsSet) {
     MTMathTable table;
     EXPECT_EQ(table.numColumns(), 0);
     EXPECT_EQ(table.alignmentForColumn(3), MTColumnAlignment::center);
-    table.setCell(listOf(u"x"_qs), 1, 2);
-    table.setCell(listOf(u"y"_qs), 1, 0);
+    table.setCell(listOf(QStringLiteral("x")), 1, 2);
+    table.setCell(listOf(QStringLiteral("y")), 1, 0);
     table.setAlignment(MTColumnAlignment::right, 1);
     EXPECT_EQ(dump(table), u"table:[cr 0 0](\\var:y&&var:x)");
     EXPECT_EQ(table.numRows(), 2);

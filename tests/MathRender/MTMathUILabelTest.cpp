@@ -41,7 +41,7 @@ TEST(MTMathUILabel, anEmptyFormulaIsNoError) {
 TEST(MTMathUILabel, errorsAreShownInPlaceOfTheFormula) {
     MTMathUILabel label;
     label.resize(200, 40);
-    label.setLatex(u"\\foo"_qs);
+    label.setLatex(QStringLiteral("\\foo"));
     ASSERT_TRUE(label.error());
     EXPECT_EQ(label.error()->code, MTParseErrors::invalidCommand);
     EXPECT_FALSE(label.mathList());
@@ -57,7 +57,7 @@ TEST(MTMathUILabel, errorsAreShownInPlaceOfTheFormula) {
     label.setDisplayErrorInline(false);
     EXPECT_TRUE(label.errorLabel().isHidden());
     label.setDisplayErrorInline(true);
-    label.setLatex(u"x"_qs);
+    label.setLatex(QStringLiteral("x"));
     EXPECT_FALSE(label.error());
     EXPECT_TRUE(label.errorLabel().isHidden());
     EXPECT_EQ(label.accessibleName(), u"x");
@@ -67,7 +67,7 @@ TEST(MTMathUILabel, alignmentInsetsAndTheMiddle) {
     // A digit at 100 points is 50 wide and 66.6 high.
     MTMathUILabel label;
     label.setFontSize(100);
-    label.setLatex(u"1"_qs);
+    label.setLatex(QStringLiteral("1"));
     label.setContentInsets({10, 20, 30, 40});
     EXPECT_EQ(label.fittingSize(), QSizeF(90, 126.6));
     EXPECT_EQ(label.sizeHint(), QSize(90, 127));
@@ -85,11 +85,11 @@ TEST(MTMathUILabel, alignmentInsetsAndTheMiddle) {
     }
     // A minus is 4 high: it is placed as if it were 50. It is 23 above its baseline.
     label.setContentInsets({});
-    label.setLatex(u"-"_qs);
+    label.setLatex(QStringLiteral("-"));
     label.layoutSubviews();
     EXPECT_NEAR(label.displayList()->position().y(), (200 - 50) / 2.0, 1e-9);
     // Text mode is smaller.
-    label.setLatex(u"\\frac12"_qs);
+    label.setLatex(QStringLiteral("\\frac12"));
     label.setLabelMode(MTMathUILabelMode::text);
     EXPECT_NEAR(label.fittingSize().width(), 35, 1e-9);
 }
@@ -98,7 +98,7 @@ TEST(MTMathUILabel, drawsTheRightWayUpAndInItsColour) {
     MTMathUILabel label;
     label.setFontSize(100);
     label.resize(100, 200);
-    label.setLatex(u"1^2"_qs);
+    label.setLatex(QStringLiteral("1^2"));
     label.setTextColor(Qt::red);
     label.setTextColor(QColor());
     EXPECT_EQ(label.textColor(), Qt::red);
@@ -119,7 +119,7 @@ TEST(MTMathImage, isAsLargeAsTheFormulaInWholePoints) {
     MTMathImage formula;
     formula.font = font();
     formula.fontSize = 50;
-    formula.latex = u"12"_qs;
+    formula.latex = QStringLiteral("12");
     formula.contentInsets = {1, 2, 3, 4};
     formula.textColor = Qt::blue;
     for (const double ratio : {1.0, 2.0, 1.5}) {
@@ -143,7 +143,7 @@ TEST(MTMathImage, isAsLargeAsTheFormulaInWholePoints) {
 TEST(MTMathImage, noImageOfWhatIsWrongEmptyOrFarTooLarge) {
     MTMathImage formula;
     formula.font = font();
-    formula.latex = u"\\frac{1"_qs;
+    formula.latex = QStringLiteral("\\frac{1");
     const MTMathImageResult wrong = formula.asImage();
     ASSERT_TRUE(wrong.error);
     EXPECT_EQ(wrong.error->code, MTParseErrors::mismatchBraces);
@@ -154,7 +154,7 @@ TEST(MTMathImage, noImageOfWhatIsWrongEmptyOrFarTooLarge) {
     EXPECT_FALSE(empty.error || empty.image);
     EXPECT_TRUE(empty.layoutInfo);
 
-    formula.latex = u"x"_qs.repeated(5'000);
+    formula.latex = QStringLiteral("x").repeated(5'000);
     const MTMathImageResult large = formula.asImage();
     EXPECT_FALSE(large.error || large.image);
     EXPECT_GT(formula.intrinsicContentSize.width(), 50'000);

@@ -49,8 +49,8 @@ std::shared_ptr<const MTFont> fontWith(QLatin1String key, Change change) {
 
 TEST(TypesetterFonts, aLineOverAListIsAsThickAsOneUnderIt) {
     const auto altered = fontWith(MathTableKeys::kConstants, [](QVariantMap& constants) {
-        constants[u"OverbarRuleThickness"_qs] = 100;
-        constants[u"UnderbarRuleThickness"_qs] = 20;
+        constants[QStringLiteral("OverbarRuleThickness")] = 100;
+        constants[QStringLiteral("UnderbarRuleThickness")] = 20;
     });
     const auto display = layout(u"\\overline x", MTLineStyle::display, altered);
     const auto& overline = at<MTLineDisplay>(*display, 0);

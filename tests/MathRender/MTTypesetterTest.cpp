@@ -206,8 +206,8 @@ TEST(MTTypesetter, lettersKeepTheirItalicCorrectionFromWhatFollows) {
 
 TEST(MTTypesetter, placeholdersAreBlueUntilTheTextGetsAColour) {
     const auto list = std::make_shared<MTMathList>();
-    list->add(std::make_shared<MTMathAtom>(MTMathAtomType::open, u"("_qs));
-    list->add(std::make_shared<MTMathAtom>(MTMathAtomType::placeholder, u"\u25A1"_qs));
+    list->add(std::make_shared<MTMathAtom>(MTMathAtomType::open, QStringLiteral("(")));
+    list->add(std::make_shared<MTMathAtom>(MTMathAtomType::placeholder, QStringLiteral("\u25A1")));
     const auto display = MTTypesetter::createLineForMathList(*list, font(), MTLineStyle::display);
     const auto& line = at<MTCTLineDisplay>(*display, 0);
     ASSERT_EQ(line.line().colors.size(), 1U);
@@ -228,7 +228,7 @@ TEST(MTTypesetter, whatIsNoFormulaAtAllRaises) {
         }
         return {};
     };
-    EXPECT_EQ(reasonFor(std::make_shared<MTMathAtom>(MTMathAtomType::variable, u"+"_qs)),
+    EXPECT_EQ(reasonFor(std::make_shared<MTMathAtom>(MTMathAtomType::variable, QStringLiteral("+"))),
               u"Unknown character + for default style.");
     EXPECT_EQ(reasonFor(std::make_shared<MTMathAtom>(MTMathAtomType::fraction)),
               u"An atom is not of the class of its type Fraction");

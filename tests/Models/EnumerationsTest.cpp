@@ -18,7 +18,8 @@ TEST(Enumerations, everyRawValueLeadsBackToItsCaseAndOthersToNone) {
         EXPECT_EQ(annotationToolFromRawValue(row.rawValue), row.tool);
         EXPECT_EQ(&info(row.tool), &row);
     }
-    EXPECT_EQ(tools.join(u' '), u"select ink rectangle oval line textBox note eraser signature redact form"_qs);
+    EXPECT_EQ(tools.join(u' '),
+              QStringLiteral("select ink rectangle oval line textBox note eraser signature redact form"));
 
     QStringList fonts;
     for (const AnnotationFontInfo& row : allAnnotationFonts()) {
@@ -26,7 +27,7 @@ TEST(Enumerations, everyRawValueLeadsBackToItsCaseAndOthersToNone) {
         EXPECT_EQ(annotationFontFromRawValue(row.rawValue), row.font);
         EXPECT_EQ(&info(row.font), &row);
     }
-    EXPECT_EQ(fonts.join(u' '), u"system serif mono rounded marker"_qs);
+    EXPECT_EQ(fonts.join(u' '), QStringLiteral("system serif mono rounded marker"));
 
     QStringList actions;
     for (const MarkupActionInfo& row : allMarkupActions()) {
@@ -34,7 +35,7 @@ TEST(Enumerations, everyRawValueLeadsBackToItsCaseAndOthersToNone) {
         EXPECT_EQ(markupActionFromRawValue(row.rawValue), row.action);
         EXPECT_EQ(&info(row.action), &row);
     }
-    EXPECT_EQ(actions.join(u' '), u"highlight=Highlight underline=Underline strikethrough=StrikeOut"_qs);
+    EXPECT_EQ(actions.join(u' '), QStringLiteral("highlight=Highlight underline=Underline strikethrough=StrikeOut"));
 
     for (const EraserModeInfo& row : allEraserModes())
         EXPECT_EQ(eraserModeFromRawValue(info(row.mode).rawValue), row.mode);
@@ -56,18 +57,20 @@ TEST(Enumerations, noTwoShortcutsOfAKindCollide) {
     QString toolKeys;
     for (const AnnotationToolInfo& row : allAnnotationTools())
         toolKeys += row.shortcutKey;
-    EXPECT_EQ(toolKeys, u"123456789rf"_qs);
+    EXPECT_EQ(toolKeys, QStringLiteral("123456789rf"));
     QString markupKeys;
     for (const MarkupActionInfo& row : allMarkupActions())
         markupKeys += row.shortcutKey;
-    EXPECT_EQ(markupKeys, u"hux"_qs);
+    EXPECT_EQ(markupKeys, QStringLiteral("hux"));
 }
 
 TEST(Enumerations, helpTextsFollowTheirPattern) {
-    EXPECT_EQ(helpText(AnnotationTool::ink, u"Ctrl+2"_qs), u"Draw (Ctrl+2)"_qs);
-    EXPECT_EQ(helpText(MarkupAction::highlight, u"Ctrl+Shift+H"_qs),
-              u"Highlight selected text, or click with nothing selected to keep highlighting whatever you select next, "
-              "until you click it again (Ctrl+Shift+H)"_qs);
+    EXPECT_EQ(helpText(AnnotationTool::ink, QStringLiteral("Ctrl+2")), QStringLiteral("Draw (Ctrl+2)"));
+    EXPECT_EQ(
+        helpText(MarkupAction::highlight, QStringLiteral("Ctrl+Shift+H")),
+        QStringLiteral(
+            "Highlight selected text, or click with nothing selected to keep highlighting whatever you select next, "
+            "until you click it again (Ctrl+Shift+H)"));
     EXPECT_TRUE(helpText(MarkupAction::strikethrough, QString()).contains(u"keep strikethroughing whatever"));
 }
 
@@ -78,7 +81,7 @@ TEST(Enumerations, thePlainLineIsTheFirstOfSixLineEnds) {
         titles << row.title;
         styles << static_cast<int>(row.style);
     }
-    EXPECT_EQ(titles.join(u','), u"Line,Arrow,Open Arrow,Circle,Square,Diamond"_qs);
+    EXPECT_EQ(titles.join(u','), QStringLiteral("Line,Arrow,Open Arrow,Circle,Square,Diamond"));
     EXPECT_EQ(styles, (QSet<int>{0, 1, 2, 3, 4, 5}));
     EXPECT_EQ(allLineEndStyles()[1].style, PDFLineStyle::closedArrow);
 }

@@ -29,10 +29,10 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    QString m_path = m_folder.filePath(u"settings.ini"_qs);
+    QString m_path = m_folder.filePath(QStringLiteral("settings.ini"));
 };
 
-const QString SignatureStoreTest::key = u"quillo.savedSignatures"_qs;
+const QString SignatureStoreTest::key = QStringLiteral("quillo.savedSignatures");
 
 TEST_F(SignatureStoreTest, theNewOneIsActiveAtOnceAndTheFirstOneAfterARelaunch) {
     {
@@ -63,9 +63,10 @@ TEST_F(SignatureStoreTest, theNewOneIsActiveAtOnceAndTheFirstOneAfterARelaunch) 
     const QJsonArray list = QJsonDocument::fromJson(defaults.dataForKey(key).value()).array();
     ASSERT_EQ(list.size(), 3);
     const QJsonObject first = list[0].toObject();
-    EXPECT_EQ(first.keys(), (QStringList{u"id"_qs, u"pngData"_qs}));
-    EXPECT_EQ(first[u"id"_qs].toString(), store.signatures()[0].id.toString(QUuid::WithoutBraces).toUpper());
-    EXPECT_TRUE(QByteArray::fromBase64(first[u"pngData"_qs].toString().toLatin1()).startsWith("\x89PNG"));
+    EXPECT_EQ(first.keys(), (QStringList{QStringLiteral("id"), QStringLiteral("pngData")}));
+    EXPECT_EQ(first[QStringLiteral("id")].toString(),
+              store.signatures()[0].id.toString(QUuid::WithoutBraces).toUpper());
+    EXPECT_TRUE(QByteArray::fromBase64(first[QStringLiteral("pngData")].toString().toLatin1()).startsWith("\x89PNG"));
 }
 
 TEST_F(SignatureStoreTest, removingTheActiveOneMakesTheFirstOneActive) {
@@ -109,12 +110,12 @@ TEST_F(SignatureStoreTest, whatCantBeReadIsAnEmptyList) {
         {'[' + good + ",null]", 0},
     };
     for (const auto& each : cases) {
-        UserDefaults defaults(m_folder.filePath(u"case.ini"_qs));
+        UserDefaults defaults(m_folder.filePath(QStringLiteral("case.ini")));
         defaults.setData(key, each.json);
         const SignatureStore store(&defaults);
         EXPECT_EQ(store.signatures().size(), each.count) << each.json.left(300).constData();
     }
-    UserDefaults text(m_folder.filePath(u"text.ini"_qs));
+    UserDefaults text(m_folder.filePath(QStringLiteral("text.ini")));
     text.setString(key, QString::fromLatin1('[' + good + ']'));
     EXPECT_TRUE(SignatureStore(&text).signatures().empty());
 }
@@ -129,9 +130,9 @@ TEST_F(SignatureStoreTest, aPictureThatCantBeDecodedGivesNoImage) {
     wide.fill(Qt::red);
     for (const QByteArray& data : {QByteArray(), QByteArray("text"), huge, jpeg, *ImageOperations::pngData(wide),
                                    ImageOperations::pngData(picture(Qt::red))->left(40)}) {
-        UserDefaults defaults(m_folder.filePath(u"case.ini"_qs));
-        const QJsonObject object{{u"id"_qs, u"0b9c8f54-3f6e-4c61-9e55-0a2f1c0d7b11"_qs},
-                                 {u"pngData"_qs, QString::fromLatin1(data.toBase64())}};
+        UserDefaults defaults(m_folder.filePath(QStringLiteral("case.ini")));
+        const QJsonObject object{{QStringLiteral("id"), QStringLiteral("0b9c8f54-3f6e-4c61-9e55-0a2f1c0d7b11")},
+                                 {QStringLiteral("pngData"), QString::fromLatin1(data.toBase64())}};
         defaults.setData(key, QJsonDocument(QJsonArray{object}).toJson());
         SignatureStore store(&defaults);
         ASSERT_EQ(store.signatures().size(), 1U);

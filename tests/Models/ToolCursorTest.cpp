@@ -50,6 +50,7 @@ TEST(ToolCursor, aBadgeIsBlackWithAWhiteHaloAndSharpOnEveryScreen) {
 }
 
 TEST(ToolCursor, anUnknownSymbolGivesTheArrow) {
-    for (const QString& name : {u"no.such.symbol"_qs, QString(), u"../icons/plus"_qs + QChar(0)})
+    for (const QString& name :
+         {QStringLiteral("no.such.symbol"), QString(), QStringLiteral("../icons/plus") + QChar(0)})
         EXPECT_EQ(ToolCursor::symbolBadge(name, {1, 1}, 1.0).shape(), Qt::ArrowCursor) << name.toStdString();
 }

@@ -37,7 +37,7 @@ protected:
     static QStringList titles(const QMenu& menu) {
         QStringList titles;
         for (const QAction* action : menu.actions())
-            titles << (action->isSeparator() ? u"-"_qs : action->text().remove(u'&').section(u'\t', 0, 0));
+            titles << (action->isSeparator() ? QStringLiteral("-") : action->text().remove(u'&').section(u'\t', 0, 0));
         return titles;
     }
 };
@@ -112,16 +112,16 @@ TEST_F(AnnotatingPDFViewTest, theMenuOfSelectedTextMarksAndCopiesFromAnywhere) {
     const struct {
         QString title;
         QString subtype;
-    } commands[] = {{u"Highlight"_qs, PDFAnnotationSubtype::highlight},
-                    {u"Underline"_qs, PDFAnnotationSubtype::underline},
-                    {u"Strikethrough"_qs, PDFAnnotationSubtype::strikeOut}};
+    } commands[] = {{QStringLiteral("Highlight"), PDFAnnotationSubtype::highlight},
+                    {QStringLiteral("Underline"), PDFAnnotationSubtype::underline},
+                    {QStringLiteral("Strikethrough"), PDFAnnotationSubtype::strikeOut}};
     for (const auto& [title, subtype] : commands) {
         select(0, 1, 0, 1);
         bool isShown = false;
         withMenu(elsewhere, [&, wanted = title](QMenu& menu) {
             isShown = true;
             EXPECT_FALSE(menu.accessibleName().isEmpty());
-            EXPECT_EQ(titles(menu).join(u','), u"Highlight,Underline,Strikethrough,-,Copy"_qs);
+            EXPECT_EQ(titles(menu).join(u','), QStringLiteral("Highlight,Underline,Strikethrough,-,Copy"));
             choose(menu, wanted);
         });
         EXPECT_TRUE(isShown);
@@ -132,13 +132,13 @@ TEST_F(AnnotatingPDFViewTest, theMenuOfSelectedTextMarksAndCopiesFromAnywhere) {
     }
 
     select(0, 0, 0, 1);
-    withMenu(elsewhere, [](QMenu& menu) { choose(menu, u"Copy"_qs); });
-    EXPECT_EQ(QApplication::clipboard()->text(), u"First line of page one\nSecond line, a longer one"_qs);
+    withMenu(elsewhere, [](QMenu& menu) { choose(menu, QStringLiteral("Copy")); });
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("First line of page one\nSecond line, a longer one"));
     EXPECT_TRUE(m_view.hasSelection());
 }
 
 TEST_F(AnnotatingPDFViewTest, noMarkupIsOfferedWithoutSelectedTextOrToolState) {
-    const auto offersNoMarkup = [](QMenu& menu) { EXPECT_FALSE(titles(menu).contains(u"Highlight"_qs)); };
+    const auto offersNoMarkup = [](QMenu& menu) { EXPECT_FALSE(titles(menu).contains(QStringLiteral("Highlight"))); };
     withMenu({50, 50}, offersNoMarkup);
     select(0, 0, 0, 1);
     m_view.setToolState(nullptr);
@@ -223,18 +223,20 @@ TEST_F(AnnotatingPDFViewTest, theAssistantIsAskedAboutTheSelection) {
         QString title;
         QString prompt;
         bool send;
-    } entries[] = {
-        {u"Explain This"_qs, u"Explain this: “Third”"_qs, true},
-        {u"Summarize Selection"_qs, u"Summarize this: “Third”"_qs, true},
-        {u"Simplify / Plain English"_qs, u"Rewrite this in simple, plain English: “Third”"_qs, true},
-        {u"Extract Key Points"_qs, u"Extract the key points from this as a short bullet list: “Third”"_qs, true},
-        {u"Generate Study Questions"_qs, u"Write 3 short study questions based on this: “Third”"_qs, true},
-        {u"Translate…"_qs, u"Translate this to <language>: “Third”"_qs, false},
-        {u"Send to AI Assistant"_qs, u"Third"_qs, false}};
+    } entries[] = {{QStringLiteral("Explain This"), QStringLiteral("Explain this: “Third”"), true},
+                   {QStringLiteral("Summarize Selection"), QStringLiteral("Summarize this: “Third”"), true},
+                   {QStringLiteral("Simplify / Plain English"),
+                    QStringLiteral("Rewrite this in simple, plain English: “Third”"), true},
+                   {QStringLiteral("Extract Key Points"),
+                    QStringLiteral("Extract the key points from this as a short bullet list: “Third”"), true},
+                   {QStringLiteral("Generate Study Questions"),
+                    QStringLiteral("Write 3 short study questions based on this: “Third”"), true},
+                   {QStringLiteral("Translate…"), QStringLiteral("Translate this to <language>: “Third”"), false},
+                   {QStringLiteral("Send to AI Assistant"), QStringLiteral("Third"), false}};
     select(0, 2, 0, 2);
     for (const auto& [title, prompt, send] : entries) {
         withMenu({50, 50}, [wanted = title](QMenu& menu) {
-            EXPECT_EQ(titles(menu).join(u','), u"Highlight,Underline,Strikethrough,-,Copy,-,Ask AI"_qs);
+            EXPECT_EQ(titles(menu).join(u','), QStringLiteral("Highlight,Underline,Strikethrough,-,Copy,-,Ask AI"));
             QMenu* const submenu = menu.actions().last()->menu();
             ASSERT_TRUE(submenu);
             submenu->actions().at(int(titles(*submenu).indexOf(wanted)))->trigger();
@@ -250,36 +252,39 @@ TEST_F(AnnotatingPDFViewTest, thePageMenuAddsNotesAndTextAndReadsThePage) {
     const QPoint spot = onScreen({300, 500}).toPoint();
     m_toolState->setTool(AnnotationTool::ink);
     withMenu(spot, [](QMenu& menu) {
-        EXPECT_EQ(titles(menu).join(u','), u"Add Note Here,Add Text Box Here,-,Ask AI"_qs);
+        EXPECT_EQ(titles(menu).join(u','), QStringLiteral("Add Note Here,Add Text Box Here,-,Ask AI"));
         EXPECT_EQ(titles(*menu.actions().last()->menu()).join(u','),
-                  u"Summarize This Page,Extract Text with AI (OCR)"_qs);
-        choose(menu, u"Add Note Here"_qs);
+                  QStringLiteral("Summarize This Page,Extract Text with AI (OCR)"));
+        choose(menu, QStringLiteral("Add Note Here"));
     });
     ASSERT_EQ(annotations().size(), 1U);
     EXPECT_LT((annotations()[0]->bounds().center() - QPointF(300, 500)).manhattanLength(), 3);
-    withMenu(spot, [](QMenu& menu) { choose(menu, u"Add Text Box Here"_qs); });
+    withMenu(spot, [](QMenu& menu) { choose(menu, QStringLiteral("Add Text Box Here")); });
     EXPECT_TRUE(annotations().empty()) << "the empty new note goes";
     auto* const editor = openEditor();
     ASSERT_TRUE(editor);
-    QTest::keyClicks(editor, u"typed"_qs);
+    QTest::keyClicks(editor, QStringLiteral("typed"));
     QTest::keyClick(editor, Qt::Key_Return);
     ASSERT_EQ(annotations().size(), 1U);
-    EXPECT_EQ(annotations()[0]->contents(), u"typed"_qs);
+    EXPECT_EQ(annotations()[0]->contents(), QStringLiteral("typed"));
 
     const auto summarize = [](QMenu& menu) { menu.actions().last()->menu()->actions().first()->trigger(); };
     withMenu(spot, summarize);
-    EXPECT_EQ(asked.back().first, u"Summarize page 1: “First line of page one\nSecond line, a longer one\nThird\n"
-                                  u"Fourth line”"_qs);
+    EXPECT_EQ(asked.back().first,
+              QStringLiteral("Summarize page 1: “First line of page one\nSecond line, a longer one\nThird\n"
+                             "Fourth line”"));
     PdfFixture scan;
-    scan.addPage({u"words"_qs});
+    scan.addPage({QStringLiteral("words")});
     scan.addPageWithContent("0 0 100 100 re f");
     show(PDFDocument::fromData(scan.bytes()));
     m_view.goToPage(page(1));
     withMenu(m_view.convertFromPage(QPointF(300, 300), *page(1)).toPoint(), summarize);
-    EXPECT_EQ(asked.back(),
-              std::pair(u"Page 2 has no extractable text (it may be a scanned image). Let me know that directly rather "
-                        u"than guessing its content."_qs,
-                        true));
+    EXPECT_EQ(
+        asked.back(),
+        std::pair(QStringLiteral(
+                      "Page 2 has no extractable text (it may be a scanned image). Let me know that directly rather "
+                      "than guessing its content."),
+                  true));
 }
 
 TEST_F(AnnotatingPDFViewTest, textIsRecognizedOnAPageAndAMissingOneIsSaid) {
@@ -288,22 +293,22 @@ TEST_F(AnnotatingPDFViewTest, textIsRecognizedOnAPageAndAMissingOneIsSaid) {
     const auto extract = [&] {
         const std::size_t before = extracted.size();
         withMenu({50, 50}, [](QMenu& menu) {
-            EXPECT_EQ(titles(*menu.actions().last()->menu()).join(u','), u"Extract Text with AI (OCR)"_qs);
+            EXPECT_EQ(titles(*menu.actions().last()->menu()).join(u','), QStringLiteral("Extract Text with AI (OCR)"));
             menu.actions().last()->menu()->actions().first()->trigger();
         });
         EXPECT_TRUE(QTest::qWaitFor([&] { return extracted.size() > before; }, 60'000));
     };
     extract();
     ASSERT_EQ(extracted.size(), 1U);
-    EXPECT_TRUE(extracted[0].contains(u"Second line, a longer one"_qs)) << extracted[0].toStdString();
+    EXPECT_TRUE(extracted[0].contains(QStringLiteral("Second line, a longer one"))) << extracted[0].toStdString();
     EXPECT_EQ(QApplication::clipboard()->text(), extracted[0]);
     PdfFixture blank;
     blank.addPage({});
     show(PDFDocument::fromData(blank.bytes()));
-    QApplication::clipboard()->setText(u"before"_qs);
+    QApplication::clipboard()->setText(QStringLiteral("before"));
     extract();
-    EXPECT_EQ(extracted.back(), u"No text could be recognized on this page."_qs);
-    EXPECT_EQ(QApplication::clipboard()->text(), u"before"_qs);
+    EXPECT_EQ(extracted.back(), QStringLiteral("No text could be recognized on this page."));
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("before"));
 }
 
 } // namespace

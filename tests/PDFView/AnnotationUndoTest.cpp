@@ -16,7 +16,7 @@ class AnnotationUndoTest : public testing::Test {
 protected:
     AnnotationUndoTest() {
         PdfFixture fixture;
-        fixture.addPage({u"Text"_qs});
+        fixture.addPage({QStringLiteral("Text")});
         fixture.addAnnotation(0, "<< /Type /Annot /Subtype /Square /Rect [10 10 50 50] >>");
         m_document = PDFDocument::fromData(fixture.bytes());
         m_page = m_document->page(0);
@@ -44,13 +44,13 @@ protected:
 };
 
 TEST_F(AnnotationUndoTest, bringsBackTheSameObjectsInTheSameOrderWithoutLimit) {
-    const auto a = add(u"a"_qs);
-    const auto b = add(u"b"_qs);
+    const auto a = add(QStringLiteral("a"));
+    const auto b = add(QStringLiteral("b"));
     QCoreApplication::processEvents();
     remove(m_fromFile);
     remove(a);
     QCoreApplication::processEvents();
-    const auto c = add(u"c"_qs);
+    const auto c = add(QStringLiteral("c"));
     QCoreApplication::processEvents();
 
     const Annotations states[] = {{m_fromFile}, {m_fromFile, a, b}, {b}, {b, c}};
@@ -73,7 +73,7 @@ TEST_F(AnnotationUndoTest, bringsBackTheSameObjectsInTheSameOrderWithoutLimit) {
 }
 
 TEST_F(AnnotationUndoTest, worksOnAPageThatLeftItsDocumentAndForgetsOneThatIsGone) {
-    const auto a = add(u"a"_qs);
+    const auto a = add(QStringLiteral("a"));
     QCoreApplication::processEvents();
     m_document->removePage(0);
     m_manager.undo();

@@ -168,7 +168,7 @@ TEST_F(DrawingTools, aDragWhoseReleaseWentElsewhereIsFinishedByWhatComesNext) {
     m_undoManager->undo();
     EXPECT_TRUE(annotations().empty());
 
-    m_view.addProgrammaticNote(u"note"_qs, page());
+    m_view.addProgrammaticNote(QStringLiteral("note"), page());
     endTurn();
     m_toolState->setTool(AnnotationTool::select);
     const QRectF before = annotations()[0]->bounds();
@@ -224,8 +224,8 @@ TEST_F(DrawingTools, formFieldsAreNumberedAsTheyAreBegun) {
     ASSERT_EQ(annotations().size(), 2U);
     const auto& text = *annotations()[0];
     const auto& box = *annotations()[1];
-    EXPECT_EQ(text.fieldName().section(u'_', 0, 0), u"text"_qs);
-    EXPECT_EQ(box.fieldName().section(u'_', 0, 0), u"checkbox"_qs);
+    EXPECT_EQ(text.fieldName().section(u'_', 0, 0), QStringLiteral("text"));
+    EXPECT_EQ(box.fieldName().section(u'_', 0, 0), QStringLiteral("checkbox"));
     EXPECT_EQ(numberOf(box), numberOf(text) + 2) << "the click used one up";
     EXPECT_EQ(text.widgetFieldType(), PDFWidgetFieldType::text);
     EXPECT_EQ(box.widgetControlType(), PDFWidgetControlType::checkBox);
@@ -241,11 +241,11 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     expectRect(note->bounds(), 240, 460, 120, 80);
     auto* const editor = openEditor();
     ASSERT_TRUE(editor);
-    QTest::keyClicks(editor, u"Ask Ann"_qs);
+    QTest::keyClicks(editor, QStringLiteral("Ask Ann"));
     m_toolState->setTool(AnnotationTool::select);
     click({50, 200});
     endTurn();
-    EXPECT_EQ(note->contents(), u"Ask Ann"_qs) << "the next press commits";
+    EXPECT_EQ(note->contents(), QStringLiteral("Ask Ann")) << "the next press commits";
     EXPECT_FALSE(openEditor());
 
     m_undoManager->removeAllActions();
@@ -267,18 +267,18 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     doubleClick({150, 400});
     EXPECT_TRUE(openEditor());
     m_view.commitEditors();
-    m_view.addProgrammaticNote(u"from the assistant"_qs, page());
+    m_view.addProgrammaticNote(QStringLiteral("from the assistant"), page());
     expectRect(annotations().back()->bounds(), 612 - 140, 792 - 100, 120, 80);
-    EXPECT_EQ(annotations().back()->contents(), u"from the assistant"_qs);
+    EXPECT_EQ(annotations().back()->contents(), QStringLiteral("from the assistant"));
     EXPECT_FALSE(openEditor());
 }
 
 TEST_F(DrawingTools, aReopenedNoteIsNoLongerPaper) {
-    m_view.addProgrammaticNote(u"kept"_qs, page());
+    m_view.addProgrammaticNote(QStringLiteral("kept"), page());
     const QPointF spot = annotations()[0]->bounds().center();
     show(PDFDocument::fromData(m_document->dataRepresentation()));
     ASSERT_EQ(annotations().size(), 1U);
-    EXPECT_EQ(annotations()[0]->contents(), u"kept"_qs);
+    EXPECT_EQ(annotations()[0]->contents(), QStringLiteral("kept"));
     const QRectF before = annotations()[0]->bounds();
     drag({spot, spot + QPointF(40, 40)});
     EXPECT_EQ(annotations()[0]->bounds(), before);
@@ -307,7 +307,7 @@ TEST_F(DrawingTools, everyActionComesBackAThousandTimesOver) {
     };
     // The states in the order in which undo passes them.
     std::vector<State> states{state()};
-    m_view.addProgrammaticNote(u"note"_qs, page());
+    m_view.addProgrammaticNote(QStringLiteral("note"), page());
     endTurn();
     states.push_back(state());
     for (int i = 0; i < 60; ++i) {

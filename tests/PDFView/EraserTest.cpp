@@ -33,7 +33,7 @@ protected:
 
     /// An event of the eraser end of a pen.
     void pen(QEvent::Type type, QPointF point, bool isDown) {
-        static const QPointingDevice device(u"pen"_qs, 7, QInputDevice::DeviceType::Stylus,
+        static const QPointingDevice device(QStringLiteral("pen"), 7, QInputDevice::DeviceType::Stylus,
                                             QPointingDevice::PointerType::Eraser, QInputDevice::Capability::Pressure, 1,
                                             1);
         const QPointF at = onScreen(point);

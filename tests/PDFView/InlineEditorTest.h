@@ -27,8 +27,9 @@ class InlineEditorTest : public testing::Test {
 protected:
     InlineEditorTest() {
         PdfFixture fixture;
-        fixture.addPage({u"First line of the page"_qs, u"Second line"_qs, u"I"_qs});
-        const QByteArray white = "0 g 0 0 612 792 re f 1 g " + PdfFixture::textContent({u"White on black"_qs});
+        fixture.addPage({QStringLiteral("First line of the page"), QStringLiteral("Second line"), QStringLiteral("I")});
+        const QByteArray white =
+            "0 g 0 0 612 792 re f 1 g " + PdfFixture::textContent({QStringLiteral("White on black")});
         fixture.addPageWithContent(white, fixture.defaultResources());
         m_document = PDFDocument::fromData(fixture.bytes());
         m_toolState->setColor(Qt::black);

@@ -36,7 +36,7 @@ TEST_F(InlineEditorsTest, editorsKeepToTheirPlaceWhenThePageIsScrolledAndZoomed)
 
     const QPointF corner = m_view.convertToPage(QPointF(200, 150), *page());
     m_box.start({200, 150}, page());
-    type(u"words"_qs);
+    type(QStringLiteral("words"));
     const QSize size = editor()->size();
     scrollAndZoom([&] {
         EXPECT_EQ(editor()->size(), size);
@@ -45,7 +45,7 @@ TEST_F(InlineEditorsTest, editorsKeepToTheirPlaceWhenThePageIsScrolledAndZoomed)
     });
     press(Qt::Key_Escape);
 
-    const auto note = addNote(u"words"_qs);
+    const auto note = addNote(QStringLiteral("words"));
     m_note.start(note, page(), false);
     scrollAndZoom([&] {
         expectNear(QRectF(editor()->geometry()), m_view.convertFromPage(note->paperRect(), *page()));
@@ -66,7 +66,7 @@ TEST_F(InlineEditorsTest, editorsKeepToTheirPlaceWhenThePageIsScrolledAndZoomed)
         EXPECT_NEAR(editor()->font().pointSizeF() * editor()->logicalDpiY() / 72, 12 * m_view.scaleFactor(), 0.01);
     });
     EXPECT_FALSE(editor()->document()->isUndoAvailable()); // only what is typed can be undone
-    type(u"still edited"_qs);
+    type(QStringLiteral("still edited"));
     EXPECT_TRUE(editor()->document()->isUndoAvailable());
     press(Qt::Key_Escape);
 }
@@ -83,22 +83,22 @@ TEST_F(InlineEditorsTest, theWheelOverAnEditorScrollsThePage) {
 }
 
 TEST_F(InlineEditorsTest, keysAndClipboardWorkOnTheTextOfTheEditor) {
-    const auto first = writeBox({100, 100}, u"first"_qs);
+    const auto first = writeBox({100, 100}, QStringLiteral("first"));
     m_box.start({100, 300}, page());
-    type(u"ab"_qs);
+    type(QStringLiteral("ab"));
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(editor()->toPlainText(), QString());
     press(Qt::Key_Z, Qt::ControlModifier); // nothing left: not the document's turn
     EXPECT_EQ(page()->annotations(), Annotations{first});
     press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(editor()->toPlainText(), u"ab"_qs);
+    EXPECT_EQ(editor()->toPlainText(), QStringLiteral("ab"));
 
     auto* const rich = new QMimeData;
-    rich->setHtml(u"<p><b style='color:red;font-size:40pt'>bold</b></p>"_qs);
-    rich->setText(u"bold"_qs);
+    rich->setHtml(QStringLiteral("<p><b style='color:red;font-size:40pt'>bold</b></p>"));
+    rich->setText(QStringLiteral("bold"));
     QApplication::clipboard()->setMimeData(rich);
     press(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(editor()->toPlainText(), u"abbold"_qs);
+    EXPECT_EQ(editor()->toPlainText(), QStringLiteral("abbold"));
     EXPECT_FALSE(editor()->textCursor().charFormat().hasProperty(QTextFormat::FontWeight));
     for (const Qt::Key key : {Qt::Key_PageDown, Qt::Key_Up, Qt::Key_End, Qt::Key_Home})
         press(key);
@@ -108,23 +108,23 @@ TEST_F(InlineEditorsTest, keysAndClipboardWorkOnTheTextOfTheEditor) {
 
 TEST_F(InlineEditorsTest, aCompositionIsNotCutOffByReturn) {
     m_box.start({100, 300}, page());
-    QInputMethodEvent composing(u"ni"_qs, {});
+    QInputMethodEvent composing(QStringLiteral("ni"), {});
     QApplication::sendEvent(editor(), &composing);
     press(Qt::Key_Return);
     ASSERT_TRUE(m_box.isOpen());
     press(Qt::Key_Escape);
     ASSERT_TRUE(m_box.isOpen());
     QInputMethodEvent composed;
-    composed.setCommitString(u"\u4f60"_qs);
+    composed.setCommitString(QStringLiteral("\u4f60"));
     QApplication::sendEvent(editor(), &composed);
     press(Qt::Key_Return);
     ASSERT_EQ(page()->annotations().size(), 1U);
-    EXPECT_EQ(page()->annotations()[0]->contents(), u"\u4f60"_qs);
+    EXPECT_EQ(page()->annotations()[0]->contents(), QStringLiteral("\u4f60"));
 }
 
 TEST_F(InlineEditorsTest, aMenuAndAnotherWindowOnlyBorrowTheKeyboard) {
     m_box.start({100, 300}, page());
-    type(u"words"_qs);
+    type(QStringLiteral("words"));
     const QPoint spot(30, 10);
     QContextMenuEvent click(QContextMenuEvent::Mouse, spot, editor()->mapToGlobal(spot));
     QApplication::sendEvent(editor()->viewport(), &click);
@@ -149,14 +149,14 @@ TEST_F(InlineEditorsTest, aMenuAndAnotherWindowOnlyBorrowTheKeyboard) {
 
 TEST_F(InlineEditorsTest, givingTheKeyboardToSomethingElseCommits) {
     m_box.start({100, 300}, page());
-    type(u"box"_qs);
+    type(QStringLiteral("box"));
     const auto note = addNote();
     m_note.start(note, page(), true); // ends the box
     EXPECT_FALSE(m_box.isOpen());
-    type(u"note"_qs);
+    type(QStringLiteral("note"));
     QTest::mouseClick(m_view.viewport(), Qt::LeftButton, {}, {20, 600});
     EXPECT_FALSE(m_note.isOpen());
-    EXPECT_EQ(note->contents(), u"note"_qs);
+    EXPECT_EQ(note->contents(), QStringLiteral("note"));
     EXPECT_TRUE(m_view.hasFocus());
 
     m_line.begin(lineOnScreen(1));
@@ -167,14 +167,14 @@ TEST_F(InlineEditorsTest, givingTheKeyboardToSomethingElseCommits) {
     EXPECT_FALSE(m_line.isOpen());
     const Annotations all = page()->annotations();
     ASSERT_EQ(all.size(), 4U);
-    EXPECT_EQ(all[1]->contents(), u"box"_qs);
-    EXPECT_EQ(all[3]->contents(), u"Second line"_qs);
+    EXPECT_EQ(all[1]->contents(), QStringLiteral("box"));
+    EXPECT_EQ(all[3]->contents(), QStringLiteral("Second line"));
 }
 
 TEST_F(InlineEditorsTest, anEditorGoesWithItsPageAndStaysOnOneThatIsMoved) {
     const auto first = page();
     m_box.start({100, 300}, first);
-    type(u"words"_qs);
+    type(QStringLiteral("words"));
     m_document->removePage(0);
     m_document->insert(first, 1);
     QCoreApplication::processEvents();
@@ -196,13 +196,13 @@ TEST_F(InlineEditorsTest, anEditorGoesWithItsPageAndStaysOnOneThatIsMoved) {
     m_document->insert(first, 0);
     QCoreApplication::processEvents();
 
-    const auto note = addNote(u"old"_qs);
+    const auto note = addNote(QStringLiteral("old"));
     m_note.start(note, page(), false);
-    type(u"new"_qs);
+    type(QStringLiteral("new"));
     page()->removeAnnotation(note);
     QCoreApplication::processEvents();
     EXPECT_FALSE(m_note.isOpen());
-    EXPECT_EQ(note->contents(), u"old"_qs);
+    EXPECT_EQ(note->contents(), QStringLiteral("old"));
 
     m_line.begin(lineOnScreen(0));
     ASSERT_TRUE(m_line.isOpen());
@@ -231,7 +231,7 @@ TEST_F(InlineEditorsTest, aViewThatIsDestroyedDropsAnOpenEditor) {
         auto* const open = view->viewport()->findChild<InlineFreeTextEditor*>();
         ASSERT_NE(open, nullptr);
         EXPECT_TRUE(open->hasFocus());
-        QTest::keyClicks(open, u"words"_qs);
+        QTest::keyClicks(open, QStringLiteral("words"));
         view.reset();
         QCoreApplication::processEvents();
         EXPECT_TRUE(page()->annotations().empty());
@@ -240,12 +240,12 @@ TEST_F(InlineEditorsTest, aViewThatIsDestroyedDropsAnOpenEditor) {
 }
 
 TEST_F(InlineEditorsTest, whatWasEditedIsInTheSavedFile) {
-    writeBox({200, 400}, u"A box"_qs);
+    writeBox({200, 400}, QStringLiteral("A box"));
     m_note.start(addNote(), page(), true);
-    type(u"A note"_qs);
+    type(QStringLiteral("A note"));
     press(Qt::Key_Return);
     m_line.begin(lineOnScreen(1));
-    type(u"A retyped line"_qs);
+    type(QStringLiteral("A retyped line"));
     press(Qt::Key_Return);
 
     const QByteArray saved = m_document->dataRepresentation();

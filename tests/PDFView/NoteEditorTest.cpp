@@ -5,26 +5,26 @@ namespace {
 using NoteEditorTest = InlineEditorTest;
 
 TEST_F(NoteEditorTest, anOldNoteGetsOtherWordsButIsNeverEmptied) {
-    const auto note = addNote(u"old words"_qs);
+    const auto note = addNote(QStringLiteral("old words"));
     m_note.start(note, page(), false);
     ASSERT_TRUE(m_note.isOpen());
     expectNear(QRectF(editor()->geometry()), m_view.convertFromPage(note->paperRect(), *page()));
-    EXPECT_EQ(editor()->textCursor().selectedText(), u"old words"_qs);
-    type(u"new words"_qs); // in place of what was selected
+    EXPECT_EQ(editor()->textCursor().selectedText(), QStringLiteral("old words"));
+    type(QStringLiteral("new words")); // in place of what was selected
     press(Qt::Key_Return);
-    EXPECT_EQ(note->contents(), u"new words"_qs);
+    EXPECT_EQ(note->contents(), QStringLiteral("new words"));
     EXPECT_FALSE(m_undoManager->canUndo());
     EXPECT_TRUE(m_undoManager->isDocumentEdited());
 
     m_note.start(note, page(), false);
     press(Qt::Key_Delete);
     press(Qt::Key_Return);
-    EXPECT_EQ(note->contents(), u"new words"_qs);
+    EXPECT_EQ(note->contents(), QStringLiteral("new words"));
     m_note.start(note, page(), false);
-    type(u"given up"_qs);
+    type(QStringLiteral("given up"));
     press(Qt::Key_Escape);
     EXPECT_FALSE(m_note.isOpen());
-    EXPECT_EQ(note->contents(), u"new words"_qs);
+    EXPECT_EQ(note->contents(), QStringLiteral("new words"));
     EXPECT_EQ(page()->annotations(), Annotations{note});
     EXPECT_FALSE(m_undoManager->canUndo());
 }
@@ -33,7 +33,7 @@ TEST_F(NoteEditorTest, aNewNoteThatIsLeftEmptyOrGivenUpGoesUndoably) {
     const struct {
         QString text;
         Qt::Key key;
-    } ways[] = {{u" "_qs, Qt::Key_Return}, {u"given up"_qs, Qt::Key_Escape}};
+    } ways[] = {{QStringLiteral(" "), Qt::Key_Return}, {QStringLiteral("given up"), Qt::Key_Escape}};
     for (const auto& [text, key] : ways) {
         const auto note = addNote();
         m_note.start(note, page(), true);
@@ -48,10 +48,10 @@ TEST_F(NoteEditorTest, aNewNoteThatIsLeftEmptyOrGivenUpGoesUndoably) {
     }
     const auto note = addNote();
     m_note.start(note, page(), true);
-    type(u"kept"_qs);
+    type(QStringLiteral("kept"));
     press(Qt::Key_Return);
     EXPECT_EQ(page()->annotations(), Annotations{note});
-    EXPECT_EQ(note->contents(), u"kept"_qs);
+    EXPECT_EQ(note->contents(), QStringLiteral("kept"));
 }
 
 } // namespace

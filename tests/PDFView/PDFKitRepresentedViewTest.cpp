@@ -33,7 +33,7 @@ protected:
     static std::shared_ptr<PDFDocument> documentOf(int pageCount) {
         PdfFixture fixture;
         for (int i = 1; i <= pageCount; ++i)
-            fixture.addPage({u"Page %1"_qs.arg(i)});
+            fixture.addPage({QStringLiteral("Page %1").arg(i)});
         return PDFDocument::fromData(fixture.bytes());
     }
 
@@ -45,9 +45,9 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     PDFViewCoordinator m_coordinator{m_defaults};
-    const QUrl m_url = QUrl::fromLocalFile(u"/home/me/a.pdf"_qs);
+    const QUrl m_url = QUrl::fromLocalFile(QStringLiteral("/home/me/a.pdf"));
     PDFKitRepresentedView m_represented;
     QWidget m_window;
 };
@@ -90,7 +90,7 @@ TEST_F(PDFKitRepresentedViewTest, opensTheFileAtTheScaleThatTheReaderChose) {
     EXPECT_EQ(closedAt(0.5), 1.75);
     EXPECT_EQ(closedAt(0), 0.5);
     EXPECT_EQ(closedAt(0), 0) << "fits the width again";
-    m_defaults.setDictionary(u"RecentScaleStore.scaleByPath"_qs, {{m_url.path(), u"wide"_qs}});
+    m_defaults.setDictionary(QStringLiteral("RecentScaleStore.scaleByPath"), {{m_url.path(), QStringLiteral("wide")}});
     EXPECT_EQ(closedAt(2), 0);
 }
 
@@ -108,7 +108,7 @@ TEST_F(PDFKitRepresentedViewTest, makesAReaderThatIsWiredBeforeTheCoordinatorTel
     QStringList received;
     m_represented.onAskAI = [&](const QString& prompt, bool send) { received << prompt + QString::number(send); };
     m_represented.onTextExtracted = [&](const QString& text) { received << text; };
-    m_represented.onRedactionDrawn = [&] { received << u"drawn"_qs; };
+    m_represented.onRedactionDrawn = [&] { received << QStringLiteral("drawn"); };
     int told = 0;
     QObject::connect(&m_coordinator, &PDFViewCoordinator::objectWillChange, &m_coordinator, [&] {
         ++told;
@@ -117,7 +117,7 @@ TEST_F(PDFKitRepresentedViewTest, makesAReaderThatIsWiredBeforeTheCoordinatorTel
         EXPECT_EQ(attached->toolState(), m_represented.toolState);
         EXPECT_EQ(attached->docUndoManager(), m_represented.undoManager);
         EXPECT_EQ(m_coordinator.fileURL(), m_url);
-        EXPECT_EQ(m_coordinator.pageIndicator(), u"1 of 6"_qs);
+        EXPECT_EQ(m_coordinator.pageIndicator(), QStringLiteral("1 of 6"));
     });
     AnnotatingPDFView* const view = makeView();
     EXPECT_EQ(told, 1);
@@ -125,10 +125,10 @@ TEST_F(PDFKitRepresentedViewTest, makesAReaderThatIsWiredBeforeTheCoordinatorTel
     EXPECT_TRUE(view->displaysPageBreaks());
     EXPECT_EQ(view->displayMode(), PDFDisplayMode::singlePageContinuous);
     EXPECT_EQ(view->backgroundColor(), Palette::appTint(view->palette()));
-    view->onAskAI(u"Why?"_qs, true);
-    view->onTextExtracted(u"text"_qs);
+    view->onAskAI(QStringLiteral("Why?"), true);
+    view->onTextExtracted(QStringLiteral("text"));
     view->onRedactionDrawn();
-    EXPECT_EQ(received.join(u','), u"Why?1,text,drawn"_qs);
+    EXPECT_EQ(received.join(u','), QStringLiteral("Why?1,text,drawn"));
 }
 
 TEST_F(PDFKitRepresentedViewTest, theBackgroundFollowsADarkDesktop) {
@@ -155,7 +155,7 @@ TEST_F(PDFKitRepresentedViewTest, anUpdateKeepsThePlaceUnlessAnotherDocumentCome
     m_represented.pdfDocument = documentOf(2);
     m_represented.updateView(*view);
     EXPECT_EQ(view->document(), m_represented.pdfDocument);
-    EXPECT_EQ(m_coordinator.pageIndicator(), u"1 of 2"_qs);
+    EXPECT_EQ(m_coordinator.pageIndicator(), QStringLiteral("1 of 2"));
 }
 
 } // namespace

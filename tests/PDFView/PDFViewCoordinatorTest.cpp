@@ -29,7 +29,7 @@ protected:
     static std::shared_ptr<PDFDocument> documentOf(int pageCount) {
         PdfFixture fixture;
         for (int i = 1; i <= pageCount; ++i)
-            fixture.addPage({u"Page %1"_qs.arg(i)});
+            fixture.addPage({QStringLiteral("Page %1").arg(i)});
         return PDFDocument::fromData(fixture.bytes());
     }
 
@@ -43,9 +43,9 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     PDFViewCoordinator m_coordinator{m_defaults};
-    const QUrl m_url = QUrl::fromLocalFile(u"/home/me/a.pdf"_qs);
+    const QUrl m_url = QUrl::fromLocalFile(QStringLiteral("/home/me/a.pdf"));
 };
 
 TEST_F(PDFViewCoordinatorTest, withoutAPageThereIsNoIndicator) {
@@ -55,7 +55,7 @@ TEST_F(PDFViewCoordinatorTest, withoutAPageThereIsNoIndicator) {
 
     ObservedView view;
     attach(view, 1);
-    EXPECT_EQ(m_coordinator.pageIndicator(), u"1 of 1"_qs);
+    EXPECT_EQ(m_coordinator.pageIndicator(), QStringLiteral("1 of 1"));
     EXPECT_EQ(m_coordinator.currentPageIndex(), 0);
     m_coordinator.setFileURL(m_url);
     view.setDocument(std::make_shared<PDFDocument>());
@@ -69,8 +69,8 @@ TEST_F(PDFViewCoordinatorTest, followsThePagesAndRemembersThemForTheFile) {
     ObservedView view;
     attach(view, 12);
     view.goToPage(view.document()->page(4));
-    EXPECT_EQ(m_coordinator.pageIndicator(), u"5 of 12"_qs);
-    EXPECT_FALSE(m_defaults.contains(u"RecentPageStore.pageIndexByPath"_qs)); // no file, nothing remembered
+    EXPECT_EQ(m_coordinator.pageIndicator(), QStringLiteral("5 of 12"));
+    EXPECT_FALSE(m_defaults.contains(QStringLiteral("RecentPageStore.pageIndexByPath"))); // no file, nothing remembered
 
     m_coordinator.setFileURL(m_url);
     QStringList told;
@@ -81,15 +81,15 @@ TEST_F(PDFViewCoordinatorTest, followsThePagesAndRemembersThemForTheFile) {
     EXPECT_EQ(RecentPageStore::pageIndex(m_defaults, m_url), 11);
     view.verticalScrollBar()->setValue(0);
     EXPECT_EQ(RecentPageStore::pageIndex(m_defaults, m_url), 0);
-    EXPECT_EQ(told.value(0), u"12 of 12"_qs);
-    EXPECT_EQ(told.last(), u"1 of 12"_qs);
+    EXPECT_EQ(told.value(0), QStringLiteral("12 of 12"));
+    EXPECT_EQ(told.last(), QStringLiteral("1 of 12"));
 
     // A page before the current one goes: the number changes though the page stays.
     view.goToPage(view.document()->page(4));
     view.document()->removePage(0);
     view.layoutDocumentView();
     m_coordinator.updatePageIndicator();
-    EXPECT_EQ(m_coordinator.pageIndicator(), u"4 of 11"_qs);
+    EXPECT_EQ(m_coordinator.pageIndicator(), QStringLiteral("4 of 11"));
 }
 
 TEST_F(PDFViewCoordinatorTest, observingAgainLeavesOneObserver) {
@@ -104,7 +104,7 @@ TEST_F(PDFViewCoordinatorTest, observingAgainLeavesOneObserver) {
     attach(second, 5);
     EXPECT_EQ(first.observerCount(), count - 1);
     first.goToPage(first.document()->page(2));
-    EXPECT_EQ(m_coordinator.pageIndicator(), u"1 of 5"_qs);
+    EXPECT_EQ(m_coordinator.pageIndicator(), QStringLiteral("1 of 5"));
     {
         PDFViewCoordinator other(m_defaults);
         other.setPdfView(&second);

@@ -13,9 +13,9 @@ TEST_F(PageTextEditorTest, aRetypedLineIsAPairThatIsUndoneInOneStep) {
     ASSERT_TRUE(m_line.isOpen());
     ASSERT_EQ(page()->annotations().size(), 1U); // the cover, from the start
     EXPECT_FALSE(m_undoManager->canUndo());
-    EXPECT_EQ(editor()->textCursor().selectedText(), u"Second line"_qs);
+    EXPECT_EQ(editor()->textCursor().selectedText(), QStringLiteral("Second line"));
     EXPECT_EQ(editor()->palette().color(QPalette::Text), QColor(Qt::black));
-    type(u"Another second line"_qs);
+    type(QStringLiteral("Another second line"));
     press(Qt::Key_Return);
 
     const Annotations made = page()->annotations();
@@ -25,7 +25,7 @@ TEST_F(PageTextEditorTest, aRetypedLineIsAPairThatIsUndoneInOneStep) {
     EXPECT_FALSE(made[0]->color() || made[0]->border());
     const auto replacement = std::dynamic_pointer_cast<FreeTextAnnotation>(made[1]);
     ASSERT_NE(replacement, nullptr);
-    EXPECT_EQ(replacement->contents(), u"Another second line"_qs);
+    EXPECT_EQ(replacement->contents(), QStringLiteral("Another second line"));
     EXPECT_EQ(replacement->bounds(), made[0]->bounds());
     EXPECT_NEAR(replacement->font()->pointSizeF(), 12, 0.01);
     EXPECT_EQ(replacement->fontColor(), QColor(Qt::black));
@@ -51,7 +51,7 @@ TEST_F(PageTextEditorTest, aLineThatIsEmptiedOrGivenUpIsAsBeforeAndAnUntouchedOn
     press(Qt::Key_Return);
     EXPECT_TRUE(page()->annotations().empty());
     m_line.begin(lineOnScreen(0));
-    type(u"given up"_qs);
+    type(QStringLiteral("given up"));
     press(Qt::Key_Escape);
     EXPECT_FALSE(m_line.isOpen());
     EXPECT_TRUE(page()->annotations().empty());
@@ -66,7 +66,7 @@ TEST_F(PageTextEditorTest, aLineThatIsEmptiedOrGivenUpIsAsBeforeAndAnUntouchedOn
     m_line.begin(lineOnScreen(0));
     m_line.begin(lineOnScreen(1)); // commits the first, which was left alone
     ASSERT_EQ(page()->annotations().size(), 3U);
-    EXPECT_EQ(page()->annotations()[1]->contents(), u"First line of the page"_qs);
+    EXPECT_EQ(page()->annotations()[1]->contents(), QStringLiteral("First line of the page"));
     press(Qt::Key_Escape);
     EXPECT_EQ(page()->annotations().size(), 2U);
     EXPECT_TRUE(m_undoManager->canUndo());
@@ -97,7 +97,7 @@ TEST_F(PageTextEditorTest, textOnADarkPageIsWhite) {
     EXPECT_EQ(editor()->palette().color(QPalette::Text), QColor(Qt::white));
     press(Qt::Key_Return);
     EXPECT_EQ(page(1)->annotations().back()->fontColor(), QColor(Qt::white));
-    EXPECT_EQ(page(1)->annotations().back()->contents(), u"White on black"_qs);
+    EXPECT_EQ(page(1)->annotations().back()->contents(), QStringLiteral("White on black"));
 }
 
 } // namespace

@@ -19,7 +19,7 @@ TEST_F(TextBoxEditorTest, aTextBoxBecomesFreeTextWhereItWasTyped) {
     EXPECT_FALSE(editor()->accessibleName().isEmpty());
     EXPECT_EQ(editor()->geometry().topLeft(), QPoint(300, 250));
     EXPECT_EQ(editor()->width(), 220);
-    type(u"  Hello  "_qs);
+    type(QStringLiteral("  Hello  "));
     m_toolState->setColor(QColor(200, 20, 10));
     EXPECT_EQ(editor()->palette().color(QPalette::Text), QColor(200, 20, 10));
     const QRectF frame(editor()->geometry());
@@ -31,7 +31,7 @@ TEST_F(TextBoxEditorTest, aTextBoxBecomesFreeTextWhereItWasTyped) {
     const Annotations made = page()->annotations();
     ASSERT_EQ(made.size(), 1U);
     EXPECT_NE(std::dynamic_pointer_cast<FreeTextAnnotation>(made[0]), nullptr);
-    EXPECT_EQ(made[0]->contents(), u"Hello"_qs);
+    EXPECT_EQ(made[0]->contents(), QStringLiteral("Hello"));
     EXPECT_EQ(made[0]->fontColor(), QColor(200, 20, 10));
     EXPECT_EQ(made[0]->color()->alpha(), 0);
     EXPECT_EQ(made[0]->font()->pointSizeF(), 20);
@@ -48,7 +48,7 @@ TEST_F(TextBoxEditorTest, aTextBoxGrowsDownwardsWithItsHandles) {
     m_box.start({100, 200}, page());
     const QRect before = editor()->geometry();
     press(Qt::Key_Return, Qt::ShiftModifier);
-    type(u"a second line that is too long for the width of the box"_qs);
+    type(QStringLiteral("a second line that is too long for the width of the box"));
     ASSERT_TRUE(m_box.isOpen());
     const QRect after = editor()->geometry();
     EXPECT_EQ(after.topLeft(), before.topLeft());
@@ -57,7 +57,7 @@ TEST_F(TextBoxEditorTest, aTextBoxGrowsDownwardsWithItsHandles) {
     EXPECT_EQ(editor()->verticalScrollBar()->maximum(), 0);
 
     std::vector<QPointF> centres;
-    for (const QWidget* handle : m_view.viewport()->findChildren<QWidget*>(u"textBoxHandle"_qs)) {
+    for (const QWidget* handle : m_view.viewport()->findChildren<QWidget*>(QStringLiteral("textBoxHandle"))) {
         EXPECT_EQ(handle->size(), QSize(7, 7));
         EXPECT_TRUE(handle->isVisible());
         centres.push_back(QRectF(handle->geometry()).center());
@@ -70,30 +70,30 @@ TEST_F(TextBoxEditorTest, aTextBoxGrowsDownwardsWithItsHandles) {
                                 [&](QPointF centre) { return (centre - wanted).manhattanLength() <= 2; }));
 
     press(Qt::Key_Return);
-    EXPECT_TRUE(m_view.viewport()->findChildren<QWidget*>(u"textBoxHandle"_qs).isEmpty());
+    EXPECT_TRUE(m_view.viewport()->findChildren<QWidget*>(QStringLiteral("textBoxHandle")).isEmpty());
     ASSERT_EQ(page()->annotations().size(), 1U);
     // The line break at the start was trimmed, so one inside it is wanted.
-    const auto second = writeBox({100, 400}, u"one"_qs);
+    const auto second = writeBox({100, 400}, QStringLiteral("one"));
     m_box.start({100, 500}, page());
-    type(u"one"_qs);
+    type(QStringLiteral("one"));
     press(Qt::Key_Return, Qt::ShiftModifier);
-    type(u"two"_qs);
+    type(QStringLiteral("two"));
     press(Qt::Key_Return);
-    EXPECT_EQ(page()->annotations().back()->contents(), u"one\ntwo"_qs);
-    EXPECT_EQ(second->contents(), u"one"_qs);
+    EXPECT_EQ(page()->annotations().back()->contents(), QStringLiteral("one\ntwo"));
+    EXPECT_EQ(second->contents(), QStringLiteral("one"));
 }
 
 TEST_F(TextBoxEditorTest, aBoxWithoutTextOrLeftByEscapeLeavesNothing) {
     m_box.start({100, 200}, page());
     press(Qt::Key_Return);
     m_box.start({100, 200}, page());
-    type(u"   "_qs);
+    type(QStringLiteral("   "));
     press(Qt::Key_Return);
     m_box.start({100, 200}, page());
-    type(u"given up"_qs);
+    type(QStringLiteral("given up"));
     press(Qt::Key_Escape);
     EXPECT_FALSE(m_box.isOpen());
-    EXPECT_TRUE(m_view.viewport()->findChildren<QWidget*>(u"textBoxHandle"_qs).isEmpty());
+    EXPECT_TRUE(m_view.viewport()->findChildren<QWidget*>(QStringLiteral("textBoxHandle")).isEmpty());
     EXPECT_TRUE(page()->annotations().empty());
     EXPECT_FALSE(m_undoManager->canUndo());
     EXPECT_FALSE(m_undoManager->isDocumentEdited());
@@ -102,7 +102,7 @@ TEST_F(TextBoxEditorTest, aBoxWithoutTextOrLeftByEscapeLeavesNothing) {
 TEST_F(TextBoxEditorTest, aTextBoxHasItsScreenSizeOnThePageAlsoWhenThatIsZoomedOrTurned) {
     m_view.setScaleFactor(2);
     const QPointF corner = m_view.convertToPage(QPointF(200, 150), *page());
-    const auto zoomed = writeBox({200, 150}, u"zoomed"_qs);
+    const auto zoomed = writeBox({200, 150}, QStringLiteral("zoomed"));
     ASSERT_NE(zoomed, nullptr);
     EXPECT_NEAR(zoomed->bounds().width(), 110, 0.01);
     EXPECT_NEAR(zoomed->bounds().left(), corner.x(), 0.01);
@@ -115,7 +115,7 @@ TEST_F(TextBoxEditorTest, aTextBoxHasItsScreenSizeOnThePageAlsoWhenThatIsZoomedO
         QCoreApplication::processEvents();
         const QPointF point(300, 200);
         m_box.start(point, page());
-        type(u"turned"_qs);
+        type(QStringLiteral("turned"));
         const QRectF frame(editor()->geometry());
         EXPECT_EQ(frame.topLeft(), point);
         press(Qt::Key_Return);
@@ -138,12 +138,12 @@ QRect darkPixels(const AnnotatingPDFView& view, const QRect& area) {
 
 TEST_F(TextBoxEditorTest, committedTextStaysWhereItWasTyped) {
     double y = 330;
-    for (const QString& first : {u"Words that take more than one line of the box"_qs,
-                                 u"Thisisawordwithoutablankthattakesmorethanoneline"_qs}) {
+    for (const QString& first : {QStringLiteral("Words that take more than one line of the box"),
+                                 QStringLiteral("Thisisawordwithoutablankthattakesmorethanoneline")}) {
         m_box.start({90, y}, page());
         type(first);
         press(Qt::Key_Return, Qt::ShiftModifier);
-        type(u"and (another)"_qs);
+        type(QStringLiteral("and (another)"));
         const QRect area = editor()->geometry().adjusted(6, 4, -6, -4);
         editor()->setReadOnly(true); // without a text cursor
         const QRect typed = darkPixels(m_view, area);

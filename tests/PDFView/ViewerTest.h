@@ -25,9 +25,10 @@ class ViewerTest : public testing::Test {
 protected:
     ViewerTest() {
         PdfFixture fixture;
-        for (const QString& page : {u"one"_qs, u"two"_qs}) {
-            fixture.addPage({u"First line of page %1"_qs.arg(page), u"Second line, a longer one"_qs, u"Third"_qs,
-                             u"Fourth line"_qs});
+        for (const QString& page : {QStringLiteral("one"), QStringLiteral("two")}) {
+            fixture.addPage({QStringLiteral("First line of page %1").arg(page),
+                             QStringLiteral("Second line, a longer one"), QStringLiteral("Third"),
+                             QStringLiteral("Fourth line")});
         }
         show(PDFDocument::fromData(fixture.bytes()));
         m_view.setToolState(m_toolState);

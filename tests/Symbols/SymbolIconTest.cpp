@@ -19,8 +19,8 @@ static QColor darkestColor(const QImage& image) {
 }
 
 TEST(SymbolIcon, everyFileDrawsInTheColorThatIsAskedFor) {
-    EXPECT_FALSE(SymbolIcon::pixmap(u"plus"_qs, 24, Qt::black, 1.0).isNull());
-    const QStringList files = QDir(u":/icons"_qs).entryList({u"*.svg"_qs});
+    EXPECT_FALSE(SymbolIcon::pixmap(QStringLiteral("plus"), 24, Qt::black, 1.0).isNull());
+    const QStringList files = QDir(QStringLiteral(":/icons")).entryList({QStringLiteral("*.svg")});
     ASSERT_FALSE(files.isEmpty());
     for (QString name : files) {
         name.chop(4);
@@ -35,7 +35,7 @@ TEST(SymbolIcon, everyFileDrawsInTheColorThatIsAskedFor) {
 }
 
 TEST(SymbolIcon, anIconFollowsThePalette) {
-    const QIcon icon = SymbolIcon::icon(u"plus"_qs);
+    const QIcon icon = SymbolIcon::icon(QStringLiteral("plus"));
     const QPalette former = QGuiApplication::palette();
     for (const QColor& text : {QColor(Qt::white), QColor(10, 20, 30)}) {
         QPalette palette;

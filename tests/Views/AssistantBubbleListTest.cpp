@@ -14,7 +14,8 @@ static std::vector<AssistantTurn> longConversation(int count) {
     for (int i = 0; i < count; ++i) {
         const bool asks = i % 2 == 0;
         turns.push_back({QUuid::createUuid(), asks ? AssistantTurn::Role::user : AssistantTurn::Role::assistant,
-                         asks ? u"Question %1"_qs.arg(i) : u"Answer %1 "_qs.arg(i).repeated(10 + i % 7 * 12)});
+                         asks ? QStringLiteral("Question %1").arg(i)
+                              : QStringLiteral("Answer %1 ").arg(i).repeated(10 + i % 7 * 12)});
     }
     return turns;
 }
@@ -77,11 +78,11 @@ TEST_F(AssistantBubbleListTest, whatIsReadKeepsItsPlace) {
         EXPECT_EQ(bubble->width(), list().viewport()->width() - 2 * BubbleColumn::margin);
     }
     // The answer to come is told, and so is its arrival.
-    m_viewModel->setDraft(u"Next"_qs);
+    m_viewModel->setDraft(QStringLiteral("Next"));
     m_viewModel->submit();
     EXPECT_TRUE(QTest::qWaitFor([this] { return list().isAtEnd(); }));
     waitForCall();
-    reply(u"Long "_qs.repeated(2000));
+    reply(QStringLiteral("Long ").repeated(2000));
     const QWidget* last = nullptr;
     EXPECT_TRUE(QTest::qWaitFor([&] {
         last = list().bubble(m_viewModel->turns().back().id);
@@ -92,7 +93,7 @@ TEST_F(AssistantBubbleListTest, whatIsReadKeepsItsPlace) {
 TEST_F(AssistantBubbleListTest, aUserWhoScrollsIsNotPulledBack) {
     openPanel(longConversation(60));
     bar().setValue(bar().maximum() / 2);
-    m_viewModel->setDraft(u"Next"_qs);
+    m_viewModel->setDraft(QStringLiteral("Next"));
     m_viewModel->submit();
     waitForCall();
     const QPoint middle = list().viewport()->rect().center();
@@ -105,15 +106,16 @@ TEST_F(AssistantBubbleListTest, aUserWhoScrollsIsNotPulledBack) {
     m_panel->resize(m_panel->width(), m_panel->height() - 40);
     QTest::qWait(50);
     EXPECT_EQ(bar().value(), value);
-    reply(u"Now"_qs);
+    reply(QStringLiteral("Now"));
 }
 
 TEST_F(AssistantBubbleListTest, textIsSelectedAndCopiedByKeyboard) {
-    openPanel({{QUuid::createUuid(), AssistantTurn::Role::user, u"A question"_qs},
-               {QUuid::createUuid(), AssistantTurn::Role::assistant, u"An *answer*"_qs},
-               {QUuid::createUuid(), AssistantTurn::Role::error, u"An error"_qs}});
-    const std::pair<const char*, QString> cases[] = {
-        {"userText", u"A question"_qs}, {"replyText", u"An answer"_qs}, {"errorText", u"An error"_qs}};
+    openPanel({{QUuid::createUuid(), AssistantTurn::Role::user, QStringLiteral("A question")},
+               {QUuid::createUuid(), AssistantTurn::Role::assistant, QStringLiteral("An *answer*")},
+               {QUuid::createUuid(), AssistantTurn::Role::error, QStringLiteral("An error")}});
+    const std::pair<const char*, QString> cases[] = {{"userText", QStringLiteral("A question")},
+                                                     {"replyText", QStringLiteral("An answer")},
+                                                     {"errorText", QStringLiteral("An error")}};
     list().setFocus();
     QStringList visited;
     for (int step = 0; step < 12; ++step) {
@@ -122,8 +124,9 @@ TEST_F(AssistantBubbleListTest, textIsSelectedAndCopiedByKeyboard) {
     }
     // From the first turn to the last, and then to where one writes.
     EXPECT_EQ(visited,
-              QString(u"userText replyText helpfulButton notHelpfulButton shareResponseButton copyResponseButton "
-                      u"readAloudButton regenerateButton editInAPageButton errorText message attachFileButton"_qs)
+              QString(QStringLiteral(
+                          "userText replyText helpfulButton notHelpfulButton shareResponseButton copyResponseButton "
+                          "readAloudButton regenerateButton editInAPageButton errorText message attachFileButton"))
                   .split(u' '));
     for (const auto& [name, text] : cases) {
         auto* part = find<QTextEdit>(list(), QLatin1String(name));
@@ -131,17 +134,18 @@ TEST_F(AssistantBubbleListTest, textIsSelectedAndCopiedByKeyboard) {
         QTest::keyClick(part, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(part, Qt::Key_C, Qt::ControlModifier);
         EXPECT_EQ(QGuiApplication::clipboard()->text(), text);
-        QTest::keyClicks(part, u"x"_qs);
+        QTest::keyClicks(part, QStringLiteral("x"));
         EXPECT_EQ(part->toPlainText(), text);
     }
 }
 
 TEST_F(AssistantBubbleListTest, aReplyIsNoHigherThanItsText) {
     openPanel();
-    ask(u"Show"_qs);
-    reply(u"## Summary\n\nThis page describes **the water cycle** in three steps:\n\n1. Water\n2. Clouds\n\n| a | b "
-          u"|\n|---|---|\n| c | d |\n\nThat is all, and it takes more than a line to say so, even here."_qs);
-    auto* text = find<QTextEdit>(list(), u"replyText"_qs);
+    ask(QStringLiteral("Show"));
+    reply(QStringLiteral(
+        "## Summary\n\nThis page describes **the water cycle** in three steps:\n\n1. Water\n2. Clouds\n\n| a | b "
+        "|\n|---|---|\n| c | d |\n\nThat is all, and it takes more than a line to say so, even here."));
+    auto* text = find<QTextEdit>(list(), QStringLiteral("replyText"));
     EXPECT_TRUE(QTest::qWaitFor([text] { return text->height() == qCeil(text->document()->size().height()); }))
         << text->height() << " " << text->document()->size().height() << " " << text->width() << " "
         << text->document()->textWidth();

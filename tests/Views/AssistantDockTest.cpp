@@ -16,8 +16,8 @@ protected:
     void openAssistant() {
         QTest::keyClick(m_view, Qt::Key_K, Qt::ControlModifier);
         ASSERT_TRUE(m_workspace->showsAssistant());
-        m_dock = find<AssistantDock>(*m_workspace, u"assistantDock"_qs);
-        m_handle = find<AssistantResizeHandle>(*m_workspace, u"assistantResizeHandle"_qs);
+        m_dock = find<AssistantDock>(*m_workspace, QStringLiteral("assistantDock"));
+        m_handle = find<AssistantResizeHandle>(*m_workspace, QStringLiteral("assistantResizeHandle"));
         waitForWidth(420);
     }
     void waitForWidth(int width) const {
@@ -31,25 +31,26 @@ protected:
 
 TEST_F(AssistantDockTest, theAskCommandShowsAndHidesThePanel) {
     openWorkspace({});
-    EXPECT_EQ(button(u"askAssistant"_qs)->toolTip(), u"Ask the AI assistant about this PDF (Ctrl+K)"_qs);
+    EXPECT_EQ(button(QStringLiteral("askAssistant"))->toolTip(),
+              QStringLiteral("Ask the AI assistant about this PDF (Ctrl+K)"));
     EXPECT_EQ(m_workspace->findChild<AssistantPanel*>(), nullptr);
     openAssistant();
-    EXPECT_TRUE(button(u"askAssistant"_qs)->isChecked());
-    EXPECT_EQ(m_workspace->focusWidget()->objectName(), u"message"_qs);
-    QTest::keyClicks(m_workspace->focusWidget(), u"Draft"_qs);
+    EXPECT_TRUE(button(QStringLiteral("askAssistant"))->isChecked());
+    EXPECT_EQ(m_workspace->focusWidget()->objectName(), QStringLiteral("message"));
+    QTest::keyClicks(m_workspace->focusWidget(), QStringLiteral("Draft"));
 
-    press(u"closeAssistant"_qs);
-    EXPECT_FALSE(button(u"askAssistant"_qs)->isChecked());
+    press(QStringLiteral("closeAssistant"));
+    EXPECT_FALSE(button(QStringLiteral("askAssistant"))->isChecked());
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_dock->isHidden(); }));
     EXPECT_TRUE(m_view->hasFocus());
-    press(u"askAssistant"_qs);
+    press(QStringLiteral("askAssistant"));
     EXPECT_TRUE(m_dock->panel()->isVisible());
-    EXPECT_EQ(m_workspace->assistant()->draft(), u"Draft"_qs);
+    EXPECT_EQ(m_workspace->assistant()->draft(), QStringLiteral("Draft"));
 
     int requests = 0;
     QObject::connect(m_workspace.get(), &PDFEditorWorkspaceView::settingsRequested, [&requests] { ++requests; });
-    press(u"assistantSettings"_qs);
-    press(u"openSettings"_qs);
+    press(QStringLiteral("assistantSettings"));
+    press(QStringLiteral("openSettings"));
     EXPECT_EQ(requests, 2);
 }
 
@@ -106,22 +107,23 @@ TEST_F(AssistantDockTest, aNarrowWindowKeepsSomeOfThePage) {
 TEST_F(AssistantDockTest, recognizedTextBecomesAReply) {
     openWorkspace({});
     ASSERT_TRUE(m_view->onTextExtracted);
-    m_view->onTextExtracted(u"Some text"_qs);
+    m_view->onTextExtracted(QStringLiteral("Some text"));
     EXPECT_TRUE(m_workspace->showsAssistant());
     const auto& turns = m_workspace->assistant()->turns();
     ASSERT_EQ(turns.size(), 1U);
     EXPECT_EQ(turns[0].role, AssistantTurn::Role::assistant);
-    EXPECT_EQ(turns[0].text, u"Extracted text:\n\nSome text"_qs);
+    EXPECT_EQ(turns[0].text, QStringLiteral("Extracted text:\n\nSome text"));
     EXPECT_FALSE(m_workspace->assistant()->isRunning());
-    m_view->onTextExtracted(u"No text could be recognized on this page."_qs);
+    m_view->onTextExtracted(QStringLiteral("No text could be recognized on this page."));
     EXPECT_EQ(turns.size(), 2U);
     EXPECT_NE(turns[0].id, turns[1].id);
 }
 
 TEST_F(AssistantDockTest, thePagesMenuAsksTheService) {
     LoopbackServer server;
-    m_defaults.setString(u"quillo.customAPIURL"_qs, server.url(u"/v1/chat/completions"_qs).toString());
-    m_defaults.setStringList(u"quillo.ollamaAPIKeyPool"_qs, {u"key"_qs});
+    m_defaults.setString(QStringLiteral("quillo.customAPIURL"),
+                         server.url(QStringLiteral("/v1/chat/completions")).toString());
+    m_defaults.setStringList(QStringLiteral("quillo.ollamaAPIKeyPool"), {QStringLiteral("key")});
     const QByteArray answer = R"({"choices":[{"message":{"role":"assistant","content":"It greets."}}]})";
     server.enqueue(LoopbackServer::json(200, answer));
     server.enqueue(LoopbackServer::json(200, answer)); // the title
@@ -138,16 +140,16 @@ TEST_F(AssistantDockTest, thePagesMenuAsksTheService) {
         action->trigger();
         menu->close();
     };
-    choose(u"Translate…"_qs);
+    choose(QStringLiteral("Translate…"));
     EXPECT_TRUE(m_workspace->showsAssistant());
-    EXPECT_TRUE(m_workspace->assistant()->draft().startsWith(u"Translate this to <language>: "_qs));
+    EXPECT_TRUE(m_workspace->assistant()->draft().startsWith(QStringLiteral("Translate this to <language>: ")));
     EXPECT_TRUE(m_workspace->assistant()->turns().empty());
-    choose(u"Explain This"_qs);
+    choose(QStringLiteral("Explain This"));
     const auto& turns = m_workspace->assistant()->turns();
     ASSERT_EQ(turns.size(), 1U);
-    EXPECT_TRUE(turns[0].text.startsWith(u"Explain this: “"_qs));
+    EXPECT_TRUE(turns[0].text.startsWith(QStringLiteral("Explain this: “")));
     EXPECT_TRUE(QTest::qWaitFor([&] { return turns.size() == 2; }));
-    EXPECT_EQ(turns[1].text, u"It greets."_qs);
+    EXPECT_EQ(turns[1].text, QStringLiteral("It greets."));
     EXPECT_EQ(server.requests().front().header("Authorization"), "Bearer key");
     EXPECT_TRUE(QTest::qWaitFor([&] { return server.requests().size() == 2; }));
 }

@@ -28,43 +28,43 @@ static QString state(const QWidget& panel) {
             parts << QLatin1String(name);
     }
     if (panel.findChild<SendButton*>()->isEnabled())
-        parts << u"send"_qs;
+        parts << QStringLiteral("send");
     return parts.join(u' ');
 }
 
 TEST_F(AssistantPanelTest, goesFromEmptyToRunningToConversing) {
     openPanel();
     EXPECT_TRUE(m_field->hasFocus());
-    EXPECT_EQ(m_field->placeholderText(), u"Message Assistant..."_qs);
-    EXPECT_EQ(find<QLabel>(*m_panel, u"greeting"_qs)->text(), u"Hi there"_qs);
-    EXPECT_EQ(state(*m_panel), u"greeting summarizePage expandOnTopic"_qs);
-    EXPECT_EQ(find<QWidget>(*m_panel, u"toggleSidebarButton"_qs)->isVisible(), false);
+    EXPECT_EQ(m_field->placeholderText(), QStringLiteral("Message Assistant..."));
+    EXPECT_EQ(find<QLabel>(*m_panel, QStringLiteral("greeting"))->text(), QStringLiteral("Hi there"));
+    EXPECT_EQ(state(*m_panel), QStringLiteral("greeting summarizePage expandOnTopic"));
+    EXPECT_EQ(find<QWidget>(*m_panel, QStringLiteral("toggleSidebarButton"))->isVisible(), false);
 
-    QTest::keyClicks(m_field, u"Why?"_qs);
-    EXPECT_EQ(m_viewModel->draft(), u"Why?"_qs);
-    EXPECT_EQ(state(*m_panel), u"greeting summarizePage expandOnTopic send"_qs);
+    QTest::keyClicks(m_field, QStringLiteral("Why?"));
+    EXPECT_EQ(m_viewModel->draft(), QStringLiteral("Why?"));
+    EXPECT_EQ(state(*m_panel), QStringLiteral("greeting summarizePage expandOnTopic send"));
     QTest::mouseClick(m_panel->findChild<SendButton*>(), Qt::LeftButton);
     waitForCall();
     EXPECT_TRUE(m_field->toPlainText().isEmpty());
-    EXPECT_EQ(state(*m_panel), u"typingIndicator"_qs);
+    EXPECT_EQ(state(*m_panel), QStringLiteral("typingIndicator"));
 
     // What is typed meanwhile stays, and can't be sent.
-    QTest::keyClicks(m_field, u"And"_qs);
-    EXPECT_EQ(state(*m_panel), u"typingIndicator"_qs);
-    reply(u"**Because.**"_qs);
-    EXPECT_EQ(state(*m_panel), u"send"_qs);
+    QTest::keyClicks(m_field, QStringLiteral("And"));
+    EXPECT_EQ(state(*m_panel), QStringLiteral("typingIndicator"));
+    reply(QStringLiteral("**Because.**"));
+    EXPECT_EQ(state(*m_panel), QStringLiteral("send"));
     ASSERT_EQ(m_viewModel->turns().size(), 2U);
     const QWidget* bubble = m_panel->list().bubble(m_viewModel->turns().back().id);
     ASSERT_TRUE(bubble);
-    EXPECT_EQ(bubble->findChild<MarkdownContent*>()->text(), u"**Because.**"_qs);
+    EXPECT_EQ(bubble->findChild<MarkdownContent*>()->text(), QStringLiteral("**Because.**"));
 
-    ask(u" again"_qs);
+    ask(QStringLiteral(" again"));
     m_provider->fail("The line is dead.");
     EXPECT_TRUE(QTest::qWaitFor([this] { return !m_viewModel->isRunning(); }));
     bubble = m_panel->list().bubble(m_viewModel->turns().back().id);
     ASSERT_TRUE(bubble);
-    auto* error = find<QTextEdit>(*bubble, u"errorText"_qs);
-    EXPECT_EQ(error->toPlainText(), u"The line is dead."_qs);
+    auto* error = find<QTextEdit>(*bubble, QStringLiteral("errorText"));
+    EXPECT_EQ(error->toPlainText(), QStringLiteral("The line is dead."));
     const QColor red = error->palette().color(QPalette::Text);
     EXPECT_GT(red.red(), 2 * red.green());
 }
@@ -74,8 +74,10 @@ TEST_F(AssistantPanelTest, quickPromptsAskTheirQuestions) {
         QString name;
         QString label;
         QString question;
-    } cases[] = {{u"summarizePage"_qs, u"Create a summary of this page"_qs, u"Summarize this page"_qs},
-                 {u"expandOnTopic"_qs, u"Expand on this topic"_qs, u"Expand on this topic"_qs}};
+    } cases[] = {{QStringLiteral("summarizePage"), QStringLiteral("Create a summary of this page"),
+                  QStringLiteral("Summarize this page")},
+                 {QStringLiteral("expandOnTopic"), QStringLiteral("Expand on this topic"),
+                  QStringLiteral("Expand on this topic")}};
     openPanel();
     for (const auto& each : cases) {
         EXPECT_EQ(button(each.name)->text(), each.label);
@@ -83,8 +85,8 @@ TEST_F(AssistantPanelTest, quickPromptsAskTheirQuestions) {
         waitForCall();
         EXPECT_EQ(m_provider->calls.back().lastText, each.question);
         EXPECT_TRUE(m_field->hasFocus()) << "The pressed button is gone.";
-        reply(u"Yes."_qs);
-        press(button(u"newConversationButton"_qs));
+        reply(QStringLiteral("Yes."));
+        press(button(QStringLiteral("newConversationButton")));
     }
 }
 
@@ -96,23 +98,23 @@ TEST_F(AssistantPanelTest, onlyAPlainReturnSends) {
         QTest::keyClick(m_field, Qt::Key_Return, modifiers);
         return m_field->toPlainText();
     };
-    EXPECT_EQ(typed(u"a"_qs, Qt::ShiftModifier), u"a\n"_qs);
-    EXPECT_EQ(typed(u"a"_qs, Qt::AltModifier), u"a\n"_qs);
-    EXPECT_EQ(typed(u"a"_qs, Qt::ControlModifier), u"a\n"_qs);
-    EXPECT_EQ(typed(u""_qs, Qt::NoModifier), u"\n"_qs) << "There is nothing to send.";
-    EXPECT_EQ(typed(u" \t "_qs, Qt::NoModifier).trimmed(), QString());
+    EXPECT_EQ(typed(QStringLiteral("a"), Qt::ShiftModifier), QStringLiteral("a\n"));
+    EXPECT_EQ(typed(QStringLiteral("a"), Qt::AltModifier), QStringLiteral("a\n"));
+    EXPECT_EQ(typed(QStringLiteral("a"), Qt::ControlModifier), QStringLiteral("a\n"));
+    EXPECT_EQ(typed(QStringLiteral(""), Qt::NoModifier), QStringLiteral("\n")) << "There is nothing to send.";
+    EXPECT_EQ(typed(QStringLiteral(" \t "), Qt::NoModifier).trimmed(), QString());
     EXPECT_TRUE(m_viewModel->turns().empty());
 
     // Newlines count as text, though nothing is sent of them.
-    m_viewModel->setDraft(u"\n"_qs);
+    m_viewModel->setDraft(QStringLiteral("\n"));
     EXPECT_TRUE(m_panel->findChild<SendButton*>()->isEnabled());
     QTest::keyClick(m_field, Qt::Key_Return);
-    EXPECT_EQ(m_field->toPlainText(), u"\n"_qs);
+    EXPECT_EQ(m_field->toPlainText(), QStringLiteral("\n"));
 
-    EXPECT_EQ(typed(u"a"_qs, Qt::KeypadModifier), QString());
+    EXPECT_EQ(typed(QStringLiteral("a"), Qt::KeypadModifier), QString());
     waitForCall();
-    EXPECT_EQ(typed(u"b"_qs, Qt::NoModifier), u"b\n"_qs) << "A question runs.";
-    reply(u"c"_qs);
+    EXPECT_EQ(typed(QStringLiteral("b"), Qt::NoModifier), QStringLiteral("b\n")) << "A question runs.";
+    reply(QStringLiteral("c"));
 }
 
 TEST_F(AssistantPanelTest, theFieldGrowsToEightLines) {
@@ -135,75 +137,77 @@ TEST_F(AssistantPanelTest, theFieldGrowsToEightLines) {
 
 TEST_F(AssistantPanelTest, anAttachmentGoesWithTheNextQuestion) {
     openPanel();
-    const QString path = m_folder.filePath(u"notes.txt"_qs);
+    const QString path = m_folder.filePath(QStringLiteral("notes.txt"));
     QFile file(path);
     ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write("Rain at noon"));
     file.close();
-    press(button(u"attachFileButton"_qs));
-    auto* dialog = m_panel->findChild<QFileDialog*>(u"attachmentPanel"_qs);
+    press(button(QStringLiteral("attachFileButton")));
+    auto* dialog = m_panel->findChild<QFileDialog*>(QStringLiteral("attachmentPanel"));
     ASSERT_TRUE(dialog);
     dialog->selectFile(path);
     static_cast<QDialog*>(dialog)->done(QDialog::Accepted);
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_viewModel->attachmentName().has_value(); }));
-    EXPECT_EQ(state(*m_panel), u"greeting summarizePage expandOnTopic attachmentChip send"_qs);
+    EXPECT_EQ(state(*m_panel), QStringLiteral("greeting summarizePage expandOnTopic attachmentChip send"));
 
-    press(button(u"removeAttachmentButton"_qs));
-    EXPECT_EQ(state(*m_panel), u"greeting summarizePage expandOnTopic"_qs);
+    press(button(QStringLiteral("removeAttachmentButton")));
+    EXPECT_EQ(state(*m_panel), QStringLiteral("greeting summarizePage expandOnTopic"));
     EXPECT_FALSE(m_viewModel->attachmentContent());
 
     m_viewModel->attach(QUrl::fromLocalFile(path));
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_viewModel->attachmentName().has_value(); }));
     QTest::keyClick(m_field, Qt::Key_Return);
-    EXPECT_EQ(state(*m_panel), u"typingIndicator"_qs);
+    EXPECT_EQ(state(*m_panel), QStringLiteral("typingIndicator"));
     waitForCall();
-    EXPECT_TRUE(m_provider->calls.back().lastText.contains(u"Rain at noon"_qs));
-    EXPECT_EQ(m_viewModel->turns().back().text, u"Attached file: notes.txt"_qs);
-    reply(u"So be it."_qs);
+    EXPECT_TRUE(m_provider->calls.back().lastText.contains(QStringLiteral("Rain at noon")));
+    EXPECT_EQ(m_viewModel->turns().back().text, QStringLiteral("Attached file: notes.txt"));
+    reply(QStringLiteral("So be it."));
 }
 
 TEST_F(AssistantPanelTest, theModelMenuShowsAndSetsThePreference) {
     openPanel();
-    auto* model = find<QToolButton>(*m_panel, u"modelMenuButton"_qs);
+    auto* model = find<QToolButton>(*m_panel, QStringLiteral("modelMenuButton"));
     QStringList titles;
     for (const QAction* action : model->menu()->actions()) {
         titles << action->text();
         EXPECT_EQ(action->isChecked(), action->text() == info(m_viewModel->modelPreference()).rawValue);
     }
-    EXPECT_EQ(titles, QStringList({u"High Perf"_qs, u"Balanced"_qs, u"Fast"_qs}));
-    EXPECT_EQ(model->text(), u"High Perf"_qs);
+    EXPECT_EQ(titles, QStringList({QStringLiteral("High Perf"), QStringLiteral("Balanced"), QStringLiteral("Fast")}));
+    EXPECT_EQ(model->text(), QStringLiteral("High Perf"));
     model->menu()->actions().at(2)->trigger();
-    EXPECT_EQ(model->text(), u"Fast"_qs);
-    ask(u"Hm"_qs);
+    EXPECT_EQ(model->text(), QStringLiteral("Fast"));
+    ask(QStringLiteral("Hm"));
     EXPECT_EQ(m_provider->calls.back().preference, AIModelPreference::fast);
-    reply(u"Ah"_qs);
+    reply(QStringLiteral("Ah"));
 }
 
 TEST_F(AssistantPanelTest, aReplyHasItsActionsInOrder) {
     openPanel();
-    ask(u"Show"_qs);
-    reply(u"# Title\n\nA *word*"_qs);
+    ask(QStringLiteral("Show"));
+    reply(QStringLiteral("# Title\n\nA *word*"));
     QStringList helps;
     for (const QToolButton* each : m_panel->list().bubble(m_viewModel->turns().back().id)->findChildren<QToolButton*>())
         helps << each->toolTip();
-    EXPECT_EQ(helps, QStringList({u"Helpful"_qs, u"Not helpful"_qs, u"Share response"_qs, u"Copy to clipboard"_qs,
-                                  u"Read aloud"_qs, u"Regenerate response"_qs,
-                                  u"Copy and edit response in a new document"_qs}));
-    EXPECT_EQ(qobject_cast<QToolButton*>(replyButton(u"editInAPage"_qs))->text(), u"Edit in a page"_qs);
+    EXPECT_EQ(helps, QStringList({QStringLiteral("Helpful"), QStringLiteral("Not helpful"),
+                                  QStringLiteral("Share response"), QStringLiteral("Copy to clipboard"),
+                                  QStringLiteral("Read aloud"), QStringLiteral("Regenerate response"),
+                                  QStringLiteral("Copy and edit response in a new document")}));
+    EXPECT_EQ(qobject_cast<QToolButton*>(replyButton(QStringLiteral("editInAPage")))->text(),
+              QStringLiteral("Edit in a page"));
 
     for (const char* name : {"copyResponse", "editInAPage"}) {
-        QGuiApplication::clipboard()->setText(u"former"_qs);
+        QGuiApplication::clipboard()->setText(QStringLiteral("former"));
         press(replyButton(QLatin1String(name)));
-        EXPECT_EQ(QGuiApplication::clipboard()->text(), u"# Title\n\nA *word*"_qs) << name;
+        EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("# Title\n\nA *word*")) << name;
     }
 
     // It sends what stands in the field, and without that it does nothing.
-    press(replyButton(u"regenerate"_qs));
+    press(replyButton(QStringLiteral("regenerate")));
     EXPECT_EQ(m_viewModel->turns().size(), 2U);
-    m_viewModel->setDraft(u"Something else"_qs);
-    press(replyButton(u"regenerate"_qs));
+    m_viewModel->setDraft(QStringLiteral("Something else"));
+    press(replyButton(QStringLiteral("regenerate")));
     waitForCall();
-    EXPECT_EQ(m_provider->calls.back().lastText, u"Something else"_qs);
-    reply(u"Fine"_qs);
+    EXPECT_EQ(m_provider->calls.back().lastText, QStringLiteral("Something else"));
+    reply(QStringLiteral("Fine"));
 }
 
 /// Takes the addresses that the desktop would be asked to open.
@@ -219,12 +223,12 @@ public:
 
 TEST_F(AssistantPanelTest, aReplyIsSharedByMailOrAsAFile) {
     openPanel();
-    ask(u"Show"_qs);
-    const QString text = u"50 % & more?\nZwei Größen = 1"_qs;
+    ask(QStringLiteral("Show"));
+    const QString text = QStringLiteral("50 % & more?\nZwei Größen = 1");
     reply(text);
     const auto choose = [this](const QString& name) {
-        press(replyButton(u"shareResponse"_qs));
-        QMenu* menu = m_panel->findChild<QMenu*>(u"shareMenu"_qs);
+        press(replyButton(QStringLiteral("shareResponse")));
+        QMenu* menu = m_panel->findChild<QMenu*>(QStringLiteral("shareMenu"));
         ASSERT_TRUE(menu);
         auto* entry = menu->findChild<QAction*>(name);
         ASSERT_TRUE(entry);
@@ -233,18 +237,19 @@ TEST_F(AssistantPanelTest, aReplyIsSharedByMailOrAsAFile) {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     };
     UrlCatcher catcher;
-    QDesktopServices::setUrlHandler(u"mailto"_qs, &catcher, "take");
-    choose(u"sendByMail"_qs);
-    QDesktopServices::unsetUrlHandler(u"mailto"_qs);
+    QDesktopServices::setUrlHandler(QStringLiteral("mailto"), &catcher, "take");
+    choose(QStringLiteral("sendByMail"));
+    QDesktopServices::unsetUrlHandler(QStringLiteral("mailto"));
     ASSERT_EQ(catcher.urls.size(), 1);
     const QByteArray address = catcher.urls.front().toEncoded();
     const QByteArray body = address.mid(address.indexOf("&body=") + 6);
-    EXPECT_EQ(QUrl::fromPercentEncoding(body), QString(text).replace(u'\n', u"\r\n"_qs));
+    EXPECT_EQ(QUrl::fromPercentEncoding(body), QString(text).replace(u'\n', QStringLiteral("\r\n")));
 
     for (const bool canBeWritten : {true, false}) {
-        const QString path = m_folder.filePath(canBeWritten ? u"reply.txt"_qs : u"no/folder/reply.txt"_qs);
-        choose(u"saveAsTextFile"_qs);
-        auto* panel = m_panel->findChild<QFileDialog*>(u"savePanel"_qs);
+        const QString path =
+            m_folder.filePath(canBeWritten ? QStringLiteral("reply.txt") : QStringLiteral("no/folder/reply.txt"));
+        choose(QStringLiteral("saveAsTextFile"));
+        auto* panel = m_panel->findChild<QFileDialog*>(QStringLiteral("savePanel"));
         ASSERT_TRUE(panel);
         Q_EMIT panel->fileSelected(path);
         delete panel;
@@ -253,43 +258,44 @@ TEST_F(AssistantPanelTest, aReplyIsSharedByMailOrAsAFile) {
         if (canBeWritten) {
             EXPECT_EQ(QString::fromUtf8(file.readAll()), text + u'\n');
         }
-        EXPECT_EQ(m_panel->notice().message().startsWith(u"“reply.txt” could not be saved"_qs), !canBeWritten);
+        EXPECT_EQ(m_panel->notice().message().startsWith(QStringLiteral("“reply.txt” could not be saved")),
+                  !canBeWritten);
     }
 }
 
 TEST_F(AssistantPanelTest, withoutASpeechServiceASentenceSaysSo) {
     qputenv("SPEECHD_ADDRESS", "unix_socket:/nowhere/speechd.sock");
     openPanel();
-    ask(u"Say"_qs);
-    reply(u"Nothing"_qs);
-    press(replyButton(u"readAloud"_qs));
+    ask(QStringLiteral("Say"));
+    reply(QStringLiteral("Nothing"));
+    press(replyButton(QStringLiteral("readAloud")));
     EXPECT_EQ(m_panel->notice().message(),
-              u"Reading aloud needs the desktop’s speech service, which isn’t available."_qs);
+              QStringLiteral("Reading aloud needs the desktop’s speech service, which isn’t available."));
     qunsetenv("SPEECHD_ADDRESS");
 }
 
 TEST_F(AssistantPanelTest, aChatIsKeptWhenThePanelGoesInTheMiddleOfAQuestion) {
     openPanel();
-    ask(u"Still there?"_qs);
+    ask(QStringLiteral("Still there?"));
     const std::weak_ptr<AssistantViewModel> viewModel = m_viewModel;
     m_panel.reset();
     m_viewModel.reset();
     ASSERT_FALSE(viewModel.expired());
-    m_provider->reply(u"Always."_qs);
+    m_provider->reply(QStringLiteral("Always."));
     EXPECT_TRUE(QTest::qWaitFor([&] { return viewModel.expired(); }));
     const std::vector<ChatSession> kept = ChatHistoryStore::load(m_file.toLocalFile());
     ASSERT_EQ(kept.size(), 1U);
     ASSERT_EQ(kept[0].turns.size(), 2U);
-    EXPECT_EQ(kept[0].turns[1].text, u"Always."_qs);
+    EXPECT_EQ(kept[0].turns[1].text, QStringLiteral("Always."));
 
     openPanel();
     EXPECT_TRUE(m_panel->list().bubble(kept[0].turns[1].id));
 }
 
 TEST_F(AssistantPanelTest, everyControlHasANameForThoseWhoCantSeeIt) {
-    openPanel({{QUuid::createUuid(), AssistantTurn::Role::user, u"Q"_qs},
-               {QUuid::createUuid(), AssistantTurn::Role::assistant, u"A"_qs},
-               {QUuid::createUuid(), AssistantTurn::Role::error, u"E"_qs}});
+    openPanel({{QUuid::createUuid(), AssistantTurn::Role::user, QStringLiteral("Q")},
+               {QUuid::createUuid(), AssistantTurn::Role::assistant, QStringLiteral("A")},
+               {QUuid::createUuid(), AssistantTurn::Role::error, QStringLiteral("E")}});
     int count = 0;
     for (const QWidget* widget : m_panel->findChildren<QWidget*>()) {
         if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisible())

@@ -15,14 +15,14 @@ protected:
     void openPanel(const std::vector<AssistantTurn>& turns = {}, QSize size = {420, 700}) {
         if (!turns.empty()) {
             ChatSession session;
-            session.title = u"Kept"_qs;
+            session.title = QStringLiteral("Kept");
             session.turns = turns;
             keep({session});
         }
-        m_viewModel = AssistantViewModel::create(TextOnlyAssistantContext{m_file, u"Text"_qs}, m_provider);
+        m_viewModel = AssistantViewModel::create(TextOnlyAssistantContext{m_file, QStringLiteral("Text")}, m_provider);
         m_panel = std::make_unique<AssistantPanel>(m_viewModel);
         show(*m_panel, size);
-        m_field = find<MessageField>(*m_panel, u"message"_qs);
+        m_field = find<MessageField>(*m_panel, QStringLiteral("message"));
     }
 
     /// Saves these chats for the file of the panel.
@@ -37,7 +37,7 @@ protected:
     }
     /// A button of the newest reply.
     QWidget* replyButton(const QString& name) const {
-        return find<QWidget>(*m_panel->list().bubble(m_viewModel->turns().back().id), name + u"Button"_qs);
+        return find<QWidget>(*m_panel->list().bubble(m_viewModel->turns().back().id), name + QStringLiteral("Button"));
     }
 
     void ask(const QString& question) const {
@@ -55,7 +55,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return !m_viewModel->isRunning(); }));
     }
 
-    const QUrl m_file = QUrl::fromLocalFile(m_folder.filePath(u"paper.xlsx"_qs));
+    const QUrl m_file = QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("paper.xlsx")));
     const std::shared_ptr<ScriptedAIProvider> m_provider = std::make_shared<ScriptedAIProvider>();
     std::size_t m_answered = 0;
     std::shared_ptr<AssistantViewModel> m_viewModel;

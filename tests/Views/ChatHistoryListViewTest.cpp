@@ -11,8 +11,9 @@ protected:
     void openHistory() {
         const QDateTime now = QDateTime::currentDateTimeUtc();
         std::vector<ChatSession> sessions;
-        for (const auto& [title, seconds] : {std::pair(u"Newest"_qs, 3700), std::pair(u"Middle"_qs, 2 * 86400 + 9),
-                                             std::pair(u"Oldest"_qs, 21 * 86400 + 9)}) {
+        for (const auto& [title, seconds] :
+             {std::pair(QStringLiteral("Newest"), 3700), std::pair(QStringLiteral("Middle"), 2 * 86400 + 9),
+              std::pair(QStringLiteral("Oldest"), 21 * 86400 + 9)}) {
             ChatSession session;
             session.title = title;
             session.updatedAt = now.addSecs(-seconds);
@@ -26,7 +27,7 @@ protected:
 
     void openList() {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        press(button(u"chatHistoryButton"_qs));
+        press(button(QStringLiteral("chatHistoryButton")));
         m_list = m_panel->findChild<ChatHistoryListView*>();
         ASSERT_TRUE(m_list && m_list->isVisible());
     }
@@ -34,7 +35,7 @@ protected:
     QStringList titles() const {
         QStringList result;
         for (const ChatHistoryRow* row : rows())
-            result << row->text() + (row->isChecked() ? u"*"_qs : QString());
+            result << row->text() + (row->isChecked() ? QStringLiteral("*") : QString());
         return result;
     }
     QList<ChatHistoryRow*> rows() const {
@@ -48,16 +49,17 @@ protected:
 
 TEST_F(ChatHistoryListViewTest, aClickShowsAChatAndClosesTheList) {
     openHistory();
-    EXPECT_EQ(titles(), QStringList({u"Newest*"_qs, u"Middle"_qs, u"Oldest"_qs}));
+    EXPECT_EQ(titles(), QStringList({QStringLiteral("Newest*"), QStringLiteral("Middle"), QStringLiteral("Oldest")}));
     QStringList times;
     for (const ChatHistoryRow* row : rows())
         times << row->accessibleDescription();
-    EXPECT_EQ(times, QStringList({u"1 hr. ago"_qs, u"2 days ago"_qs, u"3 wk. ago"_qs}));
+    EXPECT_EQ(times,
+              QStringList({QStringLiteral("1 hr. ago"), QStringLiteral("2 days ago"), QStringLiteral("3 wk. ago")}));
 
     const QPointer<QWidget> former = m_panel->list().bubble(m_viewModel->turns().front().id);
     ASSERT_TRUE(former);
     QTest::mouseClick(rows().at(2), Qt::LeftButton, {}, {40, 10});
-    EXPECT_EQ(shownText(), u"Oldest"_qs);
+    EXPECT_EQ(shownText(), QStringLiteral("Oldest"));
     EXPECT_TRUE(m_panel->list().bubble(m_viewModel->turns().front().id));
     EXPECT_FALSE(former && former->isVisible());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -67,15 +69,15 @@ TEST_F(ChatHistoryListViewTest, aClickShowsAChatAndClosesTheList) {
 TEST_F(ChatHistoryListViewTest, deletingLeavesTheListOpen) {
     openHistory();
     QTest::mouseClick(rows().at(0)->findChild<QToolButton*>(), Qt::LeftButton);
-    EXPECT_EQ(titles(), QStringList({u"Middle*"_qs, u"Oldest"_qs}));
-    EXPECT_EQ(shownText(), u"Middle"_qs);
+    EXPECT_EQ(titles(), QStringList({QStringLiteral("Middle*"), QStringLiteral("Oldest")}));
+    EXPECT_EQ(shownText(), QStringLiteral("Middle"));
     EXPECT_TRUE(m_list->isVisible());
 
     QTest::keyClick(rows().at(1), Qt::Key_Delete);
-    EXPECT_EQ(titles(), QStringList({u"Middle*"_qs}));
+    EXPECT_EQ(titles(), QStringList({QStringLiteral("Middle*")}));
     QTest::mouseClick(rows().at(0)->findChild<QToolButton*>(), Qt::LeftButton);
-    EXPECT_EQ(titles(), QStringList({u"New Chat*"_qs}));
-    EXPECT_TRUE(find<QWidget>(*m_panel, u"greeting"_qs)->isVisible());
+    EXPECT_EQ(titles(), QStringList({QStringLiteral("New Chat*")}));
+    EXPECT_TRUE(find<QWidget>(*m_panel, QStringLiteral("greeting"))->isVisible());
     QTest::keyClick(m_list, Qt::Key_Escape);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(m_list);
@@ -84,15 +86,15 @@ TEST_F(ChatHistoryListViewTest, deletingLeavesTheListOpen) {
 TEST_F(ChatHistoryListViewTest, whileAQuestionRunsOnlyDeletingWorks) {
     openHistory();
     m_list->close();
-    ask(u"Wait"_qs);
-    press(button(u"newConversationButton"_qs));
+    ask(QStringLiteral("Wait"));
+    press(button(QStringLiteral("newConversationButton")));
     EXPECT_EQ(m_viewModel->turns().size(), 2U);
     openList();
     QTest::mouseClick(rows().at(1), Qt::LeftButton, {}, {40, 10});
     EXPECT_EQ(m_viewModel->turns().size(), 2U);
     openList();
     QTest::mouseClick(rows().at(0)->findChild<QToolButton*>(), Qt::LeftButton);
-    EXPECT_EQ(shownText(), u"Middle"_qs);
-    EXPECT_TRUE(m_panel->findChild<QWidget*>(u"typingIndicator"_qs));
-    reply(u"Late"_qs);
+    EXPECT_EQ(shownText(), QStringLiteral("Middle"));
+    EXPECT_TRUE(m_panel->findChild<QWidget*>(QStringLiteral("typingIndicator")));
+    reply(QStringLiteral("Late"));
 }

@@ -36,9 +36,9 @@ protected:
 };
 
 TEST_F(ContentViewTest, showsWhatTheDocumentCallsFor) {
-    const QUrl plain = TestPdf().write(m_folder.path(), u"plain.pdf"_qs);
-    const QUrl locked = TestPdf{.password = "key"}.write(m_folder.path(), u"locked.pdf"_qs);
-    const QUrl withoutPages = TestPdf{.pageCount = 0}.write(m_folder.path(), u"empty.pdf"_qs);
+    const QUrl plain = TestPdf().write(m_folder.path(), QStringLiteral("plain.pdf"));
+    const QUrl locked = TestPdf{.password = "key"}.write(m_folder.path(), QStringLiteral("locked.pdf"));
+    const QUrl withoutPages = TestPdf{.pageCount = 0}.write(m_folder.path(), QStringLiteral("empty.pdf"));
 
     EXPECT_EQ(content(*contentView(std::make_shared<PDFEditorDocument>())), "LandingView");
     EXPECT_EQ(content(*contentView(opened(withoutPages))), "LandingView");
@@ -50,7 +50,7 @@ TEST_F(ContentViewTest, showsWhatTheDocumentCallsFor) {
 }
 
 TEST_F(ContentViewTest, theWorkspaceLivesAsLongAsItsPDFDocument) {
-    const auto document = opened(TestPdf().write(m_folder.path(), u"a.pdf"_qs));
+    const auto document = opened(TestPdf().write(m_folder.path(), QStringLiteral("a.pdf")));
     const auto view = contentView(document);
     const QPointer<PDFEditorWorkspaceView> workspace = view->workspace();
     ASSERT_TRUE(workspace);
@@ -68,7 +68,7 @@ TEST_F(ContentViewTest, theWorkspaceLivesAsLongAsItsPDFDocument) {
 }
 
 TEST_F(ContentViewTest, withoutPagesItLandsAndWithPagesItWorksAgain) {
-    const auto document = opened(TestPdf{.pageCount = 1}.write(m_folder.path(), u"a.pdf"_qs));
+    const auto document = opened(TestPdf{.pageCount = 1}.write(m_folder.path(), QStringLiteral("a.pdf")));
     const auto view = contentView(document);
     const auto page = document->pdfDocument()->removePage(0);
     Q_EMIT document->objectWillChange();
@@ -80,27 +80,27 @@ TEST_F(ContentViewTest, withoutPagesItLandsAndWithPagesItWorksAgain) {
 }
 
 TEST_F(ContentViewTest, aWrongPasswordIsToldAndTheRightOneUnlocksInPlace) {
-    const auto document = opened(TestPdf{.password = "right"}.write(m_folder.path(), u"locked.pdf"_qs));
+    const auto document = opened(TestPdf{.password = "right"}.write(m_folder.path(), QStringLiteral("locked.pdf")));
     const auto view = contentView(document);
     show(*view);
     const auto* unlock = view->findChild<UnlockDocumentView*>();
     ASSERT_NE(unlock, nullptr);
-    auto* field = find<QLineEdit>(*view, u"password"_qs);
-    auto* line = find<QWidget>(*view, u"wrongPassword"_qs);
+    auto* field = find<QLineEdit>(*view, QStringLiteral("password"));
+    auto* line = find<QWidget>(*view, QStringLiteral("wrongPassword"));
     EXPECT_FALSE(line->isVisible());
     EXPECT_EQ(field->echoMode(), QLineEdit::Password);
 
-    QTest::keyClicks(field, u"wrong"_qs);
+    QTest::keyClicks(field, QStringLiteral("wrong"));
     QTest::keyClick(field, Qt::Key_Return);
     EXPECT_TRUE(unlock->wrongPassword());
     EXPECT_TRUE(line->isVisible());
-    EXPECT_EQ(field->text(), u"wrong"_qs);
+    EXPECT_EQ(field->text(), QStringLiteral("wrong"));
     EXPECT_TRUE(document->pdfDocument()->isLocked());
 
     const auto pdfDocument = document->pdfDocument();
     field->clear();
-    QTest::keyClicks(field, u"right"_qs);
-    QTest::mouseClick(find<QPushButton>(*view, u"unlock"_qs), Qt::LeftButton);
+    QTest::keyClicks(field, QStringLiteral("right"));
+    QTest::mouseClick(find<QPushButton>(*view, QStringLiteral("unlock")), Qt::LeftButton);
     EXPECT_EQ(content(*view), "PDFEditorWorkspaceView");
     EXPECT_EQ(document->pdfDocument(), pdfDocument);
     EXPECT_TRUE(document->wasPasswordProtected());
@@ -108,15 +108,16 @@ TEST_F(ContentViewTest, aWrongPasswordIsToldAndTheRightOneUnlocksInPlace) {
 }
 
 TEST_F(ContentViewTest, cancellingTheUnlockScreenAsksToClose) {
-    const auto view = contentView(opened(TestPdf{.password = "k"}.write(m_folder.path(), u"locked.pdf"_qs)));
+    const auto view =
+        contentView(opened(TestPdf{.password = "k"}.write(m_folder.path(), QStringLiteral("locked.pdf"))));
     show(*view);
     QSignalSpy closing(view.get(), &ContentView::closeRequested);
-    QTest::mouseClick(find<QPushButton>(*view, u"cancel"_qs), Qt::LeftButton);
+    QTest::mouseClick(find<QPushButton>(*view, QStringLiteral("cancel")), Qt::LeftButton);
     EXPECT_EQ(closing.count(), 1);
 }
 
 TEST_F(ContentViewTest, aFileOpenedInPlaceFillsTheUntitledDocument) {
-    const QUrl url = TestPdf{.password = "key"}.write(m_folder.path(), u"report.pdf"_qs);
+    const QUrl url = TestPdf{.password = "key"}.write(m_folder.path(), QStringLiteral("report.pdf"));
     const auto document = std::make_shared<PDFEditorDocument>();
     const auto view = contentView(document);
     QSignalSpy done(view.get(), &ContentView::openedInPlace);
@@ -127,10 +128,10 @@ TEST_F(ContentViewTest, aFileOpenedInPlaceFillsTheUntitledDocument) {
     EXPECT_TRUE(document->fileURL().isEmpty());
     EXPECT_EQ(done.count(), 0);
 
-    m_password = u"key"_qs;
+    m_password = QStringLiteral("key");
     view->openInPlace(url);
     EXPECT_EQ(content(*view), "PDFEditorWorkspaceView");
-    EXPECT_EQ(document->displayName(), u"report.pdf"_qs);
+    EXPECT_EQ(document->displayName(), QStringLiteral("report.pdf"));
     EXPECT_TRUE(document->wasPasswordProtected());
     EXPECT_FALSE(document->isDocumentEdited());
     EXPECT_EQ(done.count(), 1);
@@ -138,20 +139,20 @@ TEST_F(ContentViewTest, aFileOpenedInPlaceFillsTheUntitledDocument) {
 }
 
 TEST_F(ContentViewTest, whatCantBeOpenedInPlaceChangesNothing) {
-    QFile noPdf(m_folder.filePath(u"text.pdf"_qs));
+    QFile noPdf(m_folder.filePath(QStringLiteral("text.pdf")));
     ASSERT_TRUE(noPdf.open(QFile::WriteOnly));
     noPdf.write("Not a PDF at all.");
     noPdf.close();
     const auto document = std::make_shared<PDFEditorDocument>();
     const auto view = contentView(document);
-    for (const QString& name : {u"text.pdf"_qs, u"missing.pdf"_qs, u"."_qs}) {
+    for (const QString& name : {QStringLiteral("text.pdf"), QStringLiteral("missing.pdf"), QStringLiteral(".")}) {
         view->openInPlace(QUrl::fromLocalFile(m_folder.filePath(name)));
         EXPECT_EQ(content(*view), "LandingView") << name.toStdString();
         EXPECT_TRUE(document->fileURL().isEmpty());
     }
     EXPECT_TRUE(m_presenter.errors.isEmpty());
 
-    const auto other = opened(TestPdf().write(m_folder.path(), u"open.pdf"_qs));
+    const auto other = opened(TestPdf().write(m_folder.path(), QStringLiteral("open.pdf")));
     view->openInPlace(other->fileURL());
     EXPECT_EQ(content(*view), "LandingView") << "One file must not be two documents.";
     ASSERT_EQ(m_presenter.broughtForward.size(), 1U);

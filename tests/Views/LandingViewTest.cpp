@@ -43,26 +43,26 @@ protected:
 TEST_F(LandingViewTest, recentsAreShownOnlyWhenThereAreAnyAndCanBeCleared) {
     const auto without = landingView();
     show(*without);
-    EXPECT_FALSE(find<QWidget>(*without, u"recents"_qs)->isVisible());
+    EXPECT_FALSE(find<QWidget>(*without, QStringLiteral("recents"))->isVisible());
 
-    opened(TestPdf().write(m_folder.path(), u"first.pdf"_qs));
-    opened(TestPdf().write(m_folder.path(), u"second part.pdf"_qs));
+    opened(TestPdf().write(m_folder.path(), QStringLiteral("first.pdf")));
+    opened(TestPdf().write(m_folder.path(), QStringLiteral("second part.pdf")));
     const auto view = landingView();
     show(*view);
     ASSERT_EQ(cells(*view).size(), 2);
-    EXPECT_EQ(cells(*view).at(0)->text(), u"second part"_qs);
-    EXPECT_EQ(cells(*view).at(1)->text(), u"first"_qs);
+    EXPECT_EQ(cells(*view).at(0)->text(), QStringLiteral("second part"));
+    EXPECT_EQ(cells(*view).at(1)->text(), QStringLiteral("first"));
 
-    QTest::mouseClick(find<QPushButton>(*view, u"clearRecents"_qs), Qt::LeftButton);
+    QTest::mouseClick(find<QPushButton>(*view, QStringLiteral("clearRecents")), Qt::LeftButton);
     EXPECT_TRUE(cells(*view).isEmpty());
-    EXPECT_FALSE(find<QWidget>(*view, u"recents"_qs)->isVisible());
+    EXPECT_FALSE(find<QWidget>(*view, QStringLiteral("recents"))->isVisible());
     EXPECT_TRUE(m_controller.recentDocumentURLs().isEmpty());
 }
 
 TEST_F(LandingViewTest, aRecentFileShowsItsFirstPageAndOpensWithTheKeyboard) {
-    const QUrl url = TestPdf().write(m_folder.path(), u"paper.pdf"_qs);
+    const QUrl url = TestPdf().write(m_folder.path(), QStringLiteral("paper.pdf"));
     m_controller.noteNewRecentDocumentURL(url);
-    QFile broken(m_folder.filePath(u"broken.pdf"_qs));
+    QFile broken(m_folder.filePath(QStringLiteral("broken.pdf")));
     ASSERT_TRUE(broken.open(QFile::WriteOnly));
     broken.write("nothing");
     broken.close();
@@ -79,7 +79,7 @@ TEST_F(LandingViewTest, aRecentFileShowsItsFirstPageAndOpensWithTheKeyboard) {
     EXPECT_FALSE(ThumbnailCache::image(ThumbnailCache::recentKey(url.toLocalFile())).isNull());
 
     // From the card's button the cells can be reached with Tab.
-    find<QPushButton>(*view, u"selectFile"_qs)->setFocus();
+    find<QPushButton>(*view, QStringLiteral("selectFile"))->setFocus();
     for (int i = 0; i < 5 && !cell->hasFocus(); ++i)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     ASSERT_TRUE(cell->hasFocus());
@@ -88,7 +88,7 @@ TEST_F(LandingViewTest, aRecentFileShowsItsFirstPageAndOpensWithTheKeyboard) {
 }
 
 TEST_F(LandingViewTest, withoutAWindowToFillTheControllerOpensTheFile) {
-    const QUrl url = TestPdf().write(m_folder.path(), u"paper.pdf"_qs);
+    const QUrl url = TestPdf().write(m_folder.path(), QStringLiteral("paper.pdf"));
     m_controller.noteNewRecentDocumentURL(url);
     LandingView view(m_controller, {});
     show(view);
@@ -98,11 +98,11 @@ TEST_F(LandingViewTest, withoutAWindowToFillTheControllerOpensTheFile) {
 }
 
 TEST_F(LandingViewTest, theOpenPanelGivesOneFile) {
-    const QUrl url = TestPdf().write(m_folder.path(), u"chosen.pdf"_qs);
+    const QUrl url = TestPdf().write(m_folder.path(), QStringLiteral("chosen.pdf"));
     const auto view = landingView();
     show(*view);
-    QTest::mouseClick(find<QPushButton>(*view, u"selectFile"_qs), Qt::LeftButton);
-    auto* panel = find<QFileDialog>(*view, u"openPanel"_qs);
+    QTest::mouseClick(find<QPushButton>(*view, QStringLiteral("selectFile")), Qt::LeftButton);
+    auto* panel = find<QFileDialog>(*view, QStringLiteral("openPanel"));
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->fileMode(), QFileDialog::ExistingFile);
     panel->selectFile(url.toLocalFile());
@@ -111,13 +111,13 @@ TEST_F(LandingViewTest, theOpenPanelGivesOneFile) {
 }
 
 TEST_F(LandingViewTest, aDropFromATemporaryFolderOpensACopyThatStays) {
-    const QUrl dropped = TestPdf().write(m_folder.path(), u"Mail attachment.PDF"_qs);
-    const QUrl alsoDropped = TestPdf().write(m_folder.path(), u"second.pdf"_qs);
+    const QUrl dropped = TestPdf().write(m_folder.path(), QStringLiteral("Mail attachment.PDF"));
+    const QUrl alsoDropped = TestPdf().write(m_folder.path(), QStringLiteral("second.pdf"));
     QMimeData data;
     data.setUrls({dropped, alsoDropped});
     const auto view = landingView();
     show(*view);
-    const auto* card = find<OpenDocumentCard>(*view, u"openDocumentCard"_qs);
+    const auto* card = find<OpenDocumentCard>(*view, QStringLiteral("openDocumentCard"));
 
     hover(*view, data);
     EXPECT_TRUE(card->isDropTargeted());
@@ -129,7 +129,7 @@ TEST_F(LandingViewTest, aDropFromATemporaryFolderOpensACopyThatStays) {
     ASSERT_EQ(m_openedInPlace.size(), 1) << "Of several files the first opens.";
     const QUrl copy = m_openedInPlace.constFirst();
     EXPECT_NE(copy, dropped);
-    EXPECT_EQ(copy.fileName(), u"Mail attachment.PDF"_qs);
+    EXPECT_EQ(copy.fileName(), QStringLiteral("Mail attachment.PDF"));
     QFile file(copy.toLocalFile());
     ASSERT_TRUE(file.open(QFile::ReadOnly));
     EXPECT_EQ(file.readAll(), TestPdf().bytes());
@@ -140,7 +140,7 @@ TEST_F(LandingViewTest, whatIsNoPDFGoesToTheRouterAndWhatIsNoFileIsNotTaken) {
     FileOpenRouter::Destinations destinations;
     destinations.openImport = [&imported](const QUrl& url) { imported.append(url); };
     FileOpenRouter::setDestinations(std::move(destinations));
-    QFile text(m_folder.filePath(u"notes.txt"_qs));
+    QFile text(m_folder.filePath(QStringLiteral("notes.txt")));
     ASSERT_TRUE(text.open(QFile::WriteOnly));
     text.close();
     const auto view = landingView();
@@ -151,12 +151,12 @@ TEST_F(LandingViewTest, whatIsNoPDFGoesToTheRouterAndWhatIsNoFileIsNotTaken) {
     hover(*view, file);
     drop(*view, file);
     ASSERT_TRUE(QTest::qWaitFor([&imported] { return !imported.isEmpty(); }));
-    EXPECT_EQ(imported.constFirst().fileName(), u"notes.txt"_qs);
+    EXPECT_EQ(imported.constFirst().fileName(), QStringLiteral("notes.txt"));
 
     QMimeData address;
-    address.setUrls({QUrl(u"https://example.org/a.pdf"_qs)});
+    address.setUrls({QUrl(QStringLiteral("https://example.org/a.pdf"))});
     hover(*view, address);
-    EXPECT_FALSE(find<OpenDocumentCard>(*view, u"openDocumentCard"_qs)->isDropTargeted());
+    EXPECT_FALSE(find<OpenDocumentCard>(*view, QStringLiteral("openDocumentCard"))->isDropTargeted());
     drop(*view, address);
     QCoreApplication::processEvents();
     EXPECT_TRUE(m_openedInPlace.isEmpty());

@@ -15,18 +15,22 @@ namespace {
 
 struct Dump {
     QString operator()(const Block::Heading& heading) const {
-        return u"h%1<%2>"_qs.arg(heading.level).arg(heading.text);
+        return QStringLiteral("h%1<%2>").arg(heading.level).arg(heading.text);
     }
-    QString operator()(const Block::Paragraph& paragraph) const { return u"p<%1>"_qs.arg(paragraph.text); }
-    QString operator()(const Block::BulletList& list) const { return u"ul<%1>"_qs.arg(list.items.join(u'^')); }
-    QString operator()(const Block::NumberedList& list) const { return u"ol<%1>"_qs.arg(list.items.join(u'^')); }
-    QString operator()(const Block::CodeBlock& code) const { return u"code<%1>"_qs.arg(code.text); }
-    QString operator()(const Block::Blockquote& quote) const { return u"quote<%1>"_qs.arg(quote.text); }
+    QString operator()(const Block::Paragraph& paragraph) const { return QStringLiteral("p<%1>").arg(paragraph.text); }
+    QString operator()(const Block::BulletList& list) const {
+        return QStringLiteral("ul<%1>").arg(list.items.join(u'^'));
+    }
+    QString operator()(const Block::NumberedList& list) const {
+        return QStringLiteral("ol<%1>").arg(list.items.join(u'^'));
+    }
+    QString operator()(const Block::CodeBlock& code) const { return QStringLiteral("code<%1>").arg(code.text); }
+    QString operator()(const Block::Blockquote& quote) const { return QStringLiteral("quote<%1>").arg(quote.text); }
     QString operator()(const Block::Table& table) const {
         QStringList rows{table.header.join(u'^')};
         for (const QStringList& row : table.rows)
             rows.append(row.join(u'^'));
-        return u"table<%1>"_qs.arg(rows.join(u'/'));
+        return QStringLiteral("table<%1>").arg(rows.join(u'/'));
     }
 };
 
@@ -41,9 +45,9 @@ std::string dumpSegments(const QString& source) {
     QString dump;
     for (const MathSegment& segment : MathSegmentSplitter::split(source)) {
         if (const auto* math = std::get_if<MathSegment::Math>(&segment.content))
-            dump += (math->display ? u"D<"_qs : u"I<"_qs) + math->latex + u'>';
+            dump += (math->display ? QStringLiteral("D<") : QStringLiteral("I<")) + math->latex + u'>';
         else
-            dump += u"T<"_qs + std::get<MathSegment::Text>(segment.content).text + u'>';
+            dump += QStringLiteral("T<") + std::get<MathSegment::Text>(segment.content).text + u'>';
     }
     return dump.toStdString();
 }
@@ -59,8 +63,8 @@ std::string dumpRuns(const std::vector<InlineRun>& runs) {
             if (run.traits.testFlag(trait))
                 marks += letter;
         }
-        const QString link = run.link.isEmpty() ? QString() : u"@"_qs + run.link;
-        dump += run.image.isNull() ? marks + u'<' + run.text + u'>' + link : u"image<"_qs + run.text + u'>';
+        const QString link = run.link.isEmpty() ? QString() : QStringLiteral("@") + run.link;
+        dump += run.image.isNull() ? marks + u'<' + run.text + u'>' + link : QStringLiteral("image<") + run.text + u'>';
     }
     return dump.replace(u'\n', u'~').toStdString();
 }
@@ -126,7 +130,8 @@ TEST(MarkdownParserTest, blocks) {
 }
 
 TEST(MarkdownParserTest, cutAnywhereItIsStillRead) {
-    const QString reply = u"# a\n\n|x|y|\n|-|-|\n|1|2|\n\n> q\n\n1. n\n- b\n```c\ncode\n```\n$$x$$ **b** [l](u"_qs;
+    const QString reply =
+        QStringLiteral("# a\n\n|x|y|\n|-|-|\n|1|2|\n\n> q\n\n1. n\n- b\n```c\ncode\n```\n$$x$$ **b** [l](u");
     for (qsizetype length = 1; length <= reply.size(); ++length)
         EXPECT_FALSE(MarkdownParser::parse(reply.left(length)).empty()) << length;
 }
@@ -153,7 +158,7 @@ TEST(MathSegmentSplitterTest, segments) {
     };
     for (const Case& test : cases)
         EXPECT_EQ(dumpSegments(test.source.toString()), test.dump) << test.source.toString().toStdString();
-    EXPECT_EQ(MathSegmentSplitter::soleDisplayEquation(u"  $$b$$\n"), u"b"_qs);
+    EXPECT_EQ(MathSegmentSplitter::soleDisplayEquation(u"  $$b$$\n"), QStringLiteral("b"));
     for (const QStringView other : std::initializer_list<QStringView>{u"a$$b$$c", u"$b$", u"$$a$$ $$b$$", u"", u"b"})
         EXPECT_EQ(MathSegmentSplitter::soleDisplayEquation(other), std::nullopt);
 }
@@ -182,23 +187,24 @@ TEST(InlineMarkdownTest, runs) {
     for (const Case& test : cases)
         EXPECT_EQ(dumpRuns(InlineMarkdown(test.source.toString(), Qt::black).text()), test.dump)
             << test.source.toString().toStdString();
-    const QString withControls = u"a"_qs + QChar(0) + u"\r\f\vb*c*"_qs;
+    const QString withControls = QStringLiteral("a") + QChar(0) + QStringLiteral("\r\f\vb*c*");
     EXPECT_EQ(dumpRuns(InlineMarkdown(withControls, Qt::black).text()), "<ab>i<c>");
 }
 
 TEST(InlineMarkdownTest, aFormulaShowsItsImageOrItsSource) {
     QStringList asked;
     const MathImageSource images = [&asked](const QString& latex, double fontSize, const QColor& color) {
-        asked.append(u"%1 %2 %3"_qs.arg(latex).arg(fontSize).arg(color.name()));
-        return latex == u"bad"_qs ? QImage() : QImage(4, 4, QImage::Format_ARGB32);
+        asked.append(QStringLiteral("%1 %2 %3").arg(latex).arg(fontSize).arg(color.name()));
+        return latex == QStringLiteral("bad") ? QImage() : QImage(4, 4, QImage::Format_ARGB32);
     };
     EXPECT_EQ(dumpRuns(InlineMarkdown(u"a $x$ $$y$$ \\(bad\\)", Qt::red, images).text()),
               "<a >image<$x$>< >image<$$y$$>< ><bad>");
-    EXPECT_EQ(asked, QStringList({u"x 15 #ff0000"_qs, u"y 17 #ff0000"_qs, u"bad 15 #ff0000"_qs}));
+    EXPECT_EQ(asked, QStringList({QStringLiteral("x 15 #ff0000"), QStringLiteral("y 17 #ff0000"),
+                                  QStringLiteral("bad 15 #ff0000")}));
 }
 
 TEST(InlineMarkdownTest, whatIsTooLongToReadIsPlain) {
-    const QString text = u"**a** "_qs.repeated(InlineMarkdownParser::longestText / 6 + 1);
+    const QString text = QStringLiteral("**a** ").repeated(InlineMarkdownParser::longestText / 6 + 1);
     EXPECT_EQ(InlineMarkdownParser::parse(text), std::nullopt);
     const InlineMarkdown markdown(text, Qt::black);
     ASSERT_EQ(markdown.text().size(), 1U);

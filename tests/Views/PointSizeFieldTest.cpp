@@ -9,7 +9,7 @@
 class PointSizeFieldTest : public ViewTest {
 protected:
     void SetUp() override {
-        m_field = new PointSizeField({1, 30, 1}, u"Stroke width"_qs);
+        m_field = new PointSizeField({1, 30, 1}, QStringLiteral("Stroke width"));
         m_other = new QLineEdit;
         auto* layout = new QVBoxLayout(&m_window);
         layout->addWidget(m_field);
@@ -57,7 +57,7 @@ TEST_F(PointSizeFieldTest, aNumberAboveZeroIsMovedIntoTheRangeAndAllElseGivesWay
 }
 
 TEST_F(PointSizeFieldTest, arrowsStepWithinTheRangeAndWhatIsTypedCountsFirst) {
-    PointSizeField eraser({4, 100, 2}, u"Eraser size"_qs);
+    PointSizeField eraser({4, 100, 2}, QStringLiteral("Eraser size"));
     show(eraser);
     eraser.setFocus();
     QTest::keyClick(&eraser, Qt::Key_Up);
@@ -68,10 +68,10 @@ TEST_F(PointSizeFieldTest, arrowsStepWithinTheRangeAndWhatIsTypedCountsFirst) {
     QTest::mouseClick(&eraser, Qt::LeftButton, {}, QPoint(eraser.width() - 6, 5));
     EXPECT_EQ(eraser.value(), 6) << "The upper arrow.";
     eraser.selectAll();
-    QTest::keyClicks(&eraser, u"99"_qs);
+    QTest::keyClicks(&eraser, QStringLiteral("99"));
     QTest::keyClick(&eraser, Qt::Key_Up);
     EXPECT_EQ(eraser.value(), 100);
-    EXPECT_EQ(eraser.text(), u"100"_qs);
+    EXPECT_EQ(eraser.text(), QStringLiteral("100"));
 }
 
 TEST_F(PointSizeFieldTest, escapeTakesBackAndLeavingUntouchedCommitsNothing) {

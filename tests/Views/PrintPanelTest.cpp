@@ -20,11 +20,11 @@ protected:
     /// Presses "Print…" and chooses a file in the dialog.
     QPrintDialog* openDialog(const QString& path) {
         m_workspace->actions()->action(WorkspaceActions::Command::print)->trigger();
-        auto* dialog = m_workspace->findChild<QPrintDialog*>(u"printDialog"_qs);
+        auto* dialog = m_workspace->findChild<QPrintDialog*>(QStringLiteral("printDialog"));
         EXPECT_TRUE(dialog && QTest::qWaitForWindowExposed(dialog));
-        auto* printers = find<QComboBox>(*dialog, u"printers"_qs);
+        auto* printers = find<QComboBox>(*dialog, QStringLiteral("printers"));
         printers->setCurrentIndex(printers->count() - 1); // behind this machine's printers comes the one to a file
-        auto* file = find<QLineEdit>(*dialog, u"filename"_qs);
+        auto* file = find<QLineEdit>(*dialog, QStringLiteral("filename"));
         EXPECT_TRUE(file->isEnabled());
         file->setText(path);
         return dialog;
@@ -53,12 +53,12 @@ TEST_F(PrintPanelTest, printsTheChosenPagesToAFileAsTheyAre) {
     m_view->goToPage(m_document->pdfDocument()->page(1));
     int number = 0;
     for (const auto& each : cases) {
-        const QString path = m_folder.filePath(u"printed %1.pdf"_qs.arg(++number));
+        const QString path = m_folder.filePath(QStringLiteral("printed %1.pdf").arg(++number));
         QPrintDialog* dialog = openDialog(path);
         find<QRadioButton>(*dialog, QLatin1String(each.choice))->setChecked(true);
         if (*each.range)
-            find<QLineEdit>(*dialog, u"pagesLineEdit"_qs)->setText(QLatin1String(each.range));
-        find<QCheckBox>(*dialog, u"printsAnnotations"_qs)->setChecked(each.annotations);
+            find<QLineEdit>(*dialog, QStringLiteral("pagesLineEdit"))->setText(QLatin1String(each.range));
+        find<QCheckBox>(*dialog, QStringLiteral("printsAnnotations"))->setChecked(each.annotations);
         dialog->accept();
         const QByteArray pdf = printed(path);
         EXPECT_EQ(PdfPrograms::text(pdf).simplified().toStdString(), each.words);
@@ -70,7 +70,7 @@ TEST_F(PrintPanelTest, printsTheChosenPagesToAFileAsTheyAre) {
 
 TEST_F(PrintPanelTest, cancellingAndClosingTheWindowLeaveNothingBehind) {
     openWorkspace({.pageCount = 2});
-    const QString path = m_folder.filePath(u"printed.pdf"_qs);
+    const QString path = m_folder.filePath(QStringLiteral("printed.pdf"));
     openDialog(path)->reject();
     QTest::qWait(0);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -13,7 +13,7 @@ namespace {
 LostDocument lost(const QString& id, const QString& path, LostDocument::Original original, int pageCount) {
     LostDocument document;
     document.id = id;
-    document.description.displayName = path.isEmpty() ? u"Untitled 2"_qs : QFileInfo(path).fileName();
+    document.description.displayName = path.isEmpty() ? QStringLiteral("Untitled 2") : QFileInfo(path).fileName();
     document.description.originalPath = path;
     document.description.writeTime = QDateTime::currentDateTime().addSecs(-130);
     document.description.pageCount = pageCount;
@@ -24,13 +24,15 @@ LostDocument lost(const QString& id, const QString& path, LostDocument::Original
 class RecoveryWindowTest : public ViewTest {
 protected:
     void SetUp() override {
-        LostDocument pictured = lost(u"a"_qs, u"/home/me/Plans/plan.pdf"_qs, LostDocument::Original::unchanged, 12);
+        LostDocument pictured =
+            lost(QStringLiteral("a"), QStringLiteral("/home/me/Plans/plan.pdf"), LostDocument::Original::unchanged, 12);
         pictured.picture = QImage(20, 30, QImage::Format_RGB32);
         pictured.picture.fill(Qt::blue);
         m_window = std::make_unique<RecoveryWindow>(std::vector<LostDocument>{
-            pictured, lost(u"b"_qs, u"/home/me/<b>bold.pdf"_qs, LostDocument::Original::changed, 1),
-            lost(u"c"_qs, u"/home/me/gone.pdf"_qs, LostDocument::Original::missing, 3),
-            lost(u"d"_qs, {}, LostDocument::Original::none, 2)});
+            pictured,
+            lost(QStringLiteral("b"), QStringLiteral("/home/me/<b>bold.pdf"), LostDocument::Original::changed, 1),
+            lost(QStringLiteral("c"), QStringLiteral("/home/me/gone.pdf"), LostDocument::Original::missing, 3),
+            lost(QStringLiteral("d"), {}, LostDocument::Original::none, 2)});
         connect();
         m_window->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
@@ -64,7 +66,7 @@ protected:
 
     /// Answers the question that is shown with its button of that name.
     void answer(const QString& button) {
-        auto* question = find<QMessageBox>(*m_window, u"deleteQuestion"_qs);
+        auto* question = find<QMessageBox>(*m_window, QStringLiteral("deleteQuestion"));
         ASSERT_TRUE(QTest::qWaitForWindowActive(question));
         click(*question, button);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -76,19 +78,19 @@ protected:
 };
 
 TEST_F(RecoveryWindowTest, tellsWhatIsKnownOfEachDocument) {
-    EXPECT_EQ(text(u"a"_qs, u"name"_qs), u"plan.pdf"_qs);
-    EXPECT_EQ(text(u"a"_qs, u"place"_qs), u"/home/me/Plans"_qs);
-    EXPECT_EQ(text(u"a"_qs, u"facts"_qs), u"2 min. ago · 12 pages"_qs);
-    EXPECT_EQ(text(u"a"_qs, u"notice"_qs), QString());
-    EXPECT_EQ(text(u"b"_qs, u"name"_qs), u"<b>bold.pdf"_qs);
-    EXPECT_TRUE(text(u"b"_qs, u"facts"_qs).endsWith(u"1 page"_qs));
-    EXPECT_TRUE(text(u"b"_qs, u"notice"_qs).contains(u"has changed since"_qs));
-    EXPECT_TRUE(text(u"c"_qs, u"notice"_qs).contains(u"is gone"_qs));
-    EXPECT_EQ(text(u"d"_qs, u"place"_qs), u"It has never been saved."_qs);
+    EXPECT_EQ(text(QStringLiteral("a"), QStringLiteral("name")), QStringLiteral("plan.pdf"));
+    EXPECT_EQ(text(QStringLiteral("a"), QStringLiteral("place")), QStringLiteral("/home/me/Plans"));
+    EXPECT_EQ(text(QStringLiteral("a"), QStringLiteral("facts")), QStringLiteral("2 min. ago · 12 pages"));
+    EXPECT_EQ(text(QStringLiteral("a"), QStringLiteral("notice")), QString());
+    EXPECT_EQ(text(QStringLiteral("b"), QStringLiteral("name")), QStringLiteral("<b>bold.pdf"));
+    EXPECT_TRUE(text(QStringLiteral("b"), QStringLiteral("facts")).endsWith(QStringLiteral("1 page")));
+    EXPECT_TRUE(text(QStringLiteral("b"), QStringLiteral("notice")).contains(QStringLiteral("has changed since")));
+    EXPECT_TRUE(text(QStringLiteral("c"), QStringLiteral("notice")).contains(QStringLiteral("is gone")));
+    EXPECT_EQ(text(QStringLiteral("d"), QStringLiteral("place")), QStringLiteral("It has never been saved."));
 
-    const QImage shown = find<QLabel>(*row(u"a"_qs), u"picture"_qs)->grab().toImage();
+    const QImage shown = find<QLabel>(*row(QStringLiteral("a")), QStringLiteral("picture"))->grab().toImage();
     EXPECT_EQ(shown.pixelColor(shown.rect().center()), QColor(Qt::blue));
-    const QImage paper = find<QLabel>(*row(u"d"_qs), u"picture"_qs)->grab().toImage();
+    const QImage paper = find<QLabel>(*row(QStringLiteral("d")), QStringLiteral("picture"))->grab().toImage();
     EXPECT_EQ(paper.pixelColor(paper.rect().center()), QColor(Qt::white));
     for (const QWidget* widget : m_window->findChildren<QPushButton*>())
         EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
@@ -96,49 +98,50 @@ TEST_F(RecoveryWindowTest, tellsWhatIsKnownOfEachDocument) {
 
 TEST_F(RecoveryWindowTest, recoversOneOnceAndClosesWithTheLast) {
     QSignalSpy finished(m_window.get(), &QDialog::finished);
-    click(*row(u"b"_qs), u"recover"_qs);
-    click(*row(u"b"_qs), u"recover"_qs);
-    click(*row(u"b"_qs), u"delete"_qs);
-    EXPECT_EQ(m_recovered, u"b"_qs) << "it is being recovered";
+    click(*row(QStringLiteral("b")), QStringLiteral("recover"));
+    click(*row(QStringLiteral("b")), QStringLiteral("recover"));
+    click(*row(QStringLiteral("b")), QStringLiteral("delete"));
+    EXPECT_EQ(m_recovered, QStringLiteral("b")) << "it is being recovered";
     EXPECT_EQ(m_window->findChild<QMessageBox*>(), nullptr);
-    m_window->removeDocument(u"b"_qs);
-    EXPECT_EQ(row(u"b"_qs), nullptr);
+    m_window->removeDocument(QStringLiteral("b"));
+    EXPECT_EQ(row(QStringLiteral("b")), nullptr);
 
     // Return does what the window is for, and leaves out what can't be recovered.
-    m_window->showFailure(u"c"_qs, u"It is damaged."_qs);
+    m_window->showFailure(QStringLiteral("c"), QStringLiteral("It is damaged."));
     QTest::keyClick(m_window.get(), Qt::Key_Return);
-    EXPECT_EQ(m_recovered, u"bda"_qs);
-    m_window->removeDocument(u"a"_qs);
-    m_window->removeDocument(u"d"_qs);
-    EXPECT_EQ(text(u"c"_qs, u"notice"_qs), u"It can't be recovered. It is damaged."_qs);
-    EXPECT_FALSE(find<QPushButton>(*row(u"c"_qs), u"recover"_qs)->isEnabled());
-    EXPECT_FALSE(find<QPushButton>(*m_window, u"recoverAll"_qs)->isEnabled());
+    EXPECT_EQ(m_recovered, QStringLiteral("bda"));
+    m_window->removeDocument(QStringLiteral("a"));
+    m_window->removeDocument(QStringLiteral("d"));
+    EXPECT_EQ(text(QStringLiteral("c"), QStringLiteral("notice")),
+              QStringLiteral("It can't be recovered. It is damaged."));
+    EXPECT_FALSE(find<QPushButton>(*row(QStringLiteral("c")), QStringLiteral("recover"))->isEnabled());
+    EXPECT_FALSE(find<QPushButton>(*m_window, QStringLiteral("recoverAll"))->isEnabled());
     EXPECT_EQ(finished.size(), 0);
-    click(*row(u"c"_qs), u"delete"_qs);
-    answer(u"confirmDelete"_qs);
-    EXPECT_EQ(m_deleted, u"c"_qs);
+    click(*row(QStringLiteral("c")), QStringLiteral("delete"));
+    answer(QStringLiteral("confirmDelete"));
+    EXPECT_EQ(m_deleted, QStringLiteral("c"));
     EXPECT_EQ(finished.size(), 1);
     EXPECT_FALSE(m_window->isVisible());
 }
 
 TEST_F(RecoveryWindowTest, deletesAfterAQuestionOnly) {
-    click(*row(u"a"_qs), u"delete"_qs);
-    answer(u"cancelDelete"_qs);
+    click(*row(QStringLiteral("a")), QStringLiteral("delete"));
+    answer(QStringLiteral("cancelDelete"));
     EXPECT_TRUE(m_deleted.isEmpty());
-    click(*m_window, u"deleteAll"_qs);
-    QTest::keyClick(find<QMessageBox>(*m_window, u"deleteQuestion"_qs), Qt::Key_Escape);
+    click(*m_window, QStringLiteral("deleteAll"));
+    QTest::keyClick(find<QMessageBox>(*m_window, QStringLiteral("deleteQuestion")), Qt::Key_Escape);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(m_deleted.isEmpty());
 
-    click(*row(u"b"_qs), u"recover"_qs);
-    click(*m_window, u"deleteAll"_qs);
-    answer(u"confirmDelete"_qs);
-    EXPECT_EQ(m_deleted, u"acd"_qs) << "not the one that is being recovered";
+    click(*row(QStringLiteral("b")), QStringLiteral("recover"));
+    click(*m_window, QStringLiteral("deleteAll"));
+    answer(QStringLiteral("confirmDelete"));
+    EXPECT_EQ(m_deleted, QStringLiteral("acd")) << "not the one that is being recovered";
 }
 
 TEST_F(RecoveryWindowTest, closingDecidesNothing) {
     QSignalSpy finished(m_window.get(), &QDialog::finished);
-    click(*m_window, u"notNow"_qs);
+    click(*m_window, QStringLiteral("notNow"));
     EXPECT_EQ(finished.size(), 1);
     EXPECT_TRUE(m_recovered.isEmpty() && m_deleted.isEmpty());
 }

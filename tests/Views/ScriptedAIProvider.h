@@ -20,7 +20,7 @@ public:
 
     QCoro::Task<AIAgentTurn> send(std::vector<AIMessage> history, std::vector<AssistantTool>, QString system,
                                   AIModelPreference preference) override {
-        if (system.startsWith(u"You write short"_qs))
+        if (system.startsWith(QStringLiteral("You write short")))
             throw std::runtime_error("No titles here.");
         auto promise = std::make_shared<QPromise<QString>>();
         promise->start();

@@ -14,14 +14,14 @@ protected:
         m_settings = std::make_unique<SettingsView>(m_defaults, std::move(viewer));
         m_settings->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(m_settings.get()));
-        m_url = find<QLineEdit>(*m_settings, u"apiURL"_qs);
-        m_key = find<QLineEdit>(*m_settings, u"apiKey"_qs);
+        m_url = find<QLineEdit>(*m_settings, QStringLiteral("apiURL"));
+        m_key = find<QLineEdit>(*m_settings, QStringLiteral("apiKey"));
     }
 
     void press(const QString& name) const { QTest::mouseClick(find<QPushButton>(*m_settings, name), Qt::LeftButton); }
-    QString status() const { return find<SymbolLabel>(*m_settings, u"status"_qs)->text(); }
-    QString statusSymbol() const { return find<SymbolLabel>(*m_settings, u"status"_qs)->symbolName(); }
-    bool saysSaved() const { return find<SymbolLabel>(*m_settings, u"saved"_qs)->isVisible(); }
+    QString status() const { return find<SymbolLabel>(*m_settings, QStringLiteral("status"))->text(); }
+    QString statusSymbol() const { return find<SymbolLabel>(*m_settings, QStringLiteral("status"))->symbolName(); }
+    bool saysSaved() const { return find<SymbolLabel>(*m_settings, QStringLiteral("saved"))->isVisible(); }
     static void type(QLineEdit* field, const QString& text) {
         field->setFocus();
         field->selectAll();
@@ -29,9 +29,9 @@ protected:
         QTest::keyClicks(field, text);
     }
 
-    const QString m_builtIn = u"Using Quillo's built-in AI — no key needed"_qs;
-    const QString m_own = u"Using your own API key"_qs;
-    const QString m_none = u"No active configuration"_qs;
+    const QString m_builtIn = QStringLiteral("Using Quillo's built-in AI — no key needed");
+    const QString m_own = QStringLiteral("Using your own API key");
+    const QString m_none = QStringLiteral("No active configuration");
     std::unique_ptr<SettingsView> m_settings;
     QLineEdit* m_url = nullptr;
     QLineEdit* m_key = nullptr;
@@ -40,55 +40,57 @@ protected:
 TEST_F(SettingsViewTest, theStatusFollowsKeysAndFields) {
     openSettings();
     EXPECT_EQ(m_url->text(), APIKeyStore::defaultURL());
-    EXPECT_EQ(m_url->placeholderText(), u"Enter API URL..."_qs);
-    EXPECT_EQ(m_key->placeholderText(), u"Enter API Key..."_qs);
+    EXPECT_EQ(m_url->placeholderText(), QStringLiteral("Enter API URL..."));
+    EXPECT_EQ(m_key->placeholderText(), QStringLiteral("Enter API Key..."));
     EXPECT_EQ(m_key->echoMode(), QLineEdit::Password);
     EXPECT_EQ(status(), m_builtIn);
-    EXPECT_EQ(statusSymbol(), u"checkmark.circle.fill"_qs);
+    EXPECT_EQ(statusSymbol(), QStringLiteral("checkmark.circle.fill"));
     EXPECT_FALSE(saysSaved());
 
-    type(m_key, u"  "_qs);
+    type(m_key, QStringLiteral("  "));
     EXPECT_EQ(status(), m_builtIn) << "Blanks are no key.";
-    type(m_key, u"secret"_qs);
+    type(m_key, QStringLiteral("secret"));
     EXPECT_EQ(status(), m_none);
-    EXPECT_EQ(statusSymbol(), u"info.circle"_qs);
-    type(m_url, u"not a url"_qs);
-    press(u"save"_qs);
+    EXPECT_EQ(statusSymbol(), QStringLiteral("info.circle"));
+    type(m_url, QStringLiteral("not a url"));
+    press(QStringLiteral("save"));
     EXPECT_EQ(status(), m_own);
     EXPECT_TRUE(saysSaved());
-    EXPECT_EQ(m_defaults.stringForKey(u"quillo.customAPIURL"_qs), u"not a url"_qs);
-    EXPECT_EQ(m_defaults.stringListForKey(u"quillo.ollamaAPIKeyPool"_qs), QStringList{u"secret"_qs});
-    type(m_url, u"http://127.0.0.1/"_qs);
+    EXPECT_EQ(m_defaults.stringForKey(QStringLiteral("quillo.customAPIURL")), QStringLiteral("not a url"));
+    EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.ollamaAPIKeyPool")),
+              QStringList{QStringLiteral("secret")});
+    type(m_url, QStringLiteral("http://127.0.0.1/"));
     EXPECT_FALSE(saysSaved());
     EXPECT_EQ(status(), m_own);
 
     openSettings();
     EXPECT_EQ(status(), m_own);
-    EXPECT_EQ(m_url->text(), u"not a url"_qs);
+    EXPECT_EQ(m_url->text(), QStringLiteral("not a url"));
     EXPECT_TRUE(m_key->text().isEmpty());
-    type(m_key, u"another"_qs);
+    type(m_key, QStringLiteral("another"));
     QTest::keyClick(m_key, Qt::Key_Return);
-    EXPECT_EQ(m_defaults.stringListForKey(u"quillo.ollamaAPIKeyPool"_qs), QStringList({u"secret"_qs, u"another"_qs}));
+    EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.ollamaAPIKeyPool")),
+              QStringList({QStringLiteral("secret"), QStringLiteral("another")}));
 }
 
 TEST_F(SettingsViewTest, theBuiltInServiceLeavesNoKeyBehind) {
-    m_defaults.setStringList(u"quillo.groqAPIKeyPool"_qs, {u"g"_qs});
-    m_defaults.setString(u"vellumark.ollamaAPIKey"_qs, u"old"_qs);
-    m_defaults.setString(u"quillo.customAPIURL"_qs, u"http://127.0.0.1/"_qs);
+    m_defaults.setStringList(QStringLiteral("quillo.groqAPIKeyPool"), {QStringLiteral("g")});
+    m_defaults.setString(QStringLiteral("vellumark.ollamaAPIKey"), QStringLiteral("old"));
+    m_defaults.setString(QStringLiteral("quillo.customAPIURL"), QStringLiteral("http://127.0.0.1/"));
     openSettings();
     EXPECT_EQ(status(), m_own);
-    type(m_key, u"typed"_qs);
-    press(u"useBuiltInAI"_qs);
+    type(m_key, QStringLiteral("typed"));
+    press(QStringLiteral("useBuiltInAI"));
     EXPECT_EQ(status(), m_builtIn);
     EXPECT_TRUE(saysSaved());
     EXPECT_TRUE(m_key->text().isEmpty());
     EXPECT_EQ(m_url->text(), APIKeyStore::defaultURL());
-    EXPECT_EQ(m_defaults.stringForKey(u"quillo.customAPIURL"_qs), APIKeyStore::defaultURL());
+    EXPECT_EQ(m_defaults.stringForKey(QStringLiteral("quillo.customAPIURL")), APIKeyStore::defaultURL());
     for (const char* key : {"quillo.ollamaAPIKeyPool", "vellumark.ollamaAPIKey", "quillo.groqAPIKeyPool"})
         EXPECT_FALSE(m_defaults.contains(QLatin1String(key))) << key;
 
     // An empty key that is saved counts as one, as the store sees it.
-    press(u"save"_qs);
+    press(QStringLiteral("save"));
     openSettings();
     EXPECT_EQ(status(), m_own);
 }
@@ -104,28 +106,28 @@ TEST_F(SettingsViewTest, theDefaultViewerIsShownAndSet) {
         completion(accepts);
     };
     openSettings(viewer);
-    auto* set = find<QPushButton>(*m_settings, u"setAsDefault"_qs);
-    auto* isDefault = find<SymbolLabel>(*m_settings, u"isDefault"_qs);
-    EXPECT_EQ(set->text(), u"Set as Default"_qs);
-    press(u"setAsDefault"_qs);
+    auto* set = find<QPushButton>(*m_settings, QStringLiteral("setAsDefault"));
+    auto* isDefault = find<SymbolLabel>(*m_settings, QStringLiteral("isDefault"));
+    EXPECT_EQ(set->text(), QStringLiteral("Set as Default"));
+    press(QStringLiteral("setAsDefault"));
     EXPECT_TRUE(set->isVisible());
-    EXPECT_TRUE(find<QLabel>(*m_settings, u"defaultRefused"_qs)->isVisible());
+    EXPECT_TRUE(find<QLabel>(*m_settings, QStringLiteral("defaultRefused"))->isVisible());
     accepts = true;
-    press(u"setAsDefault"_qs);
+    press(QStringLiteral("setAsDefault"));
     EXPECT_EQ(asked, 2);
     EXPECT_FALSE(set->isVisible());
     EXPECT_TRUE(isDefault->isVisible());
-    EXPECT_EQ(isDefault->text(), u"Quillo is your default"_qs);
-    EXPECT_FALSE(find<QLabel>(*m_settings, u"defaultRefused"_qs)->isVisible());
+    EXPECT_EQ(isDefault->text(), QStringLiteral("Quillo is your default"));
+    EXPECT_FALSE(find<QLabel>(*m_settings, QStringLiteral("defaultRefused"))->isVisible());
 
     viewer.isDefault = [](const std::function<void(bool)>& answer) { answer(true); };
     openSettings(viewer);
-    EXPECT_TRUE(find<SymbolLabel>(*m_settings, u"isDefault"_qs)->isVisible());
+    EXPECT_TRUE(find<SymbolLabel>(*m_settings, QStringLiteral("isDefault"))->isVisible());
 
     viewer.isDefault = [](const std::function<void(bool)>& answer) { answer(false); };
     viewer.canBeSet = false;
     openSettings(viewer);
-    EXPECT_FALSE(find<QPushButton>(*m_settings, u"setAsDefault"_qs)->isEnabled());
+    EXPECT_FALSE(find<QPushButton>(*m_settings, QStringLiteral("setAsDefault"))->isEnabled());
 
     // The desktop may answer after the window is gone.
     std::function<void(bool)> late;

@@ -22,15 +22,15 @@ protected:
     SignatureStore& store() const { return *m_toolState->signatureStore(); }
 
     SignaturePickerView* openPicker() {
-        press(u"signature"_qs);
-        auto* picker = find<SignaturePickerView>(*m_workspace, u"signaturePicker"_qs);
+        press(QStringLiteral("signature"));
+        auto* picker = find<SignaturePickerView>(*m_workspace, QStringLiteral("signaturePicker"));
         EXPECT_TRUE(picker && picker->isVisible());
         return picker;
     }
 
     SignaturePadSheet* openSheet() {
-        QTest::mouseClick(find<QPushButton>(*openPicker(), u"newSignature"_qs), Qt::LeftButton);
-        auto* sheet = find<SignaturePadSheet>(*m_workspace, u"signaturePadSheet"_qs);
+        QTest::mouseClick(find<QPushButton>(*openPicker(), QStringLiteral("newSignature")), Qt::LeftButton);
+        auto* sheet = find<SignaturePadSheet>(*m_workspace, QStringLiteral("signaturePadSheet"));
         EXPECT_TRUE(QTest::qWaitForWindowActive(sheet));
         return sheet;
     }
@@ -55,15 +55,15 @@ TEST_F(SignatureViewsTest, whatIsDrawnIsSavedTrimmedAndActive) {
         if (label->isVisible())
             texts << label->text();
     }
-    EXPECT_EQ(texts, (QStringList{u"Signatures"_qs, u"No saved signatures yet."_qs}));
+    EXPECT_EQ(texts, (QStringList{QStringLiteral("Signatures"), QStringLiteral("No saved signatures yet.")}));
     QTest::keyClick(picker, Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([&] { return picker.isNull(); }));
 
     for (int i = 1; i <= 2; ++i) {
         QPointer<SignaturePadSheet> sheet = openSheet();
-        auto* pad = find<SignaturePad>(*sheet, u"signaturePad"_qs);
+        auto* pad = find<SignaturePad>(*sheet, QStringLiteral("signaturePad"));
         EXPECT_EQ(pad->size(), QSize(420, 180));
-        auto* save = find<QPushButton>(*sheet, u"saveSignature"_qs);
+        auto* save = find<QPushButton>(*sheet, QStringLiteral("saveSignature"));
         EXPECT_FALSE(save->isEnabled());
         draw(*pad, {{100, 60}, {150, 60}, {200, 60}});
         EXPECT_TRUE(save->isEnabled());
@@ -85,16 +85,16 @@ TEST_F(SignatureViewsTest, whatIsDrawnIsSavedTrimmedAndActive) {
 
 TEST_F(SignatureViewsTest, aDotHasNoInkSoTheSheetStaysOpen) {
     QPointer<SignaturePadSheet> sheet = openSheet();
-    auto* pad = find<SignaturePad>(*sheet, u"signaturePad"_qs);
+    auto* pad = find<SignaturePad>(*sheet, QStringLiteral("signaturePad"));
     QTest::mouseClick(pad, Qt::LeftButton, {}, {50, 50});
     EXPECT_FALSE(pad->strokes().isEmpty());
-    click(*sheet, u"saveSignature"_qs);
+    click(*sheet, QStringLiteral("saveSignature"));
     ASSERT_TRUE(sheet && sheet->isVisible());
     EXPECT_TRUE(store().signatures().empty());
 
-    click(*sheet, u"clearSignature"_qs);
+    click(*sheet, QStringLiteral("clearSignature"));
     EXPECT_TRUE(pad->strokes().isEmpty());
-    EXPECT_FALSE(find<QPushButton>(*sheet, u"saveSignature"_qs)->isEnabled());
+    EXPECT_FALSE(find<QPushButton>(*sheet, QStringLiteral("saveSignature"))->isEnabled());
     QTest::mouseClick(pad, Qt::RightButton, {}, {50, 50});
     EXPECT_TRUE(pad->strokes().isEmpty());
 
@@ -106,9 +106,9 @@ TEST_F(SignatureViewsTest, aDotHasNoInkSoTheSheetStaysOpen) {
 
 TEST_F(SignatureViewsTest, aPenDrawsAndTheEdgeCutsTheMarginShort) {
     QPointer<SignaturePadSheet> sheet = openSheet();
-    auto* pad = find<SignaturePad>(*sheet, u"signaturePad"_qs);
-    const QPointingDevice pen(u"pen"_qs, 77, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
-                              QInputDevice::Capability::Position, 1, 2);
+    auto* pad = find<SignaturePad>(*sheet, QStringLiteral("signaturePad"));
+    const QPointingDevice pen(QStringLiteral("pen"), 77, QInputDevice::DeviceType::Stylus,
+                              QPointingDevice::PointerType::Pen, QInputDevice::Capability::Position, 1, 2);
     const auto send = [&](QEvent::Type type, QPointF point, Qt::MouseButton button, Qt::MouseButtons buttons) {
         QTabletEvent event(type, &pen, point, pad->mapToGlobal(point), 0.5, 0, 0, 0, 0, 0, {}, button, buttons);
         QCoreApplication::sendEvent(pad, &event);
@@ -119,7 +119,7 @@ TEST_F(SignatureViewsTest, aPenDrawsAndTheEdgeCutsTheMarginShort) {
     send(QEvent::TabletMove, {1, 60}, Qt::NoButton, Qt::LeftButton);
     send(QEvent::TabletMove, {1, 100}, Qt::NoButton, Qt::LeftButton);
     send(QEvent::TabletRelease, {1, 100}, Qt::LeftButton, Qt::NoButton);
-    click(*sheet, u"saveSignature"_qs);
+    click(*sheet, QStringLiteral("saveSignature"));
     ASSERT_EQ(store().signatures().size(), 1U);
     EXPECT_NEAR(store().activeImage()->width(), 5 + 6, 1);
     EXPECT_NEAR(store().activeImage()->height(), 2 * 83 + 12, 2);
@@ -133,23 +133,23 @@ TEST_F(SignatureViewsTest, tilesChooseAndDelete) {
     }
     const auto ids = store().signatures();
     QPointer<SignaturePickerView> picker = openPicker();
-    EXPECT_TRUE(find<SignatureTile>(*picker, u"signature3"_qs)->isChecked());
-    click(*picker, u"signature2"_qs);
+    EXPECT_TRUE(find<SignatureTile>(*picker, QStringLiteral("signature3"))->isChecked());
+    click(*picker, QStringLiteral("signature2"));
     EXPECT_EQ(store().activeID(), ids[1].id);
     EXPECT_TRUE(QTest::qWaitFor([&] { return picker.isNull(); }));
 
     picker = openPicker(); // the tool is the present one already
-    click(*picker, u"deleteSignature2"_qs);
+    click(*picker, QStringLiteral("deleteSignature2"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     ASSERT_EQ(store().signatures().size(), 2U);
     EXPECT_TRUE(picker->isVisible());
     EXPECT_EQ(store().activeID(), ids[0].id);
-    EXPECT_TRUE(find<SignatureTile>(*picker, u"signature1"_qs)->isChecked());
-    auto* last = find<SignatureTile>(*picker, u"signature2"_qs);
+    EXPECT_TRUE(find<SignatureTile>(*picker, QStringLiteral("signature1"))->isChecked());
+    auto* last = find<SignatureTile>(*picker, QStringLiteral("signature2"));
     last->setFocus();
     QTest::keyClick(last, Qt::Key_Delete);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    click(*picker, u"deleteSignature1"_qs);
+    click(*picker, QStringLiteral("deleteSignature1"));
     EXPECT_FALSE(store().activeImage());
     QTest::keyClick(picker, Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([&] { return picker.isNull(); }));

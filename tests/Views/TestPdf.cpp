@@ -10,7 +10,7 @@
 QByteArray TestPdf::bytes() const {
     PdfFixture fixture;
     for (int page = 0; page < pageCount; ++page)
-        fixture.addPage({u"Page %1"_qs.arg(page + 1)});
+        fixture.addPage({QStringLiteral("Page %1").arg(page + 1)});
     if (!linkAddress.isEmpty())
         fixture.addUriLink(0, QRectF(0, 0, 612, 396), linkAddress);
     if (!password.isEmpty())

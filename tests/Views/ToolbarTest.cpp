@@ -22,7 +22,7 @@ static QString visibleOptions(const QWidget& workspace) {
 
 TEST_F(WorkspaceTest, everyToolHasItsKeyButtonNoticeAndOptions) {
     openWorkspace({});
-    const QString shapes = u"customColorButton strokeWidth"_qs;
+    const QString shapes = QStringLiteral("customColorButton strokeWidth");
     const struct {
         AnnotationTool tool;
         Qt::Key key;
@@ -32,12 +32,13 @@ TEST_F(WorkspaceTest, everyToolHasItsKeyButtonNoticeAndOptions) {
         {AnnotationTool::ink, Qt::Key_2, "Switched to Draw Tool", shapes},
         {AnnotationTool::rectangle, Qt::Key_3, "Switched to Rectangle Tool", shapes},
         {AnnotationTool::oval, Qt::Key_4, "Switched to Oval Tool", shapes},
-        {AnnotationTool::line, Qt::Key_5, "Switched to Line Tool", shapes + u" lineEndStyleButton"_qs},
-        {AnnotationTool::textBox, Qt::Key_6, "Switched to Text Box Tool", u"customColorButton fontChoice fontSize"_qs},
+        {AnnotationTool::line, Qt::Key_5, "Switched to Line Tool", shapes + QStringLiteral(" lineEndStyleButton")},
+        {AnnotationTool::textBox, Qt::Key_6, "Switched to Text Box Tool",
+         QStringLiteral("customColorButton fontChoice fontSize")},
         {AnnotationTool::note, Qt::Key_7, "Switched to Note Tool", shapes},
-        {AnnotationTool::eraser, Qt::Key_8, "Switched to Eraser Tool", u"eraserSize eraserMode"_qs},
+        {AnnotationTool::eraser, Qt::Key_8, "Switched to Eraser Tool", QStringLiteral("eraserSize eraserMode")},
         {AnnotationTool::redact, Qt::Key_R, "Switched to Redact Tool", shapes},
-        {AnnotationTool::form, Qt::Key_F, "Switched to Form Field Tool", u"formFieldMode"_qs},
+        {AnnotationTool::form, Qt::Key_F, "Switched to Form Field Tool", QStringLiteral("formFieldMode")},
         {AnnotationTool::select, Qt::Key_1, "Switched to Select Tool", shapes},
     };
     for (const auto& each : cases) {
@@ -52,23 +53,23 @@ TEST_F(WorkspaceTest, everyToolHasItsKeyButtonNoticeAndOptions) {
         for (const AnnotationToolInfo& row : allAnnotationTools())
             EXPECT_EQ(button(row.rawValue)->isChecked(), row.tool == each.tool) << row.rawValue.toStdString();
     }
-    EXPECT_EQ(button(u"ink"_qs)->toolTip(), u"Draw (Ctrl+2)"_qs);
-    press(u"oval"_qs);
+    EXPECT_EQ(button(QStringLiteral("ink"))->toolTip(), QStringLiteral("Draw (Ctrl+2)"));
+    press(QStringLiteral("oval"));
     EXPECT_EQ(m_toolState->tool(), AnnotationTool::oval);
-    press(u"oval"_qs);
-    EXPECT_TRUE(button(u"oval"_qs)->isChecked()) << "The present tool can't be put out.";
+    press(QStringLiteral("oval"));
+    EXPECT_TRUE(button(QStringLiteral("oval"))->isChecked()) << "The present tool can't be put out.";
 
     // Whoever else changes the state, the buttons follow.
     m_toolState->setTool(AnnotationTool::select);
-    EXPECT_TRUE(button(u"select"_qs)->isChecked());
-    EXPECT_FALSE(button(u"oval"_qs)->isChecked());
+    EXPECT_TRUE(button(QStringLiteral("select"))->isChecked());
+    EXPECT_FALSE(button(QStringLiteral("oval"))->isChecked());
 }
 
 TEST_F(WorkspaceTest, aNewerNoticeStaysForItsOwnTime) {
     openWorkspace({});
-    press(u"ink"_qs);
-    press(u"note"_qs);
-    EXPECT_EQ(m_workspace->notice().message(), u"Switched to Note Tool"_qs);
+    press(QStringLiteral("ink"));
+    press(QStringLiteral("note"));
+    EXPECT_EQ(m_workspace->notice().message(), QStringLiteral("Switched to Note Tool"));
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_workspace->notice().isHidden(); }));
     EXPECT_TRUE(m_workspace->notice().message().isEmpty());
 }
@@ -77,30 +78,30 @@ TEST_F(WorkspaceTest, editingPageTextTurnsOnAndOff) {
     openWorkspace({});
     m_toolState->setTool(AnnotationTool::ink);
     m_toolState->setActiveMarkupMode(MarkupAction::highlight);
-    press(u"editText"_qs);
+    press(QStringLiteral("editText"));
     EXPECT_TRUE(m_toolState->isTextEditingModeEnabled());
     EXPECT_EQ(m_toolState->tool(), AnnotationTool::select);
     EXPECT_FALSE(m_toolState->activeMarkupMode());
-    EXPECT_EQ(m_workspace->notice().message(), u"Editing Mode — click any line of text to edit it"_qs);
-    EXPECT_TRUE(button(u"editText"_qs)->isChecked());
-    press(u"editText"_qs);
+    EXPECT_EQ(m_workspace->notice().message(), QStringLiteral("Editing Mode — click any line of text to edit it"));
+    EXPECT_TRUE(button(QStringLiteral("editText"))->isChecked());
+    press(QStringLiteral("editText"));
     EXPECT_FALSE(m_toolState->isTextEditingModeEnabled());
-    EXPECT_FALSE(button(u"editText"_qs)->isChecked());
-    press(u"editText"_qs);
-    press(u"highlight"_qs);
-    EXPECT_FALSE(button(u"editText"_qs)->isChecked()) << "Markup ends it.";
+    EXPECT_FALSE(button(QStringLiteral("editText"))->isChecked());
+    press(QStringLiteral("editText"));
+    press(QStringLiteral("highlight"));
+    EXPECT_FALSE(button(QStringLiteral("editText"))->isChecked()) << "Markup ends it.";
 }
 
 TEST_F(WorkspaceTest, optionsSetAndShowTheToolState) {
     openWorkspace({});
     m_toolState->setTool(AnnotationTool::textBox);
-    auto* font = find<QComboBox>(*m_workspace, u"fontChoice"_qs);
-    EXPECT_EQ(font->currentText(), u"Sans"_qs);
+    auto* font = find<QComboBox>(*m_workspace, QStringLiteral("fontChoice"));
+    EXPECT_EQ(font->currentText(), QStringLiteral("Sans"));
     font->setFocus();
     QTest::keyClick(font, Qt::Key_End);
     EXPECT_EQ(m_toolState->fontChoice(), AnnotationFont::marker);
     m_toolState->setFontChoice(AnnotationFont::serif);
-    EXPECT_EQ(font->currentText(), u"Serif"_qs);
+    EXPECT_EQ(font->currentText(), QStringLiteral("Serif"));
 
     const struct {
         AnnotationTool tool;
@@ -119,36 +120,36 @@ TEST_F(WorkspaceTest, optionsSetAndShowTheToolState) {
         EXPECT_EQ(field->value(), each.shown) << each.name;
         field->setFocus();
         field->selectAll();
-        QTest::keyClicks(field, u"999"_qs);
+        QTest::keyClicks(field, QStringLiteral("999"));
         QTest::keyClick(field, Qt::Key_Return);
         EXPECT_EQ((m_toolState.get()->*each.value)(), each.largest) << each.name;
     }
     m_toolState->setLineWidth(2.5);
-    EXPECT_EQ(find<PointSizeField>(*m_workspace, u"strokeWidth"_qs)->text(), u"2.5"_qs);
+    EXPECT_EQ(find<PointSizeField>(*m_workspace, QStringLiteral("strokeWidth"))->text(), QStringLiteral("2.5"));
 
-    QTest::mouseClick(find<QToolButton>(*m_workspace, u"Precise"_qs), Qt::LeftButton);
+    QTest::mouseClick(find<QToolButton>(*m_workspace, QStringLiteral("Precise")), Qt::LeftButton);
     EXPECT_EQ(m_toolState->eraserMode(), EraserMode::precise);
     m_toolState->setEraserMode(EraserMode::wholeStroke);
-    EXPECT_EQ(find<SegmentedChoice>(*m_workspace, u"eraserMode"_qs)->current(), 0);
+    EXPECT_EQ(find<SegmentedChoice>(*m_workspace, QStringLiteral("eraserMode"))->current(), 0);
     m_toolState->setTool(AnnotationTool::form);
-    QTest::mouseClick(find<QToolButton>(*m_workspace, u"Checkbox"_qs), Qt::LeftButton);
+    QTest::mouseClick(find<QToolButton>(*m_workspace, QStringLiteral("Checkbox")), Qt::LeftButton);
     EXPECT_EQ(m_toolState->formFieldMode(), FormFieldMode::checkbox);
 }
 
 TEST_F(WorkspaceTest, lineEndStylesOpenUnderThePointerAndByKeyboard) {
     openWorkspace({});
-    auto* picker = find<LineStylePicker>(*m_workspace, u"lineStylePicker"_qs);
-    QTest::mouseMove(button(u"line"_qs));
+    auto* picker = find<LineStylePicker>(*m_workspace, QStringLiteral("lineStylePicker"));
+    QTest::mouseMove(button(QStringLiteral("line")));
     EXPECT_TRUE(QTest::qWaitFor([&] { return picker->isVisible(); }));
     EXPECT_TRUE(m_workspace->rect().contains(picker->geometry()));
-    auto* arrow = find<QAbstractButton>(*picker, u"lineStyle-Arrow"_qs);
+    auto* arrow = find<QAbstractButton>(*picker, QStringLiteral("lineStyle-Arrow"));
     QTest::mouseMove(arrow);
     QTest::qWait(300);
     EXPECT_TRUE(picker->isVisible()) << "The pointer went from the button into the picker.";
     QTest::mouseMove(m_view);
     EXPECT_TRUE(QTest::qWaitFor([&] { return picker->isHidden(); }));
 
-    QTest::mouseMove(button(u"line"_qs));
+    QTest::mouseMove(button(QStringLiteral("line")));
     EXPECT_TRUE(QTest::qWaitFor([&] { return picker->isVisible(); }));
     QTest::mouseClick(arrow, Qt::LeftButton);
     EXPECT_EQ(m_toolState->lineEndStyle(), PDFLineStyle::closedArrow);
@@ -156,7 +157,7 @@ TEST_F(WorkspaceTest, lineEndStylesOpenUnderThePointerAndByKeyboard) {
     QTest::mouseMove(m_view);
 
     m_toolState->setTool(AnnotationTool::line);
-    QToolButton* styles = button(u"lineEndStyle"_qs);
+    QToolButton* styles = button(QStringLiteral("lineEndStyle"));
     styles->setFocus();
     QTest::keyClick(styles, Qt::Key_Space);
     EXPECT_TRUE(arrow->hasFocus());
@@ -178,7 +179,7 @@ TEST_F(WorkspaceTest, lineEndStylesOpenUnderThePointerAndByKeyboard) {
 
 TEST_F(WorkspaceTest, aNarrowWindowShowsAllOfTheToolbar) {
     openWorkspace({});
-    auto* toolbar = find<WorkspaceToolbar>(*m_workspace, u"workspaceToolbar"_qs);
+    auto* toolbar = find<WorkspaceToolbar>(*m_workspace, QStringLiteral("workspaceToolbar"));
     int formerHeight = 0;
     for (const int width : {1600, 1000, 700, 480}) {
         m_workspace->resize(width, 700);

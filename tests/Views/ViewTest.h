@@ -43,7 +43,7 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(u"settings.ini"_qs)};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     SilentPresenter m_presenter;
     DocumentController m_controller{[] { return std::make_shared<PDFEditorDocument>(); }, m_presenter, m_defaults};
 };

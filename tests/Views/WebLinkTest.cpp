@@ -35,7 +35,9 @@ public Q_SLOTS:
     void take(const QUrl& url) { taken.append(url); }
 
 private:
-    static QStringList schemes() { return {u"http"_qs, u"https"_qs, u"mailto"_qs, u"file"_qs}; }
+    static QStringList schemes() {
+        return {QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("mailto"), QStringLiteral("file")};
+    }
 };
 
 } // namespace
@@ -47,18 +49,18 @@ protected:
         show(m_window);
     }
 
-    QDialog* confirmation() const { return m_window.findChild<QDialog*>(u"webLinkConfirmation"_qs); }
+    QDialog* confirmation() const { return m_window.findChild<QDialog*>(QStringLiteral("webLinkConfirmation")); }
 
     QWidget m_window;
     Desktop m_desktop;
 };
 
 TEST_F(WebLinkTest, onlyTheUsersYesOpensTheAddress) {
-    const QUrl address(u"https://example.org/a?q=1#part"_qs);
-    for (const QString& answer : {u"cancel"_qs, u"copy"_qs, u"open"_qs}) {
+    const QUrl address(QStringLiteral("https://example.org/a?q=1#part"));
+    for (const QString& answer : {QStringLiteral("cancel"), QStringLiteral("copy"), QStringLiteral("open")}) {
         WebLink::confirmAndOpen(address, &m_window);
         ASSERT_NE(confirmation(), nullptr);
-        EXPECT_EQ(find<QPlainTextEdit>(*confirmation(), u"address"_qs)->toPlainText(), address.toString());
+        EXPECT_EQ(find<QPlainTextEdit>(*confirmation(), QStringLiteral("address"))->toPlainText(), address.toString());
         EXPECT_TRUE(m_desktop.taken.isEmpty());
         QTest::mouseClick(find<QPushButton>(*confirmation(), answer), Qt::LeftButton);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -69,40 +71,42 @@ TEST_F(WebLinkTest, onlyTheUsersYesOpensTheAddress) {
 }
 
 TEST_F(WebLinkTest, lettersThatLookAlikeAreShownAsTheyAre) {
-    WebLink::confirmAndOpen(QUrl(u"https://\u0435xample.org/"_qs), &m_window); // a Cyrillic letter
+    WebLink::confirmAndOpen(QUrl(QStringLiteral("https://\u0435xample.org/")), &m_window); // a Cyrillic letter
     ASSERT_NE(confirmation(), nullptr);
-    EXPECT_EQ(find<QPlainTextEdit>(*confirmation(), u"address"_qs)->toPlainText(), u"https://xn--xample-2of.org/"_qs);
+    EXPECT_EQ(find<QPlainTextEdit>(*confirmation(), QStringLiteral("address"))->toPlainText(),
+              QStringLiteral("https://xn--xample-2of.org/"));
 }
 
 TEST_F(WebLinkTest, otherKindsOfAddressesGetASentence) {
-    const QStringList refused = {u"file:///etc/passwd"_qs, u"javascript:alert(1)"_qs, u"smb://host/share"_qs,
-                                 u"https:///nohost"_qs,    u"relative/path"_qs,       u"mailto:"_qs};
+    const QStringList refused = {QStringLiteral("file:///etc/passwd"), QStringLiteral("javascript:alert(1)"),
+                                 QStringLiteral("smb://host/share"),   QStringLiteral("https:///nohost"),
+                                 QStringLiteral("relative/path"),      QStringLiteral("mailto:")};
     for (const QString& address : refused) {
         EXPECT_FALSE(WebLink::canBeOpened(QUrl(address))) << address.toStdString();
         WebLink::confirmAndOpen(QUrl(address), &m_window);
         EXPECT_EQ(confirmation(), nullptr);
-        auto* sentence = m_window.findChild<QMessageBox*>(u"webLinkRefusal"_qs);
+        auto* sentence = m_window.findChild<QMessageBox*>(QStringLiteral("webLinkRefusal"));
         ASSERT_NE(sentence, nullptr) << address.toStdString();
         EXPECT_EQ(sentence->textFormat(), Qt::PlainText);
         sentence->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     EXPECT_TRUE(m_desktop.taken.isEmpty());
-    EXPECT_TRUE(WebLink::canBeOpened(QUrl(u"mailto:ann@example.org"_qs)));
+    EXPECT_TRUE(WebLink::canBeOpened(QUrl(QStringLiteral("mailto:ann@example.org"))));
 }
 
 TEST_F(WebLinkTest, aClickOnALinkOfThePageAsks) {
     const auto document =
-        opened(TestPdf{.linkAddress = "http://example.org/paper"}.write(m_folder.path(), u"linked.pdf"_qs));
+        opened(TestPdf{.linkAddress = "http://example.org/paper"}.write(m_folder.path(), QStringLiteral("linked.pdf")));
     PDFEditorWorkspaceView workspace(document, document->fileURL(), std::make_shared<ToolState>(), m_defaults);
     show(workspace, {900, 1300});
     PDFView* view = workspace.pdfView();
     const QPointF place = view->convertFromPage(QPointF(300, 200), *document->pdfDocument()->page(0));
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, place.toPoint());
-    auto* dialog = workspace.findChild<QDialog*>(u"webLinkConfirmation"_qs);
+    auto* dialog = workspace.findChild<QDialog*>(QStringLiteral("webLinkConfirmation"));
     ASSERT_NE(dialog, nullptr);
-    QTest::mouseClick(find<QPushButton>(*dialog, u"open"_qs), Qt::LeftButton);
-    EXPECT_EQ(m_desktop.taken, QList<QUrl>{QUrl(u"http://example.org/paper"_qs)});
+    QTest::mouseClick(find<QPushButton>(*dialog, QStringLiteral("open")), Qt::LeftButton);
+    EXPECT_EQ(m_desktop.taken, QList<QUrl>{QUrl(QStringLiteral("http://example.org/paper"))});
 }
 
 #include "WebLinkTest.moc"

@@ -8,8 +8,8 @@
 
 TEST_F(WorkspaceTest, thePageFieldGoesToPagesAndTakesBackWhatIsNone) {
     openWorkspace({.pageCount = 12});
-    auto* field = find<PageField>(*m_workspace, u"pageField"_qs);
-    EXPECT_EQ(field->text(), u"1 of 12"_qs);
+    auto* field = find<PageField>(*m_workspace, QStringLiteral("pageField"));
+    EXPECT_EQ(field->text(), QStringLiteral("1 of 12"));
 
     const struct {
         const char* typed;
@@ -29,22 +29,22 @@ TEST_F(WorkspaceTest, thePageFieldGoesToPagesAndTakesBackWhatIsNone) {
 
     // Leaving the field counts as well; Escape takes back.
     field->setFocus();
-    QTest::keyClicks(field, u"5"_qs);
+    QTest::keyClicks(field, QStringLiteral("5"));
     m_view->setFocus();
     EXPECT_EQ(m_view->currentPageIndex(), 4);
     field->setFocus();
-    QTest::keyClicks(field, u"9"_qs);
+    QTest::keyClicks(field, QStringLiteral("9"));
     QTest::keyClick(field, Qt::Key_Escape);
-    EXPECT_EQ(field->text(), u"5 of 12"_qs);
+    EXPECT_EQ(field->text(), QStringLiteral("5 of 12"));
 }
 
 TEST_F(WorkspaceTest, pageButtonsStopAtTheEnds) {
     openWorkspace({.pageCount = 2});
-    EXPECT_FALSE(button(u"previousPage"_qs)->isEnabled());
-    press(u"nextPage"_qs);
+    EXPECT_FALSE(button(QStringLiteral("previousPage"))->isEnabled());
+    press(QStringLiteral("nextPage"));
     EXPECT_EQ(m_view->currentPageIndex(), 1);
-    EXPECT_FALSE(button(u"nextPage"_qs)->isEnabled());
-    press(u"previousPage"_qs);
+    EXPECT_FALSE(button(QStringLiteral("nextPage"))->isEnabled());
+    press(QStringLiteral("previousPage"));
     EXPECT_EQ(m_view->currentPageIndex(), 0);
 }
 
@@ -53,52 +53,52 @@ TEST_F(WorkspaceTest, zoomStepsAreAddedAndStopAtTheLimits) {
     m_view->setMaxScaleFactor(1.4);
     m_view->setMinScaleFactor(0.5);
     m_view->setScaleFactor(1.0);
-    press(u"zoomIn"_qs);
+    press(QStringLiteral("zoomIn"));
     EXPECT_NEAR(m_view->scaleFactor(), 1.15, 1e-9);
-    press(u"zoomIn"_qs);
+    press(QStringLiteral("zoomIn"));
     EXPECT_NEAR(m_view->scaleFactor(), 1.3, 1e-9);
-    press(u"zoomIn"_qs);
+    press(QStringLiteral("zoomIn"));
     EXPECT_NEAR(m_view->scaleFactor(), 1.4, 1e-9);
-    EXPECT_FALSE(button(u"zoomIn"_qs)->isEnabled());
+    EXPECT_FALSE(button(QStringLiteral("zoomIn"))->isEnabled());
 
     for (int i = 0; i < 10; ++i)
-        press(u"zoomOut"_qs);
+        press(QStringLiteral("zoomOut"));
     EXPECT_NEAR(m_view->scaleFactor(), 0.5, 1e-9);
-    EXPECT_FALSE(button(u"zoomOut"_qs)->isEnabled());
-    EXPECT_TRUE(button(u"zoomIn"_qs)->isEnabled());
+    EXPECT_FALSE(button(QStringLiteral("zoomOut"))->isEnabled());
+    EXPECT_TRUE(button(QStringLiteral("zoomIn"))->isEnabled());
 
     m_view->setMaxScaleFactor(16);
-    press(u"zoomToFit"_qs);
+    press(QStringLiteral("zoomToFit"));
     EXPECT_NEAR(m_view->scaleFactor(), m_view->scaleFactorForSizeToFit(), 1e-9);
 }
 
 TEST_F(WorkspaceTest, markupAppliesToASelectionOrStaysOnForTheNext) {
     openWorkspace({});
     m_view->setCurrentSelection(m_document->pdfDocument()->page(0)->selectAll());
-    press(u"underline"_qs);
+    press(QStringLiteral("underline"));
     ASSERT_EQ(annotationCount(), 1U);
-    EXPECT_EQ(m_document->pdfDocument()->page(0)->annotations().front()->type(), u"Underline"_qs);
+    EXPECT_EQ(m_document->pdfDocument()->page(0)->annotations().front()->type(), QStringLiteral("Underline"));
     EXPECT_FALSE(m_toolState->activeMarkupMode());
-    EXPECT_FALSE(button(u"underline"_qs)->isChecked());
+    EXPECT_FALSE(button(QStringLiteral("underline"))->isChecked());
     EXPECT_TRUE(m_document->isDocumentEdited());
 
     m_toolState->setTool(AnnotationTool::ink);
-    press(u"highlight"_qs);
+    press(QStringLiteral("highlight"));
     EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::highlight);
     EXPECT_EQ(m_toolState->tool(), AnnotationTool::select);
-    EXPECT_TRUE(button(u"highlight"_qs)->isChecked());
-    press(u"strikethrough"_qs);
+    EXPECT_TRUE(button(QStringLiteral("highlight"))->isChecked());
+    press(QStringLiteral("strikethrough"));
     EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::strikethrough);
-    EXPECT_FALSE(button(u"highlight"_qs)->isChecked());
+    EXPECT_FALSE(button(QStringLiteral("highlight"))->isChecked());
 
     // With a selection the mode stays as it is. By its key, as a click anywhere ends a selection, which the mode marks.
     m_view->setCurrentSelection(m_document->pdfDocument()->page(0)->selectAll());
     QTest::keyClick(m_view, Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(annotationCount(), 2U);
     EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::strikethrough);
-    press(u"strikethrough"_qs);
+    press(QStringLiteral("strikethrough"));
     EXPECT_FALSE(m_toolState->activeMarkupMode());
-    EXPECT_FALSE(button(u"strikethrough"_qs)->isChecked());
+    EXPECT_FALSE(button(QStringLiteral("strikethrough"))->isChecked());
 }
 
 TEST_F(WorkspaceTest, markupHasKeys) {
@@ -127,7 +127,7 @@ TEST_F(WorkspaceTest, aRepairedFileIsToldByANotice) {
     EXPECT_EQ(m_workspace->notice().message(), m_document->openNotice());
     EXPECT_TRUE(m_workspace->notice().isVisible());
 
-    m_workspace->notice().announce(u"Another"_qs, std::chrono::milliseconds(1));
+    m_workspace->notice().announce(QStringLiteral("Another"), std::chrono::milliseconds(1));
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_workspace->notice().isHidden(); }));
     EXPECT_TRUE(m_workspace->notice().message().isEmpty());
 }
@@ -139,7 +139,7 @@ TEST_F(WorkspaceTest, theRememberedPageComesBackAndFollowsANewName) {
     show(*m_workspace);
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_workspace->pdfView()->currentPageIndex() == 3; }));
 
-    const QUrl newName = QUrl::fromLocalFile(m_folder.filePath(u"renamed.pdf"_qs));
+    const QUrl newName = QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("renamed.pdf")));
     m_workspace->setFileURL(newName);
     EXPECT_EQ(m_workspace->coordinator().rememberedPageIndex(newName), 3);
 }

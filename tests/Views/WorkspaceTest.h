@@ -14,7 +14,7 @@ class WorkspaceTest : public ViewTest {
 protected:
     /// Builds the workspace of a file and shows it.
     void openWorkspace(const TestPdf& pdf) {
-        m_document = opened(pdf.write(m_folder.path(), u"paper.pdf"_qs));
+        m_document = opened(pdf.write(m_folder.path(), QStringLiteral("paper.pdf")));
         ASSERT_TRUE(m_document);
         m_toolState = std::make_shared<ToolState>(&m_defaults);
         m_workspace =
@@ -24,7 +24,9 @@ protected:
         QCoreApplication::processEvents();
     }
 
-    QToolButton* button(const QString& name) const { return find<QToolButton>(*m_workspace, name + u"Button"_qs); }
+    QToolButton* button(const QString& name) const {
+        return find<QToolButton>(*m_workspace, name + QStringLiteral("Button"));
+    }
     void press(const QString& name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
 
     std::size_t annotationCount() const { return m_document->pdfDocument()->page(0)->annotations().size(); }

@@ -20,21 +20,22 @@ static int monthsBetween(const QDateTime& earlier, const QDateTime& later) {
 static QString amount(const QDateTime& earlier, const QDateTime& later) {
     const auto text = [](qint64 count, const QString& unit) { return QString::number(count) + u' ' + unit; };
     if (const int months = monthsBetween(earlier, later); months > 0)
-        return months < monthsPerYear ? text(months, u"mo."_qs) : text(months / monthsPerYear, u"yr."_qs);
+        return months < monthsPerYear ? text(months, QStringLiteral("mo."))
+                                      : text(months / monthsPerYear, QStringLiteral("yr."));
     const qint64 seconds = earlier.secsTo(later);
     if (seconds >= daysPerWeek * secondsPerDay)
-        return text(seconds / (daysPerWeek * secondsPerDay), u"wk."_qs);
+        return text(seconds / (daysPerWeek * secondsPerDay), QStringLiteral("wk."));
     if (const qint64 days = seconds / secondsPerDay; days > 0)
-        return text(days, days == 1 ? u"day"_qs : u"days"_qs);
+        return text(days, days == 1 ? QStringLiteral("day") : QStringLiteral("days"));
     if (seconds >= secondsPerHour)
-        return text(seconds / secondsPerHour, u"hr."_qs);
+        return text(seconds / secondsPerHour, QStringLiteral("hr."));
     if (seconds >= secondsPerMinute)
-        return text(seconds / secondsPerMinute, u"min."_qs);
-    return text(seconds, u"sec."_qs);
+        return text(seconds / secondsPerMinute, QStringLiteral("min."));
+    return text(seconds, QStringLiteral("sec."));
 }
 
 QString RelativeDateTimeFormatter::localizedString(const QDateTime& date, const QDateTime& reference) {
     if (date > reference)
-        return u"in "_qs + amount(reference, date);
-    return amount(date, reference) + u" ago"_qs;
+        return QStringLiteral("in ") + amount(reference, date);
+    return amount(date, reference) + QStringLiteral(" ago");
 }

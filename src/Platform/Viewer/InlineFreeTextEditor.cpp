@@ -186,7 +186,7 @@ void InlineFreeTextEditor::wheelEvent(QWheelEvent* event) {
 
 void InlineFreeTextEditor::contextMenuEvent(QContextMenuEvent* event) {
     QMenu* const menu = createStandardContextMenu();
-    menu->setObjectName(u"inlineEditorMenu"_qs);
+    menu->setObjectName(QStringLiteral("inlineEditorMenu"));
     menu->setAccessibleName(accessibleName());
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->popup(event->globalPos());

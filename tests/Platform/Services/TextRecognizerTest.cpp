@@ -51,12 +51,17 @@ TEST(TextRecognizer, ReadsColumnsInOrderAndTellsWhereTheLinesAre) {
         QString text;
         int pixelSize = 25;
     } drawn[] = {
-        {{80, 90}, u"Minutes of the Meeting"_qs, 46},      {{80, 200}, u"The members met on Monday"_qs},
-        {{80, 240}, u"in the small hall. They agreed"_qs}, {{80, 280}, u"to spend 4512 euros on paint"_qs},
-        {{80, 320}, u"and to ask for three offers."_qs},   {{80, 360}, u"Nobody voted against it."_qs},
-        {{560, 200}, u"Work begins in the spring."_qs},    {{560, 240}, u"Until then the doors remain"_qs},
-        {{560, 280}, u"closed, and visitors have to"_qs},  {{560, 320}, u"use the entrance at the back."_qs},
-        {{560, 360}, u"Keys are with the secretary."_qs},
+        {{80, 90}, QStringLiteral("Minutes of the Meeting"), 46},
+        {{80, 200}, QStringLiteral("The members met on Monday")},
+        {{80, 240}, QStringLiteral("in the small hall. They agreed")},
+        {{80, 280}, QStringLiteral("to spend 4512 euros on paint")},
+        {{80, 320}, QStringLiteral("and to ask for three offers.")},
+        {{80, 360}, QStringLiteral("Nobody voted against it.")},
+        {{560, 200}, QStringLiteral("Work begins in the spring.")},
+        {{560, 240}, QStringLiteral("Until then the doors remain")},
+        {{560, 280}, QStringLiteral("closed, and visitors have to")},
+        {{560, 320}, QStringLiteral("use the entrance at the back.")},
+        {{560, 360}, QStringLiteral("Keys are with the secretary.")},
     };
     QImage image = paper({1000, 440});
     for (const auto& line : drawn)
@@ -80,14 +85,14 @@ TEST(TextRecognizer, ReadsColumnsInOrderAndTellsWhereTheLinesAre) {
 TEST(TextRecognizer, ReadsTextOnAnyGround) {
     QImage transparent(500, 100, QImage::Format_ARGB32_Premultiplied);
     transparent.fill(Qt::transparent);
-    write(transparent, {40, 60}, u"Black on nothing"_qs);
-    EXPECT_EQ(textsOf(transparent), QStringList(u"Black on nothing"_qs));
+    write(transparent, {40, 60}, QStringLiteral("Black on nothing"));
+    EXPECT_EQ(textsOf(transparent), QStringList(QStringLiteral("Black on nothing")));
 
     QImage dark = paper({500, 200});
     QPainter(&dark).fillRect(QRect(0, 0, 500, 100), QColor(20, 40, 90));
-    write(dark, {40, 60}, u"White on blue"_qs, Qt::white);
-    write(dark, {40, 160}, u"Black on white"_qs);
-    EXPECT_EQ(textsOf(dark), QStringList({u"White on blue"_qs, u"Black on white"_qs}));
+    write(dark, {40, 60}, QStringLiteral("White on blue"), Qt::white);
+    write(dark, {40, 160}, QStringLiteral("Black on white"));
+    EXPECT_EQ(textsOf(dark), QStringList({QStringLiteral("White on blue"), QStringLiteral("Black on white")}));
 
     // At the dark end the paper is darker than the ink at the bright end.
     QLinearGradient shadow(0, 0, 0, 600);
@@ -131,7 +136,8 @@ TEST(TextRecognizer, FindsNothingWhereNothingIsAndSaysNothing) {
 }
 
 TEST(TextRecognizer, ThreadsReadAtTheSameTime) {
-    const QString words[] = {u"Northern harbour"_qs, u"Railway station"_qs, u"Botanical garden"_qs};
+    const QString words[] = {QStringLiteral("Northern harbour"), QStringLiteral("Railway station"),
+                             QStringLiteral("Botanical garden")};
     QStringList found[std::size(words)];
     std::vector<std::thread> threads;
     for (std::size_t i = 0; i < std::size(words); ++i)
@@ -146,7 +152,7 @@ TEST(TextRecognizer, StopsWhenAsked) {
     QImage image = paper({1000, 1400});
     std::size_t lineCount = 0;
     for (int y = 60; y < 1400; y += 34, ++lineCount)
-        write(image, {40, y}, u"Much more text than could be read in a moment stands here"_qs);
+        write(image, {40, y}, QStringLiteral("Much more text than could be read in a moment stands here"));
     // Before it begins, while lines are looked for, while they are read.
     for (const int milliseconds : {0, 80, 300}) {
         std::vector<TextRecognizer::Line> lines(1);
@@ -160,7 +166,7 @@ TEST(TextRecognizer, StopsWhenAsked) {
 }
 
 TEST(TextRecognizer, WithoutLanguageDataNothingIsRead) {
-    const QImage image = pictureOf(u"Botanical garden"_qs);
+    const QImage image = pictureOf(QStringLiteral("Botanical garden"));
     const QTemporaryDir empty;
     const bool wasSet = qEnvironmentVariableIsSet("TESSDATA_PREFIX");
     const QByteArray before = qgetenv("TESSDATA_PREFIX");
@@ -181,15 +187,17 @@ TEST(TextRecognizer, LanguageDataFollowsTheUserAndEndsWithEnglish) {
         QStringList user;
         QStringList names;
     } rows[] = {
-        {{}, {u"eng"_qs}},
-        {{u"C"_qs}, {u"eng"_qs}},
-        {{u"en-GB"_qs, u"en"_qs}, {u"eng"_qs}},
-        {{u"de-AT"_qs, u"de"_qs, u"fr-CH"_qs}, {u"deu"_qs, u"fra"_qs, u"eng"_qs}},
-        {{u"en-US"_qs, u"cs-CZ"_qs}, {u"eng"_qs, u"ces"_qs}},
-        {{u"zh-TW"_qs}, {u"chi_tra"_qs, u"eng"_qs}},
-        {{u"zh-CN"_qs}, {u"chi_sim"_qs, u"eng"_qs}},
-        {{u"nb-NO"_qs}, {u"nor"_qs, u"eng"_qs}},
-        {{u"sr-Latn-RS"_qs, u"sr-RS"_qs}, {u"srp_latn"_qs, u"srp"_qs, u"eng"_qs}},
+        {{}, {QStringLiteral("eng")}},
+        {{QStringLiteral("C")}, {QStringLiteral("eng")}},
+        {{QStringLiteral("en-GB"), QStringLiteral("en")}, {QStringLiteral("eng")}},
+        {{QStringLiteral("de-AT"), QStringLiteral("de"), QStringLiteral("fr-CH")},
+         {QStringLiteral("deu"), QStringLiteral("fra"), QStringLiteral("eng")}},
+        {{QStringLiteral("en-US"), QStringLiteral("cs-CZ")}, {QStringLiteral("eng"), QStringLiteral("ces")}},
+        {{QStringLiteral("zh-TW")}, {QStringLiteral("chi_tra"), QStringLiteral("eng")}},
+        {{QStringLiteral("zh-CN")}, {QStringLiteral("chi_sim"), QStringLiteral("eng")}},
+        {{QStringLiteral("nb-NO")}, {QStringLiteral("nor"), QStringLiteral("eng")}},
+        {{QStringLiteral("sr-Latn-RS"), QStringLiteral("sr-RS")},
+         {QStringLiteral("srp_latn"), QStringLiteral("srp"), QStringLiteral("eng")}},
     };
     for (const auto& row : rows)
         EXPECT_EQ(TextRecognizer::languages(row.user), row.names) << row.user.join(u' ').toStdString();
