@@ -16,21 +16,23 @@ option(QUILLO_WERROR "Warnings are errors" OFF)
 option(QUILLO_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 option(QUILLO_SANITIZE_THREADS "Build with the thread sanitizer" OFF)
 
-add_library(quillo_options INTERFACE)
-target_compile_options(quillo_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+add_library(quillo_flags INTERFACE)
+target_compile_options(quillo_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
                        -Woverloaded-virtual $<$<BOOL:${QUILLO_WERROR}>:-Werror>)
-target_link_libraries(quillo_options INTERFACE quillo_base)
-target_compile_definitions(quillo_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_DEPRECATED_WARNINGS
+target_compile_definitions(quillo_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_DEPRECATED_WARNINGS
                            $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 if(QUILLO_SANITIZE)
-    target_compile_options(quillo_options INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer
+    target_compile_options(quillo_flags INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer
                            -fno-sanitize-recover=undefined)
-    target_link_options(quillo_options INTERFACE -fsanitize=address,undefined)
+    target_link_options(quillo_flags INTERFACE -fsanitize=address,undefined)
 endif()
 if(QUILLO_SANITIZE_THREADS)
-    target_compile_options(quillo_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
-    target_link_options(quillo_options INTERFACE -fsanitize=thread)
+    target_compile_options(quillo_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+    target_link_options(quillo_flags INTERFACE -fsanitize=thread)
 endif()
+
+add_library(quillo_options INTERFACE)
+target_link_libraries(quillo_options INTERFACE quillo_flags quillo_base)
 
 # quillo_library(<target> SOURCES … PUBLIC <libraries> PRIVATE <libraries>)
 # One library a folder. It exports its own folder only, so an include of a folder that is not listed fails to build.
