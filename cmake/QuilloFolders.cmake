@@ -1,9 +1,11 @@
-# The folders of src, each below those that it may use. tests and bench have the same folders.
+# The folders of src, each below those that it may use. tests and bench have the same folders; there the rooms of one
+# subsystem share a program, in the folder above them.
 set(QUILLO_FOLDERS
     Base
     Platform/Files
     Platform/PDF
     Platform/Services
+    Platform/Conversion
     Platform/Viewer
     MathRender
     MathBundle
@@ -11,9 +13,25 @@ set(QUILLO_FOLDERS
     Models
     PDFView/Annotations
     Document
+    Document/Operations
     PDFView
+    AI/Wire
+    AI/Providers
+    AI/Tools
+    AI/Conversation
     AI
+    Views/Controls
+    Views/Markdown
+    Views/Assistant/Bubbles
+    Views/Assistant
+    Views/Toolbar
+    Views/Signatures
+    Views/Sheets
+    Views/Landing
+    Views/Settings
+    Views/Workspace
     Views
+    App/Windows
     App)
 
 # Adds each of these folders that stands below the calling one and has something to build.

@@ -32,13 +32,42 @@ static bool moveUserFoldersTo(const QString& home) {
     return true;
 }
 
+/// The fonts, the locale and the time zone of every run, whatever this machine has: line breaks and widths depend on
+/// them. The fonts are those that the program asks its packages for.
+static bool bringFontsAndLocale(const QString& home) {
+    static constexpr char configuration[] = R"(<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "fonts.dtd">
+<fontconfig>
+  <dir>/usr/share/fonts/truetype/dejavu</dir>
+  <dir>/usr/share/fonts/truetype/quicksand</dir>
+  <dir>/usr/share/fonts/truetype/comic-neue</dir>
+  <dir>/usr/share/fonts/opentype/comic-neue</dir>
+  <cachedir>/var/cache/fontconfig</cachedir>
+  <cachedir prefix="xdg">fontconfig</cachedir>
+  <alias><family>sans-serif</family><prefer><family>DejaVu Sans</family></prefer></alias>
+  <alias><family>serif</family><prefer><family>DejaVu Serif</family></prefer></alias>
+  <alias><family>monospace</family><prefer><family>DejaVu Sans Mono</family></prefer></alias>
+</fontconfig>
+)";
+    QFile file(home + QLatin1String("/fonts.conf"));
+    if (!file.open(QIODevice::WriteOnly) || file.write(configuration) < 0)
+        return false;
+    qputenv("FONTCONFIG_FILE", QFile::encodeName(file.fileName()));
+    qputenv("LC_ALL", "C.UTF-8");
+    qputenv("TZ", "UTC");
+    for (const char* variable : {"LANGUAGE", "QT_FONT_DPI", "QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS",
+                                 "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME", "QT_LOGGING_RULES"})
+        qunsetenv(variable);
+    return true;
+}
+
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (testing::GTEST_FLAG(list_tests))
         return RUN_ALL_TESTS();
 
     QTemporaryDir home;
-    if (!home.isValid() || !moveUserFoldersTo(home.path())) {
+    if (!home.isValid() || !moveUserFoldersTo(home.path()) || !bringFontsAndLocale(home.path())) {
         std::fputs("The tests need a writable temporary folder.\n", stderr);
         return 2;
     }

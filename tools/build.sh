@@ -8,6 +8,8 @@ preset=$1
 shift
 # Another checkout of the same sources finds what this one compiled.
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+# What the compiler cache must overlook to work with precompiled headers at all.
+export CCACHE_SLOPPINESS=pch_defines,time_macros
 folder=build/$preset
 
 if [[ ! -f $folder/build.ninja || CMakePresets.json -nt $folder/build.ninja ]]; then

@@ -46,7 +46,7 @@ static int runOnce(int argc, char** argv, double startTime, const QString& path)
             return;
         std::printf("%.1f %.1f %.1f\n", qtIsReady, isShown, millisecondsOfMonotonicClock() - startTime);
         std::fflush(stdout);
-        QMetaObject::invokeMethod(&quillo, &QuilloApp::terminate, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&quillo.sessionEnd(), &SessionEnd::terminate, Qt::QueuedConnection);
     });
     return QApplication::exec();
 }

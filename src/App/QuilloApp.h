@@ -4,16 +4,16 @@
 #include "AppDelegate.h"
 #include "CrashRecovery.h"
 #include "DefaultPDFHandler.h"
+#include "DefaultViewerCommand.h"
 #include "DocumentController.h"
 #include "DocumentDialogs.h"
 #include "DocumentFileMonitor.h"
+#include "SessionEnd.h"
+#include "SettingsWindow.h"
 #include "UserDefaults.h"
 #include "WindowPresenter.h"
 
-#include <chrono>
 #include <memory>
-
-class SettingsView;
 
 /// The whole program but its event loop: makes the parts and ties them together. One at a time, main thread only; the
 /// application object must exist.
@@ -33,44 +33,18 @@ public:
     void openFromOtherStart(const QStringList& files, const QString& activationToken);
     void reopenFromOtherStart(const QString& activationToken);
 
-    /// Closes all documents, asking once what becomes of unsaved changes, and ends the event loop when all is saved.
-    /// Does nothing when the user cancels or a document can't be saved.
-    void terminate();
-
-    /// Ends the event loop without asking anything, as the system wants it: at most `sessionEndLimit` later. Documents
-    /// that are being saved get that long; whatever else is unsaved is up to the recovery of lost documents.
-    void endSession();
-
-    /// What the desktop wants of a program before the session ends: asks what becomes of unsaved changes when that is
-    /// allowed, and returns when they are saved, but waits for slow disks no longer than `sessionEndLimit`. False when
-    /// the user cancelled. Nothing is closed: the session may go on.
-    [[nodiscard]] bool commitSession(bool mayAsk);
-
-    static constexpr std::chrono::seconds sessionEndLimit{10};
-
     [[nodiscard]] DocumentController& controller() { return m_controller; }
+    [[nodiscard]] SessionEnd& sessionEnd() { return m_sessionEnd; }
     [[nodiscard]] AppDelegate& delegate() { return m_delegate; }
     [[nodiscard]] WindowPresenter& presenter() { return m_presenter; }
     [[nodiscard]] AppActions& actions() { return m_actions; }
     [[nodiscard]] UserDefaults& defaults() { return m_defaults; }
     [[nodiscard]] CrashRecovery& crashRecovery() { return m_crashRecovery; }
 
-protected:
-    /// Sees the desktop end the program after `commitSession`: the windows need not ask again.
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void connectActions();
-    void connectSessionManager();
-    [[nodiscard]] bool hasUnsavedDocuments() const;
     void setFileDestinations();
-    /// For files that Quillo can't show, until it can.
-    void refuseFile(const QUrl& url);
     void showOpenPanel();
-    void showAbout();
-    void makeDefaultViewer();
-    /// One window for the whole program: brings it to the front when it is open.
-    void showSettings();
 
     UserDefaults m_defaults;
     std::unique_ptr<DocumentDialogs> m_dialogs;
@@ -79,10 +53,10 @@ private:
     AppActions m_actions;
     WindowServices m_services;
     DefaultPDFHandler m_defaultHandler;
+    DefaultViewerCommand m_defaultViewer;
+    SettingsWindow m_settings;
     AppDelegate m_delegate;
+    SessionEnd m_sessionEnd;
     CrashRecovery m_crashRecovery;
     DocumentFileMonitor m_fileMonitor;
-    std::unique_ptr<SettingsView> m_settings; ///< null while it isn't open
-    bool m_isTerminating = false;
-    bool m_sessionIsCommitted = false;
 };

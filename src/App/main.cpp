@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     QuilloApp quillo;
     QObject::connect(&channel, &InstanceChannel::filesReceived, &quillo, &QuilloApp::openFromOtherStart);
     QObject::connect(&channel, &InstanceChannel::reopenRequested, &quillo, &QuilloApp::reopenFromOtherStart);
-    QObject::connect(&signals, &UnixSignals::quitRequested, &quillo, &QuilloApp::endSession);
+    QObject::connect(&signals, &UnixSignals::quitRequested, &quillo.sessionEnd(), &SessionEnd::endNow);
     quillo.launch(line.files);
     return QApplication::exec();
 }

@@ -54,9 +54,9 @@ static auto withDocumentErrors(Operation operation) {
     try {
         return operation();
     } catch (const PDFError& error) {
-        throw documentError(error);
+        std::throw_with_nested(documentError(error));
     } catch (const std::bad_alloc&) {
-        throw DocumentError(QStringLiteral("There is not enough free memory for this document."));
+        std::throw_with_nested(DocumentError(QStringLiteral("There is not enough free memory for this document.")));
     }
 }
 

@@ -11,8 +11,8 @@
 struct RecoveryDescription {
     QString displayName;
     QString originalPath; ///< absolute; empty for a document that was never saved
-    /// Of the original when it was last read or saved; none when unknown. Only its size and its time are recorded: the
-    /// others may be new ones each time the machine starts.
+    /// The stamp of the original when it was last read or saved; none when unknown. Only its size and its time are
+    /// recorded: the others may be new ones each time the machine starts.
     std::optional<FileStamp> originalStamp;
     QDateTime writeTime; ///< to the millisecond
     int pageCount = 0;

@@ -26,7 +26,7 @@ public:
     RecoveryRecord(const RecoveryRecord&) = delete;
     RecoveryRecord& operator=(const RecoveryRecord&) = delete;
 
-    /// Of the folder as well.
+    /// Whether a folder of that name may be a record: a record's folder is named by its id.
     [[nodiscard]] static bool isId(const QString& name);
     [[nodiscard]] QString id() const;
     /// False when someone removed the folder from under the record.

@@ -11,7 +11,7 @@ class RecoveryRecord;
 /// The folder that holds the recovery records of all processes of this user. Any thread.
 namespace RecoveryStore {
 
-/// Of one look for lost records: what is beyond is found by the next.
+/// One look for lost records finds no more than these; the next one finds what is beyond.
 inline constexpr int maximumLostCount = 100;
 /// After that many days a record that can't be read is deleted.
 inline constexpr int daysToKeepUnreadable = 30;

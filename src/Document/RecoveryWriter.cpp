@@ -1,6 +1,7 @@
 #include "RecoveryWriter.h"
 
 #include "FileError.h"
+#include "Logging.h"
 #include "PDFDocument.h"
 #include "PDFDocumentSnapshot.h"
 #include "PDFEditorDocument.h"
@@ -36,6 +37,22 @@ struct RecoveryWriter::Outcome {
 };
 
 namespace {
+
+/// What the user is told of the exception being handled; its causes go to the log.
+QString sentenceOfCurrentError() {
+    qCWarning(Logging::document) << "recording unsaved changes failed:" << Logging::currentCauses();
+    try {
+        throw;
+    } catch (const FileError& error) {
+        return error.sentence();
+    } catch (const PDFError& error) {
+        return error.sentence();
+    } catch (const std::bad_alloc&) {
+        return QStringLiteral("There isn't enough memory.");
+    } catch (const std::exception& error) {
+        return QString::fromLocal8Bit(error.what());
+    }
+}
 
 /// A picture of a page that only a password opens would show it to everyone.
 bool mayBePictured(const PDFDocument& document, const PDFPage* page) {
@@ -148,9 +165,9 @@ void RecoveryWriter::write() {
         const std::shared_ptr<PDFPage> page = pages.page(description.pageIndex);
         if (m_nextPicture.hasExpired() && mayBePictured(pages, page.get()))
             picture.emplace(*page, pictureSize);
-    } catch (const std::exception&) { // no memory, most likely
+    } catch (const std::exception&) {
         Outcome outcome;
-        outcome.error = QStringLiteral("There isn't enough memory.");
+        outcome.error = sentenceOfCurrentError();
         ++m_writeCount;
         finish(outcome);
         return;
@@ -187,14 +204,8 @@ RecoveryWriter::Outcome RecoveryWriter::store(Slot& slot, const QString& folder,
         writeRecord(*slot.record, description, snapshot);
         outcome.duration = std::chrono::milliseconds(timer.elapsed());
         outcome.hasPicture = picture && storePicture(*slot.record, picture->image(cancelled));
-    } catch (const FileError& error) {
-        outcome.error = error.sentence();
-    } catch (const PDFError& error) {
-        outcome.error = error.sentence();
-    } catch (const std::bad_alloc&) {
-        outcome.error = QStringLiteral("There isn't enough memory.");
-    } catch (const std::exception& error) {
-        outcome.error = QString::fromLocal8Bit(error.what());
+    } catch (const std::exception&) {
+        outcome.error = sentenceOfCurrentError();
     }
     // One that never held anything only takes space.
     if (slot.record && !slot.record->manifest() && !outcome.error.isEmpty()) {

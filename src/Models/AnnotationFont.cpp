@@ -3,6 +3,7 @@
 #include "EnumerationTable.h"
 
 #include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QStringList>
 
 #include <algorithm>
@@ -34,6 +35,25 @@ static QString installedFamily(const QStringList& families) {
     return found == families.end() ? QString() : *found;
 }
 
+/// Measured, since Qt goes by a mark in the font's file that some monospaced fonts lack.
+static bool isFixedPitch(const QFont& font) {
+    const QFontMetricsF metrics(font);
+    return qFuzzyCompare(metrics.horizontalAdvance(QLatin1Char('i')), metrics.horizontalAdvance(QLatin1Char('W')));
+}
+
+/// The desktop's fixed-pitch font, or where it has set one that isn't, the first that is installed.
+static QFont fixedPitchFont() {
+    const QFont desktop = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (isFixedPitch(desktop))
+        return desktop;
+    const QStringList families = QFontDatabase::families(QFontDatabase::Latin);
+    for (const QString& family : families) {
+        if (QFontDatabase::isFixedPitch(family) && QFontDatabase::isSmoothlyScalable(family))
+            return QFont(family);
+    }
+    return desktop;
+}
+
 QFont platformFont(AnnotationFont font, double size, QFont::Weight weight) {
     QFont result = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
     switch (font) {
@@ -45,7 +65,7 @@ QFont platformFont(AnnotationFont font, double size, QFont::Weight weight) {
         result.setStyleHint(QFont::Serif);
         break;
     case AnnotationFont::mono:
-        result = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        result = fixedPitchFont();
         break;
     case AnnotationFont::rounded:
         if (const QString family = installedFamily({QStringLiteral("Nunito"), QStringLiteral("Varela Round"),

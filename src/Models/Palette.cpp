@@ -11,7 +11,10 @@ static QColor blended(const QColor& color, float fraction, const QColor& other) 
                             mix(color.blueF(), other.blueF()));
 }
 
+bool Palette::isDark(const QPalette& widgets) {
+    return widgets.color(QPalette::Window).lightnessF() < widgets.color(QPalette::WindowText).lightnessF();
+}
+
 QColor Palette::appTint(const QPalette& widgets) {
-    const bool isDark = widgets.color(QPalette::Window).lightnessF() < widgets.color(QPalette::WindowText).lightnessF();
-    return blended(isDark ? darkBackground : QColor{0xFF, 0xFF, 0xFF}, tintFraction, systemBlue);
+    return blended(isDark(widgets) ? darkBackground : QColor{0xFF, 0xFF, 0xFF}, tintFraction, systemBlue);
 }

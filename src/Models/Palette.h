@@ -15,7 +15,7 @@ inline constexpr QColor brandBlueDeep{0x0B, 0x3E, 0x75};
 inline constexpr QColor inkSlate{0x3A, 0x3A, 0x3C};
 inline constexpr QColor paperCream{0xFB, 0xF7, 0xEE};
 
-/// Of fields, editors and warnings on the page, where the desktop has no colour of its own to say so.
+/// The colours of fields, editors and warnings on the page, for which desktops have none of their own.
 inline constexpr QColor systemBlue{0x00, 0x7A, 0xFF};
 inline constexpr QColor systemRed{0xFF, 0x3B, 0x30};
 
@@ -26,6 +26,9 @@ inline constexpr std::array<QColor, 6> annotationPresets{markerAmber,
                                                          QColor{0x3C, 0xB5, 0x66},
                                                          QColor{0x9B, 0x59, 0xD0},
                                                          QColor{0x1C, 0x1C, 0x1E}};
+
+/// Whether text of that palette is light on a dark ground.
+[[nodiscard]] bool isDark(const QPalette& widgets);
 
 /// What lies behind the pages: white with a trace of blue, or a dark grey with the same trace where the widgets'
 /// palette is a dark one.

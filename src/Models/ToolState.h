@@ -33,19 +33,19 @@ public:
     [[nodiscard]] AnnotationTool tool() const { return m_tool; }
     void setTool(AnnotationTool tool);
 
-    /// Of strokes, markup, note tabs and text.
+    /// The colour of strokes, markup, note tabs and text.
     [[nodiscard]] QColor color() const { return m_color; }
     void setColor(const QColor& color);
 
-    /// Of strokes and borders, in points.
+    /// The width of strokes and borders, in points.
     [[nodiscard]] double lineWidth() const { return m_lineWidth; }
     void setLineWidth(double width);
 
-    /// Of text boxes, in points.
+    /// The font size of text boxes, in points.
     [[nodiscard]] double fontSize() const { return m_fontSize; }
     void setFontSize(double size);
 
-    /// Of text boxes.
+    /// The font of text boxes.
     [[nodiscard]] AnnotationFont fontChoice() const { return m_fontChoice; }
     void setFontChoice(AnnotationFont font);
 

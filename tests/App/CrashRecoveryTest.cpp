@@ -51,7 +51,7 @@ TEST_F(CrashRecoveryTest, aCleanEndLeavesNothingToOffer) {
     launch({file(QStringLiteral("a.pdf"))});
     edit(*document(0));
     m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::DontSave};
-    m_app->terminate();
+    m_app->sessionEnd().terminate();
     settle();
     startAnew();
     launch();

@@ -81,8 +81,8 @@ TEST_F(SavingTest, quittingDuringASaveEndsTheProgramOnceItIsOnTheDisk) {
     launch();
     const auto document = openGated(QStringLiteral("a.pdf"));
     command(QStringLiteral("save"))->trigger();
-    m_app->terminate();
-    m_app->terminate();
+    m_app->sessionEnd().terminate();
+    m_app->sessionEnd().terminate();
     EXPECT_EQ(m_app->controller().documents().size(), 1U);
     QTimer::singleShot(0, qApp, [&document] { document->release(); });
     EXPECT_EQ(QCoreApplication::exec(), 0) << "it ends by itself";
@@ -95,18 +95,18 @@ TEST_F(SavingTest, aSessionThatEndsAsksOnlyWhenItMay) {
     launch();
     const auto document = openGated(QStringLiteral("a.pdf"));
     document->release();
-    EXPECT_TRUE(m_app->commitSession(false));
+    EXPECT_TRUE(m_app->sessionEnd().commit(false));
     EXPECT_TRUE(document->isDocumentEdited());
 
     m_dialogs->saveAnswers = {SaveAnswer::Cancel, SaveAnswer::Save};
-    EXPECT_FALSE(m_app->commitSession(true));
-    EXPECT_TRUE(m_app->commitSession(true));
+    EXPECT_FALSE(m_app->sessionEnd().commit(true));
+    EXPECT_TRUE(m_app->sessionEnd().commit(true));
     EXPECT_FALSE(document->isDocumentEdited());
     EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 2);
     EXPECT_EQ(m_app->controller().documents().size(), 1U);
 
     edit(*document);
-    QTimer::singleShot(0, m_app.get(), &QuilloApp::endSession);
+    QTimer::singleShot(0, &m_app->sessionEnd(), &SessionEnd::endNow);
     EXPECT_EQ(QCoreApplication::exec(), 0);
     EXPECT_EQ(m_dialogs->askedToSave.size(), 2) << "nobody can answer any more";
     EXPECT_TRUE(document->isDocumentEdited());

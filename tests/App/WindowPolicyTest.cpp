@@ -101,13 +101,13 @@ TEST_F(WindowPolicyTest, quittingAsksAndShowsNoLandingWindow) {
     launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
     edit(*document(1));
     m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::Cancel};
-    m_app->terminate();
+    m_app->sessionEnd().terminate();
     settle();
     ASSERT_EQ(m_app->controller().documents().size(), 2U);
     EXPECT_TRUE(window()->isVisible());
 
     m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::DontSave};
-    m_app->terminate();
+    m_app->sessionEnd().terminate();
     settle();
     EXPECT_TRUE(m_app->controller().documents().empty());
     EXPECT_EQ(visibleWindowCount(), 0);
@@ -117,7 +117,7 @@ TEST_F(WindowPolicyTest, aCancelledQuitLeavesThePolicyOn) {
     launch({file(QStringLiteral("a.pdf"))});
     edit(*document(0));
     m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::Cancel, ScriptedDialogs::SaveAnswer::DontSave};
-    m_app->terminate();
+    m_app->sessionEnd().terminate();
     m_app->controller().closeDocument(document(0));
     settle();
     EXPECT_TRUE(landingIsVisible());

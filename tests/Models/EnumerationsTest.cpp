@@ -93,7 +93,8 @@ TEST(PlatformFont, everyChoiceResolvesAndKeepsSizeAndWeight) {
         EXPECT_GE(font.weight(), QFont::DemiBold) << row.rawValue.toStdString();
         EXPECT_FALSE(QFontInfo(font).family().isEmpty()) << row.rawValue.toStdString();
     }
-    EXPECT_TRUE(QFontInfo(platformFont(AnnotationFont::mono, 12)).fixedPitch());
+    const QFontMetricsF mono(platformFont(AnnotationFont::mono, 12));
+    EXPECT_DOUBLE_EQ(mono.horizontalAdvance(QStringLiteral("iiii")), mono.horizontalAdvance(QStringLiteral("WWWW")));
 }
 
 TEST(PlatformFont, theRoundedAndTheHandwrittenFontAreFacesOfTheirOwn) {

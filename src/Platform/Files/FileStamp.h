@@ -13,7 +13,8 @@ struct FileStamp {
     std::int64_t size = 0;
     std::int64_t modifiedInNanoseconds = 0; ///< since 1970
 
-    /// Of the file at `path`, symbolic links followed. None when there is no ordinary file, or it can't be looked up.
+    /// The stamp of the file at `path`, symbolic links followed. None when there is no ordinary file, or it can't be
+    /// looked up.
     [[nodiscard]] static std::optional<FileStamp> of(const QString& path);
 
     bool operator==(const FileStamp&) const = default;

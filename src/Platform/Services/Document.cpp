@@ -64,6 +64,13 @@ void Document::setFileURL(const QUrl& fileURL) {
         Q_EMIT displayNameChanged(displayName());
 }
 
+void Document::becomeFile(const QUrl& url, const std::optional<FileStamp>& stamp) {
+    setFileURL(url);
+    setFileStamp(stamp);
+    m_undoManager->removeAllActions();
+    m_undoManager->markSaved();
+}
+
 QString Document::displayName() const {
     if (!m_fileURL.isEmpty())
         return m_fileURL.fileName();

@@ -36,6 +36,10 @@ public:
     const std::optional<FileStamp>& fileStamp() const { return m_fileStamp; }
     void setFileStamp(const std::optional<FileStamp>& stamp) { m_fileStamp = stamp; }
 
+    /// The document holds what the file at `url` held when it had that stamp: it takes its name and counts as saved,
+    /// and what could be undone, which belongs to what it held before, is forgotten.
+    void becomeFile(const QUrl& url, const std::optional<FileStamp>& stamp);
+
     /// The file's name with its extension; for an untitled document the name that it was given, or else "Untitled",
     /// "Untitled 2", …, the first that no other living document has.
     QString displayName() const;

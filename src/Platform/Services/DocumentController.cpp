@@ -113,10 +113,7 @@ void DocumentController::readFile(Document& document, const QUrl& url) {
     // Before reading: what is written to the file from now on counts as a change of another program.
     const std::optional<FileStamp> stamp = FileStamp::of(url.toLocalFile());
     document.read(url);
-    document.setFileURL(url);
-    document.setFileStamp(stamp);
-    document.undoManager()->removeAllActions();
-    document.undoManager()->markSaved();
+    document.becomeFile(url, stamp);
 }
 
 std::shared_ptr<Document> DocumentController::newDocument() {

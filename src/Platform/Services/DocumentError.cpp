@@ -1,6 +1,7 @@
 #include "DocumentError.h"
 
 #include "FileError.h"
+#include "Logging.h"
 
 #include <new>
 
@@ -15,6 +16,7 @@ DocumentError::DocumentError(const FileError& error) : DocumentError(withAdvice(
 }
 
 DocumentError DocumentError::from(const std::exception& error) {
+    qCWarning(Logging::document) << "a document could not be read or written:" << Logging::causes(error);
     if (const auto* documentError = dynamic_cast<const DocumentError*>(&error))
         return *documentError;
     if (dynamic_cast<const std::bad_alloc*>(&error))

@@ -15,7 +15,7 @@ public:
     /// For a document that could not be stored: says also what the user can do.
     explicit DocumentError(const FileError& error);
 
-    /// The same for whatever reading or writing has thrown.
+    /// The same for whatever reading or writing has thrown; logs its causes.
     static DocumentError from(const std::exception& error);
 
     QString sentence() const;

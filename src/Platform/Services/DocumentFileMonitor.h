@@ -39,7 +39,7 @@ private:
         std::optional<FileStamp> lastSeen; ///< none while there is no file
         bool isGone = false;               ///< the user has been told
         std::optional<FileStamp> stampWhenGone;
-        /// Of the undo manager; none when not all was in the file.
+        /// The undo manager's state that the file held; none when not all was in the file.
         std::optional<quint64> savedStateWhenGone;
     };
 

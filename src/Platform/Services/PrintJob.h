@@ -14,7 +14,7 @@ struct PrintJob {
     QString printer; ///< the queue's name
     QString title;   ///< what the queue shows
     int copies = 1;
-    /// Of the print service: "sides", "media" and the like with their values.
+    /// What the print service is told besides: "sides", "media" and the like with their values.
     QList<std::pair<QString, QString>> options;
 
     /// Hands the file to the service, without blocking. `finished` gets an empty string, or a sentence why it failed;

@@ -1,0 +1,113 @@
+#include "WorkspaceActions.h"
+
+#include "AnnotatingPDFView.h"
+#include "Shortcuts.h"
+#include "SymbolIcon.h"
+#include "ToolActions.h"
+
+#include <QAction>
+
+#include <algorithm>
+#include <optional>
+
+namespace {
+
+using Command = WorkspaceActions::Command;
+
+struct Row {
+    Command command;
+    QString name;                              ///< of the object
+    QString text;                              ///< in a menu
+    QString symbolName;                        ///< empty: it has no button
+    std::optional<PDFViewCommand> viewCommand; ///< none: the action is made here
+};
+
+/// Every command once, in the order of the enumeration.
+const std::array<Row, 13>& rows() {
+    static const std::array<Row, 13> table = {{
+        {Command::copy, QStringLiteral("copy"), QStringLiteral("&Copy"), {}, PDFViewCommand::copy},
+        {Command::selectAll, QStringLiteral("selectAll"), QStringLiteral("Select &All"), {}, PDFViewCommand::selectAll},
+        {Command::zoomIn,
+         QStringLiteral("zoomIn"),
+         QStringLiteral("Zoom &In"),
+         QStringLiteral("plus.magnifyingglass"),
+         {}},
+        {Command::zoomOut,
+         QStringLiteral("zoomOut"),
+         QStringLiteral("Zoom &Out"),
+         QStringLiteral("minus.magnifyingglass"),
+         {}},
+        {Command::zoomToFit,
+         QStringLiteral("zoomToFit"),
+         QStringLiteral("Zoom to &Fit"),
+         QStringLiteral("arrow.left.and.right.square"),
+         {}},
+        {Command::previousPage, QStringLiteral("previousPage"), QStringLiteral("&Previous Page"),
+         QStringLiteral("chevron.up"), PDFViewCommand::goToPreviousPage},
+        {Command::nextPage, QStringLiteral("nextPage"), QStringLiteral("&Next Page"), QStringLiteral("chevron.down"),
+         PDFViewCommand::goToNextPage},
+        {Command::firstPage,
+         QStringLiteral("firstPage"),
+         QStringLiteral("F&irst Page"),
+         {},
+         PDFViewCommand::goToFirstPage},
+        {Command::lastPage, QStringLiteral("lastPage"), QStringLiteral("&Last Page"), {}, PDFViewCommand::goToLastPage},
+        {Command::back, QStringLiteral("back"), QStringLiteral("&Back"), {}, PDFViewCommand::goBack},
+        {Command::forward, QStringLiteral("forward"), QStringLiteral("&Forward"), {}, PDFViewCommand::goForward},
+        {Command::print, QStringLiteral("print"), QStringLiteral("&Print…"), {}, {}},
+        {Command::askAssistant, QStringLiteral("askAssistant"), QStringLiteral("&Ask"), QStringLiteral("sparkles"), {}},
+    }};
+    return table;
+}
+
+QString withoutMnemonic(QString text) {
+    return text.remove(QLatin1Char('&'));
+}
+
+} // namespace
+
+WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<ToolState> toolState, QObject* parent)
+    : QObject(parent), m_view(view), m_tools(new ToolActions(std::move(toolState), this)) {
+    for (const Row& row : rows()) {
+        QAction* action = view && row.viewCommand ? view->action(*row.viewCommand) : new QAction(this);
+        action->setObjectName(row.name);
+        action->setText(row.text);
+        action->setShortcuts(Shortcuts::of(row.name));
+        action->setShortcutContext(Qt::WindowShortcut);
+        action->setToolTip(QStringLiteral("%1 (%2)").arg(withoutMnemonic(row.text), Shortcuts::text(row.name)));
+        if (!row.symbolName.isEmpty()) {
+            action->setIcon(SymbolIcon::icon(row.symbolName));
+            action->setIconVisibleInMenu(false);
+        }
+        if (!view)
+            action->setEnabled(false);
+        m_actions[static_cast<std::size_t>(row.command)] = action;
+    }
+    QAction* ask = action(Command::askAssistant);
+    ask->setCheckable(true);
+    ask->setToolTip(QStringLiteral("Ask the AI assistant about this PDF (%1)").arg(Shortcuts::text(ask->objectName())));
+    if (!view)
+        return;
+    connect(action(Command::zoomIn), &QAction::triggered, this, [this] { zoomBy(zoomStep); });
+    connect(action(Command::zoomOut), &QAction::triggered, this, [this] { zoomBy(-zoomStep); });
+    connect(action(Command::zoomToFit), &QAction::triggered, this,
+            [this] { m_view->setScaleFactor(m_view->scaleFactorForSizeToFit()); });
+    connect(view, &PDFView::scaleChanged, this, &WorkspaceActions::updateZoomActions);
+    updateZoomActions();
+}
+
+WorkspaceActions::~WorkspaceActions() = default;
+
+QAction* WorkspaceActions::action(Command command) const {
+    return m_actions[static_cast<std::size_t>(command)];
+}
+
+void WorkspaceActions::zoomBy(double step) {
+    m_view->setScaleFactor(
+        std::clamp(m_view->scaleFactor() + step, m_view->minScaleFactor(), m_view->maxScaleFactor()));
+}
+
+void WorkspaceActions::updateZoomActions() {
+    action(Command::zoomIn)->setEnabled(m_view->scaleFactor() < m_view->maxScaleFactor());
+    action(Command::zoomOut)->setEnabled(m_view->scaleFactor() > m_view->minScaleFactor());
+}

@@ -1,0 +1,217 @@
+#include "PDFEditorWorkspaceView.h"
+
+#include "AnnotatingPDFView.h"
+#include "AssistantDock.h"
+#include "AssistantPanel.h"
+#include "AssistantViewModel.h"
+#include "FileOpenRouter.h"
+#include "LineStyleHoverModifier.h"
+#include "LineStylePicker.h"
+#include "OpenPanel.h"
+#include "PDFEditorDocument.h"
+#include "PDFKitRepresentedView.h"
+#include "PDFViewCoordinator.h"
+#include "Palette.h"
+#include "PassingNotice.h"
+#include "PrintPanel.h"
+#include "SignaturePickerView.h"
+#include "ToolActions.h"
+#include "ToolState.h"
+#include "UndoManager.h"
+#include "WebLink.h"
+#include "WorkspaceActions.h"
+#include "WorkspaceToolbar.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QMessageBox>
+#include <QVBoxLayout>
+
+// A sentence about the file takes longer to read than the name of a tool.
+static constexpr std::chrono::seconds openNoticeTime{6};
+
+// Of the viewer, in pixels: the assistant leaves that much of a narrow window.
+static constexpr int smallestViewerWidth = 220;
+
+PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument> document, const QUrl& fileURL,
+                                               std::shared_ptr<ToolState> toolState, UserDefaults& defaults,
+                                               QWidget* parent)
+    : QWidget(parent), m_document(std::move(document)), m_toolState(std::move(toolState)),
+      m_coordinator(new PDFViewCoordinator(defaults, this)), m_defaults(defaults),
+      m_assistantDock(new AssistantDock([this] { return makeAssistantPanel(); })) {
+    setObjectName(QStringLiteral("workspace"));
+    auto* viewerArea = new QWidget(this);
+    PDFKitRepresentedView representation;
+    representation.toolState = m_toolState;
+    representation.pdfDocument = m_document->pdfDocument();
+    representation.coordinator = m_coordinator;
+    representation.fileURL = fileURL;
+    representation.onAskAI = [this](const QString& prompt, bool send) { askAI(prompt, send); };
+    representation.onTextExtracted = [this](const QString& text) { handleExtractedText(text); };
+    representation.undoManager = m_document->undoManager();
+    m_pdfView = representation.makeView(viewerArea);
+    m_pdfView->setObjectName(QStringLiteral("viewer"));
+    m_pdfView->setFrameShape(QFrame::NoFrame);
+    m_actions = new WorkspaceActions(m_pdfView, m_toolState, this);
+    m_notice = new PassingNotice(viewerArea);
+    m_toolbar = new WorkspaceToolbar(*m_actions, m_toolState, *m_coordinator);
+
+    auto* viewerLayout = new QVBoxLayout(viewerArea);
+    viewerLayout->setContentsMargins(0, 0, 0, 0);
+    viewerLayout->addWidget(m_pdfView);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_toolbar);
+    // What the assistant leaves.
+    viewerArea->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto* content = new QHBoxLayout;
+    content->setSpacing(0);
+    content->addWidget(viewerArea, 1);
+    content->addWidget(m_assistantDock);
+    layout->addLayout(content, 1);
+    m_lineStylePicker = new LineStylePicker(m_toolState, this);
+    connectTools();
+    connectAssistant();
+    setFocusProxy(m_pdfView);
+
+    connect(m_actions->action(WorkspaceActions::Command::print), &QAction::triggered, this,
+            &PDFEditorWorkspaceView::print);
+    connect(m_toolbar, &WorkspaceToolbar::openRequested, this, &PDFEditorWorkspaceView::openNewDocument);
+    connect(m_toolbar, &WorkspaceToolbar::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
+    connect(m_pdfView, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
+    connect(m_pdfView, &AnnotatingPDFView::editingTextChanged, m_document.get(), &Document::setBeingTyped);
+    connect(m_document.get(), &Document::commitEditingRequested, m_pdfView, &AnnotatingPDFView::applyEditors);
+    if (!m_document->openNotice().isEmpty())
+        m_notice->announce(m_document->openNotice(), openNoticeTime);
+}
+
+PDFEditorWorkspaceView::~PDFEditorWorkspaceView() {
+    m_document->setBeingTyped(false);
+}
+
+void PDFEditorWorkspaceView::setFileURL(const QUrl& fileURL) {
+    m_coordinator->setFileURL(fileURL);
+    m_coordinator->updatePageIndicator();
+}
+
+void PDFEditorWorkspaceView::setShowsToolbar(bool shows) {
+    m_toolbar->setVisible(shows);
+}
+
+int PDFEditorWorkspaceView::toolbarHeight() const {
+    return m_toolbar->height();
+}
+
+void PDFEditorWorkspaceView::connectTools() {
+    const ToolActions& tools = m_actions->tools();
+    connect(&tools, &ToolActions::toolChosen, this, &PDFEditorWorkspaceView::selectTool);
+    connect(&tools, &ToolActions::markupChosen, this, &PDFEditorWorkspaceView::toggleMarkup);
+    connect(&tools, &ToolActions::editTextChosen, this, &PDFEditorWorkspaceView::toggleTextEditingMode);
+    new LineStyleHoverModifier(*m_toolbar->toolButton(AnnotationTool::line), *m_lineStylePicker);
+    connect(m_toolbar, &WorkspaceToolbar::lineEndStylesRequested, this,
+            [this](const QWidget* button) { m_lineStylePicker->popUpWithFocus(*button); });
+}
+
+void PDFEditorWorkspaceView::selectTool(AnnotationTool tool) {
+    m_toolState->setTool(tool);
+    m_toolState->setActiveMarkupMode(std::nullopt);
+    m_toolState->setTextEditingModeEnabled(false);
+    m_notice->announce(QStringLiteral("Switched to %1 Tool").arg(info(tool).label));
+    if (tool == AnnotationTool::signature)
+        (new SignaturePickerView(m_toolState->signatureStore(), this))->popUp(*m_toolbar->toolButton(tool));
+}
+
+void PDFEditorWorkspaceView::toggleTextEditingMode() {
+    m_toolState->setTextEditingModeEnabled(!m_toolState->isTextEditingModeEnabled());
+    if (!m_toolState->isTextEditingModeEnabled())
+        return;
+    m_toolState->setTool(AnnotationTool::select);
+    m_toolState->setActiveMarkupMode(std::nullopt);
+    m_notice->announce(QStringLiteral("Editing Mode — click any line of text to edit it"));
+}
+
+void PDFEditorWorkspaceView::toggleMarkup(MarkupAction action) {
+    if (m_coordinator->applyMarkup(action))
+        return;
+    if (m_toolState->activeMarkupMode() == action) {
+        m_toolState->setActiveMarkupMode(std::nullopt);
+        return;
+    }
+    m_toolState->setActiveMarkupMode(action);
+    m_toolState->setTool(AnnotationTool::select);
+    m_toolState->setTextEditingModeEnabled(false);
+}
+
+void PDFEditorWorkspaceView::connectAssistant() {
+    QAction* ask = m_actions->action(WorkspaceActions::Command::askAssistant);
+    connect(ask, &QAction::triggered, this, [this] { setShowsAssistant(!showsAssistant()); });
+    connect(m_assistantDock, &AssistantDock::panelShownChanged, ask, &QAction::setChecked);
+    connect(m_assistantDock, &AssistantDock::panelShownChanged, this, [this](bool shown) {
+        if (!shown && m_assistantDock->isAncestorOf(focusWidget()))
+            m_pdfView->setFocus();
+    });
+}
+
+AssistantPanel* PDFEditorWorkspaceView::makeAssistantPanel() {
+    auto* panel = new AssistantPanel(assistant());
+    panel->onClose = [this] { setShowsAssistant(false); };
+    connect(panel, &AssistantPanel::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
+    return panel;
+}
+
+const std::shared_ptr<AssistantViewModel>& PDFEditorWorkspaceView::assistant() {
+    if (!m_assistant)
+        m_assistant = AssistantViewModel::create(
+            AssistantContext{m_document->pdfDocument(), m_coordinator, m_document->fileURL()}, m_defaults);
+    return m_assistant;
+}
+
+bool PDFEditorWorkspaceView::showsAssistant() const {
+    return m_assistantDock->isPanelShown();
+}
+
+void PDFEditorWorkspaceView::setShowsAssistant(bool shows) {
+    m_assistantDock->setPanelShown(shows);
+}
+
+void PDFEditorWorkspaceView::handleExtractedText(const QString& text) {
+    setShowsAssistant(true);
+    assistant()->appendAssistantTurn(QStringLiteral("Extracted text:\n\n") + text);
+}
+
+void PDFEditorWorkspaceView::askAI(const QString& prompt, bool send) {
+    setShowsAssistant(true);
+    assistant()->setDraft(prompt);
+    if (send)
+        assistant()->submit();
+}
+
+void PDFEditorWorkspaceView::openNewDocument() {
+    OpenPanel::show(this, FileOpenRouter::nameFilters(), [](const QUrl& url) { FileOpenRouter::open(url); });
+}
+
+void PDFEditorWorkspaceView::print() {
+    m_document->commitEditing();
+    const auto failed = [this](const QString& title, const QString& sentence) {
+        auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Print"), title, QMessageBox::Ok, window());
+        box->setObjectName(QStringLiteral("printFailure"));
+        box->setInformativeText(sentence);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
+    };
+    PrintPanel::show(m_document->pdfDocument(), m_document->displayName(), m_pdfView->currentPageIndex().value_or(0),
+                     this, {[this](const QString& sentence) { m_notice->announce(sentence); }, failed});
+}
+
+void PDFEditorWorkspaceView::resizeEvent(QResizeEvent* event) {
+    m_assistantDock->setAvailableWidth(width() - smallestViewerWidth);
+    layout()->activate();
+    QWidget::resizeEvent(event);
+}
+
+void PDFEditorWorkspaceView::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange)
+        m_pdfView->setBackgroundColor(Palette::appTint(palette()));
+    QWidget::changeEvent(event);
+}
