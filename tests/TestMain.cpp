@@ -40,13 +40,16 @@ static bool bringFontsAndLocale(const QString& home) {
 <fontconfig>
   <dir>/usr/share/fonts/truetype/dejavu</dir>
   <dir>/usr/share/fonts/truetype/quicksand</dir>
-  <dir>/usr/share/fonts/truetype/comic-neue</dir>
   <dir>/usr/share/fonts/opentype/comic-neue</dir>
+  <dir>/usr/share/fonts/opentype/urw-base35</dir>
   <cachedir>/var/cache/fontconfig</cachedir>
   <cachedir prefix="xdg">fontconfig</cachedir>
-  <alias><family>sans-serif</family><prefer><family>DejaVu Sans</family></prefer></alias>
   <alias><family>serif</family><prefer><family>DejaVu Serif</family></prefer></alias>
   <alias><family>monospace</family><prefer><family>DejaVu Sans Mono</family></prefer></alias>
+  <alias binding="same"><family>Helvetica</family><accept><family>Nimbus Sans</family></accept></alias>
+  <alias binding="same"><family>Times</family><accept><family>Nimbus Roman</family></accept></alias>
+  <alias binding="same"><family>Courier</family><accept><family>Nimbus Mono PS</family></accept></alias>
+  <match><edit name="family" mode="append_last"><string>DejaVu Sans</string></edit></match>
 </fontconfig>
 )";
     QFile file(home + QLatin1String("/fonts.conf"));
