@@ -11,54 +11,70 @@
 #include <algorithm>
 #include <utility>
 
-namespace {
-
-/// The scripts of an accented letter are the letter's own: they stand beside it and not beside the accent.
-void moveScripts(MTMathAtom& from, MTMathAtom& to) {
-    to.setSubScript(from.subScript());
-    to.setSuperScript(from.superScript());
-    from.setSubScript(nullptr);
-    from.setSuperScript(nullptr);
+void MTTypesetter::addAccent(const MTAccent& accent) {
+    addLeftSpace(MTMathAtomType::ordinary);
+    addAccent(accent, accent);
+    // Behind scripts, nothing follows the letter itself.
+    const auto letter = hasScripts(accent) ? std::nullopt : accentedLetter(accent);
+    if (letter)
+        m_accentLean = styleMetrics().getItalicCorrection(*letter);
 }
 
-} // namespace
-
-std::unique_ptr<MTDisplay> MTTypesetter::makeAccent(MTAccent& accent) {
+MTTypesetter::Extent MTTypesetter::addAccent(const MTAccent& accent, const MTMathAtom& scripted) {
     if (!accent.innerList)
         throw MTException(QStringLiteral("An accent has something under it."));
-    const MTMathList* const inner = accent.innerList.get();
     const auto glyph = findGlyphForLastCharacter(accent.nucleus);
-    const bool movesScripts = glyph && hasScripts(accent) && isSingleCharAccentee(accent);
-
+    const bool movesScripts = glyph && hasScripts(scripted) && isSingleCharAccentee(accent);
+    Extent bare{};
     ListDisplay accentee;
-    const auto known = m_formula.accentees.find(inner);
-    Formula::Extent bare{};
-    if (movesScripts && known != m_formula.accentees.end()) {
-        bare = known->second;
+    if (movesScripts) {
+        accentee = layOutScriptedLetter(accent, scripted, bare);
     } else {
         accentee = layOut(accent.innerList, m_style, true);
         bare = {accentee->ascent(), accentee->width()};
-        m_formula.accentees.insert_or_assign(inner, bare);
     }
-    if (!glyph) {
+
+    std::unique_ptr<MTDisplay> display;
+    if (glyph) {
+        const FoundGlyph found = findVariantGlyph(*glyph, bare.width);
+        const double delta = std::min(bare.ascent, styleMetrics().accentBaseHeight());
+        const QPointF position(getSkew(accent, bare.width, found.glyph), bare.ascent - delta);
+        auto accentGlyph =
+            std::make_unique<MTGlyphDisplay>(found.glyph, found.extent, m_styleFont, position, accent.indexRange);
+        // By the letter's height without its scripts.
+        const double height = position.y() + found.extent.ascent;
+        display = std::make_unique<MTAccentDisplay>(std::move(accentGlyph), std::move(accentee), height,
+                                                    m_currentPosition, accent.indexRange);
+        bare.ascent = std::max(bare.ascent, height);
+    } else {
         accentee->setPosition(m_currentPosition);
-        return accentee;
+        display = std::move(accentee);
     }
 
-    const FoundGlyph found = findVariantGlyph(*glyph, bare.width);
-    const double delta = std::min(bare.ascent, styleMetrics().accentBaseHeight());
-    const QPointF position(getSkew(accent, bare.width, found.glyph), bare.ascent - delta);
-    auto accentGlyph =
-        std::make_unique<MTGlyphDisplay>(found.glyph, found.extent, m_styleFont, position, accent.indexRange);
+    MTDisplay& added = *display;
+    addDisplay(std::move(display));
+    if (hasScripts(scripted) && !movesScripts)
+        makeScripts(scripted, added, accent.indexRange.location, 0);
+    m_lastType = MTMathAtomType::ordinary;
+    return bare;
+}
 
-    if (movesScripts) {
-        moveScripts(accent, *accent.innerList->atoms().front());
-        accentee = layOut(accent.innerList, m_style, m_cramped);
+MTTypesetter::ListDisplay MTTypesetter::layOutScriptedLetter(const MTAccent& accent, const MTMathAtom& scripted,
+                                                             Extent& bare) {
+    const MTMathList& list = *accent.innerList;
+    const AtomPointer& letter = list.atoms().front();
+    if (const auto* const inner = dynamic_cast<const MTAccent*>(letter.get())) {
+        // What is under a pile of accents is laid out once, however high the pile is.
+        MTTypesetter typesetter(m_formula, m_style, m_cramped, false);
+        bare = typesetter.addAccent(*inner, scripted);
+        return typesetter.takeList(list);
     }
-    // By the letter's height without its scripts.
-    const double height = position.y() + found.extent.ascent;
-    return std::make_unique<MTAccentDisplay>(std::move(accentGlyph), std::move(accentee), height, m_currentPosition,
-                                             accent.indexRange);
+    const ListDisplay plain = layOut(accent.innerList, m_style, true);
+    bare = {plain->ascent(), plain->width()};
+    const AtomPointer copy = letter->copy();
+    copy->setSubScript(scripted.subScript());
+    copy->setSuperScript(scripted.superScript());
+    return layOut(std::make_shared<MTMathList>(copy), m_style, m_cramped);
 }
 
 MTTypesetter::FoundGlyph MTTypesetter::findVariantGlyph(CGGlyph glyph, double maxWidth) const {
