@@ -27,7 +27,8 @@ only_in 'Platform/Conversion' 'tesseract/|leptonica/'
 only_in 'Platform/PDF|MathRender|MathBundle' 'hb[-.]|ft2build|freetype'
 
 # The rooms and their arrows are read from quillo_library(<target> …) and quillo_room(<target> …): each word of a call that
-# is a target is an arrow. Rooms inside of a library see the public types of the library's own folder above them.
+# is a target is an arrow, and one to a library goes to its OPEN_ROOMS as well. Rooms inside of a library see the public
+# types of the library's own folder above them.
 {
     git ls-files --cached --others --exclude-standard -- 'src/*CMakeLists.txt' | while read -r list; do
         [[ -f $list ]] && sed "s|^|L ${list%/CMakeLists.txt} |; s/#.*//; s/[()]/ & /g" "$list"
@@ -41,15 +42,19 @@ only_in 'Platform/PDF|MathRender|MathBundle' 'hb[-.]|ft2build|freetype'
     $1 == "L" {
         for (i = 3; i <= NF; ++i) {
             if ($i ~ /^quillo_(library|room)$/) {
-                inCall = 1; naming = 1; isRoom = $i == "quillo_room"
+                inCall = 1; naming = 1; isOpen = 0; isRoom = $i == "quillo_room"
             } else if (inCall && $i == ")") {
                 inCall = 0
             } else if (inCall && $i != "(") {
+                if ($i ~ /^[A-Z_]+$/)
+                    isOpen = $i == "OPEN_ROOMS"
                 if (naming) {
-                    folderOf[$i] = $2; naming = 0
+                    target = $i; folderOf[target] = $2; naming = 0
                     kind[$2] = isRoom ? "room" : "library"
                 } else {
                     words[$2] = words[$2] " " $i
+                    if (isOpen)
+                        open[target] = open[target] " " $i
                 }
             }
         }
@@ -59,7 +64,11 @@ only_in 'Platform/PDF|MathRender|MathBundle' 'hb[-.]|ft2build|freetype'
     END {
         folderOf["quillo_base"] = "src/Base"
         for (folder in kind) {
-            n = split(words[folder] " quillo_base", names, " ")
+            named = words[folder] " quillo_base"
+            n = split(named, names, " ")
+            for (i = 1; i <= n; ++i)
+                named = named open[names[i]]
+            n = split(named, names, " ")
             for (i = 1; i <= n; ++i)
                 if (names[i] in folderOf)
                     may[folder, folderOf[names[i]]] = 1

@@ -28,7 +28,7 @@ protected:
 
     static CGGlyph named(const char* name) { return font->glyphWithName(QString::fromLatin1(name)); }
 
-    // Of a thousand units to the em at 100 points, so a point is ten units.
+    // The font has a thousand units to the em, so at 100 points a point is ten units.
     static void SetUpTestSuite() { font = std::make_shared<MTFont>(MathFontFiles::latinModern(), 100); }
     static void TearDownTestSuite() { font.reset(); }
 

@@ -259,6 +259,10 @@ TEST(Accents, scriptsOfAnAccentedLetterStandBesideTheLetter) {
     const auto& dot =
         at<MTAccentDisplay>(at<MTAccentDisplay>(at<MTAccentDisplay>(*pile, 0).accentee(), 0).accentee(), 0);
     expectPosition(at(dot.accentee(), 1), {57.2, 36.3});
+    // What is under the pile doesn't rise with scripts beside the pile.
+    EXPECT_NEAR(layout(u"\\hat{\\bar{\\hat x^2+1}}^2")->ascent(), layout(u"\\hat{\\bar{\\hat x^2+1}}")->ascent(), 1e-9);
+    // A letter behind the scripts keeps clear of them alone, not of the lean of f.
+    EXPECT_NEAR(layout(u"\\hat f^2b")->width(), layout(u"\\hat f^2")->width() + layout(u"b")->width(), 1e-9);
 }
 
 TEST(Lines, overAndUnder) {

@@ -142,7 +142,7 @@ TEST(MTTypesetter, highAndDeepScriptsKeepTheirDistance) {
     const auto high = layout(u"x_{\\frac12}");
     const auto& sub = at<MTMathListDisplay>(*high, 1);
     expectPosition(sub, {57.2, -(sub.ascent() - 34.4)});
-    // Of a box they hang on its corners: 25 and 20 thousandths of the script's em from them.
+    // The scripts of a box hang on its corners: 25 and 20 thousandths of the script's em from them.
     const auto box = layout(u"\\frac12_a^b");
     expectPosition(at(*box, 1), {50, 134.3 - 17.5});
     expectPosition(at(*box, 2), {50, -(68.6 + 14)});

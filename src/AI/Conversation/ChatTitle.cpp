@@ -1,11 +1,11 @@
 #include "ChatTitle.h"
 
-#include "UserCharacters.h"
+#include "GraphemeClusters.h"
 
 QString ChatTitle::fromFirstMessage(const QString& message) {
     constexpr qsizetype limit = 42;
     QString line = message.trimmed().replace(u'\n', u' ');
-    const qsizetype end = UserCharacters::endOfFirst(line, limit);
+    const qsizetype end = GraphemeClusters::endOfFirst(line, limit);
     if (end == line.size())
         return line;
     const QString start = line.left(end);

@@ -1,9 +1,9 @@
 #include "DocumentIndex.h"
 
 #include "DocumentText.h"
+#include "GraphemeClusters.h"
 #include "PDFDocument.h"
 #include "PDFOutline.h"
-#include "UserCharacters.h"
 
 #include <QSet>
 #include <QStringMatcher>
@@ -15,8 +15,8 @@ namespace {
 constexpr qsizetype excerptMargin = 40; // user-perceived characters on either side of a hit
 
 QString excerptAround(const QString& text, qsizetype start, qsizetype end) {
-    const qsizetype from = UserCharacters::before(text, start, excerptMargin);
-    const qsizetype to = UserCharacters::after(text, end, excerptMargin);
+    const qsizetype from = GraphemeClusters::before(text, start, excerptMargin);
+    const qsizetype to = GraphemeClusters::after(text, end, excerptMargin);
     return text.mid(from, to - from).replace(u'\n', u' ');
 }
 

@@ -3,6 +3,7 @@
 #include "AnnotatingPDFView.h"
 #include "DocumentIndex.h"
 #include "DocumentText.h"
+#include "GraphemeClusters.h"
 #include "PDFDestination.h"
 #include "PDFDocument.h"
 #include "PDFOutline.h"
@@ -12,7 +13,6 @@
 #include "SelectionReader.h"
 #include "ToolArguments.h"
 #include "ToolSchema.h"
-#include "UserCharacters.h"
 
 #include <algorithm>
 
@@ -103,11 +103,11 @@ QString documentText(const DocumentText& text, const QJsonObject&) {
     qsizetype length = 0; // of `result`, in the same; no cluster goes across the newline between two pieces
     const auto append = [&result, &length](const QString& piece) {
         result += piece;
-        length += UserCharacters::count(piece);
+        length += GraphemeClusters::count(piece);
     };
     for (int i = 0; i < text.pageCount() && !text.isStopped(); ++i) {
         if (length > limit) {
-            return result.left(UserCharacters::endOfFirst(result, limit)) +
+            return result.left(GraphemeClusters::endOfFirst(result, limit)) +
                    QStringLiteral("\n\n[Truncated — document is longer than fits in one call. Use get_page_text or "
                                   "search_document for anything past this point.]");
         }

@@ -1,8 +1,8 @@
 #include "TextOnlyTools.h"
 
+#include "GraphemeClusters.h"
 #include "ToolArguments.h"
 #include "ToolSchema.h"
-#include "UserCharacters.h"
 
 #include <QStringList>
 
@@ -12,7 +12,7 @@ constexpr QLatin1String queryArgument("query");
 
 QString fullText(const QString& text) {
     constexpr qsizetype limit = 60'000; // user-perceived characters
-    const qsizetype end = UserCharacters::endOfFirst(text, limit);
+    const qsizetype end = GraphemeClusters::endOfFirst(text, limit);
     if (end == text.size())
         return text;
     return text.left(end) +
@@ -32,8 +32,8 @@ QString searchText(const QString& text, const QJsonObject& input) {
     for (qsizetype hit = lowerText.indexOf(lowerQuery); hit >= 0 && excerpts.size() < limit;) {
         const qsizetype end = hit + lowerQuery.size();
         // Lower case may be longer than what it comes from: such places are off by a little, or behind the end.
-        const qsizetype from = UserCharacters::before(text, hit, margin);
-        const qsizetype to = UserCharacters::after(text, end, margin);
+        const qsizetype from = GraphemeClusters::before(text, hit, margin);
+        const qsizetype to = GraphemeClusters::after(text, end, margin);
         excerpts.append(QStringLiteral("…") + text.mid(from, to - from) + QStringLiteral("…"));
         hit = lowerText.indexOf(lowerQuery, end);
     }

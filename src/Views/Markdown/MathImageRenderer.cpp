@@ -19,7 +19,7 @@
 
 namespace {
 
-using MathImageRenderer::MathImage;
+using MathImageRenderer::RenderedFormula;
 
 constexpr QSize canvas{2000, 400}; // points; a formula is set at its left, in the middle of its height
 constexpr int leastInkAlpha = 11;
@@ -38,8 +38,8 @@ size_t qHash(const Key& key, size_t seed = 0) {
     return qHashMulti(seed, key.latex, key.fontSize, quint64(key.color), key.devicePixelRatio);
 }
 
-QCache<Key, MathImage>& cache() {
-    static QCache<Key, MathImage> images(MathImageRenderer::maximumCount);
+QCache<Key, RenderedFormula>& cache() {
+    static QCache<Key, RenderedFormula> images(MathImageRenderer::maximumCount);
     return images;
 }
 
@@ -97,8 +97,8 @@ std::shared_ptr<const MTFont> fontOfSize(double fontSize) {
     }
 }
 
-std::optional<MathImage> renderUncached(const QString& latex, double fontSize, const QColor& color,
-                                        double devicePixelRatio) {
+std::optional<RenderedFormula> renderUncached(const QString& latex, double fontSize, const QColor& color,
+                                              double devicePixelRatio) {
     const auto list = MTMathListBuilder::build(latex);
     const auto font = list ? fontOfSize(fontSize) : nullptr;
     if (!font)
@@ -121,19 +121,19 @@ std::optional<MathImage> renderUncached(const QString& latex, double fontSize, c
         devicePixelRatio == 1 ? image.copy(cut.translated(-reach.topLeft())) : drawn(*display, cut, devicePixelRatio);
     if (image.isNull())
         return std::nullopt;
-    return MathImage{image, cut.top() + cut.height() - (canvas.height() - display->position().y())};
+    return RenderedFormula{image, cut.top() + cut.height() - (canvas.height() - display->position().y())};
 }
 
 } // namespace
 
-std::optional<MathImage> MathImageRenderer::render(const QString& latex, double fontSize, const QColor& color,
-                                                   double devicePixelRatio) {
+std::optional<RenderedFormula> MathImageRenderer::render(const QString& latex, double fontSize, const QColor& color,
+                                                         double devicePixelRatio) {
     const Key key{latex, fontSize, color.rgba64(), devicePixelRatio};
-    if (const MathImage* const kept = cache().object(key))
+    if (const RenderedFormula* const kept = cache().object(key))
         return *kept;
-    std::optional<MathImage> image = renderUncached(latex, fontSize, color, devicePixelRatio);
+    std::optional<RenderedFormula> image = renderUncached(latex, fontSize, color, devicePixelRatio);
     if (image)
-        cache().insert(key, new MathImage(*image));
+        cache().insert(key, new RenderedFormula(*image));
     return image;
 }
 

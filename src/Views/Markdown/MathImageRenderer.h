@@ -12,7 +12,7 @@ class MemoryPressureMonitor;
 namespace MathImageRenderer {
 
 /// A formula on a transparent ground, cut to its ink and 3 points around.
-struct MathImage {
+struct RenderedFormula {
     QImage image;
     double descent = 0; ///< points of the image below the formula's baseline
 };
@@ -23,8 +23,8 @@ inline constexpr int maximumCount = 500;
 /// The formula in display style and Latin Modern Math. Its size in points is that of a screen with one pixel to the
 /// point; a `devicePixelRatio` above 1 makes it sharper, not larger. None for a source that is no formula or leaves no
 /// ink, which is tried again the next time. What lies outside of 2000 by 400 points is cut off.
-[[nodiscard]] std::optional<MathImage> render(const QString& latex, double fontSize, const QColor& color,
-                                              double devicePixelRatio = 1);
+[[nodiscard]] std::optional<RenderedFormula> render(const QString& latex, double fontSize, const QColor& color,
+                                                    double devicePixelRatio = 1);
 
 /// Kept images now.
 [[nodiscard]] int count();

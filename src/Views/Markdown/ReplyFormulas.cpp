@@ -11,7 +11,7 @@
 
 /// A text document puts the middle of an image a quarter of an x-height above the baseline, so an image whose baseline
 /// is elsewhere gets clear rows above or below. `halfXHeight` in points.
-static QImage onBaseline(const MathImageRenderer::MathImage& formula, double halfXHeight) {
+static QImage onBaseline(const MathImageRenderer::RenderedFormula& formula, double halfXHeight) {
     const QImage& image = formula.image;
     const double ratio = image.devicePixelRatio();
     const double ascent = image.deviceIndependentSize().height() - formula.descent;

@@ -7,7 +7,6 @@
 #include "PDFPage.h"
 #include "PageStrings.h"
 #include "PdfFixtures.h"
-#include "UserCharacters.h"
 
 #include <gtest/gtest.h>
 
@@ -107,20 +106,6 @@ TEST(DocumentIndexOutline, MatchesExactlyThenByContainmentThenByWords) {
         << "punctuation stays on the words";
     EXPECT_EQ(best(QStringLiteral(" \t "), {QStringLiteral("a b")}), QStringLiteral("none"));
     EXPECT_EQ(best(QStringLiteral("x"), {}), QStringLiteral("none"));
-}
-
-TEST(UserCharactersTest, CountsClustersAlsoFarIntoALongText) {
-    const QString family = QStringLiteral("👨‍👩‍👧");
-    const QString accented = QStringLiteral("e\u0301");
-    EXPECT_EQ(UserCharacters::count(family + accented + QStringLiteral("x")), 3);
-    QString text;
-    for (int i = 0; i < 300; ++i)
-        text += family;
-    EXPECT_EQ(UserCharacters::endOfFirst(text, 250), 250 * family.size());
-    EXPECT_EQ(UserCharacters::endOfFirst(text, 300), text.size());
-    EXPECT_EQ(UserCharacters::before(text, text.size(), 250), 50 * family.size());
-    EXPECT_EQ(UserCharacters::before(text, 2 * family.size(), 3), 0);
-    EXPECT_EQ(UserCharacters::after(text, text.size() + 7, 3), text.size());
 }
 
 TEST(ChatTitleTest, CutsBetweenWords) {

@@ -5,16 +5,16 @@
 
 #include <gtest/gtest.h>
 
-using MathImageRenderer::MathImage;
+using MathImageRenderer::RenderedFormula;
 
 namespace {
 
 const QColor ink(20, 40, 160);
 
-MathImage image(const char* latex, double size = 22, double ratio = 1) {
-    const std::optional<MathImage> made = MathImageRenderer::render(QString::fromLatin1(latex), size, ink, ratio);
+RenderedFormula image(const char* latex, double size = 22, double ratio = 1) {
+    const std::optional<RenderedFormula> made = MathImageRenderer::render(QString::fromLatin1(latex), size, ink, ratio);
     EXPECT_TRUE(made) << latex;
-    return made.value_or(MathImage());
+    return made.value_or(RenderedFormula());
 }
 
 /// The first and last row or column with ink, counted from the edges.
@@ -53,14 +53,14 @@ TEST(MathImageRenderer, theBaselineIsWhereLettersStand) {
     EXPECT_NEAR(image("x").descent, 3, 1) << "the margin";
     EXPECT_NEAR(image("m").descent, image("M").descent, 1);
     EXPECT_GT(image("y").descent, image("x").descent + 3);
-    const MathImage fraction = image("\\frac{x}{y}");
+    const RenderedFormula fraction = image("\\frac{x}{y}");
     EXPECT_GT(fraction.descent, 12);
     EXPECT_LT(fraction.descent, fraction.image.height() / 2.0);
 }
 
 TEST(MathImageRenderer, aFinerScreenGetsMorePixelsForTheSameSize) {
-    const MathImage plain = image("\\frac{\\pi^2}{6}");
-    const MathImage fine = image("\\frac{\\pi^2}{6}", 22, 2);
+    const RenderedFormula plain = image("\\frac{\\pi^2}{6}");
+    const RenderedFormula fine = image("\\frac{\\pi^2}{6}", 22, 2);
     EXPECT_EQ(fine.image.size(), plain.image.size() * 2);
     EXPECT_EQ(fine.image.deviceIndependentSize(), QSizeF(plain.image.size()));
     EXPECT_EQ(fine.descent, plain.descent);
@@ -72,7 +72,7 @@ TEST(MathImageRenderer, whatIsNoFormulaOrLeavesNoInkGivesNothing) {
         EXPECT_FALSE(MathImageRenderer::render(QString::fromLatin1(latex), 15, ink)) << latex;
     EXPECT_FALSE(MathImageRenderer::render(QString(200'000, u'{'), 15, ink));
     EXPECT_EQ(MathImageRenderer::count(), 0) << "failures are tried again";
-    const MathImage wide = image(QByteArray(40'000, 'm').constData());
+    const RenderedFormula wide = image(QByteArray(40'000, 'm').constData());
     EXPECT_LE(wide.image.width(), 2000);
     EXPECT_LE(
         image("\\begin{matrix}"

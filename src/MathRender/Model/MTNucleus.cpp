@@ -1,6 +1,6 @@
 #include "MTNucleus.h"
 
-#include "MTCharacterReader.h"
+#include "GraphemeClusters.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ QStringView MTNucleus::lastCharacter(QStringView nucleus) {
     if (nucleus[size - 2] == mathematicalAlphabets)
         return nucleus.last(2);
     QStringView last = nucleus;
-    for (MTCharacterReader reader(nucleus); reader.hasCharacters();)
+    for (GraphemeClusters::Reader reader(nucleus); reader.hasCharacters();)
         last = reader.next();
     return last;
 }

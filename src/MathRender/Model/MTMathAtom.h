@@ -49,7 +49,7 @@ public:
     /// script; otherwise nothing changes but for a line on the standard output.
     void fuse(const std::shared_ptr<MTMathAtom>& atom);
 
-    /// The atom as LaTeX source.
+    /// The atom as LaTeX source. Defined in Parser/MTMathListWriter.cpp: the model itself knows no commands.
     [[nodiscard]] QString string() const;
 
     /// A debugging text.

@@ -17,11 +17,11 @@ public:
     using Key = std::u16string_view Row::*;
     using ComesFirst = bool (*)(const Row&, const Row&);
 
-    /// Of rows with the same text the first of the table is kept.
+    /// Finds the first of several rows with the same text.
     consteval MTTextIndex(const Rows& rows, Key key)
         : MTTextIndex(rows, key, [](const Row&, const Row&) { return false; }) {}
 
-    /// Of rows with the same text the one is kept that `comesFirst` tells.
+    /// Finds, of several rows with the same text, the one that `comesFirst` puts before the others.
     consteval MTTextIndex(const Rows& rows, Key key, ComesFirst comesFirst) : m_rows(rows), m_key(key) {
         static_assert(Count < UINT16_MAX);
         for (std::size_t row = 0; row < Count; ++row) {

@@ -1,6 +1,6 @@
 #include "MTMathAlphabets.h"
 
-#include "MTCharacterReader.h"
+#include "GraphemeClusters.h"
 #include "MTException.h"
 #include "MTNucleus.h"
 
@@ -152,7 +152,7 @@ QString changeFont(const QString& string, MTFontStyle fontStyle) {
     const Styling styling = stylingOf(fontStyle);
     QString result;
     result.reserve(2 * string.size());
-    for (MTCharacterReader reader(string); reader.hasCharacters();) {
+    for (GraphemeClusters::Reader reader(string); reader.hasCharacters();) {
         const QStringView character = reader.next();
         const char32_t value = valueOf(character);
         const char32_t form = styling(value);

@@ -2,7 +2,6 @@
 
 #include "MTException.h"
 #include "MTMathList.h"
-#include "MTMathListWriter.h"
 
 #include <cstdio>
 
@@ -96,10 +95,6 @@ void MTMathAtom::fuse(const std::shared_ptr<MTMathAtom>& atom) {
     indexRange.length += atom->indexRange.length;
     setSubScript(atom->m_subScript);
     setSuperScript(atom->m_superScript);
-}
-
-QString MTMathAtom::string() const {
-    return MTMathListWriter::string(*this);
 }
 
 QString MTMathAtom::description() const {

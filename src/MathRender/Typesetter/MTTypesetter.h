@@ -13,7 +13,6 @@
 
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 class MTAccent;
@@ -56,14 +55,7 @@ public:
 private:
     /// What the typesetters of one formula share.
     struct Formula {
-        struct Extent {
-            double ascent;
-            double width;
-        };
-
         MTStyleFonts fonts;
-        /// Accentees as they are without scripts. Where accents are nested, those are asked for at every level.
-        std::unordered_map<const MTMathList*, Extent> accentees = {};
     };
 
     MTTypesetter(Formula& formula, MTLineStyle style, bool cramped, bool spaced);
@@ -77,13 +69,14 @@ private:
     [[nodiscard]] ListDisplay layOut(const ListPointer& list, MTLineStyle style, bool cramped, bool spaced = false) {
         return layOut(m_formula, list.get(), style, cramped, spaced);
     }
-    /// The atoms with letters styled and neighbouring ordinary ones made one (rule 14). Those of `list` are changed,
-    /// but stay fit for another call.
+    /// What was added so far, as the boxes of `list`, which has atoms.
+    [[nodiscard]] ListDisplay takeList(const MTMathList& list);
+    /// The atoms with letters styled and neighbouring ordinary ones made one (rule 14). Those of `list`
+    /// are changed, but stay fit for another call.
     [[nodiscard]] static std::vector<AtomPointer> preprocessMathList(const MTMathList& list);
     void createDisplayAtoms(const std::vector<AtomPointer>& preprocessed);
     void createDisplayAtom(const AtomPointer& atom);
     void setStyle(MTLineStyle style);
-    [[nodiscard]] const std::shared_ptr<const MTFont>& styleFont() const { return m_styleFont; }
     [[nodiscard]] const MTFontMathTable& styleMetrics() const;
     [[nodiscard]] MTLineStyle scriptStyle() const;
     [[nodiscard]] MTLineStyle fractionStyle() const;
@@ -149,7 +142,17 @@ private:
     [[nodiscard]] std::unique_ptr<MTDisplayDS> constructGlyph(CGGlyph glyph, double height) const;
 
     // Accents (MTTypesetterAccent.cpp)
-    [[nodiscard]] std::unique_ptr<MTDisplay> makeAccent(MTAccent& accent);
+    struct Extent {
+        double ascent;
+        double width;
+    };
+    /// With the scripts of `accent` beside the letter, if that is a single one, and else beside the whole.
+    void addAccent(const MTAccent& accent);
+    /// The same with the scripts of `scripted`, an accent above this one. Gives how far it reaches without them.
+    Extent addAccent(const MTAccent& accent, const MTMathAtom& scripted);
+    /// The single letter, or accented letter, under an accent with the scripts of `scripted`, and in `bare` how far it
+    /// reaches without them.
+    [[nodiscard]] ListDisplay layOutScriptedLetter(const MTAccent& accent, const MTMathAtom& scripted, Extent& bare);
     [[nodiscard]] FoundGlyph findVariantGlyph(CGGlyph glyph, double maxWidth) const;
     [[nodiscard]] double getSkew(const MTAccent& accent, double accenteeWidth, CGGlyph accentGlyph) const;
     /// The letter at the bottom of a pile of accents; none when that is a longer list.

@@ -260,16 +260,16 @@ void Writer::writeCommand(QStringView name) {
 
 } // namespace
 
-QString MTMathListWriter::string(const MTMathList& list) {
+QString MTMathList::string() const {
     Writer writer;
-    writer.writeList(&list);
+    writer.writeList(this);
     return writer.takeText();
 }
 
-QString MTMathListWriter::string(const MTMathAtom& atom) {
+QString MTMathAtom::string() const {
     Writer writer;
-    writer.changeFontStyle(atom.fontStyle);
-    writer.writeAtom(atom);
+    writer.changeFontStyle(fontStyle);
+    writer.writeAtom(*this);
     writer.changeFontStyle(MTFontStyle::defaultStyle);
     return writer.takeText();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MTCharacterReader.h"
+#include "GraphemeClusters.h"
 #include "MTFontStyle.h"
 #include "MTParseError.h"
 
@@ -132,7 +132,7 @@ private:
     /// A table without environment as the only atom of a list.
     ListPointer buildPlainTable(const ListPointer& firstList, bool isRow);
 
-    MTCharacterReader m_reader;
+    GraphemeClusters::Reader m_reader;
     MTInner* m_currentInnerAtom = nullptr; ///< the \left group being read
     std::optional<MTEnvProperties> m_currentEnv;
     MTFontStyle m_currentFontStyle = MTFontStyle::defaultStyle;

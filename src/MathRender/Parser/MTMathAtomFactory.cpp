@@ -1,8 +1,8 @@
 #include "MTMathAtomFactory.h"
 
+#include "GraphemeClusters.h"
 #include "MTAccent.h"
 #include "MTAccentedCharacters.h"
-#include "MTCharacterReader.h"
 #include "MTCommandTables.h"
 #include "MTFraction.h"
 #include "MTMathList.h"
@@ -184,7 +184,7 @@ std::shared_ptr<MTFraction> fraction(QStringView numerator, QStringView denomina
 
 std::vector<std::shared_ptr<MTMathAtom>> atomList(QStringView text) {
     std::vector<std::shared_ptr<MTMathAtom>> atoms;
-    MTCharacterReader reader(text);
+    GraphemeClusters::Reader reader(text);
     while (reader.hasCharacters()) {
         if (std::shared_ptr<MTMathAtom> atom = atomForCharacter(reader.next()))
             atoms.push_back(std::move(atom));

@@ -2,7 +2,6 @@
 
 #include "MTException.h"
 #include "MTMathAtom.h"
-#include "MTMathListWriter.h"
 
 namespace {
 
@@ -122,10 +121,6 @@ std::shared_ptr<MTMathList> MTMathList::finalized() const {
     if (prev && prev->type == MTMathAtomType::binaryOperator)
         prev->type = MTMathAtomType::unaryOperator;
     return result;
-}
-
-QString MTMathList::string() const {
-    return MTMathListWriter::string(*this);
 }
 
 QString MTMathList::description() const {

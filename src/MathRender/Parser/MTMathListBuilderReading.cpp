@@ -11,6 +11,11 @@ namespace {
 /// The commands of one character that is not a letter.
 constexpr QStringView singleCharacterCommands = u"{}$#%_| ,>;!\\";
 
+/// Whether a character is one of ASCII's from "!" to "~". All others count as blanks in a formula.
+bool isVisibleAscii(QStringView character) {
+    return character.size() == 1 && character.front() >= u'!' && character.front() <= u'~';
+}
+
 bool isCasedLetter(QStringView character) {
     const char32_t first = character.size() > 1 && character[0].isHighSurrogate() && character[1].isLowSurrogate()
                                ? QChar::surrogateToUcs4(character[0], character[1])
@@ -29,7 +34,7 @@ bool isColorCharacter(QStringView character) {
 
 void MTMathListBuilder::skipSpaces() {
     while (m_reader.hasCharacters()) {
-        if (MTCharacterReader::isVisibleAscii(m_reader.next())) {
+        if (isVisibleAscii(m_reader.next())) {
             m_reader.stepBack();
             return;
         }

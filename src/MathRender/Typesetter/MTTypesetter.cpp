@@ -49,10 +49,14 @@ MTTypesetter::ListDisplay MTTypesetter::layOut(Formula& formula, const MTMathLis
         return std::make_unique<MTMathListDisplay>(std::vector<std::unique_ptr<MTDisplay>>(), MTRange{});
     MTTypesetter typesetter(formula, style, cramped, spaced);
     typesetter.createDisplayAtoms(preprocessMathList(*list));
-    const MTRange range{0, list->atoms().back()->indexRange.end()};
-    auto display = std::make_unique<MTMathListDisplay>(std::move(typesetter.m_displayAtoms), range);
+    return typesetter.takeList(*list);
+}
+
+MTTypesetter::ListDisplay MTTypesetter::takeList(const MTMathList& list) {
+    const MTRange range{0, list.atoms().back()->indexRange.end()};
+    auto display = std::make_unique<MTMathListDisplay>(std::move(m_displayAtoms), range);
     // A list ends where its next atom would begin: with the space at its end and the room behind scripts.
-    display->setWidth(std::max(display->width(), typesetter.m_currentPosition.x()));
+    display->setWidth(std::max(display->width(), m_currentPosition.x()));
     return display;
 }
 
@@ -211,10 +215,7 @@ void MTTypesetter::createDisplayAtom(const AtomPointer& atom) {
         addBox(makeOverline(as<MTInnerListAtom>(*atom)), *atom, MTMathAtomType::ordinary);
         break;
     case MTMathAtomType::accent:
-        addLeftSpace(MTMathAtomType::ordinary);
-        addBox(makeAccent(as<MTAccent>(*atom)), *atom, MTMathAtomType::ordinary);
-        if (const auto letter = accentedLetter(static_cast<const MTAccent&>(*atom)))
-            m_accentLean = styleMetrics().getItalicCorrection(*letter);
+        addAccent(as<MTAccent>(*atom));
         break;
     case MTMathAtomType::table:
         addLeftSpace(MTMathAtomType::inner);

@@ -3,13 +3,10 @@
 #include <QString>
 
 class MTMathAtom;
-class MTMathList;
 
-/// Writes formulas as LaTeX source.
+/// Writes formulas as LaTeX source. What writes a whole list and an atom is declared with them: MTMathList::string()
+/// and MTMathAtom::string().
 namespace MTMathListWriter {
-
-[[nodiscard]] QString string(const MTMathList& list);
-[[nodiscard]] QString string(const MTMathAtom& atom);
 
 /// What stands behind \left or \right for a boundary: "(", "\lceil". Empty for a character that is no delimiter.
 [[nodiscard]] QString delimiterString(const MTMathAtom& boundary);

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Of the font's size.
+// The distances of rows, as parts of the font's size.
 constexpr double kBaseLineSkipMultiplier = 1.2; ///< between the baselines of rows
 constexpr double kLineSkipMultiplier = 0.1;     ///< between rows that are too high for that
 constexpr double kLineSkipLimitMultiplier = 0;  ///< the least room that the first leaves, or they are

@@ -30,7 +30,7 @@ MTMathListBuilder::ListPointer MTMathListBuilder::build(QStringView source, std:
 }
 
 QString MTMathListBuilder::mathListToString(const std::shared_ptr<MTMathList>& list) {
-    return list ? MTMathListWriter::string(*list) : QString();
+    return list ? list->string() : QString();
 }
 
 QString MTMathListBuilder::delimToString(const MTMathAtom& delim) {

@@ -47,7 +47,7 @@ public:
     /// into numbers, and every atom's place set.
     [[nodiscard]] std::shared_ptr<MTMathList> finalized() const;
 
-    /// The list as LaTeX source.
+    /// The list as LaTeX source. Defined in Parser/MTMathListWriter.cpp: the model itself knows no commands.
     [[nodiscard]] QString string() const;
 
     /// A debugging text of the atoms.
