@@ -16,7 +16,7 @@
 static constexpr double zoomStep = 1.2;
 static constexpr QSize preferredSize(800, 1000);
 
-PDFView::PDFView(QWidget* parent) : QAbstractScrollArea(parent), m_parts(std::make_unique<PDFViewParts>(*this)) {
+PDFView::PDFView(QWidget* parent) : PageSurface(parent), m_parts(std::make_unique<PDFViewParts>(*this)) {
     PDFViewAccessible::install();
     setObjectName(QStringLiteral("pdfView"));
     setAccessibleName(tr("Document"));
@@ -240,24 +240,13 @@ std::shared_ptr<PDFPage> PDFView::pageAt(QPointF viewPoint, bool nearest) const 
     return index < 0 ? nullptr : document()->page(index);
 }
 
-QPointF PDFView::convertToPage(QPointF viewPoint, const PDFPage& page) const {
-    const auto toView = m_parts->pageToView(page);
-    return toView ? toView->inverted().map(viewPoint) : QPointF();
-}
-
-QRectF PDFView::convertToPage(const QRectF& viewRect, const PDFPage& page) const {
-    const auto toView = m_parts->pageToView(page);
-    return toView ? toView->inverted().mapRect(viewRect) : QRectF();
-}
-
-QPointF PDFView::convertFromPage(QPointF pagePoint, const PDFPage& page) const {
-    const auto toView = m_parts->pageToView(page);
-    return toView ? toView->map(pagePoint) : QPointF();
-}
-
-QRectF PDFView::convertFromPage(const QRectF& pageRect, const PDFPage& page) const {
-    const auto toView = m_parts->pageToView(page);
-    return toView ? toView->mapRect(pageRect) : QRectF();
+std::optional<QTransform> PDFView::pageToView(const PDFPage& page) const {
+    PageColumn& column = m_parts->column();
+    const int index = column.document() ? column.document()->index(&page) : -1;
+    if (index < 0)
+        return std::nullopt;
+    column.makeKnown(index);
+    return column.pageToView(index);
 }
 
 // Selection

@@ -268,15 +268,6 @@ void PDFViewParts::keepScaleWithinLimits() {
         view.setScaleFactor(view.scaleFactor());
 }
 
-std::optional<QTransform> PDFViewParts::pageToView(const PDFPage& page) {
-    PageColumn& pagesNow = column();
-    const int index = pagesNow.document() ? pagesNow.document()->index(&page) : -1;
-    if (index < 0)
-        return std::nullopt;
-    pagesNow.makeKnown(index);
-    return pagesNow.pageToView(index);
-}
-
 void PDFViewParts::bringBack(const std::optional<JumpHistory::Place>& place) {
     if (!place)
         return;

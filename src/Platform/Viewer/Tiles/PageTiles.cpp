@@ -1,6 +1,7 @@
 #include "PageTiles.h"
 
 #include "LiveAnnotations.h"
+#include "PDFPage.h"
 
 #include <QPainter>
 

@@ -2,7 +2,7 @@
 
 #include "PDFDocument.h"
 #include "PDFPage.h"
-#include "PDFView.h"
+#include "PageSurface.h"
 #include "ViewScroller.h"
 
 #include <QApplication>
@@ -25,7 +25,7 @@ static constexpr double flingTime = 0.4;
 static constexpr double restingTime = 0.15;
 static constexpr std::chrono::milliseconds flingInterval{8};
 
-TouchNavigation::TouchNavigation(PDFView& view, ViewScroller& scroller) : m_view(view), m_scroller(scroller) {
+TouchNavigation::TouchNavigation(PageSurface& view, ViewScroller& scroller) : m_view(view), m_scroller(scroller) {
     m_view.viewport()->setAttribute(Qt::WA_AcceptTouchEvents);
     m_fling.setTimerType(Qt::PreciseTimer);
     m_fling.setInterval(flingInterval);

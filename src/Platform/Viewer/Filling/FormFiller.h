@@ -13,7 +13,7 @@
 #include <optional>
 
 class PDFPage;
-class PDFView;
+class PageSurface;
 class PageColumn;
 class QKeyEvent;
 class QPainter;
@@ -25,7 +25,7 @@ class FormFiller : public QObject {
 
 public:
     /// Both outlive it.
-    FormFiller(PDFView& view, PageColumn& column);
+    FormFiller(PageSurface& view, PageColumn& column);
     ~FormFiller() override;
 
     [[nodiscard]] bool isEnabled() const { return m_isEnabled; }
@@ -101,7 +101,7 @@ private:
     void moveInGroup(const PDFFormField& field, int step);
     void setValue(PDFFormField field, const QStringList& value);
 
-    PDFView& m_view;
+    PageSurface& m_view;
     PageColumn& m_column;
     PageFields m_fields;
     FormTextEditor m_text;

@@ -2,7 +2,7 @@
 
 #include "ChoiceList.h"
 #include "PDFFormField.h"
-#include "PDFView.h"
+#include "PageSurface.h"
 
 #include <QKeyEvent>
 #include <QScreen>
@@ -13,7 +13,7 @@
 static constexpr int mostRows = 12;
 static constexpr int rowPadding = 3; // device-independent pixels
 
-ChoicePopup::ChoicePopup(PDFView& view) : m_view(view) {}
+ChoicePopup::ChoicePopup(PageSurface& view) : m_view(view) {}
 
 ChoicePopup::~ChoicePopup() {
     delete m_list;

@@ -10,6 +10,8 @@
 #include <memory>
 #include <vector>
 
+class PDFAnnotation;
+
 /// Sharp tiles with the live annotations of their page drawn in, so that scrolling draws none again and a change draws
 /// only what lies where it happened. Main thread only.
 class AnnotatedTiles {

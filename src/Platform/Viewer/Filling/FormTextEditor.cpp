@@ -4,7 +4,7 @@
 #include "FormFieldValues.h"
 #include "InlineFreeTextEditor.h"
 #include "PDFAnnotation.h"
-#include "PDFView.h"
+#include "PageSurface.h"
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
@@ -43,7 +43,7 @@ static QString shownText(const PDFFormField& field) {
     return value;
 }
 
-FormTextEditor::FormTextEditor(PDFView& view) : FormFieldEditor(view) {}
+FormTextEditor::FormTextEditor(PageSurface& view) : FormFieldEditor(view) {}
 
 FormTextEditor::~FormTextEditor() = default;
 

@@ -1,23 +1,12 @@
 #pragma once
 
-#include "PDFPage.h"
+#include "PlacedPage.h"
 #include "TileRenderer.h"
 
 #include <QRectF>
-#include <QTransform>
 
 #include <functional>
-#include <memory>
 #include <vector>
-
-/// A page that is on the screen or near it.
-struct PlacedPage {
-    int index = 0;
-    std::shared_ptr<PDFPage> page; ///< null for a page that can't be read
-    PageLook look;
-    QTransform pageToPixels; ///< page coordinates to device pixels of the page
-    QRectF rect;             ///< in the view, device pixels, on whole ones
-};
 
 /// Which tiles are wanted, and in which order.
 namespace TilePlan {

@@ -11,19 +11,19 @@
 #include <optional>
 
 class PDFPage;
-class PDFView;
+class PageSurface;
 class QTouchEvent;
 class ViewScroller;
 
 /// What fingers on the screen do to a view: one scrolls and flings the pages, two zoom and move them, a tap is a click,
-/// and a finger that stays asks for the menu. While `PDFView::fingerDraws` says so, one finger is the mouse. All of
+/// and a finger that stays asks for the menu. While `PageSurface::fingerDraws` says so, one finger is the mouse. All of
 /// these reach the view as the events of a mouse, to which it reacts in the way it does. Main thread only.
 class TouchNavigation : public QObject {
     Q_OBJECT
 
 public:
     /// Both outlive it.
-    TouchNavigation(PDFView& view, ViewScroller& scroller);
+    TouchNavigation(PageSurface& view, ViewScroller& scroller);
     ~TouchNavigation() override;
 
     /// Touches of the viewport. Always takes them.
@@ -55,7 +55,7 @@ private:
     void sendMouse(QEvent::Type type, QPointF viewPoint, Qt::MouseButtons buttons);
     [[nodiscard]] double devicePixelRatio() const;
 
-    PDFView& m_view;
+    PageSurface& m_view;
     ViewScroller& m_scroller;
     Mode m_mode = Mode::none;
     QPointF m_pressPoint;

@@ -36,7 +36,7 @@ Q_SIGNALS:
     void leftByTab(bool forward);
 
 protected:
-    explicit FormFieldEditor(PDFView& view);
+    explicit FormFieldEditor(PageSurface& view);
 
     /// A new child of the viewport that shows the value, without a place.
     [[nodiscard]] virtual QWidget* makeWidget() = 0;

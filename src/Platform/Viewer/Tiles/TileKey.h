@@ -1,30 +1,12 @@
 #pragma once
 
-#include "PDFPageContent.h"
-#include "PDFTypes.h"
+#include "PlacedPage.h"
 
 #include <QPoint>
 #include <QRect>
 #include <QSize>
 
 #include <cstddef>
-#include <vector>
-
-/// All that decides how a page's own picture looks: two pages with equal looks have the same pixels.
-struct PageLook {
-    PDFPageContent content;
-    std::vector<int> hiddenAnnotations; ///< see `PDFPage::hiddenFileAnnotations`
-    PDFDisplayBox box = PDFDisplayBox::cropBox;
-    int rotation = 0;
-    QSize pixels; ///< of the whole page
-
-    /// True when `other` shows the same sheet the same way up, at another size or with other annotations.
-    [[nodiscard]] bool showsSameSheet(const PageLook& other) const {
-        return content == other.content && box == other.box && rotation == other.rotation;
-    }
-
-    bool operator==(const PageLook&) const = default;
-};
 
 /// One tile of a page's picture: the cell of a grid that starts at the page's upper left corner.
 struct TileKey {

@@ -8,7 +8,7 @@
 
 class PDFDocument;
 class PDFPage;
-class PDFView;
+class PageSurface;
 class QKeyEvent;
 
 /// What the editors over a page have in common: one widget at a time, which keeps to its place on the page while that
@@ -37,7 +37,7 @@ Q_SIGNALS:
     void openChanged(bool isOpen);
 
 protected:
-    explicit PlacedEditor(PDFView& view);
+    explicit PlacedEditor(PageSurface& view);
 
     /// Commits this editor and all others of the viewer.
     void endOthers();
@@ -63,7 +63,7 @@ protected:
     /// Whether there is something to commit. Abandons an open editor whose page or subject is gone.
     [[nodiscard]] bool canCommit();
 
-    [[nodiscard]] PDFView& viewer() const { return m_view; }
+    [[nodiscard]] PageSurface& viewer() const { return m_view; }
     /// Null when none is open.
     [[nodiscard]] QWidget* widget() const { return m_widget; }
     [[nodiscard]] const std::shared_ptr<PDFPage>& page() const { return m_page; }
@@ -75,7 +75,7 @@ private:
     void follow();
     void followLater();
 
-    PDFView& m_view;
+    PageSurface& m_view;
     QPointer<QWidget> m_widget; // a child of the viewport
     std::shared_ptr<PDFPage> m_page;
     std::weak_ptr<PDFDocument> m_document; // whose signals are being listened to

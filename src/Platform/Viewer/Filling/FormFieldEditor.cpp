@@ -5,7 +5,7 @@
 #include "InlineFreeTextEditor.h"
 #include "PDFAnnotation.h"
 #include "PDFPage.h"
-#include "PDFView.h"
+#include "PageSurface.h"
 
 #include <QKeyEvent>
 
@@ -13,7 +13,7 @@
 
 static constexpr double usualSize = 12; // points
 
-FormFieldEditor::FormFieldEditor(PDFView& view) : PlacedEditor(view) {}
+FormFieldEditor::FormFieldEditor(PageSurface& view) : PlacedEditor(view) {}
 
 FormFieldEditor::~FormFieldEditor() = default;
 

@@ -6,7 +6,7 @@
 
 class ChoiceList;
 class PDFFormField;
-class PDFView;
+class PageSurface;
 class QListWidgetItem;
 
 /// The list that drops down from a combo box: a click or Return chooses, Escape and a click beside it close it. Main
@@ -15,7 +15,7 @@ class ChoicePopup : public QObject {
     Q_OBJECT
 
 public:
-    explicit ChoicePopup(PDFView& view);
+    explicit ChoicePopup(PageSurface& view);
     ~ChoicePopup() override;
 
     /// Shows the choices of a field at `fieldRect` (view points), above or below as the screen has space. `typed` is
@@ -35,6 +35,6 @@ private:
     void place(const QRect& fieldRect);
     void choose(const QListWidgetItem* item);
 
-    PDFView& m_view;
+    PageSurface& m_view;
     QPointer<ChoiceList> m_list; // a window of its own
 };

@@ -3,7 +3,7 @@
 #include "PDFTypes.h"
 #include "PageLayout.h"
 #include "PageShapes.h"
-#include "TilePlan.h"
+#include "PlacedPage.h"
 #include "ViewScroller.h"
 
 #include <QObject>

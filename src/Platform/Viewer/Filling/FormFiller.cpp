@@ -4,8 +4,8 @@
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
-#include "PDFView.h"
 #include "PageColumn.h"
+#include "PageSurface.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -20,7 +20,7 @@ using Kind = PDFFormField::Kind;
 /// Pages on either side of the screen whose fields are read before they come into sight.
 static constexpr int pagesAround = 1;
 
-FormFiller::FormFiller(PDFView& view, PageColumn& column)
+FormFiller::FormFiller(PageSurface& view, PageColumn& column)
     : m_view(view), m_column(column), m_text(view), m_list(view), m_popup(view) {
     for (FormFieldEditor* const editor : std::initializer_list<FormFieldEditor*>{&m_text, &m_list}) {
         connect(editor, &FormFieldEditor::committed, this, &FormFiller::setValue);

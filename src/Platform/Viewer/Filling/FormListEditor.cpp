@@ -3,7 +3,7 @@
 #include "ChoiceList.h"
 #include "FormFieldValues.h"
 #include "PDFAnnotation.h"
-#include "PDFView.h"
+#include "PageSurface.h"
 
 #include <QCoreApplication>
 #include <QMouseEvent>
@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <utility>
 
-FormListEditor::FormListEditor(PDFView& view) : FormFieldEditor(view) {}
+FormListEditor::FormListEditor(PageSurface& view) : FormFieldEditor(view) {}
 
 FormListEditor::~FormListEditor() = default;
 

@@ -2,7 +2,7 @@
 
 #include "PDFDocument.h"
 #include "PDFPage.h"
-#include "PDFView.h"
+#include "PageSurface.h"
 #include "QuilloAssert.h"
 
 #include <QFocusEvent>
@@ -17,8 +17,8 @@ static bool isReturn(const QKeyEvent& key) {
     return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
 }
 
-PlacedEditor::PlacedEditor(PDFView& view) : QObject(&view), m_view(view) {
-    connect(&view, &PDFView::visibleAreaChanged, this, &PlacedEditor::follow);
+PlacedEditor::PlacedEditor(PageSurface& view) : QObject(&view), m_view(view) {
+    connect(&view, &PageSurface::visibleAreaChanged, this, &PlacedEditor::follow);
 }
 
 PlacedEditor::~PlacedEditor() {

@@ -12,7 +12,7 @@ class FormTextEditor : public FormFieldEditor {
     Q_OBJECT
 
 public:
-    explicit FormTextEditor(PDFView& view);
+    explicit FormTextEditor(PageSurface& view);
     ~FormTextEditor() override;
 
     /// Takes what was typed into the document, and stays open for more.

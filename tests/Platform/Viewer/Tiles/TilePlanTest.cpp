@@ -1,6 +1,7 @@
 #include "TilePlan.h"
 
 #include "PDFDocument.h"
+#include "PDFPage.h"
 #include "PageTiles.h"
 #include "ShownView.h"
 

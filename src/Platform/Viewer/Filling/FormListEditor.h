@@ -10,7 +10,7 @@ class FormListEditor : public FormFieldEditor {
     Q_OBJECT
 
 public:
-    explicit FormListEditor(PDFView& view);
+    explicit FormListEditor(PageSurface& view);
     ~FormListEditor() override;
 
     /// With which the click that opens the list is taken.
