@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cmath>
 
-static constexpr double zoomStep = 1.2;
 static constexpr QSize preferredSize(800, 1000);
 
 PDFView::PDFView(QWidget* parent) : PageSurface(parent), m_parts(std::make_unique<PDFViewParts>(*this)) {
@@ -190,23 +189,9 @@ double PDFView::scaleFactorForSizeToFit() const {
     return m_parts->column().scaleToFitWidth();
 }
 
-void PDFView::zoomIn() {
-    setScaleFactor(scaleFactor() * zoomStep);
-}
-
-void PDFView::zoomOut() {
-    setScaleFactor(scaleFactor() / zoomStep);
-}
-
-void PDFView::zoomToFit() {
-    setAutoScales(true);
-}
-
 void PDFView::zoomAt(QPointF viewPoint, double factor) {
     m_parts->zoomTo(scaleFactor() * factor, viewPoint);
 }
-
-void PDFView::setDisplayMode(PDFDisplayMode) {}
 
 bool PDFView::displaysPageBreaks() const {
     return m_parts->columnOfPages.hasPageBreaks();
@@ -283,10 +268,6 @@ void PDFView::copy() {
 
 // Forms
 
-bool PDFView::fillsForms() const {
-    return m_parts->forms.isEnabled();
-}
-
 void PDFView::setFillsForms(bool fills) {
     m_parts->forms.setEnabled(fills);
 }
@@ -315,10 +296,6 @@ void PDFView::reveal(const PDFAnnotation& annotation) {
 void PDFView::setTileCacheLimit(qint64 bytes) {
     m_parts->ownTileLimit = true;
     m_parts->tiles.setByteLimit(bytes);
-}
-
-qint64 PDFView::tileCacheLimit() const {
-    return m_parts->tiles.byteLimit();
 }
 
 qint64 PDFView::tileCacheBytes() const {

@@ -40,9 +40,6 @@ enum class PDFViewCommand {
     goToLastPage,
     goToNextPage,
     goToPreviousPage,
-    zoomIn,
-    zoomOut,
-    zoomToFit,
 };
 
 /// Shows a document as one continuous column of pages, to be scrolled, zoomed, selected from and followed through its
@@ -103,7 +100,7 @@ public:
 
     // Looks
 
-    /// True while the scale follows the width of the view. At first false.
+    /// True while the scale fits the width of the view and follows it. At first false.
     [[nodiscard]] bool autoScales() const;
     void setAutoScales(bool scales);
     [[nodiscard]] double scaleFactor() const override;
@@ -118,15 +115,9 @@ public:
     void setMaxScaleFactor(double scale);
     /// At which the current page fills the width of the view; at most `maxScaleFactor`. 1 without pages.
     [[nodiscard]] double scaleFactorForSizeToFit() const;
-    /// Steps of a fifth, about the middle of the view.
-    void zoomIn();
-    void zoomOut();
-    /// Fits the width and follows it from then on.
-    void zoomToFit();
     void zoomAt(QPointF viewPoint, double factor) override;
 
     [[nodiscard]] PDFDisplayMode displayMode() const { return PDFDisplayMode::singlePageContinuous; }
-    void setDisplayMode(PDFDisplayMode mode);
     /// Gaps and soft shadows between pages; at first true.
     [[nodiscard]] bool displaysPageBreaks() const;
     void setDisplaysPageBreaks(bool breaks);
@@ -159,7 +150,6 @@ public:
 
     /// Whether form fields react to the pointer and the keyboard; at first true. Turning it off commits what is being
     /// typed into one.
-    [[nodiscard]] bool fillsForms() const;
     void setFillsForms(bool fills);
     /// True while the editor of a field is open.
     [[nodiscard]] bool isFilling() const;
@@ -173,7 +163,6 @@ public:
 
     /// For drawn tiles, 72 MB for each device pixel in a device-independent one, unless set.
     void setTileCacheLimit(qint64 bytes);
-    [[nodiscard]] qint64 tileCacheLimit() const;
     /// What the drawn tiles and the pictures that stand in for them take now.
     [[nodiscard]] qint64 tileCacheBytes() const;
     /// Drops what is drawn but not on the screen; what is on the screen is drawn anew and stays until then.

@@ -263,7 +263,7 @@ void PDFViewParts::zoomTo(double scale, QPointF viewPoint) {
 
 void PDFViewParts::keepScaleWithinLimits() {
     if (view.autoScales())
-        view.zoomToFit();
+        view.setAutoScales(true);
     else
         view.setScaleFactor(view.scaleFactor());
 }

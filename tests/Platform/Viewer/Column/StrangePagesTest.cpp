@@ -23,7 +23,7 @@ TEST(StrangePages, ofAbsurdSizeAreLaidOutAndDrawn) {
         for (int i = 0; i < 5; ++i) {
             view.goToPage(view.page(i));
             if (fits)
-                view.zoomToFit();
+                view.setAutoScales(true);
             else
                 view.setScaleFactor(view.maxScaleFactor());
             view.goToPage(view.page(i));
