@@ -22,7 +22,7 @@ std::shared_ptr<PDFAnnotation> FormFieldEditor::subject() const {
 }
 
 void FormFieldEditor::start(const PDFFormField& field, std::optional<QPointF> viewPoint) {
-    endOthers();
+    commitAllEditors();
     const std::shared_ptr<PDFPage> fieldPage = field.widget()->page();
     if (!fieldPage)
         return;

@@ -30,7 +30,7 @@ PlacedEditor::~PlacedEditor() {
     delete m_widget;
 }
 
-void PlacedEditor::endOthers() {
+void PlacedEditor::commitAllEditors() {
     commit();
     for (PlacedEditor* const other : m_view.findChildren<PlacedEditor*>(QString(), Qt::FindDirectChildrenOnly))
         other->commit();

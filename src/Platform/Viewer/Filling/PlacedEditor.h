@@ -40,7 +40,7 @@ protected:
     explicit PlacedEditor(PageSurface& view);
 
     /// Commits this editor and all others of the viewer.
-    void endOthers();
+    void commitAllEditors();
     /// Takes over a child of the viewport, not yet shown; no other may be open.
     void open(QWidget* widget, const std::shared_ptr<PDFPage>& page, const QString& objectName,
               const QString& accessibleName);
