@@ -11,14 +11,13 @@ BackgroundTask::~BackgroundTask() {
 
 void BackgroundTask::start(Work work) {
     cancel();
-    m_cancelled = std::make_shared<std::atomic<bool>>(false);
-    m_thread.start([work = std::move(work), cancelled = m_cancelled] {
-        if (!*cancelled)
-            work(*cancelled);
+    m_stop = std::stop_source();
+    m_thread.start([work = std::move(work), stop = m_stop.get_token()] {
+        if (!stop.stop_requested())
+            work(stop);
     });
 }
 
 void BackgroundTask::cancel() {
-    if (m_cancelled)
-        *m_cancelled = true;
+    m_stop.request_stop();
 }

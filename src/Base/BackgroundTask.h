@@ -2,15 +2,14 @@
 
 #include <QThreadPool>
 
-#include <atomic>
 #include <functional>
-#include <memory>
+#include <stop_token>
 
 /// One piece of work at a time off the main thread. Main thread only, apart from the work itself.
 class BackgroundTask {
 public:
-    /// The work looks at `cancelled` between its steps and returns early when it is set.
-    using Work = std::function<void(const std::atomic<bool>& cancelled)>;
+    /// The work looks at `stop` between its steps and returns early when that is requested.
+    using Work = std::function<void(const std::stop_token& stop)>;
 
     BackgroundTask();
     /// Cancels what runs and waits for it, so work may use whatever outlives this object.
@@ -25,5 +24,5 @@ public:
 
 private:
     QThreadPool m_thread;
-    std::shared_ptr<std::atomic<bool>> m_cancelled;
+    std::stop_source m_stop; // of the work started last
 };

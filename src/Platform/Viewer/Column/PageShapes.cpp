@@ -105,27 +105,27 @@ void PageShapes::startSurvey() {
     }
     if (unknown.empty())
         return;
-    m_survey.start([this, generation = m_generation, box = m_box,
-                    unknown = std::move(unknown)](const std::atomic<bool>& cancelled) {
-        std::vector<Finding> findings;
-        const auto report = [&] {
-            QMetaObject::invokeMethod(
-                this, [this, generation, findings = std::exchange(findings, {})] { merge(generation, findings); },
-                Qt::QueuedConnection);
-        };
-        QElapsedTimer sinceReport;
-        sinceReport.start();
-        for (const auto& [index, content] : unknown) {
-            if (cancelled)
-                return;
-            findings.push_back({index, PageShape::fromGeometry(content.source->geometry(content.pageNumber), box)});
-            if (sinceReport.hasExpired(findingsInterval)) {
-                report();
-                sinceReport.restart();
+    m_survey.start(
+        [this, generation = m_generation, box = m_box, unknown = std::move(unknown)](const std::stop_token& stop) {
+            std::vector<Finding> findings;
+            const auto report = [&] {
+                QMetaObject::invokeMethod(
+                    this, [this, generation, findings = std::exchange(findings, {})] { merge(generation, findings); },
+                    Qt::QueuedConnection);
+            };
+            QElapsedTimer sinceReport;
+            sinceReport.start();
+            for (const auto& [index, content] : unknown) {
+                if (stop.stop_requested())
+                    return;
+                findings.push_back({index, PageShape::fromGeometry(content.source->geometry(content.pageNumber), box)});
+                if (sinceReport.hasExpired(findingsInterval)) {
+                    report();
+                    sinceReport.restart();
+                }
             }
-        }
-        report();
-    });
+            report();
+        });
 }
 
 void PageShapes::merge(int generation, const std::vector<Finding>& findings) {

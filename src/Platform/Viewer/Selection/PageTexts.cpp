@@ -20,10 +20,10 @@ void PageTexts::want(const std::vector<PDFPageContent>& contents) {
         m_reading.cancel();
         return;
     }
-    m_reading.start([this, missing = std::move(missing)](const std::atomic<bool>& cancelled) {
+    m_reading.start([this, missing = std::move(missing)](const std::stop_token& stop) {
         std::vector<Entry> entries;
         for (const PDFPageContent& content : missing) {
-            if (cancelled)
+            if (stop.stop_requested())
                 return;
             entries.emplace_back(content, content.source->text(content.pageNumber));
         }

@@ -12,10 +12,10 @@ bool SelectionCopier::isShort(const std::vector<Span>& spans) {
     return spans.size() <= shortSpans;
 }
 
-QString SelectionCopier::read(const std::vector<Span>& spans, const std::atomic<bool>* cancelled) {
+QString SelectionCopier::read(const std::vector<Span>& spans, const std::stop_token& stop) {
     QString text;
     for (const Span& span : spans) {
-        if (cancelled && *cancelled)
+        if (stop.stop_requested())
             break;
         if (!span.content.source)
             continue;
@@ -39,9 +39,9 @@ void SelectionCopier::copy(std::vector<Span> spans) {
         put(read(spans));
         return;
     }
-    m_reading.start([this, spans = std::move(spans)](const std::atomic<bool>& cancelled) {
-        const QString text = read(spans, &cancelled);
-        if (!cancelled)
+    m_reading.start([this, spans = std::move(spans)](const std::stop_token& stop) {
+        const QString text = read(spans, stop);
+        if (!stop.stop_requested())
             QMetaObject::invokeMethod(
                 this, [text] { put(text); }, Qt::QueuedConnection);
     });

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 /// Puts the text of pages on the clipboard, without holding up the main thread for a long document.
@@ -23,8 +24,8 @@ public:
     /// True for what can be read while the reader waits.
     [[nodiscard]] static bool isShort(const std::vector<Span>& spans);
     /// The text, spans joined with a newline, as `PDFSelection::string` joins its ranges. Any thread; stops early with
-    /// what it has when `cancelled` is set.
-    [[nodiscard]] static QString read(const std::vector<Span>& spans, const std::atomic<bool>* cancelled = nullptr);
+    /// what it has when `stop` is requested.
+    [[nodiscard]] static QString read(const std::vector<Span>& spans, const std::stop_token& stop = {});
 
     /// An earlier copy that still reads is dropped. The clipboard is left alone when there is no text.
     void copy(std::vector<Span> spans);
