@@ -28,7 +28,7 @@ static Qt::Alignment alignmentOf(const PDFFormField& field) {
     }
 }
 
-// Of the field's look without the editor, in parts of the font's size.
+// How the page shows a field while no editor lies over it, in parts of the font's size.
 static constexpr double capitals = 0.718;
 static constexpr double descenders = 0.207;
 static constexpr double lineHeight = 1.15;

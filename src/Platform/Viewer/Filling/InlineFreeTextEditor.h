@@ -17,7 +17,7 @@ public:
     explicit InlineFreeTextEditor(QWidget* parent);
     ~InlineFreeTextEditor() override;
 
-    /// Of the outline; it may be transparent.
+    /// The outline's colour, which may be transparent.
     QColor borderColor{0x00, 0x7A, 0xFF};
     /// The text doesn't become longer, in UTF-16 units, whatever is typed or pasted; none for no limit.
     std::optional<int> maximumLength;

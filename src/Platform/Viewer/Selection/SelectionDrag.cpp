@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 static constexpr auto autoScrollInterval = 16ms;
 /// A window at the edge of the screen leaves no way out of the view, so scrolling begins a little inside it.
 static constexpr double autoScrollBand = 12;
-/// Of the distance past the band, scrolled in one interval; device-independent pixels.
+/// Scrolled in one interval, as a part of how far the pointer is past the band.
 static constexpr double autoScrollShare = 0.25;
 static constexpr double autoScrollMost = 60;
 
