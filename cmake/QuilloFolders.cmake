@@ -6,6 +6,11 @@ set(QUILLO_FOLDERS
     Platform/PDF
     Platform/Services
     Platform/Conversion
+    Platform/Viewer/Column
+    Platform/Viewer/Tiles
+    Platform/Viewer/Selection
+    Platform/Viewer/Filling
+    Platform/Viewer/Touch
     Platform/Viewer
     MathRender
     MathBundle

@@ -87,5 +87,6 @@ function(quillo_test target)
     target_link_libraries(${target} PRIVATE quillo_options quillo_test_main ${ARG_LIBRARIES} GTest::gtest Qt6::Widgets Qt6::Test)
     target_precompile_headers(${target} REUSE_FROM quillo_precompiled_tests)
     add_test(NAME ${target} COMMAND ${target})
-    set_tests_properties(${target} PROPERTIES ENVIRONMENT QT_QPA_PLATFORM=offscreen TIMEOUT ${ARG_TIMEOUT})
+    set_tests_properties(${target} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_SCALE_FACTOR=1"
+                         TIMEOUT ${ARG_TIMEOUT})
 endfunction()

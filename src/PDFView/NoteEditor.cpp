@@ -18,7 +18,7 @@ NoteEditor::NoteEditor(AnnotatingPDFView& view) : AnnotationEditor(view) {}
 NoteEditor::~NoteEditor() = default;
 
 void NoteEditor::start(const std::shared_ptr<NoteAnnotation>& note, const std::shared_ptr<PDFPage>& page, bool isNew) {
-    endOthers();
+    commitAllEditors();
     if (!note || !page || note->page() != page)
         return; // what was committed may have been a new note without text, and this very one
     m_note = note;

@@ -15,8 +15,8 @@ static constexpr int sampleRows = 6;
 /// The highest value of a channel of 4 bits.
 static constexpr double channelMaximum = 15;
 
-/// Of 8 bits to 4. Pages are drawn with the fractions of a channel cut off (a half is 127), so that a value stands for
-/// the step that begins with it.
+/// Reduces a channel of 8 bits to 4. Pages are drawn with the fractions of a channel cut off (a half is 127), so that a
+/// value stands for the step that begins with it.
 static int quantised(int channel) {
     return static_cast<int>(std::lround(std::min((channel + 0.5) / 255, 1.0) * channelMaximum));
 }

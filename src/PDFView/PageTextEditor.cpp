@@ -41,7 +41,7 @@ struct TextEdit {
 
 void removeTextEdit(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit);
 
-void registerPlacing(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit) {
+void registerRemoval(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit) {
     if (undoManager)
         undoManager->registerUndo(page, [undoManager, weakPage = std::weak_ptr(page), edit] {
             removeTextEdit(undoManager, weakPage.lock(), edit);
@@ -51,7 +51,7 @@ void registerPlacing(UndoManager* undoManager, const std::shared_ptr<PDFPage>& p
 void placeTextEdit(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit) {
     page->addAnnotation(edit.cover);
     page->addAnnotation(edit.replacement);
-    registerPlacing(undoManager, page, edit);
+    registerRemoval(undoManager, page, edit);
 }
 
 void removeTextEdit(UndoManager* undoManager, const std::shared_ptr<PDFPage>& page, const TextEdit& edit) {
@@ -84,7 +84,7 @@ void PageTextEditor::begin(QPointF viewPoint) {
 }
 
 void PageTextEditor::start(const QRectF& lineBounds, const QString& lineText, const std::shared_ptr<PDFPage>& page) {
-    endOthers();
+    commitAllEditors();
     const auto found = page->font(lineText);
     m_pageFont = found ? *found : platformFont(AnnotationFont::system, fallbackFontSize(lineBounds.height()));
     const QFont unscaled = InlineFreeTextEditor::screenFont(m_pageFont, 1, view());
@@ -149,5 +149,5 @@ void PageTextEditor::commit() {
     edit.replacement->setFontColor(m_foreground);
     edit.replacement->setColor(QColor(Qt::transparent));
     target->addAnnotation(edit.replacement);
-    registerPlacing(view().docUndoManager().get(), target, edit);
+    registerRemoval(view().docUndoManager().get(), target, edit);
 }

@@ -51,7 +51,7 @@ TextBoxEditor::~TextBoxEditor() {
 }
 
 void TextBoxEditor::start(QPointF viewPoint, const std::shared_ptr<PDFPage>& page) {
-    endOthers();
+    commitAllEditors();
     const auto state = view().toolState();
     if (!state || !page)
         return;

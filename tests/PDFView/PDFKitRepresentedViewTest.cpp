@@ -80,7 +80,7 @@ TEST_F(PDFKitRepresentedViewTest, opensTheFileAtTheScaleThatTheReaderChose) {
         if (scale > 0)
             view->setScaleFactor(scale);
         else
-            view->zoomToFit();
+            view->setAutoScales(true);
         m_window.resize(m_window.width() + 10, m_window.height()); // changes a scale that follows the width
         EXPECT_TRUE(QTest::qWaitFor(
             [this, scale] { return m_coordinator.rememberedScale(m_url).value_or(0) == std::max(scale, 0.0); }));

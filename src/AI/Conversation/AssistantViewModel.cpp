@@ -20,8 +20,7 @@
 namespace {
 
 std::shared_ptr<AIProvider> selectProvider(UserDefaults& defaults) {
-    if (!APIKeyStore::allKeys(defaults, APIProviderKind::ollama).isEmpty() ||
-        !APIKeyStore::allKeys(defaults, APIProviderKind::groq).isEmpty())
+    if (APIKeyStore::hasAnyKey(defaults))
         return std::make_shared<RotatingAIProvider>(defaults);
     return std::make_shared<BackendAIProvider>();
 }

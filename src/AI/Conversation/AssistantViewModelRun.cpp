@@ -1,8 +1,10 @@
 // The part of AssistantViewModel that runs a question.
 
 #include "AIProvider.h"
+#include "AIProviderError.h"
 #include "AssistantViewModel.h"
 #include "ChatTitle.h"
+#include "Logging.h"
 
 #include <QCoreApplication>
 
@@ -21,6 +23,13 @@ void startTask(std::function<void()> task) {
 QString messageWithAttachment(const QString& name, const QString& content, const QString& text) {
     const QString question = text.isEmpty() ? QStringLiteral("Summarize or explain this attached file.") : text;
     return QStringLiteral("Context from attached file '%1':\n---\n%2\n---\n\n%3").arg(name, content, question);
+}
+
+/// What a log may tell of a failure: the message of a service may repeat the question, so only its status is told.
+QString causeForLog(const std::exception& error) {
+    const auto* const answer = dynamic_cast<const AIProviderError*>(&error);
+    return answer && answer->kind() == AIProviderError::Kind::http ? QStringLiteral("status %1").arg(answer->status())
+                                                                   : Logging::causes(error);
 }
 
 } // namespace
@@ -59,6 +68,7 @@ QCoro::Task<void> AssistantViewModel::runAgentLoop() {
         try {
             turn = co_await nextTurn();
         } catch (const std::exception& error) {
+            qCWarning(Logging::ai) << "a step of the conversation failed:" << causeForLog(error);
             failure = QString::fromUtf8(error.what());
         }
         if (failure) {
@@ -121,7 +131,8 @@ QCoro::Task<void> AssistantViewModel::requestAITitle(QUuid sessionID, QString fi
     AIAgentTurn turn;
     try {
         turn = co_await m_provider->send(question, noTools, ChatTitle::systemPrompt(), AIModelPreference::fast);
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        qCWarning(Logging::ai) << "no title for the conversation:" << causeForLog(error);
         co_return; // the beginning of the message stays the title
     }
     const QString title = turn.text.trimmed();

@@ -2,6 +2,7 @@
 
 #include "AtomicFile.h"
 #include "ChatSessionCoder.h"
+#include "Logging.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -53,7 +54,7 @@ void ChatHistoryStore::save(const std::vector<ChatSession>& sessions, const QStr
             file.setPermissions(userOnly);
             file.write(json);
         });
-    } catch (const std::exception&) {
-        return; // the conversation stays in memory
+    } catch (const std::exception& error) { // the conversation stays in memory
+        qCWarning(Logging::ai) << "the conversations of a document weren't saved:" << Logging::causes(error);
     }
 }

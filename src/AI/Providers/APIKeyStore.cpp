@@ -30,6 +30,10 @@ std::optional<QString> APIKeyStore::load(UserDefaults& defaults, APIProviderKind
     return keys.isEmpty() ? std::nullopt : std::optional(keys.first());
 }
 
+bool APIKeyStore::hasAnyKey(UserDefaults& defaults) {
+    return load(defaults, APIProviderKind::ollama) || load(defaults, APIProviderKind::groq);
+}
+
 void APIKeyStore::save(UserDefaults& defaults, const QString& key, APIProviderKind kind) {
     QStringList keys = allKeys(defaults, kind);
     if (!keys.contains(key))

@@ -20,6 +20,9 @@ namespace APIKeyStore {
 /// The first key of the pool.
 [[nodiscard]] std::optional<QString> load(UserDefaults& defaults, APIProviderKind kind);
 
+/// True when the pool of either service has a key.
+[[nodiscard]] bool hasAnyKey(UserDefaults& defaults);
+
 /// Adds `key` as it stands to the end of the pool, unless the pool has it.
 void save(UserDefaults& defaults, const QString& key, APIProviderKind kind);
 

@@ -147,10 +147,10 @@ QString addNote(const AssistantContext& context, const QJsonObject& input) {
 
 /// A tool that reads all pages, perhaps ahead on another thread.
 AssistantTool readingTool(const QString& name, const QString& description, const std::vector<ToolParameter>& parameters,
-                          PreparedAnswers::Question question, const std::shared_ptr<PreparedAnswers>& answers) {
+                          PreparedAnswers::AnswerFunction function, const std::shared_ptr<PreparedAnswers>& answers) {
     return {name, description, toolSchema(parameters),
-            [answers, question](const QJsonObject& input) { return answers->answer(question, input); },
-            [answers, question](QJsonObject input) { return answers->prepare(question, std::move(input)); }};
+            [answers, function](const QJsonObject& input) { return answers->answer(function, input); },
+            [answers, function](QJsonObject input) { return answers->prepare(function, std::move(input)); }};
 }
 
 } // namespace

@@ -4,13 +4,7 @@
 #include "PDFDocument.h"
 #include "PageStrings.h"
 
-#include <QCoreApplication>
-#include <QtConcurrent/QtConcurrentRun>
-
-#include <QCoroFuture>
-
 #include <algorithm>
-#include <optional>
 
 namespace {
 
@@ -22,45 +16,37 @@ constexpr std::size_t answerLimit = 8;
 PreparedAnswers::PreparedAnswers(std::shared_ptr<PDFDocument> document)
     : m_document(std::move(document)), m_strings(std::make_shared<PageStrings>()) {
     connect(m_document.get(), &PDFDocument::pagesChanged, this, &PreparedAnswers::forget);
-    // The end of the program waits for its threads.
-    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { m_stop.request_stop(); });
 }
 
-PreparedAnswers::~PreparedAnswers() {
-    m_stop.request_stop();
-}
+PreparedAnswers::~PreparedAnswers() = default;
 
-QString PreparedAnswers::answer(Question question, const QJsonObject& input) {
-    if (const Answer* const known = find(question, input))
+QString PreparedAnswers::answer(AnswerFunction function, const QJsonObject& input) {
+    if (const Answer* const known = find(function, input))
         return known->text;
-    return question(DocumentText(*m_document, m_strings), input);
+    return function(DocumentText(*m_document, m_strings), input);
 }
 
-QCoro::Task<void> PreparedAnswers::prepare(Question question, QJsonObject input) {
+QCoro::Task<void> PreparedAnswers::prepare(AnswerFunction function, QJsonObject input) {
     const auto self = shared_from_this();
-    if (find(question, input))
+    if (find(function, input))
         co_return;
     const int pageChanges = m_pageChanges;
-    QFuture<QString> reading =
-        QtConcurrent::run([question, input, text = DocumentText(*m_document, m_strings, m_stop.get_token())] {
-            return question(text, input);
-        });
-    std::optional<QString> answer;
-    try {
-        answer = co_await reading;
-    } catch (const std::exception&) {
-        co_return; // memory ran out; whoever asks will see
-    }
-    if (m_pageChanges != pageChanges || m_stop.stop_requested())
+    // Named, because GCC 12 destroys a closure twice that is made within a co_await expression.
+    std::function<QString()> work = [function, input,
+                                     text = DocumentText(*m_document, m_strings, m_ahead.stopToken())] {
+        return function(text, input);
+    };
+    const auto answer = co_await m_ahead.read(std::move(work));
+    if (!answer || m_pageChanges != pageChanges)
         co_return;
     if (m_answers.size() >= answerLimit)
         m_answers.pop_front();
-    m_answers.push_back({question, input, *answer});
+    m_answers.push_back({function, input, *answer});
 }
 
-const PreparedAnswers::Answer* PreparedAnswers::find(Question question, const QJsonObject& input) const {
+const PreparedAnswers::Answer* PreparedAnswers::find(AnswerFunction function, const QJsonObject& input) const {
     const auto found = std::find_if(m_answers.begin(), m_answers.end(), [&](const Answer& answer) {
-        return answer.question == question && answer.input == input;
+        return answer.function == function && answer.input == input;
     });
     return found == m_answers.end() ? nullptr : &*found;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ReadingAhead.h"
+
 #include <QCoroTask>
 #include <QJsonObject>
 #include <QObject>
@@ -7,7 +9,6 @@
 
 #include <deque>
 #include <memory>
-#include <stop_token>
 
 class DocumentText;
 class PDFDocument;
@@ -20,30 +21,30 @@ class PreparedAnswers : public QObject, public std::enable_shared_from_this<Prep
     Q_OBJECT
 
 public:
-    /// Depends on nothing but its arguments; any thread.
-    using Question = QString (*)(const DocumentText& text, const QJsonObject& input);
+    /// Answers a question about the text. Depends on nothing but its arguments; any thread.
+    using AnswerFunction = QString (*)(const DocumentText& text, const QJsonObject& input);
 
     explicit PreparedAnswers(std::shared_ptr<PDFDocument> document);
     ~PreparedAnswers() override;
 
     /// What was worked out ahead, else worked out now.
-    [[nodiscard]] QString answer(Question question, const QJsonObject& input);
+    [[nodiscard]] QString answer(AnswerFunction function, const QJsonObject& input);
     /// Works it out on another thread. Never throws.
-    [[nodiscard]] QCoro::Task<void> prepare(Question question, QJsonObject input);
+    [[nodiscard]] QCoro::Task<void> prepare(AnswerFunction function, QJsonObject input);
 
 private:
     struct Answer {
-        Question question;
+        AnswerFunction function;
         QJsonObject input;
         QString text;
     };
 
-    [[nodiscard]] const Answer* find(Question question, const QJsonObject& input) const;
+    [[nodiscard]] const Answer* find(AnswerFunction function, const QJsonObject& input) const;
     void forget();
 
     const std::shared_ptr<PDFDocument> m_document;
     const std::shared_ptr<PageStrings> m_strings; // shared with the threads that read
-    std::stop_source m_stop;
+    const ReadingAhead m_ahead;
     std::deque<Answer> m_answers; // the oldest first
     int m_pageChanges = 0;
 };

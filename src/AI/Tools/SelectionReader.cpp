@@ -6,11 +6,6 @@
 #include "PDFSelection.h"
 #include "PDFViewCoordinator.h"
 
-#include <QCoreApplication>
-#include <QtConcurrent/QtConcurrentRun>
-
-#include <QCoroFuture>
-
 #include <algorithm>
 
 namespace {
@@ -21,14 +16,9 @@ bool isSame(const SelectionCopier::Span& a, const SelectionCopier::Span& b) {
 
 } // namespace
 
-SelectionReader::SelectionReader(QPointer<PDFViewCoordinator> coordinator) : m_coordinator(std::move(coordinator)) {
-    // The end of the program waits for its threads.
-    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { *m_cancelled = true; });
-}
+SelectionReader::SelectionReader(QPointer<PDFViewCoordinator> coordinator) : m_coordinator(std::move(coordinator)) {}
 
-SelectionReader::~SelectionReader() {
-    *m_cancelled = true;
-}
+SelectionReader::~SelectionReader() = default;
 
 SelectionReader::Spans SelectionReader::spans() const {
     Spans spans;
@@ -61,13 +51,13 @@ QCoro::Task<void> SelectionReader::prepare() {
     m_preparedSpans.clear();
     if (SelectionCopier::isShort(selected))
         co_return;
-    QFuture<QString> reading = QtConcurrent::run(
-        [selected, cancelled = m_cancelled] { return SelectionCopier::read(selected, cancelled.get()); });
-    try {
-        m_preparedText = co_await reading;
-    } catch (const std::exception&) {
-        co_return; // memory ran out; whoever asks will see
-    }
-    if (!*m_cancelled)
-        m_preparedSpans = std::move(selected);
+    // Named, because GCC 12 destroys a closure twice that is made within a co_await expression.
+    std::function<QString()> work = [selected, stop = m_ahead.stopToken()] {
+        return SelectionCopier::read(selected, stop);
+    };
+    const auto text = co_await m_ahead.read(std::move(work));
+    if (!text)
+        co_return;
+    m_preparedText = *text;
+    m_preparedSpans = std::move(selected);
 }

@@ -1,25 +1,21 @@
 #pragma once
 
+#include "ReadingAhead.h"
 #include "SelectionCopier.h"
 
-#include <QCoroTask>
-#include <QObject>
 #include <QPointer>
 #include <QString>
 
-#include <atomic>
 #include <memory>
 #include <vector>
 
 class PDFViewCoordinator;
 
 /// Reads the text that is selected in a viewer, that of a whole book ahead on another thread. Main thread only.
-class SelectionReader : public QObject, public std::enable_shared_from_this<SelectionReader> {
-    Q_OBJECT
-
+class SelectionReader : public std::enable_shared_from_this<SelectionReader> {
 public:
     explicit SelectionReader(QPointer<PDFViewCoordinator> coordinator);
-    ~SelectionReader() override;
+    ~SelectionReader();
 
     /// Empty when nothing is selected or the viewer is gone.
     [[nodiscard]] QString text() const;
@@ -33,7 +29,7 @@ private:
     [[nodiscard]] Spans spans() const;
 
     const QPointer<PDFViewCoordinator> m_coordinator;
-    const std::shared_ptr<std::atomic<bool>> m_cancelled = std::make_shared<std::atomic<bool>>(false);
+    const ReadingAhead m_ahead;
     Spans m_preparedSpans;
     QString m_preparedText;
 };

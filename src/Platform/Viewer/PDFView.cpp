@@ -13,10 +13,9 @@
 #include <algorithm>
 #include <cmath>
 
-static constexpr double zoomStep = 1.2;
 static constexpr QSize preferredSize(800, 1000);
 
-PDFView::PDFView(QWidget* parent) : QAbstractScrollArea(parent), m_parts(std::make_unique<PDFViewParts>(*this)) {
+PDFView::PDFView(QWidget* parent) : PageSurface(parent), m_parts(std::make_unique<PDFViewParts>(*this)) {
     PDFViewAccessible::install();
     setObjectName(QStringLiteral("pdfView"));
     setAccessibleName(tr("Document"));
@@ -190,23 +189,9 @@ double PDFView::scaleFactorForSizeToFit() const {
     return m_parts->column().scaleToFitWidth();
 }
 
-void PDFView::zoomIn() {
-    setScaleFactor(scaleFactor() * zoomStep);
-}
-
-void PDFView::zoomOut() {
-    setScaleFactor(scaleFactor() / zoomStep);
-}
-
-void PDFView::zoomToFit() {
-    setAutoScales(true);
-}
-
 void PDFView::zoomAt(QPointF viewPoint, double factor) {
     m_parts->zoomTo(scaleFactor() * factor, viewPoint);
 }
-
-void PDFView::setDisplayMode(PDFDisplayMode) {}
 
 bool PDFView::displaysPageBreaks() const {
     return m_parts->columnOfPages.hasPageBreaks();
@@ -240,24 +225,13 @@ std::shared_ptr<PDFPage> PDFView::pageAt(QPointF viewPoint, bool nearest) const 
     return index < 0 ? nullptr : document()->page(index);
 }
 
-QPointF PDFView::convertToPage(QPointF viewPoint, const PDFPage& page) const {
-    const auto toView = m_parts->pageToView(page);
-    return toView ? toView->inverted().map(viewPoint) : QPointF();
-}
-
-QRectF PDFView::convertToPage(const QRectF& viewRect, const PDFPage& page) const {
-    const auto toView = m_parts->pageToView(page);
-    return toView ? toView->inverted().mapRect(viewRect) : QRectF();
-}
-
-QPointF PDFView::convertFromPage(QPointF pagePoint, const PDFPage& page) const {
-    const auto toView = m_parts->pageToView(page);
-    return toView ? toView->map(pagePoint) : QPointF();
-}
-
-QRectF PDFView::convertFromPage(const QRectF& pageRect, const PDFPage& page) const {
-    const auto toView = m_parts->pageToView(page);
-    return toView ? toView->mapRect(pageRect) : QRectF();
+std::optional<QTransform> PDFView::pageToView(const PDFPage& page) const {
+    PageColumn& column = m_parts->column();
+    const int index = column.document() ? column.document()->index(&page) : -1;
+    if (index < 0)
+        return std::nullopt;
+    column.makeKnown(index);
+    return column.pageToView(index);
 }
 
 // Selection
@@ -294,10 +268,6 @@ void PDFView::copy() {
 
 // Forms
 
-bool PDFView::fillsForms() const {
-    return m_parts->forms.isEnabled();
-}
-
 void PDFView::setFillsForms(bool fills) {
     m_parts->forms.setEnabled(fills);
 }
@@ -326,10 +296,6 @@ void PDFView::reveal(const PDFAnnotation& annotation) {
 void PDFView::setTileCacheLimit(qint64 bytes) {
     m_parts->ownTileLimit = true;
     m_parts->tiles.setByteLimit(bytes);
-}
-
-qint64 PDFView::tileCacheLimit() const {
-    return m_parts->tiles.byteLimit();
 }
 
 qint64 PDFView::tileCacheBytes() const {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "PDFTypes.h"
+#include "PageSurface.h"
 
-#include <QAbstractScrollArea>
 #include <QColor>
 #include <QPointF>
 #include <QRectF>
@@ -40,9 +40,6 @@ enum class PDFViewCommand {
     goToLastPage,
     goToNextPage,
     goToPreviousPage,
-    zoomIn,
-    zoomOut,
-    zoomToFit,
 };
 
 /// Shows a document as one continuous column of pages, to be scrolled, zoomed, selected from and followed through its
@@ -52,25 +49,20 @@ enum class PDFViewCommand {
 /// smaller picture, or as white paper. The sizes of pages out of sight are estimated until they have been surveyed, and
 /// nothing that the reader sees moves when they are.
 ///
-/// A "view point" is a point of `viewport()` in device-independent pixels, as its mouse events carry it. A widget that
-/// lies over the pages is a child of `viewport()` and follows `visibleAreaChanged`. Page coordinates are those of
-/// `PDFPage`: points, y up, not turned.
-///
 /// Keys: Page Up and Page Down, Space and Shift+Space scroll by a screen; the arrows by a little, Left and Right by a
 /// page when nothing lies to the side; Home and End go to the start and the end of the current page; Tab and Shift+Tab
 /// go through the links on the screen and through the fields of a form, Return follows a link, Space and the arrows
 /// fill a field, Escape leaves it or drops the selection. The wheel zooms with Ctrl and scrolls to the side with Shift.
 ///
 /// Fingers: one scrolls and flings, two zoom and move, a tap is a click, a finger that rests opens the menu.
-class PDFView : public QAbstractScrollArea {
+class PDFView : public PageSurface {
     Q_OBJECT
 
 public:
     explicit PDFView(QWidget* parent = nullptr);
     ~PDFView() override;
 
-    /// Null while it shows none.
-    [[nodiscard]] std::shared_ptr<PDFDocument> document() const;
+    [[nodiscard]] std::shared_ptr<PDFDocument> document() const override;
     /// Shows another document from its start. The selection and the history of jumps are dropped, and what was being
     /// drawn is cancelled. Does nothing for the document that is shown already.
     void setDocument(const std::shared_ptr<PDFDocument>& document);
@@ -108,11 +100,10 @@ public:
 
     // Looks
 
-    /// True while the scale follows the width of the view. At first false.
+    /// True while the scale fits the width of the view and follows it. At first false.
     [[nodiscard]] bool autoScales() const;
     void setAutoScales(bool scales);
-    /// 1 shows a point (1/72 inch) as one device-independent pixel.
-    [[nodiscard]] double scaleFactor() const;
+    [[nodiscard]] double scaleFactor() const override;
     /// Keeps the middle of the view in place. The value is clamped to the limits. This ends `autoScales`, but for the
     /// very value of `scaleFactorForSizeToFit`, which starts it.
     void setScaleFactor(double scale);
@@ -124,16 +115,9 @@ public:
     void setMaxScaleFactor(double scale);
     /// At which the current page fills the width of the view; at most `maxScaleFactor`. 1 without pages.
     [[nodiscard]] double scaleFactorForSizeToFit() const;
-    /// Steps of a fifth, about the middle of the view.
-    void zoomIn();
-    void zoomOut();
-    /// Fits the width and follows it from then on.
-    void zoomToFit();
-    /// Scales by `factor` so that what lies at `viewPoint` stays there.
-    void zoomAt(QPointF viewPoint, double factor);
+    void zoomAt(QPointF viewPoint, double factor) override;
 
     [[nodiscard]] PDFDisplayMode displayMode() const { return PDFDisplayMode::singlePageContinuous; }
-    void setDisplayMode(PDFDisplayMode mode);
     /// Gaps and soft shadows between pages; at first true.
     [[nodiscard]] bool displaysPageBreaks() const;
     void setDisplaysPageBreaks(bool breaks);
@@ -144,15 +128,7 @@ public:
     [[nodiscard]] QColor backgroundColor() const;
     void setBackgroundColor(const QColor& color);
 
-    // Points
-
-    /// The page at a view point; with `nearest` also for a point beside the pages. Null when there is none.
-    [[nodiscard]] std::shared_ptr<PDFPage> pageAt(QPointF viewPoint, bool nearest) const;
-    /// Between the view and page coordinates. The page is one of the document; others give a null point or rectangle.
-    [[nodiscard]] QPointF convertToPage(QPointF viewPoint, const PDFPage& page) const;
-    [[nodiscard]] QRectF convertToPage(const QRectF& viewRect, const PDFPage& page) const;
-    [[nodiscard]] QPointF convertFromPage(QPointF pagePoint, const PDFPage& page) const;
-    [[nodiscard]] QRectF convertFromPage(const QRectF& pageRect, const PDFPage& page) const;
+    [[nodiscard]] std::shared_ptr<PDFPage> pageAt(QPointF viewPoint, bool nearest) const override;
 
     // Selection
 
@@ -174,7 +150,6 @@ public:
 
     /// Whether form fields react to the pointer and the keyboard; at first true. Turning it off commits what is being
     /// typed into one.
-    [[nodiscard]] bool fillsForms() const;
     void setFillsForms(bool fills);
     /// True while the editor of a field is open.
     [[nodiscard]] bool isFilling() const;
@@ -182,23 +157,18 @@ public:
     void commitFilling();
     /// The same, but a field that is typed in stays open, so that typing can go on.
     void applyFilling();
-    /// Scrolls by as little as brings an annotation of the document into sight, not at all when it is there.
-    void reveal(const PDFAnnotation& annotation);
+    void reveal(const PDFAnnotation& annotation) override;
 
     // Memory and measuring
 
     /// For drawn tiles, 72 MB for each device pixel in a device-independent one, unless set.
     void setTileCacheLimit(qint64 bytes);
-    [[nodiscard]] qint64 tileCacheLimit() const;
     /// What the drawn tiles and the pictures that stand in for them take now.
     [[nodiscard]] qint64 tileCacheBytes() const;
     /// Drops what is drawn but not on the screen; what is on the screen is drawn anew and stays until then.
     void clearCaches();
     /// True when no stand-in is on the screen.
     [[nodiscard]] bool isSharp() const;
-
-    /// True while one finger on the screen does what the mouse does, and doesn't scroll.
-    [[nodiscard]] virtual bool fingerDraws() const { return false; }
 
     /// Owned by the view.
     [[nodiscard]] QAction* action(PDFViewCommand command) const;
@@ -211,8 +181,6 @@ Q_SIGNALS:
     void scaleChanged();
     void selectionChanged();
     void historyChanged();
-    /// What lies in the view moved, by scrolling, zooming or a new layout.
-    void visibleAreaChanged();
     /// The user gave a form field another value than `before`.
     void formFieldChanged(const PDFFormField& field, const QStringList& before);
     /// The editor of a form field was opened or closed.
@@ -234,6 +202,7 @@ protected:
     virtual bool cancelOperation();
     /// Draws over the pages. The painter is set to view points.
     virtual void drawOverPages(QPainter& painter);
+    [[nodiscard]] std::optional<QTransform> pageToView(const PDFPage& page) const override;
     /// True for a link that leads somewhere.
     [[nodiscard]] bool hasLink(QPointF viewPoint) const;
 

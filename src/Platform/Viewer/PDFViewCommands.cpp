@@ -30,10 +30,6 @@ constexpr Row rows[] = {
      &PDFView::goToNextPage},
     {PDFViewCommand::goToPreviousPage, "previousPageAction", QT_TRANSLATE_NOOP("PDFView", "Previous Page"), "",
      &PDFView::goToPreviousPage},
-    {PDFViewCommand::zoomIn, "zoomInAction", QT_TRANSLATE_NOOP("PDFView", "Zoom In"), "", &PDFView::zoomIn},
-    {PDFViewCommand::zoomOut, "zoomOutAction", QT_TRANSLATE_NOOP("PDFView", "Zoom Out"), "", &PDFView::zoomOut},
-    {PDFViewCommand::zoomToFit, "zoomToFitAction", QT_TRANSLATE_NOOP("PDFView", "Zoom to Fit"), "",
-     &PDFView::zoomToFit},
 };
 
 } // namespace
@@ -50,8 +46,7 @@ PDFViewCommands::PDFViewCommands(PDFView& view) : m_view(view) {
         view.addAction(action);
         m_actions.emplace(row.command, action);
     }
-    for (const auto signal :
-         {&PDFView::pageChanged, &PDFView::selectionChanged, &PDFView::historyChanged, &PDFView::scaleChanged})
+    for (const auto signal : {&PDFView::pageChanged, &PDFView::selectionChanged, &PDFView::historyChanged})
         QObject::connect(&view, signal, &view, [this] { updateEnabled(); });
 }
 
@@ -66,7 +61,4 @@ void PDFViewCommands::updateEnabled() const {
     enable(PDFViewCommand::goToLastPage, hasPages);
     enable(PDFViewCommand::goToNextPage, m_view.canGoToNextPage());
     enable(PDFViewCommand::goToPreviousPage, m_view.canGoToPreviousPage());
-    enable(PDFViewCommand::zoomIn, hasPages && m_view.scaleFactor() < m_view.maxScaleFactor());
-    enable(PDFViewCommand::zoomOut, hasPages && m_view.scaleFactor() > m_view.minScaleFactor());
-    enable(PDFViewCommand::zoomToFit, hasPages);
 }

@@ -2,6 +2,7 @@
 
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
+#include "PDFPage.h"
 #include "PDFViewParts.h"
 #include "PageText.h"
 
@@ -84,13 +85,13 @@ void PDFView::resizeEvent(QResizeEvent*) {
 }
 
 void PDFView::showEvent(QShowEvent* event) {
-    QAbstractScrollArea::showEvent(event);
+    PageSurface::showEvent(event);
     m_parts->updateViewport();
     m_parts->plan();
 }
 
 void PDFView::changeEvent(QEvent* event) {
-    QAbstractScrollArea::changeEvent(event);
+    PageSurface::changeEvent(event);
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
         viewport()->update();
 }
@@ -133,7 +134,7 @@ bool PDFView::viewportEvent(QEvent* event) {
     default:
         break;
     }
-    return QAbstractScrollArea::viewportEvent(event);
+    return PageSurface::viewportEvent(event);
 }
 
 // Wheel and keys
@@ -227,18 +228,18 @@ bool PDFView::cancelOperation() {
 }
 
 bool PDFView::focusNextPrevChild(bool next) {
-    return m_parts->moveFocus(next) || QAbstractScrollArea::focusNextPrevChild(next);
+    return m_parts->moveFocus(next) || PageSurface::focusNextPrevChild(next);
 }
 
 void PDFView::focusInEvent(QFocusEvent* event) {
-    QAbstractScrollArea::focusInEvent(event);
+    PageSurface::focusInEvent(event);
     m_parts->keyboardFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
                              event->reason() == Qt::ShortcutFocusReason;
     viewport()->update();
 }
 
 void PDFView::focusOutEvent(QFocusEvent* event) {
-    QAbstractScrollArea::focusOutEvent(event);
+    PageSurface::focusOutEvent(event);
     m_parts->keyboardFocus = false;
     // An editor of a field is a part of the view.
     const bool goesToEditor = viewport()->isAncestorOf(QApplication::focusWidget());

@@ -263,18 +263,9 @@ void PDFViewParts::zoomTo(double scale, QPointF viewPoint) {
 
 void PDFViewParts::keepScaleWithinLimits() {
     if (view.autoScales())
-        view.zoomToFit();
+        view.setAutoScales(true);
     else
         view.setScaleFactor(view.scaleFactor());
-}
-
-std::optional<QTransform> PDFViewParts::pageToView(const PDFPage& page) {
-    PageColumn& pagesNow = column();
-    const int index = pagesNow.document() ? pagesNow.document()->index(&page) : -1;
-    if (index < 0)
-        return std::nullopt;
-    pagesNow.makeKnown(index);
-    return pagesNow.pageToView(index);
 }
 
 void PDFViewParts::bringBack(const std::optional<JumpHistory::Place>& place) {

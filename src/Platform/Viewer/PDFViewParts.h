@@ -51,8 +51,6 @@ struct PDFViewParts {
     /// Within the limits of the view.
     void zoomTo(double scale, QPointF viewPoint);
     void keepScaleWithinLimits();
-    /// None for a page of another document.
-    [[nodiscard]] std::optional<QTransform> pageToView(const PDFPage& page);
     /// True until a moment after the last move.
     [[nodiscard]] bool isMoving() const { return m_rest.isActive(); }
     void bringBack(const std::optional<JumpHistory::Place>& place);

@@ -57,8 +57,7 @@ SettingsView::SettingsView(UserDefaults& defaults, DefaultViewer defaultViewer, 
     layout->addWidget(makeAssistantSection());
 
     m_apiURL->setText(APIKeyStore::loadURL(m_defaults));
-    m_isKeySaved = !APIKeyStore::allKeys(m_defaults, APIProviderKind::ollama).isEmpty() ||
-                   !APIKeyStore::allKeys(m_defaults, APIProviderKind::groq).isEmpty();
+    m_isKeySaved = APIKeyStore::hasAnyKey(m_defaults);
     m_usingBuiltInAPI = !m_isKeySaved;
     connect(m_apiURL, &QLineEdit::textChanged, this, &SettingsView::fieldEdited);
     connect(m_apiKey, &QLineEdit::textChanged, this, &SettingsView::fieldEdited);
