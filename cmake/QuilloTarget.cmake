@@ -34,16 +34,38 @@ endif()
 add_library(quillo_options INTERFACE)
 target_link_libraries(quillo_options INTERFACE quillo_flags quillo_base)
 
-# quillo_library(<target> SOURCES … PUBLIC <libraries> PRIVATE <libraries>)
+# quillo_library(<target> SOURCES … PUBLIC <libraries> PRIVATE <libraries> [ROOMS <rooms>] [OPEN_ROOMS <rooms>])
 # One library a folder. It exports its own folder only, so an include of a folder that is not listed fails to build.
+# A subsystem whose pieces need each other both ways is one library of several rooms (see quillo_room): it holds the code
+# of all that it lists here, and its users see the headers of the open ones.
 function(quillo_library target)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;PUBLIC;PRIVATE")
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;PUBLIC;PRIVATE;ROOMS;OPEN_ROOMS")
     if(ARG_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "quillo_library(${target}): what is ${ARG_UNPARSED_ARGUMENTS}?")
     endif()
     add_library(${target} STATIC ${ARG_SOURCES})
     target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
-    target_link_libraries(${target} PUBLIC ${ARG_PUBLIC} PRIVATE quillo_options ${ARG_PRIVATE})
+    foreach(room IN LISTS ARG_OPEN_ROOMS)
+        target_include_directories(${target} PUBLIC $<TARGET_PROPERTY:${room},INTERFACE_INCLUDE_DIRECTORIES>)
+    endforeach()
+    target_link_libraries(${target} PUBLIC ${ARG_PUBLIC}
+                          PRIVATE quillo_options ${ARG_PRIVATE} ${ARG_ROOMS} ${ARG_OPEN_ROOMS})
+endfunction()
+
+# quillo_room(<target> SOURCES … [USES <rooms>] [LIBRARIES <libraries>])
+# One room of such a library: a folder whose files see its own headers, those of the rooms that it uses and those of the
+# libraries, and no others. Rooms that the used ones use are listed too. The arrows point one way.
+function(quillo_room target)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;USES;LIBRARIES")
+    if(ARG_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "quillo_room(${target}): what is ${ARG_UNPARSED_ARGUMENTS}?")
+    endif()
+    add_library(${target} OBJECT ${ARG_SOURCES})
+    target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    foreach(room IN LISTS ARG_USES)
+        target_include_directories(${target} PRIVATE $<TARGET_PROPERTY:${room},INTERFACE_INCLUDE_DIRECTORIES>)
+    endforeach()
+    target_link_libraries(${target} PRIVATE quillo_options ${ARG_LIBRARIES})
 endfunction()
 
 # quillo_test(<target> SOURCES … LIBRARIES <libraries> [TIMEOUT <seconds>])

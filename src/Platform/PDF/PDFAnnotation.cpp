@@ -1,10 +1,16 @@
 #include "PDFAnnotation.h"
 
-#include "Engine/AnnotationReader.h"
+#include "AnnotationDrawing.h"
+#include "AnnotationReader.h"
+#include "DrawingPainter.h"
+#include "FileAppearance.h"
 #include "FormFieldValues.h"
+#include "NoteIcon.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
+
+#include <QPainter>
 
 #include <algorithm>
 
@@ -252,4 +258,32 @@ std::shared_ptr<PDFAnnotation> PDFAnnotation::copied(std::shared_ptr<PDFAnnotati
     fresh->m_modified = m_modified;
     fresh->m_dateBeforeFilling = m_dateBeforeFilling;
     return fresh;
+}
+
+void PDFAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
+    if (drawFileState(*this, painter))
+        return;
+    // Breaking a field's text into lines takes far longer than drawing them.
+    std::shared_ptr<const AnnotationDrawing> drawing = m_fieldDrawing;
+    if (!drawing)
+        if (auto made = AnnotationDrawing::of(m_values))
+            drawing = std::make_shared<const AnnotationDrawing>(std::move(*made));
+    if (type() == PDFAnnotationSubtype::widget)
+        m_fieldDrawing = drawing;
+    if (drawing)
+        DrawingPainter::paint(*drawing, painter);
+    else if (type() == PDFAnnotationSubtype::text)
+        NoteIcon::draw(m_values, painter);
+    else if (m_origin)
+        drawFileAppearance(*this, painter);
+}
+
+void PDFAnnotation::drawAll(std::span<const std::shared_ptr<PDFAnnotation>> annotations, PDFDisplayBox box,
+                            QPainter& painter) {
+    for (const std::shared_ptr<PDFAnnotation>& annotation : annotations) {
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        annotation->draw(box, painter);
+        painter.restore();
+    }
 }

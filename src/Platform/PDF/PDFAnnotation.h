@@ -14,6 +14,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 class PDFPage;
@@ -150,6 +151,11 @@ public:
     /// Draws into a painter that is set to page coordinates (y up). This base draws the plain standard subtypes; kinds
     /// with a look of their own override it. `box` is the display box that is being drawn.
     virtual void draw(PDFDisplayBox box, QPainter& painter) const;
+
+    /// Draws annotations, the first lowest, with smooth edges. Each gets a state of the painter of its own, so that
+    /// what one sets doesn't reach the next.
+    static void drawAll(std::span<const std::shared_ptr<PDFAnnotation>> annotations, PDFDisplayBox box,
+                        QPainter& painter);
 
     /// A rectangle around all that `draw` paints, the width of lines and the tips of arrows included.
     [[nodiscard]] QRectF drawnArea() const;

@@ -2,7 +2,7 @@
 
 #include "PDFFormField.h"
 
-#include "Engine/FormFieldReader.h"
+#include "FormFieldReader.h"
 #include "FormFieldValues.h"
 #include "PDFAnnotation.h"
 #include "PDFPage.h"

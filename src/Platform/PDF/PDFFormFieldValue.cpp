@@ -1,13 +1,13 @@
 // The value of a field and the widgets that share it.
 
-#include "Engine/FormFieldIndex.h"
-#include "Engine/SourceEngine.h"
+#include "FormFieldIndex.h"
 #include "FormFieldValues.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFFormField.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
+#include "SourceEngine.h"
 
 #include <algorithm>
 #include <unordered_set>

@@ -1,10 +1,10 @@
-#include "Engine/AnnotationReader.h"
+#include "AnnotationReader.h"
 
 #include "DefaultStyle.h"
-#include "Engine/DestinationReader.h"
-#include "Engine/EngineValues.h"
-#include "Engine/FormFieldReader.h"
-#include "Engine/SourceEngine.h"
+#include "DestinationReader.h"
+#include "EngineValues.h"
+#include "FormFieldReader.h"
+#include "SourceEngine.h"
 
 #include <QRegularExpression>
 

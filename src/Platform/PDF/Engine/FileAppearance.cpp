@@ -1,11 +1,11 @@
-#include "Engine/FileAppearance.h"
+#include "FileAppearance.h"
 
-#include "Engine/AnnotationReader.h"
-#include "Engine/PageRecorder.h"
-#include "Engine/Rasterizer.h"
+#include "AnnotationReader.h"
 #include "FormFieldValues.h"
 #include "PDFAnnotation.h"
 #include "PDFSource.h"
+#include "PageRecorder.h"
+#include "Rasterizer.h"
 
 #include <QPainter>
 

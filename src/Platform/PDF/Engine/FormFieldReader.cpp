@@ -1,9 +1,9 @@
-#include "Engine/FormFieldReader.h"
+#include "FormFieldReader.h"
 
-#include "Engine/EngineValues.h"
-#include "Engine/SourceEngine.h"
+#include "EngineValues.h"
 #include "FormFieldValues.h"
 #include "PageFont.h"
+#include "SourceEngine.h"
 
 #include <algorithm>
 

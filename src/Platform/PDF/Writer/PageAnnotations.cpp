@@ -7,7 +7,7 @@
 #include "FormTree.h"
 #include "PDFPage.h"
 #include "PdfValues.h"
-#include "SourceFile.h"
+#include "SourceFiles.h"
 
 #include <QUuid>
 
@@ -49,17 +49,14 @@ PageAnnotations::PageAnnotations(ObjectStore& objects, FormFields& form, Appeara
                                  SourceFiles& files, AnnotationDictionary::PageLookup pages)
     : m_objects(objects), m_form(form), m_recorder(recorder), m_files(files), m_pages(std::move(pages)) {}
 
-std::vector<int> PageAnnotations::placesInUse(const PDFPage& page, int placeCount) {
-    const std::map<int, Values> known = valuesInFile(page);
-    std::set<int> live;
+std::function<bool(int place)> PageAnnotations::placesInUse(const PDFPage& page) {
+    std::set<int> gone;
+    for (const auto& [place, values] : valuesInFile(page))
+        gone.insert(place);
     for (const auto& annotation : page.annotations())
         if (isFromHere(*annotation, page))
-            live.insert(annotation->origin()->index);
-    std::vector<int> places;
-    for (int place = 0; place < placeCount; ++place)
-        if (live.count(place) > 0 || known.count(place) == 0)
-            places.push_back(place);
-    return places;
+            gone.erase(annotation->origin()->index);
+    return [gone = std::move(gone)](int place) { return gone.count(place) == 0; };
 }
 
 void PageAnnotations::write(const PDFPage& page, QPDFObjectHandle pageObject,

@@ -3,6 +3,7 @@
 #include "AnnotationDictionary.h"
 #include "ObjectStore.h"
 
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -22,8 +23,8 @@ public:
     /// Places that the program can't read are kept.
     void write(const PDFPage& page, QPDFObjectHandle pageObject, const std::vector<QPDFObjectHandle>& original);
 
-    /// The places of the page's list in its source that `write` is going to ask for.
-    [[nodiscard]] static std::vector<int> placesInUse(const PDFPage& page, int placeCount);
+    /// Tells of a place in the page's list in its source whether `write` is going to ask for it.
+    [[nodiscard]] static std::function<bool(int place)> placesInUse(const PDFPage& page);
 
 private:
     struct Entry {

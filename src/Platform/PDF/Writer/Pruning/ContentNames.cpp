@@ -1,5 +1,6 @@
 #include "ContentNames.h"
 
+#include "Logging.h"
 #include "PdfValues.h"
 #include "SourceFile.h"
 
@@ -52,7 +53,8 @@ std::optional<std::set<std::string>> ContentNames::in(const std::vector<QPDFObje
         try {
             const auto data = stream.getStreamData(qpdf_dl_generalized);
             collect(data->getBuffer(), data->getSize(), names);
-        } catch (const std::exception&) {
+        } catch (const std::exception& error) {
+            qCWarning(Logging::pdf) << "decoding a content stream failed:" << Logging::causes(error);
             return std::nullopt;
         }
     }

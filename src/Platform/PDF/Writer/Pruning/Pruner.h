@@ -1,27 +1,12 @@
 #pragma once
 
 #include "ObjectStore.h"
+#include "SourceFiles.h"
 
 #include <set>
 #include <vector>
 
-/// Pages of a file that are no longer in its page tree, and what belongs to them alone. Only files that are rewritten
-/// as a whole are pruned: then an object that nothing refers to is gone.
-struct RemovedPages {
-    std::set<QPDFObjGen> pages;
-    std::set<QPDFObjGen> annotations;        ///< apart from those that a page which stays has too
-    std::vector<QPDFObjectHandle> removed;   ///< the page objects
-    std::vector<QPDFObjectHandle> remaining; ///< pages of the tree, those brought in too
-
-    RemovedPages(std::vector<QPDFObjectHandle> gone, std::vector<QPDFObjectHandle> kept);
-
-    [[nodiscard]] bool hasPage(QPDFObjectHandle object) const {
-        return object.isIndirect() && pages.count(object.getObjGen()) > 0;
-    }
-    [[nodiscard]] bool hasAnnotation(QPDFObjectHandle object) const {
-        return object.isIndirect() && annotations.count(object.getObjGen()) > 0;
-    }
-};
+struct RemovedPages;
 
 /// Takes out of a file all that only removed pages needed, so that nothing of them can be found in the file again.
 namespace Pruner {
@@ -47,5 +32,10 @@ void pruneResources(const RemovedPages& gone, ObjectStore& objects);
 /// Entries of the pages' resource dictionaries that none of these pages uses. For pages that are taken out of a file,
 /// which would bring along what they share with others.
 void dropUnusedResources(const std::vector<QPDFObjectHandle>& pages);
+
+/// Cuts what the pages share with others of their file down to what these pages need: names of resources, and links and
+/// actions that lead to pages which don't come along. For pages of `file` that are about to be copied, each with its
+/// replacement announced to the file's copier. `pageNumbers` are zero-based.
+void separateFromOthers(SourceFiles::Foreign& file, const std::set<int>& pageNumbers);
 
 } // namespace Pruner

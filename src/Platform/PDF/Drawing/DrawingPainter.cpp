@@ -1,16 +1,15 @@
-#include "Engine/FileAppearance.h"
-#include "NoteIcon.h"
-#include "PDFAnnotation.h"
+#include "DrawingPainter.h"
+
+#include "AnnotationDrawing.h"
 #include "PageTextPainting.h"
 #include "PathCulling.h"
-#include "Writer/AnnotationDrawing.h"
 
 #include <QPainter>
 #include <QPen>
 
 namespace {
 
-void paint(const AnnotationDrawing::Part& part, QPainter& painter) {
+void paintPart(const AnnotationDrawing::Part& part, QPainter& painter) {
     if (part.fill)
         painter.fillPath(part.path, *part.fill);
     if (!part.stroke)
@@ -32,12 +31,12 @@ void paint(const AnnotationDrawing::Part& part, QPainter& painter) {
         painter.strokePath(part.path, pen);
 }
 
-void paint(const AnnotationDrawing::Label& label, QPainter& painter) {
+void paintLabel(const AnnotationDrawing::Label& label, QPainter& painter) {
     const auto draw = label.multiline ? PageTextPainting::drawWrapped : PageTextPainting::drawLine;
     draw(painter, label.text, label.box, label.font, label.color);
 }
 
-void paint(const AnnotationDrawing::SetText& text, QPainter& painter) {
+void paintText(const AnnotationDrawing::SetText& text, QPainter& painter) {
     painter.setTransform(text.toPage, true);
     painter.setClipRect(text.clip, Qt::IntersectClip);
     QFont font = text.font;
@@ -49,32 +48,16 @@ void paint(const AnnotationDrawing::SetText& text, QPainter& painter) {
 
 } // namespace
 
-void PDFAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
-    if (drawFileState(*this, painter))
-        return;
-    // Breaking a field's text into lines takes far longer than drawing them.
-    std::shared_ptr<const AnnotationDrawing> drawing = m_fieldDrawing;
-    if (!drawing)
-        if (auto made = AnnotationDrawing::of(m_values))
-            drawing = std::make_shared<const AnnotationDrawing>(std::move(*made));
-    if (type() == PDFAnnotationSubtype::widget)
-        m_fieldDrawing = drawing;
-    if (!drawing) {
-        if (type() == PDFAnnotationSubtype::text)
-            NoteIcon::draw(m_values, painter);
-        else if (m_origin)
-            drawFileAppearance(*this, painter);
-        return;
-    }
+void DrawingPainter::paint(const AnnotationDrawing& drawing, QPainter& painter) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    if (drawing->multiplies)
+    if (drawing.multiplies)
         painter.setCompositionMode(QPainter::CompositionMode_Multiply);
-    for (const AnnotationDrawing::Part& part : drawing->parts)
-        paint(part, painter);
-    if (drawing->label)
-        paint(*drawing->label, painter);
-    if (drawing->text)
-        paint(*drawing->text, painter);
+    for (const AnnotationDrawing::Part& part : drawing.parts)
+        paintPart(part, painter);
+    if (drawing.label)
+        paintLabel(*drawing.label, painter);
+    if (drawing.text)
+        paintText(*drawing.text, painter);
     painter.restore();
 }

@@ -1,3 +1,5 @@
+#include "Pruner.h"
+
 #include "ActionPruner.h"
 #include "NameTree.h"
 #include "NamedDestinations.h"

@@ -1,3 +1,5 @@
+#include "Pruner.h"
+
 #include "ContentNames.h"
 #include "PdfValues.h"
 #include "RemovedPages.h"

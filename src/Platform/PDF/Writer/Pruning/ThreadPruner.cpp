@@ -1,6 +1,7 @@
-#include "RemovedPages.h"
+#include "Pruner.h"
 
 #include "PdfValues.h"
+#include "RemovedPages.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "FieldFrame.h"
 
-#include "Writer/AnnotationDrawing.h"
+#include "AnnotationDrawing.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,6 +2,7 @@
 
 #include "DefaultStyle.h"
 #include "PDFPage.h"
+#include "PathFlattening.h"
 #include "PdfValues.h"
 
 #include <QUrl>
@@ -13,7 +14,7 @@ namespace {
 using Values = PDFAnnotation::Values;
 namespace Subtype = PDFAnnotationSubtype;
 
-/// Points between two points of a flattened curve; below what a printer shows.
+/// Points (1/72 inch) from one point of a flattened curve to the next; below what a printer shows.
 constexpr double flattening = 1.0;
 constexpr int longestCurve = 256; // pieces
 
@@ -163,44 +164,16 @@ private:
 
     void writeInk() {
         QPDFObjectHandle strokes = QPDFObjectHandle::newArray();
-        for (const QPainterPath& path : m_now.paths)
-            appendStrokes(strokes, path.translated(m_now.bounds.topLeft()));
-        set("/InkList", strokes);
-    }
-
-    static void appendStrokes(QPDFObjectHandle strokes, const QPainterPath& path) {
-        std::vector<double> points;
-        const auto flush = [&] {
-            if (!points.empty())
-                strokes.appendItem(PdfValues::numbers(points));
-            points.clear();
-        };
-        for (int i = 0; i < path.elementCount(); ++i) {
-            const QPainterPath::Element element = path.elementAt(i);
-            if (element.isMoveTo())
-                flush();
-            if (!element.isCurveTo() || i + 2 >= path.elementCount() || points.empty()) {
-                points.insert(points.end(), {element.x, element.y});
-                continue;
+        for (const QPainterPath& path : m_now.paths) {
+            const QPainterPath onPage = path.translated(m_now.bounds.topLeft());
+            for (const std::vector<QPointF>& stroke : PathFlattening::strokes(onPage, longestCurve, flattening)) {
+                std::vector<double> numbers;
+                for (const QPointF& point : stroke)
+                    numbers.insert(numbers.end(), {point.x(), point.y()});
+                strokes.appendItem(PdfValues::numbers(numbers));
             }
-            const QPointF from(points[points.size() - 2], points.back());
-            appendCurve(points, from, element, path.elementAt(i + 1), path.elementAt(i + 2));
-            i += 2;
         }
-        flush();
-    }
-
-    static void appendCurve(std::vector<double>& points, QPointF from, QPointF control1, QPointF control2, QPointF to) {
-        const auto distance = [](QPointF a, QPointF b) { return std::hypot(b.x() - a.x(), b.y() - a.y()); };
-        const double length = distance(from, control1) + distance(control1, control2) + distance(control2, to);
-        const int pieces = int(std::clamp(std::ceil(length / flattening), 1.0, double(longestCurve)));
-        for (int piece = 1; piece <= pieces; ++piece) {
-            const double t = double(piece) / pieces;
-            const double s = 1 - t;
-            const QPointF point =
-                s * s * s * from + 3 * s * s * t * control1 + 3 * s * t * t * control2 + t * t * t * to;
-            points.insert(points.end(), {point.x(), point.y()});
-        }
+        set("/InkList", strokes);
     }
 
     void writeQuads() {

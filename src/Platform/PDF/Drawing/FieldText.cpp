@@ -8,7 +8,7 @@
 
 namespace {
 
-// Of Helvetica, and near enough for others; in parts of the font size.
+// Measures of Helvetica, near enough for other fonts; in parts of the font size.
 constexpr double ascent = 0.718;
 constexpr double descent = 0.207;
 constexpr double leading = 1.15;
@@ -84,7 +84,7 @@ private:
         m_lines += line;
     }
 
-    /// Of as much of it as a line may show.
+    /// The width of the word, or of as much of it as a line may show.
     double widthOf(QStringView word) {
         const QString measured = word.first(std::min(word.size(), lengthThatShows(m_room) + 1)).toString();
         const auto known = m_widths.constFind(measured);

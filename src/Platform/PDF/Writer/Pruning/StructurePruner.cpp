@@ -1,3 +1,5 @@
+#include "Pruner.h"
+
 #include "NameTree.h"
 #include "PdfValues.h"
 #include "RemovedPages.h"

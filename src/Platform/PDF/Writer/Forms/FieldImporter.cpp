@@ -4,6 +4,8 @@
 #include "FormTree.h"
 #include "PdfValues.h"
 
+#include <utility>
+
 void FieldImporter::adopt(QPDFObjectHandle widget, QPDFObjectHandle copy, ObjectCopier& copier) {
     const std::vector<QPDFObjectHandle> chain = FormTree::chain(widget);
     if (chain.size() < 2) {
@@ -19,14 +21,15 @@ void FieldImporter::adopt(QPDFObjectHandle widget, QPDFObjectHandle copy, Object
 QPDFObjectHandle FieldImporter::fieldCopy(const std::vector<QPDFObjectHandle>& chain, std::size_t place,
                                           ObjectCopier& copier) {
     QPDFObjectHandle original = chain[place];
-    const auto known = m_fields.find(original.getObjGen());
-    if (known != m_fields.end() && original.isIndirect())
+    std::map<QPDFObjGen, QPDFObjectHandle>& fields = m_origins[&copier].fields;
+    const auto known = fields.find(original.getObjGen());
+    if (known != fields.end() && original.isIndirect())
         return known->second;
     QPDFObjectHandle value = original.shallowCopy();
     value.removeKey("/Parent");
     value.replaceKey("/Kids", QPDFObjectHandle::newArray());
     QPDFObjectHandle copy = m_objects.add(copier.copy(value));
-    m_fields[original.getObjGen()] = copy;
+    fields[original.getObjGen()] = copy;
     if (place + 1 < chain.size()) {
         QPDFObjectHandle parent = fieldCopy(chain, place + 1, copier);
         copy.replaceKey("/Parent", parent);
@@ -47,9 +50,9 @@ void FieldImporter::addToForm(QPDFObjectHandle original, QPDFObjectHandle copy, 
             if (!copy.hasKey(key) && form.hasKey(key))
                 copy.replaceKey(key, copier.copy(form.getKey(key)));
         QPDFObjectHandle fonts = PdfValues::entry(form.getKey("/DR"), "/Font");
-        if (!m_resourcesCopied && fonts.isDictionary())
+        const bool isFirst = !std::exchange(m_origins[&copier].resourcesCopied, true);
+        if (isFirst && fonts.isDictionary())
             m_form.addFonts(copier.copy(fonts.isIndirect() ? fonts.shallowCopy() : fonts));
-        m_resourcesCopied = true;
     }
     m_form.addTopField(copy, PdfValues::toText(original.getKey("/T")));
 }

@@ -18,16 +18,3 @@ RemovedPages::RemovedPages(std::vector<QPDFObjectHandle> gone, std::vector<QPDFO
         forEachAnnotation(page, [this](QPDFObjGen id) { annotations.erase(id); });
     }
 }
-
-void Pruner::prune(const RemovedPages& gone, ObjectStore& objects) {
-    pruneResources(gone, objects);
-    pruneDestinations(gone, objects);
-    pruneForm(gone, objects);
-    pruneThreads(gone, objects);
-    pruneStructure(gone, objects);
-    // Whatever still refers to them, which may be anything, now refers to nothing.
-    for (const QPDFObjGen& id : gone.annotations)
-        objects.pdf().replaceObject(id, QPDFObjectHandle::newNull());
-    for (const QPDFObjGen& id : gone.pages)
-        objects.pdf().replaceObject(id, QPDFObjectHandle::newNull());
-}

@@ -1,6 +1,7 @@
-#include "RemovedPages.h"
+#include "Pruner.h"
 
 #include "PdfValues.h"
+#include "RemovedPages.h"
 
 namespace {
 
@@ -18,7 +19,8 @@ public:
         for (int i = order.isArray() ? order.getArrayNItems() - 1 : -1; i >= 0; --i)
             if (m_dropped.count(order.getArrayItem(i).getObjGen()) > 0)
                 order.eraseItem(i);
-        // The form a second time, as one piece of XML with the values of all fields.
+        // XFA describes the whole form a second time, in XML, with the values of all fields: those of the dropped ones
+        // could still be read there.
         if (!m_dropped.empty())
             form.removeKey("/XFA");
     }

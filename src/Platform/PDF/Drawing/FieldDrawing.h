@@ -1,7 +1,7 @@
 #pragma once
 
+#include "AnnotationDrawing.h"
 #include "PDFAnnotation.h"
-#include "Writer/AnnotationDrawing.h"
 
 #include <optional>
 

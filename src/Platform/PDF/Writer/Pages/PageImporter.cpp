@@ -1,11 +1,7 @@
 #include "PageImporter.h"
 
-#include "ActionPruner.h"
 #include "PDFSource.h"
-#include "PageAnnotations.h"
-#include "PageTree.h"
 #include "PdfValues.h"
-#include "RemovedPages.h"
 
 #include <set>
 
@@ -17,29 +13,7 @@ void PageImporter::announce(const PDFPageContent& content, QPDFObjectHandle page
         file.copier.setReplacement(original, page);
 }
 
-void PageImporter::separateFromOthers() {
-    for (const auto& [source, numbers] : m_announced) {
-        SourceFiles::Foreign& file = m_files.foreign(source);
-        FileObjects objects(file.file.pdf());
-        std::vector<QPDFObjectHandle> pages;
-        for (const int number : numbers)
-            if (QPDFObjectHandle page = file.file.page(number); page.isDictionary() && page.isIndirect())
-                pages.push_back(page);
-        for (const QPDFObjectHandle& page : pages)
-            PageTree::keepInherited(page, objects);
-        ActionPruner actions([&file](QPDFObjectHandle destination) {
-            QPDFObjectHandle place = file.names.explicitDestination(destination);
-            return place.isNull() || place.getArrayNItems() == 0 || !place.getArrayItem(0).isIndirect() ||
-                   !file.copier.hasReplacement(place.getArrayItem(0));
-        });
-        for (const QPDFObjectHandle& page : pages)
-            actions.prunePage(page);
-        if (int(numbers.size()) < source->pageCount())
-            Pruner::dropUnusedResources(pages);
-    }
-}
-
-std::vector<QPDFObjectHandle> PageImporter::fill(const PDFPageContent& content, const PDFPage* changed,
+std::vector<QPDFObjectHandle> PageImporter::fill(const PDFPageContent& content, const IsWanted& isWanted,
                                                  QPDFObjectHandle page) {
     SourceFiles::Foreign& file = m_files.foreign(content.source);
     QPDFObjectHandle original = file.file.page(content.pageNumber);
@@ -56,24 +30,20 @@ std::vector<QPDFObjectHandle> PageImporter::fill(const PDFPageContent& content, 
     for (const char* key : {"/Parent", "/Annots", "/B", "/StructParents"})
         value.removeKey(key);
     m_objects.fill(page, file.copier.copy(value));
-    return importAnnotations(file, original, changed, page);
+    return importAnnotations(file, original, isWanted, page);
 }
 
 std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Foreign& file, QPDFObjectHandle original,
-                                                              const PDFPage* changed, QPDFObjectHandle page) {
+                                                              const IsWanted& isWanted, QPDFObjectHandle page) {
     QPDFObjectHandle list = original.getKey("/Annots");
     if (!list.isArray())
         return {};
     const std::vector<QPDFObjectHandle> items = list.getArrayAsVector();
     std::vector<QPDFObjectHandle> copies(items.size(), QPDFObjectHandle::newNull());
     std::vector<int> places;
-    if (changed) {
-        places = PageAnnotations::placesInUse(*changed, int(items.size()));
-    } else {
-        for (int place = 0; place < int(items.size()); ++place)
+    for (int place = 0; place < int(items.size()); ++place)
+        if (isWanted(place) && QPDFObjectHandle(items[std::size_t(place)]).isDictionary())
             places.push_back(place);
-    }
-    std::erase_if(places, [&items](int place) { return !QPDFObjectHandle(items[std::size_t(place)]).isDictionary(); });
 
     // All get their numbers first, since they refer to each other.
     std::set<QPDFObjGen> here;
@@ -109,7 +79,7 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
         if (QPDFObjectHandle imported = importTarget(file, target); !imported.isNull())
             copy.replaceKey("/Dest", imported);
         if (isWidget)
-            file.fields.adopt(item, copy, file.copier);
+            m_adoptWidget(item, copy, file.copier);
         all.appendItem(copy);
     }
     if (!places.empty())
