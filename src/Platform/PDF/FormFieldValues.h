@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PDFAnnotation.h"
+#include "PDFFieldData.h"
 #include "PDFFormField.h"
 
 #include <QString>

@@ -1,6 +1,7 @@
 #include "AnnotationDrawing.h"
 
 #include "FieldDrawing.h"
+#include "PDFAnnotationSubtype.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +10,7 @@
 
 namespace {
 
-using Values = PDFAnnotation::Values;
+using Values = PDFAnnotationValues;
 using Part = AnnotationDrawing::Part;
 
 // Where other readers put the lines of text markup, as fractions of the text's height above its lower edge.
@@ -100,12 +101,12 @@ void addCircle(AnnotationDrawing& drawing, const Values& values) {
 }
 
 void addLine(AnnotationDrawing& drawing, const Values& values) {
-    const QPointF run = values.endPoint - values.startPoint;
-    QPainterPath path(values.startPoint);
+    const QPointF run = values.line.endPoint - values.line.startPoint;
+    QPainterPath path(values.line.startPoint);
     if (run.isNull())
-        addDot(path, values.startPoint);
+        addDot(path, values.line.startPoint);
     else
-        path.lineTo(values.endPoint);
+        path.lineTo(values.line.endPoint);
     Part segment = strokedPart(values, path);
     segment.cap = Qt::RoundCap;
     drawing.parts.push_back(segment);
@@ -114,8 +115,8 @@ void addLine(AnnotationDrawing& drawing, const Values& values) {
         return;
     const double heading = std::atan2(run.y(), run.x());
     drawing.parts.push_back(
-        LineEnding::part(values.endLineStyle, values.endPoint, heading, segment.lineWidth, *segment.stroke));
-    drawing.parts.push_back(LineEnding::part(values.startLineStyle, values.startPoint, heading + std::numbers::pi,
+        LineEnding::part(values.line.endStyle, values.line.endPoint, heading, segment.lineWidth, *segment.stroke));
+    drawing.parts.push_back(LineEnding::part(values.line.startStyle, values.line.startPoint, heading + std::numbers::pi,
                                              segment.lineWidth, *segment.stroke));
 }
 
@@ -157,13 +158,13 @@ void addBox(AnnotationDrawing& drawing, const Values& values, const std::optiona
 }
 
 void addFreeText(AnnotationDrawing& drawing, const Values& values) {
-    const QColor color = values.fontColor.value_or(QColor(Qt::black));
+    const QColor color = values.text.color.value_or(QColor(Qt::black));
     if (values.border)
         addBox(drawing, values, visible(values.color), color);
     AnnotationDrawing::Label label;
     label.box = values.bounds.adjusted(6, 4, -6, -4);
     label.text = values.contents;
-    label.font = values.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
+    label.font = values.text.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
     label.color = color;
     label.multiline = true;
     drawing.label = label;

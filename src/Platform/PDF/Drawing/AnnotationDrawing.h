@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FieldText.h"
-#include "PDFAnnotation.h"
+#include "PDFAnnotationValues.h"
 
 /// How a plain standard annotation looks, in page coordinates. The screen paints it and the writer turns it into an
 /// appearance stream, so that a saved file looks as it did before.
@@ -41,7 +41,7 @@ struct AnnotationDrawing {
     [[nodiscard]] QRectF extent() const;
 
     /// None for a subtype that has no drawing of this program.
-    [[nodiscard]] static std::optional<AnnotationDrawing> of(const PDFAnnotation::Values& values);
+    [[nodiscard]] static std::optional<AnnotationDrawing> of(const PDFAnnotationValues& values);
 };
 
 /// The decoration at an end of a line.

@@ -10,7 +10,7 @@
 
 namespace {
 
-using Values = PDFAnnotation::Values;
+using Values = PDFAnnotationValues;
 
 // Bits of the Ff key (ISO 32000-1, tables 228 and 230).
 constexpr int multilineFlag = 1 << 12;
@@ -19,12 +19,12 @@ constexpr int comboFlag = 1 << 17;
 constexpr int combFlag = 1 << 24;
 
 int turnOf(const Values& values) {
-    return values.form ? values.form->turn : 0;
+    return values.field.inFile ? values.field.inFile->turn : 0;
 }
 
 QString labelOf(const Values& values, const QString& exportValue) {
-    if (values.form && values.form->choices)
-        for (const PDFFormField::Choice& choice : *values.form->choices)
+    if (values.field.inFile && values.field.inFile->choices)
+        for (const PDFFormField::Choice& choice : *values.field.inFile->choices)
             if (choice.exportValue == exportValue)
                 return choice.label;
     return exportValue;
@@ -41,11 +41,11 @@ FieldFrame frameOf(const Values& values) {
 
 void addRows(FieldText& text, const Values& values) {
     text.kind = FieldText::Kind::rows;
-    if (!values.form || !values.form->choices)
+    if (!values.field.inFile || !values.field.inFile->choices)
         return;
-    const std::vector<PDFFormField::Choice>& choices = *values.form->choices;
-    for (std::size_t i = std::size_t(values.form->topIndex); i < choices.size(); ++i) {
-        if (values.chosenValues.contains(choices[i].exportValue))
+    const std::vector<PDFFormField::Choice>& choices = *values.field.inFile->choices;
+    for (std::size_t i = std::size_t(values.field.inFile->topIndex); i < choices.size(); ++i) {
+        if (values.field.chosen.contains(choices[i].exportValue))
             text.chosen.push_back(text.rows.size());
         text.rows += choices[i].label;
     }
@@ -55,22 +55,22 @@ FieldText textOf(const Values& values, const FieldFrame& frame) {
     FieldText text;
     text.box = frame.box;
     text.border = frame.thickness();
-    const QFont font = values.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
-    text.size = values.fontSizeSuitsBox ? 0 : font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
-    text.alignment = values.form ? int(values.form->alignment) : 0;
-    text.text = values.widgetStringValue;
-    if (values.widgetFieldType == PDFWidgetFieldType::choice) {
-        if (values.form && !(values.fieldFlags & comboFlag))
+    const QFont font = values.text.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
+    text.size = values.text.sizeSuitsBox ? 0 : font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
+    text.alignment = values.field.inFile ? int(values.field.inFile->alignment) : 0;
+    text.text = values.field.string;
+    if (values.field.type == PDFWidgetFieldType::choice) {
+        if (values.field.inFile && !(values.field.flags & comboFlag))
             addRows(text, values);
         else
-            text.text = labelOf(values, values.chosenValues.value(0, values.widgetStringValue));
+            text.text = labelOf(values, values.field.chosen.value(0, values.field.string));
         return text;
     }
-    if (values.fieldFlags & multilineFlag)
+    if (values.field.flags & multilineFlag)
         text.kind = FieldText::Kind::wrapped;
-    else if (values.fieldFlags & passwordFlag)
+    else if (values.field.flags & passwordFlag)
         text.text = FieldDrawing::dots(text.text.size());
-    else if ((values.fieldFlags & combFlag) && frame.cells > 0)
+    else if ((values.field.flags & combFlag) && frame.cells > 0)
         text.kind = FieldText::Kind::comb;
     text.cells = frame.cells;
     return text;
@@ -78,8 +78,8 @@ FieldText textOf(const Values& values, const FieldFrame& frame) {
 
 void addText(AnnotationDrawing& drawing, const FieldText& text, const Values& values) {
     AnnotationDrawing::SetText set;
-    set.font = values.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
-    set.color = values.fontColor.value_or(QColor(Qt::black));
+    set.font = values.text.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
+    set.color = values.text.color.value_or(QColor(Qt::black));
     set.clip = text.clip();
     QFont measured = set.font;
     constexpr int unitsPerSize = 60; // Qt forgets the widths of the letters of larger fonts at once
@@ -98,14 +98,14 @@ void addText(AnnotationDrawing& drawing, const FieldText& text, const Values& va
 }
 
 void addButton(AnnotationDrawing& drawing, FieldFrame frame, const Values& values) {
-    const bool isRadio = values.widgetControlType == PDFWidgetControlType::radioButton;
+    const bool isRadio = values.field.control == PDFWidgetControlType::radioButton;
     QChar mark = isRadio ? QLatin1Char('l') : QLatin1Char('4');
-    if (values.form && !values.form->mark.isEmpty())
-        mark = values.form->mark.at(0);
+    if (values.field.inFile && !values.field.inFile->mark.isEmpty())
+        mark = values.field.inFile->mark.at(0);
     frame.isRound = isRadio && mark == QLatin1Char('l');
     frame.addTo(drawing);
-    if (values.buttonWidgetState == PDFWidgetCellState::on)
-        addFieldMark(drawing, mark, QRectF(QPointF(), frame.box), values.fontColor.value_or(QColor(Qt::black)));
+    if (values.field.state == PDFWidgetCellState::on)
+        addFieldMark(drawing, mark, QRectF(QPointF(), frame.box), values.text.color.value_or(QColor(Qt::black)));
 }
 
 } // namespace
@@ -130,19 +130,19 @@ QTransform FieldDrawing::placement(const QRectF& bounds, int turn) {
 }
 
 std::optional<AnnotationDrawing> FieldDrawing::of(const Values& values) {
-    const bool isButton = values.widgetFieldType == PDFWidgetFieldType::button;
+    const bool isButton = values.field.type == PDFWidgetFieldType::button;
     const bool hasText =
-        values.widgetFieldType == PDFWidgetFieldType::text || values.widgetFieldType == PDFWidgetFieldType::choice;
-    if ((isButton && values.widgetControlType == PDFWidgetControlType::pushButton) || (!isButton && !hasText))
+        values.field.type == PDFWidgetFieldType::text || values.field.type == PDFWidgetFieldType::choice;
+    if ((isButton && values.field.control == PDFWidgetControlType::pushButton) || (!isButton && !hasText))
         return std::nullopt;
     AnnotationDrawing drawing;
     FieldFrame frame = frameOf(values);
     if (isButton) {
         addButton(drawing, frame, values);
     } else {
-        const bool isComb = values.widgetFieldType == PDFWidgetFieldType::text && values.form &&
-                            (values.fieldFlags & combFlag) && !(values.fieldFlags & (multilineFlag | passwordFlag));
-        frame.cells = isComb ? std::min(values.form->maximumLength.value_or(0), FormFieldValues::mostCells) : 0;
+        const bool isComb = values.field.type == PDFWidgetFieldType::text && values.field.inFile &&
+                            (values.field.flags & combFlag) && !(values.field.flags & (multilineFlag | passwordFlag));
+        frame.cells = isComb ? std::min(values.field.inFile->maximumLength.value_or(0), FormFieldValues::mostCells) : 0;
         frame.addTo(drawing);
         addText(drawing, textOf(values, frame), values);
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AnnotationDrawing.h"
-#include "PDFAnnotation.h"
+#include "PDFAnnotationValues.h"
 
 #include <optional>
 
@@ -9,7 +9,7 @@
 namespace FieldDrawing {
 
 /// In page coordinates. None for push buttons and signatures, of which the program knows no look.
-[[nodiscard]] std::optional<AnnotationDrawing> of(const PDFAnnotation::Values& values);
+[[nodiscard]] std::optional<AnnotationDrawing> of(const PDFAnnotationValues& values);
 
 /// From a widget's box, with its origin at the lower left, to the page; `turn` is the R key of MK.
 [[nodiscard]] QTransform placement(const QRectF& bounds, int turn);

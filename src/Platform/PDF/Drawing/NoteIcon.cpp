@@ -9,7 +9,7 @@ constexpr double foldedCorner = 0.3;
 
 } // namespace
 
-void NoteIcon::draw(const PDFAnnotation::Values& values, QPainter& painter) {
+void NoteIcon::draw(const PDFAnnotationValues& values, QPainter& painter) {
     const double scale = side * std::min({1.0, values.bounds.width() / side, values.bounds.height() / side});
     if (!(scale > 0))
         return;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PDFAnnotation.h"
+#include "PDFAnnotationValues.h"
 
 class QPainter;
 
@@ -9,6 +9,6 @@ class QPainter;
 namespace NoteIcon {
 
 /// Into a painter set to page coordinates (y up), at the upper left of the annotation's bounds, at most 20 points wide.
-void draw(const PDFAnnotation::Values& values, QPainter& painter);
+void draw(const PDFAnnotationValues& values, QPainter& painter);
 
 } // namespace NoteIcon

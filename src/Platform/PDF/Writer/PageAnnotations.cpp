@@ -5,6 +5,7 @@
 #include "FormFieldValues.h"
 #include "FormFields.h"
 #include "FormTree.h"
+#include "PDFAnnotation.h"
 #include "PDFPage.h"
 #include "PdfValues.h"
 #include "SourceFiles.h"
@@ -15,7 +16,7 @@
 
 namespace {
 
-using Values = PDFAnnotation::Values;
+using Values = PDFAnnotationValues;
 namespace Subtype = PDFAnnotationSubtype;
 
 /// What the program reads in the page's source, by place: the annotations before any change.
@@ -200,8 +201,8 @@ void PageAnnotations::update(const PDFAnnotation& annotation, QPDFObjectHandle o
             m_recorder.record(annotation, object);
         if (look != FormFields::Look::unchanged)
             return;
-        const bool lacksLook = annotation.values().form && !annotation.values().form->hasStateLooks;
-        if (lacksLook && annotation.buttonWidgetState() != before.buttonWidgetState)
+        const bool lacksLook = annotation.values().field.inFile && !annotation.values().field.inFile->hasStateLooks;
+        if (lacksLook && annotation.buttonWidgetState() != before.field.state)
             writeButtonLook(annotation, object);
     }
     writeLook(annotation, object, &before);
@@ -217,10 +218,10 @@ void PageAnnotations::writeLook(const PDFAnnotation& annotation, QPDFObjectHandl
         return;
     if (values.type == Subtype::widget) {
         const bool isText =
-            values.widgetFieldType == PDFWidgetFieldType::text || values.widgetFieldType == PDFWidgetFieldType::choice;
+            values.field.type == PDFWidgetFieldType::text || values.field.type == PDFWidgetFieldType::choice;
         if (isText && !m_form.makeTextAppearance(object, values.interiorColor))
             m_recorder.record(annotation, object);
-        if (values.widgetFieldType == PDFWidgetFieldType::button && !before)
+        if (values.field.type == PDFWidgetFieldType::button && !before)
             writeButtonLook(annotation, object);
         return;
     }
@@ -248,9 +249,9 @@ void PageAnnotations::writeLook(const PDFAnnotation& annotation, QPDFObjectHandl
 void PageAnnotations::writeButtonLook(const PDFAnnotation& annotation, QPDFObjectHandle object) {
     Values values = annotation.values();
     QPDFObjectHandle states = QPDFObjectHandle::newDictionary();
-    const QString onState = values.form ? values.form->onState : QStringLiteral("Yes");
+    const QString onState = values.field.inFile ? values.field.inFile->onState : QStringLiteral("Yes");
     for (const PDFWidgetCellState state : {PDFWidgetCellState::on, PDFWidgetCellState::off}) {
-        values.buttonWidgetState = state;
+        values.field.state = state;
         const std::string name = state == PDFWidgetCellState::on ? '/' + onState.toStdString() : "/Off";
         if (const auto drawing = AnnotationDrawing::of(values))
             states.replaceKey(name, AppearanceStreams::form(m_objects, *drawing, values.bounds));

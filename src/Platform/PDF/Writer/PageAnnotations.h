@@ -9,6 +9,7 @@
 
 class AppearanceRecorder;
 class FormFields;
+class PDFAnnotation;
 class PDFPage;
 class SourceFiles;
 
@@ -34,8 +35,8 @@ private:
     [[nodiscard]] QPDFObjectHandle newAnnotation(const PDFAnnotation& annotation, QPDFObjectHandle pageObject,
                                                  int ordinal);
     [[nodiscard]] QPDFObjectHandle copyFromElsewhere(const PDFAnnotation& annotation, QPDFObjectHandle pageObject);
-    void update(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotation::Values& before);
-    void writeLook(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotation::Values* before);
+    void update(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotationValues& before);
+    void writeLook(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotationValues* before);
     void writeButtonLook(const PDFAnnotation& annotation, QPDFObjectHandle object);
     void dropRemoved(std::vector<Entry>& entries, const std::vector<QPDFObjectHandle>& removed);
 

@@ -1,6 +1,7 @@
 #include "AnnotationDictionary.h"
 
 #include "DefaultStyle.h"
+#include "PDFAnnotationSubtype.h"
 #include "PDFPage.h"
 #include "PathFlattening.h"
 #include "PdfValues.h"
@@ -11,7 +12,7 @@
 
 namespace {
 
-using Values = PDFAnnotation::Values;
+using Values = PDFAnnotationValues;
 namespace Subtype = PDFAnnotationSubtype;
 
 /// Points (1/72 inch) from one point of a flattened curve to the next; below what a printer shows.
@@ -42,7 +43,8 @@ public:
             set("/T", m_now.userName.isEmpty() ? QPDFObjectHandle::newNull() : PdfValues::text(m_now.userName));
         writeColors();
         writeBorder();
-        if (m_now.type == Subtype::freeText && (changed(&Values::font) || changed(&Values::fontColor)))
+        if (m_now.type == Subtype::freeText &&
+            (changed(&Values::text, &PDFTextStyle::font) || changed(&Values::text, &PDFTextStyle::color)))
             writeFreeTextFont();
         if (m_now.type == Subtype::line)
             writeLine();
@@ -54,9 +56,10 @@ public:
     }
 
 private:
-    template <typename T>
-    [[nodiscard]] bool changed(T Values::*field) const {
-        return !m_before || m_now.*field != m_before->*field;
+    /// `place` leads to the value by pointers to members, from `Values` inwards.
+    template <typename... Place>
+    [[nodiscard]] bool changed(Place... place) const {
+        return !m_before || (m_now.*....*place) != (*m_before.*....*place);
     }
 
     /// A null value removes the key.
@@ -118,7 +121,7 @@ private:
         if (!changed(&Values::border))
             return;
         std::optional<PDFBorder> border = m_now.border;
-        if (!border && m_now.defaultLineWidth != PDFAnnotation::Values().defaultLineWidth)
+        if (!border && m_now.defaultLineWidth != PDFAnnotationValues().defaultLineWidth)
             border.emplace().lineWidth = m_now.defaultLineWidth;
         if (!border) {
             // A link without a border key would get a frame.
@@ -140,8 +143,8 @@ private:
     }
 
     void writeFreeTextFont() {
-        const QFont font = m_now.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
-        const QColor color = m_now.fontColor.value_or(QColor(Qt::black));
+        const QFont font = m_now.text.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
+        const QColor color = m_now.text.color.value_or(QColor(Qt::black));
         const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
         set("/DA", QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
                                                    AnnotationDictionary::standardFontName(font), size, color)
@@ -152,14 +155,14 @@ private:
     }
 
     void writeLine() {
-        if (changed(&Values::startPoint) || changed(&Values::endPoint))
-            set("/L", PdfValues::numbers(
-                          {m_now.startPoint.x(), m_now.startPoint.y(), m_now.endPoint.x(), m_now.endPoint.y()}));
-        if (!changed(&Values::startLineStyle) && !changed(&Values::endLineStyle))
+        if (changed(&Values::line, &PDFLineData::startPoint) || changed(&Values::line, &PDFLineData::endPoint))
+            set("/L", PdfValues::numbers({m_now.line.startPoint.x(), m_now.line.startPoint.y(), m_now.line.endPoint.x(),
+                                          m_now.line.endPoint.y()}));
+        if (!changed(&Values::line, &PDFLineData::startStyle) && !changed(&Values::line, &PDFLineData::endStyle))
             return;
         static const char* const names[] = {"None", "Square", "Circle", "Diamond", "OpenArrow", "ClosedArrow"};
-        set("/LE", QPDFObjectHandle::newArray({PdfValues::name(names[int(m_now.startLineStyle)]),
-                                               PdfValues::name(names[int(m_now.endLineStyle)])}));
+        set("/LE", QPDFObjectHandle::newArray({PdfValues::name(names[int(m_now.line.startStyle)]),
+                                               PdfValues::name(names[int(m_now.line.endStyle)])}));
     }
 
     void writeInk() {
@@ -193,20 +196,20 @@ private:
     }
 
     void writeTarget() {
-        if (changed(&Values::url) && !m_now.url.isEmpty()) {
+        if (changed(&Values::link, &PDFLinkData::url) && !m_now.link.url.isEmpty()) {
             QPDFObjectHandle action = QPDFObjectHandle::newDictionary();
             action.replaceKey("/S", PdfValues::name("URI"));
-            action.replaceKey("/URI", QPDFObjectHandle::newString(QUrl(m_now.url).toEncoded().toStdString()));
+            action.replaceKey("/URI", QPDFObjectHandle::newString(QUrl(m_now.link.url).toEncoded().toStdString()));
             set("/A", action);
             set("/Dest", QPDFObjectHandle::newNull());
             return;
         }
-        const bool lostTarget = m_before && m_before->leadsInside && !m_now.leadsInside;
-        if (changed(&Values::url) || lostTarget || m_now.destination)
+        const bool lostTarget = m_before && m_before->link.leadsInside && !m_now.link.leadsInside;
+        if (changed(&Values::link, &PDFLinkData::url) || lostTarget || m_now.link.destination)
             set("/A", QPDFObjectHandle::newNull());
-        if (lostTarget || m_now.destination)
-            set("/Dest", m_now.destination ? AnnotationDictionary::destination(*m_now.destination, m_pages)
-                                           : QPDFObjectHandle::newNull());
+        if (lostTarget || m_now.link.destination)
+            set("/Dest", m_now.link.destination ? AnnotationDictionary::destination(*m_now.link.destination, m_pages)
+                                                : QPDFObjectHandle::newNull());
     }
 
     QPDFObjectHandle m_dictionary;
@@ -231,11 +234,12 @@ void AnnotationDictionary::update(QPDFObjectHandle dictionary, const Values& now
 }
 
 bool AnnotationDictionary::looksDifferent(const Values& now, const Values& before) {
-    const auto differs = [&](auto field) { return now.*field != before.*field; };
+    const auto differs = [&](auto... place) { return (now.*....*place) != (before.*....*place); };
     if (differs(&Values::color) || differs(&Values::interiorColor) || differs(&Values::border) ||
-        differs(&Values::font) || differs(&Values::fontColor) || differs(&Values::startPoint) ||
-        differs(&Values::endPoint) || differs(&Values::startLineStyle) || differs(&Values::endLineStyle) ||
-        differs(&Values::paths) || differs(&Values::quads) || differs(&Values::widgetStringValue))
+        differs(&Values::text, &PDFTextStyle::font) || differs(&Values::text, &PDFTextStyle::color) ||
+        differs(&Values::line, &PDFLineData::startPoint) || differs(&Values::line, &PDFLineData::endPoint) ||
+        differs(&Values::line, &PDFLineData::startStyle) || differs(&Values::line, &PDFLineData::endStyle) ||
+        differs(&Values::paths) || differs(&Values::quads) || differs(&Values::field, &PDFFieldData::string))
         return true;
     if (now.type == Subtype::freeText && differs(&Values::contents))
         return true;

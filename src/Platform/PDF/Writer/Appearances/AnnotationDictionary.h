@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ObjectStore.h"
-#include "PDFAnnotation.h"
+#include "PDFAnnotationValues.h"
 
 #include <functional>
 
@@ -12,15 +12,15 @@ namespace AnnotationDictionary {
 using PageLookup = std::function<QPDFObjectHandle(const PDFPage& page)>;
 
 /// A dictionary for an annotation that the file doesn't have yet.
-[[nodiscard]] QPDFObjectHandle make(const PDFAnnotation::Values& values, const PageLookup& pages);
+[[nodiscard]] QPDFObjectHandle make(const PDFAnnotationValues& values, const PageLookup& pages);
 
 /// Changes the keys for those values that differ from `before`, which is what the dictionary says now. Every other key
 /// stays.
-void update(QPDFObjectHandle dictionary, const PDFAnnotation::Values& now, const PDFAnnotation::Values& before,
+void update(QPDFObjectHandle dictionary, const PDFAnnotationValues& now, const PDFAnnotationValues& before,
             const PageLookup& pages);
 
 /// True when the values differ in what the annotation looks like.
-[[nodiscard]] bool looksDifferent(const PDFAnnotation::Values& now, const PDFAnnotation::Values& before);
+[[nodiscard]] bool looksDifferent(const PDFAnnotationValues& now, const PDFAnnotationValues& before);
 
 /// An explicit destination; a null object when the page isn't in the file.
 [[nodiscard]] QPDFObjectHandle destination(const PDFDestination& destination, const PageLookup& pages);

@@ -77,18 +77,18 @@ void FormFields::addFonts(QPDFObjectHandle fonts) {
             m_objects.set(known, name, font);
 }
 
-void FormFields::add(QPDFObjectHandle widget, const PDFAnnotation::Values& values) {
+void FormFields::add(QPDFObjectHandle widget, const PDFAnnotationValues& values) {
     static const std::map<PDFWidgetFieldType, const char*> types{{PDFWidgetFieldType::text, "Tx"},
                                                                  {PDFWidgetFieldType::button, "Btn"},
                                                                  {PDFWidgetFieldType::choice, "Ch"},
                                                                  {PDFWidgetFieldType::signature, "Sig"}};
-    if (const auto type = types.find(values.widgetFieldType); type != types.end())
+    if (const auto type = types.find(values.field.type); type != types.end())
         widget.replaceKey("/FT", PdfValues::name(type->second));
-    const bool isButton = values.widgetFieldType == PDFWidgetFieldType::button;
-    int flags = values.fieldFlags;
-    if (isButton && values.widgetControlType == PDFWidgetControlType::radioButton)
+    const bool isButton = values.field.type == PDFWidgetFieldType::button;
+    int flags = values.field.flags;
+    if (isButton && values.field.control == PDFWidgetControlType::radioButton)
         flags |= FormTree::radio;
-    if (isButton && values.widgetControlType == PDFWidgetControlType::pushButton)
+    if (isButton && values.field.control == PDFWidgetControlType::pushButton)
         flags |= FormTree::pushButton;
     if (flags != 0)
         widget.replaceKey("/Ff", QPDFObjectHandle::newInteger(flags));
@@ -100,43 +100,43 @@ void FormFields::add(QPDFObjectHandle widget, const PDFAnnotation::Values& value
     if (!form(true).hasKey("/DA"))
         m_objects.set(form(true), "/DA", QPDFObjectHandle::newString("/Helv 0 Tf 0 g"));
 
-    const QFont font = values.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
+    const QFont font = values.text.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
     const double size = isButton ? 0 : font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
-    const QColor color = values.fontColor.value_or(QColor(Qt::black));
+    const QColor color = values.text.color.value_or(QColor(Qt::black));
     widget.replaceKey(
         "/DA", QPDFObjectHandle::newString(
                    AnnotationDictionary::defaultAppearance(isButton ? "ZaDb" : "Helv", size, color).toStdString()));
-    if (isButton && values.widgetControlType != PDFWidgetControlType::pushButton) {
+    if (isButton && values.field.control != PDFWidgetControlType::pushButton) {
         QPDFObjectHandle look = widget.getKey("/MK");
         look = look.isDictionary() ? look : QPDFObjectHandle::newDictionary();
-        const bool isRadio = values.widgetControlType == PDFWidgetControlType::radioButton;
+        const bool isRadio = values.field.control == PDFWidgetControlType::radioButton;
         look.replaceKey("/CA", QPDFObjectHandle::newString(isRadio ? "l" : "4")); // a dot, a check mark
         widget.replaceKey("/MK", look);
-        const std::string state = values.buttonWidgetState == PDFWidgetCellState::on ? "/Yes" : "/Off";
+        const std::string state = values.field.state == PDFWidgetCellState::on ? "/Yes" : "/Off";
         widget.replaceKey("/V", QPDFObjectHandle::newName(state));
         widget.replaceKey("/AS", QPDFObjectHandle::newName(state));
-    } else if (!values.widgetStringValue.isEmpty()) {
-        widget.replaceKey("/V", PdfValues::text(values.widgetStringValue));
+    } else if (!values.field.string.isEmpty()) {
+        widget.replaceKey("/V", PdfValues::text(values.field.string));
     }
     m_objects.noteChange(widget);
-    addTopField(widget, values.fieldName);
+    addTopField(widget, values.field.name);
 }
 
-FormFields::Look FormFields::update(QPDFObjectHandle widget, const PDFAnnotation::Values& now,
-                                    const PDFAnnotation::Values& before) {
+FormFields::Look FormFields::update(QPDFObjectHandle widget, const PDFAnnotationValues& now,
+                                    const PDFAnnotationValues& before) {
     QPDFObjectHandle field = FormTree::fieldOf(widget);
-    if (now.fieldName != before.fieldName && field.isIndirect())
-        m_objects.set(field, "/T", PdfValues::text(now.fieldName.section(QLatin1Char('.'), -1)));
-    if (now.widgetFieldType == PDFWidgetFieldType::button) {
-        if (now.buttonWidgetState != before.buttonWidgetState) {
+    if (now.field.name != before.field.name && field.isIndirect())
+        m_objects.set(field, "/T", PdfValues::text(now.field.name.section(QLatin1Char('.'), -1)));
+    if (now.field.type == PDFWidgetFieldType::button) {
+        if (now.field.state != before.field.state) {
             setButtonState(widget, now);
             dropOtherForm();
         }
         return Look::unchanged;
     }
-    if (now.font != before.font || now.fontColor != before.fontColor)
+    if (now.text.font != before.text.font || now.text.color != before.text.color)
         setFont(widget, now, before);
-    if (now.widgetStringValue == before.widgetStringValue && now.chosenValues == before.chosenValues)
+    if (now.field.string == before.field.string && now.field.chosen == before.field.chosen)
         return Look::unchanged;
     dropOtherForm();
     return setText(widget, now);
@@ -151,25 +151,24 @@ void FormFields::dropOtherForm() {
         m_objects.remove(m_objects.root(), "/NeedsRendering");
 }
 
-void FormFields::setFont(QPDFObjectHandle widget, const PDFAnnotation::Values& now,
-                         const PDFAnnotation::Values& before) {
-    const QFont font = now.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
+void FormFields::setFont(QPDFObjectHandle widget, const PDFAnnotationValues& now, const PDFAnnotationValues& before) {
+    const QFont font = now.text.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
     const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
     QByteArray name = "Helv";
-    if (before.font && before.font->family() == font.family())
+    if (before.text.font && before.text.font->family() == font.family())
         name = FieldLook(widget, form(true)).fontName().mid(1);
     widget.replaceKey("/DA", QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
-                                                             name, size, now.fontColor.value_or(QColor(Qt::black)))
+                                                             name, size, now.text.color.value_or(QColor(Qt::black)))
                                                              .toStdString()));
     m_objects.noteChange(widget);
 }
 
-void FormFields::setButtonState(QPDFObjectHandle widget, const PDFAnnotation::Values& now) {
+void FormFields::setButtonState(QPDFObjectHandle widget, const PDFAnnotationValues& now) {
     QPDFObjectHandle field = FormTree::fieldOf(widget);
-    const bool on = now.buttonWidgetState == PDFWidgetCellState::on;
+    const bool on = now.field.state == PDFWidgetCellState::on;
     const std::string state = FormTree::onState(widget);
     const bool wasOn = FormTree::inherited(field, "/V").isNameAndEquals(state);
-    const bool isNoneOn = now.chosenValues.value(0, QStringLiteral("Off")) == QLatin1String("Off");
+    const bool isNoneOn = now.field.chosen.value(0, QStringLiteral("Off")) == QLatin1String("Off");
     if (!on && (!wasOn || !isNoneOn)) {
         // Another button of the group took the value over.
         m_objects.set(widget, "/AS", QPDFObjectHandle::newName("/Off"));
@@ -195,8 +194,8 @@ void FormFields::setButtonState(QPDFObjectHandle widget, const PDFAnnotation::Va
     }
 }
 
-void FormFields::setChosen(QPDFObjectHandle field, const PDFAnnotation::Values& now) {
-    QStringList chosen = now.chosenValues;
+void FormFields::setChosen(QPDFObjectHandle field, const PDFAnnotationValues& now) {
+    QStringList chosen = now.field.chosen;
     if (chosen.isEmpty()) {
         m_objects.remove(field, "/V");
     } else if (chosen.size() == 1) {
@@ -207,23 +206,23 @@ void FormFields::setChosen(QPDFObjectHandle field, const PDFAnnotation::Values& 
             values.appendItem(PdfValues::text(each));
         m_objects.set(field, "/V", values);
     }
-    const bool isList = !(now.fieldFlags & FormTree::combo);
-    if (!isList || chosen.isEmpty() || !now.form || !now.form->choices)
+    const bool isList = !(now.field.flags & FormTree::combo);
+    if (!isList || chosen.isEmpty() || !now.field.inFile || !now.field.inFile->choices)
         return;
     QPDFObjectHandle indices = QPDFObjectHandle::newArray();
-    const std::vector<PDFFormField::Choice>& choices = *now.form->choices;
+    const std::vector<PDFFormField::Choice>& choices = *now.field.inFile->choices;
     for (std::size_t i = 0; i < choices.size(); ++i)
         if (chosen.removeAll(choices[i].exportValue) > 0)
             indices.appendItem(QPDFObjectHandle::newInteger(int(i)));
     m_objects.set(field, "/I", indices);
 }
 
-FormFields::Look FormFields::setText(QPDFObjectHandle widget, const PDFAnnotation::Values& now) {
+FormFields::Look FormFields::setText(QPDFObjectHandle widget, const PDFAnnotationValues& now) {
     QPDFObjectHandle field = FormTree::fieldOf(widget);
     if (!field.isIndirect())
         return Look::unchanged;
     const QStringList value =
-        now.widgetFieldType == PDFWidgetFieldType::choice ? now.chosenValues : QStringList{now.widgetStringValue};
+        now.field.type == PDFWidgetFieldType::choice ? now.field.chosen : QStringList{now.field.string};
     const auto [written, isNew] = m_written.try_emplace(field.getObjGen(), value);
     if (isNew || written->second != value) {
         written->second = value;
@@ -236,13 +235,13 @@ FormFields::Look FormFields::setText(QPDFObjectHandle widget, const PDFAnnotatio
     return Look::missing;
 }
 
-void FormFields::writeValue(QPDFObjectHandle field, const PDFAnnotation::Values& now) {
+void FormFields::writeValue(QPDFObjectHandle field, const PDFAnnotationValues& now) {
     m_objects.remove(field, "/I");  // indices of the chosen options, which only repeat the value
     m_objects.remove(field, "/RV"); // the value once more, with styles
-    if (now.widgetFieldType == PDFWidgetFieldType::choice)
+    if (now.field.type == PDFWidgetFieldType::choice)
         setChosen(field, now);
     else
-        m_objects.set(field, "/V", PdfValues::text(now.widgetStringValue));
+        m_objects.set(field, "/V", PdfValues::text(now.field.string));
     for (QPDFObjectHandle& each : FormTree::widgets(field)) {
         if (!each.isIndirect())
             continue;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ObjectStore.h"
-#include "PDFAnnotation.h"
+#include "PDFAnnotationValues.h"
 
 #include <map>
 #include <optional>
@@ -16,14 +16,14 @@ public:
 
     /// Makes a new widget's dictionary a field as well and adds it to the form, under the field's name or, when that is
     /// taken, the name with the first free number: "text_1", "text_1_2".
-    void add(QPDFObjectHandle widget, const PDFAnnotation::Values& values);
+    void add(QPDFObjectHandle widget, const PDFAnnotationValues& values);
 
     /// What became of a widget's appearance: left alone, made anew, or to be made by other means since the form's font
     /// lacks a character.
     enum class Look { unchanged, made, missing };
 
     /// Brings the field of a widget to its new value, with the look of all its widgets.
-    Look update(QPDFObjectHandle widget, const PDFAnnotation::Values& now, const PDFAnnotation::Values& before);
+    Look update(QPDFObjectHandle widget, const PDFAnnotationValues& now, const PDFAnnotationValues& before);
 
     /// Makes the appearance of a text or choice field anew from its dictionary. False when the form's font lacks a
     /// character of the value, which leaves the appearance as it is. A given background takes the place of that in the
@@ -45,11 +45,11 @@ public:
 
 private:
     QString freeName(const QString& wished);
-    void setButtonState(QPDFObjectHandle widget, const PDFAnnotation::Values& now);
-    void setFont(QPDFObjectHandle widget, const PDFAnnotation::Values& now, const PDFAnnotation::Values& before);
-    Look setText(QPDFObjectHandle widget, const PDFAnnotation::Values& now);
-    void setChosen(QPDFObjectHandle field, const PDFAnnotation::Values& now);
-    void writeValue(QPDFObjectHandle field, const PDFAnnotation::Values& now);
+    void setButtonState(QPDFObjectHandle widget, const PDFAnnotationValues& now);
+    void setFont(QPDFObjectHandle widget, const PDFAnnotationValues& now, const PDFAnnotationValues& before);
+    Look setText(QPDFObjectHandle widget, const PDFAnnotationValues& now);
+    void setChosen(QPDFObjectHandle field, const PDFAnnotationValues& now);
+    void writeValue(QPDFObjectHandle field, const PDFAnnotationValues& now);
     /// A form in XML beside this one would go on showing the old values, so it goes when a value changes.
     void dropOtherForm();
 
