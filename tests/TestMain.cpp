@@ -58,8 +58,8 @@ static bool bringFontsAndLocale(const QString& home) {
     qputenv("FONTCONFIG_FILE", QFile::encodeName(file.fileName()));
     qputenv("LC_ALL", "C.UTF-8");
     qputenv("TZ", "UTC");
-    for (const char* variable : {"LANGUAGE", "QT_FONT_DPI", "QT_SCREEN_SCALE_FACTORS",
-                                 "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME", "QT_LOGGING_RULES"})
+    for (const char* variable : {"LANGUAGE", "QT_FONT_DPI", "QT_SCREEN_SCALE_FACTORS", "QT_STYLE_OVERRIDE",
+                                 "QT_QPA_PLATFORMTHEME", "QT_LOGGING_RULES"})
         qunsetenv(variable);
     return true;
 }

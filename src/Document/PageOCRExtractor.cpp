@@ -79,12 +79,7 @@ void drawLiveAnnotations(const PDFPage& page, const QTransform& pageToDevice, QI
         return;
     QPainter painter(&image);
     painter.setTransform(pageToDevice);
-    for (const auto& annotation : annotations) {
-        painter.save();
-        painter.setRenderHint(QPainter::Antialiasing);
-        annotation->draw(PDFDisplayBox::mediaBox, painter);
-        painter.restore();
-    }
+    PDFAnnotation::drawAll(annotations, PDFDisplayBox::mediaBox, painter);
 }
 
 /// Any thread.

@@ -24,12 +24,7 @@ PagePicture::PagePicture(const PDFPage& page, QSize size) {
     QPainter recorder(&m_liveAnnotations);
     const auto annotations = page.liveAnnotations();
     const std::size_t first = annotations.size() - std::min(annotations.size(), maximumAnnotationCount);
-    for (std::size_t i = first; i < annotations.size(); ++i) {
-        recorder.save();
-        recorder.setRenderHint(QPainter::Antialiasing);
-        annotations[i]->draw(shownBox, recorder);
-        recorder.restore();
-    }
+    PDFAnnotation::drawAll(std::span(annotations).subspan(first), shownBox, recorder);
 }
 
 QImage PagePicture::image(const std::atomic<bool>& cancelled) const {

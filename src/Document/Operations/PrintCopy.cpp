@@ -2,7 +2,6 @@
 
 #include "PDFDocument.h"
 #include "PDFDocumentSnapshot.h"
-#include "PDFMarkup.h"
 #include "PDFPage.h"
 
 #include <utility>
@@ -28,6 +27,5 @@ PrintCopy PrintCopy::of(const PDFDocument& document, const std::vector<int>& pag
 }
 
 QByteArray PrintCopy::bytes() const {
-    const QByteArray whole = m_snapshot->dataRepresentation();
-    return m_annotations ? whole : PDFMarkup::removed(whole);
+    return m_annotations ? m_snapshot->dataRepresentation() : m_snapshot->dataWithoutMarkup();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PDFAnnotation.h"
+#include "PDFFieldData.h"
 #include "PDFFormField.h"
 
 #include <QString>
@@ -13,10 +13,10 @@
 /// What a widget and its field say beyond the common values of annotations: how the file has it, never changed
 /// afterwards, so that copies of an annotation share it.
 struct FormFieldValues {
-    /// Of a comb, however long a text a file lets it be.
+    /// The most cells that a comb is drawn with, however long a text the file allows.
     static constexpr int mostCells = 1000;
 
-    // Of the field
+    // What the field says
 
     int fieldObject = 0; ///< number of the dictionary that has the field's own name; 0 for one inside another object
     QString userName;    ///< TU
@@ -28,7 +28,7 @@ struct FormFieldValues {
     /// The value in the file, in the form of `PDFFormField::value`. It may be one that the field wouldn't take anew.
     QStringList valueInFile;
 
-    // Of the widget
+    // What the widget says
 
     QString onState; ///< the state of AP, N that isn't Off
     PDFWidgetCellState stateInFile = PDFWidgetCellState::off;

@@ -1,10 +1,16 @@
 #include "PDFAnnotation.h"
 
-#include "Engine/AnnotationReader.h"
+#include "AnnotationDrawing.h"
+#include "AnnotationReader.h"
+#include "DrawingPainter.h"
+#include "FileAppearance.h"
 #include "FormFieldValues.h"
+#include "NoteIcon.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
+
+#include <QPainter>
 
 #include <algorithm>
 
@@ -35,6 +41,8 @@ void separate(QFont& font) {
     font.setKerning(!font.kerning());
     font.setResolveMask(mask);
 }
+
+using Values = PDFAnnotationValues;
 
 } // namespace
 
@@ -67,7 +75,9 @@ QRectF PDFAnnotation::drawnArea() const {
     if (m_values.type == PDFAnnotationSubtype::line) {
         // Its bounds may be those of the whole page.
         const double reach = std::max(3.4 * width, 8.0) + width;
-        return QRectF(m_values.startPoint, m_values.endPoint).normalized().adjusted(-reach, -reach, reach, reach);
+        return QRectF(m_values.line.startPoint, m_values.line.endPoint)
+            .normalized()
+            .adjusted(-reach, -reach, reach, reach);
     }
     QRectF area = m_values.bounds;
     for (const PDFQuad& quad : m_values.quads)
@@ -77,32 +87,33 @@ QRectF PDFAnnotation::drawnArea() const {
     return area.adjusted(-overhang, -overhang, overhang, overhang);
 }
 
-template <typename T>
-void PDFAnnotation::set(T Values::*field, const T& value) {
-    if (m_values.*field == value)
+template <typename T, typename... Place>
+void PDFAnnotation::set(const T& value, Place... place) {
+    T& present = (m_values.*....*place);
+    if (present == value)
         return;
     const QRectF before = drawnArea();
-    m_values.*field = value;
+    present = value;
     noteChange(before | drawnArea());
 }
 
 void PDFAnnotation::setBounds(const QRectF& bounds) {
-    set(&Values::bounds, bounds.normalized());
+    set(bounds.normalized(), &Values::bounds);
 }
 void PDFAnnotation::setColor(const std::optional<QColor>& color) {
-    set(&Values::color, color);
+    set(color, &Values::color);
 }
 void PDFAnnotation::setInteriorColor(const std::optional<QColor>& color) {
-    set(&Values::interiorColor, color);
+    set(color, &Values::interiorColor);
 }
 void PDFAnnotation::setBorder(const std::optional<PDFBorder>& border) {
-    set(&Values::border, border);
+    set(border, &Values::border);
 }
 void PDFAnnotation::setContents(const QString& contents) {
-    set(&Values::contents, contents);
+    set(contents, &Values::contents);
 }
 void PDFAnnotation::setUserName(const QString& name) {
-    set(&Values::userName, name);
+    set(name, &Values::userName);
 }
 void PDFAnnotation::setModificationDate(const QDateTime& date) {
     if (m_values.modificationDate == date)
@@ -111,69 +122,69 @@ void PDFAnnotation::setModificationDate(const QDateTime& date) {
     announceChange(drawnArea());
 }
 void PDFAnnotation::setFont(const std::optional<QFont>& font) {
-    m_values.fontSizeSuitsBox = m_values.fontSizeSuitsBox && font == m_values.font;
-    set(&Values::font, font);
+    m_values.text.sizeSuitsBox = m_values.text.sizeSuitsBox && font == m_values.text.font;
+    set(font, &Values::text, &PDFTextStyle::font);
 }
 void PDFAnnotation::setFontColor(const std::optional<QColor>& color) {
-    set(&Values::fontColor, color);
+    set(color, &Values::text, &PDFTextStyle::color);
 }
 void PDFAnnotation::setStartPoint(QPointF point) {
-    set(&Values::startPoint, point);
+    set(point, &Values::line, &PDFLineData::startPoint);
 }
 void PDFAnnotation::setEndPoint(QPointF point) {
-    set(&Values::endPoint, point);
+    set(point, &Values::line, &PDFLineData::endPoint);
 }
 void PDFAnnotation::setStartLineStyle(PDFLineStyle style) {
-    set(&Values::startLineStyle, style);
+    set(style, &Values::line, &PDFLineData::startStyle);
 }
 void PDFAnnotation::setEndLineStyle(PDFLineStyle style) {
-    set(&Values::endLineStyle, style);
+    set(style, &Values::line, &PDFLineData::endStyle);
 }
 void PDFAnnotation::setUrl(const QString& url) {
-    set(&Values::url, url);
+    set(url, &Values::link, &PDFLinkData::url);
 }
 void PDFAnnotation::setFieldName(const QString& name) {
-    set(&Values::fieldName, name);
+    set(name, &Values::field, &PDFFieldData::name);
 }
 void PDFAnnotation::setWidgetFieldType(PDFWidgetFieldType type) {
-    set(&Values::widgetFieldType, type);
+    set(type, &Values::field, &PDFFieldData::type);
 }
 void PDFAnnotation::setWidgetControlType(PDFWidgetControlType type) {
-    set(&Values::widgetControlType, type);
+    set(type, &Values::field, &PDFFieldData::control);
 }
 void PDFAnnotation::setButtonWidgetState(PDFWidgetCellState state) {
-    const QString own = m_values.form ? m_values.form->onState : QStringLiteral("Yes");
+    const QString own = m_values.field.inFile ? m_values.field.inFile->onState : QStringLiteral("Yes");
     if (state == PDFWidgetCellState::on)
-        m_values.chosenValues = {own};
-    else if (m_values.chosenValues.value(0) == own)
-        m_values.chosenValues = {QStringLiteral("Off")};
-    set(&Values::buttonWidgetState, state);
+        m_values.field.chosen = {own};
+    else if (m_values.field.chosen.value(0) == own)
+        m_values.field.chosen = {QStringLiteral("Off")};
+    set(state, &Values::field, &PDFFieldData::state);
 }
 void PDFAnnotation::setWidgetStringValue(const QString& value) {
-    if (m_values.widgetFieldType == PDFWidgetFieldType::choice && value != m_values.widgetStringValue)
-        m_values.chosenValues = value.isEmpty() ? QStringList() : QStringList{value};
-    set(&Values::widgetStringValue, value);
+    if (m_values.field.type == PDFWidgetFieldType::choice && value != m_values.field.string)
+        m_values.field.chosen = value.isEmpty() ? QStringList() : QStringList{value};
+    set(value, &Values::field, &PDFFieldData::string);
 }
 
 void PDFAnnotation::fill(const QString& string, const QStringList& chosen, PDFWidgetCellState state) {
-    const bool isButton = m_values.widgetFieldType == PDFWidgetFieldType::button;
-    const bool looksDifferent = isButton ? state != m_values.buttonWidgetState
-                                         : string != m_values.widgetStringValue || chosen != m_values.chosenValues;
-    m_values.widgetStringValue = string;
-    m_values.chosenValues = chosen;
-    m_values.buttonWidgetState = state;
+    const bool isButton = m_values.field.type == PDFWidgetFieldType::button;
+    const bool looksDifferent =
+        isButton ? state != m_values.field.state : string != m_values.field.string || chosen != m_values.field.chosen;
+    m_values.field.string = string;
+    m_values.field.chosen = chosen;
+    m_values.field.state = state;
     if (!looksDifferent)
         return;
     const bool wasUnchanged = m_origin && !m_modified;
     const std::optional<QDateTime> before = wasUnchanged ? m_values.modificationDate : m_dateBeforeFilling;
     noteChange(drawnArea());
     m_dateBeforeFilling = before;
-    if (!before || !m_values.form)
+    if (!before || !m_values.field.inFile)
         return;
-    const bool isAsInFile =
-        isButton ? state == m_values.form->stateInFile
-                 : (m_values.widgetFieldType == PDFWidgetFieldType::text ? QStringList{string} : chosen) ==
-                       m_values.form->valueInFile;
+    const bool isAsInFile = isButton
+                                ? state == m_values.field.inFile->stateInFile
+                                : (m_values.field.type == PDFWidgetFieldType::text ? QStringList{string} : chosen) ==
+                                      m_values.field.inFile->valueInFile;
     if (!isAsInFile)
         return;
     m_values.modificationDate = *before;
@@ -188,13 +199,6 @@ void PDFAnnotation::add(const QPainterPath& path) {
     noteChange(drawnArea());
 }
 
-void PDFAnnotation::removeAllPaths() {
-    if (m_values.paths.empty())
-        return;
-    m_values.paths.clear();
-    noteChange(drawnArea());
-}
-
 void PDFAnnotation::setPaths(const QRectF& bounds, std::vector<QPainterPath> paths, const QRectF& changedArea) {
     m_values.bounds = bounds.normalized();
     m_values.paths = std::move(paths);
@@ -206,12 +210,12 @@ std::vector<PDFQuad> PDFAnnotation::quadrilateralPoints() const {
 }
 
 void PDFAnnotation::setQuadrilateralPoints(const std::vector<PDFQuad>& quads) {
-    set(&Values::quads, quads);
+    set(quads, &Values::quads);
 }
 
 std::optional<PDFDestination> PDFAnnotation::destination() const {
-    if (m_values.destination || !m_values.leadsInside)
-        return m_values.destination;
+    if (m_values.link.destination || !m_values.link.leadsInside)
+        return m_values.link.destination;
     const auto holder = page();
     // A place of the file means a page of the same file: a page brought in from elsewhere has lost it.
     if (!holder || !holder->document() || !m_origin || holder->document()->source() != m_origin->content.source)
@@ -221,8 +225,8 @@ std::optional<PDFDestination> PDFAnnotation::destination() const {
 }
 
 void PDFAnnotation::setDestination(const std::optional<PDFDestination>& destination) {
-    m_values.destination = destination;
-    m_values.leadsInside = false;
+    m_values.link.destination = destination;
+    m_values.link.leadsInside = false;
     noteChange(drawnArea());
 }
 
@@ -234,10 +238,6 @@ bool PDFAnnotation::shouldPrint() const {
     return (m_values.flags & printFlag) != 0;
 }
 
-void PDFAnnotation::setShouldPrint(bool print) {
-    set(&Values::flags, print ? m_values.flags | printFlag : m_values.flags & ~printFlag);
-}
-
 std::shared_ptr<PDFAnnotation> PDFAnnotation::copy() const {
     return copied(std::make_shared<PDFAnnotation>(m_values.bounds, m_values.type));
 }
@@ -246,10 +246,38 @@ std::shared_ptr<PDFAnnotation> PDFAnnotation::copied(std::shared_ptr<PDFAnnotati
     fresh->m_values = m_values;
     for (QPainterPath& path : fresh->m_values.paths)
         separate(path);
-    if (fresh->m_values.font)
-        separate(*fresh->m_values.font);
+    if (fresh->m_values.text.font)
+        separate(*fresh->m_values.text.font);
     fresh->m_origin = m_origin;
     fresh->m_modified = m_modified;
     fresh->m_dateBeforeFilling = m_dateBeforeFilling;
     return fresh;
+}
+
+void PDFAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
+    if (drawFileState(*this, painter))
+        return;
+    // Breaking a field's text into lines takes far longer than drawing them.
+    std::shared_ptr<const AnnotationDrawing> drawing = m_fieldDrawing;
+    if (!drawing)
+        if (auto made = AnnotationDrawing::of(m_values))
+            drawing = std::make_shared<const AnnotationDrawing>(std::move(*made));
+    if (type() == PDFAnnotationSubtype::widget)
+        m_fieldDrawing = drawing;
+    if (drawing)
+        DrawingPainter::paint(*drawing, painter);
+    else if (type() == PDFAnnotationSubtype::text)
+        NoteIcon::draw(m_values, painter);
+    else if (m_origin)
+        drawFileAppearance(*this, painter);
+}
+
+void PDFAnnotation::drawAll(std::span<const std::shared_ptr<PDFAnnotation>> annotations, PDFDisplayBox box,
+                            QPainter& painter) {
+    for (const std::shared_ptr<PDFAnnotation>& annotation : annotations) {
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        annotation->draw(box, painter);
+        painter.restore();
+    }
 }

@@ -1,7 +1,7 @@
 #include "PDFDocument.h"
 
-#include "Engine/InformationReader.h"
-#include "Engine/OutlineReader.h"
+#include "InformationReader.h"
+#include "OutlineReader.h"
 #include "PDFDocumentSnapshot.h"
 #include "PDFError.h"
 #include "PDFOutline.h"

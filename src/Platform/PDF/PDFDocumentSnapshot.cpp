@@ -1,11 +1,12 @@
 #include "PDFDocumentSnapshot.h"
 
+#include "DocumentComposer.h"
+#include "DocumentContents.h"
+#include "DocumentFreezer.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
+#include "PDFMarkup.h"
 #include "PDFSource.h"
-#include "Writer/DocumentComposer.h"
-#include "Writer/DocumentContents.h"
-#include "Writer/DocumentFreezer.h"
 
 PDFDocumentSnapshot::PDFDocumentSnapshot(std::unique_ptr<DocumentContents> contents)
     : m_contents(std::move(contents)) {}
@@ -25,6 +26,10 @@ QByteArray PDFDocumentSnapshot::dataRepresentation() const {
 
 QByteArray PDFDocumentSnapshot::dataRepresentation(const PDFWriteOptions& options) const {
     return DocumentComposer::compose(*m_contents, options);
+}
+
+QByteArray PDFDocumentSnapshot::dataWithoutMarkup() const {
+    return PDFMarkup::removed(dataRepresentation());
 }
 
 void PDFDocumentSnapshot::write(const QString& path) const {

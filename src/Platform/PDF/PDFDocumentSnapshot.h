@@ -23,6 +23,9 @@ public:
     /// The whole file as it would be saved; throws `PDFError`.
     [[nodiscard]] QByteArray dataRepresentation() const;
     [[nodiscard]] QByteArray dataRepresentation(const PDFWriteOptions& options) const;
+    /// The same without annotations, apart from the fields of its form: what the pages themselves say. The document
+    /// isn't protected.
+    [[nodiscard]] QByteArray dataWithoutMarkup() const;
     /// Composes and stores a file, replacing one of that name only when the new one is complete; throws `PDFError`.
     void write(const QString& path) const;
     void write(const QString& path, const PDFWriteOptions& options) const;

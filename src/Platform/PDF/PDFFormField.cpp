@@ -2,7 +2,7 @@
 
 #include "PDFFormField.h"
 
-#include "Engine/FormFieldReader.h"
+#include "FormFieldReader.h"
 #include "FormFieldValues.h"
 #include "PDFAnnotation.h"
 #include "PDFPage.h"
@@ -26,7 +26,7 @@ constexpr int editFlag = 1 << 18;
 constexpr int multiSelectFlag = 1 << 21;
 
 bool has(const PDFAnnotation& widget, int flag) {
-    return (widget.values().fieldFlags & flag) != 0;
+    return (widget.values().field.flags & flag) != 0;
 }
 
 /// What a widget that no file knows says of its field.
@@ -36,7 +36,7 @@ const FormFieldValues& formOf(const PDFAnnotation& widget) {
         values.onState = QStringLiteral("Yes");
         return values;
     }();
-    return widget.values().form ? *widget.values().form : none;
+    return widget.values().field.inFile ? *widget.values().field.inFile : none;
 }
 
 struct Placed {

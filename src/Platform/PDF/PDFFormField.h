@@ -63,7 +63,7 @@ public:
     /// The text stands in `maximumLength` equal cells.
     [[nodiscard]] bool isComb() const;
     [[nodiscard]] bool doesNotScroll() const;
-    /// Of text and choice fields.
+    /// How text stands in its box; text and choice fields have one, others say `left`.
     [[nodiscard]] Alignment alignment() const;
 
     // Buttons

@@ -1,13 +1,13 @@
 // The value of a field and the widgets that share it.
 
-#include "Engine/FormFieldIndex.h"
-#include "Engine/SourceEngine.h"
+#include "FormFieldIndex.h"
 #include "FormFieldValues.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFFormField.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
+#include "SourceEngine.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -25,9 +25,9 @@ QString off() {
 /// Adds the widgets of a page that are of the same field as `widget`.
 void addFrom(const PDFPage& page, const PDFAnnotation& widget, Widgets& found) {
     for (const auto& candidate : page.annotations()) {
-        const PDFAnnotation::Values& values = candidate->values();
-        if (values.type == PDFAnnotationSubtype::widget && values.widgetFieldType == widget.widgetFieldType() &&
-            values.fieldName == widget.fieldName() && candidate->origin().has_value() == widget.origin().has_value() &&
+        const PDFAnnotationValues& values = candidate->values();
+        if (values.type == PDFAnnotationSubtype::widget && values.field.type == widget.widgetFieldType() &&
+            values.field.name == widget.fieldName() && candidate->origin().has_value() == widget.origin().has_value() &&
             (!widget.origin() || candidate->origin()->content.source == widget.origin()->content.source))
             found.push_back(candidate);
     }
@@ -76,11 +76,11 @@ QString cut(const QString& text, std::optional<int> length) {
 
 bool isInUnison(const PDFAnnotation& widget) {
     return widget.widgetControlType() != PDFWidgetControlType::radioButton ||
-           (widget.values().fieldFlags & radiosInUnisonFlag) != 0;
+           (widget.values().field.flags & radiosInUnisonFlag) != 0;
 }
 
 QString onStateOf(const PDFAnnotation& widget) {
-    return widget.values().form ? widget.values().form->onState : QStringLiteral("Yes");
+    return widget.values().field.inFile ? widget.values().field.inFile->onState : QStringLiteral("Yes");
 }
 
 /// The one button of a group that comes on where several have the state but go on singly; null when all do.
@@ -126,18 +126,18 @@ Widgets PDFFormField::widgets() const {
 }
 
 QStringList PDFFormField::value() const {
-    const PDFAnnotation::Values& values = m_widget->values();
+    const PDFAnnotationValues& values = m_widget->values();
     switch (kind()) {
     case Kind::text:
-        return {values.widgetStringValue};
+        return {values.field.string};
     case Kind::checkBox:
     case Kind::radioButtons:
-        if (!values.chosenValues.isEmpty())
-            return values.chosenValues;
-        return {values.buttonWidgetState == PDFWidgetCellState::on ? onState() : off()};
+        if (!values.field.chosen.isEmpty())
+            return values.field.chosen;
+        return {values.field.state == PDFWidgetCellState::on ? onState() : off()};
     case Kind::comboBox:
     case Kind::listBox:
-        return values.chosenValues;
+        return values.field.chosen;
     case Kind::pushButton:
     case Kind::signature:
         break;
@@ -146,7 +146,7 @@ QStringList PDFFormField::value() const {
 }
 
 std::optional<QStringList> PDFFormField::accepted(const QStringList& value, const Widgets& all) const {
-    if (m_widget->values().form && value == m_widget->values().form->valueInFile)
+    if (m_widget->values().field.inFile && value == m_widget->values().field.inFile->valueInFile)
         return value;
     switch (kind()) {
     case Kind::text: {

@@ -1,7 +1,7 @@
 #include "PDFPage.h"
 
-#include "Engine/AnnotationReader.h"
-#include "Engine/SourceEngine.h"
+#include "AnnotationReader.h"
+#include "ImagePage.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFSelection.h"
@@ -9,7 +9,7 @@
 #include "PageFont.h"
 #include "PageText.h"
 #include "QuilloAssert.h"
-#include "Writer/ImagePage.h"
+#include "SourceEngine.h"
 
 #include <algorithm>
 

@@ -13,15 +13,6 @@ namespace {
 /// One request's side in pixels; larger pages are drawn piece by piece.
 constexpr int pieceSide = 4096;
 
-void drawLiveAnnotations(const PDFPage& page, PDFDisplayBox box, QPainter& painter) {
-    for (const auto& annotation : page.liveAnnotations()) {
-        painter.save();
-        painter.setRenderHint(QPainter::Antialiasing);
-        annotation->draw(box, painter);
-        painter.restore();
-    }
-}
-
 } // namespace
 
 void PDFPage::draw(PDFDisplayBox box, QPainter& painter) const {
@@ -47,7 +38,7 @@ void PDFPage::draw(PDFDisplayBox box, QPainter& painter) const {
     painter.restore();
     painter.save();
     painter.translate(-area.topLeft());
-    drawLiveAnnotations(*this, box, painter);
+    PDFAnnotation::drawAll(liveAnnotations(), box, painter);
     painter.restore();
 }
 
@@ -64,6 +55,6 @@ QImage PDFPage::thumbnail(QSize size, PDFDisplayBox box) const {
         return image;
     QPainter painter(&image);
     painter.setTransform(toDevice);
-    drawLiveAnnotations(*this, box, painter);
+    PDFAnnotation::drawAll(liveAnnotations(), box, painter);
     return image;
 }

@@ -1,9 +1,9 @@
 #include "PDFSource.h"
 
-#include "Engine/SourceEngine.h"
-#include "Engine/TextReader.h"
 #include "PDFError.h"
 #include "PageText.h"
+#include "SourceEngine.h"
+#include "TextReader.h"
 
 #include <algorithm>
 

@@ -1,11 +1,11 @@
 #include "PageRenderer.h"
 
-#include "Engine/AnnotationReader.h"
-#include "Engine/CancellationWatch.h"
-#include "Engine/PageRecorder.h"
-#include "Engine/Rasterizer.h"
+#include "AnnotationReader.h"
+#include "CancellationWatch.h"
 #include "PDFAnnotation.h"
 #include "PDFSource.h"
+#include "PageRecorder.h"
+#include "Rasterizer.h"
 
 #include <QPainter>
 

@@ -1,7 +1,6 @@
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PdfPrograms.h"
-#include "Writer/ImagePage.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -49,6 +48,11 @@ QByteArray jpegOf(const QImage& image) {
     return bytes;
 }
 
+/// The bytes of the file that holds the page; empty without a page.
+QByteArray fileOf(const std::shared_ptr<PDFPage>& page) {
+    return page ? page->content().source->bytes() : QByteArray();
+}
+
 /// Puts a segment behind the start of a JPEG file.
 QByteArray withSegment(QByteArray jpeg, char marker, const QByteArray& content) {
     QByteArray segment("\xFF", 1);
@@ -63,7 +67,7 @@ QByteArray withSegment(QByteArray jpeg, char marker, const QByteArray& content) 
 TEST(ImagePageTest, KeepsEveryPixel) {
     for (const QSize size : {QSize(1, 1), QSize(50, 41), QSize(333, 7)}) {
         const QImage image = colourful(size);
-        const QByteArray file = ImagePage::fromImage(image, {200.5, 100});
+        const QByteArray file = fileOf(PDFPage::fromImage(image, {200.5, 100}));
         EXPECT_EQ(PdfPrograms::complaints(file), "");
         const auto pictures = extracted(file, "-png");
         ASSERT_EQ(pictures.size(), 1);
@@ -79,7 +83,7 @@ TEST(ImagePageTest, GreyAndTranslucentPicturesAreStoredAsSuch) {
     QImage grey(20, 20, QImage::Format_ARGB32);
     grey.fill(Qt::white);
     QPainter(&grey).fillRect(5, 5, 10, 10, QColor(90, 90, 90));
-    const QByteArray greyFile = ImagePage::fromImage(grey, {20, 20});
+    const QByteArray greyFile = fileOf(PDFPage::fromImage(grey, {20, 20}));
     EXPECT_EQ(PdfPrograms::complaints(greyFile), "");
     EXPECT_TRUE(greyFile.contains("/DeviceGray"));
     EXPECT_FALSE(greyFile.contains("/SMask"));
@@ -88,7 +92,7 @@ TEST(ImagePageTest, GreyAndTranslucentPicturesAreStoredAsSuch) {
     QImage clear = colourful({20, 20}).convertToFormat(QImage::Format_ARGB32);
     for (int x = 0; x < 20; ++x)
         clear.setPixelColor(x, 3, QColor(255, 0, 0, 12 * x));
-    const QByteArray clearFile = ImagePage::fromImage(clear, {20, 20});
+    const QByteArray clearFile = fileOf(PDFPage::fromImage(clear, {20, 20}));
     EXPECT_EQ(PdfPrograms::complaints(clearFile), "");
     EXPECT_TRUE(clearFile.contains("/SMask"));
     const auto pictures = extracted(clearFile, "-png");
@@ -101,7 +105,7 @@ TEST(ImagePageTest, JpegBytesStayAsTheyAre) {
     const QImage picture = colourful({64, 32});
     const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
     for (const QByteArray& jpeg : {jpegOf(picture), jpegOf(grey)}) {
-        const QByteArray file = ImagePage::fromJpeg(jpeg, {300, 150});
+        const QByteArray file = fileOf(PDFPage::fromJpeg(jpeg, {300, 150}));
         EXPECT_EQ(PdfPrograms::complaints(file), "");
         EXPECT_EQ(extracted(file, "-all"), QList<QByteArray>{jpeg});
         const auto page = PDFPage::fromJpeg(jpeg, {300, 150});
@@ -147,27 +151,27 @@ TEST(ImagePageTest, TurnedJpegsStandUpright) {
 }
 
 TEST(ImagePageTest, WhatIsNoPictureGivesNothing) {
-    EXPECT_TRUE(ImagePage::fromImage(QImage(), {10, 10}).isEmpty());
-    EXPECT_TRUE(ImagePage::fromImage(colourful({5, 5}), {0, 10}).isEmpty());
+    EXPECT_TRUE(fileOf(PDFPage::fromImage(QImage(), {10, 10})).isEmpty());
+    EXPECT_TRUE(fileOf(PDFPage::fromImage(colourful({5, 5}), {0, 10})).isEmpty());
     EXPECT_FALSE(PDFPage::fromImage(QImage(), {10, 10}));
     const QByteArray jpeg = jpegOf(colourful({32, 32}));
-    EXPECT_TRUE(ImagePage::fromJpeg(jpeg, {10, -1}).isEmpty());
-    EXPECT_TRUE(ImagePage::fromJpeg("GIF89a", {10, 10}).isEmpty());
-    EXPECT_TRUE(ImagePage::fromJpeg({}, {10, 10}).isEmpty());
+    EXPECT_TRUE(fileOf(PDFPage::fromJpeg(jpeg, {10, -1})).isEmpty());
+    EXPECT_TRUE(fileOf(PDFPage::fromJpeg("GIF89a", {10, 10})).isEmpty());
+    EXPECT_TRUE(fileOf(PDFPage::fromJpeg({}, {10, 10})).isEmpty());
     const qsizetype frame = jpeg.indexOf(QByteArray("\xFF\xC0", 2));
     for (qsizetype length = 0; length < frame + 10; ++length)
-        EXPECT_TRUE(ImagePage::fromJpeg(jpeg.left(length), {10, 10}).isEmpty()) << length;
+        EXPECT_TRUE(fileOf(PDFPage::fromJpeg(jpeg.left(length), {10, 10})).isEmpty()) << length;
     QByteArray lossless = jpeg;
     lossless[frame + 1] = char(0xC3);
-    EXPECT_TRUE(ImagePage::fromJpeg(lossless, {10, 10}).isEmpty());
+    EXPECT_TRUE(fileOf(PDFPage::fromJpeg(lossless, {10, 10})).isEmpty());
     QByteArray deep = jpeg;
     deep[frame + 4] = 12;
-    EXPECT_TRUE(ImagePage::fromJpeg(deep, {10, 10}).isEmpty());
+    EXPECT_TRUE(fileOf(PDFPage::fromJpeg(deep, {10, 10})).isEmpty());
     // Four colours by Adobe's programs are stored the other way round.
     QByteArray inks = jpeg;
     inks[frame + 9] = 4;
-    EXPECT_FALSE(ImagePage::fromJpeg(inks, {10, 10}).contains("/Decode ["));
+    EXPECT_FALSE(fileOf(PDFPage::fromJpeg(inks, {10, 10})).contains("/Decode ["));
     inks = withSegment(inks, '\xEE', QByteArray("Adobe\0d\0\0\0\0\x02", 12));
-    EXPECT_TRUE(ImagePage::fromJpeg(inks, {10, 10}).contains("/DeviceCMYK"));
-    EXPECT_TRUE(ImagePage::fromJpeg(inks, {10, 10}).contains("/Decode ["));
+    EXPECT_TRUE(fileOf(PDFPage::fromJpeg(inks, {10, 10})).contains("/DeviceCMYK"));
+    EXPECT_TRUE(fileOf(PDFPage::fromJpeg(inks, {10, 10})).contains("/Decode ["));
 }

@@ -1,10 +1,11 @@
-#include "Engine/AnnotationReader.h"
+#include "AnnotationReader.h"
 
 #include "DefaultStyle.h"
-#include "Engine/DestinationReader.h"
-#include "Engine/EngineValues.h"
-#include "Engine/FormFieldReader.h"
-#include "Engine/SourceEngine.h"
+#include "DestinationReader.h"
+#include "EngineValues.h"
+#include "FormFieldReader.h"
+#include "PDFAnnotationSubtype.h"
+#include "SourceEngine.h"
 
 #include <QRegularExpression>
 
@@ -22,8 +23,8 @@ public:
     Reader(fz_context* context, pdf_obj* dictionary, FormFieldReader& fields)
         : m_context(context), m_dictionary(dictionary), m_fields(fields) {}
 
-    std::optional<PDFAnnotation::Values> read() {
-        PDFAnnotation::Values values;
+    std::optional<PDFAnnotationValues> read() {
+        PDFAnnotationValues values;
         values.type = EngineValues::name(m_context, get("Subtype"));
         if (values.type.isEmpty())
             return std::nullopt;
@@ -76,7 +77,7 @@ private:
         return v.size() < 4 ? QRectF() : QRectF(QPointF(v[0], v[1]), QPointF(v[2], v[3])).normalized();
     }
 
-    void readColors(PDFAnnotation::Values& values) {
+    void readColors(PDFAnnotationValues& values) {
         values.color = EngineValues::color(m_context, get("C"));
         values.interiorColor = EngineValues::color(m_context, get("IC"));
         const double opacity = EngineValues::number(m_context, get("CA")).value_or(1.0);
@@ -86,7 +87,7 @@ private:
             values.interiorColor->setAlphaF(float(std::clamp(opacity, 0.0, 1.0)));
     }
 
-    void readBorder(PDFAnnotation::Values& values) {
+    void readBorder(PDFAnnotationValues& values) {
         pdf_obj* style = get("BS");
         pdf_obj* array = get("Border");
         PDFBorder border;
@@ -118,8 +119,8 @@ private:
         values.border = border;
     }
 
-    void readDefaultAppearance(PDFAnnotation::Values& values) {
-        values.fontSizeSuitsBox = values.type == PDFAnnotationSubtype::widget; // unless a size is given
+    void readDefaultAppearance(PDFAnnotationValues& values) {
+        values.text.sizeSuitsBox = values.type == PDFAnnotationSubtype::widget; // unless a size is given
         pdf_obj* operators = m_fields.inherited(m_dictionary, "DA");
         if (!operators && values.type == PDFAnnotationSubtype::widget)
             engineTry(m_context, [&] { operators = pdf_dict_gets(m_context, m_fields.form(), "DA"); });
@@ -131,10 +132,10 @@ private:
         const QRegularExpressionMatch font = fontPattern.match(appearance);
         if (font.hasMatch()) {
             const double size = font.captured(2).toDouble();
-            values.fontSizeSuitsBox = !(size > 0 && size < 1000);
-            values.font = m_fields.font(font.captured(1), values.fontSizeSuitsBox ? 12.0 : size);
+            values.text.sizeSuitsBox = !(size > 0 && size < 1000);
+            values.text.font = m_fields.font(font.captured(1), values.text.sizeSuitsBox ? 12.0 : size);
             if (values.type == PDFAnnotationSubtype::freeText)
-                DefaultStyle::apply(EngineValues::text(m_context, get("DS")), *values.font);
+                DefaultStyle::apply(EngineValues::text(m_context, get("DS")), *values.text.font);
         }
         const QRegularExpressionMatch color = colorPattern.match(appearance);
         if (color.hasMatch()) {
@@ -143,11 +144,11 @@ private:
             for (int i = 0; i < std::min<int>(4, int(parts.size())); ++i)
                 part[std::size_t(i)] = std::clamp(parts[i].toFloat(), 0.0F, 1.0F);
             if (color.captured(2) == QLatin1String("g"))
-                values.fontColor = QColor::fromRgbF(part[0], part[0], part[0]);
+                values.text.color = QColor::fromRgbF(part[0], part[0], part[0]);
             else if (color.captured(2) == QLatin1String("rg"))
-                values.fontColor = QColor::fromRgbF(part[0], part[1], part[2]);
+                values.text.color = QColor::fromRgbF(part[0], part[1], part[2]);
             else
-                values.fontColor = QColor::fromCmykF(part[0], part[1], part[2], part[3]).toRgb();
+                values.text.color = QColor::fromCmykF(part[0], part[1], part[2], part[3]).toRgb();
         }
     }
 
@@ -165,11 +166,11 @@ private:
         return PDFLineStyle::none;
     }
 
-    void readLine(PDFAnnotation::Values& values) {
+    void readLine(PDFAnnotationValues& values) {
         const std::vector<double> ends = numbers(get("L"));
         if (ends.size() >= 4) {
-            values.startPoint = QPointF(ends[0], ends[1]);
-            values.endPoint = QPointF(ends[2], ends[3]);
+            values.line.startPoint = QPointF(ends[0], ends[1]);
+            values.line.endPoint = QPointF(ends[2], ends[3]);
         }
         pdf_obj* styles = get("LE");
         pdf_obj* start = nullptr;
@@ -178,11 +179,11 @@ private:
             start = pdf_array_get(m_context, styles, 0);
             end = pdf_array_get(m_context, styles, 1);
         });
-        values.startLineStyle = lineStyle(EngineValues::name(m_context, start));
-        values.endLineStyle = lineStyle(EngineValues::name(m_context, end));
+        values.line.startStyle = lineStyle(EngineValues::name(m_context, start));
+        values.line.endStyle = lineStyle(EngineValues::name(m_context, end));
     }
 
-    void readInk(PDFAnnotation::Values& values) {
+    void readInk(PDFAnnotationValues& values) {
         pdf_obj* strokes = get("InkList");
         const int count = std::min(pdf_array_len(m_context, strokes), annotationLimit);
         for (int i = 0; i < count; ++i) {
@@ -202,7 +203,7 @@ private:
         }
     }
 
-    void readQuads(PDFAnnotation::Values& values) {
+    void readQuads(PDFAnnotationValues& values) {
         const std::vector<double> v = numbers(get("QuadPoints"));
         for (std::size_t i = 0; i + 7 < v.size(); i += 8)
             values.quads.push_back(
@@ -210,13 +211,13 @@ private:
     }
 
     /// Looking up a place by its name costs more than all the rest of a page full of links, so it is left for later.
-    void readLink(PDFAnnotation::Values& values) {
+    void readLink(PDFAnnotationValues& values) {
         pdf_obj* uri = nullptr;
         engineTry(m_context, [&] {
             uri = DestinationReader::uriOf(m_context, m_dictionary);
-            values.leadsInside = DestinationReader::hasTarget(m_context, m_dictionary);
+            values.link.leadsInside = DestinationReader::hasTarget(m_context, m_dictionary);
         });
-        values.url = EngineValues::text(m_context, uri);
+        values.link.url = EngineValues::text(m_context, uri);
     }
 
     fz_context* m_context;
@@ -234,8 +235,8 @@ pdf_obj* annotsOf(fz_context* context, pdf_document* document, int pageNumber) {
 
 } // namespace
 
-std::vector<std::optional<PDFAnnotation::Values>> AnnotationReader::read(SourceEngine& engine, int pageNumber) {
-    std::vector<std::optional<PDFAnnotation::Values>> result;
+std::vector<std::optional<PDFAnnotationValues>> AnnotationReader::read(SourceEngine& engine, int pageNumber) {
+    std::vector<std::optional<PDFAnnotationValues>> result;
     const SourceEngine::Lease borrowed = engine.lease();
     if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
         return result;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PDFAnnotation.h"
+#include "PDFAnnotationValues.h"
 #include "PDFFileDestination.h"
 
 #include <vector>
@@ -12,7 +12,7 @@ namespace AnnotationReader {
 
 /// One entry for each place of the page's Annots array, none where the file has no usable dictionary there.
 /// At most 20,000 places are read.
-[[nodiscard]] std::vector<std::optional<PDFAnnotation::Values>> read(SourceEngine& engine, int pageNumber);
+[[nodiscard]] std::vector<std::optional<PDFAnnotationValues>> read(SourceEngine& engine, int pageNumber);
 
 /// The rectangle of one annotation as the file has it; empty when it can't be read.
 [[nodiscard]] QRectF bounds(SourceEngine& engine, int pageNumber, int index);

@@ -1,6 +1,6 @@
-#include "Engine/AppearanceRunner.h"
+#include "AppearanceRunner.h"
 
-#include "Engine/FormFieldReader.h"
+#include "FormFieldReader.h"
 
 namespace {
 
@@ -15,7 +15,8 @@ fz_matrix fit(const fz_rect& rect, const fz_rect& box, const fz_matrix& matrix) 
     return fz_make_matrix(sx, 0, 0, sy, rect.x0 - shown.x0 * sx, rect.y0 - shown.y0 * sy);
 }
 
-/// Of AP, N the stream itself, or the one for the annotation's state. Null when the file has none.
+/// The normal appearance (AP, N): its stream, or of several streams the one for the annotation's state. Null when the
+/// file has none.
 pdf_obj* normalAppearance(fz_context* context, pdf_obj* annotation) {
     pdf_obj* normal = pdf_dict_getp(context, annotation, "AP/N");
     if (pdf_is_stream(context, normal))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Engine/EngineContext.h"
+#include "EngineContext.h"
 
 /// Runs the appearances that a file gives the annotations of a page (ISO 32000-1, 12.5.5) into a device. What the file
 /// leaves out stays out: the engine's own way of running annotations makes up looks for those without one, at any cost,

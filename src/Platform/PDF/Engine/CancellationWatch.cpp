@@ -1,4 +1,4 @@
-#include "Engine/CancellationWatch.h"
+#include "CancellationWatch.h"
 
 #include <algorithm>
 #include <chrono>

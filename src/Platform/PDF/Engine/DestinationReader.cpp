@@ -1,4 +1,4 @@
-#include "Engine/DestinationReader.h"
+#include "DestinationReader.h"
 
 #include <cmath>
 #include <cstring>

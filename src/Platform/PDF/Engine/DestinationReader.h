@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Engine/EngineContext.h"
+#include "EngineContext.h"
 #include "PDFFileDestination.h"
 
 /// Reads destinations and actions (ISO 32000-1, 12.3.2 and 12.6). Everything here may throw the engine's way: call it

@@ -1,4 +1,4 @@
-#include "Engine/EngineContext.h"
+#include "EngineContext.h"
 
 #include <malloc.h>
 

@@ -1,4 +1,4 @@
-#include "Engine/EngineValues.h"
+#include "EngineValues.h"
 
 #include <QRegularExpression>
 #include <QStringDecoder>

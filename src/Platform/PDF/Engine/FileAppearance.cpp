@@ -1,11 +1,11 @@
-#include "Engine/FileAppearance.h"
+#include "FileAppearance.h"
 
-#include "Engine/AnnotationReader.h"
-#include "Engine/PageRecorder.h"
-#include "Engine/Rasterizer.h"
+#include "AnnotationReader.h"
 #include "FormFieldValues.h"
 #include "PDFAnnotation.h"
 #include "PDFSource.h"
+#include "PageRecorder.h"
+#include "Rasterizer.h"
 
 #include <QPainter>
 
@@ -50,15 +50,14 @@ void drawFileAppearance(const PDFAnnotation& annotation, QPainter& painter) {
 }
 
 bool drawFileState(const PDFAnnotation& annotation, QPainter& painter) {
-    const PDFAnnotation::Values& values = annotation.values();
-    if (values.widgetFieldType != PDFWidgetFieldType::button ||
-        values.widgetControlType == PDFWidgetControlType::pushButton || !annotation.origin() || !values.form ||
-        !values.form->hasStateLooks || values.bounds.isEmpty())
+    const PDFAnnotationValues& values = annotation.values();
+    if (values.field.type != PDFWidgetFieldType::button || values.field.control == PDFWidgetControlType::pushButton ||
+        !annotation.origin() || !values.field.inFile || !values.field.inFile->hasStateLooks || values.bounds.isEmpty())
         return false;
     const PDFAnnotationOrigin& origin = *annotation.origin();
     SourceEngine& engine = origin.content.source->engine();
-    const bool on = values.buttonWidgetState == PDFWidgetCellState::on;
-    const QByteArray state = on ? values.form->onState.toUtf8() : QByteArray("Off");
+    const bool on = values.field.state == PDFWidgetCellState::on;
+    const QByteArray state = on ? values.field.inFile->onState.toUtf8() : QByteArray("Off");
     const QRectF inFile = AnnotationReader::bounds(engine, origin.content.pageNumber, origin.index);
     const auto recorded = PageRecorder::recordState(engine, origin.content.pageNumber, origin.index, state);
     if (recorded && !inFile.isEmpty())

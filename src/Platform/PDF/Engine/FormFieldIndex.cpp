@@ -1,8 +1,8 @@
-#include "Engine/FormFieldIndex.h"
+#include "FormFieldIndex.h"
 
-#include "Engine/EngineValues.h"
-#include "Engine/FormFieldReader.h"
-#include "Engine/SourceEngine.h"
+#include "EngineValues.h"
+#include "FormFieldReader.h"
+#include "SourceEngine.h"
 
 #include <algorithm>
 #include <unordered_map>

@@ -1,9 +1,9 @@
-#include "Engine/FormFieldReader.h"
+#include "FormFieldReader.h"
 
-#include "Engine/EngineValues.h"
-#include "Engine/SourceEngine.h"
+#include "EngineValues.h"
 #include "FormFieldValues.h"
 #include "PageFont.h"
+#include "SourceEngine.h"
 
 #include <algorithm>
 
@@ -164,7 +164,7 @@ FormFieldReader::Choices FormFieldReader::choices(pdf_obj* options) {
     return m_choices.emplace(resolved, std::move(list)).first->second;
 }
 
-void FormFieldReader::readButton(pdf_obj* widget, PDFAnnotation::Values& values, FormFieldValues& field) {
+void FormFieldReader::readButton(pdf_obj* widget, PDFAnnotationValues& values, FormFieldValues& field) {
     pdf_obj* looks = get(widget, "AP/N");
     const bool isStream = pdf_is_stream(m_context, looks) != 0; // the same in every state
     const int count = isStream ? 0 : pdf_dict_len(m_context, looks);
@@ -185,10 +185,10 @@ void FormFieldReader::readButton(pdf_obj* widget, PDFAnnotation::Values& values,
     if (state.isEmpty())
         state = value == field.onState ? value : QString();
     const bool on = !state.isEmpty() && state != QLatin1String("Off");
-    values.buttonWidgetState = on ? PDFWidgetCellState::on : PDFWidgetCellState::off;
-    field.stateInFile = values.buttonWidgetState;
-    values.widgetStringValue = value;
-    values.chosenValues = {!value.isEmpty() ? value : on ? state : QStringLiteral("Off")};
+    values.field.state = on ? PDFWidgetCellState::on : PDFWidgetCellState::off;
+    field.stateInFile = values.field.state;
+    values.field.string = value;
+    values.field.chosen = {!value.isEmpty() ? value : on ? state : QStringLiteral("Off")};
 }
 
 QStringList FormFieldReader::chosen(pdf_obj* widget, const Choices& choices) {
@@ -215,14 +215,14 @@ QStringList FormFieldReader::chosen(pdf_obj* widget, const Choices& choices) {
     return known->second = values;
 }
 
-void FormFieldReader::read(pdf_obj* widget, PDFAnnotation::Values& values) {
+void FormFieldReader::read(pdf_obj* widget, PDFAnnotationValues& values) {
     auto field = std::make_shared<FormFieldValues>();
-    values.widgetFieldType = typeNamed(EngineValues::name(m_context, inherited(widget, "FT")));
-    values.fieldFlags = pdf_to_int(m_context, inherited(widget, "Ff"));
-    values.widgetControlType = values.fieldFlags & pushButtonFlag ? PDFWidgetControlType::pushButton
-                               : values.fieldFlags & radioFlag    ? PDFWidgetControlType::radioButton
-                                                                  : PDFWidgetControlType::checkBox;
-    values.fieldName = fullName(widget);
+    values.field.type = typeNamed(EngineValues::name(m_context, inherited(widget, "FT")));
+    values.field.flags = pdf_to_int(m_context, inherited(widget, "Ff"));
+    values.field.control = values.field.flags & pushButtonFlag ? PDFWidgetControlType::pushButton
+                           : values.field.flags & radioFlag    ? PDFWidgetControlType::radioButton
+                                                               : PDFWidgetControlType::checkBox;
+    values.field.name = fullName(widget);
     values.interiorColor = EngineValues::color(m_context, get(widget, "MK/BG"));
     if (const auto edge = EngineValues::color(m_context, get(widget, "MK/BC")))
         values.color = edge;
@@ -248,27 +248,27 @@ void FormFieldReader::read(pdf_obj* widget, PDFAnnotation::Values& values) {
     field->mark = EngineValues::text(m_context, get(widget, "MK/CA")).left(1);
     field->turn = (((pdf_to_int(m_context, get(widget, "MK/R")) % 360) + 360 + 45) / 90 * 90) % 360;
 
-    switch (values.widgetFieldType) {
+    switch (values.field.type) {
     case PDFWidgetFieldType::text:
-        values.widgetStringValue = text(inherited(widget, "V"));
-        field->valueInFile = {values.widgetStringValue};
+        values.field.string = text(inherited(widget, "V"));
+        field->valueInFile = {values.field.string};
         break;
     case PDFWidgetFieldType::button:
         readButton(widget, values, *field);
-        field->valueInFile = values.chosenValues;
+        field->valueInFile = values.field.chosen;
         break;
     case PDFWidgetFieldType::choice:
         field->choices = choices(inherited(widget, "Opt"));
         field->topIndex = std::clamp(pdf_to_int(m_context, inherited(widget, "TI")), 0, choiceLimit);
-        values.chosenValues = chosen(widget, field->choices);
-        values.widgetStringValue = values.chosenValues.value(0);
-        field->valueInFile = values.chosenValues;
+        values.field.chosen = chosen(widget, field->choices);
+        values.field.string = values.field.chosen.value(0);
+        field->valueInFile = values.field.chosen;
         break;
     case PDFWidgetFieldType::signature:
     case PDFWidgetFieldType::none:
         break;
     }
-    values.form = std::move(field);
+    values.field.inFile = std::move(field);
 }
 
 char FormFieldReader::tabOrder(SourceEngine& engine, int pageNumber) {

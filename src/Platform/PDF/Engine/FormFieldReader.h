@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Engine/EngineContext.h"
-#include "PDFAnnotation.h"
+#include "EngineContext.h"
+#include "PDFAnnotationValues.h"
 #include "PDFFormField.h"
 
 #include <QFont>
@@ -20,7 +20,7 @@ public:
     FormFieldReader(fz_context* context, pdf_document* document) : m_context(context), m_document(document) {}
 
     /// Fills in the part of a form field. `widget` is a resolved dictionary.
-    void read(pdf_obj* widget, PDFAnnotation::Values& values);
+    void read(pdf_obj* widget, PDFAnnotationValues& values);
 
     /// The value of a key at the dictionary or the nearest one above that has it; null when none has.
     [[nodiscard]] pdf_obj* inherited(pdf_obj* dictionary, const char* key) const;
@@ -47,7 +47,7 @@ private:
     [[nodiscard]] QString streamText(pdf_obj* stream) const;
     [[nodiscard]] Choices choices(pdf_obj* options);
     [[nodiscard]] QStringList chosen(pdf_obj* widget, const Choices& choices);
-    void readButton(pdf_obj* widget, PDFAnnotation::Values& values, FormFieldValues& field);
+    void readButton(pdf_obj* widget, PDFAnnotationValues& values, FormFieldValues& field);
 
     fz_context* m_context;
     pdf_document* m_document;

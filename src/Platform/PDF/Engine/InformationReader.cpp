@@ -1,7 +1,7 @@
-#include "Engine/InformationReader.h"
+#include "InformationReader.h"
 
-#include "Engine/EngineValues.h"
-#include "Engine/SourceEngine.h"
+#include "EngineValues.h"
+#include "SourceEngine.h"
 
 #include <QRegularExpression>
 #include <QStringList>

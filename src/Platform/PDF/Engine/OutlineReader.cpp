@@ -1,10 +1,10 @@
-#include "Engine/OutlineReader.h"
+#include "OutlineReader.h"
 
-#include "Engine/DestinationReader.h"
-#include "Engine/EngineValues.h"
-#include "Engine/SourceEngine.h"
+#include "DestinationReader.h"
+#include "EngineValues.h"
 #include "PDFDocument.h"
 #include "PDFOutline.h"
+#include "SourceEngine.h"
 
 #include <QSet>
 

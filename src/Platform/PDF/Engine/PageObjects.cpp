@@ -1,4 +1,4 @@
-#include "Engine/PageObjects.h"
+#include "PageObjects.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Engine/EngineContext.h"
+#include "EngineContext.h"
 #include "PDFPageGeometry.h"
 
 /// What the engine knows of a page's own dictionary. Everything here but `load` may throw the engine's way: call it

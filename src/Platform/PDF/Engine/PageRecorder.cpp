@@ -1,8 +1,8 @@
-#include "Engine/PageRecorder.h"
+#include "PageRecorder.h"
 
-#include "Engine/AppearanceRunner.h"
-#include "Engine/EngineValues.h"
-#include "Engine/PageObjects.h"
+#include "AppearanceRunner.h"
+#include "EngineValues.h"
+#include "PageObjects.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Engine/SourceEngine.h"
+#include "SourceEngine.h"
 
 /// Records what a page draws, for replay in tiles. Any thread.
 ///

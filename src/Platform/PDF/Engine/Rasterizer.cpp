@@ -1,6 +1,6 @@
-#include "Engine/Rasterizer.h"
+#include "Rasterizer.h"
 
-#include "Engine/SourceEngine.h"
+#include "SourceEngine.h"
 
 bool Rasterizer::replay(const RecordedPage& page, const QTransform& toDevice, QPoint origin, QImage& image,
                         fz_cookie* cookie) {

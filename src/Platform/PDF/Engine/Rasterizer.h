@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Engine/EngineContext.h"
+#include "EngineContext.h"
 
 #include <QImage>
 

@@ -1,4 +1,4 @@
-#include "Engine/ReadingOrder.h"
+#include "ReadingOrder.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,8 +1,8 @@
-#include "Engine/SourceEngine.h"
+#include "SourceEngine.h"
 
-#include "Engine/FormFieldIndex.h"
-#include "Engine/PageObjects.h"
+#include "FormFieldIndex.h"
 #include "PDFError.h"
+#include "PageObjects.h"
 
 #include <algorithm>
 

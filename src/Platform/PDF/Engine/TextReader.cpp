@@ -1,9 +1,9 @@
-#include "Engine/TextReader.h"
+#include "TextReader.h"
 
-#include "Engine/PageObjects.h"
-#include "Engine/ReadingOrder.h"
-#include "Engine/SourceEngine.h"
+#include "PageObjects.h"
 #include "PageText.h"
+#include "ReadingOrder.h"
+#include "SourceEngine.h"
 
 #include <QHash>
 

@@ -5,13 +5,14 @@
 #include "FormFields.h"
 #include "IncrementalUpdate.h"
 #include "InformationWriter.h"
+#include "Logging.h"
 #include "ObjectStore.h"
 #include "OutlineWriter.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PageAnnotations.h"
 #include "PageMover.h"
-#include "SourceFile.h"
+#include "SourceFiles.h"
 
 #include <unordered_map>
 
@@ -57,8 +58,10 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     std::unique_ptr<SourceFile> file;
     try {
         file = std::make_unique<SourceFile>(contents.source, false);
-    } catch (const std::exception&) {
-        return std::nullopt; // damaged after all
+    } catch (const std::exception& error) {
+        // Damaged after all.
+        qCWarning(Logging::pdf) << "reading a file to append to it failed:" << Logging::causes(error);
+        return std::nullopt;
     }
     if (file->pdf().isEncrypted() || file->pdf().anyWarnings() || !canNumberObjects(file->pdf()))
         return std::nullopt;
@@ -66,7 +69,7 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     UpdateObjects objects(file->pdf());
     FormFields form(objects);
     AppearanceRecorder recorder(objects);
-    SourceFiles files(objects, form, file.get());
+    SourceFiles files(objects, file.get());
     std::unordered_map<const PDFPage*, int> numbers;
     for (const DocumentContents::Page& page : contents.pages)
         if (page.page)

@@ -4,6 +4,7 @@
 #include "AtomicFile.h"
 #include "DocumentContents.h"
 #include "FileError.h"
+#include "Logging.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
 #include "PDFSource.h"
@@ -27,9 +28,10 @@ auto withErrors(Compose compose) {
     } catch (const FileError& error) {
         std::throw_with_nested(PDFError(Kind::writeFailed, error.sentence())); // callers may look for a remedy
     } catch (const std::bad_alloc&) {
-        throw PDFError(Kind::writeFailed, QStringLiteral("There isn't enough memory to save it."));
-    } catch (const std::exception&) {
-        throw PDFError(Kind::writeFailed, QStringLiteral("The file couldn't be put together."));
+        std::throw_with_nested(PDFError(Kind::writeFailed, QStringLiteral("There isn't enough memory to save it.")));
+    } catch (const std::exception& error) {
+        qCWarning(Logging::pdf) << "composing a file failed:" << Logging::causes(error);
+        std::throw_with_nested(PDFError(Kind::writeFailed, QStringLiteral("The file couldn't be put together.")));
     }
 }
 
@@ -58,7 +60,7 @@ QByteArray DocumentComposer::compose(const DocumentContents& contents, const PDF
             return update->isEmpty() ? contents.source->bytes() : contents.source->bytes() + *update;
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        RewriteComposer(contents, options).compose(buffer);
+        RewriteComposer::compose(contents, options, buffer);
         return buffer.data();
     });
 }
@@ -71,7 +73,7 @@ void DocumentComposer::write(const DocumentContents& contents, const PDFWriteOpt
                 file.write(contents.source->bytes());
                 file.write(*update);
             } else {
-                RewriteComposer(contents, options).compose(file);
+                RewriteComposer::compose(contents, options, file);
             }
         });
     });

@@ -41,15 +41,15 @@ void DocumentFreezer::freezeDestinations(const PDFPage& live, const PDFPage& cop
         const PDFAnnotation& from = *live.annotations()[i];
         PDFAnnotation& to = *copy.annotations()[i];
         QUILLO_ASSERT(typeid(from) == typeid(to), "a kind of annotation makes copies of its own kind");
-        std::optional<PDFDestination> target = from.values().destination;
+        std::optional<PDFDestination> target = from.values().link.destination;
         // What stands where it stood in its file keeps what is written there. Another one that came from a file has a
         // place there which only the live document can find.
         const bool inPlace =
             from.origin() && from.origin()->content == live.content() && used.insert(from.origin()->index).second;
-        if (!target && from.values().leadsInside && !inPlace)
+        if (!target && from.values().link.leadsInside && !inPlace)
             target = from.destination();
         if (target)
-            to.m_values.destination = frozen(*target);
+            to.m_values.link.destination = frozen(*target);
     }
 }
 

@@ -50,7 +50,7 @@ qint64 firstVersionEnd(const QByteArray& file, qint64 lastOffset) {
             break;
         oldest = previous;
     }
-    // Of the two sections of a file for fast web view the older one stands at the end.
+    // A file for fast web view has two sections from the start, the older of them at its end.
     const qsizetype end = file.indexOf("%%EOF", oldest);
     return end < 0 ? file.size() : end + 5;
 }

@@ -1,5 +1,6 @@
 #include "InformationWriter.h"
 
+#include "Logging.h"
 #include "PdfValues.h"
 #include "XmpPacket.h"
 
@@ -56,8 +57,10 @@ void updateMetadata(const QStringList& changedKeys, const QVariantMap& attribute
     try {
         const auto buffer = metadata.getStreamData();
         packet = QByteArray(reinterpret_cast<const char*>(buffer->getBuffer()), qsizetype(buffer->getSize()));
-    } catch (const std::exception&) {
-        return; // a packet that nobody can read misleads nobody
+    } catch (const std::exception& error) {
+        // A packet that nobody can read misleads nobody.
+        qCWarning(Logging::pdf) << "unpacking the metadata failed:" << Logging::causes(error);
+        return;
     }
     const std::optional<QByteArray> changed = XmpPacket::withAttributes(packet, changedKeys, attributes);
     if (!changed)

@@ -1,5 +1,6 @@
 #include "PDFMarkup.h"
 
+#include "Logging.h"
 #include "PDFError.h"
 
 #include <qpdf/QPDF.hh>
@@ -41,8 +42,10 @@ QByteArray PDFMarkup::removed(const QByteArray& pdf) {
         const std::shared_ptr<Buffer> bytes = writer.getBufferSharedPointer();
         return {reinterpret_cast<const char*>(bytes->getBuffer()), static_cast<qsizetype>(bytes->getSize())};
     } catch (const std::bad_alloc&) {
-        throw PDFError(PDFError::Kind::writeFailed, QStringLiteral("There isn't enough memory."));
-    } catch (const std::exception&) {
-        throw PDFError(PDFError::Kind::writeFailed, QStringLiteral("The file couldn't be put together."));
+        std::throw_with_nested(PDFError(PDFError::Kind::writeFailed, QStringLiteral("There isn't enough memory.")));
+    } catch (const std::exception& error) {
+        qCWarning(Logging::pdf) << "taking the markup off a file failed:" << Logging::causes(error);
+        std::throw_with_nested(
+            PDFError(PDFError::Kind::writeFailed, QStringLiteral("The file couldn't be put together.")));
     }
 }

@@ -5,9 +5,10 @@
 #include "FormFieldValues.h"
 #include "FormFields.h"
 #include "FormTree.h"
+#include "PDFAnnotation.h"
 #include "PDFPage.h"
 #include "PdfValues.h"
-#include "SourceFile.h"
+#include "SourceFiles.h"
 
 #include <QUuid>
 
@@ -15,7 +16,7 @@
 
 namespace {
 
-using Values = PDFAnnotation::Values;
+using Values = PDFAnnotationValues;
 namespace Subtype = PDFAnnotationSubtype;
 
 /// What the program reads in the page's source, by place: the annotations before any change.
@@ -49,17 +50,14 @@ PageAnnotations::PageAnnotations(ObjectStore& objects, FormFields& form, Appeara
                                  SourceFiles& files, AnnotationDictionary::PageLookup pages)
     : m_objects(objects), m_form(form), m_recorder(recorder), m_files(files), m_pages(std::move(pages)) {}
 
-std::vector<int> PageAnnotations::placesInUse(const PDFPage& page, int placeCount) {
-    const std::map<int, Values> known = valuesInFile(page);
-    std::set<int> live;
+std::function<bool(int place)> PageAnnotations::placesInUse(const PDFPage& page) {
+    std::set<int> gone;
+    for (const auto& [place, values] : valuesInFile(page))
+        gone.insert(place);
     for (const auto& annotation : page.annotations())
         if (isFromHere(*annotation, page))
-            live.insert(annotation->origin()->index);
-    std::vector<int> places;
-    for (int place = 0; place < placeCount; ++place)
-        if (live.count(place) > 0 || known.count(place) == 0)
-            places.push_back(place);
-    return places;
+            gone.erase(annotation->origin()->index);
+    return [gone = std::move(gone)](int place) { return gone.count(place) == 0; };
 }
 
 void PageAnnotations::write(const PDFPage& page, QPDFObjectHandle pageObject,
@@ -203,8 +201,8 @@ void PageAnnotations::update(const PDFAnnotation& annotation, QPDFObjectHandle o
             m_recorder.record(annotation, object);
         if (look != FormFields::Look::unchanged)
             return;
-        const bool lacksLook = annotation.values().form && !annotation.values().form->hasStateLooks;
-        if (lacksLook && annotation.buttonWidgetState() != before.buttonWidgetState)
+        const bool lacksLook = annotation.values().field.inFile && !annotation.values().field.inFile->hasStateLooks;
+        if (lacksLook && annotation.buttonWidgetState() != before.field.state)
             writeButtonLook(annotation, object);
     }
     writeLook(annotation, object, &before);
@@ -220,10 +218,10 @@ void PageAnnotations::writeLook(const PDFAnnotation& annotation, QPDFObjectHandl
         return;
     if (values.type == Subtype::widget) {
         const bool isText =
-            values.widgetFieldType == PDFWidgetFieldType::text || values.widgetFieldType == PDFWidgetFieldType::choice;
+            values.field.type == PDFWidgetFieldType::text || values.field.type == PDFWidgetFieldType::choice;
         if (isText && !m_form.makeTextAppearance(object, values.interiorColor))
             m_recorder.record(annotation, object);
-        if (values.widgetFieldType == PDFWidgetFieldType::button && !before)
+        if (values.field.type == PDFWidgetFieldType::button && !before)
             writeButtonLook(annotation, object);
         return;
     }
@@ -251,9 +249,9 @@ void PageAnnotations::writeLook(const PDFAnnotation& annotation, QPDFObjectHandl
 void PageAnnotations::writeButtonLook(const PDFAnnotation& annotation, QPDFObjectHandle object) {
     Values values = annotation.values();
     QPDFObjectHandle states = QPDFObjectHandle::newDictionary();
-    const QString onState = values.form ? values.form->onState : QStringLiteral("Yes");
+    const QString onState = values.field.inFile ? values.field.inFile->onState : QStringLiteral("Yes");
     for (const PDFWidgetCellState state : {PDFWidgetCellState::on, PDFWidgetCellState::off}) {
-        values.buttonWidgetState = state;
+        values.field.state = state;
         const std::string name = state == PDFWidgetCellState::on ? '/' + onState.toStdString() : "/Off";
         if (const auto drawing = AnnotationDrawing::of(values))
             states.replaceKey(name, AppearanceStreams::form(m_objects, *drawing, values.bounds));

@@ -3,11 +3,13 @@
 #include "AnnotationDictionary.h"
 #include "ObjectStore.h"
 
+#include <functional>
 #include <map>
 #include <vector>
 
 class AppearanceRecorder;
 class FormFields;
+class PDFAnnotation;
 class PDFPage;
 class SourceFiles;
 
@@ -22,8 +24,8 @@ public:
     /// Places that the program can't read are kept.
     void write(const PDFPage& page, QPDFObjectHandle pageObject, const std::vector<QPDFObjectHandle>& original);
 
-    /// The places of the page's list in its source that `write` is going to ask for.
-    [[nodiscard]] static std::vector<int> placesInUse(const PDFPage& page, int placeCount);
+    /// Tells of a place in the page's list in its source whether `write` is going to ask for it.
+    [[nodiscard]] static std::function<bool(int place)> placesInUse(const PDFPage& page);
 
 private:
     struct Entry {
@@ -33,8 +35,8 @@ private:
     [[nodiscard]] QPDFObjectHandle newAnnotation(const PDFAnnotation& annotation, QPDFObjectHandle pageObject,
                                                  int ordinal);
     [[nodiscard]] QPDFObjectHandle copyFromElsewhere(const PDFAnnotation& annotation, QPDFObjectHandle pageObject);
-    void update(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotation::Values& before);
-    void writeLook(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotation::Values* before);
+    void update(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotationValues& before);
+    void writeLook(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotationValues* before);
     void writeButtonLook(const PDFAnnotation& annotation, QPDFObjectHandle object);
     void dropRemoved(std::vector<Entry>& entries, const std::vector<QPDFObjectHandle>& removed);
 

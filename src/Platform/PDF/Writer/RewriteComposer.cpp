@@ -1,20 +1,31 @@
 #include "RewriteComposer.h"
 
 #include "AppearanceRecorder.h"
+#include "DocumentContents.h"
+#include "FieldImporter.h"
+#include "FormFields.h"
 #include "InformationWriter.h"
 #include "LayerImporter.h"
 #include "OutlineWriter.h"
+#include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PageAnnotations.h"
 #include "PageImporter.h"
 #include "PageTree.h"
+#include "Pruner.h"
 #include "RemovedPages.h"
+#include "SourceFiles.h"
 
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDFWriter.hh>
 
 #include <QIODevice>
+
+#include <memory>
+#include <set>
+#include <unordered_map>
+#include <vector>
 
 namespace {
 
@@ -45,14 +56,40 @@ std::string passwordBytes(const QString& password) {
     return password.normalized(QString::NormalizationForm_KC).toUtf8().left(longest).toStdString();
 }
 
-} // namespace
+/// One run, from the objects of the source to the bytes.
+class Rewriting {
+public:
+    Rewriting(const DocumentContents& contents, const PDFWriteOptions& options)
+        : m_contents(contents), m_options(options) {}
 
-RewriteComposer::RewriteComposer(const DocumentContents& contents, const PDFWriteOptions& options)
-    : m_contents(contents), m_options(options) {}
+    void compose(QIODevice& device);
 
-RewriteComposer::~RewriteComposer() = default;
+private:
+    void findPages();
+    void writePages(PageAnnotations& annotations);
+    void arrangePages();
+    void write(QIODevice& device);
+    [[nodiscard]] QPDFObjectHandle pageObject(const PDFPage& page) const;
 
-void RewriteComposer::compose(QIODevice& device) {
+    const DocumentContents& m_contents;
+    const PDFWriteOptions& m_options;
+    std::unique_ptr<SourceFile> m_main; // null for a new document
+    std::unique_ptr<QPDF> m_empty;      // a new document
+    std::unique_ptr<FileObjects> m_objects;
+    std::unique_ptr<FormFields> m_form;
+    std::unique_ptr<FieldImporter> m_fields;
+    std::unique_ptr<SourceFiles> m_files;
+    std::unique_ptr<PageImporter> m_importer;
+
+    struct OutputPage {
+        QPDFObjectHandle object;
+        bool imported = false; ///< and not an object of the main file, left where it was
+    };
+    std::vector<OutputPage> m_pages; // one for each page of the document
+    std::unordered_map<const PDFPage*, std::size_t> m_places;
+};
+
+void Rewriting::compose(QIODevice& device) {
     if (m_contents.source) {
         m_main = std::make_unique<SourceFile>(m_contents.source, true);
     } else {
@@ -61,7 +98,8 @@ void RewriteComposer::compose(QIODevice& device) {
     }
     m_objects = std::make_unique<FileObjects>(m_main ? m_main->pdf() : *m_empty);
     m_form = std::make_unique<FormFields>(*m_objects);
-    m_files = std::make_unique<SourceFiles>(*m_objects, *m_form, m_main.get());
+    m_fields = std::make_unique<FieldImporter>(*m_objects, *m_form);
+    m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get());
 
     findPages();
     const AnnotationDictionary::PageLookup lookup = [this](const PDFPage& page) { return pageObject(page); };
@@ -79,13 +117,16 @@ void RewriteComposer::compose(QIODevice& device) {
     write(device);
 }
 
-QPDFObjectHandle RewriteComposer::pageObject(const PDFPage& page) const {
+QPDFObjectHandle Rewriting::pageObject(const PDFPage& page) const {
     const auto place = m_places.find(&page);
     return place == m_places.end() ? QPDFObjectHandle::newNull() : m_pages[place->second].object;
 }
 
-void RewriteComposer::findPages() {
-    m_importer = std::make_unique<PageImporter>(*m_objects, *m_files);
+void Rewriting::findPages() {
+    const auto adopt = [this](QPDFObjectHandle widget, QPDFObjectHandle copy, ObjectCopier& copier) {
+        m_fields->adopt(widget, copy, copier);
+    };
+    m_importer = std::make_unique<PageImporter>(*m_objects, *m_files, adopt);
     std::set<QPDFObjGen> used;
     bool repeats = false;
     for (std::size_t i = 0; i < m_contents.pages.size(); ++i) {
@@ -111,17 +152,19 @@ void RewriteComposer::findPages() {
     for (std::size_t i = 0; i < m_pages.size(); ++i)
         if (m_pages[i].imported)
             m_importer->announce(m_contents.pages[i].content, m_pages[i].object);
-    m_importer->separateFromOthers();
+    for (const auto& [source, numbers] : m_importer->announced())
+        Pruner::separateFromOthers(m_files->foreign(source), numbers);
 }
 
-void RewriteComposer::writePages(PageAnnotations& annotations) {
+void Rewriting::writePages(PageAnnotations& annotations) {
+    const PageImporter::IsWanted all = [](int) { return true; };
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
         const DocumentContents::Page& page = m_contents.pages[i];
         QPDFObjectHandle object = m_pages[i].object;
         const PDFPage* changed = page.modified && page.page->annotationsLoaded() ? page.page.get() : nullptr;
         std::vector<QPDFObjectHandle> original;
         if (m_pages[i].imported)
-            original = m_importer->fill(page.content, changed, object);
+            original = m_importer->fill(page.content, changed ? PageAnnotations::placesInUse(*changed) : all, object);
         else if (object.getKey("/Annots").isArray())
             original = object.getKey("/Annots").getArrayAsVector();
         if (page.modified && page.page->rotation() != page.content.source->geometry(page.content.pageNumber).rotation)
@@ -131,7 +174,7 @@ void RewriteComposer::writePages(PageAnnotations& annotations) {
     }
 }
 
-void RewriteComposer::arrangePages() {
+void Rewriting::arrangePages() {
     if (m_contents.hasSourceOrder())
         return; // the tree is right as it stands
     std::vector<QPDFObjectHandle> pages;
@@ -153,7 +196,7 @@ void RewriteComposer::arrangePages() {
         Pruner::prune(RemovedPages(std::move(gone), std::move(pages)), *m_objects);
 }
 
-void RewriteComposer::write(QIODevice& device) {
+void Rewriting::write(QIODevice& device) {
     // The writer corrects the size, but only one that is there.
     m_objects->pdf().getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     DevicePipeline pipeline(device);
@@ -180,4 +223,10 @@ void RewriteComposer::write(QIODevice& device) {
     }
     writer.write();
     pipeline.finish();
+}
+
+} // namespace
+
+void RewriteComposer::compose(const DocumentContents& contents, const PDFWriteOptions& options, QIODevice& device) {
+    Rewriting(contents, options).compose(device);
 }

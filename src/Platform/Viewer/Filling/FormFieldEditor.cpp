@@ -71,7 +71,7 @@ bool FormFieldEditor::pressKey(QKeyEvent& key) {
 QRectF FormFieldEditor::frame() const {
     const PDFAnnotation& widget = *field().widget();
     const QRectF rect = viewer().convertFromPage(widget.bounds(), *widget.page());
-    const int turn = widget.values().form ? widget.values().form->turn : 0;
+    const int turn = widget.values().field.inFile ? widget.values().field.inFile->turn : 0;
     if ((widget.page()->rotation() - turn) % 180 == 0)
         return rect;
     QRectF upright(QPointF(), rect.size().transposed());
@@ -96,10 +96,10 @@ QFont FormFieldEditor::font(const QString& text) const {
     QFont onPage = widget.font().value_or(QFont(QStringLiteral("Helvetica"), int(usualSize)));
     if (onPage.pointSizeF() <= 0)
         onPage.setPointSizeF(usualSize);
-    if (widget.values().fontSizeSuitsBox) {
-        PDFAnnotation::Values shown = widget.values();
-        shown.widgetStringValue = text;
-        shown.chosenValues = QStringList{text};
+    if (widget.values().text.sizeSuitsBox) {
+        PDFAnnotationValues shown = widget.values();
+        shown.field.string = text;
+        shown.field.chosen = QStringList{text};
         if (const auto drawing = FieldDrawing::of(shown); drawing && drawing->text)
             onPage.setPointSizeF(drawing->text->layout.size);
     }

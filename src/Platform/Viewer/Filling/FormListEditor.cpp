@@ -39,7 +39,7 @@ void FormListEditor::layOut() {
         list()->item(row)->setSizeHint({0, std::max(1, qRound(size * rowHeight))});
     static_cast<ChoiceList*>(list())->setInset(qRound(std::max(1.0, border()) * scale()));
     list()->setGeometry(frame().toAlignedRect());
-    const auto form = field().widget()->values().form;
+    const auto form = field().widget()->values().field.inFile;
     if (std::exchange(m_isFresh, false) && form)
         list()->scrollToItem(list()->item(form->topIndex), QAbstractItemView::PositionAtTop);
 }

@@ -121,7 +121,7 @@ void FormTextEditor::setLineHeight(InlineFreeTextEditor& editor) const {
 
 /// Where the field chooses the size of its text.
 void FormTextEditor::fitText() {
-    if (isOpen() && subject()->values().fontSizeSuitsBox)
+    if (isOpen() && subject()->values().text.sizeSuitsBox)
         layOut();
 }
 

@@ -16,7 +16,8 @@ static constexpr int longestDescription = 300;
 /// An action of another kind (a program to start, a script) leads nowhere here.
 static bool leadsSomewhere(const PDFAnnotation& annotation) {
     return annotation.type() == PDFAnnotationSubtype::link && annotation.shouldDisplay() &&
-           (!annotation.url().isEmpty() || annotation.values().destination || annotation.values().leadsInside);
+           (!annotation.url().isEmpty() || annotation.values().link.destination ||
+            annotation.values().link.leadsInside);
 }
 
 std::vector<LinkNavigator::Link> LinkNavigator::linksOf(int page) const {

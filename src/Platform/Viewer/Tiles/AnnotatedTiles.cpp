@@ -1,6 +1,7 @@
 #include "AnnotatedTiles.h"
 
 #include "LiveAnnotations.h"
+#include "PDFAnnotation.h"
 
 #include <QPainter>
 
@@ -82,7 +83,7 @@ void AnnotatedTiles::refresh(Entry& entry, const QImage& plain, PDFDisplayBox bo
         painter.setClipRect(place);
         painter.drawImage(place.topLeft(), plain, place);
         painter.setTransform(entry.pageToTile);
-        LiveAnnotations::draw(LiveAnnotations::reaching(nearby, entry.pageToTile, place), box, painter);
+        PDFAnnotation::drawAll(LiveAnnotations::reaching(nearby, entry.pageToTile, place), box, painter);
     }
 }
 

@@ -2,8 +2,6 @@
 
 #include "PDFAnnotation.h"
 
-#include <QPainter>
-
 #include <algorithm>
 
 std::vector<std::shared_ptr<PDFAnnotation>>
@@ -14,14 +12,4 @@ LiveAnnotations::reaching(const std::vector<std::shared_ptr<PDFAnnotation>>& liv
         return annotation->shouldDisplay() && pageToDevice.mapRect(annotation->drawnArea()).intersects(area);
     });
     return reached;
-}
-
-void LiveAnnotations::draw(const std::vector<std::shared_ptr<PDFAnnotation>>& annotations, PDFDisplayBox box,
-                           QPainter& painter) {
-    for (const std::shared_ptr<PDFAnnotation>& annotation : annotations) {
-        painter.save();
-        painter.setRenderHint(QPainter::Antialiasing);
-        annotation->draw(box, painter);
-        painter.restore();
-    }
 }

@@ -1,6 +1,7 @@
 #include "PageTiles.h"
 
 #include "LiveAnnotations.h"
+#include "PDFAnnotation.h"
 #include "PDFPage.h"
 
 #include <QPainter>
@@ -80,8 +81,8 @@ bool PageTiles::paint(QPainter& painter, const PlacedPage& page, const QRectF& a
     painter.setClipRect(page.rect & area, Qt::IntersectClip);
     const QTransform toView = page.pageToPixels * QTransform::fromTranslate(page.rect.left(), page.rect.top());
     painter.setTransform(toView, true);
-    LiveAnnotations::draw(LiveAnnotations::reaching(live, toView, QRectF(holes.boundingRect()) & area), page.look.box,
-                          painter);
+    PDFAnnotation::drawAll(LiveAnnotations::reaching(live, toView, QRectF(holes.boundingRect()) & area), page.look.box,
+                           painter);
     painter.restore();
     return isUnreadable(page.look.content);
 }

@@ -1,0 +1,271 @@
+#include "AnnotationDrawing.h"
+
+#include "FieldDrawing.h"
+#include "PDFAnnotationSubtype.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <numeric>
+
+namespace {
+
+using Values = PDFAnnotationValues;
+using Part = AnnotationDrawing::Part;
+
+// Where other readers put the lines of text markup, as fractions of the text's height above its lower edge.
+constexpr double underlineHeight = 0.075;
+constexpr double strikeOutHeight = 0.375;
+constexpr double markupLineThickness = 0.07;
+
+constexpr double mostDashes = 20000;
+
+double lineWidthOf(const Values& values) {
+    return values.border ? values.border->lineWidth : values.defaultLineWidth;
+}
+
+std::optional<QColor> visible(const std::optional<QColor>& color) {
+    return color && color->alpha() > 0 ? color : std::nullopt;
+}
+
+Part strokedPart(const Values& values, const QPainterPath& path) {
+    Part part;
+    part.path = path;
+    part.lineWidth = lineWidthOf(values);
+    if (part.lineWidth > 0)
+        part.stroke = visible(values.color);
+    if (values.border && values.border->style == PDFBorderStyle::dashed)
+        part.dashes = values.border->dashPattern.empty() ? std::vector<double>{3} : values.border->dashPattern;
+    // A pattern of no length has no end, and one of many more dashes than can be seen takes too long.
+    const double length = std::accumulate(part.dashes.begin(), part.dashes.end(), 0.0);
+    if (!part.dashes.empty() && !(path.length() / length * double(part.dashes.size()) < mostDashes))
+        part.dashes.clear();
+    return part;
+}
+
+/// A path leaves out a line without length, and then there would be nothing to stroke with a round cap.
+void addDot(QPainterPath& path, QPointF at) {
+    path.moveTo(at);
+    path.lineTo(at + QPointF(0.001, 0));
+}
+
+QRectF strokeBox(const Values& values) {
+    const double inset = lineWidthOf(values) / 2;
+    const QRectF box = values.bounds.adjusted(inset, inset, -inset, -inset);
+    return box.isValid() ? box : QRectF(values.bounds.center(), QSizeF());
+}
+
+std::vector<PDFQuad> quadsOf(const Values& values) {
+    return values.quads.empty() ? std::vector{PDFQuad::fromRect(values.bounds)} : values.quads;
+}
+
+void addHighlight(AnnotationDrawing& drawing, const Values& values) {
+    Part part;
+    part.fill = visible(values.color);
+    for (const PDFQuad& quad : quadsOf(values)) {
+        part.path.addPolygon(QPolygonF({quad.upperLeft, quad.upperRight, quad.lowerRight, quad.lowerLeft}));
+        part.path.closeSubpath();
+    }
+    part.path.setFillRule(Qt::WindingFill);
+    drawing.multiplies = true;
+    drawing.parts.push_back(part);
+}
+
+void addTextLines(AnnotationDrawing& drawing, const Values& values, double height) {
+    for (const PDFQuad& quad : quadsOf(values)) {
+        const QPointF up = quad.upperLeft - quad.lowerLeft;
+        Part part;
+        part.stroke = visible(values.color);
+        part.lineWidth = std::max(0.5, markupLineThickness * std::hypot(up.x(), up.y()));
+        part.path.moveTo(quad.lowerLeft + up * height);
+        part.path.lineTo(quad.lowerRight + (quad.upperRight - quad.lowerRight) * height);
+        drawing.parts.push_back(part);
+    }
+}
+
+void addSquare(AnnotationDrawing& drawing, const Values& values) {
+    QPainterPath path;
+    path.addRect(strokeBox(values));
+    Part part = strokedPart(values, path);
+    part.fill = visible(values.interiorColor);
+    part.join = Qt::RoundJoin;
+    drawing.parts.push_back(part);
+}
+
+void addCircle(AnnotationDrawing& drawing, const Values& values) {
+    QPainterPath path;
+    path.addEllipse(strokeBox(values));
+    Part part = strokedPart(values, path);
+    part.fill = visible(values.interiorColor);
+    drawing.parts.push_back(part);
+}
+
+void addLine(AnnotationDrawing& drawing, const Values& values) {
+    const QPointF run = values.line.endPoint - values.line.startPoint;
+    QPainterPath path(values.line.startPoint);
+    if (run.isNull())
+        addDot(path, values.line.startPoint);
+    else
+        path.lineTo(values.line.endPoint);
+    Part segment = strokedPart(values, path);
+    segment.cap = Qt::RoundCap;
+    drawing.parts.push_back(segment);
+
+    if (run.isNull() || !segment.stroke)
+        return;
+    const double heading = std::atan2(run.y(), run.x());
+    drawing.parts.push_back(
+        LineEnding::part(values.line.endStyle, values.line.endPoint, heading, segment.lineWidth, *segment.stroke));
+    drawing.parts.push_back(LineEnding::part(values.line.startStyle, values.line.startPoint, heading + std::numbers::pi,
+                                             segment.lineWidth, *segment.stroke));
+}
+
+void addInk(AnnotationDrawing& drawing, const Values& values) {
+    const QPointF origin = values.bounds.topLeft();
+    QPainterPath strokes;
+    for (const QPainterPath& path : values.paths) {
+        if (path.elementCount() == 1)
+            addDot(strokes, origin + QPointF(path.elementAt(0)));
+        else
+            strokes.addPath(path.translated(origin));
+    }
+    Part part = strokedPart(values, strokes);
+    part.cap = Qt::RoundCap;
+    part.join = Qt::RoundJoin;
+    drawing.parts.push_back(part);
+}
+
+/// The background and the border of free text.
+void addBox(AnnotationDrawing& drawing, const Values& values, const std::optional<QColor>& background,
+            const std::optional<QColor>& line) {
+    if (background) {
+        Part fill;
+        fill.path.addRect(values.bounds);
+        fill.fill = background;
+        drawing.parts.push_back(fill);
+    }
+    QPainterPath edge;
+    if (values.border && values.border->style == PDFBorderStyle::underline) {
+        edge.moveTo(strokeBox(values).topLeft());
+        edge.lineTo(strokeBox(values).topRight());
+    } else {
+        edge.addRect(strokeBox(values));
+    }
+    Part border = strokedPart(values, edge);
+    if (border.lineWidth > 0)
+        border.stroke = line;
+    drawing.parts.push_back(border);
+}
+
+void addFreeText(AnnotationDrawing& drawing, const Values& values) {
+    const QColor color = values.text.color.value_or(QColor(Qt::black));
+    if (values.border)
+        addBox(drawing, values, visible(values.color), color);
+    AnnotationDrawing::Label label;
+    label.box = values.bounds.adjusted(6, 4, -6, -4);
+    label.text = values.contents;
+    label.font = values.text.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
+    label.color = color;
+    label.multiline = true;
+    drawing.label = label;
+}
+
+} // namespace
+
+AnnotationDrawing::Part LineEnding::part(PDFLineStyle style, QPointF at, double heading, double lineWidth,
+                                         const QColor& color) {
+    const double size = std::max(3.4 * lineWidth, 8.0);
+    AnnotationDrawing::Part part;
+    part.lineWidth = lineWidth;
+    part.cap = Qt::RoundCap;
+    part.stroke = color;
+    const auto square = [at](double radius) {
+        return QRectF(at.x() - radius, at.y() - radius, 2 * radius, 2 * radius);
+    };
+    const auto barb = [&](double angle) {
+        return at - size * QPointF(std::cos(heading + angle), std::sin(heading + angle));
+    };
+    constexpr double halfAngle = std::numbers::pi / 7;
+    switch (style) {
+    case PDFLineStyle::none:
+        part.stroke.reset();
+        break;
+    case PDFLineStyle::square:
+        part.path.addRect(square(size / 2.6));
+        break;
+    case PDFLineStyle::circle:
+        part.path.addEllipse(square(size / 2.6));
+        break;
+    case PDFLineStyle::diamond: {
+        const double radius = size / 2.2;
+        part.path.addPolygon(QPolygonF(
+            {at + QPointF(0, radius), at + QPointF(radius, 0), at - QPointF(0, radius), at - QPointF(radius, 0)}));
+        part.path.closeSubpath();
+        break;
+    }
+    case PDFLineStyle::openArrow:
+        part.path.addPolygon(QPolygonF({barb(-halfAngle), at, barb(halfAngle)}));
+        break;
+    case PDFLineStyle::closedArrow:
+        part.path.addPolygon(QPolygonF({at, barb(-halfAngle), barb(halfAngle)}));
+        part.path.closeSubpath();
+        part.path.setFillRule(Qt::WindingFill);
+        part.stroke.reset();
+        part.fill = color;
+        break;
+    }
+    return part;
+}
+
+QRectF AnnotationDrawing::extent() const {
+    QRectF box;
+    const auto unite = [&box](const QRectF& more) {
+        // QRectF::united drops rectangles without an area, which straight lines have.
+        if (box.isNull()) {
+            box = more;
+            return;
+        }
+        const double left = std::min(box.left(), more.left());
+        const double low = std::min(box.top(), more.top());
+        box =
+            QRectF(left, low, std::max(box.right(), more.right()) - left, std::max(box.bottom(), more.bottom()) - low);
+    };
+    for (const Part& part : parts) {
+        if (part.path.isEmpty() || !(part.fill || part.stroke))
+            continue;
+        if (part.fill)
+            unite(part.path.boundingRect());
+        if (!part.stroke)
+            continue;
+        QPainterPathStroker stroker;
+        stroker.setWidth(part.lineWidth);
+        stroker.setCapStyle(part.cap);
+        stroker.setJoinStyle(part.join);
+        unite(stroker.createStroke(part.path).boundingRect());
+    }
+    return box;
+}
+
+std::optional<AnnotationDrawing> AnnotationDrawing::of(const Values& values) {
+    namespace Subtype = PDFAnnotationSubtype;
+    AnnotationDrawing drawing;
+    if (values.type == Subtype::highlight)
+        addHighlight(drawing, values);
+    else if (values.type == Subtype::underline)
+        addTextLines(drawing, values, underlineHeight);
+    else if (values.type == Subtype::strikeOut)
+        addTextLines(drawing, values, strikeOutHeight);
+    else if (values.type == Subtype::square)
+        addSquare(drawing, values);
+    else if (values.type == Subtype::circle)
+        addCircle(drawing, values);
+    else if (values.type == Subtype::line)
+        addLine(drawing, values);
+    else if (values.type == Subtype::ink)
+        addInk(drawing, values);
+    else if (values.type == Subtype::freeText)
+        addFreeText(drawing, values);
+    else
+        return values.type == Subtype::widget ? FieldDrawing::of(values) : std::nullopt;
+    return drawing;
+}

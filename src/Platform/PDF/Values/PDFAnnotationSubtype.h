@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+/// The subtypes that the program makes itself, as `PDFAnnotation::type` gives them.
+namespace PDFAnnotationSubtype {
+inline const QString text = QStringLiteral("Text");
+inline const QString link = QStringLiteral("Link");
+inline const QString freeText = QStringLiteral("FreeText");
+inline const QString line = QStringLiteral("Line");
+inline const QString square = QStringLiteral("Square");
+inline const QString circle = QStringLiteral("Circle");
+inline const QString highlight = QStringLiteral("Highlight");
+inline const QString underline = QStringLiteral("Underline");
+inline const QString strikeOut = QStringLiteral("StrikeOut");
+inline const QString ink = QStringLiteral("Ink");
+inline const QString stamp = QStringLiteral("Stamp");
+inline const QString popup = QStringLiteral("Popup");
+inline const QString widget = QStringLiteral("Widget");
+} // namespace PDFAnnotationSubtype

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "PDFBorder.h"
+#include "PDFFieldData.h"
+#include "PDFLineData.h"
+#include "PDFLinkData.h"
+#include "PDFTextStyle.h"
+#include "PDFTypes.h"
+
+#include <QColor>
+#include <QDateTime>
+#include <QPainterPath>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+/// All that a dictionary of a standard annotation says; the form in which readers and writers pass it on.
+struct PDFAnnotationValues {
+    QString type; ///< one of `PDFAnnotationSubtype`, or another that a file has
+    QRectF bounds;
+    int flags = 4; ///< Print
+    std::optional<QColor> color;
+    std::optional<QColor> interiorColor;
+    std::optional<PDFBorder> border;
+    double defaultLineWidth = 1; ///< points, of lines where there is no border; files mean 1 by saying nothing
+    QString contents;
+    QString userName;
+    QDateTime modificationDate;
+    bool hasAppearance = false; ///< the file gives a normal appearance (AP, N)
+
+    // Each of these belongs to some subtypes alone.
+
+    PDFTextStyle text;
+    PDFLineData line;
+    std::vector<QPainterPath> paths; ///< the strokes of ink, relative to the lower left corner of `bounds`
+    std::vector<PDFQuad> quads;      ///< of text markup; none for one that is `bounds`
+    PDFLinkData link;
+    PDFFieldData field;
+};

@@ -1,0 +1,88 @@
+#include "SourceFile.h"
+
+#include "PDFSource.h"
+#include "PdfValues.h"
+
+#include <qpdf/QPDFExc.hh>
+
+#include <QRegularExpression>
+
+namespace {
+
+constexpr int deepestPageTree = 256;
+
+/// The bytes with a trailer that names the last catalogue in them, for files whose own end is lost: without any trailer
+/// QPDF gives up. Empty when there is no catalogue to be found.
+QByteArray withTrailer(const QByteArray& bytes) {
+    static const QRegularExpression object(QStringLiteral("(\\d+)\\s+(\\d+)\\s+obj\\b"));
+    const qsizetype catalog = bytes.lastIndexOf("/Catalog");
+    const qsizetype start = catalog < 0 ? -1 : bytes.lastIndexOf("obj", catalog);
+    if (start < 0)
+        return {};
+    const auto match = object.match(QString::fromLatin1(bytes.mid(std::max<qsizetype>(0, start - 24), 27 + 24)));
+    if (!match.hasMatch())
+        return {};
+    return bytes + "\ntrailer\n<< /Root " + match.captured(1).toLatin1() + ' ' + match.captured(2).toLatin1() +
+           " R >>\nstartxref\n0\n%%EOF\n";
+}
+
+std::unique_ptr<QPDF> opened(const QByteArray& bytes, const QByteArray& password, bool repair) {
+    auto pdf = std::make_unique<QPDF>();
+    pdf->setSuppressWarnings(true);
+    pdf->setAttemptRecovery(repair);
+    pdf->processMemoryFile("document", bytes.constData(), std::size_t(bytes.size()), password.constData());
+    return pdf;
+}
+
+} // namespace
+
+SourceFile::SourceFile(std::shared_ptr<PDFSource> source, bool repair) : m_source(std::move(source)) {
+    const QByteArray password = m_source->password();
+    try {
+        m_pdf = opened(m_source->bytes(), password, repair);
+    } catch (const QPDFExc& error) {
+        m_bytes = repair && error.getErrorCode() != qpdf_e_password ? withTrailer(m_source->bytes()) : QByteArray();
+        if (m_bytes.isEmpty())
+            throw;
+        m_pdf = opened(m_bytes, password, repair);
+    }
+    for (const auto& [id, place] : m_pdf->getXRefTable())
+        if (id.getGen() != 0)
+            m_generations[id.getObj()] = id.getGen();
+}
+
+QPDFObjectHandle SourceFile::page(int pageNumber) {
+    const int number = m_source->pageObjectNumber(pageNumber);
+    if (number > 0) {
+        const auto generation = m_generations.find(number);
+        QPDFObjectHandle page = m_pdf->getObject(number, generation == m_generations.end() ? 0 : generation->second);
+        if (page.isDictionary())
+            return page;
+    }
+    // A page that stands directly in its node of the tree, or a file whose objects had to be found again.
+    const std::vector<QPDFObjectHandle>& pages = m_pdf->getAllPages();
+    if (int(pages.size()) == m_source->pageCount() && pageNumber >= 0 && pageNumber < int(pages.size()))
+        return pages[std::size_t(pageNumber)];
+    return QPDFObjectHandle::newNull();
+}
+
+QPDFObjectHandle SourceFile::annotation(int pageNumber, int index) {
+    QPDFObjectHandle annotations = PdfValues::entry(page(pageNumber), "/Annots");
+    if (!annotations.isArray() || index < 0 || index >= annotations.getArrayNItems())
+        return QPDFObjectHandle::newNull();
+    QPDFObjectHandle annotation = annotations.getArrayItem(index);
+    return annotation.isDictionary() ? annotation : QPDFObjectHandle::newNull();
+}
+
+QPDFObjectHandle SourceFile::inheritedFrom(QPDFObjectHandle page, const std::string& key) {
+    for (int depth = 0; page.isDictionary() && depth < deepestPageTree; ++depth) {
+        if (page.hasKey(key))
+            return page;
+        page = page.getKey("/Parent");
+    }
+    return QPDFObjectHandle::newNull();
+}
+
+QPDFObjectHandle SourceFile::inheritable(QPDFObjectHandle page, const std::string& key) {
+    return PdfValues::entry(inheritedFrom(page, key), key);
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <qpdf/QPDF.hh>
+
+#include <QByteArray>
+
+#include <memory>
+#include <unordered_map>
+
+class PDFSource;
+
+/// The objects of a source, read for writing. The source's own page numbers lead to page objects without a walk through
+/// the page tree.
+class SourceFile {
+public:
+    /// Opens the source once more. With `repair`, a damaged file is read as far as it goes; without, it throws
+    /// `QPDFExc`, as does a file that is beyond repair.
+    SourceFile(std::shared_ptr<PDFSource> source, bool repair);
+
+    [[nodiscard]] QPDF& pdf() { return *m_pdf; }
+    [[nodiscard]] const std::shared_ptr<PDFSource>& source() const { return m_source; }
+
+    /// The dictionary of a page; a null object for a page that can't be read. `pageNumber` is zero-based.
+    [[nodiscard]] QPDFObjectHandle page(int pageNumber);
+
+    /// The entry of the page's list of annotations; a null object when there is no dictionary.
+    [[nodiscard]] QPDFObjectHandle annotation(int pageNumber, int index);
+
+    /// The value of a page's key, or that which its nodes of the page tree give (ISO 32000-1, 7.7.3.4).
+    [[nodiscard]] static QPDFObjectHandle inheritable(QPDFObjectHandle page, const std::string& key);
+    /// The page or the node that gives that value; null when none does.
+    [[nodiscard]] static QPDFObjectHandle inheritedFrom(QPDFObjectHandle page, const std::string& key);
+
+private:
+    std::shared_ptr<PDFSource> m_source; // keeps the bytes that the file reads from
+    QByteArray m_bytes;                  // those bytes with a makeshift end, where the end is missing
+    std::unique_ptr<QPDF> m_pdf;
+    std::unordered_map<int, int> m_generations; // by object number, where it isn't zero
+};

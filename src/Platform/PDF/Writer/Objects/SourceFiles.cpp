@@ -1,0 +1,38 @@
+#include "SourceFiles.h"
+
+#include "PdfValues.h"
+
+bool SourceFiles::isMain(const std::shared_ptr<PDFSource>& source) const {
+    return m_main && m_main->source() == source;
+}
+
+SourceFiles::Foreign& SourceFiles::foreign(const std::shared_ptr<PDFSource>& source) {
+    std::unique_ptr<Foreign>& known = m_foreign[source.get()];
+    if (known)
+        return *known;
+    SourceFile file(source, true);
+    QPDF& pdf = file.pdf();
+    known = std::make_unique<Foreign>(Foreign{std::move(file), ObjectCopier(m_objects), NamedDestinations(pdf)});
+    if (isMain(source))
+        shareWithMain(*known);
+    return *known;
+}
+
+void SourceFiles::shareWithMain(Foreign& second) {
+    // What the main file has already isn't stored a second time.
+    QPDF& main = m_main->pdf();
+    second.copier.shareStreamsWith(main);
+    QPDFObjectHandle layers = PdfValues::entry(second.file.pdf().getRoot().getKey("/OCProperties"), "/OCGs");
+    if (layers.isArray())
+        for (const QPDFObjectHandle& layer : layers.aitems())
+            if (layer.isIndirect())
+                second.copier.setReplacement(layer, main.getObject(layer.getObjGen()));
+}
+
+std::vector<SourceFiles::Foreign*> SourceFiles::opened() const {
+    std::vector<Foreign*> files;
+    for (const auto& [source, file] : m_foreign)
+        if (!isMain(file->file.source()))
+            files.push_back(file.get());
+    return files;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <qpdf/QPDFObjectHandle.hh>
+
+#include <set>
+#include <vector>
+
+/// Pages of a file that are no longer in its page tree, and what belongs to them alone. Only files that are rewritten
+/// as a whole are pruned: then an object that nothing refers to is gone.
+struct RemovedPages {
+    std::set<QPDFObjGen> pages;
+    std::set<QPDFObjGen> annotations;        ///< apart from those that a page which stays has too
+    std::vector<QPDFObjectHandle> removed;   ///< the page objects
+    std::vector<QPDFObjectHandle> remaining; ///< pages of the tree, those brought in too
+
+    RemovedPages(std::vector<QPDFObjectHandle> gone, std::vector<QPDFObjectHandle> kept);
+
+    [[nodiscard]] bool hasPage(QPDFObjectHandle object) const {
+        return object.isIndirect() && pages.count(object.getObjGen()) > 0;
+    }
+    [[nodiscard]] bool hasAnnotation(QPDFObjectHandle object) const {
+        return object.isIndirect() && annotations.count(object.getObjGen()) > 0;
+    }
+};
