@@ -1,3 +1,4 @@
+#include "FontError.h"
 #include "MTFontV2.h"
 #include "MathFont.h"
 #include "MathImage.h"
@@ -8,7 +9,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <vector>
 
@@ -21,7 +21,7 @@ const std::vector<MathFont>& installedFonts() {
             try {
                 const MTFontV2 tried(font, 20);
                 fonts.push_back(font);
-            } catch (const std::exception&) { // not on this machine
+            } catch (const FontError&) { // not on this machine
             }
         }
         return fonts;

@@ -22,7 +22,7 @@ class MTRawMathTable;
 /// another version.
 class BundleManager {
 public:
-    /// The one of the process, over the folder that comes with the program.
+    /// The one manager of the process, for the folder that comes with the program.
     [[nodiscard]] static BundleManager& manager();
 
     explicit BundleManager(QString bundleFolder);

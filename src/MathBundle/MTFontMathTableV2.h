@@ -5,10 +5,10 @@
 
 class BundleManager;
 
-/// The math table of a font out of a `BundleManager`.
+/// The math table of a font that a `BundleManager` keeps, at the size of the font that it is made for.
 class MTFontMathTableV2 final : public MTFontMathTable {
 public:
-    /// Throws as `BundleManager`.
+    /// `font` outlives the table. Throws what `BundleManager::rawMathTable` throws.
     MTFontMathTableV2(MathFont mathFont, const MTFont& font, BundleManager& bundleManager);
     ~MTFontMathTableV2() override;
 

@@ -9,10 +9,11 @@
 class BundleManager;
 class MTFontMathTableV2;
 
-/// A math font at a size out of a `BundleManager`, which must outlive it. Its math table is made at first use.
+/// A math font at a size, whose files a `BundleManager` reads and keeps. The manager must outlive it. Its math table is
+/// made at first use. Usable on any number of threads at once.
 class MTFontV2 final : public MTFont {
 public:
-    /// Throws as `BundleManager`.
+    /// `size` in points; the first takes the manager of the process. Throws what `BundleManager::ctFont` throws.
     MTFontV2(MathFont font, double size);
     MTFontV2(MathFont font, double size, BundleManager& bundleManager);
     ~MTFontV2() override;

@@ -2,7 +2,7 @@
 
 #include "MTMathAtom.h"
 
-/// What the atoms that decorate one list have in common.
+/// The base of the atoms that hold one list and put something on it: an accent, a line, a colour, delimiters.
 class MTInnerListAtom : public MTMathAtom {
 public:
     std::shared_ptr<MTMathList> innerList;

@@ -2,7 +2,7 @@
 
 #include "MTInnerListAtom.h"
 
-/// What the three colouring atoms have in common: a list, and a colour as it was written ("#ff0000", "red").
+/// The base of the three atoms that colour: a list, and a colour as it was written ("#ff0000", "red").
 class MTColoredAtom : public MTInnerListAtom {
 public:
     QString colorString;

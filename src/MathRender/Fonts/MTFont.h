@@ -20,8 +20,8 @@ public:
     MTFont(const MTFont&) = delete;
     MTFont& operator=(const MTFont&) = delete;
 
-    /// The same font at another size, with a table of its own. Font file and property list are shared, so it costs
-    /// no more than its memory.
+    /// The same font at another size, with a table of its own. What was read from the files is shared: nothing is read
+    /// again.
     [[nodiscard]] virtual std::shared_ptr<MTFont> copy(double size) const;
 
     [[nodiscard]] double fontSize() const { return m_ctFont->size(); }

@@ -9,12 +9,13 @@
 
 class MTFont;
 
-/// Keeps the math fonts of the program, each read at its first use. Usable on any number of threads at once.
+/// Keeps the math fonts of the program by name, each read at its first use, for what sets formulas by `MTFont`. Usable
+/// on any number of threads at once.
 class MTFontManager {
 public:
     static constexpr double kDefaultFontSize = 20;
 
-    /// The one of the process.
+    /// The one manager of the process.
     [[nodiscard]] static MTFontManager& fontManager();
 
     MTFontManager();

@@ -2,7 +2,8 @@
 
 #include <QLatin1String>
 
-/// The resource names of the math fonts: their files in the bundle folder are the name with "otf" and "plist".
+/// The resource names of the math fonts. In the bundle folder a font is the file of its name with ".otf", and its
+/// property list the one with ".plist".
 namespace MathFontNames {
 
 inline constexpr QLatin1String latinModern{"latinmodern-math"};

@@ -58,7 +58,7 @@ void addLatexSymbol(const QString& name, const MTMathAtom& value);
 
 [[nodiscard]] std::shared_ptr<MTFraction> fraction(std::shared_ptr<MTMathList> numerator,
                                                    std::shared_ptr<MTMathList> denominator);
-/// With the characters of the two texts.
+/// The same of the characters of two texts; those without an atom are left out.
 [[nodiscard]] std::shared_ptr<MTFraction> fraction(QStringView numerator, QStringView denominator);
 
 /// The atoms of the characters of a text; characters without one are left out.

@@ -21,7 +21,7 @@ struct Symbol {
     std::u16string_view name;
     std::u16string_view nucleus;
     MTMathAtomType type;
-    bool limits = false; ///< of large operators
+    bool limits = false; ///< for large operators: whether scripts go above and below
 };
 
 /// Another name of a symbol.

@@ -2,6 +2,7 @@
 
 #include "GraphemeClusters.h"
 #include "MTException.h"
+#include "MTMathAtom.h"
 #include "MTNucleus.h"
 
 #include <array>
@@ -163,6 +164,11 @@ QString changeFont(const QString& string, MTFontStyle fontStyle) {
             appendScalar(result, form);
     }
     return result;
+}
+
+QString styledNucleus(const MTMathAtom& atom) {
+    const bool isStyled = atom.type == MTMathAtomType::variable || atom.type == MTMathAtomType::number;
+    return isStyled ? changeFont(atom.nucleus, atom.fontStyle) : atom.nucleus;
 }
 
 char32_t getItalicized(char32_t character) {

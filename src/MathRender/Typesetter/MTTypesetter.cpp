@@ -32,6 +32,21 @@ Atom& as(MTMathAtom& atom) {
     return *result;
 }
 
+/// A letter, digit or sign as an ordinary atom in the characters that it is set in; any other atom as it is. Shares
+/// the scripts of `atom`.
+std::shared_ptr<MTMathAtom> asOrdinary(const std::shared_ptr<MTMathAtom>& atom) {
+    if (atom->type != MTMathAtomType::variable && atom->type != MTMathAtomType::number &&
+        atom->type != MTMathAtomType::unaryOperator)
+        return atom;
+    auto ordinary = std::make_shared<MTMathAtom>(MTMathAtomType::ordinary, MTMathAlphabets::styledNucleus(*atom));
+    ordinary->fontStyle = atom->fontStyle;
+    ordinary->indexRange = atom->indexRange;
+    ordinary->fusedAtoms = atom->fusedAtoms;
+    ordinary->setSubScript(atom->subScript());
+    ordinary->setSuperScript(atom->superScript());
+    return ordinary;
+}
+
 } // namespace
 
 MTTypesetter::ListDisplay MTTypesetter::createLineForMathList(const MTMathList& list,
@@ -39,15 +54,15 @@ MTTypesetter::ListDisplay MTTypesetter::createLineForMathList(const MTMathList& 
                                                               bool cramped, bool spaced) {
     // All lists in a finalized list are final as well, so this is done once and for all.
     const ListPointer finalized = list.finalized();
-    Formula formula{MTStyleFonts(std::move(font))};
-    return layOut(formula, finalized.get(), style, cramped, spaced);
+    MTStyleFonts fonts(std::move(font));
+    return layOut(fonts, finalized.get(), style, cramped, spaced);
 }
 
-MTTypesetter::ListDisplay MTTypesetter::layOut(Formula& formula, const MTMathList* list, MTLineStyle style,
+MTTypesetter::ListDisplay MTTypesetter::layOut(MTStyleFonts& fonts, const MTMathList* list, MTLineStyle style,
                                                bool cramped, bool spaced) {
     if (!list || list->isEmpty())
         return std::make_unique<MTMathListDisplay>(std::vector<std::unique_ptr<MTDisplay>>(), MTRange{});
-    MTTypesetter typesetter(formula, style, cramped, spaced);
+    MTTypesetter typesetter(fonts, style, cramped, spaced);
     typesetter.createDisplayAtoms(preprocessMathList(*list));
     return typesetter.takeList(*list);
 }
@@ -60,8 +75,8 @@ MTTypesetter::ListDisplay MTTypesetter::takeList(const MTMathList& list) {
     return display;
 }
 
-MTTypesetter::MTTypesetter(Formula& formula, MTLineStyle style, bool cramped, bool spaced)
-    : m_formula(formula), m_cramped(cramped), m_spaced(spaced) {
+MTTypesetter::MTTypesetter(MTStyleFonts& fonts, MTLineStyle style, bool cramped, bool spaced)
+    : m_fonts(fonts), m_cramped(cramped), m_spaced(spaced) {
     setStyle(style);
 }
 
@@ -70,34 +85,30 @@ MTTypesetter::~MTTypesetter() = default;
 std::vector<MTTypesetter::AtomPointer> MTTypesetter::preprocessMathList(const MTMathList& list) {
     std::vector<AtomPointer> preprocessed;
     preprocessed.reserve(list.atoms().size());
-    const MTMathAtom* ownCopy = nullptr;
+    const MTMathAtom* own = nullptr; // the latest atom that is not one of the list's
     for (const AtomPointer& atom : list.atoms()) {
-        if (atom->type == MTMathAtomType::variable || atom->type == MTMathAtomType::number) {
-            atom->nucleus = MTMathAlphabets::changeFont(atom->nucleus, atom->fontStyle);
-            atom->type = MTMathAtomType::ordinary;
-        } else if (atom->type == MTMathAtomType::unaryOperator) {
-            atom->type = MTMathAtomType::ordinary;
-        }
-        if (atom->type == MTMathAtomType::ordinary && !preprocessed.empty()) {
+        AtomPointer next = asOrdinary(atom);
+        if (next->type == MTMathAtomType::ordinary && !preprocessed.empty()) {
             AtomPointer& prev = preprocessed.back();
             if (prev->type == MTMathAtomType::ordinary && !hasScripts(*prev)) {
-                // The list keeps its atom as it is.
-                if (prev.get() != ownCopy) {
+                if (prev.get() != own) {
                     prev = prev->copy();
-                    ownCopy = prev.get();
+                    own = prev.get();
                 }
-                prev->fuse(atom);
+                prev->fuse(next);
                 continue;
             }
         }
-        preprocessed.push_back(atom);
+        if (next != atom)
+            own = next.get();
+        preprocessed.push_back(std::move(next));
     }
     return preprocessed;
 }
 
 void MTTypesetter::setStyle(MTLineStyle style) {
     m_style = style;
-    m_styleFont = m_formula.fonts.fontForStyle(style);
+    m_styleFont = m_fonts.fontForStyle(style);
 }
 
 const MTFontMathTable& MTTypesetter::styleMetrics() const {

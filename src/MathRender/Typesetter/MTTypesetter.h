@@ -53,26 +53,22 @@ public:
     MTTypesetter& operator=(const MTTypesetter&) = delete;
 
 private:
-    /// What the typesetters of one formula share.
-    struct Formula {
-        MTStyleFonts fonts;
-    };
-
-    MTTypesetter(Formula& formula, MTLineStyle style, bool cramped, bool spaced);
+    /// `fonts` is what the typesetters of one formula share; it outlives them.
+    MTTypesetter(MTStyleFonts& fonts, MTLineStyle style, bool cramped, bool spaced);
     ~MTTypesetter();
 
     // The list (MTTypesetter.cpp)
 
-    /// Lays out a list that is finalized. Null counts as empty. May be done to a list again, with the same result.
-    [[nodiscard]] static ListDisplay layOut(Formula& formula, const MTMathList* list, MTLineStyle style, bool cramped,
-                                            bool spaced);
+    /// Lays out a list that is finalized, and leaves it as it is. Null counts as empty.
+    [[nodiscard]] static ListDisplay layOut(MTStyleFonts& fonts, const MTMathList* list, MTLineStyle style,
+                                            bool cramped, bool spaced);
     [[nodiscard]] ListDisplay layOut(const ListPointer& list, MTLineStyle style, bool cramped, bool spaced = false) {
-        return layOut(m_formula, list.get(), style, cramped, spaced);
+        return layOut(m_fonts, list.get(), style, cramped, spaced);
     }
     /// What was added so far, as the boxes of `list`, which has atoms.
     [[nodiscard]] ListDisplay takeList(const MTMathList& list);
-    /// The atoms with letters styled and neighbouring ordinary ones made one (rule 14). Those of `list`
-    /// are changed, but stay fit for another call.
+    /// The atoms with letters styled and neighbouring ordinary ones made one (rule 14). Those of `list` stay as they
+    /// are: what differs from them is a copy.
     [[nodiscard]] static std::vector<AtomPointer> preprocessMathList(const MTMathList& list);
     void createDisplayAtoms(const std::vector<AtomPointer>& preprocessed);
     void createDisplayAtom(const AtomPointer& atom);
@@ -171,7 +167,7 @@ private:
                                                  const std::vector<double>& columnWidths) const;
     void positionRows(const std::vector<std::unique_ptr<MTDisplay>>& rows, const MTMathTable& table) const;
 
-    Formula& m_formula;
+    MTStyleFonts& m_fonts;
     MTLineStyle m_style = MTLineStyle::display;
     std::shared_ptr<const MTFont> m_styleFont; ///< the font at the size of `m_style`
     bool m_cramped;

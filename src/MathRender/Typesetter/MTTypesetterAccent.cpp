@@ -4,6 +4,7 @@
 #include "MTAccentDisplay.h"
 #include "MTException.h"
 #include "MTFont.h"
+#include "MTMathAlphabets.h"
 #include "MTMathList.h"
 #include "MTNucleus.h"
 #include "MTTypesetter.h"
@@ -65,7 +66,7 @@ MTTypesetter::ListDisplay MTTypesetter::layOutScriptedLetter(const MTAccent& acc
     const AtomPointer& letter = list.atoms().front();
     if (const auto* const inner = dynamic_cast<const MTAccent*>(letter.get())) {
         // What is under a pile of accents is laid out once, however high the pile is.
-        MTTypesetter typesetter(m_formula, m_style, m_cramped, false);
+        MTTypesetter typesetter(m_fonts, m_style, m_cramped, false);
         bare = typesetter.addAccent(*inner, scripted);
         return typesetter.takeList(list);
     }
@@ -105,7 +106,7 @@ std::optional<CGGlyph> MTTypesetter::accentedLetter(const MTAccent& accent) cons
     while (isSingleCharAccentee(*innermost)) {
         const MTMathAtom& letter = *innermost->innerList->atoms().front();
         if (letter.type != MTMathAtomType::accent)
-            return findGlyphForLastCharacter(letter.nucleus);
+            return findGlyphForLastCharacter(MTMathAlphabets::styledNucleus(letter));
         innermost = static_cast<const MTAccent*>(&letter);
     }
     return std::nullopt;

@@ -35,7 +35,7 @@ void MTTypesetter::makeScripts(const MTMathAtom& atom, MTDisplay& display, int i
     double down = 0;
     // Rule 18a: scripts go with the height of a box, but not of characters.
     if (!dynamic_cast<const MTCTLineDisplay*>(&display)) {
-        const MTFontMathTable& scriptMetrics = m_formula.fonts.fontForStyle(scriptStyle())->mathTable();
+        const MTFontMathTable& scriptMetrics = m_fonts.fontForStyle(scriptStyle())->mathTable();
         up = display.ascent() - scriptMetrics.superscriptBaselineDropMax();
         down = display.descent() + scriptMetrics.subscriptBaselineDropMin();
     }

@@ -1,5 +1,6 @@
 #include "MathImageRenderer.h"
 
+#include "Logging.h"
 #include "MTContentLayout.h"
 #include "MTFont.h"
 #include "MTFontManager.h"
@@ -91,8 +92,7 @@ std::shared_ptr<const MTFont> fontOfSize(double fontSize) {
     try {
         return MTFontManager::fontManager().latinModernFont(fontSize);
     } catch (const std::exception& error) {
-        static const bool isTold = (qWarning("%s", error.what()), true);
-        Q_UNUSED(isTold);
+        qCWarning(Logging::math) << "a formula is shown as its source, for want of a font:" << Logging::causes(error);
         return nullptr;
     }
 }
