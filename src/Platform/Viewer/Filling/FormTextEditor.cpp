@@ -109,7 +109,8 @@ void FormTextEditor::setLineHeight(InlineFreeTextEditor& editor) const {
     QTextLayout probe(QStringLiteral("x"), shown, &editor);
     probe.beginLayout();
     QTextLine line = probe.createLine();
-    line.setLineWidth(size); // which lays it out
+    line.setLeadingIncluded(true); // as a document does
+    line.setLineWidth(size);       // which lays it out
     const double natural = std::ceil(line.height());
     probe.endLayout();
     QTextBlockFormat format;
