@@ -51,6 +51,10 @@ function(quillo_library target)
     target_link_libraries(${target} PUBLIC ${ARG_PUBLIC}
                           PRIVATE quillo_options ${ARG_PRIVATE} ${ARG_ROOMS} ${ARG_OPEN_ROOMS})
     quillo_use_precompiled(${target} ${ARG_PUBLIC} ${ARG_PRIVATE})
+    # Widgets name their measures alike (margin, cornerRadius), so their files can't be compiled as one.
+    if(CMAKE_CURRENT_SOURCE_DIR MATCHES "/src/(Views|App)(/|$)")
+        set_target_properties(${target} PROPERTIES UNITY_BUILD OFF)
+    endif()
 endfunction()
 
 # quillo_room(<target> SOURCES … [USES <rooms>] [LIBRARIES <libraries>])

@@ -19,7 +19,7 @@ static constexpr double lineMargin = 8;
 /// Device-independent pixels.
 static constexpr double minimumWidth = 80;
 /// Points, as in the annotation.
-static constexpr QPointF textInset(6, 4);
+static constexpr QPointF pageTextInset(6, 4);
 /// For a line whose font isn't known, in points: this part of its height within these limits.
 static constexpr double fallbackFontPart = 0.8;
 static constexpr double fallbackFontMinimum = 9;
@@ -108,7 +108,7 @@ void PageTextEditor::layOut() {
     QRectF frame = view().convertFromPage(m_cover->bounds(), *page());
     frame.setWidth(std::max(frame.width(), minimumWidth));
     editor()->setFont(InlineFreeTextEditor::screenFont(m_pageFont, scale, view()));
-    editor()->place(frame, textInset * scale);
+    editor()->place(frame, pageTextInset * scale);
 }
 
 bool PageTextEditor::isSubjectThere() const {

@@ -13,7 +13,7 @@
 
 // Page units.
 static constexpr double defaultWidth = 160;
-static constexpr double minimumWidth = 24;
+static constexpr double leastSignatureWidth = 24;
 
 SignaturePlacement::SignaturePlacement(AnnotatingPDFView& view) : m_view(view) {}
 
@@ -41,7 +41,7 @@ void SignaturePlacement::moveTo(QPointF viewPoint) {
     }
     m_dragPage->addAnnotation(m_currentAnnotation); // no more than once
     const QPointF point = m_view.convertToPage(viewPoint, *m_dragPage);
-    const double width = std::max(std::abs(point.x() - m_startPagePoint.x()), minimumWidth);
+    const double width = std::max(std::abs(point.x() - m_startPagePoint.x()), leastSignatureWidth);
     // Dragged to the left, the right edge stays where the press was.
     const double x = point.x() < m_startPagePoint.x() ? m_startPagePoint.x() - width : m_startPagePoint.x();
     const double height = m_ratio * width;

@@ -15,7 +15,7 @@
 
 // Device-independent pixels.
 static constexpr double boxWidth = 220;
-static constexpr QPointF textInset(6, 4);
+static constexpr QPointF boxTextInset(6, 4);
 static constexpr int handleSize = 7;
 static constexpr double handleBorder = 1.5;
 static constexpr double handleRadius = 1.5;
@@ -57,7 +57,7 @@ void TextBoxEditor::start(QPointF viewPoint, const std::shared_ptr<PDFPage>& pag
         return;
     m_font = platformFont(state->fontChoice(), state->fontSize());
     const QFont font = InlineFreeTextEditor::screenFont(m_font, 1, view());
-    m_height = std::ceil(InlineFreeTextEditor::defaultLineHeight(font, view())) + 2 * textInset.y();
+    m_height = std::ceil(InlineFreeTextEditor::defaultLineHeight(font, view())) + 2 * boxTextInset.y();
     m_corner = view().convertToPage(QPointF(viewPoint.toPoint()), *page);
 
     InlineFreeTextEditor& box = open(page, QStringLiteral("textBoxEditor"), QStringLiteral("Text box"));
@@ -74,7 +74,7 @@ void TextBoxEditor::start(QPointF viewPoint, const std::shared_ptr<PDFPage>& pag
 
 void TextBoxEditor::layOut() {
     const QPoint corner = view().convertFromPage(m_corner, *page()).toPoint();
-    editor()->place(QRectF(corner, QSizeF(boxWidth, m_height)), textInset);
+    editor()->place(QRectF(corner, QSizeF(boxWidth, m_height)), boxTextInset);
     layOutHandles();
 }
 
@@ -96,7 +96,7 @@ void TextBoxEditor::layOutHandles() {
 
 void TextBoxEditor::resize() {
     const double line = InlineFreeTextEditor::defaultLineHeight(editor()->font(), *editor());
-    const double height = std::ceil(std::max(line, editor()->usedHeight())) + 2 * textInset.y();
+    const double height = std::ceil(std::max(line, editor()->usedHeight())) + 2 * boxTextInset.y();
     if (std::abs(height - m_height) <= 0.5)
         return;
     m_height = height;

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr QLatin1String queryArgument("query");
+constexpr QLatin1String searchedArgument("query");
 
 QString fullText(const QString& text) {
     constexpr qsizetype limit = 60'000; // user-perceived characters
@@ -23,7 +23,7 @@ QString fullText(const QString& text) {
 QString searchText(const QString& text, const QJsonObject& input) {
     constexpr qsizetype limit = 5;
     constexpr qsizetype margin = 60; // user-perceived characters on either side of a hit
-    const QString query = ToolArguments::string(input, queryArgument).value_or(QString());
+    const QString query = ToolArguments::string(input, searchedArgument).value_or(QString());
     if (query.isEmpty())
         return QStringLiteral("Missing 'query' argument.");
     const QString lowerText = text.toLower();
@@ -52,7 +52,7 @@ std::vector<AssistantTool> TextOnlyTools::make(const TextOnlyAssistantContext& c
         {QStringLiteral("search_text"),
          QStringLiteral(
              "Search this document's Spotlight-indexed text for a keyword or phrase and return short excerpts."),
-         toolSchema({{queryArgument, QStringLiteral("string")}}),
+         toolSchema({{searchedArgument, QStringLiteral("string")}}),
          [context](const QJsonObject& input) { return searchText(context.extractedText, input); }},
     };
 }

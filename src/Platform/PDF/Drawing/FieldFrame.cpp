@@ -10,7 +10,7 @@ namespace {
 
 using Part = AnnotationDrawing::Part;
 
-constexpr double mostDashes = 2000;
+constexpr double mostBorderDashes = 2000;
 
 void addFill(AnnotationDrawing& drawing, const QPainterPath& path, const QColor& color) {
     Part part;
@@ -89,7 +89,7 @@ void FieldFrame::addTo(AnnotationDrawing& drawing) const {
         double length = 0;
         for (const double dash : line.dashes)
             length += dash;
-        if (!(line.path.length() / length * double(line.dashes.size()) < mostDashes))
+        if (!(line.path.length() / length * double(line.dashes.size()) < mostBorderDashes))
             line.dashes.clear();
     }
     drawing.parts.push_back(line);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int nodeLimit = 200000;
 constexpr int deepest = 32;
-constexpr int annotationLimit = 20000;
+constexpr int indexedLimit = 20000;
 
 /// A widget of the form's tree, and the page that it names.
 struct Place {
@@ -76,7 +76,7 @@ std::unordered_map<int, int> pagesOfAnnotations(const SourceEngine::Lease& lease
         engineTry(context, [&] {
             annots = pdf_dict_get(context, pdf_lookup_page_obj(context, lease.document(), page), PDF_NAME(Annots));
         });
-        const int count = std::min(pdf_array_len(context, annots), annotationLimit);
+        const int count = std::min(pdf_array_len(context, annots), indexedLimit);
         for (int i = 0; i < count; ++i) {
             int number = 0;
             engineTry(context, [&] { number = pdf_to_num(context, pdf_array_get(context, annots, i)); });

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int deepest = 32;
+constexpr int deepestField = 32;
 constexpr int choiceLimit = 10000;
 constexpr qsizetype partLimit = 1000; // characters of a part of a name
 constexpr qsizetype nameLimit = 4000;
@@ -49,7 +49,7 @@ pdf_obj* FormFieldReader::item(pdf_obj* array, int index) const {
 pdf_obj* FormFieldReader::inherited(pdf_obj* dictionary, const char* key) const {
     pdf_obj* object = nullptr;
     engineTry(m_context, [&] {
-        for (int depth = 0; dictionary && !object && depth < deepest; ++depth) {
+        for (int depth = 0; dictionary && !object && depth < deepestField; ++depth) {
             object = pdf_dict_gets(m_context, dictionary, key);
             dictionary = pdf_dict_get(m_context, dictionary, PDF_NAME(Parent));
         }
@@ -103,7 +103,7 @@ QString FormFieldReader::streamText(pdf_obj* stream) const {
 
 QString FormFieldReader::fullName(pdf_obj* field) {
     QStringList parts;
-    for (int depth = 0; field && depth < deepest; ++depth) {
+    for (int depth = 0; field && depth < deepestField; ++depth) {
         pdf_obj* partial = nullptr;
         engineTry(m_context, [&] {
             partial = pdf_dict_get(m_context, field, PDF_NAME(T));
@@ -168,7 +168,7 @@ void FormFieldReader::readButton(pdf_obj* widget, PDFAnnotationValues& values, F
     pdf_obj* looks = get(widget, "AP/N");
     const bool isStream = pdf_is_stream(m_context, looks) != 0; // the same in every state
     const int count = isStream ? 0 : pdf_dict_len(m_context, looks);
-    for (int i = 0; i < std::min(count, deepest) && field.onState.isEmpty(); ++i) {
+    for (int i = 0; i < std::min(count, deepestField) && field.onState.isEmpty(); ++i) {
         pdf_obj* key = nullptr;
         engineTry(m_context, [&] { key = pdf_dict_get_key(m_context, looks, i); });
         const QString name = EngineValues::name(m_context, key);
@@ -228,7 +228,7 @@ void FormFieldReader::read(pdf_obj* widget, PDFAnnotationValues& values) {
         values.color = edge;
     engineTry(m_context, [&] {
         pdf_obj* holder = widget;
-        for (int depth = 0; holder && depth < deepest; ++depth) {
+        for (int depth = 0; holder && depth < deepestField; ++depth) {
             if (pdf_dict_get(m_context, holder, PDF_NAME(T))) {
                 field->fieldObject = pdf_is_indirect(m_context, holder) ? pdf_to_num(m_context, holder)
                                                                         : pdf_obj_parent_num(m_context, holder);

@@ -32,7 +32,6 @@ static Qt::Alignment alignmentOf(const PDFFormField& field) {
 static constexpr double capitals = 0.718;
 static constexpr double descenders = 0.207;
 static constexpr double lineHeight = 1.15;
-static constexpr double pointsPerInch = 72; // of a font
 
 /// A combo box whose value is one of its choices shows the label of that.
 static QString shownText(const PDFFormField& field) {

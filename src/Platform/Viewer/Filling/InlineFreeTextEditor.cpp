@@ -19,7 +19,6 @@
 
 static constexpr double outlineWidth = 1.5;
 /// Points of a font in an inch.
-static constexpr double pointsPerInch = 72;
 
 InlineFreeTextEditor::InlineFreeTextEditor(QWidget* parent) : QTextEdit(parent) {
     setAcceptRichText(false);

@@ -5,6 +5,9 @@
 
 #include <optional>
 
+/// By which sizes of fonts, in points, become pixels of a screen.
+inline constexpr double pointsPerInch = 72;
+
 /// A small editor of plain text that lies over a page: a child of the viewer's viewport, with an outline. Undo, the
 /// clipboard and the menu work on its own text, and the wheel scrolls the page below. When it ends is for its
 /// `PlacedEditor` to say.
