@@ -6,6 +6,7 @@
 #include "MarkupAction.h"
 
 #include <QFontInfo>
+#include <QFontMetricsF>
 #include <QSet>
 
 #include <gtest/gtest.h>
