@@ -18,7 +18,6 @@ namespace {
 
 // Bits of the F key (ISO 32000-1, table 165).
 constexpr int hiddenFlag = 1 << 1;
-constexpr int printFlag = 1 << 2;
 constexpr int noViewFlag = 1 << 5;
 
 /// As exact as a file can say it.
@@ -232,10 +231,6 @@ void PDFAnnotation::setDestination(const std::optional<PDFDestination>& destinat
 
 bool PDFAnnotation::shouldDisplay() const {
     return (m_values.flags & (hiddenFlag | noViewFlag)) == 0;
-}
-
-bool PDFAnnotation::shouldPrint() const {
-    return (m_values.flags & printFlag) != 0;
 }
 
 std::shared_ptr<PDFAnnotation> PDFAnnotation::copy() const {

@@ -102,9 +102,8 @@ public:
     [[nodiscard]] QString widgetStringValue() const { return m_values.field.string; }
     void setWidgetStringValue(const QString& value);
 
-    /// The flags of the F key.
-    [[nodiscard]] bool shouldDisplay() const; ///< neither Hidden nor NoView
-    [[nodiscard]] bool shouldPrint() const;
+    /// Neither hidden nor kept off the screen (the F key).
+    [[nodiscard]] bool shouldDisplay() const;
 
     /// Draws into a painter that is set to page coordinates (y up). This base draws the plain standard subtypes; kinds
     /// with a look of their own override it. `box` is the display box that is being drawn.
@@ -137,8 +136,15 @@ public:
     /// All that it says, in the form in which readers and writers of files pass it on.
     [[nodiscard]] const PDFAnnotationValues& values() const { return m_values; }
 
-    /// For the reader of files: an annotation as the file has it.
+    // For the parts of this library
+
+    /// An annotation as the file has it.
     PDFAnnotation(PDFAnnotationValues values, PDFAnnotationOrigin origin);
+    /// Gives a widget its field's value; one that shows the same as before doesn't count as changed. With all that it
+    /// had in the file it is unmodified again.
+    void fill(const QString& string, const QStringList& chosen, PDFWidgetCellState state);
+    /// Lets the link of a copy in a frozen document lead to the copy of its page, which doesn't count as a change.
+    void leadTo(const PDFDestination& destination) { m_values.link.destination = destination; }
 
 protected:
     /// Tells the page that what it shows changed within `area` (page coordinates).
@@ -149,15 +155,10 @@ protected:
 
 private:
     friend class PDFPage;
-    friend class PDFFormField;
-    friend class DocumentFreezer;
     /// `place` leads to the value by pointers to members, from `PDFAnnotationValues` inwards.
     template <typename T, typename... Place>
     void set(const T& value, Place... place);
     void announceChange(const QRectF& area);
-    /// Gives a widget its field's value; one that shows the same as before doesn't count as changed. With all that it
-    /// had in the file it is unmodified again.
-    void fill(const QString& string, const QStringList& chosen, PDFWidgetCellState state);
 
     std::weak_ptr<PDFPage> m_page;
     std::optional<PDFAnnotationOrigin> m_origin;

@@ -213,14 +213,6 @@ std::optional<PDFSelection> PDFDocument::selection(const PDFPage& fromPage, QPoi
     return selected.isEmpty() ? std::nullopt : std::optional(std::move(selected));
 }
 
-std::optional<PDFSelection> PDFDocument::selectionForEntireDocument() const {
-    std::vector<PDFSelection::Range> ranges;
-    for (int i = 0; i < pageCount(); ++i)
-        ranges.push_back({page(i), 0, int(page(i)->text()->string.size())});
-    PDFSelection all(std::move(ranges));
-    return all.isEmpty() ? std::nullopt : std::optional(std::move(all));
-}
-
 // Outline and attributes
 
 std::shared_ptr<PDFOutline> PDFDocument::outlineRoot() const {

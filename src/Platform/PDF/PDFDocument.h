@@ -78,8 +78,6 @@ public:
     /// The text from a point on one page to a point on another, either order; none when that holds no character.
     [[nodiscard]] std::optional<PDFSelection> selection(const PDFPage& fromPage, QPointF from, const PDFPage& toPage,
                                                         QPointF to) const;
-    /// The text of the whole document; none when it has none. Offsets are looked up page by page, so this reads all.
-    [[nodiscard]] std::optional<PDFSelection> selectionForEntireDocument() const;
 
     // Destinations, outline and attributes
 

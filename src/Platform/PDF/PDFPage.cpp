@@ -116,15 +116,6 @@ std::optional<PDFSelection> PDFPage::selectionForLine(QPointF point) const {
     return selectionOf(words->lines[std::size_t(line)].start, words->lines[std::size_t(line)].end);
 }
 
-std::optional<PDFSelection> PDFPage::selectionForWord(QPointF point) const {
-    const auto words = text();
-    const int offset = words->characterAt(point);
-    if (offset < 0)
-        return std::nullopt;
-    const auto [start, end] = words->wordAround(offset);
-    return selectionOf(start, end);
-}
-
 std::optional<PDFSelection> PDFPage::selection(QPointF from, QPointF to) const {
     const auto words = text();
     const auto [start, end] = std::minmax({words->gapNearest(from), words->gapNearest(to)});

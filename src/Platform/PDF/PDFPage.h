@@ -77,8 +77,6 @@ public:
 
     /// The whole line of text at the point, or none.
     [[nodiscard]] std::optional<PDFSelection> selectionForLine(QPointF point) const;
-    /// The word at the point, or none.
-    [[nodiscard]] std::optional<PDFSelection> selectionForWord(QPointF point) const;
     /// The text from one point to another in reading order; none when that holds no character.
     [[nodiscard]] std::optional<PDFSelection> selection(QPointF from, QPointF to) const;
     /// All text of the page; none when it has no text.

@@ -20,18 +20,15 @@ bool wanted(const std::atomic<bool>* cancelled) {
 void drawBareAnnotations(const PageRenderRequest& request, QImage& image, const std::atomic<bool>* cancelled) {
     auto values = AnnotationReader::read(request.content.source->engine(), request.content.pageNumber);
     QPainter painter(&image);
+    painter.setTransform(request.pageToDevice *
+                         QTransform::fromTranslate(-request.deviceRect.x(), -request.deviceRect.y()));
     for (std::size_t i = 0; i < values.size() && wanted(cancelled); ++i) {
         if (!values[i])
             continue;
-        const PDFAnnotation annotation(std::move(*values[i]), {request.content, int(i)});
-        if (!annotation.shouldDisplay() || !annotation.drawsItself())
-            continue;
-        painter.save();
-        painter.setTransform(request.pageToDevice *
-                             QTransform::fromTranslate(-request.deviceRect.x(), -request.deviceRect.y()));
-        painter.setRenderHint(QPainter::Antialiasing);
-        annotation.draw(PDFDisplayBox::cropBox, painter);
-        painter.restore();
+        const PDFAnnotationOrigin origin{request.content, int(i)};
+        const auto annotation = std::make_shared<PDFAnnotation>(std::move(*values[i]), origin);
+        if (annotation->shouldDisplay() && annotation->drawsItself())
+            PDFAnnotation::drawAll({&annotation, 1}, PDFDisplayBox::cropBox, painter);
     }
 }
 

@@ -38,7 +38,7 @@ TEST(AnnotationReading, TakesTheStandardKeys) {
     EXPECT_EQ(line->contents(), QStringLiteral("note"));
     EXPECT_EQ(line->userName(), QStringLiteral("Ann"));
     EXPECT_EQ(line->modificationDate().toUTC(), QDateTime(QDate(2024, 2, 29), QTime(11, 0), Qt::UTC));
-    EXPECT_TRUE(line->shouldPrint());
+    EXPECT_EQ(line->values().flags & 4, 4) << "it prints";
     EXPECT_FALSE(line->isModified());
 
     const auto ink = readBack("<< /Subtype /Ink /Rect [10 20 110 120] /InkList [[10 20 60 70 110 120] [20 30]] >>");

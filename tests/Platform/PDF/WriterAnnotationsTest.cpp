@@ -235,7 +235,7 @@ TEST(WriterAnnotationsTest, ValuesComeBack) {
         EXPECT_EQ(read->contents(), saved->contents());
         EXPECT_EQ(read->modificationDate().toUTC(), saved->modificationDate().toUTC());
         EXPECT_EQ(read->border(), saved->border());
-        EXPECT_TRUE(read->shouldPrint());
+        EXPECT_EQ(read->values().flags & 4, 4) << "it prints";
         if (saved->color() && saved->color()->alpha() > 0) {
             ASSERT_TRUE(read->color());
             EXPECT_EQ(read->color()->rgba() & (saved->type() == Subtype::widget ? 0xFFFFFF : ~0U),

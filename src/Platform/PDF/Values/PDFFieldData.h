@@ -12,7 +12,7 @@ enum class PDFWidgetFieldType { none, text, button, choice, signature };
 /// The three kinds of button.
 enum class PDFWidgetControlType { pushButton = 0, radioButton = 1, checkBox = 2 };
 /// The state of a check box or radio button.
-enum class PDFWidgetCellState { off = 0, on = 1, mixed = -1 };
+enum class PDFWidgetCellState { off = 0, on = 1 };
 
 /// What a Widget annotation shows of its form field.
 struct PDFFieldData {

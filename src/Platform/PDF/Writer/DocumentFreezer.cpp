@@ -49,7 +49,7 @@ void DocumentFreezer::freezeDestinations(const PDFPage& live, const PDFPage& cop
         if (!target && from.values().link.leadsInside && !inPlace)
             target = from.destination();
         if (target)
-            to.m_values.link.destination = frozen(*target);
+            to.leadTo(frozen(*target));
     }
 }
 

@@ -50,7 +50,7 @@ private:
     Look setText(QPDFObjectHandle widget, const PDFAnnotationValues& now);
     void setChosen(QPDFObjectHandle field, const PDFAnnotationValues& now);
     void writeValue(QPDFObjectHandle field, const PDFAnnotationValues& now);
-    /// A form in XML beside this one would go on showing the old values, so it goes when a value changes.
+    /// Removes the form in XML (XFA) that may stand beside this one: it would go on showing the old values.
     void dropOtherForm();
 
     ObjectStore& m_objects;

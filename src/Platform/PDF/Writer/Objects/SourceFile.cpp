@@ -1,5 +1,6 @@
 #include "SourceFile.h"
 
+#include "Logging.h"
 #include "PDFSource.h"
 #include "PdfValues.h"
 
@@ -44,6 +45,7 @@ SourceFile::SourceFile(std::shared_ptr<PDFSource> source, bool repair) : m_sourc
         m_bytes = repair && error.getErrorCode() != qpdf_e_password ? withTrailer(m_source->bytes()) : QByteArray();
         if (m_bytes.isEmpty())
             throw;
+        qCWarning(Logging::pdf) << "opening a file by its own trailer failed:" << Logging::causes(error);
         m_pdf = opened(m_bytes, password, repair);
     }
     for (const auto& [id, place] : m_pdf->getXRefTable())
