@@ -18,6 +18,7 @@ set(QUILLO_FOLDERS
     Models
     PDFView/Annotations
     Document
+    Document/Recovery
     Document/Operations
     PDFView
     AI/Wire

@@ -1,5 +1,6 @@
 #include "PageOCRExtractor.h"
 
+#include "Logging.h"
 #include "PDFAnnotation.h"
 #include "PDFPage.h"
 #include "PDFPageRasterizer.h"
@@ -69,6 +70,7 @@ QImage draw(const PageRenderRequest& whole, const std::stop_token& stop) {
         painter.end();
         return image;
     } catch (const std::bad_alloc&) {
+        qCWarning(Logging::document) << "not enough memory for the picture of a page to recognize";
         return {};
     }
 }

@@ -1,6 +1,6 @@
 #include "RecentThumbnailLoader.h"
 
-#include "PDFError.h"
+#include "Logging.h"
 #include "PDFSource.h"
 #include "PageRenderer.h"
 
@@ -9,7 +9,7 @@
 #include <QTimer>
 
 #include <cmath>
-#include <new>
+#include <exception>
 
 /// What one call of `load` has under way. The worker reads `path` and `cancelled` only.
 struct RecentThumbnailLoader::Job {
@@ -108,9 +108,8 @@ QImage RecentThumbnailLoader::thumbnail(const QString& path, const std::atomic<b
     try {
         const std::optional<QByteArray> bytes = fileContent(path);
         return bytes && !cancelled ? firstPage(*bytes, cancelled) : QImage();
-    } catch (const PDFError&) {
-        return {};
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception& error) { // the cell shows the icon of its type
+        qCInfo(Logging::document) << "no picture of a recent file:" << Logging::causes(error);
         return {};
     }
 }

@@ -1,5 +1,6 @@
 #include "AttachmentReader.h"
 
+#include "Logging.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
 #include "PDFPage.h"
@@ -22,7 +23,8 @@ QString textOfPdf(const QString& path) {
             if (!page.isEmpty())
                 text += page + u'\n';
         }
-    } catch (const PDFError&) {
+    } catch (const PDFError& error) {
+        qCWarning(Logging::ai) << "an attached PDF has no text to give:" << Logging::causes(error);
         return {};
     }
     return text;

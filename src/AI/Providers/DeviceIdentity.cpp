@@ -13,6 +13,7 @@
 #include <QMutexLocker>
 #include <QStandardPaths>
 
+#include <exception>
 #include <optional>
 
 namespace {
@@ -49,7 +50,7 @@ void saveToDisk(const P256SigningKey& key) {
         if (!file.setPermissions(userOnly))
             throw FileError(file.errorString());
     } catch (const FileError& error) {
-        throw DeviceIdentityError::writeFailed(error);
+        std::throw_with_nested(DeviceIdentityError::writeFailed(error));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "AIProviderError.h"
 #include "APIKeyStore.h"
 #include "ChatRequest.h"
+#include "Logging.h"
 #include "OpenAIChatCodec.h"
 #include "URLSession.h"
 
@@ -119,6 +120,7 @@ QCoro::Task<AIAgentTurn> RotatingAIProvider::tryInTurn(std::shared_ptr<URLSessio
         } catch (const AIProviderError& error) {
             if (!asksForAnotherKey(error))
                 throw withoutKey(error, credential.apiKey);
+            qCInfo(Logging::ai) << credential.label << "refused with" << error.status() << "- trying the next key";
             lastError = AIProviderError::http(error.status(),
                                               credential.label + QStringLiteral(" key rejected or rate-limited"));
         }

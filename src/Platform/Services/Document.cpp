@@ -5,6 +5,7 @@
 #include "FileError.h"
 #include "UndoManager.h"
 
+#include <exception>
 #include <set>
 #include <utility>
 
@@ -24,7 +25,7 @@ public:
         try {
             writeFileAtomically(path, m_bytes);
         } catch (const FileError& error) {
-            throw DocumentError(error);
+            std::throw_with_nested(DocumentError(error));
         }
     }
 

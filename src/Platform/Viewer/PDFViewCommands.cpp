@@ -3,7 +3,6 @@
 #include "PDFDocument.h"
 
 #include <QAction>
-#include <QKeySequence>
 
 namespace {
 
@@ -11,24 +10,19 @@ struct Row {
     PDFViewCommand command;
     const char* name;
     const char* text;
-    const char* keys; // empty: the window decides on keys
     void (PDFView::*operation)();
 };
 
 constexpr Row rows[] = {
-    {PDFViewCommand::copy, "copyAction", QT_TRANSLATE_NOOP("PDFView", "Copy"), "Ctrl+C", &PDFView::copy},
-    {PDFViewCommand::selectAll, "selectAllAction", QT_TRANSLATE_NOOP("PDFView", "Select All"), "Ctrl+A",
-     &PDFView::selectAll},
-    {PDFViewCommand::goBack, "goBackAction", QT_TRANSLATE_NOOP("PDFView", "Back"), "Alt+Left", &PDFView::goBack},
-    {PDFViewCommand::goForward, "goForwardAction", QT_TRANSLATE_NOOP("PDFView", "Forward"), "Alt+Right",
-     &PDFView::goForward},
-    {PDFViewCommand::goToFirstPage, "firstPageAction", QT_TRANSLATE_NOOP("PDFView", "First Page"), "Ctrl+Home",
+    {PDFViewCommand::copy, "copyAction", QT_TRANSLATE_NOOP("PDFView", "Copy"), &PDFView::copy},
+    {PDFViewCommand::selectAll, "selectAllAction", QT_TRANSLATE_NOOP("PDFView", "Select All"), &PDFView::selectAll},
+    {PDFViewCommand::goBack, "goBackAction", QT_TRANSLATE_NOOP("PDFView", "Back"), &PDFView::goBack},
+    {PDFViewCommand::goForward, "goForwardAction", QT_TRANSLATE_NOOP("PDFView", "Forward"), &PDFView::goForward},
+    {PDFViewCommand::goToFirstPage, "firstPageAction", QT_TRANSLATE_NOOP("PDFView", "First Page"),
      &PDFView::goToFirstPage},
-    {PDFViewCommand::goToLastPage, "lastPageAction", QT_TRANSLATE_NOOP("PDFView", "Last Page"), "Ctrl+End",
-     &PDFView::goToLastPage},
-    {PDFViewCommand::goToNextPage, "nextPageAction", QT_TRANSLATE_NOOP("PDFView", "Next Page"), "",
-     &PDFView::goToNextPage},
-    {PDFViewCommand::goToPreviousPage, "previousPageAction", QT_TRANSLATE_NOOP("PDFView", "Previous Page"), "",
+    {PDFViewCommand::goToLastPage, "lastPageAction", QT_TRANSLATE_NOOP("PDFView", "Last Page"), &PDFView::goToLastPage},
+    {PDFViewCommand::goToNextPage, "nextPageAction", QT_TRANSLATE_NOOP("PDFView", "Next Page"), &PDFView::goToNextPage},
+    {PDFViewCommand::goToPreviousPage, "previousPageAction", QT_TRANSLATE_NOOP("PDFView", "Previous Page"),
      &PDFView::goToPreviousPage},
 };
 
@@ -38,10 +32,6 @@ PDFViewCommands::PDFViewCommands(PDFView& view) : m_view(view) {
     for (const Row& row : rows) {
         auto* action = new QAction(PDFView::tr(row.text), &view);
         action->setObjectName(QLatin1String(row.name));
-        if (*row.keys) {
-            action->setShortcut(QKeySequence::fromString(QLatin1String(row.keys)));
-            action->setShortcutContext(Qt::WidgetShortcut); // an editor over the page has keys of its own
-        }
         QObject::connect(action, &QAction::triggered, &view, row.operation);
         view.addAction(action);
         m_actions.emplace(row.command, action);

@@ -4,7 +4,7 @@
 
 #include <map>
 
-/// The actions of a view: their texts, keys, what they do and when they can.
+/// The actions of a view: their texts, what they do and when they can. The window gives them keys.
 class PDFViewCommands {
 public:
     /// The actions belong to the view.

@@ -1,7 +1,7 @@
 #include "PrintPanel.h"
 
 #include "AtomicFile.h"
-#include "FileError.h"
+#include "ErrorSentence.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
 #include "PrintCopy.h"
@@ -33,12 +33,8 @@ Composed compose(const PrintCopy& copy, const QString& path) {
         if (!path.isEmpty())
             writeFileAtomically(path, bytes);
         return {bytes, {}};
-    } catch (const PDFError& error) {
-        return {{}, error.sentence()};
-    } catch (const FileError& error) {
-        return {{}, error.sentence()};
-    } catch (const std::bad_alloc&) {
-        return {{}, QStringLiteral("There isn't enough memory.")};
+    } catch (...) {
+        return {{}, sentenceOfCurrentError("preparing a copy for the printer")};
     }
 }
 

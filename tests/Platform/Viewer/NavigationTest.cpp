@@ -90,14 +90,14 @@ TEST(Navigation, jumpsCanBeUndone) {
     EXPECT_NEAR(view.convertFromPage({72, 400}, *view.page(3)).y(), 0, 1);
     ASSERT_TRUE(view.canGoBack());
 
-    view.key(Qt::Key_Left, Qt::AltModifier);
+    view.goBack();
     EXPECT_EQ(view.currentPageIndex(), 6);
-    view.key(Qt::Key_Left, Qt::AltModifier);
+    view.goBack();
     EXPECT_LT((view.convertToPage(point, *view.page(0)) - left).manhattanLength(), 1);
     EXPECT_FALSE(view.canGoBack());
     EXPECT_FALSE(view.action(PDFViewCommand::goBack)->isEnabled());
-    view.key(Qt::Key_Right, Qt::AltModifier);
-    view.key(Qt::Key_Right, Qt::AltModifier);
+    view.goForward();
+    view.goForward();
     EXPECT_EQ(view.currentPageIndex(), 3);
     EXPECT_FALSE(view.canGoForward());
     view.goBack();
@@ -153,10 +153,10 @@ TEST(Navigation, keysScrollAsTheyAreTold) {
     EXPECT_NEAR(view.convertFromPage({0, 0}, *view.page(1)).y(), view.viewport()->height() - 12, 1);
     view.key(Qt::Key_Home);
     EXPECT_NEAR(view.convertFromPage({0, 792}, *view.page(1)).y(), 12, 1);
-    view.key(Qt::Key_End, Qt::ControlModifier);
+    view.goToLastPage();
     EXPECT_EQ(view.currentPageIndex(), 3);
     EXPECT_NEAR(view.convertFromPage({0, 792}, *view.page(3)).y(), 12, 1);
-    view.key(Qt::Key_Home, Qt::ControlModifier);
+    view.goToFirstPage();
     EXPECT_EQ(value(), 0);
 
     // When the page is wider than the view the arrows move to the side.

@@ -155,10 +155,10 @@ TEST(Selection, copiesPlainText) {
     ShownView view(proseDocument());
     QClipboard* clipboard = QGuiApplication::clipboard();
     clipboard->setText(QStringLiteral("before"));
-    view.key(Qt::Key_C, Qt::ControlModifier);
+    view.copy();
     EXPECT_EQ(clipboard->text(), QStringLiteral("before"));
     view.drag(view.before(0, 4), view.before(0, 15));
-    view.key(Qt::Key_C, Qt::ControlModifier);
+    view.copy();
     EXPECT_EQ(clipboard->text(), QStringLiteral("quick brown"));
 }
 
@@ -166,11 +166,11 @@ TEST(Selection, allOfALongDocumentIsSelectedAtOnceAndCopiedWhenItIsRead) {
     const auto document = sampleDocument(300);
     ShownView view(document);
     QSignalSpy changes(&view, &PDFView::selectionChanged);
-    view.key(Qt::Key_A, Qt::ControlModifier);
+    view.selectAll();
     EXPECT_TRUE(view.hasSelection());
     EXPECT_EQ(changes.count(), 1);
     QGuiApplication::clipboard()->clear();
-    view.key(Qt::Key_C, Qt::ControlModifier);
+    view.copy();
     view.waitUntil([] { return !QGuiApplication::clipboard()->text().isEmpty(); }, "the text");
     const QString copied = QGuiApplication::clipboard()->text();
     EXPECT_EQ(copied, view.selected());

@@ -2,10 +2,9 @@
 
 #include "DocumentController.h"
 #include "DocumentRecovery.h"
-#include "FileError.h"
+#include "ErrorSentence.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
-#include "PDFError.h"
 #include "RecoveryRecord.h"
 #include "RecoveryStore.h"
 
@@ -14,8 +13,6 @@
 #include <QRegularExpression>
 #include <QUrl>
 #include <QtConcurrent/QtConcurrentRun>
-
-#include <new>
 
 /// What a worker read of a record, which it gives back.
 struct LostDocuments::Reading {
@@ -83,10 +80,8 @@ LostDocuments::Reading LostDocuments::read(const std::shared_ptr<RecoveryRecord>
     Reading reading{record, {}, {}};
     try {
         reading.bytes = record->bytes();
-    } catch (const FileError& error) {
-        reading.error = error.sentence();
-    } catch (const std::bad_alloc&) {
-        reading.error = QStringLiteral("There isn't enough memory.");
+    } catch (...) {
+        reading.error = sentenceOfCurrentError("reading a recovery record");
     }
     return reading;
 }
@@ -97,10 +92,8 @@ void LostDocuments::finish(const Reading& reading, const Completion& completion)
     if (error.isEmpty()) {
         try {
             document = open(reading);
-        } catch (const PDFError& unreadable) {
-            error = unreadable.sentence();
-        } catch (const std::bad_alloc&) {
-            error = QStringLiteral("There isn't enough memory.");
+        } catch (...) {
+            error = sentenceOfCurrentError("opening a recovered document");
         }
     }
     if (!document)

@@ -1,11 +1,10 @@
 #include "RecoveryWriter.h"
 
+#include "ErrorSentence.h"
 #include "FileError.h"
-#include "Logging.h"
 #include "PDFDocument.h"
 #include "PDFDocumentSnapshot.h"
 #include "PDFEditorDocument.h"
-#include "PDFError.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PagePicture.h"
@@ -18,7 +17,6 @@
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
-#include <new>
 
 using namespace std::chrono_literals;
 
@@ -37,22 +35,6 @@ struct RecoveryWriter::Outcome {
 };
 
 namespace {
-
-/// What the user is told of the exception being handled; its causes go to the log.
-QString sentenceOfCurrentError() {
-    qCWarning(Logging::document) << "recording unsaved changes failed:" << Logging::currentCauses();
-    try {
-        throw;
-    } catch (const FileError& error) {
-        return error.sentence();
-    } catch (const PDFError& error) {
-        return error.sentence();
-    } catch (const std::bad_alloc&) {
-        return QStringLiteral("There isn't enough memory.");
-    } catch (const std::exception& error) {
-        return QString::fromLocal8Bit(error.what());
-    }
-}
 
 /// A picture of a page that only a password opens would show it to everyone.
 bool mayBePictured(const PDFDocument& document, const PDFPage* page) {
@@ -167,7 +149,7 @@ void RecoveryWriter::write() {
             picture.emplace(*page, pictureSize);
     } catch (const std::exception&) {
         Outcome outcome;
-        outcome.error = sentenceOfCurrentError();
+        outcome.error = sentenceOfCurrentError("recording unsaved changes");
         ++m_writeCount;
         finish(outcome);
         return;
@@ -205,7 +187,7 @@ RecoveryWriter::Outcome RecoveryWriter::store(Slot& slot, const QString& folder,
         outcome.duration = std::chrono::milliseconds(timer.elapsed());
         outcome.hasPicture = picture && storePicture(*slot.record, picture->image(cancelled));
     } catch (const std::exception&) {
-        outcome.error = sentenceOfCurrentError();
+        outcome.error = sentenceOfCurrentError("recording unsaved changes");
     }
     // One that never held anything only takes space.
     if (slot.record && !slot.record->manifest() && !outcome.error.isEmpty()) {
