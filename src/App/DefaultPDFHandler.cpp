@@ -2,6 +2,7 @@
 
 #include "UserDefaults.h"
 
+#include <QPointer>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -65,9 +66,12 @@ void DefaultPDFHandler::promptIfNeeded() {
     isDefault([this](bool isDefaultNow) {
         if (isDefaultNow)
             return;
-        const bool wanted = m_question();
-        m_defaults.setBool(promptedKey(), true);
-        if (wanted)
-            setAsDefault();
+        m_question([handler = QPointer(this)](bool wanted) {
+            if (!handler)
+                return;
+            handler->m_defaults.setBool(promptedKey(), true);
+            if (wanted)
+                handler->setAsDefault();
+        });
     });
 }

@@ -13,8 +13,8 @@ class DefaultPDFHandler : public QObject {
     Q_OBJECT
 
 public:
-    /// Shows the question and returns true for its first button.
-    using Question = std::function<bool()>;
+    /// Shows the question and returns at once; `answered` gets true for its first button.
+    using Question = std::function<void(std::function<void(bool accepted)> answered)>;
 
     /// `defaults` must outlive the handler.
     DefaultPDFHandler(UserDefaults& defaults, Question question, QObject* parent = nullptr);

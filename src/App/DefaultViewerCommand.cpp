@@ -20,12 +20,14 @@ void DefaultViewerCommand::run() {
 }
 
 void DefaultViewerCommand::ask() {
-    if (!m_dialogs.askToBecomeDefault(WindowPresenter::windowForQuestions()))
-        return;
-    m_handler.setAsDefault([this](bool succeeded) {
+    const auto tell = [this](bool succeeded) {
         if (!succeeded)
             m_dialogs.presentError(WindowPresenter::windowForQuestions(),
                                    QStringLiteral("Quillo could not become your default PDF viewer."),
                                    QStringLiteral("The desktop did not accept the change."));
+    };
+    m_dialogs.askToBecomeDefault(WindowPresenter::windowForQuestions(), [this, tell](bool accepted) {
+        if (accepted)
+            m_handler.setAsDefault(tell);
     });
 }

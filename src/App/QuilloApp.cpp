@@ -13,8 +13,9 @@ QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
       m_dialogs(std::move(dialogs)), m_presenter(*m_dialogs),
       m_controller([] { return std::make_shared<PDFEditorDocument>(); }, m_presenter, m_defaults),
       m_services{m_controller, m_defaults, m_actions, *m_dialogs},
-      m_defaultHandler(m_defaults,
-                       [this] { return m_dialogs->askToBecomeDefault(WindowPresenter::windowForQuestions()); }),
+      m_defaultHandler(
+          m_defaults,
+          [this](DocumentDialogs::Answered answered) { m_dialogs->offerToBecomeDefault(std::move(answered)); }),
       m_defaultViewer(m_defaultHandler, *m_dialogs), m_settings(m_defaults, m_defaultHandler),
       m_delegate(m_services, m_defaultHandler), m_sessionEnd(m_controller, m_delegate),
       m_crashRecovery(m_controller, m_presenter), m_fileMonitor(m_controller, m_presenter) {

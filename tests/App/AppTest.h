@@ -69,7 +69,8 @@ public:
     }
 
     std::optional<QString> askPassword(QWidget*) override { return std::nullopt; }
-    bool askToBecomeDefault(QWidget*) override { return false; }
+    void askToBecomeDefault(QWidget*, Answered) override {}
+    void offerToBecomeDefault(Answered) override {}
     void presentMessage(QWidget*, const QString&, const QString&) override {}
     void presentError(QWidget*, const QString& title, const QString& sentence) override {
         errors.append(title + QStringLiteral(" ") + sentence);

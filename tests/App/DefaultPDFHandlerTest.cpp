@@ -80,9 +80,9 @@ protected:
     UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     int m_questionCount = 0;
     bool m_answer = true;
-    DefaultPDFHandler m_handler{m_defaults, [this] {
+    DefaultPDFHandler m_handler{m_defaults, [this](const std::function<void(bool)>& answered) {
                                     ++m_questionCount;
-                                    return m_answer;
+                                    answered(m_answer);
                                 }};
 };
 

@@ -6,12 +6,14 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include <functional>
+#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -22,9 +24,10 @@ static void whenAsked(std::function<void(QDialog& dialog)> answer) {
     QTimer::singleShot(0, [answer = std::move(answer)] {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
+        const QPointer<QDialog> left(dialog);
         answer(*dialog);
-        if (dialog->isVisible())
-            dialog->reject();
+        if (left && left->isVisible())
+            left->reject();
     });
 }
 
@@ -151,17 +154,60 @@ TEST(DocumentDialogs, questionsAboutAFileTakeTheAnswerThatLosesNothingAsUsual) {
     }
 }
 
+/// The question about the default viewer that is on the screen.
+static QMessageBox* shownDefaultViewerQuestion() {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (widget->objectName() == QLatin1String("defaultViewerQuestion") && widget->isVisible())
+            return qobject_cast<QMessageBox*>(widget);
+    return nullptr;
+}
+
 TEST(DocumentDialogs, theDefaultViewerQuestionTakesItsFirstButtonAsYes) {
     DocumentDialogs dialogs;
     for (const auto& [button, answer] :
          {std::pair{QStringLiteral("Set as Default"), true}, std::pair{QStringLiteral("Not Now"), false}}) {
-        whenAsked([&button = button](QDialog& dialog) {
-            EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).text(),
-                      QStringLiteral("Make Quillo Your Default PDF Viewer?"));
-            press(dialog, button);
-        });
-        EXPECT_EQ(dialogs.askToBecomeDefault(nullptr), answer);
+        std::optional<bool> given;
+        dialogs.askToBecomeDefault(nullptr, [&given](bool accepted) { given = accepted; });
+        QMessageBox* box = shownDefaultViewerQuestion();
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->text(), QStringLiteral("Make Quillo Your Default PDF Viewer?"));
+        press(*box, button);
+        EXPECT_EQ(given, answer);
     }
+}
+
+TEST(DocumentDialogs, theOfferTakesNoKeyThatWasMeantForAnother) {
+    DocumentDialogs dialogs;
+    std::optional<bool> given;
+    dialogs.offerToBecomeDefault([&given](bool accepted) { given = accepted; });
+    QMessageBox* box = shownDefaultViewerQuestion();
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(box->testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    QTest::keyClick(box, Qt::Key_Return); // what ended a password a moment ago
+    EXPECT_EQ(given, std::nullopt);
+    EXPECT_TRUE(box->isVisible());
+    press(*box, QStringLiteral("Set as Default"));
+    EXPECT_EQ(given, true);
+}
+
+TEST(DocumentDialogs, aQuestionGoesWithItsWindowAsCancelled) {
+    DocumentDialogs dialogs;
+    QWidget* window = nullptr;
+    const auto closed = [&window](const std::function<void()>& asks) {
+        window = new QWidget;
+        window->show();
+        whenAsked([window](QDialog&) { delete window; });
+        asks();
+    };
+    closed([&] { EXPECT_EQ(dialogs.askToSave(window, QStringLiteral("a.pdf")), SaveAnswer::Cancel); });
+    closed([&] { EXPECT_EQ(dialogs.askPassword(window), std::nullopt); });
+    closed([&] { EXPECT_EQ(dialogs.chooseSaveLocation(window, QStringLiteral("/tmp/a.pdf")), std::nullopt); });
+    closed([&] {
+        const auto reply = dialogs.askToSaveAll(window, {{QStringLiteral("a.pdf"), {}}, {QStringLiteral("b.pdf"), {}}});
+        EXPECT_EQ(reply.answer, SaveAnswer::Cancel);
+        EXPECT_EQ(reply.checked.size(), 2U);
+    });
 }
 
 TEST(DocumentDialogs, thePasswordPromptGivesWhatWasTypedOrNothing) {

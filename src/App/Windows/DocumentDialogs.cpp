@@ -1,5 +1,6 @@
 #include "DocumentDialogs.h"
 
+#include "DialogRun.h"
 #include "PasswordPrompt.h"
 #include "SymbolIcon.h"
 
@@ -38,25 +39,61 @@ struct Button {
     QMessageBox::ButtonRole role;
 };
 
-/// Which of the buttons was pressed, from 0. Return presses the one at `usual`, Escape the last.
+/// A question with its buttons; Escape presses the last.
+struct Question {
+    QMessageBox* box;
+    std::vector<QPushButton*> buttons;
+
+    /// Which of them was pressed, from 0.
+    std::size_t pressed() const {
+        const auto found = std::find(buttons.begin(), buttons.end(), box->clickedButton());
+        return found == buttons.end() ? buttons.size() - 1 : static_cast<std::size_t>(found - buttons.begin());
+    }
+};
+
+Question makeQuestion(QWidget* parent, const QString& name, const QString& symbolName, const QString& text,
+                      const QString& informativeText, const std::vector<Button>& buttons) {
+    Question question{new QMessageBox(parent), {}};
+    question.box->setObjectName(name);
+    setContent(*question.box, symbolName, text, informativeText);
+    for (const Button& button : buttons)
+        question.buttons.push_back(question.box->addButton(button.text, button.role));
+    question.box->setEscapeButton(question.buttons.back());
+    return question;
+}
+
+/// Which of the buttons was pressed, from 0; the last also when the question goes with its parent, which nested events
+/// may close. Return presses the one at `usual`.
 std::size_t ask(QWidget* parent, const QString& name, const QString& symbolName, const QString& text,
                 const QString& informativeText, const std::vector<Button>& buttons, std::size_t usual) {
-    QMessageBox box(parent);
-    box.setObjectName(name);
-    setContent(box, symbolName, text, informativeText);
-    std::vector<QPushButton*> shown;
-    for (const Button& button : buttons)
-        shown.push_back(box.addButton(button.text, button.role));
-    box.setDefaultButton(shown.at(usual));
-    box.setEscapeButton(shown.back());
-    box.exec();
-    const auto pressed = std::find(shown.begin(), shown.end(), box.clickedButton());
-    return pressed == shown.end() ? shown.size() - 1 : static_cast<std::size_t>(pressed - shown.begin());
+    const Question question = makeQuestion(parent, name, symbolName, text, informativeText, buttons);
+    question.box->setDefaultButton(question.buttons.at(usual));
+    const DialogRun run(question.box);
+    return run.isDialogAlive() ? question.pressed() : buttons.size() - 1;
+}
+
+Question defaultViewerQuestion(QWidget* parent) {
+    return makeQuestion(
+        parent, QStringLiteral("defaultViewerQuestion"), infoSymbol(),
+        QStringLiteral("Make Quillo Your Default PDF Viewer?"),
+        QStringLiteral("PDFs will open in Quillo automatically when you double-click them in the file manager, in your "
+                       "mail, or anywhere else."),
+        {{QStringLiteral("Set as Default"), QMessageBox::AcceptRole},
+         {QStringLiteral("Not Now"), QMessageBox::RejectRole}});
+}
+
+/// Hands on the answer when it is there; nothing when the question goes without one.
+void whenAnswered(const Question& question, DocumentDialogs::Answered answered) {
+    question.box->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(question.box, &QDialog::finished, question.box,
+                     [question, answered = std::move(answered)] { answered(question.pressed() == 0); });
 }
 
 } // namespace
 
-DocumentDialogs::~DocumentDialogs() = default;
+DocumentDialogs::~DocumentDialogs() {
+    delete m_offer;
+}
 
 DocumentPresenter::SaveAnswer DocumentDialogs::askToSave(QWidget* parent, const QString& documentName) {
     using Answer = DocumentPresenter::SaveAnswer;
@@ -72,9 +109,11 @@ DocumentPresenter::SaveAnswer DocumentDialogs::askToSave(QWidget* parent, const 
 
 DocumentDialogs::SaveAllAnswer
 DocumentDialogs::askToSaveAll(QWidget* parent, const std::vector<UnsavedDocumentsDialog::Entry>& documents) {
-    UnsavedDocumentsDialog dialog(documents, parent);
-    dialog.exec();
-    return {dialog.answer(), dialog.checked()};
+    auto* dialog = new UnsavedDocumentsDialog(documents, parent);
+    const DialogRun run(dialog);
+    if (!run.isDialogAlive())
+        return {DocumentPresenter::SaveAnswer::Cancel, std::vector<bool>(documents.size())};
+    return {dialog->answer(), dialog->checked()};
 }
 
 DocumentPresenter::ChangedFileAnswer DocumentDialogs::askAboutChangedFile(QWidget* parent,
@@ -117,29 +156,41 @@ bool DocumentDialogs::offerSaveAs(QWidget* parent, const QString& title, const Q
 }
 
 std::optional<QString> DocumentDialogs::chooseSaveLocation(QWidget* parent, const QString& suggestedPath) {
-    QFileDialog dialog(parent, QStringLiteral("Save As"));
-    dialog.setObjectName(QStringLiteral("savePanel"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilter(QStringLiteral("PDF files (*.pdf)"));
-    dialog.setDefaultSuffix(QStringLiteral("pdf"));
-    dialog.selectFile(suggestedPath);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    auto* dialog = new QFileDialog(parent, QStringLiteral("Save As"));
+    dialog->setObjectName(QStringLiteral("savePanel"));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setNameFilter(QStringLiteral("PDF files (*.pdf)"));
+    dialog->setDefaultSuffix(QStringLiteral("pdf"));
+    dialog->selectFile(suggestedPath);
+    const DialogRun run(dialog);
+    if (!run.isAccepted() || dialog->selectedFiles().isEmpty())
         return std::nullopt;
-    return dialog.selectedFiles().constFirst();
+    return dialog->selectedFiles().constFirst();
 }
 
 std::optional<QString> DocumentDialogs::askPassword(QWidget* parent) {
     return PasswordPrompt::ask(parent);
 }
 
-bool DocumentDialogs::askToBecomeDefault(QWidget* parent) {
-    return ask(parent, QStringLiteral("defaultViewerQuestion"), infoSymbol(),
-               QStringLiteral("Make Quillo Your Default PDF Viewer?"),
-               QStringLiteral("PDFs will open in Quillo automatically when you double-click them in Finder, Mail, or "
-                              "anywhere else."),
-               {{QStringLiteral("Set as Default"), QMessageBox::AcceptRole},
-                {QStringLiteral("Not Now"), QMessageBox::RejectRole}},
-               0) == 0;
+void DocumentDialogs::askToBecomeDefault(QWidget* parent, Answered answered) {
+    const Question question = defaultViewerQuestion(parent);
+    question.box->setDefaultButton(question.buttons.front());
+    whenAnswered(question, std::move(answered));
+    question.box->open();
+}
+
+void DocumentDialogs::offerToBecomeDefault(Answered answered) {
+    const Question question = defaultViewerQuestion(nullptr); // any window may close meanwhile
+    m_offer = question.box;
+    m_offer->setAttribute(Qt::WA_ShowWithoutActivating);
+    m_offer->setWindowModality(Qt::NonModal);
+    for (QPushButton* button : question.buttons)
+        button->setAutoDefault(false);
+    question.buttons.back()->setFocus();
+    whenAnswered(question, std::move(answered));
+    m_offer->show();
+    for (QPushButton* button : question.buttons)
+        button->setDefault(false); // showing it has made the first the one for Return
 }
 
 static void present(QWidget* parent, const QString& name, const QString& symbolName, const QString& title,

@@ -3,21 +3,25 @@
 #include "DocumentPresenter.h"
 #include "UnsavedDocumentsDialog.h"
 
+#include <QDialog>
+#include <QPointer>
 #include <QString>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
-class QWidget;
-
 /// The questions and messages of the program. `parent` is the window that they belong to; null where there is none.
-/// The asking ones block; the telling ones return at once. Main thread only.
+/// Those that return an answer block, and give the one of Cancel when
+/// `parent` goes meanwhile; the others return at once. Main thread only.
 class DocumentDialogs {
 public:
     struct SaveAllAnswer {
         DocumentPresenter::SaveAnswer answer = DocumentPresenter::SaveAnswer::Cancel;
         std::vector<bool> checked; ///< for each document: whether to save it
     };
+
+    using Answered = std::function<void(bool accepted)>;
 
     virtual ~DocumentDialogs();
 
@@ -44,9 +48,17 @@ public:
 
     virtual std::optional<QString> askPassword(QWidget* parent);
 
-    /// Whether Quillo should become the default viewer.
-    virtual bool askToBecomeDefault(QWidget* parent);
+    /// Whether Quillo should become the default viewer. Returns at once; `answered` isn't called when `parent` goes
+    /// first.
+    virtual void askToBecomeDefault(QWidget* parent, Answered answered);
+
+    /// The same without being asked for: takes neither the keyboard from what the person is doing nor a key that was
+    /// meant for it, and stays when windows go. Returns at once; `answered` isn't called when the program ends first.
+    virtual void offerToBecomeDefault(Answered answered);
 
     virtual void presentMessage(QWidget* parent, const QString& title, const QString& sentence);
     virtual void presentError(QWidget* parent, const QString& title, const QString& sentence);
+
+private:
+    QPointer<QDialog> m_offer;
 };

@@ -24,7 +24,8 @@ void WindowPresenter::closeWindow() {
 }
 
 QWidget* WindowPresenter::windowForQuestions() {
-    if (QWidget* active = QApplication::activeWindow())
+    QWidget* active = QApplication::activeWindow();
+    if (active && (active->windowType() == Qt::Window || active->parentWidget())) // no dialog that goes by itself
         return active;
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows) {
