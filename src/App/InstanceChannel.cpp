@@ -10,10 +10,11 @@
 #include <QStandardPaths>
 #include <QThread>
 
-// A message is a mark, the activation token and the files; the answer is one byte once the message is taken.
-static constexpr quint32 messageMark = 0x51756c31;
+// A message is a mark, the activation token and the files. The running process answers it with one byte, and acts when
+// a byte confirms that: a sender that gave up waiting opens the files itself.
+static constexpr quint32 messageMark = 0x51756c32;
 static constexpr qint64 maximumMessageSize = 1 << 22;
-static constexpr int answerTimeoutInMilliseconds = 5000;
+static constexpr int connectTimeoutInMilliseconds = 5000;
 
 static QByteArray encoded(const QStringList& files) {
     QByteArray message;
@@ -23,8 +24,8 @@ static QByteArray encoded(const QStringList& files) {
     return message;
 }
 
-InstanceChannel::InstanceChannel(QString socketPath, QObject* parent)
-    : QObject(parent), m_socketPath(std::move(socketPath)) {}
+InstanceChannel::InstanceChannel(QString socketPath, std::chrono::milliseconds patience, QObject* parent)
+    : QObject(parent), m_socketPath(std::move(socketPath)), m_patience(patience) {}
 
 InstanceChannel::~InstanceChannel() = default;
 
@@ -41,7 +42,7 @@ QString InstanceChannel::standardSocketPath() {
 InstanceChannel::Role InstanceChannel::start(const QStringList& files) {
     // Two starts at the same moment must not both find nobody there.
     QLockFile lock(m_socketPath + QStringLiteral(".lock"));
-    if (!lock.tryLock(answerTimeoutInMilliseconds))
+    if (!lock.tryLock(connectTimeoutInMilliseconds))
         return Role::alone;
 
     switch (deliver(files)) {
@@ -82,12 +83,15 @@ InstanceChannel::Delivery InstanceChannel::deliverOnce(const QStringList& files,
     isLeft = false;
     QLocalSocket socket;
     socket.connectToServer(m_socketPath);
-    if (!socket.waitForConnected(answerTimeoutInMilliseconds))
+    if (!socket.waitForConnected(connectTimeoutInMilliseconds))
         return socket.error() == QLocalSocket::SocketTimeoutError ? Delivery::noAnswer : Delivery::nobodyThere;
     socket.write(encoded(files));
     socket.flush();
-    if (socket.waitForReadyRead(answerTimeoutInMilliseconds))
+    if (socket.waitForReadyRead(static_cast<int>(m_patience.count()))) {
+        socket.write("\n");
+        socket.waitForBytesWritten(connectTimeoutInMilliseconds);
         return Delivery::done;
+    }
     isLeft = socket.error() == QLocalSocket::PeerClosedError;
     return Delivery::noAnswer;
 }
@@ -117,11 +121,17 @@ void InstanceChannel::read(QLocalSocket* socket) {
         socket->abort();
         return;
     }
+    socket->disconnect(this);
+    connect(socket, &QLocalSocket::readyRead, this, [this, socket, files, activationToken] {
+        if (socket->read(1).isEmpty())
+            return;
+        socket->disconnect(this);
+        socket->disconnectFromServer();
+        if (files.isEmpty())
+            Q_EMIT reopenRequested(activationToken);
+        else
+            Q_EMIT filesReceived(files, activationToken);
+    });
     socket->write("\n");
     socket->flush();
-    socket->disconnectFromServer();
-    if (files.isEmpty())
-        Q_EMIT reopenRequested(activationToken);
-    else
-        Q_EMIT filesReceived(files, activationToken);
 }

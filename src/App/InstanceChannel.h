@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <chrono>
 #include <memory>
 
 class QLocalServer;
@@ -21,14 +22,16 @@ public:
         alone,      ///< there is no channel: the folder can't be written, or the running process doesn't answer
     };
 
-    explicit InstanceChannel(QString socketPath = standardSocketPath(), QObject* parent = nullptr);
+    /// `patience` is how long a later start waits for the running process, which may be busy.
+    explicit InstanceChannel(QString socketPath = standardSocketPath(),
+                             std::chrono::milliseconds patience = std::chrono::seconds(5), QObject* parent = nullptr);
     ~InstanceChannel() override;
 
     [[nodiscard]] static QString standardSocketPath();
 
     /// Hands `files` (addresses, absolute, in order; none: only show a window) to the running process, or takes
     /// its place when there is none. What a crashed process left behind is cleared away. Blocks until the other
-    /// process has answered, for five seconds at most.
+    /// process has answered, for as long as the patience lasts; what it hasn't taken by then it never opens.
     [[nodiscard]] Role start(const QStringList& files);
 
 Q_SIGNALS:
@@ -47,5 +50,6 @@ private:
     void read(QLocalSocket* socket);
 
     QString m_socketPath;
+    std::chrono::milliseconds m_patience;
     std::unique_ptr<QLocalServer> m_server;
 };

@@ -1,6 +1,7 @@
 #include "QuilloApp.h"
 
 #include "AboutBox.h"
+#include "ActivationToken.h"
 #include "FileOpenRouter.h"
 #include "FileRefusal.h"
 #include "OpenPanel.h"
@@ -17,7 +18,7 @@ QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
           m_defaults,
           [this](DocumentDialogs::Answered answered) { m_dialogs->offerToBecomeDefault(std::move(answered)); }),
       m_defaultViewer(m_defaultHandler, *m_dialogs), m_settings(m_defaults, m_defaultHandler),
-      m_delegate(m_services, m_defaultHandler), m_sessionEnd(m_controller, m_delegate),
+      m_delegate(m_services, m_defaultHandler), m_sessionEnd(m_controller, m_delegate, *m_dialogs),
       m_crashRecovery(m_controller, m_presenter), m_fileMonitor(m_controller, m_presenter) {
     m_presenter.setServices(m_services);
     connect(&m_presenter, &WindowPresenter::documentPresented, &m_delegate, &AppDelegate::closeWelcomeWindow,
@@ -68,7 +69,7 @@ void QuilloApp::launch(const QList<QUrl>& files) {
 }
 
 void QuilloApp::openFromOtherStart(const QStringList& files, const QString& activationToken) {
-    qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
+    ActivationToken::use(activationToken);
     QList<QUrl> urls;
     for (const QString& file : files)
         urls.append(QUrl(file));
@@ -76,7 +77,7 @@ void QuilloApp::openFromOtherStart(const QStringList& files, const QString& acti
 }
 
 void QuilloApp::reopenFromOtherStart(const QString& activationToken) {
-    qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
+    ActivationToken::use(activationToken);
     m_delegate.handleReopen();
 }
 

@@ -28,8 +28,7 @@ public:
     /// Opens `files`, or shows the landing window when that leaves nothing to see.
     void launch(const QList<QUrl>& files);
 
-    /// Takes what another start of the program handed over. The desktop lets a program come to the front only with the
-    /// token that it gave to the start.
+    /// Takes what another start of the program handed over.
     void openFromOtherStart(const QStringList& files, const QString& activationToken);
     void reopenFromOtherStart(const QString& activationToken);
 

@@ -3,6 +3,7 @@
 #include "AppDelegate.h"
 #include "Document.h"
 #include "DocumentController.h"
+#include "PrintRuns.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -13,9 +14,10 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <utility>
 
-SessionEnd::SessionEnd(DocumentController& controller, AppDelegate& delegate, QObject* parent)
-    : QObject(parent), m_controller(controller), m_delegate(delegate) {
+SessionEnd::SessionEnd(DocumentController& controller, AppDelegate& delegate, DocumentDialogs& dialogs, QObject* parent)
+    : QObject(parent), m_controller(controller), m_delegate(delegate), m_printing(dialogs) {
     connectSessionManager();
 }
 
@@ -25,6 +27,15 @@ void SessionEnd::terminate() {
     if (m_isTerminating)
         return;
     m_isTerminating = true;
+    m_printing.whenDone([this](bool mayEnd) {
+        if (mayEnd)
+            closeAll();
+        else
+            m_isTerminating = false;
+    });
+}
+
+void SessionEnd::closeAll() {
     m_delegate.setTerminating(true);
     m_controller.closeAllDocuments([this](bool succeeded) {
         m_isTerminating = false;
@@ -36,10 +47,17 @@ void SessionEnd::terminate() {
 }
 
 void SessionEnd::endNow() {
+    if (std::exchange(m_isEnding, true))
+        return;
     m_delegate.setTerminating(true);
     // Not `quit`, which would let the windows ask.
     QTimer::singleShot(limit, this, [] { QCoreApplication::exit(); });
-    m_controller.prepareForSessionEnd([](bool) { QCoreApplication::exit(); });
+    m_controller.prepareForSessionEnd([](bool) {
+        if (PrintRuns::shared().isIdle())
+            QCoreApplication::exit();
+        else
+            connect(&PrintRuns::shared(), &PrintRuns::becameIdle, qApp, [] { QCoreApplication::exit(); });
+    });
 }
 
 bool SessionEnd::commit(bool mayAsk) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PrintingWait.h"
+
 #include <QObject>
 
 #include <chrono>
@@ -17,15 +19,16 @@ public:
     static constexpr std::chrono::seconds limit{10};
 
     /// The arguments must outlive the object. From here on the desktop's session manager is answered.
-    SessionEnd(DocumentController& controller, AppDelegate& delegate, QObject* parent = nullptr);
+    SessionEnd(DocumentController& controller, AppDelegate& delegate, DocumentDialogs& dialogs,
+               QObject* parent = nullptr);
     ~SessionEnd() override;
 
-    /// Closes all documents, asking once what becomes of unsaved changes, and ends the event loop when all is saved.
-    /// Does nothing when the user cancels or a document can't be saved.
+    /// Waits for what is being printed, closes all documents, asking once what becomes of unsaved changes, and ends the
+    /// event loop when all is saved. Does nothing when the user cancels or a document can't be saved.
     void terminate();
 
     /// Ends the event loop without asking anything, as the system wants it: at most `limit` later. Documents that are
-    /// being saved get that long; whatever else is unsaved is up to the recovery of lost documents.
+    /// being saved or printed get that long; whatever else is unsaved is up to the recovery of lost documents.
     void endNow();
 
     /// What the desktop wants of a program before the session ends: asks what becomes of unsaved changes when that is
@@ -38,11 +41,14 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void closeAll();
     void connectSessionManager();
     [[nodiscard]] bool hasUnsavedDocuments() const;
 
     DocumentController& m_controller;
     AppDelegate& m_delegate;
+    PrintingWait m_printing;
     bool m_isTerminating = false;
     bool m_isCommitted = false;
+    bool m_isEnding = false;
 };

@@ -11,7 +11,7 @@
 // A handler may do next to nothing, so it writes a byte to this pipe and the event loop reads it.
 static int signalPipe[2] = {-1, -1};
 
-static constexpr int handledSignals[] = {SIGINT, SIGTERM};
+static constexpr int handledSignals[] = {SIGHUP, SIGINT, SIGTERM};
 
 static void handleSignal(int) {
     const int savedError = errno;
@@ -32,9 +32,16 @@ UnixSignals::UnixSignals(QObject* parent) : QObject(parent) {
     });
     for (const int number : handledSignals) {
         struct sigaction action = {};
+        sigaction(number, nullptr, &action);
+        if (number == SIGHUP && action.sa_handler == SIG_IGN)
+            continue; // started to outlive its terminal
+        action = {};
         action.sa_handler = handleSignal;
-        // The default action, which ends the process, is back after the first.
-        action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+        action.sa_flags = SA_RESTART;
+        // The default action, which ends the process, is back after the first; but a closing terminal tells it twice,
+        // itself and by its shell.
+        if (number != SIGHUP)
+            action.sa_flags |= static_cast<int>(SA_RESETHAND);
         sigaction(number, &action, nullptr);
     }
 }

@@ -1,3 +1,4 @@
+#include "ActivationToken.h"
 #include "ColorScheme.h"
 #include "CommandLine.h"
 #include "InstanceChannel.h"
@@ -46,6 +47,7 @@ int main(int argc, char** argv) {
     if (line.kind != CommandLine::Kind::run)
         return printed(line);
 
+    ActivationToken::makeRoom();
     // Qt must not look for options of its own among the files.
     int onlyTheName = 1;
     QApplication application(onlyTheName, argv);

@@ -71,6 +71,13 @@ public:
     std::optional<QString> askPassword(QWidget*) override { return std::nullopt; }
     void askToBecomeDefault(QWidget*, Answered) override {}
     void offerToBecomeDefault(Answered) override {}
+
+    QDialog* presentPrinting(QWidget*, const QStringList& documentNames, Answered answered) override {
+        printing = documentNames;
+        quitsNow = std::move(answered);
+        return nullptr;
+    }
+
     void presentMessage(QWidget*, const QString&, const QString&) override {}
     void presentError(QWidget*, const QString& title, const QString& sentence) override {
         errors.append(title + QStringLiteral(" ") + sentence);
@@ -81,6 +88,8 @@ public:
     DocumentPresenter::ChangedFileAnswer changedFileAnswer = DocumentPresenter::ChangedFileAnswer::Cancel;
     QStringList askedAboutChange;
     bool reverts = false;
+    QStringList printing; ///< what quitting waited for
+    Answered quitsNow;
     std::optional<QString> saveLocation;
     QStringList askedToSave;
     QStringList suggestedPaths;

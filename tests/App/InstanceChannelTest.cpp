@@ -127,6 +127,23 @@ TEST_F(InstanceChannelTest, aStartIsTakenInTheMidstOfAQuestion) {
     EXPECT_EQ(files.count(), 1);
 }
 
+TEST_F(InstanceChannelTest, whatABusyProcessDidNotTakeInTimeItNeverOpens) {
+    InstanceChannel first(m_path);
+    ASSERT_EQ(first.start({}), InstanceChannel::Role::first);
+    QSignalSpy files(&first, &InstanceChannel::filesReceived);
+    // This thread is the busy one: its event loop doesn't turn before the other start has given up.
+    InstanceChannel::Role role = InstanceChannel::Role::first;
+    const std::unique_ptr<QThread> impatient(QThread::create([&] {
+        role = InstanceChannel(m_path, std::chrono::milliseconds(50)).start({QStringLiteral("file:///a.pdf")});
+    }));
+    impatient->start();
+    impatient->wait();
+    EXPECT_EQ(role, InstanceChannel::Role::alone);
+    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///b.pdf")}), InstanceChannel::Role::handedOver);
+    ASSERT_EQ(files.count(), 1);
+    EXPECT_EQ(files.first().at(0).toStringList(), QStringList{QStringLiteral("file:///b.pdf")});
+}
+
 TEST_F(InstanceChannelTest, garbageIsRefusedAndTheChannelGoesOn) {
     InstanceChannel first(m_path);
     ASSERT_EQ(first.start({}), InstanceChannel::Role::first);

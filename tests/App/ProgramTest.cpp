@@ -106,7 +106,7 @@ TEST_F(ProgramTest, startsAtTheSameMomentBecomeOneProgramWithAllFiles) {
     ASSERT_TRUE(QTest::qWaitFor([&running] { return running() == 1; }, startTimeLimitInMilliseconds));
     for (QProcess& process : processes) {
         if (process.state() == QProcess::Running)
-            expectCleanEnd(process, SIGTERM);
+            expectCleanEnd(process, SIGHUP);
         EXPECT_EQ(process.exitCode(), 0);
     }
     const QStringList recent = recentPaths().mid(0, 4);

@@ -4,6 +4,7 @@
 #include "GatedSnapshot.h"
 #include "PDFEditorWorkspaceView.h"
 #include "PassingNotice.h"
+#include "PrintRuns.h"
 
 #include <QContextMenuEvent>
 #include <QTabBar>
@@ -89,6 +90,36 @@ TEST_F(SavingTest, quittingDuringASaveEndsTheProgramOnceItIsOnTheDisk) {
     EXPECT_TRUE(m_app->controller().documents().empty());
     EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 2);
     EXPECT_FALSE(landingIsVisible());
+}
+
+TEST_F(SavingTest, quittingWaitsForWhatIsBeingPrinted) {
+    launch();
+    const auto document = openGated(QStringLiteral("a.pdf"));
+    document->release();
+    command(QStringLiteral("save"))->trigger();
+    settle();
+    QFile service(m_folder.filePath(QStringLiteral("lp")));
+    ASSERT_TRUE(service.open(QIODevice::WriteOnly));
+    service.write("#!/bin/sh\ncd \"$(dirname \"$0\")\"\ncat > printed\nwhile [ ! -e go ]; do sleep 0.02; done\n");
+    service.close();
+    service.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", QFile::encodeName(m_folder.path()) + ':' + path);
+    PrintOrder order{PrintCopy::of(*document->pdfDocument(), {0}, true), QStringLiteral("a.pdf"), {}, {}};
+    order.job.printer = QStringLiteral("Office");
+    std::optional<QString> failure;
+    PrintRuns::shared().start(order, [&failure](const QString& why) { failure = why; });
+
+    m_app->sessionEnd().terminate();
+    EXPECT_EQ(m_dialogs->printing, QStringList{QStringLiteral("a.pdf")});
+    m_dialogs->quitsNow(false);
+    EXPECT_FALSE(failure) << "staying leaves the job alone";
+    m_app->sessionEnd().terminate();
+    QTimer::singleShot(50, qApp, [this] { QFile(m_folder.filePath(QStringLiteral("go"))).open(QIODevice::WriteOnly); });
+    EXPECT_EQ(QCoreApplication::exec(), 0) << "it ends by itself";
+    EXPECT_EQ(failure, QString());
+    EXPECT_TRUE(QFile::exists(m_folder.filePath(QStringLiteral("printed"))));
+    qputenv("PATH", path);
 }
 
 TEST_F(SavingTest, aSessionThatEndsAsksOnlyWhenItMay) {

@@ -193,6 +193,20 @@ void DocumentDialogs::offerToBecomeDefault(Answered answered) {
         button->setDefault(false); // showing it has made the first the one for Return
 }
 
+QDialog* DocumentDialogs::presentPrinting(QWidget* parent, const QStringList& documentNames, Answered quitsNow) {
+    const Question question = makeQuestion(
+        parent, QStringLiteral("printingMessage"), infoSymbol(),
+        documentNames.size() == 1 ? QStringLiteral("“%1” is still being printed.").arg(documentNames.constFirst())
+                                  : QStringLiteral("%1 documents are still being printed.").arg(documentNames.size()),
+        QStringLiteral("Quillo quits as soon as they are on their way. What you don't wait for isn't printed."),
+        {{QStringLiteral("Quit Now"), QMessageBox::DestructiveRole},
+         {QStringLiteral("Cancel"), QMessageBox::RejectRole}});
+    question.box->setDefaultButton(question.buttons.back());
+    whenAnswered(question, std::move(quitsNow));
+    question.box->open();
+    return question.box;
+}
+
 static void present(QWidget* parent, const QString& name, const QString& symbolName, const QString& title,
                     const QString& sentence) {
     auto* box = new QMessageBox(parent);

@@ -56,6 +56,11 @@ public:
     /// meant for it, and stays when windows go. Returns at once; `answered` isn't called when the program ends first.
     virtual void offerToBecomeDefault(Answered answered);
 
+    /// Tells that the program ends when the documents with these names are printed; true for the one who won't wait,
+    /// false for the one who'd rather stay. Returns at once; whoever called deletes the message when it isn't true any
+    /// more.
+    virtual QDialog* presentPrinting(QWidget* parent, const QStringList& documentNames, Answered quitsNow);
+
     virtual void presentMessage(QWidget* parent, const QString& title, const QString& sentence);
     virtual void presentError(QWidget* parent, const QString& title, const QString& sentence);
 

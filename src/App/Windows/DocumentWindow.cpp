@@ -114,6 +114,9 @@ void DocumentWindow::addDocument(const std::shared_ptr<PDFEditorDocument>& docum
             updateMenu();
     });
     connect(view, &ContentView::openedInPlace, this, &DocumentWindow::openedInPlace);
+    connect(view, &ContentView::openingFailed, this, [this](const QString& title, const QString& sentence) {
+        m_services.dialogs.presentError(this, title, sentence);
+    });
     connect(view, &ContentView::closeRequested, this, [this, view] { closeTab(view); });
     const auto update = [this, view] { updateTab(view); };
     connect(document.get(), &Document::displayNameChanged, view, update);

@@ -44,7 +44,8 @@ public:
     [[nodiscard]] bool isLocked() const { return m_locked; }
     /// True for a file that asks for a password or that limits what may be done with it.
     [[nodiscard]] bool isEncrypted() const;
-    /// Takes the user's or the owner's password. True when the document is open afterwards.
+    /// Takes the user's or the owner's password. True when the document is open afterwards. Throws `PDFError` when the
+    /// password is right and what it opens is damaged beyond repair; the document stays locked then.
     bool unlock(const QString& password);
     /// The same with the password that another document was unlocked with.
     bool unlockLike(const PDFDocument& other);

@@ -1,42 +1,20 @@
 #include "PrintPanel.h"
 
-#include "AtomicFile.h"
-#include "ErrorSentence.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
 #include "PrintCopy.h"
-#include "PrintJob.h"
+#include "PrintRuns.h"
 
 #include <QCheckBox>
 #include <QFileInfo>
-#include <QFutureWatcher>
 #include <QPrintDialog>
 #include <QPrintEngine>
 #include <QPrinter>
 #include <QVBoxLayout>
-#include <QtConcurrentRun>
 
 #include <algorithm>
 
 namespace {
-
-/// What came of composing: the bytes, or a sentence why there are none.
-struct Composed {
-    QByteArray bytes;
-    QString failure;
-};
-
-/// Writes the file at `path` as well, where there is one. Any thread.
-Composed compose(const PrintCopy& copy, const QString& path) {
-    try {
-        const QByteArray bytes = copy.bytes();
-        if (!path.isEmpty())
-            writeFileAtomically(path, bytes);
-        return {bytes, {}};
-    } catch (...) {
-        return {{}, sentenceOfCurrentError("preparing a copy for the printer")};
-    }
-}
 
 /// What the dialog keeps for the print service beyond the printer's own properties: names and values in turns. Qt has
 /// no name for it in its public headers.
@@ -51,6 +29,20 @@ QString serviceOption(const QPrinter& printer, const QString& name) {
         if (all[i] == name)
             return all[i + 1];
     return {};
+}
+
+QString couldNotBePrinted(const QString& documentName) {
+    return QStringLiteral("“%1” couldn't be printed.").arg(documentName);
+}
+
+/// An empty sentence stands for success.
+void tellEnd(const PrintPanel::Messages& messages, const PrintOrder& order, const QString& failure) {
+    if (!failure.isEmpty())
+        messages.failed(couldNotBePrinted(order.documentName), failure);
+    else if (order.path.isEmpty())
+        messages.done(QStringLiteral("Sent to “%1”").arg(order.job.printer));
+    else
+        messages.done(QStringLiteral("Printed to “%1”").arg(QFileInfo(order.path).fileName()));
 }
 
 } // namespace
@@ -168,42 +160,23 @@ QList<std::pair<QString, QString>> PrintPanel::options(const QPrinter& printer) 
 void PrintPanel::print() {
     const std::vector<int> chosen = pages(*m_printer, m_document->pageCount(), m_currentPage);
     if (chosen.empty()) {
-        finish(QStringLiteral("None of its pages is in that range."));
+        m_messages.failed(couldNotBePrinted(m_documentName), QStringLiteral("None of its pages is in that range."));
+        deleteLater();
         return;
     }
     try {
-        const QString path = m_printer->outputFileName();
-        const PrintCopy copy = PrintCopy::of(*m_document, chosen, m_annotations->isChecked());
-        auto* watcher = new QFutureWatcher<Composed>(this);
-        connect(watcher, &QFutureWatcher<Composed>::finished, this, [this, watcher, path] {
-            const Composed composed = watcher->result();
-            if (composed.failure.isEmpty() && path.isEmpty())
-                send(composed.bytes);
-            else
-                finish(composed.failure);
-        });
-        watcher->setFuture(QtConcurrent::run([copy, path] { return compose(copy, path); }));
+        PrintOrder order{PrintCopy::of(*m_document, chosen, m_annotations->isChecked()),
+                         m_documentName,
+                         m_printer->outputFileName(),
+                         {}};
+        order.job.printer = m_printer->printerName();
+        order.job.title = m_documentName;
+        order.job.copies = m_printer->copyCount();
+        order.job.options = options(*m_printer);
+        PrintRuns::shared().start(
+            order, [messages = m_messages, order](const QString& failure) { tellEnd(messages, order, failure); });
     } catch (const PDFError& error) {
-        finish(error.sentence());
+        m_messages.failed(couldNotBePrinted(m_documentName), error.sentence());
     }
-}
-
-void PrintPanel::send(const QByteArray& pdf) {
-    PrintJob job;
-    job.printer = m_printer->printerName();
-    job.title = m_documentName;
-    job.copies = m_printer->copyCount();
-    job.options = options(*m_printer);
-    job.submit(pdf, this, [this](const QString& failure) { finish(failure); });
-}
-
-void PrintPanel::finish(const QString& failure) {
-    const QString path = m_printer->outputFileName();
-    if (!failure.isEmpty())
-        m_messages.failed(QStringLiteral("“%1” couldn't be printed.").arg(m_documentName), failure);
-    else if (path.isEmpty())
-        m_messages.done(QStringLiteral("Sent to “%1”").arg(m_printer->printerName()));
-    else
-        m_messages.done(QStringLiteral("Printed to “%1”").arg(QFileInfo(path).fileName()));
     deleteLater();
 }

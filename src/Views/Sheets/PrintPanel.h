@@ -13,13 +13,13 @@ class QCheckBox;
 class QPrinter;
 
 /// Printing a document: the desktop's print dialog with one choice of ours, then the pages on their way to the printer
-/// or into a file. Pages are sent as they are, not as pictures. One panel for one print; it deletes itself. Main thread
-/// only.
+/// or into a file. Pages are sent as they are, not as pictures. What was chosen is printed whatever becomes of the
+/// window. One panel for one print; it deletes itself. Main thread only.
 class PrintPanel : public QObject {
     Q_OBJECT
 
 public:
-    /// How it ended is told when the dialog is gone already.
+    /// How it ended is told when the dialog is gone already, and perhaps its window.
     struct Messages {
         std::function<void(const QString& sentence)> done;
         std::function<void(const QString& title, const QString& sentence)> failed;
@@ -41,9 +41,6 @@ private:
     PrintPanel(std::shared_ptr<PDFDocument> document, QString documentName, int currentPage, QWidget* parent,
                Messages messages);
     void print();
-    void send(const QByteArray& pdf);
-    /// Tells how it ended and goes; an empty sentence stands for success.
-    void finish(const QString& failure);
 
     std::shared_ptr<PDFDocument> m_document;
     QString m_documentName;

@@ -1,5 +1,6 @@
 #include "UnlockDocumentView.h"
 
+#include "ErrorSentence.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "SymbolIcon.h"
@@ -70,11 +71,17 @@ UnlockDocumentView::UnlockDocumentView(std::shared_ptr<PDFEditorDocument> docume
 UnlockDocumentView::~UnlockDocumentView() = default;
 
 void UnlockDocumentView::unlock() {
-    if (m_document->pdfDocument()->unlock(m_passwordField->text())) {
-        Q_EMIT m_document->objectWillChange();
-        return;
+    QString failure = QStringLiteral("That password didn't work.");
+    try {
+        if (m_document->pdfDocument()->unlock(m_passwordField->text())) {
+            Q_EMIT m_document->objectWillChange();
+            return;
+        }
+    } catch (...) { // the right password to a damaged file
+        failure = sentenceOfCurrentError("unlocking");
     }
     m_wrongPassword = true;
+    m_wrongPasswordLine->setText(failure);
     m_wrongPasswordLine->show();
     m_passwordField->setFocus();
     m_passwordField->selectAll();

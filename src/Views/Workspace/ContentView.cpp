@@ -2,6 +2,7 @@
 
 #include "AnnotatingPDFView.h"
 #include "DocumentController.h"
+#include "ErrorSentence.h"
 #include "LandingView.h"
 #include "Logging.h"
 #include "PDFDocument.h"
@@ -13,6 +14,7 @@
 #include "ToolState.h"
 #include "UnlockDocumentView.h"
 
+#include <QPointer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -42,6 +44,16 @@ struct ReaderPlace {
             view.goToDestination(PDFDestination(page, upperLeft));
     }
 };
+
+/// None when it isn't a PDF file that can be read.
+std::shared_ptr<PDFDocument> read(const QUrl& url) {
+    try {
+        return PDFDocument::fromFile(url.toLocalFile());
+    } catch (const PDFError& error) {
+        qCWarning(Logging::document) << "opening in place failed:" << Logging::causes(error);
+        return nullptr;
+    }
+}
 
 } // namespace
 
@@ -116,15 +128,21 @@ void ContentView::openInPlace(const QUrl& url) {
     }
     std::shared_ptr<PDFDocument> pdfDocument;
     const std::optional<FileStamp> stamp = FileStamp::of(url.toLocalFile());
+    bool wasLocked = false;
+    const QPointer<ContentView> self(this);
     try {
-        pdfDocument = PDFDocument::fromFile(url.toLocalFile());
-    } catch (const PDFError& error) {
-        qCWarning(Logging::document) << "opening in place failed:" << Logging::causes(error);
+        pdfDocument = read(url);
+        if (!pdfDocument)
+            return;
+        wasLocked = pdfDocument->isLocked();
+        if (!PDFUnlocker::promptAndUnlock(*pdfDocument, [this] { return m_askPassword(window()); }) || !self)
+            return;
+    } catch (...) {
+        const QString sentence = sentenceOfCurrentError("opening in place");
+        if (self)
+            Q_EMIT openingFailed(QStringLiteral("“%1” couldn't be opened.").arg(url.fileName()), sentence);
         return;
     }
-    const bool wasLocked = pdfDocument->isLocked();
-    if (!PDFUnlocker::promptAndUnlock(*pdfDocument, [this] { return m_askPassword(window()); }))
-        return;
     m_document->becomeFile(url, stamp);
     m_document->setWasPasswordProtected(wasLocked);
     m_document->setPdfDocument(pdfDocument);

@@ -42,6 +42,8 @@ Q_SIGNALS:
     /// Another kind of content shows, or another workspace.
     void contentChanged();
     void openedInPlace();
+    /// `title` says what failed, `sentence` why.
+    void openingFailed(const QString& title, const QString& sentence);
     void settingsRequested();
     /// The user gave up unlocking the document.
     void closeRequested();

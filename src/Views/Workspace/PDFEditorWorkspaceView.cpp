@@ -25,6 +25,7 @@
 #include <QAction>
 #include <QEvent>
 #include <QMessageBox>
+#include <QPointer>
 #include <QVBoxLayout>
 
 // A sentence about the file takes longer to read than the name of a tool.
@@ -193,15 +194,19 @@ void PDFEditorWorkspaceView::openNewDocument() {
 
 void PDFEditorWorkspaceView::print() {
     m_document->commitEditing();
-    const auto failed = [this](const QString& title, const QString& sentence) {
-        auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Print"), title, QMessageBox::Ok, window());
+    const auto done = [notice = QPointer(m_notice)](const QString& sentence) {
+        if (notice)
+            notice->announce(sentence);
+    };
+    const auto failed = [shown = QPointer(window())](const QString& title, const QString& sentence) {
+        auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Print"), title, QMessageBox::Ok, shown);
         box->setObjectName(QStringLiteral("printFailure"));
         box->setInformativeText(sentence);
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->open();
     };
     PrintPanel::show(m_document->pdfDocument(), m_document->displayName(), m_pdfView->currentPageIndex().value_or(0),
-                     this, {[this](const QString& sentence) { m_notice->announce(sentence); }, failed});
+                     this, {done, failed});
 }
 
 void PDFEditorWorkspaceView::resizeEvent(QResizeEvent* event) {

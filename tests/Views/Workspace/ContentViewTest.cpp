@@ -107,6 +107,36 @@ TEST_F(ContentViewTest, aWrongPasswordIsToldAndTheRightOneUnlocksInPlace) {
     EXPECT_FALSE(document->isDocumentEdited());
 }
 
+TEST_F(ContentViewTest, theRightPasswordToADamagedFileIsTold) {
+    const QUrl url = TestPdf{.password = "right"}.write(m_folder.path(), QStringLiteral("locked.pdf"));
+    QFile file(url.toLocalFile());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QByteArray bytes = file.readAll();
+    file.close();
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes.replace("/Pages", "/Pagez"));
+    file.close();
+
+    const auto document = opened(url);
+    const auto view = contentView(document);
+    show(*view);
+    QTest::keyClicks(find<QLineEdit>(*view, QStringLiteral("password")), QStringLiteral("right"));
+    QTest::keyClick(find<QLineEdit>(*view, QStringLiteral("password")), Qt::Key_Return);
+    EXPECT_EQ(find<QLabel>(*view, QStringLiteral("wrongPassword"))->text(),
+              QStringLiteral("It is damaged beyond repair."));
+    EXPECT_TRUE(document->pdfDocument()->isLocked());
+
+    const auto untitled = contentView(std::make_shared<PDFEditorDocument>());
+    QSignalSpy failures(untitled.get(), &ContentView::openingFailed);
+    m_password = QStringLiteral("right");
+    const QUrl other = QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("other.pdf")));
+    ASSERT_TRUE(QFile::copy(url.toLocalFile(), other.toLocalFile()));
+    untitled->openInPlace(other);
+    EXPECT_EQ(content(*untitled), "LandingView");
+    ASSERT_EQ(failures.count(), 1);
+    EXPECT_EQ(failures.first().at(1).toString(), QStringLiteral("It is damaged beyond repair."));
+}
+
 TEST_F(ContentViewTest, cancellingTheUnlockScreenAsksToClose) {
     const auto view =
         contentView(opened(TestPdf{.password = "k"}.write(m_folder.path(), QStringLiteral("locked.pdf"))));

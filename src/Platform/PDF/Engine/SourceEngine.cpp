@@ -117,9 +117,9 @@ bool SourceEngine::authenticate(const QByteArray& password) {
     });
     if (!accepted)
         return false;
+    readSummary(borrowed.opened()); // a file without pages stays locked
     m_password = password;
     m_needsPassword = false;
-    readSummary(borrowed.opened());
     return true;
 }
 
