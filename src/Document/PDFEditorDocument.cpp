@@ -7,6 +7,9 @@
 #include "PDFError.h"
 #include "QuilloAssert.h"
 
+#include <QFile>
+
+#include <algorithm>
 #include <exception>
 #include <new>
 
@@ -67,8 +70,8 @@ public:
     explicit PDFEditorDocumentSnapshot(std::shared_ptr<const PDFDocumentSnapshot> contents)
         : m_contents(std::move(contents)) {}
 
-    void write(const QString& path) const override {
-        withDocumentErrors([this, &path] { m_contents->write(path); });
+    FileStamp write(const QString& path, const std::optional<FileStamp>& expected) const override {
+        return withDocumentErrors([&] { return m_contents->write(path, {}, expected); });
     }
 
 private:
@@ -86,6 +89,15 @@ void PDFEditorDocument::read(const QUrl& url) {
         pdfDocument->unlockLike(*m_pdfDocument); // the file is read again
     setWasPasswordProtected(wasLocked);
     setPdfDocument(pdfDocument);
+}
+
+bool PDFEditorDocument::looksWhole(const QUrl& url) const {
+    constexpr qint64 tailSize = 1024; // readers look for the mark there
+    QFile file(url.toLocalFile());
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    file.seek(std::max<qint64>(0, file.size() - tailSize));
+    return file.read(tailSize).contains("%%EOF");
 }
 
 static void refuseLocked(const PDFDocument& pdfDocument) {

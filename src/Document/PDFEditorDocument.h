@@ -29,6 +29,8 @@ public:
 
     /// Opens the PDF file. A protected one is held locked. When it throws, the document is as it was.
     void read(const QUrl& url) override;
+    /// Looks for the mark at the end of the file.
+    [[nodiscard]] bool looksWhole(const QUrl& url) const override;
     /// The whole state, annotations and page changes included. A locked document can't be saved.
     [[nodiscard]] QByteArray dataRepresentation() const override;
     /// Takes a copy of what has changed, not of the file. A locked document can't be saved.

@@ -207,13 +207,23 @@ void writeContent(const path& temporary, const std::function<void(QFile&)>& writ
         throw FileError::forSystemError(file.systemError());
 }
 
-} // namespace
-
-void writeFileAtomically(const QString& path, const QByteArray& bytes) {
-    writeFileAtomically(path, [&bytes](QFile& file) { file.write(bytes); });
+void refuseChanged(const path& file, const std::optional<FileStamp>& expected) {
+    struct stat status = {};
+    if (!expected || stat(file.c_str(), &status) != 0)
+        return;
+    if (const FileStamp found = FileStamp::of(status); found != *expected)
+        throw FileChangedError(found);
 }
 
-void writeFileAtomically(const QString& path, const std::function<void(QFile& file)>& write) {
+} // namespace
+
+FileStamp writeFileAtomically(const QString& path, const QByteArray& bytes, const std::optional<FileStamp>& expected) {
+    return writeFileAtomically(
+        path, [&bytes](QFile& file) { file.write(bytes); }, expected);
+}
+
+FileStamp writeFileAtomically(const QString& path, const std::function<void(QFile& file)>& write,
+                              const std::optional<FileStamp>& expected) {
     const auto target = followLinks(path);
     const auto replaced = statusOfReplaceable(target);
     std::filesystem::path temporary;
@@ -232,6 +242,7 @@ void writeFileAtomically(const QString& path, const std::function<void(QFile& fi
         if (fstat(file.number(), &written) != 0)
             throw FileError::forSystemError(errno);
     }
+    refuseChanged(target, expected); // writing may have taken long
     if (rename(temporary.c_str(), target.c_str()) != 0)
         throw FileError::forSystemError(errno);
     removeTemporary.dismiss();
@@ -241,4 +252,5 @@ void writeFileAtomically(const QString& path, const std::function<void(QFile& fi
     if (folder.isOpen())
         fsync(folder.number());
     removeLeftovers(target.parent_path(), written.st_mtime);
+    return FileStamp::of(written);
 }

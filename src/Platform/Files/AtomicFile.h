@@ -1,9 +1,12 @@
 #pragma once
 
+#include "FileStamp.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 class QFile;
 
@@ -17,12 +20,19 @@ class QFile;
 /// A process that is killed meanwhile leaves a file ".saving-" with a number, which a later call for the same folder
 /// deletes when it is an hour old.
 ///
-/// Throws FileError, with nothing changed and no file left behind. A file that the user may not write to is
-/// refused, even where the folder would let it be replaced.
-void writeFileAtomically(const QString& path, const QByteArray& bytes);
+/// With `expected`, what is replaced is the file with that stamp: when the file that is there just before it would be
+/// replaced has another, it stays. A file that has gone is no obstacle.
+///
+/// Gives the stamp of what was written, which the file keeps until somebody else writes to it or replaces it.
+///
+/// Throws FileError, with nothing changed and no file left behind; FileChangedError for a file that isn't the expected
+/// one. A file that the user may not write to is refused, even where the folder would let it be replaced.
+FileStamp writeFileAtomically(const QString& path, const QByteArray& bytes,
+                              const std::optional<FileStamp>& expected = std::nullopt);
 
 /// The same for content that is written piece by piece: `write` gets a new, empty temporary file in the target's
 /// folder, open for reading and writing, without a buffer. It need not check its writes: a failed one makes the whole
 /// fail. It may close the file, or write to `fileName()` by other means, whose errors it must report itself. Whatever
 /// it throws passes through and leaves the target as it was.
-void writeFileAtomically(const QString& path, const std::function<void(QFile& file)>& write);
+FileStamp writeFileAtomically(const QString& path, const std::function<void(QFile& file)>& write,
+                              const std::optional<FileStamp>& expected = std::nullopt);

@@ -61,3 +61,6 @@ FileError FileError::forSystemError(int errorNumber) {
                          Remedy::anotherPlace);
     }
 }
+
+FileChangedError::FileChangedError(const FileStamp& found)
+    : FileError(QStringLiteral("Another program has changed it."), Remedy::anotherPlace), m_found(found) {}

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FileStamp.h"
+
 #include <QString>
 
 #include <stdexcept>
@@ -30,4 +32,16 @@ public:
 
 private:
     Remedy m_remedy;
+};
+
+/// A file wasn't replaced because it isn't the one that was to be: another program has written to it.
+class FileChangedError : public FileError {
+public:
+    explicit FileChangedError(const FileStamp& found);
+
+    /// The stamp of the file that is there.
+    [[nodiscard]] const FileStamp& found() const { return m_found; }
+
+private:
+    FileStamp m_found;
 };

@@ -32,12 +32,13 @@ QByteArray PDFDocumentSnapshot::dataWithoutMarkup() const {
     return PDFMarkup::removed(dataRepresentation());
 }
 
-void PDFDocumentSnapshot::write(const QString& path) const {
-    write(path, {});
+FileStamp PDFDocumentSnapshot::write(const QString& path) const {
+    return write(path, {});
 }
 
-void PDFDocumentSnapshot::write(const QString& path, const PDFWriteOptions& options) const {
-    DocumentComposer::write(*m_contents, options, path);
+FileStamp PDFDocumentSnapshot::write(const QString& path, const PDFWriteOptions& options,
+                                     const std::optional<FileStamp>& expected) const {
+    return DocumentComposer::write(*m_contents, options, path, expected);
 }
 
 QByteArray PDFDocumentSnapshot::sourceBytes() const {

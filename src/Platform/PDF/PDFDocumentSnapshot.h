@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FileStamp.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -26,9 +28,11 @@ public:
     /// The same without annotations, apart from the fields of its form: what the pages themselves say. The document
     /// isn't protected.
     [[nodiscard]] QByteArray dataWithoutMarkup() const;
-    /// Composes and stores a file, replacing one of that name only when the new one is complete; throws `PDFError`.
-    void write(const QString& path) const;
-    void write(const QString& path, const PDFWriteOptions& options) const;
+    /// Composes and stores a file, replacing one of that name only when the new one is complete, and with `expected`
+    /// only the one with that stamp; gives the stamp of the written file. Throws `PDFError`.
+    FileStamp write(const QString& path) const;
+    FileStamp write(const QString& path, const PDFWriteOptions& options,
+                    const std::optional<FileStamp>& expected = std::nullopt) const;
 
     /// The bytes of the file that the document was opened from; empty for a new document.
     [[nodiscard]] QByteArray sourceBytes() const;

@@ -21,9 +21,9 @@ class BytesSnapshot : public DocumentSnapshot {
 public:
     explicit BytesSnapshot(QByteArray bytes) : m_bytes(std::move(bytes)) {}
 
-    void write(const QString& path) const override {
+    FileStamp write(const QString& path, const std::optional<FileStamp>& expected) const override {
         try {
-            writeFileAtomically(path, m_bytes);
+            return writeFileAtomically(path, m_bytes, expected);
         } catch (const FileError& error) {
             std::throw_with_nested(DocumentError(error));
         }
@@ -68,8 +68,37 @@ void Document::setFileURL(const QUrl& fileURL) {
 void Document::becomeFile(const QUrl& url, const std::optional<FileStamp>& stamp) {
     setFileURL(url);
     setFileStamp(stamp);
+    m_lostState.reset();
     m_undoManager->removeAllActions();
     m_undoManager->markSaved();
+}
+
+void Document::becomeSaved(const QUrl& url, const std::optional<FileStamp>& stamp, quint64 savedState) {
+    setFileURL(url);
+    setFileStamp(stamp);
+    m_lostState.reset();
+    m_undoManager->markSaved(savedState);
+}
+
+void Document::loseFile() {
+    if (!isDocumentEdited())
+        m_lostState = m_undoManager->state();
+    m_undoManager->markEdited();
+}
+
+void Document::findFile() {
+    if (!hasUserChanges())
+        m_undoManager->markSaved();
+}
+
+void Document::keepInPlaceOf(const FileStamp& stamp) {
+    setFileStamp(stamp);
+    m_lostState.reset();
+    m_undoManager->markEdited(); // undoing doesn't lead back to what is in the file
+}
+
+bool Document::hasUserChanges() const {
+    return isDocumentEdited() && m_undoManager->state() != m_lostState;
 }
 
 QString Document::displayName() const {
@@ -114,12 +143,16 @@ bool Document::isDocumentEdited() const {
     return m_undoManager->isDocumentEdited();
 }
 
+bool Document::looksWhole(const QUrl&) const {
+    return true;
+}
+
 std::shared_ptr<const DocumentSnapshot> Document::snapshot() const {
     return std::make_shared<BytesSnapshot>(dataRepresentation());
 }
 
 void Document::write(const QString& path) const {
-    snapshot()->write(path);
+    snapshot()->write(path, std::nullopt);
 }
 
 QString Document::fileNameExtension() const {

@@ -40,6 +40,20 @@ public:
     /// and what could be undone, which belongs to what it held before, is forgotten.
     void becomeFile(const QUrl& url, const std::optional<FileStamp>& stamp);
 
+    /// The document is in its file with that stamp now, as it was in the state `savedState` of its undo manager.
+    void becomeSaved(const QUrl& url, const std::optional<FileStamp>& stamp, quint64 savedState);
+
+    /// The file doesn't hold the document any more, through no doing of the user: the document counts as edited, so
+    /// that it isn't closed without a question.
+    void loseFile();
+    /// What was lost is back: the document counts as saved, unless the user has changed it.
+    void findFile();
+    /// The user keeps the document although its file, which has that stamp, holds another version.
+    void keepInPlaceOf(const FileStamp& stamp);
+    /// True when the document holds what the user did and no file does. Unlike `isDocumentEdited()` false for one that
+    /// only lost its file.
+    bool hasUserChanges() const;
+
     /// The file's name with its extension; for an untitled document the name that it was given, or else "Untitled",
     /// "Untitled 2", …, the first that no other living document has.
     QString displayName() const;
@@ -63,6 +77,9 @@ public:
 
     /// Fills the document with the file's content. Throws DocumentError.
     virtual void read(const QUrl& url) = 0;
+
+    /// False for a file of which a part is missing, as while another program writes it. Looks at little of it.
+    virtual bool looksWhole(const QUrl& url) const;
 
     /// The bytes of the file that a save now would write. Throws DocumentError.
     virtual QByteArray dataRepresentation() const = 0;
@@ -90,6 +107,8 @@ private:
     std::optional<FileStamp> m_fileStamp;
     QString m_untitledName;
     std::shared_ptr<UndoManager> m_undoManager;
+    /// The state of the undo manager that the file held when it was lost.
+    std::optional<quint64> m_lostState;
     bool m_isBeingTyped = false;
     /// 1 stands for "Untitled", 2 for "Untitled 2"; 0 while none was needed.
     mutable int m_untitledNumber = 0;

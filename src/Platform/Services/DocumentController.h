@@ -89,10 +89,11 @@ public:
     /// Gives up the changes and reads the file again, after asking. The document stays as it is when that fails.
     void revertDocument(const std::shared_ptr<Document>& document);
 
-    /// Another program has changed the document's file, which has the stamp `stamp` now. Reads it again when nothing is
-    /// lost by that, and asks otherwise; a version that the user keeps may overwrite the file. A file that can't be
-    /// read leaves the document as it is.
-    void fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp);
+    /// Another program has changed the document's file, which has the stamp `stamp` now. Reads it again when nothing
+    /// that the user did is lost by that, and asks otherwise; a version that the user keeps may overwrite the file. A
+    /// file that can't be read leaves the document as it is. False, and nothing has happened, when the file isn't whole
+    /// and `mayBeUnfinished`: then it is worth another look.
+    bool fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp, bool mayBeUnfinished);
 
     /// Closes the document; asks first what becomes of unsaved changes, and lets a save that is under way end. It stays
     /// open if the user cancelled, if saving failed, or if it is about to be closed already. Succeeds if it isn't open.
@@ -142,9 +143,12 @@ private:
     void addDocument(const std::shared_ptr<Document>& document);
     void removeDocument(const std::shared_ptr<Document>& document);
 
-    void writeDocument(const std::shared_ptr<Document>& document, const QUrl& url, const Completion& completion);
+    void writeDocument(const std::shared_ptr<Document>& document, const QUrl& url,
+                       const std::optional<FileStamp>& expected, const Completion& completion);
     void finishSave(const std::shared_ptr<Document>& document, const QUrl& url,
                     const std::optional<DocumentError>& error, const Completion& completion);
+    void askAboutChangedFile(const std::shared_ptr<Document>& document, const FileStamp& found,
+                             const Completion& completion);
     QString nameOfCopy(const Document& document) const;
     void openCopy(const QString& path, const QString& name);
 

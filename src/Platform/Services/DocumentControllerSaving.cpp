@@ -22,14 +22,6 @@ static QString couldNotBeCopied(const QString& name) {
     return QStringLiteral("“%1” couldn't be duplicated.").arg(name);
 }
 
-static bool wasChangedByOthers(const Document& document) {
-    if (!document.fileStamp())
-        return false;
-    // A file that has gone holds nothing that could be lost.
-    const std::optional<FileStamp> stamp = FileStamp::of(document.fileURL().toLocalFile());
-    return stamp && stamp != document.fileStamp();
-}
-
 void DocumentController::saveDocument(const std::shared_ptr<Document>& document, const Completion& completion) {
     if (isBeingAskedAbout(document)) {
         call(completion, false);
@@ -49,22 +41,7 @@ void DocumentController::saveDocument(const std::shared_ptr<Document>& document,
         saveDocumentAs(document, completion);
         return;
     }
-    if (wasChangedByOthers(*document)) {
-        auto question = noteQuestion({document});
-        const DocumentPresenter::ChangedFileAnswer answer = m_presenter.askAboutChangedFile(document);
-        question.reset();
-        switch (answer) {
-        case DocumentPresenter::ChangedFileAnswer::Overwrite:
-            break;
-        case DocumentPresenter::ChangedFileAnswer::SaveAs:
-            saveDocumentAs(document, completion);
-            return;
-        case DocumentPresenter::ChangedFileAnswer::Cancel:
-            call(completion, false);
-            return;
-        }
-    }
-    writeDocument(document, document->fileURL(), completion);
+    writeDocument(document, document->fileURL(), document->fileStamp(), completion);
 }
 
 void DocumentController::saveDocumentAs(const std::shared_ptr<Document>& document, const Completion& completion) {
@@ -89,18 +66,19 @@ void DocumentController::saveDocumentAs(const std::shared_ptr<Document>& documen
         call(completion, false);
         return;
     }
-    writeDocument(document, url, completion);
+    writeDocument(document, url, std::nullopt, completion);
 }
 
 /// Waits first for a save of the document that is under way, whatever comes of it.
 void DocumentController::writeDocument(const std::shared_ptr<Document>& document, const QUrl& url,
-                                       const Completion& completion) {
+                                       const std::optional<FileStamp>& expected, const Completion& completion) {
     if (isSaving(*document)) {
-        m_saver.whenSaved(*document,
-                          [this, document, url, completion](bool) { writeDocument(document, url, completion); });
+        m_saver.whenSaved(*document, [this, document, url, expected, completion](bool) {
+            writeDocument(document, url, expected, completion);
+        });
         return;
     }
-    m_saver.save(document, url, [this, document, url, completion](const std::optional<DocumentError>& error) {
+    m_saver.save(document, url, expected, [this, document, url, completion](const std::optional<DocumentError>& error) {
         finishSave(document, url, error, completion);
     });
 }
@@ -111,6 +89,8 @@ void DocumentController::finishSave(const std::shared_ptr<Document>& document, c
         noteNewRecentDocumentURL(url);
         Q_EMIT documentSaved(document);
         call(completion, true);
+    } else if (error->changedFile() && url == document->fileURL()) {
+        askAboutChangedFile(document, *error->changedFile(), completion);
     } else if (!error->isHelpedBySaveAs()) {
         m_presenter.presentError(couldNotBeSaved(url.fileName()), error->sentence());
         call(completion, false);
@@ -122,6 +102,25 @@ void DocumentController::finishSave(const std::shared_ptr<Document>& document, c
             saveDocumentAs(document, completion);
         else
             call(completion, false);
+    }
+}
+
+/// Another program has written the version with the stamp `found`.
+void DocumentController::askAboutChangedFile(const std::shared_ptr<Document>& document, const FileStamp& found,
+                                             const Completion& completion) {
+    auto question = noteQuestion({document});
+    const DocumentPresenter::ChangedFileAnswer answer = m_presenter.askAboutChangedFile(document);
+    question.reset();
+    switch (answer) {
+    case DocumentPresenter::ChangedFileAnswer::Overwrite:
+        writeDocument(document, document->fileURL(), found, completion);
+        break;
+    case DocumentPresenter::ChangedFileAnswer::SaveAs:
+        saveDocumentAs(document, completion);
+        break;
+    case DocumentPresenter::ChangedFileAnswer::Cancel:
+        call(completion, false);
+        break;
     }
 }
 
@@ -157,19 +156,20 @@ void DocumentController::duplicateDocument(const std::shared_ptr<Document>& docu
     }
     const auto folder = std::make_shared<QTemporaryDir>(); // until the copy is read
     const QString path = folder->filePath(QStringLiteral("copy.") + document->fileNameExtension());
-    m_copyWriter.write(snapshot, path, [this, document, folder, path, fail, completion](const auto& result) {
-        if (result.error) {
-            fail(*result.error);
-            return;
-        }
-        try {
-            openCopy(path, nameOfCopy(*document));
-        } catch (const std::exception& error) {
-            fail(DocumentError::from(error));
-            return;
-        }
-        call(completion, true);
-    });
+    m_copyWriter.write(snapshot, path, std::nullopt,
+                       [this, document, folder, path, fail, completion](const auto& result) {
+                           if (result.error) {
+                               fail(*result.error);
+                               return;
+                           }
+                           try {
+                               openCopy(path, nameOfCopy(*document));
+                           } catch (const std::exception& error) {
+                               fail(DocumentError::from(error));
+                               return;
+                           }
+                           call(completion, true);
+                       });
 }
 
 void DocumentController::openCopy(const QString& path, const QString& name) {
@@ -206,17 +206,20 @@ void DocumentController::revertDocument(const std::shared_ptr<Document>& documen
     }
 }
 
-void DocumentController::fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp) {
+bool DocumentController::fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp,
+                                        bool mayBeUnfinished) {
     if (isSaving(*document) || isBeingAskedAbout(document))
-        return;
-    if (document->isDocumentEdited() || document->isBeingTyped()) {
+        return true;
+    if (mayBeUnfinished && !document->looksWhole(document->fileURL()))
+        return false;
+    if (document->hasUserChanges() || document->isBeingTyped()) {
+        mayBeUnfinished = false; // one question is enough
         auto question = noteQuestion({document});
         const bool reloads = m_presenter.askToReload(document);
         question.reset();
         if (!reloads || !documentFor(document.get())) {
-            document->setFileStamp(stamp);
-            document->undoManager()->markEdited(); // undoing doesn't lead back to what is in the file
-            return;
+            document->keepInPlaceOf(stamp);
+            return true;
         }
         document->commitEditing(); // what is being typed goes with the other changes
     }
@@ -225,10 +228,13 @@ void DocumentController::fileWasChanged(const std::shared_ptr<Document>& documen
         readFile(*document, document->fileURL());
         m_presenter.presentNotice(document, QStringLiteral("“%1” was changed by another program.").arg(name));
     } catch (const std::exception& error) {
+        if (mayBeUnfinished)
+            return false;
         document->setFileStamp(stamp); // until it changes again
-        document->undoManager()->markEdited();
+        document->loseFile();
         m_presenter.presentNotice(document,
                                   QStringLiteral("“%1” was changed by another program and can't be read any more: %2")
                                       .arg(name, DocumentError::from(error).sentence()));
     }
+    return true;
 }

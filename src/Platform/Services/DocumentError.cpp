@@ -13,6 +13,8 @@ DocumentError::DocumentError(const QString& sentence) : std::runtime_error(sente
 
 DocumentError::DocumentError(const FileError& error) : DocumentError(withAdvice(error)) {
     m_isHelpedBySaveAs = error.remedy() != FileError::Remedy::none;
+    if (const auto* changed = dynamic_cast<const FileChangedError*>(&error))
+        m_changedFile = changed->found();
 }
 
 DocumentError DocumentError::from(const std::exception& error) {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "FileStamp.h"
+
 #include <QString>
 
+#include <optional>
 #include <stdexcept>
 
 class FileError;
@@ -23,6 +26,11 @@ public:
     /// True when the document can be stored under another name or in another place.
     bool isHelpedBySaveAs() const { return m_isHelpedBySaveAs; }
 
+    /// The stamp of the file that another program has put in the place of the one that was to be replaced; none when
+    /// that isn't what failed.
+    const std::optional<FileStamp>& changedFile() const { return m_changedFile; }
+
 private:
+    std::optional<FileStamp> m_changedFile;
     bool m_isHelpedBySaveAs = false;
 };

@@ -3,7 +3,6 @@
 #include "Document.h"
 #include "DocumentController.h"
 #include "DocumentPresenter.h"
-#include "UndoManager.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
@@ -15,8 +14,9 @@
 /// A folder with more entries isn't searched for a file that was renamed.
 static constexpr int mostEntries = 2000; // each is looked up while the user waits
 
-DocumentFileMonitor::DocumentFileMonitor(DocumentController& controller, DocumentPresenter& presenter, QObject* parent)
-    : QObject(parent), m_controller(controller), m_presenter(presenter) {
+DocumentFileMonitor::DocumentFileMonitor(DocumentController& controller, DocumentPresenter& presenter,
+                                         std::chrono::milliseconds patience, QObject* parent)
+    : QObject(parent), m_controller(controller), m_presenter(presenter), m_patience(patience) {
     m_settling.setSingleShot(true);
     m_settling.setInterval(settlingTime);
     connect(&m_settling, &QTimer::timeout, this, &DocumentFileMonitor::checkAll);
@@ -48,8 +48,10 @@ void DocumentFileMonitor::updatePaths() {
     QSet<QString> wanted;
     for (auto& [document, watched] : m_watched) {
         const QString path = document->fileURL().toLocalFile();
-        if (path != watched.path)
-            watched = {path, FileStamp::of(path), false, {}, {}};
+        if (path != watched.path) {
+            watched = {path, FileStamp::of(path), {}, {}, false};
+            watched.unchangedFor.start();
+        }
         if (path.isEmpty())
             continue;
         const QFileInfo file(path);
@@ -92,24 +94,32 @@ bool DocumentFileMonitor::check(const std::shared_ptr<Document>& document, Watch
         return true; // its end is told
     const std::optional<FileStamp> stamp = FileStamp::of(watched.path);
     const bool isStable = stamp == std::exchange(watched.lastSeen, stamp);
+    if (!isStable)
+        watched.unchangedFor.restart();
     if (stamp == document->fileStamp()) {
-        if (stamp && watched.isGone)
-            fileIsBack(*document, watched);
+        if (stamp && std::exchange(watched.isGone, false))
+            document->findFile();
         return true;
     }
     if (!isStable)
         return false;
+    const bool mayChangeYet = !watched.unchangedFor.hasExpired(m_patience.count());
     if (!stamp) {
+        if (mayChangeYet && !watched.isGone)
+            return false;
         if (!watched.isGone)
             fileIsGone(document, watched);
         return true;
     }
     watched.isGone = false;
-    if (document->fileStamp())
-        m_controller.fileWasChanged(document, *stamp);
-    else
+    if (!document->fileStamp()) {
         document->setFileStamp(stamp); // it wasn't known what the file was like
-    return true;
+        return true;
+    }
+    if (mayChangeYet && watched.unfinished == stamp)
+        return false;
+    watched.unfinished = stamp;
+    return m_controller.fileWasChanged(document, *stamp, mayChangeYet);
 }
 
 /// The name of the file in that folder that has that place on the disk; none when there is none.
@@ -138,18 +148,7 @@ void DocumentFileMonitor::fileIsGone(const std::shared_ptr<Document>& document, 
         }
     }
     watched.isGone = true;
-    watched.stampWhenGone = document->fileStamp();
-    watched.savedStateWhenGone.reset();
-    if (!document->isDocumentEdited())
-        watched.savedStateWhenGone = document->undoManager()->state();
-    document->undoManager()->markEdited();
+    document->loseFile();
     m_presenter.presentNotice(
         document, QStringLiteral("“%1” was moved or deleted by another program. Save it to put it back.").arg(name));
-}
-
-void DocumentFileMonitor::fileIsBack(Document& document, Watched& watched) {
-    watched.isGone = false;
-    const bool isTheSame = document.fileStamp() == watched.stampWhenGone; // no new one, which a save has put there
-    if (isTheSame && document.undoManager()->state() == watched.savedStateWhenGone)
-        document.undoManager()->markSaved();
 }

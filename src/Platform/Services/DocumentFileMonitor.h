@@ -2,6 +2,7 @@
 
 #include "FileStamp.h"
 
+#include <QElapsedTimer>
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QTimer>
@@ -26,8 +27,12 @@ public:
     /// by deleting it first.
     static constexpr std::chrono::milliseconds settlingTime{400};
 
+    /// A file that is gone or isn't whole has that long to come back or to be finished before anyone is told.
+    static constexpr std::chrono::milliseconds usualPatience{3'000};
+
     /// `controller` and `presenter` must outlive the monitor.
-    DocumentFileMonitor(DocumentController& controller, DocumentPresenter& presenter, QObject* parent = nullptr);
+    DocumentFileMonitor(DocumentController& controller, DocumentPresenter& presenter,
+                        std::chrono::milliseconds patience = usualPatience, QObject* parent = nullptr);
     ~DocumentFileMonitor() override;
 
     /// Looks at all files, for when the user comes back: some file systems tell of no change.
@@ -37,10 +42,9 @@ private:
     struct Watched {
         QString path;                      ///< empty for an untitled document
         std::optional<FileStamp> lastSeen; ///< none while there is no file
-        bool isGone = false;               ///< the user has been told
-        std::optional<FileStamp> stampWhenGone;
-        /// The undo manager's state that the file held; none when not all was in the file.
-        std::optional<quint64> savedStateWhenGone;
+        QElapsedTimer unchangedFor;
+        std::optional<FileStamp> unfinished; ///< the version that couldn't be read yet
+        bool isGone = false;                 ///< the user has been told
     };
 
     void watch(const std::shared_ptr<Document>& document);
@@ -50,10 +54,10 @@ private:
     /// False when the file is still changing.
     bool check(const std::shared_ptr<Document>& document, Watched& watched);
     void fileIsGone(const std::shared_ptr<Document>& document, Watched& watched);
-    void fileIsBack(Document& document, Watched& watched);
 
     DocumentController& m_controller;
     DocumentPresenter& m_presenter;
+    const std::chrono::milliseconds m_patience;
     QFileSystemWatcher m_watcher;
     QTimer m_settling;
     std::map<std::shared_ptr<Document>, Watched> m_watched;

@@ -12,7 +12,8 @@ DocumentSaver::DocumentSaver(QObject* parent) : QObject(parent) {}
 
 DocumentSaver::~DocumentSaver() = default;
 
-void DocumentSaver::save(const std::shared_ptr<Document>& document, const QUrl& url, Completion completion) {
+void DocumentSaver::save(const std::shared_ptr<Document>& document, const QUrl& url,
+                         const std::optional<FileStamp>& expected, Completion completion) {
     QUILLO_ASSERT(!isSaving(*document), "a document is saved once at a time");
     std::shared_ptr<const DocumentSnapshot> snapshot;
     try {
@@ -26,7 +27,7 @@ void DocumentSaver::save(const std::shared_ptr<Document>& document, const QUrl& 
     m_saves.push_back(
         {document, url, document->fileURL(), document->undoManager()->noteState(), std::move(completion), {}});
     Q_EMIT savingChanged(document, true);
-    m_writer.write(std::move(snapshot), url.toLocalFile(),
+    m_writer.write(std::move(snapshot), url.toLocalFile(), expected,
                    [this, document](const DocumentWriter::Result& result) { finish(*document, result); });
 }
 
@@ -35,11 +36,8 @@ void DocumentSaver::finish(const Document& document, const DocumentWriter::Resul
     const Save save = std::move(*found);
     m_saves.erase(found);
     // A document that took up another file meanwhile has nothing to do with this one any more.
-    if (!result.error && save.document->fileURL() == save.urlBefore) {
-        save.document->setFileURL(save.url);
-        save.document->setFileStamp(result.stamp);
-        save.document->undoManager()->markSaved(save.state);
-    }
+    if (!result.error && save.document->fileURL() == save.urlBefore)
+        save.document->becomeSaved(save.url, result.stamp, save.state);
     Q_EMIT savingChanged(save.document, false);
     save.completion(result.error);
     for (const Waiter& waiter : save.waiters)

@@ -29,9 +29,11 @@ public:
     ~DocumentSaver() override;
 
     /// Writes the present state to the file at `url`, which becomes the document's file when it is written. Changes
-    /// that are made meanwhile leave the document edited. The document must not be being saved. `completion` comes
-    /// from the event loop, or before this returns when nothing could be begun.
-    void save(const std::shared_ptr<Document>& document, const QUrl& url, Completion completion);
+    /// that are made meanwhile leave the document edited. The document must not be being saved. For
+    /// `expected` see `DocumentWriter::write`. `completion` comes from the event loop, or before this returns when
+    /// nothing could be begun.
+    void save(const std::shared_ptr<Document>& document, const QUrl& url, const std::optional<FileStamp>& expected,
+              Completion completion);
 
     [[nodiscard]] bool isSaving(const Document& document) const;
     /// One of the documents that are being saved; null when there is none.

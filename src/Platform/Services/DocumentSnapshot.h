@@ -1,6 +1,10 @@
 #pragma once
 
+#include "FileStamp.h"
+
 #include <QString>
+
+#include <optional>
 
 /// A document as it was at one moment, to be written while the live one goes on changing. Immutable; one thread at a
 /// time.
@@ -9,6 +13,7 @@ public:
     virtual ~DocumentSnapshot() = default;
 
     /// Writes the file at `path`, replacing a file that is there. It changes at once or not at all (see AtomicFile.h).
-    /// Blocks until the bytes are safely on the disk. Throws DocumentError. Any thread.
-    virtual void write(const QString& path) const = 0;
+    /// With `expected`, no other file than that one is replaced. Blocks until the bytes are safely on the disk and
+    /// gives the stamp of the written file. Throws DocumentError. Any thread.
+    virtual FileStamp write(const QString& path, const std::optional<FileStamp>& expected) const = 0;
 };

@@ -1,14 +1,19 @@
 #include "DocumentWriter.h"
 
 #include "DocumentSnapshot.h"
+#include "FileError.h"
 
 #include <exception>
 #include <utility>
 
-static DocumentWriter::Result written(const DocumentSnapshot& snapshot, const QString& path) {
+static DocumentWriter::Result written(const DocumentSnapshot& snapshot, const QString& path,
+                                      const std::optional<FileStamp>& expected) {
     try {
-        snapshot.write(path);
-        return {std::nullopt, FileStamp::of(path)};
+        // Putting the file together may take long, so what can be known before is asked before.
+        const std::optional<FileStamp> found = FileStamp::of(path);
+        if (found && expected && found != expected)
+            throw DocumentError(FileChangedError(*found));
+        return {std::nullopt, snapshot.write(path, found)};
     } catch (const std::exception& error) {
         return {DocumentError::from(error), std::nullopt};
     }
@@ -25,9 +30,9 @@ DocumentWriter::~DocumentWriter() {
 }
 
 void DocumentWriter::write(std::shared_ptr<const DocumentSnapshot> snapshot, const QString& path,
-                           Completion completion) {
-    auto work = [this, snapshot = std::move(snapshot), path, completion = std::move(completion)]() mutable {
-        const Result result = written(*snapshot, path);
+                           const std::optional<FileStamp>& expected, Completion completion) {
+    auto work = [this, snapshot = std::move(snapshot), path, expected, completion = std::move(completion)]() mutable {
+        const Result result = written(*snapshot, path, expected);
         // The snapshot travels along, so that the thread that made it destroys it.
         auto report = [snapshot = std::move(snapshot), completion = std::move(completion), result] {
             completion(result);

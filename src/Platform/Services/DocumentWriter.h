@@ -30,7 +30,10 @@ public:
     /// Waits until all that was begun is written. The completions that are still due are not called.
     ~DocumentWriter() override;
 
-    void write(std::shared_ptr<const DocumentSnapshot> snapshot, const QString& path, Completion completion);
+    /// Replaces the file that is at `path` when the writing begins, and none that comes there meanwhile; with
+    /// `expected` only the one with that stamp.
+    void write(std::shared_ptr<const DocumentSnapshot> snapshot, const QString& path,
+               const std::optional<FileStamp>& expected, Completion completion);
 
 private:
     QThreadPool m_threads;

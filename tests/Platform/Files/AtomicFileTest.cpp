@@ -56,7 +56,8 @@ protected:
 TEST_F(AtomicFileTest, MakesAndReplacesFiles) {
     const QByteArray contents[] = {"", QByteArray("\0\r\n\xff", 4), QByteArray(3'000'000, 'x'), "short"};
     for (const QByteArray& content : contents) {
-        writeFileAtomically(path("räport 1.pdf"), content);
+        const FileStamp stamp = writeFileAtomically(path("räport 1.pdf"), content);
+        EXPECT_EQ(stamp, FileStamp::of(path("räport 1.pdf")));
         EXPECT_EQ(contentOf(path("räport 1.pdf")), content);
     }
     EXPECT_EQ(names().size(), 1) << "no temporary file stays behind";
@@ -66,6 +67,26 @@ TEST_F(AtomicFileTest, MakesAndReplacesFiles) {
     writeFileAtomically(QStringLiteral("relative"), QByteArray("here"));
     QDir::setCurrent(oldFolder);
     EXPECT_EQ(contentOf(path("relative")), "here");
+}
+
+TEST_F(AtomicFileTest, AFileThatChangesWhileItIsBeingReplacedStays) {
+    make(path("a"));
+    const std::optional<FileStamp> expected = FileStamp::of(path("a"));
+    const auto changing = [this](QFile& file) {
+        file.write("new");
+        make(path("a"), "theirs");
+    };
+    try {
+        writeFileAtomically(path("a"), changing, expected);
+        ADD_FAILURE() << "it was replaced";
+    } catch (const FileChangedError& error) {
+        EXPECT_EQ(error.found(), FileStamp::of(path("a")));
+    }
+    EXPECT_EQ(contentOf(path("a")), "theirs");
+    EXPECT_EQ(names().size(), 1);
+    QFile::remove(path("a"));
+    writeFileAtomically(path("a"), QByteArray("new"), expected);
+    EXPECT_EQ(contentOf(path("a")), "new") << "a file that has gone is no obstacle";
 }
 
 TEST_F(AtomicFileTest, PermissionsAndAttributesAreKept) {

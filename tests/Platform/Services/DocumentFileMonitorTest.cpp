@@ -24,7 +24,7 @@ protected:
 
     /// Long enough for the monitor to have looked at whatever happened before.
     std::string callsAfterSettling() {
-        QTest::qWait(static_cast<int>(3 * DocumentFileMonitor::settlingTime.count()));
+        QTest::qWait(static_cast<int>((3 * DocumentFileMonitor::settlingTime + patience).count()));
         return m_presenter.takeCalls();
     }
 
@@ -40,7 +40,8 @@ protected:
         return document;
     }
 
-    DocumentFileMonitor m_monitor{*m_controller, m_presenter};
+    static constexpr std::chrono::milliseconds patience{1'000};
+    DocumentFileMonitor m_monitor{*m_controller, m_presenter, patience};
 };
 
 TEST_F(DocumentFileMonitorTest, AnUneditedDocumentIsReadAgainHoweverTheFileWasChanged) {
@@ -108,10 +109,35 @@ TEST_F(DocumentFileMonitorTest, AFileThatCanNoLongerBeReadLeavesTheDocumentAndGe
     EXPECT_EQ(document->text, QStringLiteral("text"));
     EXPECT_TRUE(document->isDocumentEdited()) << "what is shown is nowhere on the disk";
     EXPECT_EQ(callsAfterSettling(), "");
-    m_presenter.reverts = true;
     replace("a.txt", "whole");
-    EXPECT_EQ(nextCalls(), "reload a.txt; “a.txt” was changed by another program.");
+    EXPECT_EQ(nextCalls(), "“a.txt” was changed by another program.") << "the reader changed nothing";
     EXPECT_EQ(document->text, QStringLiteral("whole"));
+    EXPECT_FALSE(document->isDocumentEdited());
+}
+
+TEST_F(DocumentFileMonitorTest, AFileThatIsWrittenInPiecesOrPutInPlaceAnewIsNoConflictOfItsOwn) {
+    const auto document = openWatched("a.txt");
+    const auto settle = [] { QTest::qWait(static_cast<int>((2 * DocumentFileMonitor::settlingTime).count())); };
+    makeFile("a.txt", "damaged first half");
+    settle();
+    makeFile("a.txt", "first half and second");
+    EXPECT_EQ(nextCalls(), "“a.txt” was changed by another program.");
+    QFile::remove(path("a.txt"));
+    settle();
+    makeFile("a.txt", "in place anew");
+    EXPECT_EQ(nextCalls(), "“a.txt” was changed by another program.");
+
+    // However long the file was gone: only the reader's own changes make a conflict.
+    for (const bool edits : {false, true}) {
+        QFile::remove(path("a.txt"));
+        EXPECT_EQ(nextCalls(), "“a.txt” was moved or deleted by another program. Save it to put it back.");
+        if (edits)
+            edit(document);
+        makeFile("a.txt", "late");
+        EXPECT_EQ(nextCalls(), edits ? "reload a.txt" : "“a.txt” was changed by another program.");
+        EXPECT_EQ(document->text, edits ? QStringLiteral("late+") : QStringLiteral("late"));
+        EXPECT_EQ(document->isDocumentEdited(), edits);
+    }
 }
 
 TEST_F(DocumentFileMonitorTest, ADocumentFollowsItsFileAndMissesOneThatIsGone) {

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QSignalSpy>
+#include <QTest>
 
 #include <csignal>
 
@@ -301,6 +302,48 @@ TEST_F(DocumentSavingTest, WhatAnotherProgramHasWrittenIsOverwrittenOnlyWhenTheU
     EXPECT_TRUE(save(edit(document))) << "a file that has gone is written again";
     EXPECT_TRUE(save(edit(document)));
     EXPECT_EQ(m_presenter.takeCalls(), "");
+}
+
+TEST_F(DocumentSavingTest, AVersionThatComesWhileADocumentIsBeingWrittenIsNotReplacedUnasked) {
+    const auto document = openGated("a.txt");
+    Outcome first;
+    m_controller->saveDocument(document, first.completion());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return document->atGate->tryAcquire(); }));
+    makeFile("a.txt", "theirs meanwhile");
+    // Another version comes after the question about the first, and is asked about too.
+    m_presenter.whileAsking = [this, count = 0](const auto&) mutable {
+        const bool isFirst = ++count == 1;
+        if (isFirst)
+            makeFile("a.txt", "theirs at last");
+        m_presenter.changedFileAnswer = isFirst ? ChangedFileAnswer::Overwrite : ChangedFileAnswer::Cancel;
+    };
+    m_gate->release();
+    EXPECT_FALSE(first.waitFor());
+    EXPECT_EQ(m_presenter.takeCalls(), "changed a.txt; changed a.txt");
+    EXPECT_EQ(contentOf("a.txt"), "theirs at last");
+    EXPECT_TRUE(document->isDocumentEdited());
+
+    m_presenter.whileAsking = nullptr;
+    m_presenter.changedFileAnswer = ChangedFileAnswer::Overwrite;
+    m_gate->release();
+    EXPECT_TRUE(save(document));
+    EXPECT_EQ(m_presenter.takeCalls(), "changed a.txt");
+    EXPECT_EQ(contentOf("a.txt"), "text+");
+    EXPECT_EQ(document->fileStamp(), FileStamp::of(path("a.txt")));
+    EXPECT_TRUE(document->atGate->tryAcquire());
+
+    // Saving under the name of a file replaces what was there when that began.
+    makeFile("b.txt", "old");
+    Outcome outcome;
+    m_presenter.location = path("b.txt");
+    m_controller->saveDocumentAs(document, outcome.completion());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return document->atGate->tryAcquire(); }));
+    makeFile("b.txt", "theirs meanwhile");
+    m_gate->release();
+    EXPECT_FALSE(outcome.waitFor());
+    EXPECT_EQ(contentOf("b.txt"), "theirs meanwhile");
+    EXPECT_EQ(m_presenter.takeCalls(), "choose a.txt; “b.txt” couldn't be saved. Another program has changed it. "
+                                       "Choose Save As to store it in another place. [Save As]");
 }
 
 TEST_F(DocumentSavingTest, RevertingReadsTheFileAgainAfterAsking) {

@@ -7,18 +7,22 @@
 #include <memory>
 #include <utility>
 
-/// A snapshot that isn't written before the gate is released once.
+/// A snapshot that isn't written before the gate is released once. `arrived`, when there is one, is released first.
 class GatedSnapshot : public DocumentSnapshot {
 public:
-    GatedSnapshot(std::shared_ptr<const DocumentSnapshot> snapshot, std::shared_ptr<QSemaphore> gate)
-        : m_snapshot(std::move(snapshot)), m_gate(std::move(gate)) {}
+    GatedSnapshot(std::shared_ptr<const DocumentSnapshot> snapshot, std::shared_ptr<QSemaphore> gate,
+                  std::shared_ptr<QSemaphore> arrived = nullptr)
+        : m_snapshot(std::move(snapshot)), m_gate(std::move(gate)), m_arrived(std::move(arrived)) {}
 
-    void write(const QString& path) const override {
+    FileStamp write(const QString& path, const std::optional<FileStamp>& expected) const override {
+        if (m_arrived)
+            m_arrived->release();
         m_gate->acquire();
-        m_snapshot->write(path);
+        return m_snapshot->write(path, expected);
     }
 
 private:
     const std::shared_ptr<const DocumentSnapshot> m_snapshot;
     const std::shared_ptr<QSemaphore> m_gate;
+    const std::shared_ptr<QSemaphore> m_arrived;
 };

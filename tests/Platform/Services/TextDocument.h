@@ -16,6 +16,8 @@ public:
     QString failure;
     /// When there is one, a snapshot isn't written before the gate is released once.
     std::shared_ptr<QSemaphore> gate;
+    /// Released once for each snapshot that comes to the gate.
+    const std::shared_ptr<QSemaphore> atGate = std::make_shared<QSemaphore>();
 
     void append(const QString& addition) {
         text += addition;
@@ -45,7 +47,7 @@ public:
     std::shared_ptr<const DocumentSnapshot> snapshot() const override {
         if (!gate)
             return Document::snapshot();
-        return std::make_shared<GatedSnapshot>(Document::snapshot(), gate);
+        return std::make_shared<GatedSnapshot>(Document::snapshot(), gate, atGate);
     }
 
     QString fileNameExtension() const override { return QStringLiteral("txt"); }

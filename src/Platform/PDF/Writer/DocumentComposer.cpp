@@ -65,17 +65,19 @@ QByteArray DocumentComposer::compose(const DocumentContents& contents, const PDF
     });
 }
 
-void DocumentComposer::write(const DocumentContents& contents, const PDFWriteOptions& options, const QString& path) {
-    withErrors([&] {
+FileStamp DocumentComposer::write(const DocumentContents& contents, const PDFWriteOptions& options, const QString& path,
+                                  const std::optional<FileStamp>& expected) {
+    return withErrors([&] {
         const std::optional<QByteArray> update = savedUpdate(contents, options);
-        writeFileAtomically(path, [&](QFile& file) {
+        const auto writeContents = [&](QFile& file) {
             if (update) {
                 file.write(contents.source->bytes());
                 file.write(*update);
             } else {
                 RewriteComposer::compose(contents, options, file);
             }
-        });
+        };
+        return writeFileAtomically(path, writeContents, expected);
     });
 }
 
