@@ -164,7 +164,7 @@ TEST_F(PDFEditorDocumentTest, aSnapshotIsWrittenByAnotherThreadAsTheDocumentWas)
     pdf->removePage(1);
 
     const QString path = m_folder.filePath(QStringLiteral("b.pdf"));
-    std::thread([&snapshot, &path] { snapshot->write(path); }).join();
+    std::thread([&snapshot, &path] { snapshot->write(path, std::nullopt); }).join();
     const auto saved = PDFDocument::fromFile(path);
     EXPECT_EQ(saved->pageCount(), 3);
     ASSERT_EQ(saved->page(0)->annotations().size(), 1U);
@@ -185,7 +185,7 @@ TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
         for (const QString& path :
              {old.toLocalFile(), m_folder.filePath(QStringLiteral("gone/a.pdf")), m_folder.path()}) {
             try {
-                document.snapshot()->write(path);
+                document.snapshot()->write(path, std::nullopt);
             } catch (const DocumentError& error) {
                 told << error.sentence() + (error.isHelpedBySaveAs() ? QStringLiteral(" [Save As]") : QString());
             }

@@ -76,7 +76,7 @@ TEST_F(PDFViewCoordinatorTest, followsThePagesAndRemembersThemForTheFile) {
     QStringList told;
     QObject::connect(&m_coordinator, &PDFViewCoordinator::pageIndicatorChanged, &m_coordinator,
                      [&told](const QString& indicator) { told << indicator; });
-    QTest::keyClick(view.viewport(), Qt::Key_End, Qt::ControlModifier);
+    view.goToLastPage();
     EXPECT_EQ(m_coordinator.currentPageIndex(), 11);
     EXPECT_EQ(RecentPageStore::pageIndex(m_defaults, m_url), 11);
     view.verticalScrollBar()->setValue(0);
