@@ -92,8 +92,10 @@ void AssistantViewModel::setModelPreference(AIModelPreference preference) {
     Q_EMIT modelPreferenceChanged();
 }
 
-void AssistantViewModel::setRunning(bool running) {
-    m_isRunning = running;
+void AssistantViewModel::setRunningSession(const std::optional<QUuid>& id) {
+    if (id == m_runningSession)
+        return;
+    m_runningSession = id;
     Q_EMIT isRunningChanged();
 }
 
@@ -133,7 +135,7 @@ void AssistantViewModel::setAttachment(const std::optional<QString>& name, const
 // Conversations
 
 void AssistantViewModel::startNewConversation() {
-    if (m_isRunning)
+    if (isRunning())
         return;
     persistCurrentSession();
     beginSession();
@@ -141,7 +143,7 @@ void AssistantViewModel::startNewConversation() {
 }
 
 void AssistantViewModel::switchToSession(QUuid id) {
-    if (m_isRunning || id == m_currentSessionID)
+    if (isRunning() || id == m_currentSessionID)
         return;
     persistCurrentSession();
     if (const ChatSession* const found = session(id))
@@ -151,6 +153,7 @@ void AssistantViewModel::switchToSession(QUuid id) {
 void AssistantViewModel::deleteSession(QUuid id) {
     std::erase_if(m_sessions, [&id](const ChatSession& candidate) { return candidate.id == id; });
     if (id == m_currentSessionID) {
+        setRunningSession(std::nullopt);
         if (m_sessions.empty())
             m_sessions.push_back({});
         show(m_sessions.front());

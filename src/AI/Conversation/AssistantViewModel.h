@@ -25,7 +25,8 @@ struct AIToolCall;
 /// the run of a question through model and tools. Main thread only; nothing here waits for the network.
 ///
 /// A question that runs keeps the view model alive until it is answered, also when the panel is gone by then, so that
-/// the answer is saved with its chat. Conversations are kept for documents that have a file.
+/// the answer is saved with its chat; a chat that is deleted takes its question along. Conversations are kept for
+/// documents that have a file.
 class AssistantViewModel : public QObject, public std::enable_shared_from_this<AssistantViewModel> {
     Q_OBJECT
 
@@ -43,8 +44,8 @@ public:
 
     /// The bubbles of the current conversation, oldest first.
     [[nodiscard]] const std::vector<AssistantTurn>& turns() const { return m_turns; }
-    /// True from a question until its answer or its failure.
-    [[nodiscard]] bool isRunning() const { return m_isRunning; }
+    /// True from a question of the current conversation until its answer or its failure.
+    [[nodiscard]] bool isRunning() const { return m_runningSession.has_value(); }
     /// The text in the input box.
     [[nodiscard]] const QString& draft() const { return m_draft; }
     void setDraft(const QString& draft);
@@ -69,7 +70,8 @@ public:
     void startNewConversation();
     /// Saves the current conversation and shows another. Nothing happens while a question runs.
     void switchToSession(QUuid id);
-    /// Also while a question runs. The most recent of the others takes the place of the current one.
+    /// Also while a question runs, which is then given up: nothing of its answer is shown or kept. The most recent of
+    /// the others takes the place of the current one.
     void deleteSession(QUuid id);
     /// Lets the user pick a file through `onChooseFile`, and attaches it.
     void attachFile();
@@ -98,9 +100,9 @@ private:
     AssistantViewModel(const AssistantSource& source, std::shared_ptr<AIProvider> provider);
 
     // The run of a question
-    QCoro::Task<void> run();
-    QCoro::Task<void> runAgentLoop();
-    QCoro::Task<AIAgentTurn> nextTurn();
+    QCoro::Task<void> run(QUuid chat);
+    QCoro::Task<void> runAgentLoop(QUuid chat);
+    QCoro::Task<void> prepareTools(const AIAgentTurn& turn, QUuid chat);
     [[nodiscard]] const AssistantTool* tool(const QString& name) const;
     [[nodiscard]] QString resultOf(const AIToolCall& call) const;
     void endRun(AssistantTurn::Role role, const QString& text);
@@ -115,7 +117,7 @@ private:
     void save() const;
     [[nodiscard]] ChatSession* session(QUuid id);
     void setAttachment(const std::optional<QString>& name, const std::optional<QString>& content);
-    void setRunning(bool running);
+    void setRunningSession(const std::optional<QUuid>& id);
 
     const std::vector<AssistantTool> m_tools;
     const std::shared_ptr<AIProvider> m_provider;
@@ -125,7 +127,7 @@ private:
 
     std::vector<AssistantTurn> m_turns;
     std::vector<AIMessage> m_history;
-    bool m_isRunning = false;
+    std::optional<QUuid> m_runningSession; // whose question runs: the current one's, or none
     QString m_draft;
     std::vector<ChatSession> m_sessions;
     QUuid m_currentSessionID = QUuid::createUuid();

@@ -36,7 +36,7 @@ QString causeForLog(const std::exception& error) {
 
 void AssistantViewModel::submit() {
     const QString text = m_draft.trimmed();
-    if ((text.isEmpty() && !m_attachmentContent) || m_isRunning)
+    if ((text.isEmpty() && !m_attachmentContent) || isRunning())
         return;
     setDraft({});
     QString bubble = text;
@@ -50,31 +50,37 @@ void AssistantViewModel::submit() {
     appendTurn(AssistantTurn::Role::user, bubble);
     m_history.push_back(AIMessage::userText(message));
     persistCurrentSession();
-    setRunning(true);
-    startTask([self = shared_from_this()] { self->run(); });
+    setRunningSession(m_currentSessionID);
+    startTask([self = shared_from_this(), chat = m_currentSessionID] { self->run(chat); });
 }
 
-QCoro::Task<void> AssistantViewModel::run() {
+QCoro::Task<void> AssistantViewModel::run(QUuid chat) {
     const auto self = shared_from_this(); // also when the panel is gone
-    co_await runAgentLoop();
-    setRunning(false);
+    std::optional<QString> failure;
+    try {
+        co_await runAgentLoop(chat);
+    } catch (const std::exception& error) {
+        qCWarning(Logging::ai) << "a step of the conversation failed:" << causeForLog(error);
+        failure = QString::fromUtf8(error.what());
+    }
+    if (m_runningSession != chat)
+        co_return;
+    if (failure)
+        endRun(AssistantTurn::Role::error, *failure);
+    setRunningSession(std::nullopt);
 }
 
-QCoro::Task<void> AssistantViewModel::runAgentLoop() {
+/// Ends without a word once the run is no longer that of the chat.
+QCoro::Task<void> AssistantViewModel::runAgentLoop(QUuid chat) {
     using Role = AssistantTurn::Role;
     for (int step = 0; step < maximumSteps; ++step) {
-        AIAgentTurn turn;
-        std::optional<QString> failure;
-        try {
-            turn = co_await nextTurn();
-        } catch (const std::exception& error) {
-            qCWarning(Logging::ai) << "a step of the conversation failed:" << causeForLog(error);
-            failure = QString::fromUtf8(error.what());
-        }
-        if (failure) {
-            endRun(Role::error, *failure);
+        if (m_runningSession != chat)
             co_return;
-        }
+        const AIAgentTurn turn = co_await m_provider->send(m_history, m_tools, m_systemPrompt, m_modelPreference);
+        if (!turn.isFinal)
+            co_await prepareTools(turn, chat);
+        if (m_runningSession != chat)
+            co_return;
 
         m_history.push_back(turn.message);
         if (turn.isFinal) {
@@ -90,18 +96,14 @@ QCoro::Task<void> AssistantViewModel::runAgentLoop() {
     endRun(Role::error, QStringLiteral("That took too many steps to resolve — try rephrasing your request."));
 }
 
-/// The model's reply. What its tool calls will have to read of a long document is read before it is handed over, so
-/// that the calls themselves, which hold up the main thread, are short.
-QCoro::Task<AIAgentTurn> AssistantViewModel::nextTurn() {
-    AIAgentTurn turn = co_await m_provider->send(m_history, m_tools, m_systemPrompt, m_modelPreference);
-    if (!turn.isFinal) {
-        for (const AIToolCall& call : turn.toolCalls) {
-            const AssistantTool* const called = tool(call.name);
-            if (called && called->prepare)
-                co_await called->prepare(call.input);
-        }
+/// What the tool calls will have to read of a long document is read before they are made, so that the calls themselves,
+/// which hold up the main thread, are short.
+QCoro::Task<void> AssistantViewModel::prepareTools(const AIAgentTurn& turn, QUuid chat) {
+    for (const AIToolCall& call : turn.toolCalls) {
+        const AssistantTool* const called = tool(call.name);
+        if (m_runningSession == chat && called && called->prepare)
+            co_await called->prepare(call.input);
     }
-    co_return turn;
 }
 
 const AssistantTool* AssistantViewModel::tool(const QString& name) const {
@@ -112,7 +114,14 @@ const AssistantTool* AssistantViewModel::tool(const QString& name) const {
 
 QString AssistantViewModel::resultOf(const AIToolCall& call) const {
     const AssistantTool* const called = tool(call.name);
-    return called ? called->execute(call.input) : QStringLiteral("Unknown tool '%1'.").arg(call.name);
+    if (!called)
+        return QStringLiteral("Unknown tool '%1'.").arg(call.name);
+    try {
+        return called->execute(call.input);
+    } catch (const std::exception& error) { // a damaged page, say
+        qCWarning(Logging::ai) << "a tool failed:" << Logging::causes(error);
+        return QStringLiteral("The tool '%1' failed. Go on without it.").arg(call.name);
+    }
 }
 
 void AssistantViewModel::endRun(AssistantTurn::Role role, const QString& text) {

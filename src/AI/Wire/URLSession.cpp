@@ -8,6 +8,8 @@
 #include <QNetworkRequest>
 #include <QPointer>
 
+#include <algorithm>
+
 namespace {
 
 /// What a signal is being sent from mustn't be deleted at once.
@@ -25,6 +27,20 @@ bool isAnswered(QNetworkReply::NetworkError error, int status) {
         (error > QNetworkReply::UnknownProxyError && error <= QNetworkReply::UnknownContentError) ||
         error >= QNetworkReply::InternalServerError;
     return status >= firstRefusal && standsForStatus;
+}
+
+/// What a connection may hold ready for a main thread that is busy, in bytes.
+constexpr qint64 readBufferSize = qint64(1) << 18;
+
+/// Adds what is there of a reply, up to one byte more than `limit` in all, so that a packed one isn't unpacked any
+/// further. False once it is longer than that.
+bool readWithin(qint64 limit, QNetworkReply& reply, QByteArray& body) {
+    for (QByteArray piece; reply.isOpen() && body.size() <= limit; body += piece) {
+        piece = reply.read(std::min(readBufferSize, limit + 1 - body.size()));
+        if (piece.isEmpty())
+            break;
+    }
+    return body.size() <= limit;
 }
 
 /// The status of a redirect to an answer that is to be fetched, not asked for again.
@@ -100,6 +116,7 @@ QCoro::Task<URLReply> URLSession::post(std::shared_ptr<URLSession> session, URLR
 QCoro::Task<URLSession::Answer> URLSession::postOnce(std::shared_ptr<URLSession> session, URLRequest request) {
     const std::unique_ptr<QNetworkReply, DeleteLater> reply(
         session->m_network.post(session->networkRequest(request), request.body));
+    reply->setReadBufferSize(readBufferSize);
 
     Answer answer;
     bool isTooLong = false;
@@ -107,15 +124,14 @@ QCoro::Task<URLSession::Answer> URLSession::postOnce(std::shared_ptr<URLSession>
     QObject::connect(reply.get(), &QIODevice::readyRead, &whileWaiting, [&, source = reply.get()] {
         if (isTooLong)
             return;
-        answer.reply.body += source->readAll();
-        isTooLong = answer.reply.body.size() > session->m_maximumReplySize;
+        isTooLong = !readWithin(session->m_maximumReplySize, *source, answer.reply.body);
         if (isTooLong)
             source->abort(); // the last to be done here: the coroutine goes on within
     });
     co_await reply.get();
 
     const QString host = request.url.host();
-    if (isTooLong)
+    if (isTooLong || !readWithin(session->m_maximumReplySize, *reply, answer.reply.body))
         throw URLSessionError(QStringLiteral("The AI service at “%1” sent an answer that is too long.").arg(host));
     if (session->m_isCancelled)
         throw URLSessionError(QStringLiteral("The question was given up because Quillo was closed."));
@@ -124,7 +140,6 @@ QCoro::Task<URLSession::Answer> URLSession::postOnce(std::shared_ptr<URLSession>
         answer.reply.status = status.toInt();
     if (!isAnswered(reply->error(), answer.reply.status))
         throw URLSessionError::forNetworkError(reply->error(), host);
-    answer.reply.body += reply->readAll();
     const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
     if (!target.isEmpty())
         answer.redirection = request.url.resolved(target);

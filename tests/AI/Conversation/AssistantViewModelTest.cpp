@@ -5,6 +5,7 @@
 #include "PDFPage.h"
 #include "SystemPrompts.h"
 
+#include <QScopeGuard>
 #include <QSignalSpy>
 
 namespace {
@@ -154,6 +155,49 @@ TEST_F(AssistantViewModelTest, GivesUpAfterTenStepsAndAfterAFailure) {
     ASSERT_EQ(history.size(), 23U);
     EXPECT_EQ(history[21], AIMessage::userText(QStringLiteral("again")));
     EXPECT_EQ(history[22], AIMessage::userText(QStringLiteral("and again")));
+}
+
+TEST_F(AssistantViewModelTest, GoesOnWhenAToolFails) {
+    const auto viewModel = open();
+    const auto failing = QObject::connect(m_coordinator.get(), &PDFViewCoordinator::currentPageIndexChanged,
+                                          [] { throw std::runtime_error("no memory"); });
+    const auto reset = qScopeGuard([&failing] { QObject::disconnect(failing); });
+    m_provider->reply(ScriptedProvider::toolUse(
+        {{QStringLiteral("1"), QStringLiteral("go_to_page"), {{QStringLiteral("page"), 3}}}}));
+    m_provider->reply(ScriptedProvider::answer(QStringLiteral("no such page")));
+    ask(*viewModel, QStringLiteral("go there"));
+    EXPECT_EQ(texts(viewModel->turns()).last(), QStringLiteral("assistant: no such page"));
+    EXPECT_EQ(m_provider->calls.at(1).history.back().parts.front(),
+              AIContentPart::toolResult(QStringLiteral("1"),
+                                        QStringLiteral("The tool 'go_to_page' failed. Go on without it.")));
+}
+
+TEST_F(AssistantViewModelTest, GivesUpTheQuestionOfADeletedChat) {
+    const auto viewModel = open();
+    const auto asked = [this](std::size_t calls) {
+        return QTest::qWaitFor([this, calls] { return m_provider->calls.size() == calls; }, 10'000);
+    };
+    m_provider->reply(ScriptedProvider::answer(QStringLiteral("ok")));
+    ask(*viewModel, QStringLiteral("kept"));
+    viewModel->startNewConversation();
+    m_provider->reply(
+        ScriptedProvider::toolUse({{QStringLiteral("id"),
+                                    QStringLiteral("add_note"),
+                                    {{QStringLiteral("page"), 2}, {QStringLiteral("text"), QStringLiteral("late")}}}}));
+    viewModel->setDraft(QStringLiteral("soon gone"));
+    viewModel->submit();
+    ASSERT_TRUE(asked(2));
+    viewModel->deleteSession(viewModel->currentSessionID());
+    EXPECT_FALSE(viewModel->isRunning()) << "the next chat can be asked at once";
+    m_provider->reply(ScriptedProvider::answer(QStringLiteral("right")));
+    ask(*viewModel, QStringLiteral("next"));
+    EXPECT_EQ(m_provider->calls.size(), 3U);
+    EXPECT_TRUE(m_document->page(1)->annotations().empty());
+    EXPECT_EQ(texts(viewModel->turns()),
+              QStringList({QStringLiteral("user: kept"), QStringLiteral("assistant: ok"), QStringLiteral("user: next"),
+                           QStringLiteral("assistant: right")}));
+    ASSERT_EQ(stored().size(), 1U);
+    EXPECT_EQ(stored().front().turns, viewModel->turns());
 }
 
 TEST_F(AssistantViewModelTest, SendsTheTextOfAnAttachment) {
