@@ -1,6 +1,7 @@
 #include "RecoveryStore.h"
 
 #include "RecoveryRecord.h"
+#include "StateFolder.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -20,10 +21,7 @@ bool isLeftover(const QString& name, const QDateTime& modified, const QDateTime&
 } // namespace
 
 QString RecoveryStore::standardFolder() {
-    QString state = qEnvironmentVariable("XDG_STATE_HOME");
-    if (!QDir::isAbsolutePath(state)) // as the XDG base directories want it
-        state = QDir::homePath() + QStringLiteral("/.local/state");
-    return state + QStringLiteral("/quillo/recovery");
+    return StateFolder::path() + QStringLiteral("/quillo/recovery");
 }
 
 std::vector<std::unique_ptr<RecoveryRecord>> RecoveryStore::takeLost(const QString& folder, const QDateTime& now) {

@@ -1,6 +1,8 @@
 #include "AtomicFile.h"
 
+#include "Descriptor.h"
 #include "FileError.h"
+#include "InPlaceFile.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -24,23 +26,6 @@
 using std::filesystem::path;
 
 namespace {
-
-/// Closes its descriptor when it goes.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor() {
-        if (m_number >= 0)
-            close(m_number);
-    }
-    Q_DISABLE_COPY_MOVE(Descriptor)
-
-    int number() const { return m_number; }
-    bool isOpen() const { return m_number >= 0; }
-
-private:
-    const int m_number;
-};
 
 /// A file that writes all it is given or remembers why not; a QFile takes a disk that fills up for a short write.
 class TemporaryFile : public QFile {
@@ -119,7 +104,8 @@ std::optional<struct stat> statusOfReplaceable(const path& file) {
 constexpr std::string_view temporaryPrefix = ".saving-";
 
 /// Makes an empty file and locks it through the descriptor that it returns, so that nobody takes it for a leftover. One
-/// that replaces another can be read by nobody else before it has the permissions of that.
+/// that replaces another can be read by nobody else before it has the permissions of that. -1, with `errno`, when the
+/// folder doesn't take it.
 int makeTemporaryFile(const path& folder, bool replaces, path& file) {
     constexpr mode_t userOnly = 0600;
     constexpr mode_t usual = 0666; // less the user's mask
@@ -135,7 +121,13 @@ int makeTemporaryFile(const path& folder, bool replaces, path& file) {
         }
         error = errno;
     }
-    throwFolderError(error, folder);
+    errno = error;
+    return -1;
+}
+
+/// Why a file can't be replaced that can be written to: its folder is closed, or the file is a mount of its own.
+bool isRefusalToReplace(int errorNumber) {
+    return errorNumber == EACCES || errorNumber == EPERM || errorNumber == EBUSY || errorNumber == EXDEV;
 }
 
 /// Access control lists, tags and the like. What the file system does not take is left out.
@@ -164,7 +156,8 @@ void copyPermissions(const struct stat& status, const path& from, int to) {
             mode = (mode & 0707) | ((mode & 0007) << 3); // the same for the group: it may do what everybody may
     }
     copyExtendedAttributes(from, to);
-    if (fchmod(to, mode) != 0)
+    // Network and foreign file systems may know no modes, or have them in their mount's hands.
+    if (fchmod(to, mode) != 0 && errno != EPERM && errno != EACCES && errno != ENOTSUP && errno != ENOSYS)
         throw FileError::forSystemError(errno);
 }
 
@@ -198,6 +191,12 @@ void synchronize(int descriptor) {
         throw FileError::forSystemError(errno);
 }
 
+void synchronizeFolder(const path& name) {
+    const Descriptor folder(open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.isOpen())
+        fsync(folder.number());
+}
+
 void writeContent(const path& temporary, const std::function<void(QFile&)>& write) {
     TemporaryFile file(temporary);
     if (!file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
@@ -227,7 +226,14 @@ FileStamp writeFileAtomically(const QString& path, const std::function<void(QFil
     const auto target = followLinks(path);
     const auto replaced = statusOfReplaceable(target);
     std::filesystem::path temporary;
-    const Descriptor lock(makeTemporaryFile(target.parent_path(), replaced.has_value(), temporary));
+    const auto folder = target.parent_path();
+    int descriptor = makeTemporaryFile(folder, replaced.has_value(), temporary);
+    const bool isReplaceable = descriptor >= 0 || !replaced || !isRefusalToReplace(errno);
+    if (!isReplaceable)
+        descriptor = makeTemporaryFile(InPlaceFile::folderForCopies(), true, temporary);
+    const Descriptor lock(descriptor);
+    if (!lock.isOpen())
+        throwFolderError(errno, folder);
     auto removeTemporary = qScopeGuard([&temporary] { unlink(temporary.c_str()); });
 
     writeContent(temporary, write);
@@ -236,21 +242,28 @@ FileStamp writeFileAtomically(const QString& path, const std::function<void(QFil
         const Descriptor file(open(temporary.c_str(), O_WRONLY | O_CLOEXEC));
         if (!file.isOpen())
             throw FileError::forSystemError(errno);
-        if (replaced)
+        if (replaced && isReplaceable)
             copyPermissions(*replaced, target, file.number());
         synchronize(file.number());
         if (fstat(file.number(), &written) != 0)
             throw FileError::forSystemError(errno);
     }
     refuseChanged(target, expected); // writing may have taken long
-    if (rename(temporary.c_str(), target.c_str()) != 0)
-        throw FileError::forSystemError(errno);
+    if (!isReplaceable || rename(temporary.c_str(), target.c_str()) != 0) {
+        if (isReplaceable && !(replaced && isRefusalToReplace(errno)))
+            throw FileError::forSystemError(errno);
+        bool isCopyNeeded = false;
+        const auto keepCopy = qScopeGuard([&] {
+            if (isCopyNeeded)
+                removeTemporary.dismiss();
+        });
+        temporary = InPlaceFile::keep(temporary, target);
+        return InPlaceFile::overwrite(target, temporary, isCopyNeeded);
+    }
     removeTemporary.dismiss();
 
     // The new content is in place now; a folder that can't be synchronized is no failure to tell.
-    const Descriptor folder(open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.isOpen())
-        fsync(folder.number());
-    removeLeftovers(target.parent_path(), written.st_mtime);
+    synchronizeFolder(folder);
+    removeLeftovers(folder, written.st_mtime);
     return FileStamp::of(written);
 }

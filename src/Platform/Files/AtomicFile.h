@@ -17,6 +17,9 @@ class QFile;
 /// far as the user may give files away, its owner and group; a new one gets the usual permissions. Programs that have
 /// the old file open go on reading the old content; other hard links to it keep the old content too.
 ///
+/// A file that the user may write to, in a folder where it can't be replaced, is written in its place: its new content
+/// is complete in the user's state folder first, and stays there when that fails midway, which the error tells.
+///
 /// A process that is killed meanwhile leaves a file ".saving-" with a number, which a later call for the same folder
 /// deletes when it is an hour old.
 ///

@@ -1,6 +1,7 @@
 #include "AtomicFile.h"
 
 #include "FileError.h"
+#include "InPlaceFile.h"
 #include "RestrictedRuns.h"
 
 #include <QDateTime>
@@ -198,18 +199,51 @@ TEST_F(AtomicFileTest, MissingPermissionIsTold) {
     make(path("closed/file"));
     ASSERT_EQ(chmod(qPrintable(path("read-only")), 0444), 0);
     ASSERT_EQ(chmod(qPrintable(path("closed")), 0555), 0);
-    QString file, inClosedFolder, newInClosedFolder;
+    QString file, newInClosedFolder;
     RestrictedRuns::withoutPrivileges([&] {
         file = sentenceOfFailure(path("read-only"));
-        inClosedFolder = sentenceOfFailure(path("closed/file"));
         newInClosedFolder = sentenceOfFailure(path("closed/new"));
     });
     ASSERT_EQ(chmod(qPrintable(path("closed")), 0755), 0);
     EXPECT_EQ(file.toStdString(), "You don't have permission to change this file.");
-    EXPECT_EQ(inClosedFolder.toStdString(), "You don't have permission to write to the folder “closed”.");
-    EXPECT_EQ(newInClosedFolder, inClosedFolder);
+    EXPECT_EQ(newInClosedFolder.toStdString(), "You don't have permission to write to the folder “closed”.");
     EXPECT_EQ(contentOf(path("read-only")), "old");
-    EXPECT_EQ(contentOf(path("closed/file")), "old");
+}
+
+TEST_F(AtomicFileTest, AFileInAClosedFolderIsWrittenInItsPlace) {
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("closed")));
+    make(path("closed/file"), "a long old content");
+    ASSERT_EQ(chmod(qPrintable(path("closed/file")), 0640), 0);
+    ASSERT_EQ(chmod(qPrintable(path("closed")), 0555), 0);
+    const std::optional<FileStamp> before = FileStamp::of(path("closed/file"));
+    const QDir copies(QString::fromStdString(InPlaceFile::folderForCopies().string()));
+    std::optional<FileStamp> stamp;
+    QStringList kept;
+    RestrictedRuns::withoutPrivileges([&] {
+        stamp = writeFileAtomically(path("closed/file"), QByteArray("new"), before);
+        EXPECT_EQ(contentOf(path("closed/file")), "new");
+
+        // What can't be written to the end is whole somewhere else.
+        struct rlimit limit = {};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+        const struct rlimit small = {1000, limit.rlim_max};
+        const auto writeMuch = [&small](QFile& file) {
+            file.write(QByteArray(5000, 'x'));
+            setrlimit(RLIMIT_FSIZE, &small);
+        };
+        EXPECT_THROW(writeFileAtomically(path("closed/file"), writeMuch), FileError);
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, oldHandler);
+        kept = copies.entryList(QDir::Files | QDir::Hidden);
+    });
+    ASSERT_EQ(chmod(qPrintable(path("closed")), 0755), 0);
+    EXPECT_EQ(stamp->inode, before->inode);
+    EXPECT_EQ(QFile::permissions(path("closed/file")) & QFile::ReadOther, QFile::Permissions());
+    ASSERT_EQ(kept.size(), 1) << "and of what went well no copy is left";
+    EXPECT_TRUE(kept.front().endsWith(QStringLiteral("-file")));
+    EXPECT_EQ(contentOf(copies.filePath(kept.front())), QByteArray(5000, 'x'));
+    QFile::remove(copies.filePath(kept.front()));
 }
 
 TEST_F(AtomicFileTest, AFullOrReadOnlyDiskIsTold) {
