@@ -11,6 +11,6 @@ DocumentText::DocumentText(const PDFDocument& document, std::shared_ptr<PageStri
 QString DocumentText::string(int index) const {
     const PDFPageContent& page = m_pages.at(static_cast<std::size_t>(index));
     if (m_strings)
-        return m_strings->string(page);
-    return page.source ? page.source->readText(page.pageNumber)->string : QString();
+        return m_strings->string(page, m_stop);
+    return page.source ? page.source->readText(page.pageNumber, m_stop)->string : QString();
 }

@@ -10,7 +10,7 @@ bool PageStrings::Order::operator()(const PDFPageContent& a, const PDFPageConten
     return a.source == b.source ? a.pageNumber < b.pageNumber : before(a.source.get(), b.source.get());
 }
 
-QString PageStrings::string(const PDFPageContent& page) {
+QString PageStrings::string(const PDFPageContent& page, const std::stop_token& stop) {
     if (!page.source)
         return {};
     {
@@ -20,7 +20,9 @@ QString PageStrings::string(const PDFPageContent& page) {
             return found->second;
     }
     // A copy of the characters alone: the string that was read has room for more.
-    QString read = QStringView(page.source->readText(page.pageNumber)->string).toString();
+    QString read = QStringView(page.source->readText(page.pageNumber, stop)->string).toString();
+    if (stop.stop_requested())
+        return read;
     const std::lock_guard guard(m_mutex);
     if (m_length + read.size() <= m_limit && m_strings.try_emplace(page, read).second)
         m_length += read.size();

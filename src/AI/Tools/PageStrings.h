@@ -6,6 +6,7 @@
 
 #include <map>
 #include <mutex>
+#include <stop_token>
 
 /// The texts of pages as plain strings, kept so that a second look at a document doesn't read it again. Sources never
 /// change, so what is kept stays right. Thread-safe.
@@ -19,8 +20,8 @@ public:
     /// `limit` in UTF-16 units, two bytes each.
     explicit PageStrings(qsizetype limit = defaultLimit) : m_limit(limit) {}
 
-    /// `PDFPage::string` of a page with that content.
-    [[nodiscard]] QString string(const PDFPageContent& page);
+    /// `PDFPage::string` of a page with that content; it may lack anything once `stop` is requested.
+    [[nodiscard]] QString string(const PDFPageContent& page, const std::stop_token& stop = {});
 
     void clear();
 

@@ -66,7 +66,7 @@ std::optional<int> PDFSource::pageNumberOfObject(int objectNumber) const {
     return number < 0 ? std::nullopt : std::optional(number);
 }
 
-std::shared_ptr<const PageText> PDFSource::text(int pageNumber) const {
+std::shared_ptr<const PageText> PDFSource::text(int pageNumber, const std::stop_token& stop) const {
     {
         const std::lock_guard guard(m_cacheMutex);
         const auto found = std::find_if(m_recentText.begin(), m_recentText.end(),
@@ -76,7 +76,9 @@ std::shared_ptr<const PageText> PDFSource::text(int pageNumber) const {
             return m_recentText.back().second;
         }
     }
-    auto read = readText(pageNumber);
+    auto read = readText(pageNumber, stop);
+    if (stop.stop_requested())
+        return read;
     const std::lock_guard guard(m_cacheMutex);
     if (m_recentText.size() >= recentTextLimit)
         m_recentText.erase(m_recentText.begin());
@@ -84,6 +86,6 @@ std::shared_ptr<const PageText> PDFSource::text(int pageNumber) const {
     return read;
 }
 
-std::shared_ptr<const PageText> PDFSource::readText(int pageNumber) const {
-    return TextReader::read(*m_engine, pageNumber);
+std::shared_ptr<const PageText> PDFSource::readText(int pageNumber, const std::stop_token& stop) const {
+    return TextReader::read(*m_engine, pageNumber, stop);
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 class PageText;
@@ -44,10 +45,12 @@ public:
     [[nodiscard]] int pageObjectNumber(int pageNumber) const;
     /// The zero-based page whose object has that number, or none.
     [[nodiscard]] std::optional<int> pageNumberOfObject(int objectNumber) const;
-    /// Never null; empty for a page that can't be read. The last pages asked for are kept.
-    [[nodiscard]] std::shared_ptr<const PageText> text(int pageNumber) const;
+    /// Never null; empty for a page that can't be read. The last pages asked for are kept. A page that asks for more
+    /// work than takes some seconds has the text that was read by then. Once `stop` is requested the text may lack
+    /// anything, and isn't kept.
+    [[nodiscard]] std::shared_ptr<const PageText> text(int pageNumber, const std::stop_token& stop = {}) const;
     /// The same, past the cache: for reading a whole document once.
-    [[nodiscard]] std::shared_ptr<const PageText> readText(int pageNumber) const;
+    [[nodiscard]] std::shared_ptr<const PageText> readText(int pageNumber, const std::stop_token& stop = {}) const;
 
     /// For the parts of this folder that talk to the drawing engine.
     [[nodiscard]] SourceEngine& engine() const { return *m_engine; }

@@ -39,17 +39,17 @@ QImage PageRenderer::render(const PageRenderRequest& request, const std::atomic<
     if (!request.content.source || size.isEmpty() || size.width() > largestSide || size.height() > largestSide ||
         !wanted(cancelled))
         return {};
-    fz_cookie cookie{};
-    const CancellationWatch watch(cancelled, &cookie);
     SourceEngine& engine = request.content.source->engine();
     const auto recorded = PageRecorder::record(
-        engine, {request.content.pageNumber, request.annotations, request.hiddenAnnotations}, &cookie);
+        engine, {request.content.pageNumber, request.annotations, request.hiddenAnnotations}, cancelled);
     if (!recorded || !wanted(cancelled))
         return {};
     QImage image(size, QImage::Format_RGB32);
     if (image.isNull())
         return {};
     image.fill(Qt::white);
+    fz_cookie cookie{};
+    const CancellationWatch watch(cancelled, &cookie);
     Rasterizer::replay(*recorded, request.pageToDevice, request.deviceRect.topLeft(), image, &cookie);
     if (request.bareAnnotations && engine.hasBareAnnotations(request.content.pageNumber))
         drawBareAnnotations(request, image, cancelled);

@@ -3,14 +3,20 @@
 #include "PDFError.h"
 #include "PDFOutline.h"
 #include "PDFPage.h"
+#include "PDFSource.h"
+#include "PageRenderer.h"
 #include "PageText.h"
 #include "PdfFixtures.h"
 
 #include <QImage>
+#include <QPainter>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <random>
+#include <stop_token>
+#include <thread>
 
 namespace {
 
@@ -48,6 +54,32 @@ bool readEverything(const QByteArray& bytes) {
     } catch (const PDFError&) {
         return false;
     }
+}
+
+/// One page of endless work for each way in which a page can draw a form.
+QByteArray endlessFile() {
+    PdfFixture pdf;
+    const QByteArray form = pdf.addEndlessForm();
+    const QByteArray resources = "<< /XObject << /X " + form + " >> >>";
+    pdf.addPageWithContent("/X Do", resources);
+    const QByteArray pattern =
+        pdf.addStream("<< /Type /Pattern /PatternType 1 /PaintType 1 /TilingType 1 /BBox [0 0 9 9] "
+                      "/XStep 9 /YStep 9 /Resources " +
+                          resources + " >>",
+                      "/X Do");
+    pdf.addPageWithContent("/Pattern cs /P scn 0 0 500 500 re f", "<< /Pattern << /P " + pattern + " >> >>");
+    const QByteArray glyph = pdf.addStream("<< >>", "9 0 d0 /X Do");
+    const QByteArray font =
+        pdf.addObject("<< /Type /Font /Subtype /Type3 /FontBBox [0 0 9 9] /FontMatrix [1 0 0 1 0 0] "
+                      "/CharProcs << /a " +
+                      glyph +
+                      " >> /Encoding << /Differences [97 /a] >> "
+                      "/FirstChar 97 /LastChar 97 /Widths [9] /Resources " +
+                      resources + " >>");
+    pdf.addPageWithContent("BT /F 9 Tf 72 700 Td (aaa) Tj ET", "<< /Font << /F " + font + " >> >>");
+    pdf.addPage({});
+    pdf.addAnnotation(3, "<< /Type /Annot /Subtype /Stamp /Rect [0 0 612 792] /AP << /N " + form + " >> >>");
+    return pdf.bytes();
 }
 
 } // namespace
@@ -119,4 +151,32 @@ TEST(HostileFiles, UnpackingToGigabytes) {
                                                       data) +
                                         " >> >>");
     EXPECT_TRUE(readEverything(pdf.bytes()));
+}
+
+TEST(HostileFiles, EndlessWorkEndsWhenItIsCancelled) {
+    const auto source = PDFSource::open(endlessFile());
+    ASSERT_EQ(source->pageCount(), 4);
+    for (int page = 0; page < source->pageCount(); ++page) {
+        SCOPED_TRACE(page);
+        std::stop_source stop;
+        std::atomic<bool> cancelled = false;
+        std::jthread canceller([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(60));
+            stop.request_stop();
+            cancelled = true;
+        });
+        (void)source->readText(page, stop.get_token());
+        (void)source->text(page, stop.get_token());
+        const PageRenderRequest request{{source, page}, {}, true, {}, QRect(0, 0, 60, 60)};
+        EXPECT_TRUE(PageRenderer::render(request, &cancelled).isNull());
+    }
+}
+
+TEST(HostileFiles, EndlessWorkEndsByItself) {
+    const auto document = PDFDocument::fromData(endlessFile());
+    EXPECT_TRUE(document->page(0)->string().startsWith(QStringLiteral("Again")));
+    QImage canvas(QSize(60, 60), QImage::Format_RGB32);
+    QPainter painter(&canvas);
+    const auto stamp = document->page(3)->annotations().at(0);
+    stamp->draw(PDFDisplayBox::cropBox, painter);
 }

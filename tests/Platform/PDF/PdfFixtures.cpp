@@ -57,6 +57,19 @@ int PdfFixture::addPageWithContent(const QByteArray& content, const QByteArray& 
     return pageCount() - 1;
 }
 
+QByteArray PdfFixture::addEndlessForm() {
+    constexpr int depth = 20;
+    const QByteArray dictionary = "/Type /XObject /Subtype /Form /BBox [0 0 612 792]";
+    QByteArray form = addStream("<< " + dictionary + " /Resources " + defaultResources() + " >>",
+                                "BT /F1 12 Tf 72 700 Td (Again) Tj ET 0 0 9 9 re f");
+    QByteArray draws;
+    for (int i = 0; i < 10; ++i)
+        draws += "/X Do ";
+    for (int i = 0; i < depth; ++i)
+        form = addStream("<< " + dictionary + " /Resources << /XObject << /X " + form + " >> >> >>", draws);
+    return form;
+}
+
 QByteArray PdfFixture::pageReference(int page) const {
     return m_objects->pageList.at(std::size_t(page));
 }

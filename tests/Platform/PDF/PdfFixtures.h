@@ -41,6 +41,9 @@ public:
     /// A new indirect object; returns the reference to it.
     QByteArray addObject(const QByteArray& value);
     QByteArray addStream(const QByteArray& dictionary, const QByteArray& data);
+    /// A form XObject that draws another one ten times, which draws another one ten times, and so on: some kilobytes
+    /// that ask for years of work. Returns the reference to it.
+    QByteArray addEndlessForm();
     /// Keeps a number for an object that refers to itself or is referred to before it is there.
     QByteArray reserveObject();
     void fillObject(const QByteArray& reference, const QByteArray& value);

@@ -7,7 +7,7 @@
 /// and puts them into its document. Nothing here throws the engine's way.
 class AppearanceRunner {
 public:
-    /// All must outlive this, `cookie` may be null. `toDevice` maps the engine's coordinates of the page.
+    /// All must outlive this, `toDevice` maps the engine's coordinates of the page.
     AppearanceRunner(fz_context* context, pdf_page* page, fz_device* device, const fz_matrix& toDevice,
                      fz_cookie* cookie);
     ~AppearanceRunner();

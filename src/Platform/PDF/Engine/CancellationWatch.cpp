@@ -1,13 +1,14 @@
 #include "CancellationWatch.h"
 
 #include <algorithm>
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 #include <vector>
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 class Watcher {
 public:
@@ -16,13 +17,13 @@ public:
         return *watcher;
     }
 
-    void add(const std::atomic<bool>* cancelled, fz_cookie* cookie) {
+    void add(const std::atomic<bool>* cancelled, fz_cookie* cookie, Clock::time_point end) {
         const std::lock_guard guard(m_mutex);
         if (!m_running) {
             std::thread([this] { run(); }).detach();
             m_running = true;
         }
-        m_watched.push_back({cancelled, cookie});
+        m_watched.push_back({cancelled, cookie, end});
         m_wake.notify_one();
     }
 
@@ -37,7 +38,12 @@ private:
     struct Entry {
         const std::atomic<bool>* cancelled;
         fz_cookie* cookie;
+        Clock::time_point end;
     };
+
+    [[nodiscard]] static bool shallStop(const Entry& entry) {
+        return (entry.cancelled && entry.cancelled->load(std::memory_order_relaxed)) || Clock::now() >= entry.end;
+    }
 
     void run() {
         std::unique_lock lock(m_mutex);
@@ -45,7 +51,7 @@ private:
             m_wake.wait(lock, [this] { return !m_watched.empty(); });
             m_wake.wait_for(lock, std::chrono::milliseconds(25));
             for (const Entry& entry : m_watched)
-                if (entry.cancelled->load(std::memory_order_relaxed))
+                if (shallStop(entry))
                     __atomic_store_n(&entry.cookie->abort, 1, __ATOMIC_RELAXED);
         }
     }
@@ -58,13 +64,14 @@ private:
 
 } // namespace
 
-CancellationWatch::CancellationWatch(const std::atomic<bool>* cancelled, fz_cookie* cookie)
-    : m_cookie(cookie), m_watched(cancelled != nullptr) {
+CancellationWatch::CancellationWatch(const std::atomic<bool>* cancelled, fz_cookie* cookie, Limit limit)
+    : m_cookie(cookie), m_outer(setMemoryStop(cookie)), m_watched(cancelled || limit) {
     if (m_watched)
-        Watcher::instance().add(cancelled, cookie);
+        Watcher::instance().add(cancelled, cookie, limit ? Clock::now() + *limit : Clock::time_point::max());
 }
 
 CancellationWatch::~CancellationWatch() {
+    setMemoryStop(m_outer);
     if (m_watched)
         Watcher::instance().remove(m_cookie);
 }

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -18,8 +19,14 @@ constexpr std::size_t totalLimit = std::size_t(2) << 30;
 
 std::atomic<std::size_t> allocated{0};
 
+thread_local const fz_cookie* memoryStop = nullptr;
+
+bool isStopped() {
+    return memoryStop && __atomic_load_n(&memoryStop->abort, __ATOMIC_RELAXED) != 0;
+}
+
 void* limitedMalloc(void*, std::size_t size) {
-    if (size > largestBlock || allocated.load(std::memory_order_relaxed) + size > totalLimit)
+    if (size > largestBlock || isStopped() || allocated.load(std::memory_order_relaxed) + size > totalLimit)
         return nullptr;
     void* block = std::malloc(size);
     if (block)
@@ -42,7 +49,7 @@ void* limitedRealloc(void* user, void* block, std::size_t size) {
         return nullptr;
     }
     const std::size_t before = malloc_usable_size(block);
-    if (size > largestBlock ||
+    if (size > largestBlock || isStopped() ||
         (size > before && allocated.load(std::memory_order_relaxed) + (size - before) > totalLimit))
         return nullptr;
     void* moved = std::realloc(block, size);
@@ -63,6 +70,10 @@ struct EngineInstance::Locks {
     static void lock(void* user, int index) { static_cast<Locks*>(user)->mutexes.at(std::size_t(index)).lock(); }
     static void unlock(void* user, int index) { static_cast<Locks*>(user)->mutexes.at(std::size_t(index)).unlock(); }
 };
+
+const fz_cookie* setMemoryStop(const fz_cookie* cookie) {
+    return std::exchange(memoryStop, cookie);
+}
 
 EngineInstance::EngineInstance() : m_locks(std::make_unique<Locks>()) {
     const fz_alloc_context allocator{nullptr, limitedMalloc, limitedRealloc, limitedFree};

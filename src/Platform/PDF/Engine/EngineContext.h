@@ -35,6 +35,11 @@ private:
     mutable std::mutex m_cloning;
 };
 
+/// From now on the engine gets no memory on this thread once `cookie` is aborted; null for none. Parts of it, such as
+/// glyphs that are pages of their own, don't look at their cookie, but end when there is no memory. The document that
+/// they worked on may be left half read. Returns what was set before.
+const fz_cookie* setMemoryStop(const fz_cookie* cookie);
+
 /// A context for as long as one call takes.
 class EngineContext {
 public:

@@ -1,12 +1,18 @@
 #include "PageRecorder.h"
 
 #include "AppearanceRunner.h"
+#include "CancellationWatch.h"
 #include "EngineValues.h"
 #include "PageObjects.h"
 
 #include <algorithm>
 
 namespace {
+
+/// Many times what the fullest drawings take; they come once, and their tiles are drawn from the recording.
+constexpr std::chrono::seconds pageTimeLimit(20);
+/// One annotation, while the window waits.
+constexpr std::chrono::seconds annotationTimeLimit(2);
 
 struct Recording {
     std::shared_ptr<const EngineInstance> instance;
@@ -64,7 +70,7 @@ void runAnnotations(const Recording& recording, const std::vector<int>& hidden, 
     pdf_obj* annots = annotsOf(context, recording.page);
     const int count = pdf_array_len(context, annots);
     for (const bool widgets : {false, true}) {
-        for (int i = 0; i < count && !(cookie && cookie->abort); ++i) {
+        for (int i = 0; i < count && !cookie->abort; ++i) {
             pdf_obj* annotation = annotationAt(context, annots, i);
             bool isWidget = false;
             engineTry(context, [&] {
@@ -94,25 +100,31 @@ bool hasBareAnnotation(fz_context* context, pdf_obj* page) {
 } // namespace
 
 std::shared_ptr<const RecordedPage> PageRecorder::record(SourceEngine& engine, const SourceEngine::RecordingKey& key,
-                                                         fz_cookie* cookie) {
+                                                         const std::atomic<bool>* cancelled) {
     if (auto kept = engine.recording(key))
         return kept;
-    const SourceEngine::Lease borrowed = engine.lease();
+    SourceEngine::Lease borrowed = engine.lease();
     if (!borrowed || key.pageNumber < 0 || key.pageNumber >= engine.pageCount())
         return nullptr;
     fz_context* context = borrowed.context();
     Recording recording(borrowed);
     if (!recording.begin(borrowed.document(), key.pageNumber))
         return nullptr;
-    engineTry(context,
-              [&] { pdf_run_page_contents(context, recording.page, recording.device, recording.toPage, cookie); });
-    if (key.annotations)
-        runAnnotations(recording, key.hiddenAnnotations, cookie);
+    {
+        fz_cookie cookie{};
+        const CancellationWatch watch(cancelled, &cookie, pageTimeLimit);
+        engineTry(context,
+                  [&] { pdf_run_page_contents(context, recording.page, recording.device, recording.toPage, &cookie); });
+        if (key.annotations)
+            runAnnotations(recording, key.hiddenAnnotations, &cookie);
+        if (cookie.abort)
+            borrowed.abandon();
+    }
     bool isBare = false;
     engineTry(context, [&] { isBare = hasBareAnnotation(context, recording.page->obj); });
     if (isBare)
         engine.noteBareAnnotations(key.pageNumber);
-    if (cookie && cookie->abort)
+    if (cancelled && *cancelled)
         return nullptr;
     auto recorded = recording.finish();
     engine.keepRecording(key, recorded);
@@ -122,7 +134,7 @@ std::shared_ptr<const RecordedPage> PageRecorder::record(SourceEngine& engine, c
 /// Records what `run` runs of the annotation at `index` of a page.
 template <typename Run>
 static std::shared_ptr<const RecordedPage> recordOne(SourceEngine& engine, int pageNumber, int index, Run&& run) {
-    const SourceEngine::Lease borrowed = engine.lease();
+    SourceEngine::Lease borrowed = engine.lease();
     if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
         return nullptr;
     fz_context* context = borrowed.context();
@@ -130,8 +142,16 @@ static std::shared_ptr<const RecordedPage> recordOne(SourceEngine& engine, int p
     if (!recording.begin(borrowed.document(), pageNumber))
         return nullptr;
     pdf_obj* annotation = annotationAt(context, annotsOf(context, recording.page), index);
-    AppearanceRunner runner(context, recording.page, recording.device, recording.toPage, nullptr);
-    return annotation && run(runner, annotation) ? recording.finish() : nullptr;
+    bool hasRun = false;
+    {
+        fz_cookie cookie{};
+        const CancellationWatch watch(nullptr, &cookie, annotationTimeLimit);
+        AppearanceRunner runner(context, recording.page, recording.device, recording.toPage, &cookie);
+        hasRun = annotation && run(runner, annotation);
+        if (cookie.abort)
+            borrowed.abandon();
+    }
+    return hasRun ? recording.finish() : nullptr;
 }
 
 std::shared_ptr<const RecordedPage> PageRecorder::recordAnnotation(SourceEngine& engine, int pageNumber, int index) {

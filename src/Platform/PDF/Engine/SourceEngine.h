@@ -73,11 +73,14 @@ public:
         Lease(SourceEngine& engine, std::unique_ptr<OpenedDocument> opened)
             : m_engine(&engine), m_opened(std::move(opened)) {}
         ~Lease() {
-            if (m_opened)
+            if (m_opened && !m_isAbandoned)
                 m_engine->takeBack(std::move(m_opened));
         }
         Lease(const Lease&) = delete;
         Lease& operator=(const Lease&) = delete;
+
+        /// For a document whose reading was broken off at any place: nobody gets it again.
+        void abandon() { m_isAbandoned = true; }
 
         /// False when the file couldn't be opened once more, for want of memory.
         explicit operator bool() const { return m_opened != nullptr; }
@@ -89,6 +92,7 @@ public:
     private:
         SourceEngine* m_engine;
         std::unique_ptr<OpenedDocument> m_opened;
+        bool m_isAbandoned = false;
     };
 
     /// Throws `PDFError` when the engine can't open the bytes.

@@ -1,5 +1,6 @@
 #include "TextReader.h"
 
+#include "CancellationWatch.h"
 #include "PageObjects.h"
 #include "PageText.h"
 #include "ReadingOrder.h"
@@ -10,6 +11,12 @@
 #include <limits>
 
 namespace {
+
+/// The fullest pages of newspapers and maps take a tenth of it on a slow machine. The main thread reads as well.
+constexpr std::chrono::seconds timeLimit(5);
+
+/// Far more than a page can show. Putting them in order takes its time as well.
+constexpr std::size_t lineLimit = 50000;
 
 /// What the engine hands over, to be dropped in any case.
 struct StructuredPage {
@@ -29,7 +36,7 @@ struct StructuredPage {
     StructuredPage& operator=(const StructuredPage&) = delete;
 };
 
-void interpret(StructuredPage& structured, pdf_document* document, int pageNumber) {
+void interpret(StructuredPage& structured, pdf_document* document, int pageNumber, fz_cookie* cookie) {
     fz_context* context = structured.context;
     structured.page = PageObjects::load(context, document, pageNumber);
     if (!structured.page)
@@ -46,8 +53,7 @@ void interpret(StructuredPage& structured, pdf_document* document, int pageNumbe
     if (!structured.device)
         return;
     engineTry(context,
-              [&] { pdf_run_page_contents(context, structured.page, structured.device, fz_identity, nullptr); });
-    engineTry(context, [&] { fz_close_device(context, structured.device); });
+              [&] { pdf_run_page_contents(context, structured.page, structured.device, fz_identity, cookie); });
 }
 
 class Builder {
@@ -124,13 +130,22 @@ private:
 
 } // namespace
 
-std::shared_ptr<const PageText> TextReader::read(SourceEngine& engine, int pageNumber) {
-    const SourceEngine::Lease borrowed = engine.lease();
+std::shared_ptr<const PageText> TextReader::read(SourceEngine& engine, int pageNumber, const std::stop_token& stop) {
+    SourceEngine::Lease borrowed = engine.lease();
     if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
         return std::make_shared<const PageText>();
     StructuredPage structured(borrowed.context());
-    interpret(structured, borrowed.document(), pageNumber);
-    if (!structured.text)
+    {
+        std::atomic<bool> cancelled = false;
+        const std::stop_callback cancel(stop, [&cancelled] { cancelled = true; });
+        fz_cookie cookie{};
+        const CancellationWatch watch(&cancelled, &cookie, timeLimit);
+        interpret(structured, borrowed.document(), pageNumber, &cookie);
+        if (cookie.abort)
+            borrowed.abandon();
+    }
+    engineTry(borrowed.context(), [&] { fz_close_device(borrowed.context(), structured.device); });
+    if (!structured.text || stop.stop_requested())
         return std::make_shared<const PageText>();
 
     std::vector<const fz_stext_line*> lines;
@@ -139,7 +154,7 @@ std::shared_ptr<const PageText> TextReader::read(SourceEngine& engine, int pageN
     for (const fz_stext_block* b = structured.text->first_block; b; b = b->next, ++block) {
         if (b->type != FZ_STEXT_BLOCK_TEXT)
             continue;
-        for (const fz_stext_line* line = b->u.t.first_line; line; line = line->next) {
+        for (const fz_stext_line* line = b->u.t.first_line; line && lines.size() < lineLimit; line = line->next) {
             int length = 0;
             for (const fz_stext_char* c = line->first_char; c && length < 1000; c = c->next)
                 ++length;

@@ -24,9 +24,11 @@ void PageTexts::want(const std::vector<PDFPageContent>& contents) {
         std::vector<Entry> entries;
         for (const PDFPageContent& content : missing) {
             if (stop.stop_requested())
-                return;
-            entries.emplace_back(content, content.source->text(content.pageNumber));
+                break;
+            entries.emplace_back(content, content.source->text(content.pageNumber, stop));
         }
+        if (stop.stop_requested())
+            return; // the last one may be cut short
         QMetaObject::invokeMethod(
             this, [this, entries = std::move(entries)] { take(entries); }, Qt::QueuedConnection);
     });

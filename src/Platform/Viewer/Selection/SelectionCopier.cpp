@@ -20,8 +20,8 @@ QString SelectionCopier::read(const std::vector<Span>& spans, const std::stop_to
         if (!span.content.source)
             continue;
         // A long document would push the pages on the screen out of the cache of texts.
-        const auto page = isShort(spans) ? span.content.source->text(span.content.pageNumber)
-                                         : span.content.source->readText(span.content.pageNumber);
+        const auto page = isShort(spans) ? span.content.source->text(span.content.pageNumber, stop)
+                                         : span.content.source->readText(span.content.pageNumber, stop);
         const auto end = span.end ? qsizetype(*span.end) : page->string.size();
         const QStringView part = QStringView(page->string).mid(span.start, end - span.start);
         if (part.isEmpty())
