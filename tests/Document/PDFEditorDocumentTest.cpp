@@ -178,12 +178,11 @@ TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
     PDFEditorDocument document;
     document.read(store(QStringLiteral("a.pdf"), fixture.bytes()));
     ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("closed")));
-    const QUrl old = store(QStringLiteral("closed/old.pdf"), "old");
+    const QString inClosed = m_folder.filePath(QStringLiteral("closed/new.pdf"));
     ASSERT_TRUE(QFile::setPermissions(m_folder.filePath(QStringLiteral("closed")), QFile::ReadOwner | QFile::ExeOwner));
     QStringList told;
     RestrictedRuns::withoutPrivileges([&] {
-        for (const QString& path :
-             {old.toLocalFile(), m_folder.filePath(QStringLiteral("gone/a.pdf")), m_folder.path()}) {
+        for (const QString& path : {inClosed, m_folder.filePath(QStringLiteral("gone/a.pdf")), m_folder.path()}) {
             try {
                 document.snapshot()->write(path, std::nullopt);
             } catch (const DocumentError& error) {
@@ -197,7 +196,18 @@ TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
               "You don't have permission to write to the folder “closed”. Choose Save As to store it in another place. "
               "[Save As]\nThe folder “gone” doesn't exist. Choose Save As to store it in another place. [Save As]\n"
               "There is a folder of this name. Choose Save As to give it another name. [Save As]");
-    EXPECT_EQ(load(old), "old");
+    EXPECT_FALSE(QFile::exists(inClosed));
+}
+
+TEST_F(PDFEditorDocumentTest, aFileWithoutItsEndDoesNotLookWhole) {
+    PdfFixture fixture;
+    fill(fixture);
+    const QByteArray bytes = fixture.bytes();
+    const PDFEditorDocument document;
+    EXPECT_TRUE(document.looksWhole(store(QStringLiteral("whole.pdf"), bytes + "\n")));
+    EXPECT_FALSE(document.looksWhole(store(QStringLiteral("half.pdf"), bytes.left(bytes.size() / 2))));
+    EXPECT_FALSE(document.looksWhole(store(QStringLiteral("empty.pdf"), {})));
+    EXPECT_FALSE(document.looksWhole(QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing.pdf")))));
 }
 
 TEST_F(PDFEditorDocumentTest, aRepairedFileOpensWithANotice) {
