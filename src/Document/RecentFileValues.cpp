@@ -24,11 +24,15 @@ std::optional<QVariant> RecentFileValues::value(const UserDefaults& defaults, co
 void RecentFileValues::setValue(UserDefaults& defaults, const QUrl& url, const QVariant& value) const {
     QVariantMap all = stored(*this, defaults);
     all.insert(pathOf(url), value);
-    defaults.setDictionary(storeKey, all);
+    defaults.setDictionary(storeKey, all, UserDefaults::Urgency::canWait); // a page is turned every second
 }
 
 void RecentFileValues::removeValue(UserDefaults& defaults, const QUrl& url) const {
     QVariantMap all = stored(*this, defaults);
     if (all.remove(pathOf(url)) > 0)
-        defaults.setDictionary(storeKey, all);
+        defaults.setDictionary(storeKey, all, UserDefaults::Urgency::canWait);
+}
+
+void RecentFileValues::clear(UserDefaults& defaults) const {
+    defaults.removeObject(storeKey);
 }

@@ -18,4 +18,5 @@ struct RecentFileValues {
     [[nodiscard]] std::optional<QVariant> value(const UserDefaults& defaults, const QUrl& url) const;
     void setValue(UserDefaults& defaults, const QUrl& url, const QVariant& value) const;
     void removeValue(UserDefaults& defaults, const QUrl& url) const;
+    void clear(UserDefaults& defaults) const;
 };

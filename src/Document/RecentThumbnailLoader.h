@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <unordered_set>
@@ -24,8 +25,12 @@ public:
     /// A page that takes longer to draw gets no thumbnail.
     static constexpr std::chrono::seconds drawingTimeLimit{10};
 
+    /// After that the next file is read, too.
+    static constexpr std::chrono::seconds readingTimeLimit{5};
+    static constexpr int maximumRunningCount = 2;
+
     explicit RecentThumbnailLoader(QObject* parent = nullptr);
-    /// Cancels what is running and waits for it.
+    /// Cancels what is running. Waits for what is drawn, which ends soon, and not for the disk.
     ~RecentThumbnailLoader() override;
 
     /// Calls `completion` later, on the main thread, with the first page's picture, or a null image when there can be
@@ -34,12 +39,17 @@ public:
     void load(const QUrl& url, QObject* receiver, std::function<void(const QImage& image)> completion);
 
     /// The work itself, for any thread. `cancelled` makes it return a null image soon.
-    [[nodiscard]] static QImage thumbnail(const QString& path, const std::atomic<bool>& cancelled);
+    [[nodiscard]] static QImage thumbnail(const QByteArray& bytes, const std::atomic<bool>& cancelled);
 
 private:
     struct Job;
+    void startWaiting();
+    void uncount(Job& job);
+    void draw(const std::shared_ptr<Job>& job, const QByteArray& bytes);
     void finish(const std::shared_ptr<Job>& job, const QImage& image);
 
     QThreadPool m_pool;
+    std::deque<std::shared_ptr<Job>> m_waiting;
+    int m_runningCount = 0;
     std::unordered_set<std::shared_ptr<Job>> m_jobs;
 };

@@ -131,7 +131,7 @@ TEST_F(RecentThumbnailLoaderTest, nothingIsDeliveredToAReceiverOrLoaderThatIsGon
     EXPECT_EQ(delivered, 0);
 
     const std::atomic<bool> cancelled = true;
-    EXPECT_TRUE(RecentThumbnailLoader::thumbnail(url.toLocalFile(), cancelled).isNull());
+    EXPECT_TRUE(RecentThumbnailLoader::thumbnail(pageFile({612, 792}), cancelled).isNull());
 }
 
 } // namespace

@@ -37,10 +37,13 @@ static QJsonValue decoded(const QVariant& stored) {
 }
 
 UserDefaults::UserDefaults(const QString& filePath, QObject* parent)
-    : QObject(parent), m_filePath(filePath), m_writeTimer(this) {
-    m_writeTimer.setSingleShot(true);
+    : QObject(parent), m_filePath(filePath), m_writeTimer(this), m_idleTimer(this) {
     m_writeTimer.setInterval(250ms);
-    connect(&m_writeTimer, &QTimer::timeout, this, &UserDefaults::synchronize);
+    m_idleTimer.setInterval(2s);
+    for (QTimer* timer : {&m_writeTimer, &m_idleTimer}) {
+        timer->setSingleShot(true);
+        connect(timer, &QTimer::timeout, this, &UserDefaults::synchronize);
+    }
     load();
 }
 
@@ -127,8 +130,8 @@ void UserDefaults::setData(const QString& key, const QByteArray& value) {
     store(key, value);
 }
 
-void UserDefaults::setDictionary(const QString& key, const QVariantMap& value) {
-    store(key, encoded(QJsonObject::fromVariantMap(value)));
+void UserDefaults::setDictionary(const QString& key, const QVariantMap& value, Urgency urgency) {
+    store(key, encoded(QJsonObject::fromVariantMap(value)), urgency);
 }
 
 void UserDefaults::removeObject(const QString& key) {
@@ -140,8 +143,9 @@ bool UserDefaults::contains(const QString& key) const {
     return m_values.contains(key);
 }
 
-void UserDefaults::store(const QString& key, const QVariant& value) {
-    bool mustSchedule = false;
+void UserDefaults::store(const QString& key, const QVariant& value, Urgency urgency) {
+    const bool canWait = urgency == Urgency::canWait;
+    bool mustSchedule = canWait;
     {
         const QMutexLocker lock(&m_mutex);
         if (m_values.value(key) == value)
@@ -151,15 +155,17 @@ void UserDefaults::store(const QString& key, const QVariant& value) {
         else
             m_values.remove(key);
         m_unwrittenKeys.insert(key);
-        mustSchedule = !std::exchange(m_writeIsScheduled, true);
+        if (!canWait)
+            mustSchedule = !std::exchange(m_writeIsScheduled, true);
     }
     if (mustSchedule)
-        QMetaObject::invokeMethod(&m_writeTimer, qOverload<>(&QTimer::start));
+        QMetaObject::invokeMethod(canWait ? &m_idleTimer : &m_writeTimer, qOverload<>(&QTimer::start));
     Q_EMIT changed(key);
 }
 
 bool UserDefaults::synchronize() {
     m_writeTimer.stop();
+    m_idleTimer.stop();
     QHash<QString, QVariant> changes;
     {
         const QMutexLocker lock(&m_mutex);

@@ -14,7 +14,8 @@
 ///
 /// The file is read once, when the object is made; a damaged or unreadable file counts as empty. A change is written
 /// at the latest a quarter of a second later, together with all others made until then, and safely on the disk before
-/// the object is gone. Values that other programs wrote under other keys meanwhile are kept.
+/// the object is gone. One that can wait is written with the next that can't, or when none has come for two seconds.
+/// Values that other programs wrote under other keys meanwhile are kept.
 ///
 /// Keys are case-sensitive and contain no slash or backslash. Values may be read and set on any thread. `changed` is
 /// emitted on the thread that made the change.
@@ -22,6 +23,8 @@ class UserDefaults : public QObject {
     Q_OBJECT
 
 public:
+    enum class Urgency { soon, canWait };
+
     /// The folder of `filePath` is made on the first write.
     explicit UserDefaults(const QString& filePath, QObject* parent = nullptr);
     ~UserDefaults() override;
@@ -46,7 +49,7 @@ public:
     void setStringList(const QString& key, const QStringList& value);
     void setData(const QString& key, const QByteArray& value);
     /// Inside may be Booleans, numbers, strings, lists and further dictionaries.
-    void setDictionary(const QString& key, const QVariantMap& value);
+    void setDictionary(const QString& key, const QVariantMap& value, Urgency urgency = Urgency::soon);
 
     void removeObject(const QString& key);
     bool contains(const QString& key) const;
@@ -61,7 +64,7 @@ Q_SIGNALS:
 
 private:
     void load();
-    void store(const QString& key, const QVariant& value);
+    void store(const QString& key, const QVariant& value, Urgency urgency = Urgency::soon);
     QVariant storedValue(const QString& key) const;
     bool write(const QHash<QString, QVariant>& changes);
     bool prepareFile();
@@ -75,4 +78,5 @@ private:
 
     bool m_fileIsDamaged = false;
     QTimer m_writeTimer;
+    QTimer m_idleTimer; ///< starts anew with each change that can wait
 };

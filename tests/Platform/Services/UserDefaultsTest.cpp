@@ -93,6 +93,25 @@ TEST_F(UserDefaultsTest, ValuesComeBackFromTheFile) {
     EXPECT_FALSE(defaults->contains(QStringLiteral("removed")));
 }
 
+TEST_F(UserDefaultsTest, WhatCanWaitIsWrittenWithTheNextChangeWhenNoneComesOrAtTheEnd) {
+    const auto remember = [](UserDefaults& defaults, int page) {
+        defaults.setDictionary(QStringLiteral("pages"), {{QStringLiteral("/a.pdf"), page}},
+                               UserDefaults::Urgency::canWait);
+    };
+    const auto written = [this](int page) { return fileContent().contains(':' + QByteArray::number(page) + '}'); };
+    {
+        const auto defaults = open();
+        remember(*defaults, 11);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return written(11); }, 30'000));
+        remember(*defaults, 12);
+        defaults->setBool(QStringLiteral("another"), true);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return written(12); }, 30'000));
+        remember(*defaults, 13);
+        EXPECT_FALSE(written(13));
+    }
+    EXPECT_TRUE(written(13));
+}
+
 TEST_F(UserDefaultsTest, AValueOfAnotherTypeIsMissing) {
     const QStringList keys = {QStringLiteral("bool"), QStringLiteral("integer"), QStringLiteral("string"),
                               QStringLiteral("list"), QStringLiteral("data"),    QStringLiteral("map")};
