@@ -1,5 +1,6 @@
 #include "LandingView.h"
 
+#include "DroppedFile.h"
 #include "FileOpenRouter.h"
 #include "OpenDocumentCard.h"
 #include "RecentThumbnailCell.h"
@@ -133,6 +134,13 @@ TEST_F(LandingViewTest, aDropFromATemporaryFolderOpensACopyThatStays) {
     QFile file(copy.toLocalFile());
     ASSERT_TRUE(file.open(QFile::ReadOnly));
     EXPECT_EQ(file.readAll(), TestPdf().bytes());
+
+    // A folder that others can look into was made for no drop, so its files are opened where they are.
+    const QTemporaryDir shared(QStringLiteral("/var/tmp/quillo-test-XXXXXX"));
+    const QUrl url = TestPdf().write(shared.path(), QStringLiteral("report.pdf"));
+    EXPECT_NE(DroppedFile::keep(url), url);
+    ASSERT_TRUE(QFile::setPermissions(shared.path(), QFile::permissions(shared.path()) | QFile::ReadGroup));
+    EXPECT_EQ(DroppedFile::keep(url), url);
 }
 
 TEST_F(LandingViewTest, whatIsNoPDFGoesToTheRouterAndWhatIsNoFileIsNotTaken) {
