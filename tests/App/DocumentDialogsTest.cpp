@@ -243,6 +243,22 @@ TEST(DocumentDialogs, theSavePanelStartsAtTheSuggestionAndAddsTheExtension) {
     EXPECT_EQ(dialogs.chooseSaveLocation(nullptr, folder.filePath(QStringLiteral("paper.pdf"))),
               folder.filePath(QStringLiteral("copy.pdf")));
 
-    whenAsked([](QDialog& dialog) { dialog.reject(); });
-    EXPECT_EQ(dialogs.chooseSaveLocation(nullptr, folder.filePath(QStringLiteral("paper.pdf"))), std::nullopt);
+    // A name without its extension stands for the file that is there; refusing leads back to the panel.
+    QFile file(folder.filePath(QStringLiteral("copy.pdf")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    for (const bool replaces : {true, false}) {
+        whenAsked([replaces](QDialog& dialog) {
+            whenAsked([replaces](QDialog& question) {
+                EXPECT_EQ(dynamic_cast<QMessageBox&>(question).text(),
+                          QStringLiteral("“copy.pdf” already exists. Do you want to replace it?"));
+                if (!replaces)
+                    whenAsked([](QDialog& panel) { panel.reject(); });
+                press(question, replaces ? QStringLiteral("Replace") : QStringLiteral("Cancel"));
+            });
+            dialog.findChild<QLineEdit*>()->setText(QStringLiteral("copy"));
+            QMetaObject::invokeMethod(&dialog, "accept");
+        });
+        const auto chosen = dialogs.chooseSaveLocation(nullptr, folder.filePath(QStringLiteral("paper.pdf")));
+        EXPECT_EQ(chosen, replaces ? std::optional(file.fileName()) : std::nullopt);
+    }
 }
