@@ -8,20 +8,28 @@
 #include "PDFEditorWorkspaceView.h"
 #include "PDFViewCoordinator.h"
 #include "PassingNotice.h"
+#include "RecoverySetting.h"
 #include "RecoveryStore.h"
 #include "RecoveryWindow.h"
+#include "UserDefaults.h"
 #include "WindowPresenter.h"
 
 #include <algorithm>
 
 static constexpr std::chrono::seconds noticeTime{8};
 
-CrashRecovery::CrashRecovery(DocumentController& controller, WindowPresenter& presenter, QObject* parent)
+CrashRecovery::CrashRecovery(DocumentController& controller, WindowPresenter& presenter, UserDefaults& defaults,
+                             QObject* parent)
     : QObject(parent), m_presenter(presenter), m_recovery(controller, RecoveryStore::standardFolder()),
       m_lostDocuments(controller, m_recovery) {
     m_recovery.setCurrentPage([this](const PDFEditorDocument& document) {
         const PDFEditorWorkspaceView* shown = workspace(document);
         return shown ? shown->coordinator().currentPageIndex() : std::nullopt;
+    });
+    m_recovery.setOn(RecoverySetting::isOn(defaults));
+    connect(&defaults, &UserDefaults::changed, this, [this, &defaults](const QString& key) {
+        if (key == RecoverySetting::key())
+            m_recovery.setOn(RecoverySetting::isOn(defaults));
     });
     connect(&m_recovery, &DocumentRecovery::writingFailed, this, &CrashRecovery::tell);
 }

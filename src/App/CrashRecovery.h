@@ -10,6 +10,7 @@
 
 class PDFEditorWorkspaceView;
 class RecoveryWindow;
+class UserDefaults;
 class WindowPresenter;
 
 /// Keeps unsaved changes safe while the program runs, and offers at the start what an earlier process lost. Main thread
@@ -18,8 +19,9 @@ class CrashRecovery : public QObject {
     Q_OBJECT
 
 public:
-    /// Both must outlive this.
-    CrashRecovery(DocumentController& controller, WindowPresenter& presenter, QObject* parent = nullptr);
+    /// All must outlive this.
+    CrashRecovery(DocumentController& controller, WindowPresenter& presenter, UserDefaults& defaults,
+                  QObject* parent = nullptr);
     ~CrashRecovery() override;
 
     /// Shows a window when there is something to offer.

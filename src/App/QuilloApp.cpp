@@ -6,6 +6,8 @@
 #include "FileRefusal.h"
 #include "OpenPanel.h"
 #include "PDFEditorDocument.h"
+#include "RecentPageStore.h"
+#include "RecentScaleStore.h"
 
 #include <QGuiApplication>
 
@@ -19,13 +21,17 @@ QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
           [this](DocumentDialogs::Answered answered) { m_dialogs->offerToBecomeDefault(std::move(answered)); }),
       m_defaultViewer(m_defaultHandler, *m_dialogs), m_settings(m_defaults, m_defaultHandler),
       m_delegate(m_services, m_defaultHandler), m_sessionEnd(m_controller, m_delegate, *m_dialogs),
-      m_crashRecovery(m_controller, m_presenter), m_fileMonitor(m_controller, m_presenter) {
+      m_crashRecovery(m_controller, m_presenter, m_defaults), m_fileMonitor(m_controller, m_presenter) {
     m_presenter.setServices(m_services);
     connect(&m_presenter, &WindowPresenter::documentPresented, &m_delegate, &AppDelegate::closeWelcomeWindow,
             Qt::QueuedConnection);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, &m_fileMonitor, [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive)
             m_fileMonitor.checkAll();
+    });
+    connect(&m_controller, &DocumentController::recentDocumentsCleared, this, [this] {
+        RecentPageStore::clear(m_defaults);
+        RecentScaleStore::clear(m_defaults);
     });
     connectActions();
     setFileDestinations();

@@ -24,3 +24,7 @@ std::optional<int> RecentPageStore::pageIndex(const UserDefaults& defaults, cons
 void RecentPageStore::setPageIndex(UserDefaults& defaults, int index, const QUrl& url) {
     pageIndices().setValue(defaults, url, static_cast<qlonglong>(index));
 }
+
+void RecentPageStore::clear(UserDefaults& defaults) {
+    pageIndices().clear(defaults);
+}

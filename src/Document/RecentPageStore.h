@@ -15,4 +15,7 @@ namespace RecentPageStore {
 /// Entries that can't be read, the store as a whole being something else than paths with numbers, are replaced.
 void setPageIndex(UserDefaults& defaults, int index, const QUrl& url);
 
+/// Forgets all files.
+void clear(UserDefaults& defaults);
+
 } // namespace RecentPageStore

@@ -21,3 +21,7 @@ void RecentScaleStore::setScale(UserDefaults& defaults, std::optional<double> sc
     else
         scales().removeValue(defaults, url);
 }
+
+void RecentScaleStore::clear(UserDefaults& defaults) {
+    scales().clear(defaults);
+}

@@ -15,4 +15,7 @@ namespace RecentScaleStore {
 /// None removes the entry.
 void setScale(UserDefaults& defaults, std::optional<double> scale, const QUrl& url);
 
+/// Forgets all files.
+void clear(UserDefaults& defaults);
+
 } // namespace RecentScaleStore

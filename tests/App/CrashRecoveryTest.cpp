@@ -5,6 +5,7 @@
 #include "PDFViewCoordinator.h"
 #include "PassingNotice.h"
 #include "RecoveryRow.h"
+#include "RecoverySetting.h"
 #include "RecoveryStore.h"
 #include "RecoveryWindow.h"
 
@@ -100,6 +101,22 @@ TEST_F(CrashRecoveryTest, whatIsLeftIsOfferedAgainAndWhatIsDeletedIsNot) {
     launch();
     EXPECT_EQ(offer(), nullptr);
     EXPECT_FALSE(PDFDocument::fromFile(url.toLocalFile())->page(0)->rotation() == 90);
+}
+
+TEST_F(CrashRecoveryTest, turnedOffNothingIsKept) {
+    launch({file(QStringLiteral("a.pdf"))});
+    const auto recordCount = [this] {
+        document(0)->undoManager()->markEdited();
+        document(0)->pdfDocument()->page(0)->setRotation((document(0)->pdfDocument()->page(0)->rotation() + 90) % 360);
+        m_app->controller().prepareForSessionEnd();
+        return QDir(RecoveryStore::standardFolder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+    };
+    EXPECT_EQ(recordCount(), 1);
+    RecoverySetting::setOn(m_app->defaults(), false);
+    m_app->crashRecovery().recovery().waitForDone();
+    EXPECT_EQ(recordCount(), 0);
+    RecoverySetting::setOn(m_app->defaults(), true);
+    EXPECT_EQ(recordCount(), 1) << "for documents that are open, too";
 }
 
 TEST_F(CrashRecoveryTest, thatChangesCannotBeKeptSafeIsToldOverThePage) {

@@ -1,5 +1,7 @@
 #include "AppTest.h"
 
+#include "RecentPageStore.h"
+#include "RecentScaleStore.h"
 #include "UnlockDocumentView.h"
 
 #include <QDir>
@@ -64,4 +66,13 @@ TEST_F(OpenFilesTest, anotherStartHandsItsFilesOver) {
     settle();
     EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("100% ä.pdf"), QStringLiteral("b#1.pdf")}));
     EXPECT_FALSE(landingIsVisible());
+}
+
+TEST_F(OpenFilesTest, clearingTheRecentFilesForgetsTheirPagesAndScales) {
+    const QUrl url = file(QStringLiteral("a.pdf"));
+    RecentPageStore::setPageIndex(m_app->defaults(), 1, url);
+    RecentScaleStore::setScale(m_app->defaults(), 1.5, url);
+    m_app->controller().clearRecentDocuments();
+    EXPECT_EQ(RecentPageStore::pageIndex(m_app->defaults(), url), std::nullopt);
+    EXPECT_EQ(RecentScaleStore::scale(m_app->defaults(), url), std::nullopt);
 }

@@ -5,8 +5,10 @@
 #include "PDFEditorDocument.h"
 #include "RecoveryRecord.h"
 
+#include <utility>
+
 DocumentRecovery::DocumentRecovery(DocumentController& controller, QString folder, RecoveryPace pace, QObject* parent)
-    : QObject(parent), m_folder(std::move(folder)), m_pace(pace) {
+    : QObject(parent), m_controller(controller), m_folder(std::move(folder)), m_pace(pace) {
     m_pool.setMaxThreadCount(1);
     connect(&controller, &DocumentController::documentAdded, this, &DocumentRecovery::add);
     connect(&controller, &DocumentController::documentRemoved, this, &DocumentRecovery::remove);
@@ -21,9 +23,20 @@ DocumentRecovery::~DocumentRecovery() {
     m_pool.waitForDone();
 }
 
+void DocumentRecovery::setOn(bool isOn) {
+    if (std::exchange(m_isOn, isOn) == isOn)
+        return;
+    for (const std::shared_ptr<Document>& document : m_controller.documents()) {
+        if (isOn)
+            add(document);
+        else
+            remove(document);
+    }
+}
+
 void DocumentRecovery::add(const std::shared_ptr<Document>& document) {
     auto* editorDocument = dynamic_cast<PDFEditorDocument*>(document.get());
-    if (!editorDocument)
+    if (!editorDocument || !m_isOn)
         return;
     auto writer = std::make_unique<RecoveryWriter>(
         *editorDocument, m_pool, m_folder, m_pace,

@@ -24,6 +24,9 @@ public:
     /// Records of documents that are still open stay on the disk. Waits for work that was begun.
     ~DocumentRecovery() override;
 
+    /// On from the start. Turned off, it deletes the records of all open documents and makes no more.
+    void setOn(bool isOn);
+
     /// How to learn which page the reader is on; nobody reads unless it is set.
     void setCurrentPage(RecoveryWriter::CurrentPage currentPage) { m_currentPage = std::move(currentPage); }
 
@@ -51,9 +54,11 @@ private:
     void writeAll();
     void tellFailure(const RecoveryWriter& writer, const QString& sentence);
 
+    DocumentController& m_controller;
     const QString m_folder;
     const RecoveryPace m_pace;
     RecoveryWriter::CurrentPage m_currentPage;
+    bool m_isOn = true;
     /// One thread for all: work on one record never overlaps, and leaves the processor to the reader.
     QThreadPool m_pool;
     std::unordered_map<const Document*, std::unique_ptr<RecoveryWriter>> m_writers;

@@ -91,9 +91,11 @@ RecoveryRecord::~RecoveryRecord() {
 }
 
 std::unique_ptr<RecoveryRecord> RecoveryRecord::create(const QString& folder) {
-    QDir().mkpath(QFileInfo(folder).path()); // a failure shows in the next line
+    const QString parent = QFileInfo(folder).path();
+    QDir().mkpath(parent); // a failure shows in the next line
     makeFolder(folder);
     QFile::setPermissions(folder, userOnlyFolder);
+    synchronizeFolder(parent);
 
     // It gets its name when its lock is held, so nobody takes it for a lost one meanwhile.
     const QString id = randomId();
@@ -108,6 +110,7 @@ std::unique_ptr<RecoveryRecord> RecoveryRecord::create(const QString& folder) {
         QDir(unready).removeRecursively();
         throw FileError::forSystemError(error);
     }
+    synchronizeFolder(folder);
     return std::unique_ptr<RecoveryRecord>(new RecoveryRecord(path, lock));
 }
 
@@ -169,10 +172,7 @@ RecoveryManifest::Part RecoveryRecord::writePart(const QString& kind, const QByt
 }
 
 void RecoveryRecord::write(const RecoveryDescription& description, const QByteArray& base, const QByteArray& update) {
-    // New parts get new names, so the old ones are whole until the manifest, replaced last, no longer names them.
-    RecoveryManifest next;
-    next.description = description;
-    try {
+    replace(description, base, [&](RecoveryManifest& next) {
         const bool hasBase = m_manifest && base.constData() == m_base.constData() && base.size() == m_base.size();
         next.base = hasBase ? m_manifest->base : writePart(QStringLiteral("base"), base);
         if (!update.isEmpty()) {
@@ -180,6 +180,31 @@ void RecoveryRecord::write(const RecoveryDescription& description, const QByteAr
             const bool hasUpdate = former && former->byteCount == update.size() && former->sha256 == sha256(update);
             next.update = hasUpdate ? *former : writePart(QStringLiteral("update"), update);
         }
+    });
+}
+
+void RecoveryRecord::write(const RecoveryDescription& description,
+                           const std::function<void(const QString& path)>& writeWhole) {
+    replace(description, {}, [&](RecoveryManifest& next) {
+        next.base.fileName = RecoveryManifest::partName(QStringLiteral("base"), ++m_lastPartNumber);
+        QFile file(filePath(next.base.fileName));
+        writeWhole(file.fileName());
+        file.setPermissions(userOnly);
+        QCryptographicHash hash(QCryptographicHash::Sha256);
+        if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
+            throw FileError(QStringLiteral("What was written can't be read."));
+        next.base.byteCount = file.size();
+        next.base.sha256 = hash.result();
+    });
+}
+
+void RecoveryRecord::replace(const RecoveryDescription& description, const QByteArray& base,
+                             const std::function<void(RecoveryManifest& next)>& writeParts) {
+    // New parts get new names, so the old ones are whole until the manifest, replaced last, no longer names them.
+    RecoveryManifest next;
+    next.description = description;
+    try {
+        writeParts(next);
         writeUserOnly(filePath(manifestName), next.encoded());
     } catch (...) {
         removeUnnamedFiles();

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -42,6 +43,9 @@ public:
     /// written then. When it fails, what was there before stays.
     void write(const RecoveryDescription& description, const QByteArray& base, const QByteArray& update);
 
+    /// The same with a document that `writeWhole` puts into the file at the path that it gets, without being in memory.
+    void write(const RecoveryDescription& description, const std::function<void(const QString& path)>& writeWhole);
+
     /// The document: the base with the update after it. Throws also when they aren't what was written.
     [[nodiscard]] QByteArray bytes();
 
@@ -63,6 +67,8 @@ private:
     [[nodiscard]] QByteArray readPart(const RecoveryManifest::Part& part) const;
     [[nodiscard]] bool hasPart(const RecoveryManifest::Part& part) const;
     void load();
+    void replace(const RecoveryDescription& description, const QByteArray& base,
+                 const std::function<void(RecoveryManifest& next)>& writeParts);
     void removeUnnamedFiles() const;
 
     QString m_path;

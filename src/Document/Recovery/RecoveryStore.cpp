@@ -40,10 +40,9 @@ std::vector<std::unique_ptr<RecoveryRecord>> RecoveryStore::takeLost(const QStri
         std::unique_ptr<RecoveryRecord> record = RecoveryRecord::take(entry.filePath());
         if (!record)
             continue;
-        const int daysToKeep = record->isUnfinished() ? daysToKeepUnfinished : daysToKeepUnreadable;
         if (record->manifest())
             lost.push_back(std::move(record));
-        else if (modified.daysTo(now) > daysToKeep)
+        else if (record->isUnfinished() && modified.daysTo(now) > daysToKeepUnfinished)
             record->remove();
     }
     std::stable_sort(lost.begin(), lost.end(), [](const auto& a, const auto& b) {

@@ -25,6 +25,9 @@ struct RecoveryPace {
     /// of the time at most, but never longer than the second of these.
     std::chrono::milliseconds betweenWrites{10'000};
     std::chrono::milliseconds longestBetweenWrites{20'000};
+    /// The longest time for one that is written as a whole each time, as protected ones are and those that lack pages;
+    /// the larger it is, the longer it waits.
+    std::chrono::milliseconds longestBetweenWholeWrites{180'000};
     /// After a failure.
     std::chrono::milliseconds beforeRetry{60'000};
     /// From one picture of the reader's page to the next.

@@ -191,12 +191,6 @@ void synchronize(int descriptor) {
         throw FileError::forSystemError(errno);
 }
 
-void synchronizeFolder(const path& name) {
-    const Descriptor folder(open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.isOpen())
-        fsync(folder.number());
-}
-
 void writeContent(const path& temporary, const std::function<void(QFile&)>& write) {
     TemporaryFile file(temporary);
     if (!file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
@@ -263,7 +257,13 @@ FileStamp writeFileAtomically(const QString& path, const std::function<void(QFil
     removeTemporary.dismiss();
 
     // The new content is in place now; a folder that can't be synchronized is no failure to tell.
-    synchronizeFolder(folder);
+    synchronizeFolder(QFile::decodeName(folder.c_str()));
     removeLeftovers(folder, written.st_mtime);
     return FileStamp::of(written);
+}
+
+void synchronizeFolder(const QString& path) {
+    const Descriptor folder(open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.isOpen())
+        fsync(folder.number());
 }

@@ -33,9 +33,12 @@ class QFile;
 FileStamp writeFileAtomically(const QString& path, const QByteArray& bytes,
                               const std::optional<FileStamp>& expected = std::nullopt);
 
-/// The same for content that is written piece by piece: `write` gets a new, empty temporary file in the target's
-/// folder, open for reading and writing, without a buffer. It need not check its writes: a failed one makes the whole
-/// fail. It may close the file, or write to `fileName()` by other means, whose errors it must report itself. Whatever
-/// it throws passes through and leaves the target as it was.
+/// Returns when the names in the folder at `path` are safely on the disk, if its file system can tell.
+void synchronizeFolder(const QString& path);
+
+/// The same as the first for content that is written piece by piece: `write` gets a new, empty temporary file in the
+/// target's folder, open for reading and writing, without a buffer. It need not check its writes: a failed one makes
+/// the whole fail. It may close the file, or write to `fileName()` by other means, whose errors it must report itself.
+/// Whatever it throws passes through and leaves the target as it was.
 FileStamp writeFileAtomically(const QString& path, const std::function<void(QFile& file)>& write,
                               const std::optional<FileStamp>& expected = std::nullopt);

@@ -171,6 +171,7 @@ void DocumentController::noteNewRecentDocumentURL(const QUrl& url) {
 }
 
 void DocumentController::clearRecentDocuments() {
+    Q_EMIT recentDocumentsCleared();
     if (!m_defaults.contains(recentDocumentsKey))
         return;
     m_defaults.removeObject(recentDocumentsKey);

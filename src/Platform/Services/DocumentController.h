@@ -116,6 +116,7 @@ public:
     /// Puts a local file at the front. Opening and saving do this themselves.
     void noteNewRecentDocumentURL(const QUrl& url);
 
+    /// What others remember of files goes with `recentDocumentsCleared`.
     void clearRecentDocuments();
 
     /// Adds and shows a document that was filled with what a process lost: it is edited, and nothing can be undone. Its
@@ -133,6 +134,7 @@ Q_SIGNALS:
     void sessionWillEnd();
     void currentDocumentChanged(const std::shared_ptr<Document>& document);
     void recentDocumentsChanged();
+    void recentDocumentsCleared();
 
 private:
     using Documents = std::vector<std::shared_ptr<Document>>;

@@ -2,8 +2,10 @@
 
 #include "APIKeyStore.h"
 #include "Palette.h"
+#include "RecoverySetting.h"
 #include "SymbolLabel.h"
 
+#include <QCheckBox>
 #include <QFormLayout>
 #include <QFrame>
 #include <QLabel>
@@ -92,6 +94,12 @@ QWidget* SettingsView::makeGeneralSection() {
     row->addWidget(m_refusal);
     row->addWidget(m_isDefault);
     row->addWidget(m_setAsDefaultButton);
+    auto* recovery = new QCheckBox(QStringLiteral("Keep unsaved changes for recovery"));
+    recovery->setObjectName(QStringLiteral("keepsUnsavedChanges"));
+    recovery->setAccessibleName(recovery->text());
+    recovery->setChecked(RecoverySetting::isOn(m_defaults));
+    connect(recovery, &QCheckBox::toggled, this, [this](bool isOn) { RecoverySetting::setOn(m_defaults, isOn); });
+
     auto* section = new QWidget;
     auto* layout = new QVBoxLayout(section);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -100,6 +108,11 @@ QWidget* SettingsView::makeGeneralSection() {
     layout->addLayout(row);
     layout->addWidget(makeNote(QStringLiteral(
         "Makes PDFs open in Quillo automatically when double-clicked in Finder, Mail, or anywhere else.")));
+    layout->addWidget(recovery);
+    layout->addWidget(
+        makeNote(QStringLiteral("Stores them in your home folder until you save or close the document, so "
+                                "that a crash loses nothing. Turn it off if they must not leave an "
+                                "encrypted volume.")));
     return section;
 }
 

@@ -1,9 +1,11 @@
 #include "SettingsView.h"
 
 #include "APIKeyStore.h"
+#include "RecoverySetting.h"
 #include "SymbolLabel.h"
 #include "ViewTest.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -36,6 +38,16 @@ protected:
     QLineEdit* m_url = nullptr;
     QLineEdit* m_key = nullptr;
 };
+
+TEST_F(SettingsViewTest, unsavedChangesAreKeptUnlessTheUserTurnsItOff) {
+    openSettings();
+    for (const bool isOn : {false, true, false}) {
+        QTest::keyClick(find<QCheckBox>(*m_settings, QStringLiteral("keepsUnsavedChanges")), Qt::Key_Space);
+        EXPECT_EQ(RecoverySetting::isOn(m_defaults), isOn);
+    }
+    openSettings();
+    EXPECT_FALSE(find<QCheckBox>(*m_settings, QStringLiteral("keepsUnsavedChanges"))->isChecked());
+}
 
 TEST_F(SettingsViewTest, theStatusFollowsKeysAndFields) {
     openSettings();
