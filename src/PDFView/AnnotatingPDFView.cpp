@@ -71,6 +71,7 @@ void AnnotatingPDFView::setToolState(const std::shared_ptr<ToolState>& toolState
 }
 
 void AnnotatingPDFView::setDocUndoManager(const std::shared_ptr<UndoManager>& undoManager) {
+    m_eraser->finish();
     m_docUndoManager = undoManager;
 }
 
@@ -153,12 +154,14 @@ void AnnotatingPDFView::finishGestures() {
     m_shape->finish();
     m_signature->finish();
     m_noteDrag->finish();
+    m_eraser->finish();
 }
 
 bool AnnotatingPDFView::cancelOperation() {
     m_shape->cancel();
     m_signature->cancel();
     m_noteDrag->cancel();
+    m_eraser->finish();
     if (!m_toolState || m_toolState->tool() == AnnotationTool::select)
         return PDFView::cancelOperation();
     m_toolState->setTool(AnnotationTool::select);
@@ -173,11 +176,16 @@ void AnnotatingPDFView::showEvent(QShowEvent* event) {
         qApp->installEventFilter(this);
 }
 
-/// Every release of the left button in the program's windows ends what may have been a selection of text.
+/// Every release of the left button in the program's windows ends what may have been a selection of text. That a pen is
+/// taken away is told to the program alone.
 bool AnnotatingPDFView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonRelease && watched->isWidgetType() &&
         static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton)
         applyStickyMarkupIfNeeded();
+    if (event->type() == QEvent::TabletLeaveProximity && std::exchange(m_penErases, false)) {
+        m_eraser->finish();
+        updateEraserVisual(m_lastMouseViewPoint = std::nullopt);
+    }
     return PDFView::eventFilter(watched, event);
 }
 

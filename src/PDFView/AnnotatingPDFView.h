@@ -124,9 +124,10 @@ private:
 
     EraserCursorOverlay* const m_eraserOverlay;
     std::optional<QPointF> m_lastMouseViewPoint;
-    bool m_eraserCursorHidden = false;          // the ring is there in its place
-    bool m_penErases = false;                   // the eraser end of a pen is over the view
-    std::optional<AnnotationTool> m_cursorTool; // whose cursor the pointer has
+    bool m_eraserCursorHidden = false; // the ring is there in its place
+    bool m_penErases = false;          // the eraser end of a pen is over the view
+    /// Whose cursor the pointer has, made for a screen of that ratio of pixels.
+    std::optional<std::pair<AnnotationTool, qreal>> m_toolCursor;
     bool m_watchesForStickyMarkup = false;
     std::stop_source m_closing; // of the recognition that runs for this view
 };

@@ -141,6 +141,8 @@ bool AnnotatingPDFView::usePenEraser(QTabletEvent* event) {
     }
     if (event->type() != QEvent::TabletRelease && event->buttons().testFlag(Qt::LeftButton))
         m_eraser->eraseAnnotation(event->position());
+    else
+        m_eraser->finish();
     event->accept();
     return true;
 }
@@ -162,7 +164,7 @@ bool AnnotatingPDFView::viewportEvent(QEvent* event) {
         m_lastMouseViewPoint.reset();
         m_penErases = false;
         updateEraserVisual(std::nullopt);
-        m_cursorTool.reset();
+        m_toolCursor.reset();
         viewport()->setCursor(Qt::ArrowCursor);
         break;
     default:
@@ -179,7 +181,7 @@ bool AnnotatingPDFView::fingerDraws() const {
 
 void AnnotatingPDFView::updateCursor(QPointF viewPoint) {
     if (!m_toolState || m_toolState->tool() == AnnotationTool::select) {
-        m_cursorTool.reset();
+        m_toolCursor.reset();
         updateEraserVisual(std::nullopt);
         PDFView::updateCursor(viewPoint);
         return;
@@ -187,9 +189,10 @@ void AnnotatingPDFView::updateCursor(QPointF viewPoint) {
     const AnnotationTool tool = m_toolState->tool();
     m_lastMouseViewPoint = viewPoint;
     updateEraserVisual(viewPoint);
-    if (tool != AnnotationTool::eraser && m_cursorTool != tool) {
-        viewport()->setCursor(ToolCursor::cursor(tool, devicePixelRatioF()));
-        m_cursorTool = tool;
+    const std::pair wanted(tool, devicePixelRatioF());
+    if (tool != AnnotationTool::eraser && m_toolCursor != wanted) {
+        viewport()->setCursor(ToolCursor::cursor(tool, wanted.second));
+        m_toolCursor = wanted;
     }
 }
 
@@ -210,7 +213,7 @@ void AnnotatingPDFView::updateEraserVisual(const std::optional<QPointF>& viewPoi
     else if (!isShown && m_eraserCursorHidden)
         viewport()->setCursor(Qt::ArrowCursor);
     if (isShown != m_eraserCursorHidden)
-        m_cursorTool.reset();
+        m_toolCursor.reset();
     m_eraserCursorHidden = isShown;
     m_eraserOverlay->show(isShown ? viewPoint : std::nullopt,
                           erases ? m_toolState->eraserSize() * scaleFactor() : m_eraserOverlay->diameter());

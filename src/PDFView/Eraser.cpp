@@ -6,9 +6,11 @@
 #include "PDFAnnotation.h"
 #include "PDFPage.h"
 #include "ToolState.h"
+#include "UndoManager.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -47,6 +49,15 @@ void addRemains(Remains& remains, const std::vector<QPointF>& points, QPointF or
 } // namespace
 
 Eraser::Eraser(AnnotatingPDFView& view) : m_view(view) {}
+
+Eraser::~Eraser() {
+    finish();
+}
+
+void Eraser::finish() {
+    if (const auto undoManager = std::exchange(m_grouped, {}).lock())
+        undoManager->endUndoGrouping();
+}
 
 void Eraser::eraseAnnotation(QPointF viewPoint) {
     const std::shared_ptr<PDFPage> page = m_view.pageAt(viewPoint, true);
@@ -88,6 +99,11 @@ void Eraser::splitInkAnnotation(const std::shared_ptr<PDFAnnotation>& annotation
 }
 
 void Eraser::remove(const std::shared_ptr<PDFAnnotation>& annotation, const std::shared_ptr<PDFPage>& page) {
+    const std::shared_ptr<UndoManager>& undoManager = m_view.docUndoManager();
+    if (undoManager && m_grouped.expired()) {
+        undoManager->beginUndoGrouping();
+        m_grouped = undoManager;
+    }
     const int index = page->removeAnnotation(annotation);
-    AnnotationUndo::registerRemoving(m_view.docUndoManager().get(), page, annotation, index);
+    AnnotationUndo::registerRemoving(undoManager.get(), page, annotation, index);
 }

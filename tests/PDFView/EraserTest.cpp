@@ -166,6 +166,36 @@ TEST_F(EraserTest, theEraserEndOfAPenErasesWithAnyTool) {
     pen(QEvent::TabletRelease, {150, 500}, false);
     endTurn();
     EXPECT_EQ(annotations().size(), 3U);
-    hover({300, 300});
+    m_undoManager->undo();
+    EXPECT_EQ(annotations().size(), 1U);
+    EXPECT_TRUE(ring().isVisible());
+    QEvent takenAway(QEvent::TabletLeaveProximity); // told to the program, not to the view
+    QCoreApplication::sendEvent(qApp, &takenAway);
     EXPECT_FALSE(ring().isVisible());
+}
+
+TEST_F(EraserTest, whatOneDragErasesIsTakenBackAtOnce) {
+    m_toolState->setEraserMode(EraserMode::precise);
+    const auto row = addRow();
+    for (const QPointF end : {QPointF(260, 500), QPointF(140, 500)}) {
+        press({200, 500});
+        for (int step = 1; step <= 6; ++step) {
+            endTurn();
+            moveTo({200 + (end.x() - 200) * step / 6, 500});
+        }
+        EXPECT_FALSE(m_undoManager->canUndo()); // in the middle of it
+        if (end.x() > 200)
+            release(end);
+        else
+            m_toolState->setTool(AnnotationTool::select); // which ends it as well
+        endTurn();
+    }
+    EXPECT_EQ(annotations().size(), 2U);
+    EXPECT_FALSE(std::count(annotations().begin(), annotations().end(), row));
+    m_undoManager->undo();
+    m_undoManager->undo();
+    EXPECT_EQ(annotations(), std::vector{row});
+    EXPECT_FALSE(m_undoManager->canUndo());
+    m_undoManager->redo();
+    EXPECT_EQ(annotations().size(), 2U);
 }
