@@ -6,6 +6,7 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -32,6 +33,8 @@ static void setContent(QMessageBox& box, const QString& symbolName, const QStrin
     box.setTextFormat(Qt::PlainText);
     box.setText(text);
     box.setInformativeText(informativeText);
+    for (QLabel* label : box.findChildren<QLabel*>()) // that of the informative text has its own format
+        label->setTextFormat(Qt::PlainText);
 }
 
 namespace {

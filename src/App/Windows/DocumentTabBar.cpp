@@ -1,5 +1,6 @@
 #include "DocumentTabBar.h"
 
+#include "PlainText.h"
 #include "SymbolIcon.h"
 
 #include <QAction>
@@ -131,9 +132,8 @@ void DocumentTabBar::setCurrent(QWidget* content) {
 void DocumentTabBar::setTitle(QWidget* content, const QString& title, bool isEdited, const QString& toolTip) {
     const int tab = index(content);
     const QString mark = isEdited ? QStringLiteral("• ") : QString();
-    // "&" would mark a key.
-    m_tabs->setTabText(tab, mark + QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
-    m_tabs->setTabToolTip(tab, toolTip);
+    m_tabs->setTabText(tab, mark + PlainText::withoutMnemonics(title));
+    m_tabs->setTabToolTip(tab, PlainText::toolTip(toolTip));
 }
 
 void DocumentTabBar::requestMenu(QPoint position) {

@@ -4,6 +4,7 @@
 #include "DocumentController.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
+#include "PlainText.h"
 #include "Shortcuts.h"
 #include "ToolActions.h"
 #include "UndoManager.h"
@@ -15,11 +16,6 @@
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QTextEdit>
-
-/// A file name as the text of a menu entry: "&" would mark a key.
-static QString menuText(const QString& fileName) {
-    return QString(fileName).replace(QLatin1Char('&'), QLatin1String("&&"));
-}
 
 MainMenu::MainMenu(QMainWindow& window, AppActions& actions, DocumentController& controller)
     : QObject(&window), m_window(window), m_controller(controller),
@@ -112,8 +108,8 @@ void MainMenu::fillRecentMenu() {
     m_recentMenu->clear();
     const QList<QUrl> urls = m_controller.recentDocumentURLs();
     for (const QUrl& url : urls) {
-        QAction* action = m_recentMenu->addAction(menuText(url.fileName()));
-        action->setToolTip(QDir::toNativeSeparators(url.toLocalFile()));
+        QAction* action = m_recentMenu->addAction(PlainText::withoutMnemonics(url.fileName()));
+        action->setToolTip(PlainText::toolTip(QDir::toNativeSeparators(url.toLocalFile())));
         connect(action, &QAction::triggered, this, [this, url] { Q_EMIT openRecentRequested(url); });
     }
     m_recentMenu->setToolTipsVisible(true);

@@ -1,5 +1,6 @@
 #include "UnsavedDocumentsDialog.h"
 
+#include "PlainText.h"
 #include "SymbolIcon.h"
 
 #include <QDialogButtonBox>
@@ -73,7 +74,7 @@ void UnsavedDocumentsDialog::fillList(const std::vector<Entry>& documents) {
     m_list->setSpacing(rowSpacing);
     for (const Entry& entry : documents) {
         auto* item = new QListWidgetItem(QStringLiteral("%1 — %2").arg(entry.name, entry.place), m_list);
-        item->setToolTip(entry.place);
+        item->setToolTip(PlainText::toolTip(entry.place));
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         item->setCheckState(Qt::Checked);
     }

@@ -52,7 +52,8 @@ enum class PDFViewCommand {
 /// Keys: Page Up and Page Down, Space and Shift+Space scroll by a screen; the arrows by a little, Left and Right by a
 /// page when nothing lies to the side; Home and End go to the start and the end of the current page; Tab and Shift+Tab
 /// go through the links on the screen and through the fields of a form, Return follows a link, Space and the arrows
-/// fill a field, Escape leaves it or drops the selection. The wheel zooms with Ctrl and scrolls to the side with Shift.
+/// fill a field, Escape leaves it or drops the selection; Shift+F10 opens the menu. The wheel zooms with Ctrl and
+/// scrolls to the side with Shift.
 ///
 /// Fingers: one scrolls and flings, two zoom and move, a tap is a click, a finger that rests opens the menu.
 class PDFView : public PageSurface {
@@ -225,6 +226,10 @@ protected:
 
 private:
     friend struct PDFViewParts;
+
+    void showMenu(QPointF viewPoint);
+    /// Where the keyboard opens the menu: on the selection where that is seen, else in the middle. View point.
+    [[nodiscard]] QPointF menuPoint() const;
 
     const std::unique_ptr<PDFViewParts> m_parts;
 };

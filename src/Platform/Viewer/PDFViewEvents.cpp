@@ -5,6 +5,7 @@
 #include "PDFPage.h"
 #include "PDFViewParts.h"
 #include "PageText.h"
+#include "PlainText.h"
 
 #include <QAction>
 #include <QApplication>
@@ -106,10 +107,11 @@ bool PDFView::viewportEvent(QEvent* event) {
         const auto field = m_parts->forms.toolTip(help->pos());
         const auto link = m_parts->links.linkAt(help->pos());
         if (field)
-            QToolTip::showText(help->globalPos(), field->text, viewport(), field->rect.toAlignedRect());
+            QToolTip::showText(help->globalPos(), PlainText::toolTip(field->text), viewport(),
+                               field->rect.toAlignedRect());
         else if (link)
-            QToolTip::showText(help->globalPos(), m_parts->links.describe(*link->annotation), viewport(),
-                               link->rect.toAlignedRect());
+            QToolTip::showText(help->globalPos(), PlainText::toolTip(m_parts->links.describe(*link->annotation)),
+                               viewport(), link->rect.toAlignedRect());
         else
             QToolTip::hideText();
         return true;
@@ -180,6 +182,8 @@ void PDFView::keyPressEvent(QKeyEvent* event) {
         glide(0, -screen);
         return;
     }
+    if (modifiers == Qt::ShiftModifier && event->key() == Qt::Key_F10)
+        return showMenu(menuPoint());
     if (modifiers != Qt::NoModifier) {
         event->ignore();
         return;
@@ -329,12 +333,32 @@ void PDFView::contextMenuEvent(QContextMenuEvent* event) {
     // In the middle of a drag it would get the release, and take it for a choice.
     if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
         return;
+    showMenu(event->reason() == QContextMenuEvent::Keyboard ? menuPoint() : QPointF(event->pos()));
+}
+
+void PDFView::showMenu(QPointF viewPoint) {
     // The menu goes with the view when that is closed meanwhile, so no one here may wait for it.
-    QMenu* const shown = menu(event->pos()).release();
+    QMenu* const shown = menu(viewPoint).release();
     if (!shown)
         return;
     shown->setAttribute(Qt::WA_DeleteOnClose);
-    shown->popup(event->globalPos());
+    shown->popup(viewport()->mapToGlobal(viewPoint.toPoint()));
+}
+
+QPointF PDFView::menuPoint() const {
+    const QRectF seen(viewport()->rect());
+    for (const PlacedPage& placed : m_parts->pages(false)) {
+        if (!placed.page || m_parts->selection.rangesOn(*placed.page).empty())
+            continue;
+        const auto text = m_parts->texts.textNow(placed.page->content());
+        if (!text)
+            continue;
+        for (const QRectF& line : m_parts->selection.rects(*placed.page, *text)) {
+            if (const QRectF shown = convertFromPage(line, *placed.page) & seen; !shown.isEmpty())
+                return shown.center();
+        }
+    }
+    return seen.center();
 }
 
 std::unique_ptr<QMenu> PDFView::menu(QPointF) {

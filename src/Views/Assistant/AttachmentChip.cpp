@@ -1,5 +1,6 @@
 #include "AttachmentChip.h"
 
+#include "PlainText.h"
 #include "SymbolIcon.h"
 #include "ToolbarButton.h"
 
@@ -41,7 +42,7 @@ AttachmentChip::~AttachmentChip() = default;
 void AttachmentChip::setName(const QString& name) {
     m_fileName = name;
     m_name->setAccessibleName(QStringLiteral("Attached file: ") + name);
-    setToolTip(name);
+    setToolTip(PlainText::toolTip(name));
     showName();
 }
 

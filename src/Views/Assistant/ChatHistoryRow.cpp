@@ -1,5 +1,6 @@
 #include "ChatHistoryRow.h"
 
+#include "PlainText.h"
 #include "SymbolIcon.h"
 #include "ToolbarButton.h"
 
@@ -26,7 +27,7 @@ ChatHistoryRow::ChatHistoryRow(const QString& title, const QString& time, bool i
     setText(title);
     setAccessibleName(title);
     setAccessibleDescription(time);
-    setToolTip(title);
+    setToolTip(PlainText::toolTip(title));
     setCheckable(true);
     setChecked(isCurrent);
     setFocusPolicy(Qt::TabFocus);

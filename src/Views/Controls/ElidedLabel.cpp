@@ -1,13 +1,14 @@
 #include "ElidedLabel.h"
 
+#include "PlainText.h"
+
 #include <QPainter>
 #include <QStyle>
 
 ElidedLabel::ElidedLabel(const QString& text, QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
     setText(text);
-    // A tool tip would read markup.
-    setToolTip(text.toHtmlEscaped());
+    setToolTip(PlainText::toolTip(text));
     setAccessibleName(text);
 }
 

@@ -1,6 +1,7 @@
 #include "RecentThumbnailCell.h"
 
 #include "Palette.h"
+#include "PlainText.h"
 #include "RecentThumbnailLoader.h"
 #include "ThumbnailCache.h"
 
@@ -19,7 +20,7 @@ RecentThumbnailCell::RecentThumbnailCell(const QUrl& url, RecentThumbnailLoader&
     setText(QFileInfo(url.toLocalFile()).completeBaseName());
     setObjectName(QStringLiteral("recent-") + url.toLocalFile());
     setAccessibleName(text());
-    setToolTip(QDir::toNativeSeparators(url.toLocalFile()));
+    setToolTip(PlainText::toolTip(QDir::toNativeSeparators(url.toLocalFile())));
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     setCursor(Qt::PointingHandCursor);

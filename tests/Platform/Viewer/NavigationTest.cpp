@@ -5,6 +5,7 @@
 #include "ShownView.h"
 
 #include <QAction>
+#include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -177,4 +178,27 @@ TEST(Navigation, bringsASelectionIntoSight) {
     view.goToSelection(selection);
     EXPECT_EQ(view.verticalScrollBar()->value(), value) << "what is in sight needs no scrolling";
     EXPECT_TRUE(view.canGoBack());
+}
+
+TEST(Navigation, pagesThatDifferByASliverLeaveTheArrowsAlone) {
+    PdfFixture fixture;
+    fixture.addPage({QStringLiteral("One")}, {612, 792});
+    fixture.addPage({QStringLiteral("Two")}, {613, 792});
+    ShownView view(documentOf(fixture));
+    view.key(Qt::Key_Right);
+    EXPECT_EQ(view.currentPageIndex(), 1);
+}
+
+TEST(Navigation, theKeyboardOpensTheMenuWhereTheSelectionIs) {
+    ShownView view(sampleDocument(1));
+    const auto openedAt = [&] {
+        view.key(Qt::Key_F10, Qt::ShiftModifier);
+        auto* menu = view.findChild<QMenu*>(QStringLiteral("pdfViewMenu"));
+        const QPoint at = menu ? view.viewport()->mapFromGlobal(menu->pos()) : QPoint();
+        delete menu;
+        return at;
+    };
+    EXPECT_NEAR(openedAt().y(), view.viewport()->rect().center().y(), 1);
+    view.drag(view.before(0, 0), view.before(0, 10));
+    EXPECT_NEAR(openedAt().y(), view.on(0, 5).y(), 4);
 }

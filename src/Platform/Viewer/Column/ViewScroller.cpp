@@ -8,6 +8,8 @@
 #include <cmath>
 
 static constexpr int glideMilliseconds = 140;
+/// Of the width of the view.
+static constexpr double sliver = 0.005;
 static constexpr double largestBarRange = 1 << 30;
 /// After a pause of this length the next move starts from rest, in milliseconds.
 static constexpr qint64 restAfter = 200;
@@ -25,7 +27,9 @@ ViewScroller::ViewScroller(QScrollBar& horizontal, QScrollBar& vertical, QObject
 }
 
 void ViewScroller::setExtent(QSizeF content, QSizeF view, double step) {
-    m_maximum = {std::max(0.0, content.width() - view.width()), std::max(0.0, content.height() - view.height())};
+    // Pages of one size often differ by a fraction of a point: a sliver beside the view is no place to scroll to.
+    const double beside = content.width() - view.width();
+    m_maximum = {beside > view.width() * sliver ? beside : 0.0, std::max(0.0, content.height() - view.height())};
     m_unit = std::max(1.0, std::ceil(std::max(m_maximum.x(), m_maximum.y()) / largestBarRange));
     m_syncing = true;
     const auto setRange = [&](QScrollBar& bar, double maximum, double page) {

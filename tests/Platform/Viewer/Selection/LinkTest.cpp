@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextDocumentFragment>
 #include <QToolTip>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -126,4 +127,18 @@ TEST(Links, theKeyboardReachesThemAndLeavesAgain) {
     for (int i = 0; i < 3; ++i)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     EXPECT_TRUE(next->hasFocus());
+}
+
+TEST(Links, theWordsOfAFileAreNoMarkupInToolTips) {
+    PdfFixture fixture;
+    fixture.addPage({});
+    fixture.addTextField(0, QStringLiteral("field"), QRectF(100, 600, 200, 40), {},
+                         "/TU (<img src=/etc/x> & <b>it</b>)");
+    ShownView view(documentOf(fixture));
+    const QPoint point = view.convertFromPage(QPointF(200, 620), *view.page(0)).toPoint();
+    QHelpEvent event(QEvent::ToolTip, point, view.viewport()->mapToGlobal(point));
+    QApplication::sendEvent(view.viewport(), &event);
+    ASSERT_TRUE(Qt::mightBeRichText(QToolTip::text()));
+    EXPECT_EQ(QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText(),
+              QStringLiteral("<img src=/etc/x> & <b>it</b>"));
 }
