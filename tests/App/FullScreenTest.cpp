@@ -5,6 +5,8 @@
 #include "PassingNotice.h"
 #include "WorkspaceToolbar.h"
 
+#include <QLineEdit>
+
 class FullScreenTest : public AppTest {
 protected:
     PDFEditorWorkspaceView* workspace() { return window()->currentContentView()->workspace(); }
@@ -36,6 +38,18 @@ TEST_F(FullScreenTest, pagesHaveTheWholeScreenAndTheUpperEdgeBringsTheRestBack) 
     EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == all; }));
     movePointerTo(window()->height() - 50);
     EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == none; }));
+
+    // What is being typed into stays, and a file that opens has no toolbar.
+    movePointerTo(0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shown() == all; }));
+    workspace()->findChild<QLineEdit*>(QStringLiteral("pageField"))->setFocus();
+    movePointerTo(window()->height() - 50);
+    QTest::qWait(600);
+    EXPECT_EQ(shown(), all);
+    workspace()->pdfView()->setFocus();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == none; }));
+    open(file(QStringLiteral("c.pdf")));
+    EXPECT_EQ(shown(), none);
 
     // Keys of commands still work, and the tab that comes to the front has no toolbar either.
     const ContentView* const before = window()->currentContentView();

@@ -53,6 +53,7 @@ TEST_F(SavingTest, aSaveThatTakesLongShowsUntilItEnds) {
     QCoreApplication::processEvents();
     EXPECT_TRUE(m_app->controller().isSaving(*document));
     EXPECT_FALSE(command(QStringLiteral("revert"))->isEnabled());
+    EXPECT_EQ(notice.message(), QStringLiteral("Saving…")) << "it is told when it begins";
     EXPECT_EQ(tabs->tabText(1), QStringLiteral("• a.pdf")) << "most saves are over before they are worth a word";
     EXPECT_TRUE(QTest::qWaitFor([&] { return tabs->tabText(1) == QStringLiteral("• a.pdf — Saving…"); }));
     EXPECT_TRUE(window()->windowTitle().startsWith(QStringLiteral("a.pdf — Saving…")));

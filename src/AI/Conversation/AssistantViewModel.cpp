@@ -76,6 +76,10 @@ AssistantViewModel::AssistantViewModel(const AssistantSource& source, std::share
 
 AssistantViewModel::~AssistantViewModel() = default;
 
+void AssistantViewModel::setSource(const AssistantSource& source) {
+    m_tools = AssistantToolFactory::makeTools(source);
+}
+
 // State
 
 void AssistantViewModel::setDraft(const QString& draft) {

@@ -40,6 +40,9 @@ public:
                                                                     std::shared_ptr<AIProvider> provider);
     ~AssistantViewModel() override;
 
+    /// From here on the tools work on another reading of the same file, in another view; the conversation goes on.
+    void setSource(const AssistantSource& source);
+
     // State
 
     /// The bubbles of the current conversation, oldest first.
@@ -119,7 +122,7 @@ private:
     void setAttachment(const std::optional<QString>& name, const std::optional<QString>& content);
     void setRunningSession(const std::optional<QUuid>& id);
 
-    const std::vector<AssistantTool> m_tools;
+    std::vector<AssistantTool> m_tools;
     const std::shared_ptr<AIProvider> m_provider;
     const QString m_systemPrompt;
     QString m_documentKey; // the file's path; empty without a file

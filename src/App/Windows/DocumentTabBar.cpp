@@ -1,17 +1,20 @@
 #include "DocumentTabBar.h"
 
+#include "Palette.h"
 #include "PlainText.h"
 #include "SymbolIcon.h"
 
 #include <QAction>
 #include <QHBoxLayout>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QTabBar>
 #include <QToolButton>
 
 #include <algorithm>
 
 static constexpr int closeSymbolSide = 12;
+static constexpr int markHeight = 3;
 static constexpr int leastCharacters = 12; // of a name, before the tabs scroll
 
 namespace {
@@ -27,6 +30,19 @@ protected:
         const int legible = size.width() + leastCharacters * fontMetrics().averageCharWidth();
         size.setWidth(std::min(legible, tabSizeHint(index).width()));
         return size;
+    }
+
+    /// Marks the current tab: in a dark palette the style draws all of them alike.
+    void paintEvent(QPaintEvent* event) override {
+        QTabBar::paintEvent(event);
+        if (count() == 0)
+            return;
+        QPainter painter(this);
+        const QRect tab = tabRect(currentIndex());
+        QColor tint = Palette::brandBlue;
+        tint.setAlphaF(0.16F);
+        painter.fillRect(tab, tint);
+        painter.fillRect(QRect(tab.left(), tab.bottom() - markHeight + 1, tab.width(), markHeight), Palette::brandBlue);
     }
 };
 

@@ -75,8 +75,12 @@ DocumentWindow::DocumentWindow(WindowServices& services)
     connect(m_tabBar, &DocumentTabBar::currentChanged, this, &DocumentWindow::currentTabChanged);
     connect(m_tabBar, &DocumentTabBar::closeRequested, this, &DocumentWindow::closeTab);
     connect(m_tabBar, &DocumentTabBar::menuRequested, this, &DocumentWindow::showTabMenu);
-    connect(m_slowSaves, &SlowSaves::changed, this,
-            [this](const std::shared_ptr<Document>& document, bool isSlow) { showSaving(*document, isSlow); });
+    connect(m_slowSaves, &SlowSaves::changed, this, [this](const std::shared_ptr<Document>& document) {
+        if (ContentView* view = contentView(*document))
+            updateTab(view);
+    });
+    connect(&services.controller, &DocumentController::documentSavingChanged, this,
+            [this](const std::shared_ptr<Document>& document, bool isSaving) { announceSaving(*document, isSaving); });
     connect(m_menu, &MainMenu::closeRequested, this, [this] { closeTab(m_tabBar->current()); });
     connect(m_menu, &MainMenu::openRecentRequested, this,
             [this](const QUrl& url) { m_services.controller.openDocument(url, true); });
@@ -118,6 +122,8 @@ void DocumentWindow::addDocument(const std::shared_ptr<PDFEditorDocument>& docum
         m_services.dialogs.presentError(this, title, sentence);
     });
     connect(view, &ContentView::closeRequested, this, [this, view] { closeTab(view); });
+    if (view->workspace())
+        view->workspace()->setShowsToolbar(m_chrome->isShown());
     const auto update = [this, view] { updateTab(view); };
     connect(document.get(), &Document::displayNameChanged, view, update);
     connect(document.get(), &Document::documentEditedChanged, view, update);
@@ -187,18 +193,15 @@ void DocumentWindow::showTabMenu(QWidget* content, QPoint globalPosition) {
     menu->popup(globalPosition);
 }
 
-void DocumentWindow::showSaving(const Document& document, bool isSlow) {
-    ContentView* view = contentView(document);
-    if (!view)
-        return;
-    updateTab(view);
-    if (!view->workspace())
+void DocumentWindow::announceSaving(const Document& document, bool isSaving) {
+    const ContentView* view = contentView(document);
+    if (!view || !view->workspace())
         return;
     // As long as it takes, unless another message comes.
     constexpr std::chrono::hours untilItEnds{24};
     const QString message = QStringLiteral("Saving…");
     PassingNotice& notice = view->workspace()->notice();
-    if (isSlow)
+    if (isSaving)
         notice.announce(message, untilItEnds);
     else if (notice.message() == message)
         notice.announce(message, std::chrono::milliseconds::zero());
@@ -231,6 +234,7 @@ void DocumentWindow::updateTab(ContentView* view) {
 
 void DocumentWindow::updateTitle() {
     const Document& document = *currentContentView()->document();
+    setWindowFilePath(document.fileURL().toLocalFile());
     setWindowTitle(titleText(title(document)) + QStringLiteral("[*] — Quillo"));
     setWindowModified(document.isDocumentEdited());
 }

@@ -69,7 +69,7 @@ private:
     void addTabSwitching();
     void closeTab(QWidget* content);
     void showTabMenu(QWidget* content, QPoint globalPosition);
-    void showSaving(const Document& document, bool isSlow);
+    void announceSaving(const Document& document, bool isSaving);
     void currentTabChanged();
     [[nodiscard]] QString title(const Document& document) const;
     void updateTab(ContentView* view);

@@ -1,6 +1,9 @@
 #include "FullScreenChrome.h"
 
+#include <QAbstractSpinBox>
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QWidget>
 
@@ -16,8 +19,8 @@ FullScreenChrome::FullScreenChrome(QWidget& window, std::function<void(bool)> sh
     m_leaving.setSingleShot(true);
     m_leaving.setInterval(400ms);
     connect(&m_leaving, &QTimer::timeout, this, [this] {
-        // A menu that hangs down from there keeps it.
-        if (QApplication::activePopupWidget())
+        // A menu that hangs down from there keeps it, and so does a field in it that has the keyboard.
+        if (QApplication::activePopupWidget() || hasKeyboard())
             m_leaving.start();
         else
             setShown(false);
@@ -62,6 +65,13 @@ void FullScreenChrome::pointerMoved(int y) {
     } else if (m_shows && !m_leaving.isActive()) {
         m_leaving.start();
     }
+}
+
+bool FullScreenChrome::hasKeyboard() const {
+    const QWidget* focus = m_window.focusWidget();
+    return focus && focus->isVisible() && focus->mapTo(&m_window, QPoint()).y() < m_height() &&
+           (qobject_cast<const QLineEdit*>(focus) || qobject_cast<const QAbstractSpinBox*>(focus) ||
+            qobject_cast<const QComboBox*>(focus));
 }
 
 void FullScreenChrome::setShown(bool shows) {

@@ -8,7 +8,7 @@
 class QWidget;
 
 /// Puts away what surrounds the pages while a window takes the whole screen, and brings it back while the pointer is at
-/// the upper edge or in what came down from there. Main thread only.
+/// the upper edge or in what came down from there, or a field in that has the keyboard. Main thread only.
 class FullScreenChrome : public QObject {
     Q_OBJECT
 
@@ -26,6 +26,7 @@ protected:
 private:
     void windowStateChanged();
     void pointerMoved(int y);
+    [[nodiscard]] bool hasKeyboard() const;
     void setShown(bool shows);
 
     QWidget& m_window;

@@ -139,7 +139,10 @@ void MainMenu::fillWorkspaceMenus() {
     m_editMenu->addAction(m_settings);
 
     m_viewMenu->clear();
-    fill(m_viewMenu, {Command::zoomIn, Command::zoomOut, Command::zoomToFit});
+    fill(m_viewMenu, {Command::zoomIn, Command::zoomOut});
+    m_viewMenu->addSeparator();
+    m_viewMenu->addActions(m_workspace->scales());
+    fill(m_viewMenu, {Command::zoomToFit});
     m_viewMenu->addSeparator();
     fill(m_viewMenu, {Command::askAssistant});
     m_viewMenu->addSeparator();

@@ -173,7 +173,7 @@ private:
     Documents m_documentsInQuestion;
     /// Documents that will be closed when a save has ended.
     Documents m_documentsToBeClosed;
-    bool m_isSavingAll = false;
+    std::vector<Completion> m_savingAll; ///< who waits for all documents to be saved; empty while nobody does
     DocumentSaver m_saver;
     DocumentWriter m_copyWriter;
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 static bool contains(const std::vector<std::shared_ptr<Document>>& documents,
                      const std::shared_ptr<Document>& document) {
@@ -86,14 +87,17 @@ void DocumentController::closeAllDocuments(const Completion& completion) {
 }
 
 void DocumentController::saveAllDocuments(const Completion& completion) {
-    if (m_isSavingAll || !m_documentsInQuestion.empty()) {
+    if (!m_documentsInQuestion.empty()) {
         call(completion, false);
         return;
     }
-    m_isSavingAll = true;
-    saveChanges({}, [this, completion](bool succeeded) {
-        m_isSavingAll = false;
-        call(completion, succeeded);
+    // Who asks while a save is awaited, such as one who quits after closing the window, awaits it as well.
+    m_savingAll.push_back(completion);
+    if (m_savingAll.size() > 1)
+        return;
+    saveChanges({}, [this](bool succeeded) {
+        for (const Completion& waiting : std::exchange(m_savingAll, {}))
+            call(waiting, succeeded);
     });
 }
 

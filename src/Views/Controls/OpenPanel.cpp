@@ -1,6 +1,7 @@
 #include "OpenPanel.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 
 static QString panelName() {
     return QStringLiteral("openPanel");
@@ -18,6 +19,8 @@ void OpenPanel::show(QWidget* parent, const QStringList& nameFilters, std::funct
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->setFileMode(QFileDialog::ExistingFile);
     panel->setNameFilters(nameFilters);
+    if (const QString file = window->windowFilePath(); !file.isEmpty())
+        panel->setDirectory(QFileInfo(file).path());
     QObject::connect(panel, &QFileDialog::accepted, parent, [panel, chosen = std::move(chosen)] {
         if (const QList<QUrl> urls = panel->selectedUrls(); !urls.isEmpty())
             chosen(urls.constFirst());

@@ -56,7 +56,8 @@ void PointSizeField::commit() {
     if (!isEdited())
         return;
     bool isNumber = false;
-    const double typed = text().trimmed().toDouble(&isNumber);
+    // Either sign before the decimals, whatever the locale: there are no thousands here.
+    const double typed = text().trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&isNumber);
     if (isNumber && typed > 0)
         take(typed);
     else

@@ -39,6 +39,8 @@ Table makeTable() {
         {QStringLiteral("lastPage"), {Qt::CTRL | Qt::Key_End}},
         {QStringLiteral("back"), {Qt::ALT | Qt::Key_Left}},
         {QStringLiteral("forward"), {Qt::ALT | Qt::Key_Right}},
+        {QStringLiteral("nextPane"), {Qt::Key_F6}},
+        {QStringLiteral("previousPane"), {Qt::SHIFT | Qt::Key_F6}},
         {QStringLiteral("askAssistant"), {Qt::CTRL | Qt::Key_K}},
     };
     // The letters of tools and marks stand with them.

@@ -12,6 +12,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QUrl>
+#include <QUrlQuery>
 #include <QVBoxLayout>
 
 static constexpr int symbolSide = 44;
@@ -48,6 +49,21 @@ static QPlainTextEdit* makeAddressField(const QUrl& url, QWidget* parent) {
     return field;
 }
 
+/// Without what would have a mail program attach a file of the reader's.
+static QUrl withoutAttachments(QUrl url) {
+    if (url.scheme() != QLatin1String("mailto"))
+        return url;
+    QUrlQuery kept;
+    const auto items = QUrlQuery(url).queryItems(QUrl::FullyEncoded);
+    for (const auto& [key, value] : items) {
+        const QString name = QUrl::fromPercentEncoding(key.toUtf8()).trimmed();
+        if (!name.startsWith(QLatin1String("attach"), Qt::CaseInsensitive))
+            kept.addQueryItem(key, value);
+    }
+    url.setQuery(kept);
+    return url;
+}
+
 bool WebLink::canBeOpened(const QUrl& url) {
     const QString scheme = url.scheme();
     if (!url.isValid())
@@ -57,7 +73,8 @@ bool WebLink::canBeOpened(const QUrl& url) {
     return (scheme == QLatin1String("http") || scheme == QLatin1String("https")) && !url.host().isEmpty();
 }
 
-void WebLink::confirmAndOpen(const QUrl& url, QWidget* parent) {
+void WebLink::confirmAndOpen(const QUrl& link, QWidget* parent) {
+    const QUrl url = withoutAttachments(link);
     if (!canBeOpened(url)) {
         showRefusal(url, parent);
         return;

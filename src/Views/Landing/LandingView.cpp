@@ -94,6 +94,10 @@ QWidget* LandingView::makeRecentsSection() {
         m_controller.clearRecentDocuments();
         showRecents();
     });
+    connect(&m_controller, &DocumentController::recentDocumentsChanged, this, [this] {
+        if (m_recentsShown && m_controller.recentDocumentURLs().isEmpty()) // cleared by a menu
+            showRecents();
+    });
 
     auto* headingRow = new QHBoxLayout;
     headingRow->addWidget(heading);

@@ -1,5 +1,6 @@
 #include "MarkdownBrowser.h"
 
+#include "FormulaFitting.h"
 #include "MarkdownSelection.h"
 #include "WebLink.h"
 
@@ -46,6 +47,7 @@ void MarkdownBrowser::display(MarkdownDocument::Result content, bool keepsSelect
     const QPointer<QTextDocument> before(document());
     QTextDocument* next = content.document.release();
     next->setParent(this);
+    FormulaFitting::fit(*next, m_width);
     m_decorations = std::move(content.decorations);
     setDocument(next); // deletes the one that it began with
     delete before;
@@ -68,6 +70,7 @@ void MarkdownBrowser::layOut(int width) {
     m_isPlaced = false;
     // A document wider than the viewport shows the scroll bar, which resizes the viewport.
     const QScopedValueRollback guard(m_isLayingOut, true);
+    FormulaFitting::fit(*document(), width);
     setLineWrapColumnOrWidth(width);
 }
 

@@ -107,7 +107,8 @@ QWidget* SettingsView::makeGeneralSection() {
     layout->addWidget(makeHeading(QStringLiteral("GENERAL")));
     layout->addLayout(row);
     layout->addWidget(makeNote(QStringLiteral(
-        "Makes PDFs open in Quillo automatically when double-clicked in Finder, Mail, or anywhere else.")));
+        "Makes PDFs open in Quillo automatically when double-clicked in the file manager, in your mail or "
+        "anywhere else.")));
     layout->addWidget(recovery);
     layout->addWidget(
         makeNote(QStringLiteral("Stores them in your home folder until you save or close the document, so "

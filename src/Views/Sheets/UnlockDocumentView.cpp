@@ -7,6 +7,7 @@
 
 #include <QAccessible>
 #include <QEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -92,6 +93,13 @@ void UnlockDocumentView::unlock() {
 void UnlockDocumentView::updateSymbol() {
     m_symbol->setPixmap(
         SymbolIcon::pixmap(QStringLiteral("lock.doc"), 64, palette().color(QPalette::WindowText), devicePixelRatioF()));
+}
+
+void UnlockDocumentView::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Cancel))
+        Q_EMIT closeRequested();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void UnlockDocumentView::changeEvent(QEvent* event) {

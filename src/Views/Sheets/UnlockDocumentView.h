@@ -28,6 +28,8 @@ Q_SIGNALS:
 
 protected:
     void changeEvent(QEvent* event) override;
+    /// Escape gives up.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void updateSymbol();

@@ -1,46 +1,30 @@
 #include "LineStylePreview.h"
 
+#include "AnnotationDrawing.h"
+#include "DrawingPainter.h"
+
 #include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
 
-/// In an area of `LineStylePreview::size`.
+/// In an area of `LineStylePreview::size`, with the end as the page draws it.
 static void drawLine(QPainter& painter, PDFLineStyle style, const QColor& color) {
     constexpr qreal middle = LineStylePreview::size.height() / 2.0;
-    constexpr qreal start = 3;
-    constexpr qreal end = LineStylePreview::size.width() - start;
+    constexpr qreal lineWidth = 1.75;
+    constexpr qreal margin = 5; // what is drawn around the end of a line
+    const QPointF start(margin / 2, middle);
+    const QPointF end(LineStylePreview::size.width() - margin, middle);
+    AnnotationDrawing::Part line;
+    line.path.moveTo(start);
+    line.path.lineTo(end);
+    line.stroke = color;
+    line.lineWidth = lineWidth;
+    line.cap = Qt::RoundCap;
+    AnnotationDrawing drawing;
+    drawing.parts = {line, LineEnding::part(style, end, 0, lineWidth, color)};
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(color, 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(color);
-    const auto lineUpTo = [&](qreal x) { painter.drawLine(QPointF(start, middle), QPointF(x, middle)); };
-    switch (style) {
-    case PDFLineStyle::none:
-        lineUpTo(end);
-        break;
-    case PDFLineStyle::square:
-        lineUpTo(end - 7);
-        painter.drawRect(QRectF(end - 7, middle - 3.5, 7, 7));
-        break;
-    case PDFLineStyle::circle:
-        lineUpTo(end - 7);
-        painter.drawEllipse(QPointF(end - 3.5, middle), 3.75, 3.75);
-        break;
-    case PDFLineStyle::diamond:
-        lineUpTo(end - 9);
-        painter.drawPolygon(
-            QPolygonF({{end - 9, middle}, {end - 4.5, middle - 4.5}, {end, middle}, {end - 4.5, middle + 4.5}}));
-        break;
-    case PDFLineStyle::openArrow:
-        lineUpTo(end);
-        painter.setBrush(Qt::NoBrush);
-        painter.drawPolyline(QPolygonF({{end - 7, middle - 5}, {end, middle}, {end - 7, middle + 5}}));
-        break;
-    case PDFLineStyle::closedArrow:
-        lineUpTo(end - 8);
-        painter.drawPolygon(QPolygonF({{end - 8, middle - 4.5}, {end, middle}, {end - 8, middle + 4.5}}));
-        break;
-    }
+    DrawingPainter::paint(drawing, painter);
 }
 
 namespace {

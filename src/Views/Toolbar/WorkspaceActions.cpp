@@ -1,6 +1,7 @@
 #include "WorkspaceActions.h"
 
 #include "AnnotatingPDFView.h"
+#include "PDFPage.h"
 #include "Shortcuts.h"
 #include "SymbolIcon.h"
 #include "ToolActions.h"
@@ -8,11 +9,15 @@
 #include <QAction>
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 namespace {
 
 using Command = WorkspaceActions::Command;
+
+constexpr double percentsOfOne = 100;
+constexpr double sameScale = 0.0005; // less than what half a percent shows
 
 struct Row {
     Command command;
@@ -86,12 +91,16 @@ WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<Tool
     QAction* ask = action(Command::askAssistant);
     ask->setCheckable(true);
     ask->setToolTip(QStringLiteral("Ask the AI assistant about this PDF (%1)").arg(Shortcuts::text(ask->objectName())));
+    action(Command::zoomToFit)->setCheckable(true);
+    addScales();
     if (!view)
         return;
     connect(action(Command::zoomIn), &QAction::triggered, this, [this] { zoomBy(zoomStep); });
     connect(action(Command::zoomOut), &QAction::triggered, this, [this] { zoomBy(-zoomStep); });
-    connect(action(Command::zoomToFit), &QAction::triggered, this,
-            [this] { m_view->setScaleFactor(m_view->scaleFactorForSizeToFit()); });
+    connect(action(Command::zoomToFit), &QAction::triggered, this, [this] {
+        m_view->setScaleFactor(m_view->scaleFactorForSizeToFit());
+        updateZoomActions(); // a check mark that was there has gone by the click
+    });
     connect(view, &PDFView::scaleChanged, this, &WorkspaceActions::updateZoomActions);
     updateZoomActions();
 }
@@ -107,7 +116,51 @@ void WorkspaceActions::zoomBy(double step) {
         std::clamp(m_view->scaleFactor() + step, m_view->minScaleFactor(), m_view->maxScaleFactor()));
 }
 
+void WorkspaceActions::addScales() {
+    for (const int percent : {50, 75, 100, 125, 150, 200, 300, 400}) {
+        auto* scale = new QAction(QStringLiteral("%1%").arg(percent), this);
+        scale->setObjectName(QStringLiteral("scale%1").arg(percent));
+        scale->setData(percent);
+        m_scales.append(scale);
+    }
+    auto* wholePage = new QAction(QStringLiteral("Whole Pa&ge"), this);
+    wholePage->setObjectName(QStringLiteral("wholePage"));
+    m_scales.append(wholePage);
+    for (QAction* scale : m_scales) {
+        scale->setCheckable(true);
+        scale->setEnabled(!m_view.isNull());
+        connect(scale, &QAction::triggered, this, [this, scale] {
+            const std::shared_ptr<PDFPage> page = m_view->currentPage();
+            m_view->setScaleFactor(scale->data().isValid() ? scale->data().toInt() / percentsOfOne
+                                                           : scaleOfWholePage());
+            if (!scale->data().isValid() && page)
+                m_view->goToPage(page);
+            updateZoomActions();
+        });
+    }
+}
+
+/// At which all of the current page is in the view.
+double WorkspaceActions::scaleOfWholePage() const {
+    const std::shared_ptr<PDFPage> page = m_view->currentPage();
+    if (!page)
+        return m_view->scaleFactorForSizeToFit();
+    const QSizeF shown = m_view->convertFromPage(page->bounds(m_view->displayBox()), *page).size();
+    return std::min(m_view->scaleFactorForSizeToFit(),
+                    m_view->viewport()->height() / (shown.height() / m_view->scaleFactor()));
+}
+
 void WorkspaceActions::updateZoomActions() {
+    const double present = m_view->scaleFactor();
+    const auto isPresent = [present](double scale) { return std::abs(scale - present) < sameScale; };
+    for (QAction* scale : m_scales)
+        scale->setChecked(
+            isPresent(scale->data().isValid() ? scale->data().toInt() / percentsOfOne : scaleOfWholePage()));
+    QAction* fit = action(Command::zoomToFit);
+    fit->setChecked(m_view->autoScales() || isPresent(m_view->scaleFactorForSizeToFit()));
+    fit->setToolTip(QStringLiteral("%1 (%2) – now %3%")
+                        .arg(withoutMnemonic(fit->text()), Shortcuts::text(fit->objectName()))
+                        .arg(std::lround(present * percentsOfOne)));
     action(Command::zoomIn)->setEnabled(m_view->scaleFactor() < m_view->maxScaleFactor());
     action(Command::zoomOut)->setEnabled(m_view->scaleFactor() > m_view->minScaleFactor());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 
@@ -43,12 +44,17 @@ public:
 
     [[nodiscard]] QAction* action(Command command) const;
     [[nodiscard]] ToolActions& tools() const { return *m_tools; }
+    /// The scales to choose from, "50%" to "400%" and the whole page; that of the view is checked.
+    [[nodiscard]] const QList<QAction*>& scales() const { return m_scales; }
 
 private:
+    void addScales();
+    [[nodiscard]] double scaleOfWholePage() const;
     void zoomBy(double step);
     void updateZoomActions();
 
     QPointer<AnnotatingPDFView> m_view;
     ToolActions* m_tools;
     std::array<QPointer<QAction>, 13> m_actions;
+    QList<QAction*> m_scales; ///< the whole page is the last
 };

@@ -91,6 +91,8 @@ void ContentView::decideContent() {
         auto* workspace = new PDFEditorWorkspaceView(m_document, m_document->fileURL(), m_toolState, m_defaults);
         connect(workspace, &PDFEditorWorkspaceView::settingsRequested, this, &ContentView::settingsRequested);
         m_workspaceDocument = pdfDocument;
+        if (m_workspace)
+            workspace->takeAssistantOf(*m_workspace);
         replaceContent(Content::workspace, workspace);
         if (place) {
             // Later, since the viewer has no layout yet.

@@ -11,9 +11,11 @@
 #include "PDFEditorDocument.h"
 #include "PDFKitRepresentedView.h"
 #include "PDFViewCoordinator.h"
+#include "PageField.h"
 #include "Palette.h"
 #include "PassingNotice.h"
 #include "PrintPanel.h"
+#include "Shortcuts.h"
 #include "SignaturePickerView.h"
 #include "ToolActions.h"
 #include "ToolState.h"
@@ -27,6 +29,10 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 // A sentence about the file takes longer to read than the name of a tool.
 static constexpr std::chrono::seconds openNoticeTime{6};
@@ -74,6 +80,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     m_lineStylePicker = new LineStylePicker(m_toolState, this);
     connectTools();
     connectAssistant();
+    connectPanes();
     setFocusProxy(m_pdfView);
 
     connect(m_actions->action(WorkspaceActions::Command::print), &QAction::triggered, this,
@@ -154,6 +161,39 @@ void PDFEditorWorkspaceView::connectAssistant() {
     });
 }
 
+void PDFEditorWorkspaceView::connectPanes() {
+    const std::pair<QString, int> commands[] = {{QStringLiteral("nextPane"), 1}, {QStringLiteral("previousPane"), -1}};
+    for (const auto& [name, steps] : commands) {
+        auto* action = new QAction(this);
+        action->setObjectName(name);
+        action->setShortcuts(Shortcuts::of(name));
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        addAction(action);
+        connect(action, &QAction::triggered, this, [this, steps = steps] { goToPane(steps); });
+    }
+}
+
+/// Gives the keyboard to the next of toolbar (its page field), pages and assistant, as far as they are shown.
+void PDFEditorWorkspaceView::goToPane(int steps) {
+    struct Pane {
+        QWidget* area;
+        QWidget* entry;
+    };
+    std::vector<Pane> panes{{m_pdfView, m_pdfView}};
+    if (showsAssistant())
+        panes.push_back({m_assistantDock, m_assistantDock->panel()});
+    auto* pageField = m_toolbar->findChild<PageField*>();
+    if (m_toolbar->isVisible() && pageField->isEnabled())
+        panes.push_back({m_toolbar, pageField});
+    const QWidget* focus = window()->focusWidget();
+    const auto present = std::find_if(panes.begin(), panes.end(), [focus](const Pane& pane) {
+        return focus && (pane.area == focus || pane.area->isAncestorOf(focus));
+    });
+    const auto count = static_cast<int>(panes.size());
+    const int from = present == panes.end() ? 0 : static_cast<int>(present - panes.begin());
+    panes[static_cast<std::size_t>((from + steps + count) % count)].entry->setFocus(Qt::ShortcutFocusReason);
+}
+
 AssistantPanel* PDFEditorWorkspaceView::makeAssistantPanel() {
     auto* panel = new AssistantPanel(assistant());
     panel->onClose = [this] { setShowsAssistant(false); };
@@ -163,9 +203,20 @@ AssistantPanel* PDFEditorWorkspaceView::makeAssistantPanel() {
 
 const std::shared_ptr<AssistantViewModel>& PDFEditorWorkspaceView::assistant() {
     if (!m_assistant)
-        m_assistant = AssistantViewModel::create(
-            AssistantContext{m_document->pdfDocument(), m_coordinator, m_document->fileURL()}, m_defaults);
+        m_assistant = AssistantViewModel::create(assistantContext(), m_defaults);
     return m_assistant;
+}
+
+AssistantContext PDFEditorWorkspaceView::assistantContext() const {
+    return {m_document->pdfDocument(), m_coordinator, m_document->fileURL()};
+}
+
+void PDFEditorWorkspaceView::takeAssistantOf(const PDFEditorWorkspaceView& former) {
+    m_assistant = former.m_assistant;
+    if (m_assistant)
+        m_assistant->setSource(assistantContext());
+    if (former.showsAssistant())
+        setShowsAssistant(true);
 }
 
 bool PDFEditorWorkspaceView::showsAssistant() const {

@@ -12,6 +12,7 @@ class AnnotatingPDFView;
 class AssistantDock;
 class AssistantPanel;
 class AssistantViewModel;
+struct AssistantContext;
 class LineStylePicker;
 class PDFEditorDocument;
 class PDFViewCoordinator;
@@ -57,6 +58,9 @@ public:
 
     [[nodiscard]] bool showsAssistant() const;
     void setShowsAssistant(bool shows);
+    /// Goes on with the conversation of the workspace of an earlier reading of the same file, and shows its panel if
+    /// that one did.
+    void takeAssistantOf(const PDFEditorWorkspaceView& former);
     /// Made when it is first asked for.
     [[nodiscard]] const std::shared_ptr<AssistantViewModel>& assistant();
 
@@ -70,7 +74,10 @@ protected:
 private:
     void connectTools();
     void connectAssistant();
+    void connectPanes();
+    void goToPane(int steps);
     AssistantPanel* makeAssistantPanel();
+    [[nodiscard]] AssistantContext assistantContext() const;
     void openNewDocument();
     void print();
 

@@ -155,7 +155,7 @@ TEST_F(DocumentClosingTest, QuittingDuringASaveWaitsAndAsksAboutLaterChanges) {
     m_controller->saveDocument(document);
     m_controller->closeAllDocuments(quit.completion());
     m_controller->closeAllDocuments(quitAgain.completion());
-    EXPECT_EQ(quitAgain.succeeded, false) << "it is under way already";
+    EXPECT_FALSE(quitAgain.succeeded) << "it waits for the one that is under way";
     m_presenter.answer = Answer::Save;
     edit(document);
     m_gate->release();
@@ -164,6 +164,7 @@ TEST_F(DocumentClosingTest, QuittingDuringASaveWaitsAndAsksAboutLaterChanges) {
     edit(document); // while quitting saves it
     m_gate->release(2);
     EXPECT_TRUE(quit.waitFor());
+    EXPECT_TRUE(quitAgain.waitFor());
     EXPECT_EQ(m_presenter.takeCalls(), "forward a.txt; ask a.txt; closed a.txt");
     EXPECT_EQ(contentOf("a.txt"), "text+++");
 }

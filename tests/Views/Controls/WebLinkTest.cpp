@@ -95,6 +95,15 @@ TEST_F(WebLinkTest, otherKindsOfAddressesGetASentence) {
     EXPECT_TRUE(WebLink::canBeOpened(QUrl(QStringLiteral("mailto:ann@example.org"))));
 }
 
+TEST_F(WebLinkTest, aMailTakesNoFileAlong) {
+    WebLink::confirmAndOpen(
+        QUrl(QStringLiteral("mailto:ann@example.org?subject=a%26b&Attach=/etc/passwd&%61ttachment=x&body=c")),
+        &m_window);
+    ASSERT_NE(confirmation(), nullptr);
+    find<QPushButton>(*confirmation(), QStringLiteral("open"))->click();
+    EXPECT_EQ(m_desktop.taken, QList<QUrl>{QUrl(QStringLiteral("mailto:ann@example.org?subject=a%26b&body=c"))});
+}
+
 TEST_F(WebLinkTest, aClickOnALinkOfThePageAsks) {
     const auto document =
         opened(TestPdf{.linkAddress = "http://example.org/paper"}.write(m_folder.path(), QStringLiteral("linked.pdf")));

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include <map>
+#include <tuple>
 #include <utility>
 
 class MarkdownContentTest : public ViewTest {
@@ -210,6 +211,20 @@ TEST_F(MarkdownContentTest, aFormulaAloneStandsInTheMiddle) {
     for (QTextBlock block = browser.document()->begin(); block.isValid(); block = block.next())
         EXPECT_EQ(block.blockFormat().alignment(), Qt::AlignHCenter);
     EXPECT_EQ(browser.document()->lastBlock().text(), QStringLiteral("bad"));
+}
+
+TEST_F(MarkdownContentTest, aWideFormulaIsMadeToFit) {
+    const MathImageSource images = [](const QString&, double, const QColor&) {
+        return QImage(500, 50, QImage::Format_ARGB32);
+    };
+    MarkdownBrowser& browser = display(QStringLiteral("intro\n\n$$x$$\n\n- in a list $y$"), images);
+    EXPECT_EQ(browser.horizontalScrollBar()->maximum(), 0);
+    const auto shownWidth = [&browser](int width) {
+        std::ignore = browser.heightForWidth(width);
+        return browser.document()->begin().next().begin().fragment().charFormat().toImageFormat().width();
+    };
+    EXPECT_EQ(shownWidth(300), 300);
+    EXPECT_EQ(shownWidth(800), 500) << "with room it has its own size";
 }
 
 TEST_F(MarkdownContentTest, formulasOfOneParagraphKeepTheirOwnImages) {

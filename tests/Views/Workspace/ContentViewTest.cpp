@@ -1,5 +1,6 @@
 #include "ContentView.h"
 
+#include "AssistantViewModel.h"
 #include "LandingView.h"
 #include "PDFDocument.h"
 #include "PDFEditorWorkspaceView.h"
@@ -59,8 +60,15 @@ TEST_F(ContentViewTest, theWorkspaceLivesAsLongAsItsPDFDocument) {
     Q_EMIT document->objectWillChange();
     EXPECT_EQ(view->workspace(), workspace.data());
 
+    const auto assistant = view->workspace()->assistant();
+    assistant->setDraft(QStringLiteral("half a question"));
+    assistant->appendAssistantTurn(QStringLiteral("said before"));
+    view->workspace()->setShowsAssistant(true);
+
     document->setPdfDocument(PDFDocument::fromData(TestPdf().bytes()));
-    EXPECT_NE(view->workspace(), nullptr);
+    ASSERT_NE(view->workspace(), nullptr);
+    EXPECT_TRUE(view->workspace()->showsAssistant());
+    EXPECT_EQ(view->workspace()->assistant(), assistant) << "with its chat and its draft";
     EXPECT_NE(view->workspace(), workspace.data());
     EXPECT_EQ(content(*view), "PDFEditorWorkspaceView");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -144,6 +152,8 @@ TEST_F(ContentViewTest, cancellingTheUnlockScreenAsksToClose) {
     QSignalSpy closing(view.get(), &ContentView::closeRequested);
     QTest::mouseClick(find<QPushButton>(*view, QStringLiteral("cancel")), Qt::LeftButton);
     EXPECT_EQ(closing.count(), 1);
+    QTest::keyClick(find<QLineEdit>(*view, QStringLiteral("password")), Qt::Key_Escape);
+    EXPECT_EQ(closing.count(), 2);
 }
 
 TEST_F(ContentViewTest, aFileOpenedInPlaceFillsTheUntitledDocument) {

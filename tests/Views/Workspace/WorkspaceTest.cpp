@@ -5,6 +5,7 @@
 #include "PDFViewCoordinator.h"
 #include "PageField.h"
 #include "PassingNotice.h"
+#include "WorkspaceActions.h"
 
 TEST_F(WorkspaceTest, thePageFieldGoesToPagesAndTakesBackWhatIsNone) {
     openWorkspace({.pageCount = 12});
@@ -70,6 +71,40 @@ TEST_F(WorkspaceTest, zoomStepsAreAddedAndStopAtTheLimits) {
     m_view->setMaxScaleFactor(16);
     press(QStringLiteral("zoomToFit"));
     EXPECT_NEAR(m_view->scaleFactor(), m_view->scaleFactorForSizeToFit(), 1e-9);
+    EXPECT_TRUE(button(QStringLiteral("zoomToFit"))->isChecked());
+
+    const auto checked = [this] {
+        QStringList names;
+        for (const QAction* scale : m_workspace->actions()->scales()) {
+            if (scale->isChecked())
+                names.append(scale->objectName());
+        }
+        return names.join(QLatin1Char(' '));
+    };
+    for (QAction* scale : m_workspace->actions()->scales()) {
+        scale->trigger();
+        EXPECT_EQ(checked(), scale->objectName());
+    }
+    EXPECT_LE(
+        m_view->convertFromPage(m_view->currentPage()->bounds(m_view->displayBox()), *m_view->currentPage()).height(),
+        m_view->viewport()->height() + 1);
+    m_workspace->actions()->scales().at(3)->trigger();
+    EXPECT_TRUE(button(QStringLiteral("zoomToFit"))->toolTip().endsWith(QStringLiteral("now 125%")));
+}
+
+TEST_F(WorkspaceTest, panesAreReachedByAKey) {
+    openWorkspace({});
+    m_workspace->setShowsAssistant(true);
+    m_view->setFocus();
+    const auto* const pageField = m_workspace->findChild<QWidget*>(QStringLiteral("pageField"));
+    const auto press = [this](Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6, modifiers);
+        return QApplication::focusWidget();
+    };
+    EXPECT_TRUE(m_workspace->findChild<QWidget*>(QStringLiteral("assistantPanel"))->isAncestorOf(press({})));
+    EXPECT_EQ(press({}), pageField);
+    EXPECT_EQ(press({}), m_view);
+    EXPECT_EQ(press(Qt::ShiftModifier), pageField);
 }
 
 TEST_F(WorkspaceTest, markupAppliesToASelectionOrStaysOnForTheNext) {
