@@ -27,7 +27,8 @@ constexpr int timeLimitInMilliseconds = 60'000;
 
 RecoveryPace quickPace() {
     RecoveryPace pace;
-    pace.afterChange = pace.betweenWrites = pace.longestBetweenWrites = pace.beforeRetry = pace.betweenPictures = 5ms;
+    pace.afterChange = pace.betweenWrites = pace.longestBetweenWrites = pace.longestBetweenWholeWrites = 5ms;
+    pace.beforeRetry = pace.betweenPictures = 5ms;
     pace.pictureTimeLimit = 30s;
     return pace;
 }
@@ -141,7 +142,7 @@ TEST_F(DocumentRecoveryTest, thereIsARecordWhileSomethingIsUnsaved) {
 TEST_F(DocumentRecoveryTest, changesThatComeTogetherAreWrittenTogetherAndLaterOnesLater) {
     RecoveryPace pace = quickPace();
     pace.afterChange = 50ms;
-    pace.betweenWrites = pace.longestBetweenWrites = 400ms;
+    pace.betweenWrites = pace.longestBetweenWrites = pace.longestBetweenWholeWrites = 400ms;
     Session session(m_folder, pace);
     const auto document = session.open(m_pdf);
     QSignalSpy written(&session.recovery, &DocumentRecovery::written);

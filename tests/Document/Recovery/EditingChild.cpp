@@ -34,7 +34,7 @@ RecoveryPace quickPace() {
     RecoveryPace pace;
     pace.afterChange = 8ms;
     pace.betweenWrites = 15ms;
-    pace.longestBetweenWrites = 30ms;
+    pace.longestBetweenWrites = pace.longestBetweenWholeWrites = 30ms;
     pace.betweenPictures = 100ms;
     return pace;
 }
