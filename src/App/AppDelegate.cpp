@@ -4,6 +4,7 @@
 #include "FileOpenRouter.h"
 #include "MathImageRenderer.h"
 #include "MemoryPressureMonitor.h"
+#include "PDFView.h"
 #include "ThumbnailCache.h"
 #include "WelcomeWindowController.h"
 
@@ -31,6 +32,15 @@ static QWidgetList visibleWindows() {
     return windows;
 }
 
+/// Of all documents, but for what is on the screen.
+static void dropPagePictures() {
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
+        if (auto* view = qobject_cast<PDFView*>(widget))
+            view->clearCaches();
+    }
+}
+
 AppDelegate::AppDelegate(WindowServices& services, DefaultPDFHandler& defaultHandler, QObject* parent)
     : QObject(parent), m_services(services), m_defaultHandler(defaultHandler) {}
 
@@ -39,6 +49,7 @@ AppDelegate::~AppDelegate() = default;
 void AppDelegate::applicationDidFinishLaunching() {
     ThumbnailCache::install(MemoryPressureMonitor::shared());
     MathImageRenderer::install(MemoryPressureMonitor::shared());
+    MemoryPressureMonitor::shared().addHandler(dropPagePictures);
     QTimer::singleShot(defaultViewerPromptDelay, this, [this] { m_defaultHandler.promptIfNeeded(); });
     QMetaObject::invokeMethod(this, &AppDelegate::showLandingPageIfNoWindowsVisible, Qt::QueuedConnection);
     qApp->installEventFilter(this);

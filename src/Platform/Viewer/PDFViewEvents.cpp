@@ -91,6 +91,11 @@ void PDFView::showEvent(QShowEvent* event) {
     m_parts->plan();
 }
 
+void PDFView::hideEvent(QHideEvent* event) {
+    PageSurface::hideEvent(event);
+    m_parts->tiles.keepStandIns();
+}
+
 void PDFView::changeEvent(QEvent* event) {
     PageSurface::changeEvent(event);
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)

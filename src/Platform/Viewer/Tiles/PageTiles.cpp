@@ -144,6 +144,13 @@ void PageTiles::dropUnseen(const std::vector<PlacedPage>& visible, const QRectF&
     m_unreadable.clear();
 }
 
+void PageTiles::keepStandIns() {
+    m_renderer.reset();
+    m_sharp.clear();
+    m_annotated.clear();
+    m_unreadable.clear();
+}
+
 void PageTiles::clear() {
     m_renderer.reset();
     m_sharp.clear();

@@ -40,6 +40,9 @@ public:
 
     /// Drops all pictures but the sharp ones of what is on the screen, and cancels what is being drawn.
     void dropUnseen(const std::vector<PlacedPage>& visible, const QRectF& view);
+    /// The view is hidden: drops all but the small pictures that stand in, and cancels what is being drawn. Pages that
+    /// couldn't be drawn are tried again when they are wanted: memory may have been short.
+    void keepStandIns();
     /// Drops all pictures and cancels what is being drawn.
     void clear();
 

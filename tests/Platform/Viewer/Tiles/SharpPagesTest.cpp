@@ -146,6 +146,18 @@ TEST(SharpPages, tellWhenTheyAreFirstShown) {
     EXPECT_FALSE(drawn.first().first().toBool());
 }
 
+TEST(SharpPages, goWhileTheViewIsHidden) {
+    ShownView view(sampleDocument(3));
+    view.waitUntilSharp();
+    const qint64 shown = view.tileCacheBytes();
+    view.hide();
+    EXPECT_LT(view.tileCacheBytes(), shown / 2);
+    EXPECT_GT(view.tileCacheBytes(), 0); // what stands in until they are drawn again
+    view.show();
+    view.waitUntilSharp();
+    EXPECT_GT(view.tileCacheBytes(), shown / 2);
+}
+
 TEST(SharpPages, liveAnnotationsAreDrawnOverThem) {
     const auto document = detailedDocument();
     ShownView view(document);
