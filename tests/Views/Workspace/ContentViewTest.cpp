@@ -8,6 +8,7 @@
 #include "UnlockDocumentView.h"
 #include "ViewTest.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>

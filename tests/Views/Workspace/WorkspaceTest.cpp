@@ -97,7 +97,7 @@ TEST_F(WorkspaceTest, panesAreReachedByAKey) {
     m_workspace->setShowsAssistant(true);
     m_view->setFocus();
     const auto* const pageField = m_workspace->findChild<QWidget*>(QStringLiteral("pageField"));
-    const auto press = [this](Qt::KeyboardModifiers modifiers) {
+    const auto press = [](Qt::KeyboardModifiers modifiers) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6, modifiers);
         return QApplication::focusWidget();
     };
