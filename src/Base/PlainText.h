@@ -6,7 +6,7 @@
 namespace PlainText {
 
 /// For a tool tip, which takes what looks like markup for markup, reads the files it names, and can't be told not to:
-/// the same words, shown to the letter. Words without "<" come back as they are.
+/// the same words, shown to the letter. Words that can't be taken for markup come back as they are.
 [[nodiscard]] QString toolTip(const QString& words);
 
 /// For the text of a menu entry, a tab or a button, where "&" would mark a key.
