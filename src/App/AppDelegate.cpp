@@ -4,6 +4,7 @@
 #include "FileOpenRouter.h"
 #include "MathImageRenderer.h"
 #include "MemoryPressureMonitor.h"
+#include "PDFSource.h"
 #include "PDFView.h"
 #include "ThumbnailCache.h"
 #include "WelcomeWindowController.h"
@@ -39,6 +40,7 @@ static void dropPagePictures() {
         if (auto* view = qobject_cast<PDFView*>(widget))
             view->clearCaches();
     }
+    PDFSource::releaseAllCaches();
 }
 
 AppDelegate::AppDelegate(WindowServices& services, DefaultPDFHandler& defaultHandler, QObject* parent)

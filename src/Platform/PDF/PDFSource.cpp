@@ -1,5 +1,6 @@
 #include "PDFSource.h"
 
+#include "EngineBudget.h"
 #include "PDFError.h"
 #include "PageText.h"
 #include "SourceEngine.h"
@@ -88,4 +89,8 @@ std::shared_ptr<const PageText> PDFSource::text(int pageNumber, const std::stop_
 
 std::shared_ptr<const PageText> PDFSource::readText(int pageNumber, const std::stop_token& stop) const {
     return TextReader::read(*m_engine, pageNumber, stop);
+}
+
+void PDFSource::releaseAllCaches() {
+    EngineBudget::releaseAll();
 }

@@ -52,6 +52,9 @@ public:
     /// The same, past the cache: for reading a whole document once.
     [[nodiscard]] std::shared_ptr<const PageText> readText(int pageNumber, const std::stop_token& stop = {}) const;
 
+    /// Memory is short: what the engine can read again of any open file is given up.
+    static void releaseAllCaches();
+
     /// For the parts of this folder that talk to the drawing engine.
     [[nodiscard]] SourceEngine& engine() const { return *m_engine; }
 

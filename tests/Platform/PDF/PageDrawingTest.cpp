@@ -1,12 +1,16 @@
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
+#include "PDFSource.h"
 #include "PageRenderer.h"
 #include "PdfFixtures.h"
 
 #include <QPainter>
 
 #include <gtest/gtest.h>
+
+#include <stop_token>
+#include <thread>
 
 namespace {
 
@@ -202,4 +206,18 @@ TEST(PageDrawing, AnnotationsWithoutAnAppearanceAreSeenToo) {
     EXPECT_EQ(PageRenderer::render(request).pixel(25, 75), white);
     request.bareAnnotations = true;
     EXPECT_EQ(PageRenderer::render(request).pixel(25, 75), red);
+}
+
+TEST(PageDrawing, GoesOnWhileCachesAreGivenUp) {
+    PdfFixture pdf;
+    for (int i = 0; i < 4; ++i)
+        pdf.addPage({QStringLiteral("Words of page %1").arg(i)});
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const QImage before = document->page(3)->thumbnail(QSize(300, 300), PDFDisplayBox::cropBox);
+    const std::jthread memoryPressure([](const std::stop_token& stop) {
+        while (!stop.stop_requested())
+            PDFSource::releaseAllCaches();
+    });
+    for (int i = 0; i < 100; ++i)
+        ASSERT_EQ(document->page(i % 4)->thumbnail(QSize(300, 300), PDFDisplayBox::cropBox) == before, i % 4 == 3);
 }

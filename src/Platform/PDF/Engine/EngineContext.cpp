@@ -71,6 +71,10 @@ struct EngineInstance::Locks {
     static void unlock(void* user, int index) { static_cast<Locks*>(user)->mutexes.at(std::size_t(index)).unlock(); }
 };
 
+std::size_t engineBytes() {
+    return allocated.load(std::memory_order_relaxed);
+}
+
 const fz_cookie* setMemoryStop(const fz_cookie* cookie) {
     return std::exchange(memoryStop, cookie);
 }
@@ -93,6 +97,12 @@ fz_context* EngineInstance::newContext() const {
         fz_set_error_callback(context, ignoreMessage, nullptr);
     }
     return context;
+}
+
+void EngineInstance::emptyStore() const {
+    const EngineContext context(*this);
+    if (context.get())
+        fz_empty_store(context.get());
 }
 
 bool engineCall(fz_context* context, void (*body)(void*), void* data, std::string* message) {

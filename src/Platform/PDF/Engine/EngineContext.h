@@ -27,6 +27,10 @@ public:
     /// is no memory.
     [[nodiscard]] fz_context* newContext() const;
 
+    /// Drops decoded fonts and pictures that nothing holds. No thread may work with a document of this instance
+    /// meanwhile; recorded pages may be replayed.
+    void emptyStore() const;
+
 private:
     struct Locks;
 
@@ -34,6 +38,9 @@ private:
     fz_context* m_base = nullptr; // never worked with, only cloned
     mutable std::mutex m_cloning;
 };
+
+/// What the engine holds at the moment in all instances. Any thread.
+[[nodiscard]] std::size_t engineBytes();
 
 /// From now on the engine gets no memory on this thread once `cookie` is aborted; null for none. Parts of it, such as
 /// glyphs that are pages of their own, don't look at their cookie, but end when there is no memory. The document that

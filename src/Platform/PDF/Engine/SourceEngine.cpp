@@ -1,5 +1,6 @@
 #include "SourceEngine.h"
 
+#include "EngineBudget.h"
 #include "FormFieldIndex.h"
 #include "PDFError.h"
 #include "PageObjects.h"
@@ -62,9 +63,12 @@ SourceEngine::SourceEngine(QByteArray bytes) : m_bytes(std::move(bytes)) {
     if (!m_needsPassword)
         readSummary(*opened);
     m_idle.push_back(std::move(opened));
+    EngineBudget::add(*this);
 }
 
-SourceEngine::~SourceEngine() = default;
+SourceEngine::~SourceEngine() {
+    EngineBudget::remove(*this);
+}
 
 void SourceEngine::readSummary(const OpenedDocument& opened) {
     fz_context* context = opened.context();
@@ -102,9 +106,25 @@ SourceEngine::Lease SourceEngine::lease() {
 void SourceEngine::takeBack(std::unique_ptr<OpenedDocument> opened) {
     if (pdf_was_repaired(opened->context(), opened->document()))
         m_repaired = true;
+    {
+        const std::lock_guard guard(m_mutex);
+        if (m_idle.size() < idleLimit)
+            m_idle.push_back(std::move(opened));
+    }
+    EngineBudget::noteUse(*this);
+}
+
+void SourceEngine::releaseCaches() {
+    std::vector<std::unique_ptr<OpenedDocument>> surplus; // dropped after the lock
+    std::vector<std::pair<RecordingKey, std::shared_ptr<const RecordedPage>>> recordings;
     const std::lock_guard guard(m_mutex);
-    if (m_idle.size() < idleLimit)
-        m_idle.push_back(std::move(opened));
+    recordings.swap(m_recordings);
+    while (m_idle.size() > 1) {
+        surplus.push_back(std::move(m_idle.back()));
+        m_idle.pop_back();
+    }
+    for (const auto& opened : m_idle)
+        opened->instance()->emptyStore();
 }
 
 bool SourceEngine::authenticate(const QByteArray& password) {

@@ -102,6 +102,9 @@ public:
     SourceEngine& operator=(const SourceEngine&) = delete;
 
     [[nodiscard]] Lease lease();
+    /// Gives up what can be read again: decoded fonts and pictures, recorded pages, documents beyond the first that
+    /// wait for a borrower. Any thread.
+    void releaseCaches();
 
     [[nodiscard]] bool needsPassword() const { return m_needsPassword; }
     /// `password` in UTF-8. Main thread, before any page is read.

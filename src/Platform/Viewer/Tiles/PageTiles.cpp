@@ -147,6 +147,7 @@ void PageTiles::dropUnseen(const std::vector<PlacedPage>& visible, const QRectF&
 void PageTiles::keepStandIns() {
     m_renderer.reset();
     m_sharp.clear();
+    m_standIns.beginFrame(); // nothing of it is on the screen: others may take its room
     m_annotated.clear();
     m_unreadable.clear();
 }

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+TileCache::TileCache(qint64 byteLimit, TileBudget& budget) : m_budget(budget), m_limit(byteLimit) {
+    m_budget.add(*this);
+}
+
 void TileCache::setByteLimit(qint64 bytes) {
     m_limit = bytes;
     makeRoom();
@@ -13,6 +17,7 @@ const QImage* TileCache::find(const TileKey& key) {
         return nullptr;
     const Entries::iterator entry = found->second;
     entry->frame = m_frame;
+    entry->use = m_budget.nextUse();
     m_byUse.splice(m_byUse.begin(), m_byUse, entry);
     return &entry->image;
 }
@@ -32,21 +37,28 @@ std::vector<std::pair<TileKey, QImage>> TileCache::otherLooks(const PageLook& lo
 void TileCache::insert(const TileKey& key, const QImage& image) {
     if (const auto found = m_entries.find(key); found != m_entries.end())
         remove(found->second);
-    m_byUse.push_front({key, image, m_frame});
+    m_byUse.push_front({key, image, m_frame, m_budget.nextUse()});
     m_entries.emplace(key, m_byUse.begin());
     m_byPage[key.look.content].push_back(m_byUse.begin());
     m_bytes += image.sizeInBytes();
     makeRoom();
+    m_budget.makeRoom();
 }
 
 void TileCache::makeRoom() {
-    while (m_bytes > m_limit && !m_byUse.empty() && m_byUse.back().frame != m_frame)
-        remove(std::prev(m_byUse.end()));
+    while (m_bytes > m_limit && hasUnused())
+        removeOldest();
 }
 
 void TileCache::dropUnused() {
-    while (!m_byUse.empty() && m_byUse.back().frame != m_frame)
-        remove(std::prev(m_byUse.end()));
+    while (hasUnused())
+        removeOldest();
+}
+
+qint64 TileCache::removeOldest() {
+    const qint64 before = m_bytes;
+    remove(std::prev(m_byUse.end()));
+    return before - m_bytes;
 }
 
 void TileCache::remove(Entries::iterator entry) {

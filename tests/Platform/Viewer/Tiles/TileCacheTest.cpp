@@ -73,3 +73,24 @@ TEST(TileCache, findsTheSameSheetInOtherLooks) {
         found.push_back(key);
     EXPECT_EQ(found, (std::vector<TileKey>{tile(0, 0, {200, 20'000}), fewerAnnotations}));
 }
+
+TEST(TileBudget, takesTheOldestTilesOfAllCachesButNoneOnTheScreen) {
+    TileBudget budget(4 * tileBytes);
+    TileCache hidden(10 * tileBytes, budget);
+    for (int row = 0; row < 3; ++row)
+        hidden.insert(tile(0, row), picture());
+    hidden.beginFrame();
+    {
+        TileCache shown(10 * tileBytes, budget);
+        for (int row = 0; row < 2; ++row)
+            shown.insert(tile(1, row), picture());
+        EXPECT_FALSE(hidden.contains(tile(0, 0)));
+        EXPECT_TRUE(hidden.contains(tile(0, 1)));
+        for (int row = 2; row < 6; ++row)
+            shown.insert(tile(1, row), picture());
+        EXPECT_EQ(hidden.bytes(), 0);
+        EXPECT_EQ(shown.bytes(), 6 * tileBytes);
+        EXPECT_EQ(budget.bytes(), 6 * tileBytes);
+    }
+    EXPECT_EQ(budget.bytes(), 0);
+}
