@@ -46,13 +46,12 @@ public:
         const auto firstStaying = std::find(stays.begin(), stays.end(), true) - stays.begin();
         QPDFObjectHandle anchor = m_file.page(order[std::size_t(firstStaying)]);
         for (std::size_t i = 0; i < order.size(); ++i) {
-            QPDFObjectHandle page = m_file.page(order[i]);
-            if (!stays[i]) {
-                // Those before the first page that stays go before it, in their order.
-                const bool before = std::ptrdiff_t(i) < firstStaying;
-                if (!putBeside(page, before ? anchor : m_file.page(order[i - 1]), !before))
-                    return false;
-            }
+            if (stays[i])
+                continue; // and isn't even looked up: that would read all pages of the file
+            // Those before the first page that stays go before it, in their order.
+            const bool before = std::ptrdiff_t(i) < firstStaying;
+            if (!putBeside(m_file.page(order[i]), before ? anchor : m_file.page(order[i - 1]), !before))
+                return false;
         }
         return true;
     }
