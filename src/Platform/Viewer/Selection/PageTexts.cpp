@@ -4,6 +4,35 @@
 #include "PageText.h"
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+
+namespace {
+
+constexpr std::chrono::milliseconds longestWait(400);
+
+/// Requests a stop once the time has passed.
+class StopAfter {
+public:
+    explicit StopAfter(std::chrono::milliseconds time)
+        : m_timer([this, time](const std::stop_token& ended) {
+              std::mutex mutex;
+              std::unique_lock lock(mutex);
+              if (!std::condition_variable_any().wait_for(lock, ended, time,
+                                                          [&ended] { return ended.stop_requested(); }))
+                  m_stop.request_stop();
+          }) {}
+    [[nodiscard]] std::stop_token token() const { return m_stop.get_token(); }
+
+private:
+    std::stop_source m_stop;
+    std::jthread m_timer; // last: it ends first
+};
+
+} // namespace
 
 void PageTexts::want(const std::vector<PDFPageContent>& contents) {
     if (contents == m_wanted)
@@ -13,6 +42,7 @@ void PageTexts::want(const std::vector<PDFPageContent>& contents) {
         return std::find(m_wanted.begin(), m_wanted.end(), content) != m_wanted.end();
     };
     std::erase_if(m_texts, [&](const Entry& entry) { return !isWanted(entry.first); });
+    std::erase_if(m_slow, [&](const PDFPageContent& content) { return !isWanted(content); });
     std::vector<PDFPageContent> missing;
     std::copy_if(m_wanted.begin(), m_wanted.end(), std::back_inserter(missing),
                  [this](const PDFPageContent& content) { return content.source && !text(content); });
@@ -43,7 +73,14 @@ std::shared_ptr<const PageText> PageTexts::text(const PDFPageContent& content) c
 std::shared_ptr<const PageText> PageTexts::textNow(const PDFPageContent& content) const {
     if (auto loaded = text(content))
         return loaded;
-    return content.source ? content.source->text(content.pageNumber) : nullptr;
+    if (!content.source || std::find(m_slow.begin(), m_slow.end(), content) != m_slow.end())
+        return nullptr;
+    const StopAfter patience(longestWait);
+    auto read = content.source->text(content.pageNumber, patience.token());
+    if (!patience.token().stop_requested())
+        return read;
+    m_slow.push_back(content);
+    return nullptr;
 }
 
 void PageTexts::take(std::vector<Entry> entries) {

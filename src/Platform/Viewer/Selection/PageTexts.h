@@ -23,7 +23,8 @@ public:
     void want(const std::vector<PDFPageContent>& contents);
     /// Null when it hasn't been read.
     [[nodiscard]] std::shared_ptr<const PageText> text(const PDFPageContent& content) const;
-    /// Reads it on this thread when need be: some milliseconds. Null for a page without a source.
+    /// Reads it on this thread when need be: some milliseconds. Null for a page without a source, and for one that asks
+    /// for so much work that the person who clicked would wait: that is read in the background all the same.
     [[nodiscard]] std::shared_ptr<const PageText> textNow(const PDFPageContent& content) const;
 
 Q_SIGNALS:
@@ -36,5 +37,6 @@ private:
 
     std::vector<PDFPageContent> m_wanted;
     std::vector<Entry> m_texts;
-    BackgroundTask m_reading; // last: it ends first
+    mutable std::vector<PDFPageContent> m_slow; // wanted, and not to be waited for again
+    BackgroundTask m_reading;                   // last: it ends first
 };

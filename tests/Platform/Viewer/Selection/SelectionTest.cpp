@@ -57,6 +57,15 @@ TEST(Selection, goesOverPages) {
     EXPECT_EQ(view.currentSelection()->pages().size(), 3U);
 }
 
+TEST(Selection, doesNotWaitForAPageThatTakesSecondsToRead) {
+    PdfFixture fixture;
+    fixture.addPageWithContent("/X Do", "<< /XObject << /X " + fixture.addEndlessForm() + " >> >>");
+    ShownView view(documentOf(fixture));
+    view.press({20, 20});
+    view.moveTo({600, 680});
+    EXPECT_FALSE(view.hasSelection());
+}
+
 TEST(Selection, clicksSelectWordsAndLines) {
     ShownView view(proseDocument());
     const QPointF brown = view.on(0, view.offsetOf(0, QStringLiteral("brown")) + 2);
