@@ -10,6 +10,7 @@
 #include "BackendAIProvider.h"
 #include "ChatHistoryStore.h"
 #include "ChatTitle.h"
+#include "FileWork.h"
 #include "RotatingAIProvider.h"
 #include "SystemPrompts.h"
 
@@ -116,13 +117,30 @@ void AssistantViewModel::attachFile() {
 
 void AssistantViewModel::attach(const QUrl& file) {
     const QString path = file.toLocalFile();
-    const QString text = AttachmentReader::text(path);
-    if (!text.trimmed().isEmpty())
-        setAttachment(QFileInfo(path).fileName(), text);
+    const QString name = QFileInfo(path).fileName();
+    const int reading = ++m_fileReadings;
+    setFileBeingRead(name);
+    const auto read = [path] { return AttachmentReader::text(path); };
+    FileWork::run(this, read, [this, reading, name](const QString& text) {
+        if (reading != m_fileReadings)
+            return;
+        setFileBeingRead(std::nullopt);
+        if (!text.trimmed().isEmpty())
+            setAttachment(name, text);
+    });
 }
 
 void AssistantViewModel::removeAttachment() {
+    ++m_fileReadings;
+    setFileBeingRead(std::nullopt);
     setAttachment(std::nullopt, std::nullopt);
+}
+
+void AssistantViewModel::setFileBeingRead(const std::optional<QString>& name) {
+    if (name == m_nameOfFileBeingRead)
+        return;
+    m_nameOfFileBeingRead = name;
+    Q_EMIT nameOfFileBeingReadChanged();
 }
 
 void AssistantViewModel::setAttachment(const std::optional<QString>& name, const std::optional<QString>& content) {

@@ -63,11 +63,13 @@ public:
     /// The file whose text goes with the next question; none without one.
     [[nodiscard]] const std::optional<QString>& attachmentName() const { return m_attachmentName; }
     [[nodiscard]] const std::optional<QString>& attachmentContent() const { return m_attachmentContent; }
+    /// The name of the file that is being read for the next question; none when none is.
+    [[nodiscard]] const std::optional<QString>& nameOfFileBeingRead() const { return m_nameOfFileBeingRead; }
 
     // Operations
 
-    /// Sends the draft, with the attachment if there is one, and empties both. With neither, or while a question runs,
-    /// nothing happens and the draft stays.
+    /// Sends the draft, with the attachment if there is one, and empties both. With neither, while a question runs, or
+    /// while a file is read that is to go with it, nothing happens and the draft stays.
     void submit();
     /// Saves the current conversation and starts an empty one. Nothing happens while a question runs.
     void startNewConversation();
@@ -78,9 +80,10 @@ public:
     void deleteSession(QUuid id);
     /// Lets the user pick a file through `onChooseFile`, and attaches it.
     void attachFile();
-    /// Attaches the text of a PDF's first ten pages, or the whole of a text file in UTF-8. Nothing changes for a file
-    /// that can't be read or holds no text.
+    /// Attaches the text of a PDF's first ten pages, or the whole of a text file in UTF-8, once it has been read on
+    /// another thread. Nothing changes for a file that can't be read or holds no text.
     void attach(const QUrl& file);
+    /// Also gives up a file that is being read.
     void removeAttachment();
     /// Shows a text as if the assistant had said it. The model isn't asked, and never reads it in this conversation.
     void appendAssistantTurn(const QString& text) { appendTurn(AssistantTurn::Role::assistant, text); }
@@ -98,6 +101,7 @@ Q_SIGNALS:
     void modelPreferenceChanged();
     void attachmentNameChanged();
     void attachmentContentChanged();
+    void nameOfFileBeingReadChanged();
 
 private:
     AssistantViewModel(const AssistantSource& source, std::shared_ptr<AIProvider> provider);
@@ -120,6 +124,7 @@ private:
     void save() const;
     [[nodiscard]] ChatSession* session(QUuid id);
     void setAttachment(const std::optional<QString>& name, const std::optional<QString>& content);
+    void setFileBeingRead(const std::optional<QString>& name);
     void setRunningSession(const std::optional<QUuid>& id);
 
     std::vector<AssistantTool> m_tools;
@@ -137,4 +142,6 @@ private:
     AIModelPreference m_modelPreference = AIModelPreference::highPerformance;
     std::optional<QString> m_attachmentName;
     std::optional<QString> m_attachmentContent;
+    std::optional<QString> m_nameOfFileBeingRead;
+    int m_fileReadings = 0; // started or given up: only the last one counts
 };

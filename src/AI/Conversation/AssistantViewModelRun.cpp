@@ -36,7 +36,7 @@ QString causeForLog(const std::exception& error) {
 
 void AssistantViewModel::submit() {
     const QString text = m_draft.trimmed();
-    if ((text.isEmpty() && !m_attachmentContent) || isRunning())
+    if ((text.isEmpty() && !m_attachmentContent) || isRunning() || m_nameOfFileBeingRead)
         return;
     setDraft({});
     QString bubble = text;

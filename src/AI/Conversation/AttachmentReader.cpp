@@ -2,7 +2,6 @@
 
 #include "Logging.h"
 #include "PDFDocument.h"
-#include "PDFError.h"
 #include "PDFPage.h"
 
 #include <QFile>
@@ -10,6 +9,7 @@
 #include <QStringDecoder>
 
 #include <algorithm>
+#include <exception>
 
 namespace {
 
@@ -23,7 +23,7 @@ QString textOfPdf(const QString& path) {
             if (!page.isEmpty())
                 text += page + u'\n';
         }
-    } catch (const PDFError& error) {
+    } catch (const std::exception& error) {
         qCWarning(Logging::ai) << "an attached PDF has no text to give:" << Logging::causes(error);
         return {};
     }

@@ -8,13 +8,16 @@
 #include "PDFDocument.h"
 #include "PDFOutline.h"
 #include "PDFPage.h"
+#include "PDFSource.h"
 #include "PDFViewCoordinator.h"
 #include "PreparedAnswers.h"
+#include "ReadingAhead.h"
 #include "SelectionReader.h"
 #include "ToolArguments.h"
 #include "ToolSchema.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -82,14 +85,32 @@ QString selectionText(const SelectionReader& selection) {
     return text.isEmpty() ? QStringLiteral("No text is currently selected.") : text;
 }
 
+/// The page asked for, 1-based, or the current one. None when neither is told.
+std::optional<qint64> pageAskedFor(const AssistantContext& context, const QJsonObject& input) {
+    if (const std::optional<qint64> number = ToolArguments::integer(input, pageArgument))
+        return number;
+    const std::optional<int> current = context.coordinator ? context.coordinator->currentPageIndex() : std::nullopt;
+    return current ? std::optional<qint64>(*current + 1) : std::nullopt;
+}
+
+/// Has the text of the page at hand when it is asked for: some pages take seconds.
+QCoro::Task<void> readPageAhead(std::shared_ptr<ReadingAhead> ahead, AssistantContext context, QJsonObject input) {
+    const std::optional<qint64> number = pageAskedFor(context, input);
+    const std::shared_ptr<PDFPage> page = number ? pageOfNumber(context, *number) : nullptr;
+    if (!page || !page->content().source)
+        co_return;
+    // Named, because GCC 12 destroys a closure twice that is made within a co_await expression.
+    std::function<QString()> work = [content = page->content(), stop = ahead->stopToken()] {
+        (void)content.source->text(content.pageNumber, stop); // stays with the source for a while
+        return QString();
+    };
+    (void)co_await ahead->read(std::move(work));
+}
+
 QString pageText(const AssistantContext& context, const QJsonObject& input) {
-    std::optional<qint64> number = ToolArguments::integer(input, pageArgument);
-    if (!number) {
-        const std::optional<int> current = context.coordinator ? context.coordinator->currentPageIndex() : std::nullopt;
-        if (!current)
-            return QStringLiteral("No page is currently open to use as \"this page\".");
-        number = *current + 1;
-    }
+    const std::optional<qint64> number = pageAskedFor(context, input);
+    if (!number)
+        return QStringLiteral("No page is currently open to use as \"this page\".");
     const std::shared_ptr<PDFPage> page = pageOfNumber(context, *number);
     if (!page)
         return outOfRange(context, *number);
@@ -160,6 +181,7 @@ std::vector<AssistantTool> PDFTools::make(const AssistantContext& context) {
     const QString string = QStringLiteral("string");
     const ToolParameter page{pageArgument, integer};
     const auto answers = std::make_shared<PreparedAnswers>(context.pdfDocument);
+    const auto ahead = std::make_shared<ReadingAhead>();
     const auto selection = std::make_shared<SelectionReader>(context.coordinator);
     return {
         {QStringLiteral("go_to_page"), QStringLiteral("Navigate the PDF viewer to a specific 1-based page number."),
@@ -177,7 +199,8 @@ std::vector<AssistantTool> PDFTools::make(const AssistantContext& context) {
              "Get the full text content of a specific 1-based page. Omit 'page' (or the user said \"this page\"/\"the "
              "current page\") to use whatever page is currently shown in the viewer."),
          toolSchema({{pageArgument, integer, false}}),
-         [context](const QJsonObject& input) { return pageText(context, input); }},
+         [context](const QJsonObject& input) { return pageText(context, input); },
+         [context, ahead](QJsonObject input) { return readPageAhead(ahead, context, std::move(input)); }},
         readingTool(
             QStringLiteral("get_document_text"),
             QStringLiteral(

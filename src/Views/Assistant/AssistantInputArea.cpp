@@ -62,6 +62,8 @@ AssistantInputArea::AssistantInputArea(std::shared_ptr<AssistantViewModel> viewM
     connect(model, &AssistantViewModel::isRunningChanged, this, &AssistantInputArea::updateSend);
     connect(model, &AssistantViewModel::attachmentNameChanged, this, &AssistantInputArea::updateAttachment);
     connect(model, &AssistantViewModel::attachmentContentChanged, this, &AssistantInputArea::updateSend);
+    connect(model, &AssistantViewModel::nameOfFileBeingReadChanged, this, &AssistantInputArea::updateAttachment);
+    connect(model, &AssistantViewModel::nameOfFileBeingReadChanged, this, &AssistantInputArea::updateSend);
     connect(model, &AssistantViewModel::modelPreferenceChanged, this, &AssistantInputArea::updateModel);
     m_field->setMessage(m_viewModel->draft());
     updateQuickPrompts();
@@ -152,7 +154,8 @@ bool AssistantInputArea::canSubmit() const {
     const bool hasText = std::any_of(draft.begin(), draft.end(), [](QChar character) {
         return character != u'\t' && character.category() != QChar::Separator_Space;
     });
-    return (hasText || m_viewModel->attachmentContent()) && !m_viewModel->isRunning();
+    return (hasText || m_viewModel->attachmentContent()) && !m_viewModel->isRunning() &&
+           !m_viewModel->nameOfFileBeingRead();
 }
 
 void AssistantInputArea::updateSend() {
@@ -167,9 +170,10 @@ void AssistantInputArea::updateQuickPrompts() {
 }
 
 void AssistantInputArea::updateAttachment() {
-    const std::optional<QString>& name = m_viewModel->attachmentName();
+    const std::optional<QString>& beingRead = m_viewModel->nameOfFileBeingRead();
+    const std::optional<QString>& name = beingRead ? beingRead : m_viewModel->attachmentName();
     const bool hadFocus = m_chip->isAncestorOf(focusWidget());
-    m_chip->setName(name.value_or(QString()));
+    m_chip->setName(name.value_or(QString()), beingRead.has_value());
     m_chip->setVisible(name.has_value());
     if (hadFocus && !name)
         m_field->setFocus();

@@ -39,15 +39,15 @@ AttachmentChip::AttachmentChip(QWidget* parent) : QFrame(parent), m_symbol(new Q
 
 AttachmentChip::~AttachmentChip() = default;
 
-void AttachmentChip::setName(const QString& name) {
-    m_fileName = name;
-    m_name->setAccessibleName(QStringLiteral("Attached file: ") + name);
+void AttachmentChip::setName(const QString& name, bool isBeingRead) {
+    m_caption = isBeingRead ? QStringLiteral("Reading %1…").arg(name) : name;
+    m_name->setAccessibleName(isBeingRead ? m_caption : QStringLiteral("Attached file: ") + name);
     setToolTip(PlainText::toolTip(name));
     showName();
 }
 
 void AttachmentChip::showName() {
-    m_name->setText(m_name->fontMetrics().elidedText(m_fileName, Qt::ElideMiddle, m_name->width()));
+    m_name->setText(m_name->fontMetrics().elidedText(m_caption, Qt::ElideMiddle, m_name->width()));
 }
 
 void AttachmentChip::updateSymbol() {

@@ -12,8 +12,8 @@ public:
     explicit AttachmentChip(QWidget* parent = nullptr);
     ~AttachmentChip() override;
 
-    /// A long name is shortened in its middle.
-    void setName(const QString& name);
+    /// A long name is shortened in its middle. While the file is still being read, it says so.
+    void setName(const QString& name, bool isBeingRead);
 
 Q_SIGNALS:
     void removeRequested();
@@ -27,7 +27,7 @@ private:
     void updateSymbol();
     void showName();
 
-    QString m_fileName;
+    QString m_caption;
     QLabel* m_symbol;
     QLabel* m_name;
 };

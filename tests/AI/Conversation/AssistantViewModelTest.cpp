@@ -7,6 +7,7 @@
 
 #include <QScopeGuard>
 #include <QSignalSpy>
+#include <QTest>
 
 namespace {
 
@@ -23,6 +24,10 @@ protected:
         viewModel.setDraft(question);
         viewModel.submit();
         EXPECT_TRUE(finish(viewModel));
+    }
+    /// Waits until no file is read any more.
+    static bool hasRead(AssistantViewModel& viewModel) {
+        return QTest::qWaitFor([&viewModel] { return !viewModel.nameOfFileBeingRead(); });
     }
     [[nodiscard]] std::vector<ChatSession> stored() const { return ChatHistoryStore::load(m_path); }
     [[nodiscard]] QUrl file(const QString& name, const QByteArray& content) const {
@@ -210,12 +215,16 @@ TEST_F(AssistantViewModelTest, SendsTheTextOfAnAttachment) {
          {file(QStringLiteral("blank.txt"), " \n "), file(QStringLiteral("latin.txt"), "caf\xe9"),
           file(QStringLiteral("broken.pdf"), "text"), QUrl::fromLocalFile(m_folder.path()), QUrl()}) {
         viewModel->attach(useless);
+        ASSERT_TRUE(hasRead(*viewModel));
         EXPECT_FALSE(viewModel->attachmentName()) << qPrintable(useless.toString());
     }
     viewModel->onChooseFile = [&pdf](const QStringList&, const std::function<void(const QUrl&)>& chosen) {
         chosen(pdf);
     };
     viewModel->attachFile();
+    viewModel->submit();
+    EXPECT_FALSE(viewModel->isRunning()) << "the file is to go with it";
+    ASSERT_TRUE(hasRead(*viewModel));
     EXPECT_EQ(viewModel->attachmentName(), QStringLiteral("Notes.PDF"));
     const QString pages = QStringLiteral("page 1\npage 3\npage 4\npage 5\npage 6\npage 7\npage 8\npage 9\npage 10\n");
     EXPECT_EQ(viewModel->attachmentContent(), pages);
@@ -223,7 +232,11 @@ TEST_F(AssistantViewModelTest, SendsTheTextOfAnAttachment) {
     viewModel->submit();
     EXPECT_FALSE(viewModel->attachmentName() || viewModel->attachmentContent());
     ASSERT_TRUE(finish(*viewModel));
+    viewModel->attach(pdf); // and the user thinks better of it
+    viewModel->removeAttachment();
+    viewModel->attach(pdf);
     viewModel->attach(file(QStringLiteral("a.txt"), "%1 ünder\n"));
+    ASSERT_TRUE(hasRead(*viewModel));
     m_provider->reply(ScriptedProvider::answer(QStringLiteral("ok")));
     ask(*viewModel, QStringLiteral("compare %2"));
 
