@@ -19,6 +19,11 @@ option(QUILLO_SANITIZE_THREADS "Build with the thread sanitizer" OFF)
 add_library(quillo_flags INTERFACE)
 target_compile_options(quillo_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
                        -Woverloaded-virtual $<$<BOOL:${QUILLO_WERROR}>:-Werror>)
+# In a file that includes others, as unity builds compile them, GCC takes the frames of coroutines in unnamed namespaces
+# for types of a header.
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(quillo_flags INTERFACE -Wno-subobject-linkage)
+endif()
 target_compile_definitions(quillo_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_DEPRECATED_WARNINGS
                            $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 if(QUILLO_SANITIZE)
