@@ -2,11 +2,11 @@
 
 #include "DialogRun.h"
 #include "PasswordPrompt.h"
+#include "PlainMessage.h"
 #include "SymbolIcon.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -29,12 +29,7 @@ static void setContent(QMessageBox& box, const QString& symbolName, const QStrin
     box.setWindowTitle(QStringLiteral("Quillo"));
     box.setIconPixmap(
         SymbolIcon::pixmap(symbolName, symbolSide, box.palette().color(QPalette::WindowText), box.devicePixelRatioF()));
-    // File names may hold what looks like markup.
-    box.setTextFormat(Qt::PlainText);
-    box.setText(text);
-    box.setInformativeText(informativeText);
-    for (QLabel* label : box.findChildren<QLabel*>()) // that of the informative text has its own format
-        label->setTextFormat(Qt::PlainText);
+    PlainMessage::setText(box, text, informativeText);
 }
 
 namespace {

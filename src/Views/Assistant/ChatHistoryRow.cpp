@@ -25,6 +25,7 @@ ChatHistoryRow::ChatHistoryRow(const QString& title, const QString& time, bool i
     : QAbstractButton(parent), m_time(time) {
     setObjectName(QStringLiteral("chatRow"));
     setText(title);
+    setShortcut({}); // an "&" of the title marks no key
     setAccessibleName(title);
     setAccessibleDescription(time);
     setToolTip(PlainText::toolTip(title));

@@ -1,5 +1,6 @@
 #include "WebLink.h"
 
+#include "PlainMessage.h"
 #include "SymbolIcon.h"
 
 #include <QClipboard>
@@ -25,12 +26,11 @@ static void showRefusal(const QUrl& url, QWidget* parent) {
     auto* box = new QMessageBox(parent->window());
     box->setObjectName(QStringLiteral("webLinkRefusal"));
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setTextFormat(Qt::PlainText);
     box->setIconPixmap(SymbolIcon::pixmap(QStringLiteral("info.circle"), symbolSide,
                                           box->palette().color(QPalette::WindowText), parent->devicePixelRatioF()));
     box->setWindowTitle(QStringLiteral("Link Not Opened"));
-    box->setText(QStringLiteral("Quillo opens web and mail addresses only."));
-    box->setInformativeText(QStringLiteral("This link leads to: %1").arg(addressForReading(url).left(500)));
+    PlainMessage::setText(*box, QStringLiteral("Quillo opens web and mail addresses only."),
+                          QStringLiteral("This link leads to: %1").arg(addressForReading(url).left(500)));
     box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
     box->open();
 }

@@ -1,5 +1,6 @@
 #include "RecoveryWindow.h"
 
+#include "PlainMessage.h"
 #include "RecoveryRow.h"
 #include "SymbolIcon.h"
 
@@ -138,12 +139,12 @@ void RecoveryWindow::askToDelete(const QStringList& ids) {
     question->setWindowTitle(QStringLiteral("Quillo"));
     question->setIconPixmap(SymbolIcon::pixmap(QStringLiteral("exclamationmark.triangle"), 44,
                                                palette().color(QPalette::WindowText), devicePixelRatioF()));
-    question->setTextFormat(Qt::PlainText); // file names may hold what looks like markup
-    question->setText(ids.size() == 1
-                          ? QStringLiteral("Delete the unsaved changes to “%1”?")
-                                .arg(row(ids.constFirst())->document().description.displayName)
-                          : QStringLiteral("Delete the unsaved changes to all %1 documents?").arg(ids.size()));
-    question->setInformativeText(QStringLiteral("They can't be recovered afterwards. Saved files stay as they are."));
+    PlainMessage::setText(*question,
+                          ids.size() == 1
+                              ? QStringLiteral("Delete the unsaved changes to “%1”?")
+                                    .arg(row(ids.constFirst())->document().description.displayName)
+                              : QStringLiteral("Delete the unsaved changes to all %1 documents?").arg(ids.size()),
+                          QStringLiteral("They can't be recovered afterwards. Saved files stay as they are."));
     QPushButton* remove = question->addButton(QStringLiteral("Delete"), QMessageBox::DestructiveRole);
     QPushButton* cancel = question->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
     remove->setObjectName(QStringLiteral("confirmDelete"));

@@ -14,6 +14,7 @@
 #include "PageField.h"
 #include "Palette.h"
 #include "PassingNotice.h"
+#include "PlainMessage.h"
 #include "PrintPanel.h"
 #include "Shortcuts.h"
 #include "SignaturePickerView.h"
@@ -250,9 +251,9 @@ void PDFEditorWorkspaceView::print() {
             notice->announce(sentence);
     };
     const auto failed = [shown = QPointer(window())](const QString& title, const QString& sentence) {
-        auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Print"), title, QMessageBox::Ok, shown);
+        auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Print"), {}, QMessageBox::Ok, shown);
         box->setObjectName(QStringLiteral("printFailure"));
-        box->setInformativeText(sentence);
+        PlainMessage::setText(*box, title, sentence);
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->open();
     };
