@@ -1,7 +1,7 @@
 #include "UnsavedDocumentsDialog.h"
 
 #include "PlainText.h"
-#include "SymbolIcon.h"
+#include "SymbolPicture.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
@@ -22,9 +22,7 @@ UnsavedDocumentsDialog::UnsavedDocumentsDialog(const std::vector<Entry>& documen
     setWindowTitle(QStringLiteral("Quillo"));
     setModal(true);
 
-    auto* symbol = new QLabel(this);
-    symbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("exclamationmark.triangle"), symbolSide,
-                                         palette().color(QPalette::WindowText), devicePixelRatioF()));
+    auto* symbol = new SymbolPicture(QStringLiteral("exclamationmark.triangle"), symbolSide, this);
     auto* question = new QLabel(
         QStringLiteral("%1 documents have unsaved changes. Which do you want to save?").arg(documents.size()), this);
     QFont bold = question->font();

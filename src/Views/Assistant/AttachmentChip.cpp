@@ -2,10 +2,10 @@
 
 #include "PlainText.h"
 #include "SymbolIcon.h"
+#include "SymbolPicture.h"
 #include "ToolbarButton.h"
 
 #include <QAction>
-#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -14,7 +14,7 @@ static constexpr int symbolSide = 16;
 static constexpr int buttonSide = 24;
 static constexpr qreal cornerRadius = 8;
 
-AttachmentChip::AttachmentChip(QWidget* parent) : QFrame(parent), m_symbol(new QLabel), m_name(new QLabel) {
+AttachmentChip::AttachmentChip(QWidget* parent) : QFrame(parent), m_name(new QLabel) {
     setObjectName(QStringLiteral("attachmentChip"));
     m_name->setObjectName(QStringLiteral("attachmentName"));
     m_name->setTextFormat(Qt::PlainText);
@@ -31,10 +31,9 @@ AttachmentChip::AttachmentChip(QWidget* parent) : QFrame(parent), m_symbol(new Q
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(8, 3, 4, 3);
     layout->setSpacing(6);
-    layout->addWidget(m_symbol);
+    layout->addWidget(new SymbolPicture(QStringLiteral("doc.text.fill"), symbolSide));
     layout->addWidget(m_name, 1);
     layout->addWidget(button);
-    updateSymbol();
 }
 
 AttachmentChip::~AttachmentChip() = default;
@@ -48,17 +47,6 @@ void AttachmentChip::setName(const QString& name, bool isBeingRead) {
 
 void AttachmentChip::showName() {
     m_name->setText(m_name->fontMetrics().elidedText(m_caption, Qt::ElideMiddle, m_name->width()));
-}
-
-void AttachmentChip::updateSymbol() {
-    m_symbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("doc.text.fill"), symbolSide,
-                                           palette().color(QPalette::WindowText), devicePixelRatioF()));
-}
-
-void AttachmentChip::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::PaletteChange)
-        updateSymbol();
-    QFrame::changeEvent(event);
 }
 
 void AttachmentChip::resizeEvent(QResizeEvent* event) {

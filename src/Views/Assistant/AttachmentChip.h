@@ -19,15 +19,12 @@ Q_SIGNALS:
     void removeRequested();
 
 protected:
-    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void updateSymbol();
     void showName();
 
     QString m_caption;
-    QLabel* m_symbol;
     QLabel* m_name;
 };

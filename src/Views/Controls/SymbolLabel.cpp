@@ -1,14 +1,14 @@
 #include "SymbolLabel.h"
 
-#include "SymbolIcon.h"
+#include "SymbolPicture.h"
 
-#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 
 static constexpr int symbolSide = 18;
 
-SymbolLabel::SymbolLabel(QWidget* parent) : QWidget(parent), m_symbol(new QLabel), m_text(new QLabel) {
+SymbolLabel::SymbolLabel(QWidget* parent)
+    : QWidget(parent), m_symbol(new SymbolPicture({}, symbolSide)), m_text(new QLabel) {
     m_text->setTextFormat(Qt::PlainText);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -20,24 +20,16 @@ SymbolLabel::SymbolLabel(QWidget* parent) : QWidget(parent), m_symbol(new QLabel
 SymbolLabel::~SymbolLabel() = default;
 
 void SymbolLabel::setContent(const QString& symbolName, const QString& text, const QColor& symbolColor) {
-    m_symbolName = symbolName;
-    m_symbolColor = symbolColor;
+    m_symbol->setSymbolName(symbolName);
+    m_symbol->setColor(symbolColor);
     m_text->setText(text);
     setAccessibleName(text);
-    updateSymbol();
 }
 
 QString SymbolLabel::text() const {
     return m_text->text();
 }
 
-void SymbolLabel::updateSymbol() {
-    const QColor color = m_symbolColor.isValid() ? m_symbolColor : palette().color(QPalette::WindowText);
-    m_symbol->setPixmap(SymbolIcon::pixmap(m_symbolName, symbolSide, color, devicePixelRatioF()));
-}
-
-void SymbolLabel::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::PaletteChange && !m_symbolName.isEmpty())
-        updateSymbol();
-    QWidget::changeEvent(event);
+const QString& SymbolLabel::symbolName() const {
+    return m_symbol->symbolName();
 }

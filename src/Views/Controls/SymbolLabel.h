@@ -5,6 +5,7 @@
 #include <QWidget>
 
 class QLabel;
+class SymbolPicture;
 
 /// A line of text with a symbol before it, both in the palette's text colour unless the symbol has one of its own.
 class SymbolLabel : public QWidget {
@@ -18,16 +19,9 @@ public:
     void setContent(const QString& symbolName, const QString& text, const QColor& symbolColor = {});
 
     [[nodiscard]] QString text() const;
-    [[nodiscard]] const QString& symbolName() const { return m_symbolName; }
-
-protected:
-    void changeEvent(QEvent* event) override;
+    [[nodiscard]] const QString& symbolName() const;
 
 private:
-    void updateSymbol();
-
-    QString m_symbolName;
-    QColor m_symbolColor;
-    QLabel* m_symbol;
+    SymbolPicture* m_symbol;
     QLabel* m_text;
 };

@@ -2,6 +2,7 @@
 
 #include "PlainMessage.h"
 #include "SymbolIcon.h"
+#include "SymbolPicture.h"
 
 #include <QClipboard>
 #include <QDesktopServices>
@@ -85,10 +86,7 @@ void WebLink::confirmAndOpen(const QUrl& link, QWidget* parent) {
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowTitle(isMail ? QStringLiteral("Write a Mail") : QStringLiteral("Open Web Address"));
 
-    auto* symbol = new QLabel(dialog);
-    symbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("globe"), symbolSide,
-                                         dialog->palette().color(QPalette::WindowText), parent->devicePixelRatioF()));
-    symbol->setAlignment(Qt::AlignTop);
+    auto* symbol = new SymbolPicture(QStringLiteral("globe"), symbolSide, dialog);
     auto* question = new QLabel(isMail ? QStringLiteral("This link writes a mail to this address.")
                                        : QStringLiteral("This link opens this web address."),
                                 dialog);

@@ -1,21 +1,18 @@
 #include "OpenDocumentCard.h"
 
 #include "Palette.h"
-#include "SymbolIcon.h"
+#include "SymbolPicture.h"
 
-#include <QEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 OpenDocumentCard::OpenDocumentCard(QWidget* parent)
-    : QFrame(parent), m_symbol(new QLabel(this)),
-      m_selectButton(new QPushButton(QStringLiteral("Select File…"), this)) {
+    : QFrame(parent), m_selectButton(new QPushButton(QStringLiteral("Select File…"), this)) {
     setObjectName(QStringLiteral("openDocumentCard"));
     setAccessibleName(QStringLiteral("Open a file"));
 
-    m_symbol->setAlignment(Qt::AlignCenter);
     m_selectButton->setObjectName(QStringLiteral("selectFile"));
     m_selectButton->setAccessibleName(QStringLiteral("Select File"));
     m_selectButton->setDefault(true);
@@ -26,10 +23,9 @@ OpenDocumentCard::OpenDocumentCard(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(32, 32, 32, 32);
     layout->setSpacing(14);
-    layout->addWidget(m_symbol);
+    layout->addWidget(new SymbolPicture(QStringLiteral("doc.badge.plus"), 48), 0, Qt::AlignHCenter);
     layout->addWidget(m_selectButton, 0, Qt::AlignHCenter);
     layout->addWidget(hint);
-    updateSymbol();
 }
 
 OpenDocumentCard::~OpenDocumentCard() = default;
@@ -39,17 +35,6 @@ void OpenDocumentCard::setDropTargeted(bool targeted) {
         return;
     m_isDropTargeted = targeted;
     update();
-}
-
-void OpenDocumentCard::updateSymbol() {
-    m_symbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("doc.badge.plus"), 48, palette().color(QPalette::WindowText),
-                                           devicePixelRatioF()));
-}
-
-void OpenDocumentCard::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::PaletteChange)
-        updateSymbol();
-    QFrame::changeEvent(event);
 }
 
 void OpenDocumentCard::paintEvent(QPaintEvent*) {

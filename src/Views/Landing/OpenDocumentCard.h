@@ -2,7 +2,6 @@
 
 #include <QFrame>
 
-class QLabel;
 class QPushButton;
 
 /// The card with a dashed outline on which the user chooses or drops a file. It shows what hovers; the drop itself is
@@ -22,12 +21,8 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
 private:
-    void updateSymbol();
-
-    QLabel* m_symbol;
     QPushButton* m_selectButton;
     bool m_isDropTargeted = false;
 };

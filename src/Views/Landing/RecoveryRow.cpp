@@ -2,7 +2,7 @@
 
 #include "ElidedLabel.h"
 #include "RelativeDateTimeFormatter.h"
-#include "SymbolIcon.h"
+#include "SymbolPicture.h"
 
 #include <QDir>
 #include <QEvent>
@@ -47,9 +47,8 @@ QString noticeText(LostDocument::Original original) {
 } // namespace
 
 RecoveryRow::RecoveryRow(const LostDocument& document, const QDateTime& now, QWidget* parent)
-    : QFrame(parent), m_document(document), m_picture(new QLabel), m_notice(new QWidget), m_noticeSymbol(new QLabel),
-      m_noticeText(new QLabel), m_recover(new QPushButton(QStringLiteral("Recover"))),
-      m_delete(new QPushButton(QStringLiteral("Delete"))) {
+    : QFrame(parent), m_document(document), m_picture(new QLabel), m_notice(new QWidget), m_noticeText(new QLabel),
+      m_recover(new QPushButton(QStringLiteral("Recover"))), m_delete(new QPushButton(QStringLiteral("Delete"))) {
     const QString& name = m_document.description.displayName;
     setObjectName(QStringLiteral("recoveryRow"));
     setAccessibleName(name);
@@ -109,20 +108,15 @@ void RecoveryRow::makeNotice() {
     auto* layout = new QHBoxLayout(m_notice);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
-    layout->addWidget(m_noticeSymbol, 0, Qt::AlignTop);
+    layout->addWidget(new SymbolPicture(QStringLiteral("exclamationmark.triangle"), fontMetrics().height()), 0,
+                      Qt::AlignTop);
     layout->addWidget(m_noticeText, 1);
-    showNoticeSymbol();
 }
 
 void RecoveryRow::setNotice(const QString& text) {
     m_noticeText->setText(text);
     m_notice->setVisible(!text.isEmpty());
     setAccessibleDescription(text);
-}
-
-void RecoveryRow::showNoticeSymbol() {
-    m_noticeSymbol->setPixmap(SymbolIcon::pixmap(QStringLiteral("exclamationmark.triangle"), fontMetrics().height(),
-                                                 palette().color(QPalette::WindowText), devicePixelRatioF()));
 }
 
 /// A sheet of paper where there is no picture.
@@ -167,9 +161,7 @@ void RecoveryRow::updateButtons() {
 }
 
 void RecoveryRow::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::PaletteChange) {
+    if (event->type() == QEvent::PaletteChange)
         showPicture();
-        showNoticeSymbol();
-    }
     QFrame::changeEvent(event);
 }

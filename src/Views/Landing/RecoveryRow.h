@@ -38,13 +38,11 @@ private:
     void makeNotice();
     void setNotice(const QString& text);
     void showPicture();
-    void showNoticeSymbol();
     void updateButtons();
 
     const LostDocument m_document;
     QLabel* m_picture;
     QWidget* m_notice;
-    QLabel* m_noticeSymbol;
     QLabel* m_noticeText;
     QPushButton* m_recover;
     QPushButton* m_delete;

@@ -3,10 +3,9 @@
 #include "ErrorSentence.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
-#include "SymbolIcon.h"
+#include "SymbolPicture.h"
 
 #include <QAccessible>
-#include <QEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -14,8 +13,7 @@
 #include <QVBoxLayout>
 
 UnlockDocumentView::UnlockDocumentView(std::shared_ptr<PDFEditorDocument> document, QWidget* parent)
-    : QWidget(parent), m_document(std::move(document)), m_symbol(new QLabel(this)),
-      m_passwordField(new QLineEdit(this)),
+    : QWidget(parent), m_document(std::move(document)), m_passwordField(new QLineEdit(this)),
       m_wrongPasswordLine(new QLabel(QStringLiteral("That password didn't work."), this)) {
     setObjectName(QStringLiteral("unlockDocumentView"));
     setAccessibleName(QStringLiteral("Password Required"));
@@ -47,6 +45,7 @@ UnlockDocumentView::UnlockDocumentView(std::shared_ptr<PDFEditorDocument> docume
     cancelButton->setObjectName(QStringLiteral("cancel"));
     cancelButton->setAccessibleName(cancelButton->text());
 
+    auto* symbol = new SymbolPicture(QStringLiteral("lock.doc"), 64, this);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(cancelButton);
@@ -55,14 +54,13 @@ UnlockDocumentView::UnlockDocumentView(std::shared_ptr<PDFEditorDocument> docume
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(12);
     layout->addStretch(2);
-    for (QWidget* part : std::initializer_list<QWidget*>{m_symbol, heading, line, m_passwordField, m_wrongPasswordLine})
+    for (QWidget* part : std::initializer_list<QWidget*>{symbol, heading, line, m_passwordField, m_wrongPasswordLine})
         layout->addWidget(part, 0, Qt::AlignHCenter);
     layout->addLayout(buttons);
     layout->addStretch(3);
     setTabOrder(m_passwordField, unlockButton);
     setTabOrder(unlockButton, cancelButton);
     setFocusProxy(m_passwordField);
-    updateSymbol();
 
     connect(m_passwordField, &QLineEdit::returnPressed, this, &UnlockDocumentView::unlock);
     connect(unlockButton, &QPushButton::clicked, this, &UnlockDocumentView::unlock);
@@ -90,20 +88,9 @@ void UnlockDocumentView::unlock() {
     QAccessible::updateAccessibility(&alert);
 }
 
-void UnlockDocumentView::updateSymbol() {
-    m_symbol->setPixmap(
-        SymbolIcon::pixmap(QStringLiteral("lock.doc"), 64, palette().color(QPalette::WindowText), devicePixelRatioF()));
-}
-
 void UnlockDocumentView::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel))
         Q_EMIT closeRequested();
     else
         QWidget::keyPressEvent(event);
-}
-
-void UnlockDocumentView::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::PaletteChange)
-        updateSymbol();
-    QWidget::changeEvent(event);
 }

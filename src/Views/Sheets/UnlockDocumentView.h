@@ -27,15 +27,11 @@ Q_SIGNALS:
     void closeRequested();
 
 protected:
-    void changeEvent(QEvent* event) override;
     /// Escape gives up.
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void updateSymbol();
-
     std::shared_ptr<PDFEditorDocument> m_document;
-    QLabel* m_symbol;
     QLineEdit* m_passwordField;
     QLabel* m_wrongPasswordLine;
     bool m_wrongPassword = false;

@@ -2,11 +2,10 @@
 
 #include "Palette.h"
 #include "SelectableText.h"
-#include "SymbolIcon.h"
+#include "SymbolPicture.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
-#include <QLabel>
 
 static constexpr int signSide = 20;
 // Reds that can be read as text on a white and on a nearly black ground.
@@ -14,7 +13,8 @@ static constexpr QColor redOnLight{0xD7, 0x00, 0x15};
 static constexpr QColor redOnDark{0xFF, 0x69, 0x61};
 
 ErrorBubble::ErrorBubble(const QString& text, QWidget* parent)
-    : QWidget(parent), m_sign(new QLabel), m_text(new SelectableText(text)) {
+    : QWidget(parent), m_sign(new SymbolPicture(QStringLiteral("exclamationmark.triangle.fill"), signSide)),
+      m_text(new SelectableText(text)) {
     setObjectName(QStringLiteral("errorBubble"));
     m_text->setObjectName(QStringLiteral("errorText"));
     m_text->setAccessibleName(QStringLiteral("Error"));
@@ -30,8 +30,7 @@ ErrorBubble::~ErrorBubble() = default;
 
 void ErrorBubble::updateColors() {
     const QColor red = Palette::isDark(palette()) ? redOnDark : redOnLight;
-    m_sign->setPixmap(
-        SymbolIcon::pixmap(QStringLiteral("exclamationmark.triangle.fill"), signSide, red, devicePixelRatioF()));
+    m_sign->setColor(red);
     m_text->setTextColor(red);
 }
 

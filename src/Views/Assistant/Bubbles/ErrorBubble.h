@@ -2,8 +2,8 @@
 
 #include <QWidget>
 
-class QLabel;
 class SelectableText;
+class SymbolPicture;
 
 /// Why a question has no answer: a sign and the sentence, both red.
 class ErrorBubble : public QWidget {
@@ -19,6 +19,6 @@ protected:
 private:
     void updateColors();
 
-    QLabel* m_sign;
+    SymbolPicture* m_sign;
     SelectableText* m_text;
 };
