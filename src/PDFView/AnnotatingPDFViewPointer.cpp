@@ -180,6 +180,12 @@ bool AnnotatingPDFView::fingerDraws() const {
 // The shape of the pointer
 
 void AnnotatingPDFView::updateCursor(QPointF viewPoint) {
+    if (isPanning()) { // the hand that moves the pages is no tool
+        m_toolCursor.reset();
+        updateEraserVisual(std::nullopt);
+        viewport()->setCursor(Qt::ClosedHandCursor);
+        return;
+    }
     if (!m_toolState || m_toolState->tool() == AnnotationTool::select) {
         m_toolCursor.reset();
         updateEraserVisual(std::nullopt);

@@ -102,6 +102,32 @@ TEST_F(DrawingTools, aStrokeIsSmoothAndRunsFromItsFirstPointToItsLast) {
     expectAt(7, way[3]);
 }
 
+TEST_F(DrawingTools, aFingerDrawsAllOfAStrokeHoweverShort) {
+    m_toolState->setTool(AnnotationTool::ink);
+    QPointingDevice* const screen = QTest::createTouchDevice();
+    const auto draw = [&](const std::vector<QPoint>& way) {
+        const auto at = [this](QPoint point) { return m_view.viewport()->mapTo(&m_view, point); };
+        QTest::touchEvent(&m_view, screen).press(0, at(way.front()));
+        for (const QPoint& point : way)
+            QTest::touchEvent(&m_view, screen).move(0, at(point));
+        QTest::touchEvent(&m_view, screen).release(0, at(way.back()));
+    };
+    const std::vector<std::vector<QPoint>> ways{{{100, 300}, {104, 306}, {108, 300}},
+                                                {{200, 300}, {206, 309}, {214, 300}, {240, 300}}};
+    for (const auto& way : ways) {
+        draw(way);
+        ASSERT_EQ(annotations().size(), 1U);
+        // The height of its first turn tells whether that was drawn.
+        const QRectF drawn = m_view.convertFromPage(
+            annotations()[0]->paths()[0].boundingRect().translated(annotations()[0]->bounds().topLeft()), *page());
+        EXPECT_NEAR(drawn.width(), way.back().x() - way.front().x(), 1);
+        EXPECT_NEAR(drawn.height(), way[1].y() - way[0].y(), 2) << "a smooth line cuts corners";
+        m_undoManager->undo();
+    }
+    draw({{100, 300}, {101, 301}}); // a finger that is only put down
+    EXPECT_TRUE(annotations().empty());
+}
+
 TEST_F(DrawingTools, twoQuickStrokesAreTwoAnnotationsAndTwoSteps) {
     m_toolState->setTool(AnnotationTool::ink);
     press({100, 500});

@@ -55,6 +55,8 @@ enum class PDFViewCommand {
 /// fill a field, Escape leaves it or drops the selection; Shift+F10 opens the menu. The wheel zooms with Ctrl and
 /// scrolls to the side with Shift.
 ///
+/// Mouse: the middle button takes hold of the pages and moves them.
+///
 /// Fingers: one scrolls and flings, two zoom and move, a tap is a click, a finger that rests opens the menu.
 class PDFView : public PageSurface {
     Q_OBJECT
@@ -204,6 +206,8 @@ protected:
     /// Draws over the pages. The painter is set to view points.
     virtual void drawOverPages(QPainter& painter);
     [[nodiscard]] std::optional<QTransform> pageToView(const PDFPage& page) const override;
+    /// True while the middle button moves the pages.
+    [[nodiscard]] bool isPanning() const;
     /// True for a link that leads somewhere.
     [[nodiscard]] bool hasLink(QPointF viewPoint) const;
 
@@ -229,6 +233,9 @@ protected:
 private:
     friend struct PDFViewParts;
 
+    void startPanning(QPointF viewPoint);
+    void pan(QPointF viewPoint);
+    void stopPanning(QPointF viewPoint);
     void showMenu(QPointF viewPoint);
     /// Where the keyboard opens the menu: on the selection where that is seen, else in the middle. View point.
     [[nodiscard]] QPointF menuPoint() const;

@@ -259,9 +259,36 @@ void PDFView::focusOutEvent(QFocusEvent* event) {
 
 // Pointer
 
+bool PDFView::isPanning() const {
+    return m_parts->panPoint.has_value();
+}
+
+void PDFView::startPanning(QPointF viewPoint) {
+    m_parts->column().scroller().stop();
+    m_parts->touch.stop();
+    m_parts->panPoint = viewPoint;
+    viewport()->setCursor(Qt::ClosedHandCursor);
+}
+
+void PDFView::pan(QPointF viewPoint) {
+    PageColumn& column = m_parts->column();
+    column.scroller().scrollBy((*m_parts->panPoint - viewPoint) * column.devicePixelRatio());
+    m_parts->panPoint = viewPoint;
+}
+
+void PDFView::stopPanning(QPointF viewPoint) {
+    m_parts->panPoint.reset();
+    viewport()->unsetCursor();
+    updateCursor(viewPoint);
+}
+
 void PDFView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton && event->buttons() == Qt::MiddleButton)
+        startPanning(event->position());
     if (event->button() != Qt::LeftButton)
         return;
+    if (isPanning())
+        stopPanning(event->position());
     PageColumn& column = m_parts->column();
     column.scroller().stop();
     m_parts->keyboardFocus = false;
@@ -279,6 +306,8 @@ void PDFView::mousePressEvent(QMouseEvent* event) {
 }
 
 void PDFView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton)
+        mousePressEvent(event);
     if (event->button() != Qt::LeftButton || m_parts->followedLink)
         return;
     if (!m_parts->forms.press(event->position())) // two quick clicks on a field are two clicks
@@ -287,6 +316,11 @@ void PDFView::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void PDFView::mouseMoveEvent(QMouseEvent* event) {
     m_parts->pointer = event->position();
+    if (isPanning()) {
+        if (event->buttons().testFlag(Qt::MiddleButton))
+            return pan(event->position());
+        stopPanning(event->position()); // a menu or a dialog that came up has taken the release
+    }
     if (event->buttons().testFlag(Qt::LeftButton) && m_parts->forms.isPressed())
         return;
     if (!event->buttons().testFlag(Qt::LeftButton)) {
@@ -304,6 +338,8 @@ void PDFView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void PDFView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton && isPanning())
+        stopPanning(event->position());
     if (event->button() != Qt::LeftButton)
         return;
     m_parts->drag.release();
@@ -316,6 +352,8 @@ void PDFView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void PDFView::updateCursor(QPointF viewPoint) {
+    if (isPanning())
+        return;
     if (const auto shape = m_parts->forms.cursor(viewPoint)) {
         viewport()->setCursor(*shape);
         return;

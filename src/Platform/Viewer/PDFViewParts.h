@@ -82,7 +82,8 @@ struct PDFViewParts {
     bool ownTileLimit = false;  // set by the program, so it doesn't follow the screen
     bool keyboardFocus = false; // came by a key, so it is shown
     bool hasDrawnSharp = false;
-    std::optional<QPointF> pointer; // over the view
+    std::optional<QPointF> pointer;  // over the view
+    std::optional<QPointF> panPoint; // where the middle button holds the pages; view point, none while it is up
     std::shared_ptr<PDFAnnotation> pressedLink;
     QPointF pressPoint;
     bool followedLink = false; // by the last click, so that a second one isn't taken for more

@@ -7,6 +7,7 @@
 #include "ToolActions.h"
 
 #include <QAction>
+#include <QEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -102,10 +103,20 @@ WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<Tool
         updateZoomActions(); // a check mark that was there has gone by the click
     });
     connect(view, &PDFView::scaleChanged, this, &WorkspaceActions::updateZoomActions);
+    // The scale of the whole page depends on the page, and on the height of the view, which changes no scale.
+    connect(view, &PDFView::pageChanged, this, &WorkspaceActions::updateZoomActions);
+    view->viewport()->installEventFilter(this);
     updateZoomActions();
 }
 
 WorkspaceActions::~WorkspaceActions() = default;
+
+bool WorkspaceActions::eventFilter(QObject* watched, QEvent* event) {
+    // The view has its own layout in order only when it has seen the event too.
+    if (event->type() == QEvent::Resize)
+        QMetaObject::invokeMethod(this, &WorkspaceActions::updateZoomActions, Qt::QueuedConnection);
+    return QObject::eventFilter(watched, event);
+}
 
 QAction* WorkspaceActions::action(Command command) const {
     return m_actions[static_cast<std::size_t>(command)];
@@ -151,6 +162,8 @@ double WorkspaceActions::scaleOfWholePage() const {
 }
 
 void WorkspaceActions::updateZoomActions() {
+    if (!m_view)
+        return; // it has gone since this was queued
     const double present = m_view->scaleFactor();
     const auto isPresent = [present](double scale) { return std::abs(scale - present) < sameScale; };
     for (QAction* scale : m_scales)

@@ -47,6 +47,10 @@ public:
     /// The scales to choose from, "50%" to "400%" and the whole page; that of the view is checked.
     [[nodiscard]] const QList<QAction*>& scales() const { return m_scales; }
 
+protected:
+    /// Sees the viewport change its size.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void addScales();
     [[nodiscard]] double scaleOfWholePage() const;

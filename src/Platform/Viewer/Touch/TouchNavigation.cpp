@@ -7,15 +7,20 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QLineF>
 #include <QMouseEvent>
 #include <QStyleHints>
 #include <QTouchEvent>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 // View points. A finger covers more than the tip of a mouse.
 static constexpr double tapRadius = 12;
+/// A finger that means to stay doesn't stray further; what goes further is a stroke for the tools that draw.
+static constexpr double stillRadius = 3;
 static constexpr double doubleTapRadius = 32;
 // View points a second, below which pages don't go on by themselves.
 static constexpr double slowestFling = 30;
@@ -78,6 +83,7 @@ void TouchNavigation::press(QPointF viewPoint) {
     m_scroller.stop();
     m_mode = Mode::resting;
     m_pressPoint = m_lastPoint = viewPoint;
+    m_way.clear();
     m_holdTimer.start(QGuiApplication::styleHints()->mousePressAndHoldInterval(), this);
 }
 
@@ -85,23 +91,49 @@ void TouchNavigation::move(QPointF viewPoint) {
     if (m_mode == Mode::resting && QLineF(m_pressPoint, viewPoint).length() > tapRadius) {
         m_holdTimer.stop();
         if (m_view.fingerDraws()) {
-            m_mode = Mode::drawing;
-            sendMouse(QEvent::MouseButtonPress, m_pressPoint, Qt::LeftButton);
+            startDrawing();
         } else {
             m_mode = Mode::scrolling;
             m_velocity = {};
             m_lastPoint = viewPoint;
         }
     }
-    if (m_mode == Mode::drawing)
+    if (m_mode == Mode::resting)
+        rest(viewPoint);
+    else if (m_mode == Mode::drawing)
         sendMouse(QEvent::MouseMove, viewPoint, Qt::LeftButton);
     else if (m_mode == Mode::scrolling)
         drag(viewPoint);
     m_lastPoint = viewPoint;
 }
 
+/// True for a way that leads further than a finger strays that means to stay.
+static bool isStroke(QPointF start, const std::vector<QPointF>& way) {
+    return std::any_of(way.begin(), way.end(),
+                       [&](QPointF point) { return QLineF(start, point).length() > stillRadius; });
+}
+
+/// A second finger or the menu may still come, so a stroke is drawn when it is sure to be one; then all of it.
+void TouchNavigation::rest(QPointF viewPoint) {
+    const QPointF last = m_way.empty() ? m_pressPoint : m_way.back();
+    if (!m_view.fingerDraws() || viewPoint == last)
+        return;
+    m_way.push_back(viewPoint);
+    if (isStroke(m_pressPoint, m_way)) // it draws slowly and doesn't stay
+        m_holdTimer.start(QGuiApplication::styleHints()->mousePressAndHoldInterval(), this);
+}
+
+void TouchNavigation::startDrawing() {
+    m_mode = Mode::drawing;
+    sendMouse(QEvent::MouseButtonPress, m_pressPoint, Qt::LeftButton);
+    for (const QPointF& point : std::exchange(m_way, {}))
+        sendMouse(QEvent::MouseMove, point, Qt::LeftButton);
+}
+
 void TouchNavigation::release(QPointF viewPoint) {
     m_holdTimer.stop();
+    if (m_mode == Mode::resting && m_view.fingerDraws() && isStroke(m_pressPoint, m_way))
+        startDrawing();
     switch (m_mode) {
     case Mode::resting:
         if (!m_stopsFling)

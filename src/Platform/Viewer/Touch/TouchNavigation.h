@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 class PDFPage;
 class PageSurface;
@@ -37,7 +38,7 @@ protected:
 private:
     enum class Mode {
         none,
-        resting,   ///< one finger that hasn't moved yet
+        resting,   ///< one finger that has hardly moved yet
         scrolling, ///< one finger, or the fling after it
         drawing,   ///< one finger, which is the mouse
         pinching,  ///< two fingers
@@ -46,6 +47,8 @@ private:
 
     void press(QPointF viewPoint);
     void move(QPointF viewPoint);
+    void rest(QPointF viewPoint);
+    void startDrawing();
     void release(QPointF viewPoint);
     void drag(QPointF viewPoint);
     void glide();
@@ -59,6 +62,7 @@ private:
     ViewScroller& m_scroller;
     Mode m_mode = Mode::none;
     QPointF m_pressPoint;
+    std::vector<QPointF> m_way; // of a finger that rests but will perhaps draw, behind the press; view points
     QPointF m_lastPoint;
     quint64 m_lastTime = 0; // of the last one that scrolled
     QPointF m_velocity;     // of the pages, in view points a second

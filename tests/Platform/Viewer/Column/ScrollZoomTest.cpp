@@ -101,6 +101,28 @@ TEST(ScrollZoom, theWheelMovesToTheSideWithShift) {
     EXPECT_EQ(view.verticalScrollBar()->value(), height);
 }
 
+TEST(ScrollZoom, theMiddleButtonMovesThePages) {
+    ShownView view(sampleDocument(2));
+    view.setScaleFactor(4);
+    view.goToPage(view.page(1));
+    const QPointF held = view.convertToPage(QPointF(200, 200), *view.page(1));
+    QTest::mousePress(view.viewport(), Qt::MiddleButton, {}, {200, 200});
+    EXPECT_EQ(view.viewport()->cursor().shape(), Qt::ClosedHandCursor);
+    QTest::mouseMove(view.viewport(), {180, 230});
+    QTest::mouseMove(view.viewport(), {150, 120});
+    const auto expectHeld = [&] {
+        const QPointF now = view.convertFromPage(held, *view.page(1));
+        EXPECT_NEAR(now.x(), 150, 1);
+        EXPECT_NEAR(now.y(), 120, 1);
+    };
+    expectHeld();
+    QTest::mouseRelease(view.viewport(), Qt::MiddleButton, {}, {150, 120});
+    EXPECT_NE(view.viewport()->cursor().shape(), Qt::ClosedHandCursor);
+    QTest::mouseMove(view.viewport(), {300, 300});
+    expectHeld();
+    EXPECT_FALSE(view.hasSelection());
+}
+
 TEST(ScrollZoom, keepsThePlaceWhenTheWindowOrTheScaleChanges) {
     ShownView view(sampleDocument(20));
     view.goToPage(view.page(11));
