@@ -105,7 +105,6 @@ private:
     void applyStickyMarkupIfNeeded();
 
     // Menus
-    [[nodiscard]] bool hasSelectedText() const;
     [[nodiscard]] std::unique_ptr<QMenu> buildSelectionMenu();
     [[nodiscard]] std::unique_ptr<QMenu> buildPageMenu(QPointF viewPoint, const std::shared_ptr<PDFPage>& page);
     void addAskAIMenu(QMenu& menu);

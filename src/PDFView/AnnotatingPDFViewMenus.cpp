@@ -76,12 +76,6 @@ QCoro::Task<void> extractText(QPointer<AnnotatingPDFView> view, std::shared_ptr<
 
 } // namespace
 
-/// All of a long document counts as text without being read: that would hold up the menu.
-bool AnnotatingPDFView::hasSelectedText() const {
-    constexpr int quicklyReadPages = 64;
-    return hasSelection() && (document()->pageCount() > quicklyReadPages || currentSelection());
-}
-
 std::unique_ptr<QMenu> AnnotatingPDFView::menu(QPointF viewPoint) {
     const std::shared_ptr<PDFPage> page = pageAt(viewPoint, true);
     if (!m_toolState || !page)

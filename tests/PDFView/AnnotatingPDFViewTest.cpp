@@ -145,7 +145,8 @@ TEST_F(AnnotatingPDFViewTest, noMarkupIsOfferedWithoutSelectedTextOrToolState) {
     withMenu({50, 50}, offersNoMarkup);
 
     PdfFixture scan;
-    scan.addPageWithContent("0 0 100 100 re f");
+    for (int i = 0; i < 70; ++i)
+        scan.addPageWithContent("0 0 100 100 re f");
     m_view.setDocument(PDFDocument::fromData(scan.bytes()));
     m_view.setToolState(m_toolState);
     m_view.selectAll();

@@ -262,8 +262,26 @@ void PDFView::selectAll() {
     m_parts->selection.selectAll();
 }
 
+bool PDFView::hasSelectedText() const {
+    std::vector<SelectionCopier::Span> spans = m_parts->selection.spans();
+    const std::vector<PlacedPage> seen = m_parts->pages(false);
+    std::stable_partition(spans.begin(), spans.end(), [&](const SelectionCopier::Span& span) {
+        return std::any_of(seen.begin(), seen.end(),
+                           [&](const PlacedPage& page) { return page.look.content == span.content; });
+    });
+    return m_parts->texts.holdText(spans);
+}
+
 void PDFView::copy() {
     m_parts->selection.copy();
+}
+
+bool PDFView::isCopying() const {
+    return m_parts->selection.copier().isReading();
+}
+
+void PDFView::cancelCopying() {
+    m_parts->selection.copier().cancel();
 }
 
 // Forms

@@ -139,6 +139,9 @@ public:
     /// which takes seconds for a thousand; `hasSelection` and `copy` don't keep anyone waiting.
     [[nodiscard]] std::optional<PDFSelection> currentSelection() const;
     [[nodiscard]] bool hasSelection() const;
+    /// Whether text is selected, as far as can be told in a moment: on the pages in sight, or else on the first ones of
+    /// the selection. All of a scan is selected without any text.
+    [[nodiscard]] bool hasSelectedText() const;
     /// What is selected on a page, as [start, end) in its text; an end may be past that of the text. Reads no text.
     [[nodiscard]] std::vector<std::pair<int, int>> selectedRanges(const PDFPage& page) const;
     void setCurrentSelection(const std::optional<PDFSelection>& selection);
@@ -146,8 +149,11 @@ public:
     /// Selects the text of all pages. Takes no time: no text is read for it.
     void selectAll();
     /// Puts the selected text on the clipboard. Many pages are read on another thread, and the text is there when that
-    /// is done.
+    /// is done; until then Escape gives it up.
     void copy();
+    [[nodiscard]] bool isCopying() const;
+    /// Gives up what is still being read; the clipboard stays as it is.
+    void cancelCopying();
 
     // Forms
 
@@ -184,6 +190,10 @@ Q_SIGNALS:
     void scaleChanged();
     void selectionChanged();
     void historyChanged();
+    /// How many pages of a selection over many have been read for the clipboard.
+    void copyProgressed(int pagesRead, int pageCount);
+    /// They are on the clipboard, or were given up.
+    void copyEnded();
     /// The user gave a form field another value than `before`.
     void formFieldChanged(const PDFFormField& field, const QStringList& before);
     /// The editor of a form field was opened or closed.
@@ -200,8 +210,8 @@ protected:
     virtual void updateCursor(QPointF viewPoint);
     /// The menu for a click with the right button; null for none.
     [[nodiscard]] virtual std::unique_ptr<QMenu> menu(QPointF viewPoint);
-    /// Escape: leaves a link or field that has the keyboard, or drops the selection. False when there was neither, so
-    /// that the key goes on to the window.
+    /// Escape: gives up a copy that takes its time, leaves a link or field that has the keyboard, or drops the
+    /// selection. False when there was neither, so that the key goes on to the window.
     virtual bool cancelOperation();
     /// Draws over the pages. The painter is set to view points.
     virtual void drawOverPages(QPainter& painter);

@@ -227,6 +227,10 @@ void PDFView::keyPressEvent(QKeyEvent* event) {
 }
 
 bool PDFView::cancelOperation() {
+    if (isCopying()) {
+        cancelCopying();
+        return true;
+    }
     if (m_parts->links.focused() || m_parts->forms.focused()) {
         m_parts->leaveFocus();
         return true;

@@ -40,6 +40,8 @@ PDFViewParts::PDFViewParts(PDFView& owner)
         view.viewport()->update();
         Q_EMIT view.selectionChanged();
     });
+    QObject::connect(&selection.copier(), &SelectionCopier::progressed, &view, &PDFView::copyProgressed);
+    QObject::connect(&selection.copier(), &SelectionCopier::ended, &view, &PDFView::copyEnded);
     QObject::connect(&texts, &PageTexts::loaded, &view, [this] {
         if (!selection.isEmpty())
             view.viewport()->update();

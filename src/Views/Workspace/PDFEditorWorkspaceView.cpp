@@ -29,6 +29,7 @@
 #include <QEvent>
 #include <QMessageBox>
 #include <QPointer>
+#include <QProgressDialog>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -89,6 +90,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     connect(m_toolbar, &WorkspaceToolbar::openRequested, this, &PDFEditorWorkspaceView::openNewDocument);
     connect(m_toolbar, &WorkspaceToolbar::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
     connect(m_pdfView, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
+    connect(m_pdfView, &PDFView::copyProgressed, this, &PDFEditorWorkspaceView::showCopying);
     connect(m_pdfView, &AnnotatingPDFView::editingTextChanged, m_document.get(), &Document::setBeingTyped);
     connect(m_document.get(), &Document::commitEditingRequested, m_pdfView, &AnnotatingPDFView::applyEditors);
     if (!m_document->openNotice().isEmpty())
@@ -259,6 +261,26 @@ void PDFEditorWorkspaceView::print() {
     };
     PrintPanel::show(m_document->pdfDocument(), m_document->displayName(), m_pdfView->currentPageIndex().value_or(0),
                      this, {done, failed});
+}
+
+/// A moment after the copy of a long selection has begun, and until it ends.
+void PDFEditorWorkspaceView::showCopying(int pagesRead, int pageCount) {
+    auto* progress = findChild<QProgressDialog*>(QStringLiteral("copyProgress"));
+    if (!progress) {
+        progress = new QProgressDialog(QStringLiteral("Copying the selected text…"), QStringLiteral("Cancel"), 0,
+                                       pageCount, this);
+        progress->setObjectName(QStringLiteral("copyProgress"));
+        progress->setWindowTitle(QStringLiteral("Copy"));
+        progress->setMinimumDuration(500); // milliseconds
+        progress->setAutoReset(false);
+        connect(progress, &QProgressDialog::canceled, m_pdfView, &PDFView::cancelCopying);
+        connect(m_pdfView, &PDFView::copyEnded, progress, [progress] {
+            progress->setObjectName({}); // the next copy gets its own
+            progress->hide();
+            progress->deleteLater();
+        });
+    }
+    progress->setValue(pagesRead);
 }
 
 void PDFEditorWorkspaceView::resizeEvent(QResizeEvent* event) {

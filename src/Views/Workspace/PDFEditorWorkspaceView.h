@@ -80,6 +80,7 @@ private:
     [[nodiscard]] AssistantContext assistantContext() const;
     void openNewDocument();
     void print();
+    void showCopying(int pagesRead, int pageCount);
 
     std::shared_ptr<PDFEditorDocument> m_document;
     std::shared_ptr<ToolState> m_toolState;

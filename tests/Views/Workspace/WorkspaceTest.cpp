@@ -7,6 +7,11 @@
 #include "PassingNotice.h"
 #include "WorkspaceActions.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QProgressDialog>
+#include <QPushButton>
+
 TEST_F(WorkspaceTest, thePageFieldGoesToPagesAndTakesBackWhatIsNone) {
     openWorkspace({.pageCount = 12});
     auto* field = find<PageField>(*m_workspace, QStringLiteral("pageField"));
@@ -92,6 +97,23 @@ TEST_F(WorkspaceTest, zoomStepsAreAddedAndStopAtTheLimits) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return checked().isEmpty(); })) << "only the height has changed";
     m_workspace->actions()->scales().at(3)->trigger();
     EXPECT_TRUE(button(QStringLiteral("zoomToFit"))->toolTip().endsWith(QStringLiteral("now 125%")));
+}
+
+TEST_F(WorkspaceTest, copyingALongDocumentTellsHowFarItIsAndCanBeStopped) {
+    openWorkspace({.pageCount = 40});
+    QGuiApplication::clipboard()->clear();
+    int told = 0;
+    QObject::connect(m_view, &PDFView::copyProgressed, m_workspace.get(), [&] {
+        const auto* progress = find<QProgressDialog>(*m_workspace, QStringLiteral("copyProgress"));
+        ASSERT_EQ(progress->value(), ++told);
+        progress->findChild<QPushButton*>()->click();
+    });
+    m_view->selectAll();
+    m_view->copy();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !m_view->isCopying(); }));
+    QTest::qWait(0);
+    EXPECT_EQ(told, 1);
+    EXPECT_TRUE(QGuiApplication::clipboard()->text().isEmpty());
 }
 
 TEST_F(WorkspaceTest, panesAreReachedByAKey) {

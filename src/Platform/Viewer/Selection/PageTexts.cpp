@@ -83,6 +83,23 @@ std::shared_ptr<const PageText> PageTexts::textNow(const PDFPageContent& content
     return nullptr;
 }
 
+bool PageTexts::holdText(const std::vector<SelectionCopier::Span>& stretches) const {
+    const StopAfter patience(longestWait);
+    for (const SelectionCopier::Span& stretch : stretches) {
+        const PDFPageContent& content = stretch.content;
+        auto page = text(content);
+        // Past the cache of texts, which a long document would empty.
+        if (!page && content.source)
+            page = content.source->readText(content.pageNumber, patience.token());
+        const int length = page ? static_cast<int>(page->string.size()) : 0;
+        if (std::min(stretch.end.value_or(length), length) > stretch.start)
+            return true;
+        if (patience.token().stop_requested())
+            break;
+    }
+    return false;
+}
+
 void PageTexts::take(std::vector<Entry> entries) {
     for (Entry& entry : entries) {
         if (std::find(m_wanted.begin(), m_wanted.end(), entry.first) != m_wanted.end() && !text(entry.first))

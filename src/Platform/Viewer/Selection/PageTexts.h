@@ -2,6 +2,7 @@
 
 #include "BackgroundTask.h"
 #include "PDFPageContent.h"
+#include "SelectionCopier.h"
 
 #include <QObject>
 
@@ -26,6 +27,10 @@ public:
     /// Reads it on this thread when need be: some milliseconds. Null for a page without a source, and for one that asks
     /// for so much work that the person who clicked would wait: that is read in the background all the same.
     [[nodiscard]] std::shared_ptr<const PageText> textNow(const PDFPageContent& content) const;
+
+    /// Whether there is text in any of the stretches. Those whose texts aren't there are read on this thread, in their
+    /// order, for as long as a person who clicked waits gladly; what isn't reached by then counts as without.
+    [[nodiscard]] bool holdText(const std::vector<SelectionCopier::Span>& stretches) const;
 
 Q_SIGNALS:
     void loaded();

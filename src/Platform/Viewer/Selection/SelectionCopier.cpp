@@ -6,17 +6,24 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
+#include <utility>
+
 static constexpr std::size_t shortSpans = 4;
 
 bool SelectionCopier::isShort(const std::vector<Span>& spans) {
     return spans.size() <= shortSpans;
 }
 
-QString SelectionCopier::read(const std::vector<Span>& spans, const std::stop_token& stop) {
+QString SelectionCopier::read(const std::vector<Span>& spans, const std::stop_token& stop,
+                              const std::function<void(int)>& spanRead) {
     QString text;
+    int count = 0;
     for (const Span& span : spans) {
         if (stop.stop_requested())
             break;
+        if (spanRead && count > 0)
+            spanRead(count);
+        ++count;
         if (!span.content.source)
             continue;
         // A long document would push the pages on the screen out of the cache of texts.
@@ -34,17 +41,44 @@ QString SelectionCopier::read(const std::vector<Span>& spans, const std::stop_to
 }
 
 void SelectionCopier::copy(std::vector<Span> spans) {
+    cancel();
     if (isShort(spans)) {
-        m_reading.cancel();
         put(read(spans));
         return;
     }
-    m_reading.start([this, spans = std::move(spans)](const std::stop_token& stop) {
-        const QString text = read(spans, stop);
-        if (!stop.stop_requested())
-            QMetaObject::invokeMethod(
-                this, [text] { put(text); }, Qt::QueuedConnection);
+    m_isReading = true;
+    const auto later = [this, job = m_job](auto act) {
+        QMetaObject::invokeMethod(
+            this,
+            [this, job, act] {
+                if (job == m_job)
+                    act();
+            },
+            Qt::QueuedConnection);
+    };
+    m_reading.start([this, later, spans = std::move(spans)](const std::stop_token& stop) {
+        const int total = static_cast<int>(spans.size());
+        const QString text = read(spans, stop, [this, &later, total](int count) {
+            later([this, count, total] { Q_EMIT progressed(count, total); });
+        });
+        if (stop.stop_requested())
+            return;
+        later([this, text] {
+            put(text);
+            end();
+        });
     });
+}
+
+void SelectionCopier::cancel() {
+    m_reading.cancel();
+    end();
+}
+
+void SelectionCopier::end() {
+    ++m_job;
+    if (std::exchange(m_isReading, false))
+        Q_EMIT ended();
 }
 
 void SelectionCopier::put(const QString& text) {

@@ -45,6 +45,10 @@ public:
 
     /// Puts the text on the clipboard: at once for a few pages, and as soon as it has been read for many.
     void copy();
+    /// Tells how far a copy has come, and gives it up.
+    [[nodiscard]] SelectionCopier& copier() { return m_copier; }
+    /// What is selected, page by page.
+    [[nodiscard]] std::vector<SelectionCopier::Span> spans() const;
     /// Offers the text of a few pages for pasting with the middle button, where the desktop has that.
     void offerForMiddleButton();
 
@@ -52,8 +56,6 @@ Q_SIGNALS:
     void changed();
 
 private:
-    [[nodiscard]] std::vector<SelectionCopier::Span> spans() const;
-
     std::weak_ptr<PDFDocument> m_document;
     std::optional<TextStretch> m_stretch;
     mutable std::optional<PDFSelection> m_ranges; // also that of the stretch, once it was asked for

@@ -179,9 +179,22 @@ TEST(Selection, allOfALongDocumentIsSelectedAtOnceAndCopiedWhenItIsRead) {
     EXPECT_TRUE(view.hasSelection());
     EXPECT_EQ(changes.count(), 1);
     QGuiApplication::clipboard()->clear();
+    QSignalSpy progress(&view, &PDFView::copyProgressed);
+    QSignalSpy ends(&view, &PDFView::copyEnded);
+    view.copy();
+    view.key(Qt::Key_Escape);
+    EXPECT_FALSE(view.isCopying());
+    EXPECT_EQ(ends.count(), 1);
+    QTest::qWait(0);
+    EXPECT_TRUE(QGuiApplication::clipboard()->text().isEmpty() && progress.isEmpty()) << "it was given up";
+    EXPECT_TRUE(view.hasSelection());
+
     view.copy();
     view.waitUntil([] { return !QGuiApplication::clipboard()->text().isEmpty(); }, "the text");
     const QString copied = QGuiApplication::clipboard()->text();
+    EXPECT_EQ(progress.count(), 299);
+    EXPECT_EQ(progress.last(), QVariantList({299, 300}));
+    EXPECT_EQ(ends.count(), 2);
     EXPECT_EQ(copied, view.selected());
     EXPECT_TRUE(copied.startsWith(QStringLiteral("Page 1 of the sample\np1 line 1")));
     EXPECT_TRUE(copied.endsWith(QStringLiteral("p300 line 10")));
