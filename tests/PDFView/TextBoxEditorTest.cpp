@@ -139,14 +139,17 @@ QRect darkPixels(const AnnotatingPDFView& view, const QRect& area) {
 TEST_F(TextBoxEditorTest, committedTextStaysWhereItWasTyped) {
     double y = 330;
     for (const QString& first : {QStringLiteral("Words that take more than one line of the box"),
-                                 QStringLiteral("Thisisawordwithoutablankthattakesmorethanoneline")}) {
+                                 QStringLiteral("Thisisawordwithoutablankthattakesmorethanoneline"),
+                                 QStringLiteral("هذا نص طويل يكتب من اليمين إلى اليسار في سطرين")}) {
         m_box.start({90, y}, page());
-        type(first);
+        editor()->insertPlainText(first);
         press(Qt::Key_Return, Qt::ShiftModifier);
         type(QStringLiteral("and (another)"));
         const QRect area = editor()->geometry().adjusted(6, 4, -6, -4);
+        const QRect lastLine(area.left(), area.bottom() - 12, area.width(), 13);
         editor()->setReadOnly(true); // without a text cursor
         const QRect typed = darkPixels(m_view, area);
+        const QRect typedLast = darkPixels(m_view, lastLine);
         editor()->setReadOnly(false);
         press(Qt::Key_Return);
         QRect committed;
@@ -158,6 +161,8 @@ TEST_F(TextBoxEditorTest, committedTextStaysWhereItWasTyped) {
             20'000));
         EXPECT_GT(typed.height(), 45); // three lines
         expectNear(QRectF(committed), QRectF(typed), 1);
+        expectNear(QRectF(darkPixels(m_view, lastLine)), QRectF(typedLast), 1);
+        EXPECT_LT(typedLast.left(), 3) << "Latin words, whatever stands before them";
         y += 120;
     }
 }

@@ -1,6 +1,8 @@
 #include "PageTextPainting.h"
 
 #include <QPainter>
+#include <QStringList>
+#include <QTextLayout>
 #include <QTextOption>
 
 namespace {
@@ -31,13 +33,45 @@ void drawText(QPainter& painter, const QString& text, const QRectF& box, const Q
     painter.restore();
 }
 
+QStringList paragraphs(QString text) {
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    for (const QChar end : {QChar(u'\r'), QChar(QChar::ParagraphSeparator), QChar(QChar::LineSeparator)})
+        text.replace(end, u'\n');
+    return text.split(u'\n');
+}
+
+/// From the top at `y`, on the side where its script begins. Gives where the next paragraph begins.
+double drawParagraph(QPainter& painter, const QString& text, double width, double y) {
+    const bool fromTheRight = text.isRightToLeft();
+    QTextOption option(fromTheRight ? Qt::AlignRight : Qt::AlignLeft);
+    option.setTextDirection(fromTheRight ? Qt::RightToLeft : Qt::LeftToRight);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QTextLayout layout(text, painter.font(), painter.device());
+    layout.setTextOption(option);
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLeadingIncluded(true);
+        line.setLineWidth(width);
+        line.setPosition(QPointF(0, y));
+        y += line.height();
+    }
+    layout.endLayout();
+    layout.draw(&painter, QPointF());
+    return y;
+}
+
 } // namespace
 
 void PageTextPainting::drawWrapped(QPainter& painter, const QString& text, const QRectF& box, const QFont& font,
                                    const QColor& color) {
-    QTextOption option(Qt::AlignLeft | Qt::AlignTop);
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    drawText(painter, text, box, font, color, [&](const QRectF& upright) { painter.drawText(upright, text, option); });
+    drawText(painter, text, box, font, color, [&](const QRectF& upright) {
+        double y = 0;
+        for (const QString& paragraph : paragraphs(text)) {
+            if (y >= upright.height())
+                break;
+            y = drawParagraph(painter, paragraph, upright.width(), y);
+        }
+    });
 }
 
 void PageTextPainting::drawLine(QPainter& painter, const QString& text, const QRectF& box, const QFont& font,

@@ -12,7 +12,8 @@ class QString;
 /// looks as it did on the screen. What doesn't fit into `box` is cut off. The painter's state is left as it was.
 namespace PageTextPainting {
 
-/// From the upper left corner of the box, broken into lines at words, and within one that is wider than the box.
+/// From the top of the box, broken into lines at words, and within one that is wider than the box. Each paragraph
+/// stands at the side where its script begins: on the right for Arabic and Hebrew.
 void drawWrapped(QPainter& painter, const QString& text, const QRectF& box, const QFont& font, const QColor& color);
 
 /// One line from the left edge of the box, halfway up.

@@ -169,8 +169,12 @@ void InlineFreeTextEditor::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const bool types = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) &&
                        (isReturn || (!event->text().isEmpty() && event->text().front().isPrint()));
-    if (!types || !taken(isReturn ? QStringLiteral("\n") : event->text()).isEmpty())
-        QTextEdit::keyPressEvent(event);
+    if (!types || !taken(isReturn ? QStringLiteral("\n") : event->text()).isEmpty()) {
+        if (isReturn && event->modifiers() & Qt::ShiftModifier)
+            insertPlainText(QStringLiteral("\n")); // a paragraph, which has a direction of its own, and not a mere line
+        else
+            QTextEdit::keyPressEvent(event);
+    }
     event->accept(); // no key that is pressed here scrolls the page
 }
 
