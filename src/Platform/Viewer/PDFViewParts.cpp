@@ -31,6 +31,7 @@ PDFViewParts::PDFViewParts(PDFView& owner)
     QObject::connect(&columnOfPages, &PageColumn::moved, &view, [this] { moved(); });
     QObject::connect(&columnOfPages, &PageColumn::scaleChanged, &view, &PDFView::scaleChanged);
     QObject::connect(&tiles, &PageTiles::tileArrived, &view, [this](const TileKey& key) { tileArrived(key); });
+    QObject::connect(&tiles, &PageTiles::retryDue, &view, [this] { plan(); });
     QObject::connect(&forms, &FormFiller::changed, &view, &PDFView::formFieldChanged);
     QObject::connect(&forms, &FormFiller::editingChanged, &view, &PDFView::fillingChanged);
     QObject::connect(&forms, &FormFiller::focusChanged, &view, [this] { describe(); });

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 static constexpr qint64 megabyte = 1 << 20;
 static constexpr qint64 standInBytes = 12 * megabyte;
@@ -16,10 +17,15 @@ static constexpr qint64 annotatedBytes = 24 * megabyte;
 static constexpr double wantedShare = 0.75;
 /// More layers of older tiles than this cost more time than they show.
 static constexpr int layerLimit = 3;
+/// Before a page that couldn't be drawn is tried again.
+static constexpr std::chrono::seconds firstPause(1);
+static constexpr std::chrono::seconds longestPause(60);
 
 PageTiles::PageTiles(QObject* parent)
     : QObject(parent), m_sharp(72 * megabyte), m_standIns(standInBytes), m_annotated(annotatedBytes) {
     connect(&m_renderer, &TileRenderer::rendered, this, &PageTiles::take);
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, &PageTiles::retryDue);
 }
 
 void PageTiles::setByteLimit(qint64 bytes) {
@@ -27,7 +33,34 @@ void PageTiles::setByteLimit(qint64 bytes) {
 }
 
 bool PageTiles::isDrawn(const TileKey& key) const {
-    return m_sharp.contains(key) || m_standIns.contains(key) || isUnreadable(key.look.content);
+    if (m_sharp.contains(key) || m_standIns.contains(key))
+        return true;
+    const auto failure = m_unreadable.find(key.look.content);
+    return failure != m_unreadable.end() && Clock::now() < failure->second.nextTry;
+}
+
+void PageTiles::noteFailure(const PDFPageContent& content) {
+    const auto [failure, isFirst] = m_unreadable.try_emplace(content, Failure{{}, firstPause});
+    const Clock::time_point now = Clock::now();
+    if (!isFirst && now < failure->second.nextTry)
+        return; // another tile of the same try
+    if (!isFirst)
+        failure->second.pause = std::min<Clock::duration>(2 * failure->second.pause, longestPause);
+    failure->second.nextTry = now + failure->second.pause;
+}
+
+void PageTiles::scheduleRetry(const std::vector<PlacedPage>& wanted) {
+    std::optional<Clock::time_point> next;
+    for (const PlacedPage& page : wanted) {
+        const auto failure = m_unreadable.find(page.look.content);
+        // One that is due is being tried now.
+        if (failure != m_unreadable.end() && Clock::now() < failure->second.nextTry)
+            next = std::min(next.value_or(failure->second.nextTry), failure->second.nextTry);
+    }
+    if (next)
+        m_retry.start(std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now()));
+    else
+        m_retry.stop();
 }
 
 void PageTiles::beginFrame(const std::vector<PlacedPage>& pages, const QRectF& view) {
@@ -44,15 +77,20 @@ void PageTiles::plan(TilePlan::Situation situation) {
     beginFrame(situation.pages, situation.view);
     situation.byteLimit = static_cast<qint64>(wantedShare * double(m_sharp.byteLimit()));
     m_renderer.setWanted(TilePlan::make(situation, [this](const TileKey& key) { return isDrawn(key); }));
+    scheduleRetry(situation.pages);
 }
 
 void PageTiles::take(const TileKey& key, const QImage& image) {
     if (image.isNull())
-        m_unreadable.insert(key.look.content);
+        noteFailure(key.look.content);
     else if (key == TilePlan::standIn(key.look))
         m_standIns.insert(key, image);
     else
         m_sharp.insert(key, image);
+    if (!image.isNull())
+        m_unreadable.erase(key.look.content);
+    else if (!m_retry.isActive())
+        m_retry.start(firstPause);
     Q_EMIT tileArrived(key);
 }
 

@@ -6,8 +6,11 @@
 #include "TileRenderer.h"
 
 #include <QObject>
+#include <QTimer>
 
-#include <unordered_set>
+#include <chrono>
+#include <unordered_map>
+#include <vector>
 
 class QPainter;
 
@@ -35,7 +38,8 @@ public:
     bool paint(QPainter& painter, const PlacedPage& page, const QRectF& area);
     /// True when `paint` would show all of the area sharp, or knows that it can't be drawn.
     [[nodiscard]] bool isSharp(const PlacedPage& page, const QRectF& area) const;
-    /// True when the page was tried and can't be drawn.
+    /// True when the page was tried last and couldn't be drawn. It may be damaged, or memory may be short: while it is
+    /// wanted it is tried again after a pause, which grows from try to try.
     [[nodiscard]] bool isUnreadable(const PDFPageContent& content) const { return m_unreadable.contains(content); }
 
     /// Drops all pictures but the sharp ones of what is on the screen, and cancels what is being drawn.
@@ -49,8 +53,18 @@ public:
 Q_SIGNALS:
     /// What this tile covers can be painted better now.
     void tileArrived(const TileKey& key);
+    /// A page that couldn't be drawn may be tried again: plan anew.
+    void retryDue();
 
 private:
+    using Clock = std::chrono::steady_clock;
+    struct Failure {
+        Clock::time_point nextTry;
+        Clock::duration pause; // after the last try
+    };
+
+    void noteFailure(const PDFPageContent& content);
+    void scheduleRetry(const std::vector<PlacedPage>& wanted);
     void take(const TileKey& key, const QImage& image);
     void beginFrame(const std::vector<PlacedPage>& pages, const QRectF& view);
     [[nodiscard]] bool isDrawn(const TileKey& key) const;
@@ -59,6 +73,7 @@ private:
     TileCache m_sharp;
     TileCache m_standIns;
     AnnotatedTiles m_annotated;
-    std::unordered_set<PDFPageContent, PageContentHash> m_unreadable;
+    std::unordered_map<PDFPageContent, Failure, PageContentHash> m_unreadable;
+    QTimer m_retry;
     TileRenderer m_renderer; // last: its threads end first
 };

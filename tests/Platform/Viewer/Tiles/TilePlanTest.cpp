@@ -100,6 +100,30 @@ TEST(TilePlan, aHugePageCostsWhatTheScreenShowsOfIt) {
     EXPECT_GT(jobs.size(), 2U);
 }
 
+TEST(PageTiles, tryAPageAgainThatCouldNotBeDrawn) {
+    PageTiles tiles;
+    TilePlan::Situation now = situation(1, 0, 1); // without a source nothing can be drawn
+    QSignalSpy arrivals(&tiles, &PageTiles::tileArrived);
+    QObject::connect(&tiles, &PageTiles::retryDue, [&] { tiles.plan(now); }); // as a view does
+    const auto triesAgain = [&] {
+        arrivals.clear();
+        return QTest::qWaitFor([&] { return !arrivals.isEmpty(); }, 60'000);
+    };
+    tiles.plan(now);
+    ASSERT_TRUE(triesAgain());
+    const std::size_t tilesOfATry = TilePlan::make(now, nothingDrawn).size();
+    for (int i = 0; i < 100; ++i) {
+        tiles.plan(now); // as often as scrolling does
+        QTest::qWait(0);
+    }
+    EXPECT_LE(std::size_t(arrivals.count()), 3 * tilesOfATry);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(triesAgain());
+        EXPECT_TRUE(tiles.isUnreadable(now.pages[0].look.content));
+        QTest::qWait(50); // for the other tiles of the same try
+    }
+}
+
 TEST(PageTiles, drawWhatIsWantedUntilItChanges) {
     const auto document = sampleDocument(4);
     PageTiles tiles;
