@@ -49,6 +49,14 @@ void AssistantDock::setPanelShown(bool shown) {
     Q_EMIT panelShownChanged(shown);
 }
 
+qreal AssistantDock::panelWidth() const {
+    return m_handle->panelWidth();
+}
+
+void AssistantDock::setPanelWidth(qreal width) {
+    m_handle->setPanelWidth(width);
+}
+
 void AssistantDock::setAvailableWidth(int width) {
     if (width == m_availableWidth)
         return;

@@ -28,6 +28,10 @@ public:
     /// Null before the panel was first shown.
     [[nodiscard]] AssistantPanel* panel() const { return m_panel; }
 
+    /// What the reader set, in pixels; where there is less room the panel is narrower.
+    [[nodiscard]] qreal panelWidth() const;
+    /// Held within the limits.
+    void setPanelWidth(qreal width);
     /// Leaves this much to what stands beside it, as long as the panel keeps its smallest width.
     void setAvailableWidth(int width);
 

@@ -218,6 +218,7 @@ void PDFEditorWorkspaceView::takeAssistantOf(const PDFEditorWorkspaceView& forme
     m_assistant = former.m_assistant;
     if (m_assistant)
         m_assistant->setSource(assistantContext());
+    m_assistantDock->setPanelWidth(former.m_assistantDock->panelWidth());
     if (former.showsAssistant())
         setShowsAssistant(true);
 }

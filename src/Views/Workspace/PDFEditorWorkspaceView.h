@@ -58,8 +58,8 @@ public:
 
     [[nodiscard]] bool showsAssistant() const;
     void setShowsAssistant(bool shows);
-    /// Goes on with the conversation of the workspace of an earlier reading of the same file, and shows its panel if
-    /// that one did.
+    /// Goes on with the conversation of the workspace of an earlier reading of the same file, and shows its panel,
+    /// as wide as there, if that one did.
     void takeAssistantOf(const PDFEditorWorkspaceView& former);
     /// Made when it is first asked for.
     [[nodiscard]] const std::shared_ptr<AssistantViewModel>& assistant();

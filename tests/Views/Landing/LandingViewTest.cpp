@@ -54,8 +54,11 @@ TEST_F(LandingViewTest, recentsAreShownOnlyWhenThereAreAnyAndCanBeCleared) {
     EXPECT_EQ(cells(*view).at(0)->text(), QStringLiteral("second part"));
     EXPECT_EQ(cells(*view).at(1)->text(), QStringLiteral("first"));
 
+    const auto other = landingView(); // as of another window, in whose menu the same command is
+    show(*other);
     QTest::mouseClick(find<QPushButton>(*view, QStringLiteral("clearRecents")), Qt::LeftButton);
     EXPECT_TRUE(cells(*view).isEmpty());
+    EXPECT_TRUE(cells(*other).isEmpty());
     EXPECT_FALSE(find<QWidget>(*view, QStringLiteral("recents"))->isVisible());
     EXPECT_TRUE(m_controller.recentDocumentURLs().isEmpty());
 }

@@ -1,5 +1,6 @@
 #include "ContentView.h"
 
+#include "AssistantDock.h"
 #include "AssistantViewModel.h"
 #include "LandingView.h"
 #include "PDFDocument.h"
@@ -65,10 +66,13 @@ TEST_F(ContentViewTest, theWorkspaceLivesAsLongAsItsPDFDocument) {
     assistant->setDraft(QStringLiteral("half a question"));
     assistant->appendAssistantTurn(QStringLiteral("said before"));
     view->workspace()->setShowsAssistant(true);
+    const auto dock = [&view] { return find<AssistantDock>(*view->workspace(), QStringLiteral("assistantDock")); };
+    dock()->setPanelWidth(500);
 
     document->setPdfDocument(PDFDocument::fromData(TestPdf().bytes()));
     ASSERT_NE(view->workspace(), nullptr);
     EXPECT_TRUE(view->workspace()->showsAssistant());
+    EXPECT_EQ(dock()->panelWidth(), 500);
     EXPECT_EQ(view->workspace()->assistant(), assistant) << "with its chat and its draft";
     EXPECT_NE(view->workspace(), workspace.data());
     EXPECT_EQ(content(*view), "PDFEditorWorkspaceView");
