@@ -4,6 +4,7 @@
 #include "FileError.h"
 #include "PDFDocument.h"
 #include "PDFDocumentSnapshot.h"
+#include "PDFDraft.h"
 #include "PDFError.h"
 #include "QuilloAssert.h"
 
@@ -114,6 +115,13 @@ std::shared_ptr<const DocumentSnapshot> PDFEditorDocument::snapshot() const {
     refuseLocked(*m_pdfDocument);
     return withDocumentErrors(
         [this] { return std::make_shared<PDFEditorDocumentSnapshot>(PDFDocumentSnapshot::of(*m_pdfDocument)); });
+}
+
+PDFDraft PDFEditorDocument::draft() const {
+    PDFDraft draft;
+    if (isBeingTyped())
+        Q_EMIT draftRequested(draft);
+    return draft;
 }
 
 QString PDFEditorDocument::fileNameExtension() const {

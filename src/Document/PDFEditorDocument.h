@@ -3,6 +3,7 @@
 #include "Document.h"
 
 class PDFDocument;
+struct PDFDraft;
 
 /// The document of a window: a PDF file, or a new document without pages. All views of the window share it, and it
 /// holds the one `PDFDocument` that they show and change. Main thread only.
@@ -35,6 +36,8 @@ public:
     [[nodiscard]] QByteArray dataRepresentation() const override;
     /// Takes a copy of what has changed, not of the file. A locked document can't be saved.
     [[nodiscard]] std::shared_ptr<const DocumentSnapshot> snapshot() const override;
+    /// What the views hold that somebody is just typing; they go on holding it.
+    [[nodiscard]] PDFDraft draft() const;
     /// "pdf".
     [[nodiscard]] QString fileNameExtension() const override;
 
@@ -45,6 +48,10 @@ Q_SIGNALS:
     /// Another `PDFDocument` object was put in place. Comes before `objectWillChange`.
     void pdfDocumentChanged();
     void wasPasswordProtectedChanged(bool wasProtected);
+    /// Asks the views to add what they hold.
+    void draftRequested(PDFDraft& draft) const;
+    /// What a view holds is another than before. Whoever answers `draftRequested` emits it.
+    void typed();
 
 private:
     std::shared_ptr<PDFDocument> m_pdfDocument;

@@ -41,6 +41,8 @@ AnnotatingPDFView::AnnotatingPDFView(QWidget* parent)
          {static_cast<PlacedEditor*>(m_textBoxEditor.get()), static_cast<PlacedEditor*>(m_noteEditor.get()),
           static_cast<PlacedEditor*>(m_pageTextEditor.get())})
         connect(editor, &PlacedEditor::openChanged, this, [this] { Q_EMIT editingTextChanged(isEditingText()); });
+    for (const PlacedEditor* const editor : findChildren<PlacedEditor*>(QString(), Qt::FindDirectChildrenOnly))
+        connect(editor, &PlacedEditor::typed, this, &AnnotatingPDFView::typed);
     connect(this, &PDFView::fillingChanged, this, [this] { Q_EMIT editingTextChanged(isEditingText()); });
     connect(this, &PDFView::formFieldChanged, this, [this](const PDFFormField& field, const QStringList& before) {
         FormFieldUndo::registerFilling(*this, field, before);

@@ -74,6 +74,8 @@ public:
 
 Q_SIGNALS:
     void editingTextChanged(bool isEditing);
+    /// What stands in an open text editor is another than before.
+    void typed();
 
 protected:
     void updateCursor(QPointF viewPoint) override;

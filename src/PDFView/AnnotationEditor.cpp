@@ -9,6 +9,7 @@ InlineFreeTextEditor& AnnotationEditor::open(const std::shared_ptr<PDFPage>& pag
                                              const QString& accessibleName) {
     auto* const made = new InlineFreeTextEditor(m_annotatingView.viewport());
     PlacedEditor::open(made, page, objectName, accessibleName);
+    connect(made, &QTextEdit::textChanged, this, &PlacedEditor::typed);
     return *made;
 }
 

@@ -5,6 +5,7 @@
 #include "AnnotationUndo.h"
 #include "InlineFreeTextEditor.h"
 #include "NoteAnnotation.h"
+#include "PDFDraft.h"
 #include "PDFPage.h"
 #include "UndoManager.h"
 
@@ -45,6 +46,16 @@ bool NoteEditor::isSubjectThere() const {
 void NoteEditor::close() {
     AnnotationEditor::close();
     m_note.reset();
+}
+
+void NoteEditor::addOpenTo(PDFDraft& draft) const {
+    const QString text = editor()->typedText().trimmed();
+    if (text.isEmpty() ? !m_isNew : text == m_note->contents())
+        return;
+    const std::shared_ptr<PDFAnnotation> drafted = text.isEmpty() ? nullptr : m_note->copy();
+    if (drafted)
+        drafted->setContents(text);
+    draft.changes.push_back({page(), m_note, drafted});
 }
 
 void NoteEditor::commit() {

@@ -24,6 +24,7 @@ public:
 
 private:
     void layOut() override;
+    void addOpenTo(PDFDraft& draft) const override;
     void close() override;
     [[nodiscard]] bool isSubjectThere() const override;
     void removeNote(const std::shared_ptr<NoteAnnotation>& note, const std::shared_ptr<PDFPage>& page);

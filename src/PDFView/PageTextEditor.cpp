@@ -4,6 +4,7 @@
 #include "AnnotationFont.h"
 #include "FreeTextAnnotation.h"
 #include "InlineFreeTextEditor.h"
+#include "PDFDraft.h"
 #include "PDFPage.h"
 #include "PDFSelection.h"
 #include "PageBackground.h"
@@ -99,6 +100,7 @@ void PageTextEditor::start(const QRectF& lineBounds, const QString& lineText, co
     InlineFreeTextEditor& line = open(page, QStringLiteral("pageTextEditor"), QStringLiteral("Line of text"));
     line.setColors(m_foreground, Qt::transparent);
     line.setPlainText(lineText);
+    line.document()->setModified(false);
     show();
     line.selectAll();
 }
@@ -133,6 +135,24 @@ void PageTextEditor::cancel() {
     takeOffPage(cover);
 }
 
+std::shared_ptr<FreeTextAnnotation> PageTextEditor::replacement(const QString& text) const {
+    auto made = std::make_shared<FreeTextAnnotation>(m_cover->bounds());
+    made->setContents(text);
+    made->setFont(m_pageFont);
+    made->setFontColor(m_foreground);
+    made->setColor(QColor(Qt::transparent));
+    return made;
+}
+
+/// A line that wasn't touched leaves nothing: opening it is no change yet, though committing it is one.
+void PageTextEditor::addOpenTo(PDFDraft& draft) const {
+    const QString text = editor()->typedText().trimmed();
+    if (text.isEmpty() || !editor()->document()->isModified())
+        draft.changes.push_back({page(), m_cover, nullptr});
+    else
+        draft.changes.push_back({page(), nullptr, replacement(text)});
+}
+
 void PageTextEditor::commit() {
     if (!canCommit())
         return;
@@ -142,12 +162,8 @@ void PageTextEditor::commit() {
         return;
     }
     const std::shared_ptr<PDFPage> target = page();
-    const TextEdit edit{m_cover, std::make_shared<FreeTextAnnotation>(m_cover->bounds())};
+    const TextEdit edit{m_cover, replacement(text)};
     close();
-    edit.replacement->setContents(text);
-    edit.replacement->setFont(m_pageFont);
-    edit.replacement->setFontColor(m_foreground);
-    edit.replacement->setColor(QColor(Qt::transparent));
     target->addAnnotation(edit.replacement);
     registerRemoval(view().docUndoManager().get(), target, edit);
 }

@@ -34,6 +34,9 @@ public:
 private:
     void start(const QRectF& lineBounds, const QString& lineText, const std::shared_ptr<PDFPage>& page);
     void layOut() override;
+    void addOpenTo(PDFDraft& draft) const override;
+    /// The text over the line. The editor is open.
+    [[nodiscard]] std::shared_ptr<FreeTextAnnotation> replacement(const QString& text) const;
     void close() override;
     [[nodiscard]] bool isSubjectThere() const override;
     void abandon() override;

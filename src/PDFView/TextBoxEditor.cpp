@@ -4,6 +4,7 @@
 #include "AnnotationUndo.h"
 #include "FreeTextAnnotation.h"
 #include "InlineFreeTextEditor.h"
+#include "PDFDraft.h"
 #include "PDFPage.h"
 #include "Palette.h"
 #include "ToolState.h"
@@ -114,22 +115,31 @@ void TextBoxEditor::deleteHandles() {
     m_handles.clear();
 }
 
+std::shared_ptr<FreeTextAnnotation> TextBoxEditor::annotation(const QString& text) const {
+    auto made = std::make_shared<FreeTextAnnotation>(view().convertToPage(QRectF(editor()->geometry()), *page()));
+    made->setContents(text);
+    made->setFont(m_font);
+    if (const auto state = view().toolState())
+        made->setFontColor(state->color());
+    made->setColor(QColor(Qt::transparent));
+    return made;
+}
+
+void TextBoxEditor::addOpenTo(PDFDraft& draft) const {
+    const QString text = editor()->typedText().trimmed();
+    if (!text.isEmpty())
+        draft.changes.push_back({page(), nullptr, annotation(text)});
+}
+
 void TextBoxEditor::commit() {
     if (!canCommit())
         return;
     const QString text = editor()->finishedText().trimmed();
-    const QRectF bounds = view().convertToPage(QRectF(editor()->geometry()), *page());
+    const std::shared_ptr<FreeTextAnnotation> made = text.isEmpty() ? nullptr : annotation(text);
     const std::shared_ptr<PDFPage> target = page();
     close();
-    if (text.isEmpty())
+    if (!made)
         return;
-
-    const auto annotation = std::make_shared<FreeTextAnnotation>(bounds);
-    annotation->setContents(text);
-    annotation->setFont(m_font);
-    if (const auto state = view().toolState())
-        annotation->setFontColor(state->color());
-    annotation->setColor(QColor(Qt::transparent));
-    target->addAnnotation(annotation);
-    AnnotationUndo::registerAdding(view().docUndoManager().get(), target, annotation);
+    target->addAnnotation(made);
+    AnnotationUndo::registerAdding(view().docUndoManager().get(), target, made);
 }

@@ -7,6 +7,8 @@
 
 #include <vector>
 
+class FreeTextAnnotation;
+
 /// Writes new text on a page: a box whose upper left corner is where it was started, always as wide, and as high as its
 /// text. It has the tool state's font at the size that it has on the page at 100%, whatever the zoom; on the page it
 /// becomes a `FreeTextAnnotation` with the bounds that it had on the screen.
@@ -24,6 +26,9 @@ public:
 
 private:
     void layOut() override;
+    void addOpenTo(PDFDraft& draft) const override;
+    /// What the box becomes with that text. The box is open.
+    [[nodiscard]] std::shared_ptr<FreeTextAnnotation> annotation(const QString& text) const;
     void close() override;
     void resize();
     void layOutHandles();

@@ -4,6 +4,7 @@
 #include "FileError.h"
 #include "PDFDocument.h"
 #include "PDFDocumentSnapshot.h"
+#include "PDFDraft.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
@@ -80,9 +81,14 @@ RecoveryWriter::RecoveryWriter(PDFEditorDocument& document, QThreadPool& pool, Q
     connect(&m_document, &Document::fileURLChanged, this, &RecoveryWriter::noteFile);
     connect(&m_document, &PDFEditorDocument::pdfDocumentChanged, this, &RecoveryWriter::followPages);
     connect(&m_document, &Document::documentEditedChanged, this, [this](bool edited) {
-        if (!edited)
-            remove();
+        if (edited)
+            return;
+        remove();
+        if (m_document.isBeingTyped())
+            noteChange();
     });
+    connect(&m_document, &PDFEditorDocument::typed, this, &RecoveryWriter::noteChange);
+    connect(&m_document, &Document::beingTypedChanged, this, &RecoveryWriter::noteTyping);
     followPages();
     if (m_document.isDocumentEdited())
         noteChange();
@@ -111,8 +117,26 @@ void RecoveryWriter::adopt(std::shared_ptr<RecoveryRecord> record) {
     m_timer.stop();
 }
 
+bool RecoveryWriter::mayHaveUnsaved() const {
+    return m_document.isDocumentEdited() || m_document.isBeingTyped();
+}
+
 bool RecoveryWriter::needsWriting() const {
-    return m_hasChanged && m_document.isDocumentEdited() && !m_document.pdfDocument()->isLocked();
+    return m_hasChanged && mayHaveUnsaved() && !m_document.pdfDocument()->isLocked();
+}
+
+/// An editor that closes puts what it holds into the document only then: whether nothing is unsaved shows after that.
+void RecoveryWriter::noteTyping(bool typed) {
+    if (typed)
+        return;
+    noteChange();
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!mayHaveUnsaved())
+                remove();
+        },
+        Qt::QueuedConnection);
 }
 
 void RecoveryWriter::noteChange() {
@@ -137,6 +161,11 @@ void RecoveryWriter::writePending() {
 void RecoveryWriter::write() {
     if (!needsWriting())
         return;
+    const PDFDraft draft = m_document.draft();
+    if (!m_document.isDocumentEdited() && !draft.holdsWords()) {
+        remove(); // what was typed was taken back
+        return;
+    }
     const PDFDocument& pages = *m_document.pdfDocument();
     RecoveryDescription description;
     description.displayName = m_document.displayName();
@@ -150,7 +179,7 @@ void RecoveryWriter::write() {
     std::shared_ptr<const PDFDocumentSnapshot> snapshot;
     std::optional<PagePicture> picture;
     try {
-        snapshot = PDFDocumentSnapshot::of(pages);
+        snapshot = PDFDocumentSnapshot::of(pages, draft);
         const std::shared_ptr<PDFPage> page = pages.page(description.pageIndex);
         if (m_nextPicture.hasExpired() && mayBePictured(pages, page.get()))
             picture.emplace(*page, pictureSize);
@@ -218,7 +247,7 @@ void RecoveryWriter::finish(const Outcome& outcome) {
     } else {
         m_hasChanged = true;
         m_nextWrite.setRemainingTime(m_pace.beforeRetry);
-        if (m_document.isDocumentEdited())
+        if (mayHaveUnsaved())
             Q_EMIT failed(outcome.error);
     }
     schedule();

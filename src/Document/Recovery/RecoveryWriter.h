@@ -37,7 +37,7 @@ struct RecoveryPace {
 };
 
 /// Keeps the recovery record of one document: makes it at the first change, writes it anew as the document goes on
-/// changing, and deletes it once nothing is unsaved. What is half typed in an editor isn't part of it. Main thread; the
+/// changing, and deletes it once nothing is unsaved. What somebody is just typing counts as a change. Main thread; the
 /// work is done on another.
 class RecoveryWriter : public QObject {
     Q_OBJECT
@@ -81,9 +81,11 @@ private:
 
     void followPages();
     void noteChange();
+    void noteTyping(bool typed);
     void schedule();
     void write();
     void finish(const Outcome& outcome);
+    [[nodiscard]] bool mayHaveUnsaved() const;
     [[nodiscard]] bool needsWriting() const;
     [[nodiscard]] bool isWriting() const { return m_writeCount > 0; }
 

@@ -4,6 +4,7 @@
 #include "DocumentContents.h"
 #include "DocumentFreezer.h"
 #include "PDFDocument.h"
+#include "PDFDraft.h"
 #include "PDFError.h"
 #include "PDFMarkup.h"
 #include "PDFSource.h"
@@ -14,9 +15,13 @@ PDFDocumentSnapshot::PDFDocumentSnapshot(std::unique_ptr<DocumentContents> conte
 PDFDocumentSnapshot::~PDFDocumentSnapshot() = default;
 
 std::shared_ptr<const PDFDocumentSnapshot> PDFDocumentSnapshot::of(const PDFDocument& document) {
+    return of(document, {});
+}
+
+std::shared_ptr<const PDFDocumentSnapshot> PDFDocumentSnapshot::of(const PDFDocument& document, const PDFDraft& draft) {
     if (document.isLocked())
         throw PDFError(PDFError::Kind::locked, QStringLiteral("It needs its password first."));
-    auto contents = std::make_unique<DocumentContents>(DocumentFreezer(document).freeze());
+    auto contents = std::make_unique<DocumentContents>(DocumentFreezer(document, draft).freeze());
     return std::shared_ptr<const PDFDocumentSnapshot>(new PDFDocumentSnapshot(std::move(contents)));
 }
 

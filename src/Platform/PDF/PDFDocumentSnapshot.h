@@ -10,6 +10,7 @@
 
 class PDFDocument;
 struct DocumentContents;
+struct PDFDraft;
 struct PDFWriteOptions;
 
 /// A document as it was at one moment, to be written on any thread while the live one goes on changing. Taking one
@@ -18,6 +19,9 @@ class PDFDocumentSnapshot {
 public:
     /// Main thread. Throws `PDFError` for a locked document.
     [[nodiscard]] static std::shared_ptr<const PDFDocumentSnapshot> of(const PDFDocument& document);
+    /// The same with what somebody is still typing.
+    [[nodiscard]] static std::shared_ptr<const PDFDocumentSnapshot> of(const PDFDocument& document,
+                                                                       const PDFDraft& draft);
     ~PDFDocumentSnapshot();
     PDFDocumentSnapshot(const PDFDocumentSnapshot&) = delete;
     PDFDocumentSnapshot& operator=(const PDFDocumentSnapshot&) = delete;

@@ -10,6 +10,7 @@
 class PDFAnnotation;
 class PDFDocument;
 class PDFPage;
+struct PDFDraft;
 
 /// A field of a document's interactive form (ISO 32000-1, 12.7): one value, which one or more widgets show, on any
 /// pages. A light handle that looks everything up at its widget; main thread only.
@@ -90,6 +91,8 @@ public:
     /// take (an unknown choice or state) changes nothing. Read-only fields aren't guarded here: undo must reach them.
     /// Returns true when the value changed. Setting the former `value` takes it back.
     bool setValue(const QStringList& value);
+    /// Adds to the draft what `setValue` would do, and changes nothing.
+    void addTo(PDFDraft& draft, const QStringList& value) const;
 
     bool operator==(const PDFFormField&) const = default;
 
@@ -98,6 +101,13 @@ private:
     /// The value that is set when `value` is asked for; none when the field can't take it.
     [[nodiscard]] std::optional<QStringList> accepted(const QStringList& value,
                                                       const std::vector<std::shared_ptr<PDFAnnotation>>& all) const;
+
+    /// Gives `targets`, which are the widgets `all` of the field or copies of them, a value that the field takes.
+    void fill(const std::vector<std::shared_ptr<PDFAnnotation>>& targets,
+              const std::vector<std::shared_ptr<PDFAnnotation>>& all, const QStringList& value) const;
+    /// The one button that comes on with the value where others stay off; null where all of its state do.
+    [[nodiscard]] const PDFAnnotation* singleButton(const std::vector<std::shared_ptr<PDFAnnotation>>& all,
+                                                    const QStringList& value) const;
 
     std::shared_ptr<PDFAnnotation> m_widget;
 };

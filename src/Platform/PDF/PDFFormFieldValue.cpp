@@ -4,6 +4,7 @@
 #include "FormFieldValues.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
+#include "PDFDraft.h"
 #include "PDFFormField.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
@@ -84,7 +85,7 @@ QString onStateOf(const PDFAnnotation& widget) {
 }
 
 /// The one button of a group that comes on where several have the state but go on singly; null when all do.
-const PDFAnnotation* singleButton(const Widgets& widgets, const PDFAnnotation& asked, const QString& state) {
+const PDFAnnotation* singleOf(const Widgets& widgets, const PDFAnnotation& asked, const QString& state) {
     if (isInUnison(asked))
         return nullptr;
     if (onStateOf(asked) == state)
@@ -186,19 +187,43 @@ std::optional<QStringList> PDFFormField::accepted(const QStringList& value, cons
     return value;
 }
 
+const PDFAnnotation* PDFFormField::singleButton(const Widgets& all, const QStringList& value) const {
+    const bool isButton = m_widget->widgetFieldType() == PDFWidgetFieldType::button;
+    return isButton ? singleOf(all, *m_widget, value.value(0)) : nullptr;
+}
+
+void PDFFormField::fill(const Widgets& targets, const Widgets& all, const QStringList& value) const {
+    const bool isButton = m_widget->widgetFieldType() == PDFWidgetFieldType::button;
+    const QString single = value.value(0);
+    const PDFAnnotation* const only = singleButton(all, value);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const PDFAnnotation& widget = *all[i];
+        const bool on = isButton && single != off() && onStateOf(widget) == single && (!only || only == &widget);
+        targets[i]->fill(single, widget.widgetFieldType() == PDFWidgetFieldType::text ? QStringList() : value,
+                         on ? PDFWidgetCellState::on : PDFWidgetCellState::off);
+    }
+}
+
 bool PDFFormField::setValue(const QStringList& value) {
     const Widgets all = widgets();
     const std::optional<QStringList> wanted = accepted(value, all);
     if (!wanted)
         return false;
-    const bool isButton = m_widget->widgetFieldType() == PDFWidgetFieldType::button;
-    const QString single = wanted->value(0);
-    const PDFAnnotation* const only = isButton ? singleButton(all, *m_widget, single) : nullptr;
+    const PDFAnnotation* const only = singleButton(all, *wanted);
     const bool changes = *wanted != this->value() || (only && only->buttonWidgetState() != PDFWidgetCellState::on);
-    for (const auto& widget : all) {
-        const bool on = isButton && single != off() && onStateOf(*widget) == single && (!only || only == widget.get());
-        widget->fill(single, widget->widgetFieldType() == PDFWidgetFieldType::text ? QStringList() : *wanted,
-                     on ? PDFWidgetCellState::on : PDFWidgetCellState::off);
-    }
+    fill(all, all, *wanted);
     return changes;
+}
+
+void PDFFormField::addTo(PDFDraft& draft, const QStringList& value) const {
+    const Widgets all = widgets();
+    const std::optional<QStringList> wanted = accepted(value, all);
+    if (!wanted)
+        return;
+    Widgets copies;
+    for (const auto& widget : all)
+        copies.push_back(widget->copy());
+    fill(copies, all, *wanted);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        draft.changes.push_back({all[i]->page(), all[i], copies[i]});
 }

@@ -302,6 +302,11 @@ void PDFView::applyFilling() {
     m_parts->forms.apply();
 }
 
+void PDFView::addTo(PDFDraft& draft) const {
+    for (const PlacedEditor* const editor : findChildren<PlacedEditor*>(QString(), Qt::FindDirectChildrenOnly))
+        editor->addTo(draft);
+}
+
 void PDFView::reveal(const PDFAnnotation& annotation) {
     PageColumn& column = m_parts->column();
     const std::shared_ptr<PDFPage> page = annotation.page();

@@ -18,6 +18,7 @@ class PDFDocument;
 class PDFFormField;
 class PDFPage;
 class PDFSelection;
+struct PDFDraft;
 struct PDFViewParts;
 class QAction;
 class QMenu;
@@ -167,6 +168,8 @@ public:
     /// The same, but a field that is typed in stays open, so that typing can go on.
     void applyFilling();
     void reveal(const PDFAnnotation& annotation) override;
+    /// Adds what stands in the open editors over the pages, which go on.
+    void addTo(PDFDraft& draft) const;
 
     // Memory and measuring
 

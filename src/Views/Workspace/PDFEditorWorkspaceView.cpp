@@ -92,6 +92,8 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     connect(m_pdfView, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
     connect(m_pdfView, &PDFView::copyProgressed, this, &PDFEditorWorkspaceView::showCopying);
     connect(m_pdfView, &AnnotatingPDFView::editingTextChanged, m_document.get(), &Document::setBeingTyped);
+    connect(m_pdfView, &AnnotatingPDFView::typed, m_document.get(), &PDFEditorDocument::typed);
+    connect(m_document.get(), &PDFEditorDocument::draftRequested, m_pdfView, &PDFView::addTo);
     connect(m_document.get(), &Document::commitEditingRequested, m_pdfView, &AnnotatingPDFView::applyEditors);
     if (!m_document->openNotice().isEmpty())
         m_notice->announce(m_document->openNotice(), openNoticeTime);

@@ -2,12 +2,15 @@
 
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
+#include "PDFDraft.h"
 #include "PDFOutline.h"
 #include "PDFPage.h"
 #include "QuilloAssert.h"
 
+#include <algorithm>
 #include <set>
 #include <typeinfo>
+#include <unordered_set>
 
 DocumentContents DocumentFreezer::freeze() {
     m_contents.source = m_document.m_source;
@@ -23,9 +26,12 @@ DocumentContents DocumentFreezer::freeze() {
 void DocumentFreezer::freezePages() {
     const std::vector<PDFPageContent> contents = m_document.pageContents();
     m_contents.pages.reserve(contents.size());
+    std::unordered_set<const PDFPage*> drafted;
+    for (const PDFDraft::Change& change : m_draft.changes)
+        drafted.insert(change.page.get());
     for (std::size_t i = 0; i < contents.size(); ++i) {
         const std::shared_ptr<PDFPage>& live = m_document.m_pages[i];
-        const bool modified = live && live->isModified();
+        const bool modified = live && (live->isModified() || drafted.count(live.get()) > 0);
         m_contents.pages.push_back({contents[i], modified ? live->copy() : nullptr, modified});
         if (live)
             m_places[live.get()] = i;
@@ -33,6 +39,34 @@ void DocumentFreezer::freezePages() {
     for (std::size_t i = 0; i < contents.size(); ++i)
         if (m_contents.pages[i].modified && m_document.m_pages[i]->annotationsLoaded())
             freezeDestinations(*m_document.m_pages[i], *m_contents.pages[i].page);
+    putDraft();
+}
+
+void DocumentFreezer::putDraft() {
+    struct Change {
+        std::shared_ptr<PDFPage> page;
+        std::shared_ptr<PDFAnnotation> present;
+        std::shared_ptr<PDFAnnotation> drafted;
+    };
+    std::vector<Change> changes; // in the copies, of which all are found before one of them moves
+    for (const PDFDraft::Change& change : m_draft.changes) {
+        const auto place = m_places.find(change.page.get());
+        if (place == m_places.end())
+            continue;
+        const auto& live = change.page->annotations();
+        const auto found = std::find(live.begin(), live.end(), change.present);
+        if (change.present && found == live.end())
+            continue;
+        const std::shared_ptr<PDFPage>& copy = m_contents.pages[place->second].page;
+        changes.push_back(
+            {copy, change.present ? copy->annotations()[std::size_t(found - live.begin())] : nullptr, change.drafted});
+    }
+    for (const Change& change : changes) {
+        const int index =
+            change.present ? change.page->removeAnnotation(change.present) : int(change.page->annotations().size());
+        if (change.drafted)
+            change.page->insertAnnotation(change.drafted, index);
+    }
 }
 
 void DocumentFreezer::freezeDestinations(const PDFPage& live, const PDFPage& copy) {

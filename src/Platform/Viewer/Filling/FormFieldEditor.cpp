@@ -44,11 +44,17 @@ void FormFieldEditor::commit() {
     if (!canCommit())
         return;
     const PDFFormField edited = field();
+    finishComposing();
     const bool changed = isChanged();
     const QStringList text = value();
     close();
     if (changed)
         Q_EMIT committed(edited, text);
+}
+
+void FormFieldEditor::addOpenTo(PDFDraft& draft) const {
+    if (isChanged())
+        field().addTo(draft, value());
 }
 
 bool FormFieldEditor::isSubjectThere() const {

@@ -44,8 +44,11 @@ protected:
     virtual void click(QPointF point) = 0;
     [[nodiscard]] virtual bool isChanged() const = 0;
     [[nodiscard]] virtual QStringList value() const = 0;
+    /// Before a commit.
+    virtual void finishComposing() {}
 
     void close() override;
+    void addOpenTo(PDFDraft& draft) const override;
     [[nodiscard]] bool isSubjectThere() const override;
     [[nodiscard]] bool pressKey(QKeyEvent& key) override;
 

@@ -26,6 +26,7 @@ QWidget* FormListEditor::makeWidget() {
     colors.setColor(QPalette::Base, paper());
     made->setPalette(colors);
     m_isFresh = true;
+    connect(made, &QListWidget::itemSelectionChanged, this, &PlacedEditor::typed);
     return made;
 }
 

@@ -80,6 +80,7 @@ QWidget* FormTextEditor::makeLine() {
     made->selectAll();
     connect(made, &FieldLineEdit::choicesRequested, this, &FormTextEditor::choicesRequested);
     connect(made, &FieldLineEdit::textChanged, this, &FormTextEditor::fitText);
+    connect(made, &FieldLineEdit::textChanged, this, &PlacedEditor::typed);
     return made;
 }
 
@@ -98,6 +99,7 @@ QWidget* FormTextEditor::makeLines() {
     made->document()->setModified(false);
     made->selectAll();
     connect(made, &QTextEdit::textChanged, this, &FormTextEditor::fitText);
+    connect(made, &QTextEdit::textChanged, this, &PlacedEditor::typed);
     return made;
 }
 
@@ -141,8 +143,16 @@ void FormTextEditor::replaceText(const QString& text) {
     line()->insert(text);
 }
 
+void FormTextEditor::finishComposing() {
+    if (lines())
+        lines()->finishComposing();
+}
+
 void FormTextEditor::apply() {
-    if (!canCommit() || !isChanged())
+    if (!canCommit())
+        return;
+    finishComposing();
+    if (!isChanged())
         return;
     if (line())
         line()->setModified(false);
@@ -157,7 +167,7 @@ bool FormTextEditor::isChanged() const {
 
 QStringList FormTextEditor::value() const {
     if (lines())
-        return {lines()->finishedText()};
+        return {lines()->typedText()};
     const QString text = line()->text();
     for (const PDFFormField::Choice& choice : field().choices())
         if (choice.label == text)

@@ -29,6 +29,7 @@ private:
     void click(QPointF point) override;
     [[nodiscard]] bool isChanged() const override;
     [[nodiscard]] QStringList value() const override;
+    void finishComposing() override;
     void layOut() override;
     [[nodiscard]] bool breaksLine(const QKeyEvent& key) const override;
 

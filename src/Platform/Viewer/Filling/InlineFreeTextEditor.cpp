@@ -75,9 +75,17 @@ bool InlineFreeTextEditor::isComposing() const {
     return !textCursor().block().layout()->preeditAreaText().isEmpty();
 }
 
-QString InlineFreeTextEditor::finishedText() {
+void InlineFreeTextEditor::finishComposing() {
     if (isComposing())
         QGuiApplication::inputMethod()->commit();
+}
+
+QString InlineFreeTextEditor::finishedText() {
+    finishComposing();
+    return typedText();
+}
+
+QString InlineFreeTextEditor::typedText() const {
     // Unlike the plain text, this keeps spaces that don't break.
     QString text = document()->toRawText();
     text.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');

@@ -40,6 +40,10 @@ public:
     void place(const QRectF& frame, QPointF inset);
     /// The text so far, with what an input method was about to commit; lines are separated by "\n".
     [[nodiscard]] QString finishedText();
+    /// The same without what an input method still composes, which goes on.
+    [[nodiscard]] QString typedText() const;
+    /// Takes what an input method was about to commit into the text.
+    void finishComposing();
     /// The height of the text as it is broken into lines now, without insets.
     [[nodiscard]] double usedHeight() const;
 

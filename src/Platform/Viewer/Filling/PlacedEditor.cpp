@@ -145,6 +145,11 @@ bool PlacedEditor::canCommit() {
     return isOpen();
 }
 
+void PlacedEditor::addTo(PDFDraft& draft) const {
+    if (m_widget && isInView())
+        addOpenTo(draft);
+}
+
 void PlacedEditor::follow() {
     if (!m_widget)
         return;

@@ -10,6 +10,7 @@ class PDFDocument;
 class PDFPage;
 class PageSurface;
 class QKeyEvent;
+struct PDFDraft;
 
 /// What the editors over a page have in common: one widget at a time, which keeps to its place on the page while that
 /// is scrolled and zoomed, and goes without a commit when the page leaves the viewer.
@@ -32,9 +33,14 @@ public:
     virtual void commit() = 0;
     /// Closes the editor and leaves the document as it was. Does nothing when none is open.
     virtual void cancel() = 0;
+    /// Adds to the draft what a commit now would do to the document, and changes nothing. Does so only while one is
+    /// open; what an input method still composes isn't part of it.
+    void addTo(PDFDraft& draft) const;
 
 Q_SIGNALS:
     void openChanged(bool isOpen);
+    /// What stands in the open editor is another than before.
+    void typed();
 
 protected:
     explicit PlacedEditor(PageSurface& view);
@@ -49,6 +55,8 @@ protected:
     /// Takes the editor away and forgets what it was for.
     virtual void close();
 
+    /// An editor is open, and what it edits is in the viewer.
+    virtual void addOpenTo(PDFDraft& draft) const = 0;
     /// Puts the open editor where it belongs now. Its page is in the viewer.
     virtual void layOut() = 0;
     /// Whether what is being edited is still on the page.
