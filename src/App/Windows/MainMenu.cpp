@@ -99,8 +99,14 @@ void MainMenu::makeMenus(AppActions& actions) {
     help->addAction(actions.makeDefault);
     help->addAction(actions.about);
 
-    // Looking up which files still exist may be slow on a network, so it waits until the menu is wanted.
-    connect(file, &QMenu::aboutToShow, this, &MainMenu::fillRecentMenu);
+    connect(file, &QMenu::aboutToShow, this, [this] {
+        fillRecentMenu();
+        m_controller.lookUpRecentDocuments();
+    });
+    connect(&m_controller, &DocumentController::recentDocumentsChanged, this, [this, file] {
+        if (file->isVisible())
+            fillRecentMenu();
+    });
     connect(&m_controller, &DocumentController::documentSavingChanged, this, &MainMenu::updateDocumentActions);
 }
 

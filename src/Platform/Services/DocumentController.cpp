@@ -4,7 +4,6 @@
 #include "FileStamp.h"
 #include "QuilloAssert.h"
 #include "UndoManager.h"
-#include "UserDefaults.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,8 +12,6 @@
 #include <exception>
 #include <optional>
 #include <utility>
-
-static const QString recentDocumentsKey = QStringLiteral("DocumentController.recentDocumentPaths");
 
 static QString couldNotBeOpened(const QString& name) {
     return QStringLiteral("“%1” couldn't be opened.").arg(name);
@@ -33,8 +30,9 @@ static QString canonicalPath(const QUrl& url) {
 
 DocumentController::DocumentController(DocumentFactory factory, DocumentPresenter& presenter, UserDefaults& defaults,
                                        QObject* parent)
-    : QObject(parent), m_factory(std::move(factory)), m_presenter(presenter), m_defaults(defaults) {
+    : QObject(parent), m_factory(std::move(factory)), m_presenter(presenter), m_recentDocuments(defaults) {
     connect(&m_saver, &DocumentSaver::savingChanged, this, &DocumentController::documentSavingChanged);
+    connect(&m_recentDocuments, &RecentDocuments::changed, this, &DocumentController::recentDocumentsChanged);
 }
 
 DocumentController::~DocumentController() = default;
@@ -146,36 +144,9 @@ void DocumentController::removeDocument(const std::shared_ptr<Document>& documen
     Q_EMIT documentRemoved(document);
 }
 
-QList<QUrl> DocumentController::recentDocumentURLs() const {
-    QList<QUrl> urls;
-    for (const QString& path : m_defaults.stringListForKey(recentDocumentsKey).value_or(QStringList())) {
-        if (urls.size() < maximumRecentDocumentCount && QFileInfo(path).isFile())
-            urls.append(QUrl::fromLocalFile(path));
-    }
-    return urls;
-}
-
-void DocumentController::noteNewRecentDocumentURL(const QUrl& url) {
-    if (!url.isLocalFile())
-        return;
-    const QStringList oldPaths = m_defaults.stringListForKey(recentDocumentsKey).value_or(QStringList());
-    QStringList paths = oldPaths;
-    const QString newPath = canonicalPath(url);
-    paths.removeIf([&](const QString& path) { return canonicalPath(QUrl::fromLocalFile(path)) == newPath; });
-    paths.prepend(QFileInfo(url.toLocalFile()).absoluteFilePath());
-    paths.resize(std::min<qsizetype>(paths.size(), maximumRecentDocumentCount));
-    if (paths == oldPaths)
-        return;
-    m_defaults.setStringList(recentDocumentsKey, paths);
-    Q_EMIT recentDocumentsChanged();
-}
-
 void DocumentController::clearRecentDocuments() {
     Q_EMIT recentDocumentsCleared();
-    if (!m_defaults.contains(recentDocumentsKey))
-        return;
-    m_defaults.removeObject(recentDocumentsKey);
-    Q_EMIT recentDocumentsChanged();
+    m_recentDocuments.clear();
 }
 
 void DocumentController::openRecovered(const std::shared_ptr<Document>& document) {

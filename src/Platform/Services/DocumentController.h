@@ -3,6 +3,7 @@
 #include "DocumentPresenter.h"
 #include "DocumentSaver.h"
 #include "DocumentWriter.h"
+#include "RecentDocuments.h"
 
 #include <QList>
 #include <QObject>
@@ -30,8 +31,6 @@ public:
     /// `alreadyOpen` is true if the file was open before.
     using OpenCompletion =
         std::function<void(const std::shared_ptr<Document>& document, bool alreadyOpen, const QString& error)>;
-
-    static constexpr int maximumRecentDocumentCount = 10;
 
     /// `presenter` and `defaults` must outlive the controller.
     DocumentController(DocumentFactory factory, DocumentPresenter& presenter, UserDefaults& defaults,
@@ -110,11 +109,14 @@ public:
     /// under way. Closes nothing.
     void prepareForSessionEnd(const Completion& completion = {});
 
-    /// Newest first, at most `maximumRecentDocumentCount`; files that do not exist now are left out.
-    QList<QUrl> recentDocumentURLs() const;
+    /// Newest first, without files of which it is known that they are gone.
+    QList<QUrl> recentDocumentURLs() const { return m_recentDocuments.urls(); }
+
+    /// Looks up which of them are there now, for when they are shown; `recentDocumentsChanged` tells what that changes.
+    void lookUpRecentDocuments() { m_recentDocuments.lookUp(); }
 
     /// Puts a local file at the front. Opening and saving do this themselves.
-    void noteNewRecentDocumentURL(const QUrl& url);
+    void noteNewRecentDocumentURL(const QUrl& url) { m_recentDocuments.note(url); }
 
     /// What others remember of files goes with `recentDocumentsCleared`.
     void clearRecentDocuments();
@@ -166,7 +168,7 @@ private:
 
     DocumentFactory m_factory;
     DocumentPresenter& m_presenter;
-    UserDefaults& m_defaults;
+    RecentDocuments m_recentDocuments;
     Documents m_documents;
     std::shared_ptr<Document> m_currentDocument;
     /// Documents about which a question waits for its answer, once for each question.

@@ -18,6 +18,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 static constexpr int contentWidth = 800;
 static constexpr int cellSpacing = 16;
 static constexpr int minimumCellWidth = 130;
@@ -95,7 +97,10 @@ QWidget* LandingView::makeRecentsSection() {
         showRecents();
     });
     connect(&m_controller, &DocumentController::recentDocumentsChanged, this, [this] {
-        if (m_recentsShown && m_controller.recentDocumentURLs().isEmpty()) // cleared by a menu
+        // Cleared by a menu, or some are gone. One that is opened elsewhere doesn't move the others about.
+        const QList<QUrl> urls = m_controller.recentDocumentURLs();
+        const auto isListed = [&urls](const QUrl& url) { return urls.contains(url); };
+        if (m_recentsShown && !std::all_of(m_shownRecents.begin(), m_shownRecents.end(), isListed))
             showRecents();
     });
 
@@ -118,13 +123,13 @@ void LandingView::showRecents() {
         item->widget()->hide();
         item->widget()->deleteLater();
     }
-    const QList<QUrl> urls = m_controller.recentDocumentURLs();
-    for (const QUrl& url : urls) {
+    m_shownRecents = m_controller.recentDocumentURLs();
+    for (const QUrl& url : m_shownRecents) {
         auto* cell = new RecentThumbnailCell(url, *m_thumbnailLoader, m_recentsSection);
         connect(cell, &RecentThumbnailCell::clicked, this, [this, url] { openFile(url); });
         m_recentsGrid->addWidget(cell);
     }
-    m_recentsSection->setVisible(!urls.isEmpty());
+    m_recentsSection->setVisible(!m_shownRecents.isEmpty());
 }
 
 void LandingView::showEvent(QShowEvent* event) {
@@ -133,6 +138,7 @@ void LandingView::showEvent(QShowEvent* event) {
         return;
     m_recentsShown = true;
     showRecents();
+    m_controller.lookUpRecentDocuments();
 }
 
 void LandingView::selectFile() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QScrollArea>
 #include <QUrl>
 
@@ -43,4 +44,5 @@ private:
     QWidget* m_recentsSection = nullptr;
     AdaptiveGridLayout* m_recentsGrid = nullptr;
     bool m_recentsShown = false;
+    QList<QUrl> m_shownRecents;
 };
