@@ -95,6 +95,8 @@ void ShapeGesture::rebuildInkAnnotation() {
 
 void ShapeGesture::finish() {
     if (isRunning() && m_currentAnnotation->page()) {
+        if (const auto line = std::dynamic_pointer_cast<LineAnnotation>(m_currentAnnotation))
+            line->fitBounds(); // with those of the whole page it would be in the way of all that lies below it
         AnnotationUndo::registerAdding(m_view.docUndoManager().get(), m_dragPage, m_currentAnnotation);
         if (m_tool == AnnotationTool::redact && m_view.onRedactionDrawn)
             m_view.onRedactionDrawn();
