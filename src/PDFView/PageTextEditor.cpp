@@ -12,6 +12,7 @@
 #include "UndoManager.h"
 
 #include <algorithm>
+#include <limits>
 
 /// By which the cover is larger than the line on each side, points.
 static constexpr double coverMargin = 2;
@@ -101,13 +102,29 @@ void PageTextEditor::start(const QRectF& lineBounds, const QString& lineText, co
     line.setColors(m_foreground, Qt::transparent);
     line.setPlainText(lineText);
     line.document()->setModified(false);
+    connect(&line, &QTextEdit::textChanged, this, &PageTextEditor::layOut);
     show();
     line.selectAll();
 }
 
+/// The cover's bounds as far as they suffice: a longer line goes on to the right, as far as the page does, and then
+/// downwards.
+QRectF PageTextEditor::boundsFor(const QString& text) const {
+    const QTransform toSeen = page()->displayTransform(view().displayBox());
+    QRectF seen = toSeen.mapRect(m_cover->bounds());
+    const double room = page()->displaySize(view().displayBox()).width() - seen.left();
+    constexpr double slack = 2; // which the edges of the editor lose when they are put on pixels
+    const double unbroken =
+        FreeTextAnnotation::boxFor(text, m_pageFont, std::numeric_limits<double>::infinity()).width() + slack;
+    seen.setWidth(std::max(seen.width(), std::min(unbroken, room)));
+    const double height = FreeTextAnnotation::boxFor(text, m_pageFont, seen.width()).height();
+    seen.setHeight(std::max(seen.height(), height));
+    return toSeen.inverted().mapRect(seen);
+}
+
 void PageTextEditor::layOut() {
     const double scale = view().scaleFactor() * page()->userUnit();
-    QRectF frame = view().convertFromPage(m_cover->bounds(), *page());
+    QRectF frame = view().convertFromPage(boundsFor(editor()->toPlainText()), *page());
     frame.setWidth(std::max(frame.width(), minimumWidth));
     editor()->setFont(InlineFreeTextEditor::screenFont(m_pageFont, scale, view()));
     editor()->place(frame, pageTextInset * scale);
@@ -136,7 +153,7 @@ void PageTextEditor::cancel() {
 }
 
 std::shared_ptr<FreeTextAnnotation> PageTextEditor::replacement(const QString& text) const {
-    auto made = std::make_shared<FreeTextAnnotation>(m_cover->bounds());
+    auto made = std::make_shared<FreeTextAnnotation>(boundsFor(text));
     made->setContents(text);
     made->setFont(m_pageFont);
     made->setFontColor(m_foreground);

@@ -11,7 +11,8 @@ class QRectF;
 
 /// Retypes a line of the page's own text. The page's content stays: a `TextCoverAnnotation` marks the place and a
 /// `FreeTextAnnotation` over it shows the new text, in the line's font as far as that can be told and in black or white
-/// as the page's background asks for. The two come and go as one undo step.
+/// as the page's background asks for. The two come and go as one undo step. What is longer than the line was gets more
+/// room than that, to the right and below, here and on the page.
 class PageTextEditor : public AnnotationEditor {
     Q_OBJECT
 
@@ -37,6 +38,7 @@ private:
     void addOpenTo(PDFDraft& draft) const override;
     /// The text over the line. The editor is open.
     [[nodiscard]] std::shared_ptr<FreeTextAnnotation> replacement(const QString& text) const;
+    [[nodiscard]] QRectF boundsFor(const QString& text) const;
     void close() override;
     [[nodiscard]] bool isSubjectThere() const override;
     void abandon() override;

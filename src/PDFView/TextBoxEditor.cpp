@@ -116,7 +116,14 @@ void TextBoxEditor::deleteHandles() {
 }
 
 std::shared_ptr<FreeTextAnnotation> TextBoxEditor::annotation(const QString& text) const {
-    auto made = std::make_shared<FreeTextAnnotation>(view().convertToPage(QRectF(editor()->geometry()), *page()));
+    const QTransform toSeen = page()->displayTransform(view().displayBox());
+    QRectF seen = toSeen.mapRect(view().convertToPage(QRectF(editor()->geometry()), *page()));
+    // Zoomed in, the box takes up less of the page than its words do, which aren't zoomed.
+    const QSizeF needed = FreeTextAnnotation::boxFor(text, m_font, seen.width());
+    seen.setHeight(std::max(seen.height(), needed.height()));
+    if (needed.width() > seen.width() + 1)
+        seen.setWidth(needed.width()); // so far in that not even one letter has room beside another
+    auto made = std::make_shared<FreeTextAnnotation>(toSeen.inverted().mapRect(seen));
     made->setContents(text);
     made->setFont(m_font);
     if (const auto state = view().toolState())

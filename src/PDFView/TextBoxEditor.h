@@ -11,7 +11,8 @@ class FreeTextAnnotation;
 
 /// Writes new text on a page: a box whose upper left corner is where it was started, always as wide, and as high as its
 /// text. It has the tool state's font at the size that it has on the page at 100%, whatever the zoom; on the page it
-/// becomes a `FreeTextAnnotation` with the bounds that it had on the screen.
+/// becomes a `FreeTextAnnotation` with the upper left corner and the width that it had on the screen, and with its
+/// height or as much more as the words need.
 class TextBoxEditor : public AnnotationEditor {
     Q_OBJECT
 

@@ -26,7 +26,13 @@ TEST_F(PageTextEditorTest, aRetypedLineIsAPairThatIsUndoneInOneStep) {
     const auto replacement = std::dynamic_pointer_cast<FreeTextAnnotation>(made[1]);
     ASSERT_NE(replacement, nullptr);
     EXPECT_EQ(replacement->contents(), QStringLiteral("Another second line"));
-    EXPECT_EQ(replacement->bounds(), made[0]->bounds());
+    EXPECT_EQ(replacement->bounds().topLeft(), made[0]->bounds().topLeft());
+    EXPECT_EQ(replacement->bounds().height(), made[0]->bounds().height()) << "longer, but still one line";
+    const QImage shown = page()->thumbnail({1224, 1584}, PDFDisplayBox::cropBox);
+    const QRectF bounds = replacement->bounds();
+    replacement->setBounds(bounds.adjusted(0, -100, 100, 0));
+    EXPECT_EQ(page()->thumbnail({1224, 1584}, PDFDisplayBox::cropBox), shown) << "the last word is there";
+    replacement->setBounds(bounds);
     EXPECT_NEAR(replacement->font()->pointSizeF(), 12, 0.01);
     EXPECT_EQ(replacement->fontColor(), QColor(Qt::black));
     EXPECT_EQ(replacement->color()->alpha(), 0);

@@ -125,6 +125,23 @@ TEST_F(TextBoxEditorTest, aTextBoxHasItsScreenSizeOnThePageAlsoWhenThatIsZoomedO
     }
 }
 
+TEST_F(TextBoxEditorTest, aBoxKeepsItsCornerAndWidthAndGrowsUntilItShowsAllWords) {
+    for (const double scale : {1.0, 2.55, 4.0}) {
+        m_view.setScaleFactor(scale);
+        const QPointF corner = m_view.convertToPage(QPointF(300, 250), *page());
+        const auto box = writeBox({300, 250}, QStringLiteral("Several words that take more than one line of the box"));
+        ASSERT_NE(box, nullptr);
+        const QRectF bounds = box->bounds();
+        expectNear(QRectF(bounds.left(), bounds.bottom(), bounds.width(), 0), QRectF(corner, QSizeF(220 / scale, 0)),
+                   0.05);
+        const QImage shown = page()->thumbnail({1224, 1584}, PDFDisplayBox::cropBox);
+        box->setBounds(bounds.adjusted(0, -300, 0, 0));
+        EXPECT_EQ(page()->thumbnail({1224, 1584}, PDFDisplayBox::cropBox), shown)
+            << scale << ": some words are cut off";
+        EXPECT_EQ(page()->removeAnnotation(box), 0);
+    }
+}
+
 /// Around the dark pixels within `area` of the viewport, in device pixels of it.
 QRect darkPixels(const AnnotatingPDFView& view, const QRect& area) {
     const QImage picture = view.viewport()->grab(area).toImage();

@@ -1,11 +1,18 @@
 #include "PageTextPainting.h"
 
+#include <QImage>
 #include <QPainter>
 #include <QStringList>
 #include <QTextLayout>
 #include <QTextOption>
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
+
+/// Longer than the text of a box can be on a page.
+constexpr double unlimited = 1e6;
 
 void setFont(QPainter& painter, QFont font) {
     const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
@@ -40,13 +47,13 @@ QStringList paragraphs(QString text) {
     return text.split(u'\n');
 }
 
-/// From the top at `y`, on the side where its script begins. Gives where the next paragraph begins.
-double drawParagraph(QPainter& painter, const QString& text, double width, double y) {
-    const bool fromTheRight = text.isRightToLeft();
+/// Breaks a paragraph into lines from the top at `y` down, on the side where its script begins. Gives where the next
+/// paragraph begins.
+double layOut(QTextLayout& layout, double width, double y) {
+    const bool fromTheRight = layout.text().isRightToLeft();
     QTextOption option(fromTheRight ? Qt::AlignRight : Qt::AlignLeft);
     option.setTextDirection(fromTheRight ? Qt::RightToLeft : Qt::LeftToRight);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    QTextLayout layout(text, painter.font(), painter.device());
     layout.setTextOption(option);
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
@@ -56,7 +63,6 @@ double drawParagraph(QPainter& painter, const QString& text, double width, doubl
         y += line.height();
     }
     layout.endLayout();
-    layout.draw(&painter, QPointF());
     return y;
 }
 
@@ -69,9 +75,27 @@ void PageTextPainting::drawWrapped(QPainter& painter, const QString& text, const
         for (const QString& paragraph : paragraphs(text)) {
             if (y >= upright.height())
                 break;
-            y = drawParagraph(painter, paragraph, upright.width(), y);
+            QTextLayout layout(paragraph, painter.font(), painter.device());
+            y = layOut(layout, upright.width(), y);
+            layout.draw(&painter, QPointF());
         }
     });
+}
+
+QSizeF PageTextPainting::wrappedSize(const QString& text, const QFont& font, double width) {
+    if (text.isEmpty())
+        return {};
+    QImage anywhere(1, 1, QImage::Format_ARGB32_Premultiplied); // all devices break lines at the same places
+    QPainter painter(&anywhere);
+    setFont(painter, font);
+    QSizeF size;
+    for (const QString& paragraph : paragraphs(text)) {
+        QTextLayout layout(paragraph, painter.font(), &anywhere);
+        size.setHeight(layOut(layout, std::clamp(width, 1.0, unlimited), size.height()));
+        for (int i = 0; i < layout.lineCount(); ++i)
+            size.setWidth(std::max(size.width(), layout.lineAt(i).naturalTextWidth()));
+    }
+    return {std::ceil(size.width()), std::ceil(size.height())};
 }
 
 void PageTextPainting::drawLine(QPainter& painter, const QString& text, const QRectF& box, const QFont& font,

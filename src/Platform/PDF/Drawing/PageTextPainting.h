@@ -5,6 +5,7 @@ class QFont;
 class QPainter;
 class QPointF;
 class QRectF;
+class QSizeF;
 class QString;
 
 /// Text on a page, through a painter set to page coordinates (y up). A point of the font is one unit of the page,
@@ -15,6 +16,10 @@ namespace PageTextPainting {
 /// From the top of the box, broken into lines at words, and within one that is wider than the box. Each paragraph
 /// stands at the side where its script begins: on the right for Arabic and Hebrew.
 void drawWrapped(QPainter& painter, const QString& text, const QRectF& box, const QFont& font, const QColor& color);
+
+/// The least box in which `drawWrapped` shows all of the text with lines no longer than `width`, or as the text breaks
+/// them itself where `width` is infinite. Empty for no text. In the units of the page; main thread only.
+[[nodiscard]] QSizeF wrappedSize(const QString& text, const QFont& font, double width);
 
 /// One line from the left edge of the box, halfway up.
 void drawLine(QPainter& painter, const QString& text, const QRectF& box, const QFont& font, const QColor& color);
