@@ -25,7 +25,7 @@
 
 #include <utility>
 
-// Page units.
+// Points, on the page as it is seen.
 static constexpr QSizeF noteSize{120, 80};
 static constexpr double noteMargin = 20;
 
@@ -125,9 +125,9 @@ bool AnnotatingPDFView::applyMarkup(const QString& subtype) {
 
 void AnnotatingPDFView::addProgrammaticNote(const QString& text, const std::shared_ptr<PDFPage>& page) {
     QUILLO_ASSERT(m_toolState, "A note has its colour from the tool state.");
-    const QRectF box = page->bounds(displayBox());
-    const auto note = std::make_shared<NoteAnnotation>(QRectF(
-        QPointF(box.right() - noteSize.width() - noteMargin, box.bottom() - noteSize.height() - noteMargin), noteSize));
+    const QPointF corner(page->displaySize(displayBox()).width() - noteSize.width() - noteMargin, noteMargin);
+    const auto note = std::make_shared<NoteAnnotation>(
+        page->displayTransform(displayBox()).inverted().mapRect(QRectF(corner, noteSize)));
     note->setColor(m_toolState->color());
     note->setContents(text);
     page->addAnnotation(note);
@@ -138,9 +138,10 @@ void AnnotatingPDFView::addNote(QPointF viewPoint) {
     const std::shared_ptr<PDFPage> page = pageAt(viewPoint, true);
     if (!page)
         return;
-    const QPointF point = convertToPage(viewPoint, *page);
-    const auto note = std::make_shared<NoteAnnotation>(
-        QRectF(point - QPointF(noteSize.width() / 2, noteSize.height() / 2), noteSize));
+    const QTransform toSeen = page->displayTransform(displayBox());
+    QRectF seen(QPointF(), noteSize);
+    seen.moveCenter(toSeen.map(convertToPage(viewPoint, *page)));
+    const auto note = std::make_shared<NoteAnnotation>(toSeen.inverted().mapRect(seen));
     note->setColor(m_toolState->color());
     page->addAnnotation(note);
     AnnotationUndo::registerAdding(m_docUndoManager.get(), page, note);

@@ -221,6 +221,10 @@ void AnnotatingPDFView::updateEraserVisual(const std::optional<QPointF>& viewPoi
     if (isShown != m_eraserCursorHidden)
         m_toolCursor.reset();
     m_eraserCursorHidden = isShown;
-    m_eraserOverlay->show(isShown ? viewPoint : std::nullopt,
-                          erases ? m_toolState->eraserSize() * scaleFactor() : m_eraserOverlay->diameter());
+    if (!isShown) {
+        m_eraserOverlay->show(std::nullopt, m_eraserOverlay->diameter());
+        return;
+    }
+    const std::shared_ptr<PDFPage> page = pageAt(*viewPoint, true); // whose units the size is in
+    m_eraserOverlay->show(viewPoint, m_toolState->eraserSize() * scaleFactor() * (page ? page->userUnit() : 1));
 }

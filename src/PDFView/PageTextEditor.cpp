@@ -88,12 +88,15 @@ void PageTextEditor::begin(QPointF viewPoint) {
 void PageTextEditor::start(const QRectF& lineBounds, const QString& lineText, const std::shared_ptr<PDFPage>& page) {
     commitAllEditors();
     const auto found = page->font(lineText);
-    m_pageFont = found ? *found : platformFont(AnnotationFont::system, fallbackFontSize(lineBounds.height()));
+    const QTransform toSeen = page->displayTransform(view().displayBox());
+    const QRectF seen = toSeen.mapRect(lineBounds);
+    m_pageFont = found ? *found : platformFont(AnnotationFont::system, fallbackFontSize(seen.height()));
     const QFont unscaled = InlineFreeTextEditor::screenFont(m_pageFont, 1, view());
     const double height =
-        std::max(InlineFreeTextEditor::defaultLineHeight(unscaled, view()) + lineMargin, lineBounds.height());
-    const QRectF covered = QRectF(lineBounds.left(), lineBounds.center().y() - height / 2, lineBounds.width(), height)
-                               .adjusted(-coverMargin, -coverMargin, coverMargin, coverMargin);
+        std::max(InlineFreeTextEditor::defaultLineHeight(unscaled, view()) + lineMargin, seen.height());
+    const QRectF covered =
+        toSeen.inverted().mapRect(QRectF(seen.left(), seen.center().y() - height / 2, seen.width(), height)
+                                      .adjusted(-coverMargin, -coverMargin, coverMargin, coverMargin));
     m_foreground = PageBackground::contrastingTextColor(PageBackground::sampleBackgroundColor(covered, *page));
     m_cover = std::make_shared<TextCoverAnnotation>(covered);
     page->addAnnotation(m_cover);
@@ -123,7 +126,7 @@ QRectF PageTextEditor::boundsFor(const QString& text) const {
 }
 
 void PageTextEditor::layOut() {
-    const double scale = view().scaleFactor() * page()->userUnit();
+    const double scale = view().scaleFactor();
     QRectF frame = view().convertFromPage(boundsFor(editor()->toPlainText()), *page());
     frame.setWidth(std::max(frame.width(), minimumWidth));
     editor()->setFont(InlineFreeTextEditor::screenFont(m_pageFont, scale, view()));

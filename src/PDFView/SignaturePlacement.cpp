@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
-// Page units.
+// Points, on the page as it is seen.
 static constexpr double defaultWidth = 160;
 static constexpr double leastSignatureWidth = 24;
 
@@ -25,11 +25,19 @@ void SignaturePlacement::begin(QPointF viewPoint) {
     m_dragPage = image ? m_view.pageAt(viewPoint, true) : nullptr;
     if (!m_dragPage)
         return;
-    m_startPagePoint = m_view.convertToPage(viewPoint, *m_dragPage);
+    m_start = seenPoint(viewPoint);
     m_ratio = double(image->height()) / std::max(image->width(), 1);
-    const double height = m_ratio * defaultWidth;
-    m_currentAnnotation = std::make_shared<SignatureAnnotation>(
-        *image, QRectF(m_startPagePoint.x(), m_startPagePoint.y() - height, defaultWidth, height));
+    m_currentAnnotation = std::make_shared<SignatureAnnotation>(*image, boundsFrom(m_start.x(), defaultWidth));
+}
+
+QPointF SignaturePlacement::seenPoint(QPointF viewPoint) const {
+    return m_dragPage->displayTransform(m_view.displayBox()).map(m_view.convertToPage(viewPoint, *m_dragPage));
+}
+
+QRectF SignaturePlacement::boundsFrom(double left, double width) const {
+    return m_dragPage->displayTransform(m_view.displayBox())
+        .inverted()
+        .mapRect(QRectF(left, m_start.y(), width, m_ratio * width));
 }
 
 void SignaturePlacement::moveTo(QPointF viewPoint) {
@@ -40,12 +48,10 @@ void SignaturePlacement::moveTo(QPointF viewPoint) {
         return;
     }
     m_dragPage->addAnnotation(m_currentAnnotation); // no more than once
-    const QPointF point = m_view.convertToPage(viewPoint, *m_dragPage);
-    const double width = std::max(std::abs(point.x() - m_startPagePoint.x()), leastSignatureWidth);
+    const double along = seenPoint(viewPoint).x() - m_start.x();
+    const double width = std::max(std::abs(along), leastSignatureWidth);
     // Dragged to the left, the right edge stays where the press was.
-    const double x = point.x() < m_startPagePoint.x() ? m_startPagePoint.x() - width : m_startPagePoint.x();
-    const double height = m_ratio * width;
-    m_currentAnnotation->setBounds(QRectF(x, m_startPagePoint.y() - height, width, height));
+    m_currentAnnotation->setBounds(boundsFrom(along < 0 ? m_start.x() - width : m_start.x(), width));
 }
 
 void SignaturePlacement::finish() {

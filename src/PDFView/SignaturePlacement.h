@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QPointF>
+#include <QRectF>
 
 #include <memory>
 
@@ -28,10 +29,14 @@ public:
 
 private:
     void clear();
+    // On the page as it is seen: points from its upper left corner, y down.
+    [[nodiscard]] QPointF seenPoint(QPointF viewPoint) const;
+    /// The bounds, in page coordinates, of a signature of that width below the start.
+    [[nodiscard]] QRectF boundsFrom(double left, double width) const;
 
     AnnotatingPDFView& m_view;
     std::shared_ptr<PDFPage> m_dragPage;
-    QPointF m_startPagePoint;
+    QPointF m_start;    // as the points above
     double m_ratio = 1; // height to width
     std::shared_ptr<SignatureAnnotation> m_currentAnnotation;
 };

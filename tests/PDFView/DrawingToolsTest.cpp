@@ -300,6 +300,44 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     EXPECT_FALSE(openEditor());
 }
 
+TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
+    keepSignature();
+    for (const char* rotation : {"0", "90", "180", "270"}) {
+        SCOPED_TRACE(rotation);
+        PdfFixture fixture;
+        fixture.addPage({QStringLiteral("A line of text")});
+        fixture.setPageKey(0, "/Rotate", rotation);
+        fixture.setPageKey(0, "/UserUnit", "2");
+        show(PDFDocument::fromData(fixture.bytes()));
+        const QTransform toSeen = page()->displayTransform(PDFDisplayBox::cropBox);
+        const QPointF point(300, 400);
+        const QPointF seen = toSeen.map(point);
+        const auto expectSeen = [&](double x, double y, double width, double height) {
+            expectRect(toSeen.mapRect(annotations().back()->bounds()), x, y, width, height);
+            EXPECT_NEAR(annotations().back()->uprightBounds().height(), height, 0.01);
+        };
+        m_toolState->setTool(AnnotationTool::note);
+        click(point);
+        expectSeen(seen.x() - 60, seen.y() - 40, 120, 80);
+        m_view.commitEditors();
+        m_view.addProgrammaticNote(QStringLiteral("note"), page());
+        expectSeen(page()->displaySize(PDFDisplayBox::cropBox).width() - 140, 20, 120, 80);
+        m_toolState->setTool(AnnotationTool::signature);
+        click(point);
+        expectSeen(seen.x(), seen.y(), 160, 80);
+        m_toolState->setTool(AnnotationTool::select);
+        m_toolState->setTextEditingModeEnabled(true);
+        click(page()->text()->lines[0].bounds.center());
+        ASSERT_TRUE(openEditor());
+        EXPECT_NEAR(openEditor()->font().pointSizeF() * openEditor()->logicalDpiY() / 72, 24 * m_view.scaleFactor(),
+                    0.1);
+        m_view.commitEditors();
+        EXPECT_NEAR(annotations().back()->font()->pointSizeF(), 24, 0.1);
+        EXPECT_EQ(annotations().back()->values().frame, (PDFAnnotationFrame{page()->rotation(), 2}));
+        m_toolState->setTextEditingModeEnabled(false);
+    }
+}
+
 TEST_F(DrawingTools, aReopenedNoteIsNoLongerPaper) {
     m_view.addProgrammaticNote(QStringLiteral("kept"), page());
     const QPointF spot = annotations()[0]->bounds().center();

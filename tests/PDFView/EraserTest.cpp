@@ -151,6 +151,14 @@ TEST_F(EraserTest, aRingTakesThePlaceOfThePointer) {
     hover({211, 500});
     EXPECT_FALSE(ring().isVisible());
     EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::CrossCursor);
+
+    PdfFixture fixture;
+    fixture.addPage({});
+    fixture.setPageKey(0, "/UserUnit", "2");
+    show(PDFDocument::fromData(fixture.bytes()));
+    m_toolState->setTool(AnnotationTool::eraser);
+    hover({200, 700});
+    EXPECT_NEAR(ring().diameter(), 2 * 10 * m_view.scaleFactor(), 0.01) << "its size is in units of the page";
 }
 
 TEST_F(EraserTest, theEraserEndOfAPenErasesWithAnyTool) {

@@ -13,7 +13,7 @@ FreeTextAnnotation::FreeTextAnnotation(const QRectF& bounds)
 }
 
 void FreeTextAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
-    PageTextPainting::drawWrapped(painter, contents(), bounds().adjusted(marginX, marginY, -marginX, -marginY),
+    PageTextPainting::drawWrapped(painter, contents(), uprightBounds().adjusted(marginX, marginY, -marginX, -marginY),
                                   font().value_or(m_systemFont), fontColor().value_or(QColor(Qt::black)));
 }
 

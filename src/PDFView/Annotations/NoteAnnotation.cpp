@@ -39,12 +39,16 @@ QPainterPath tab(const QRectF& paper) {
 
 NoteAnnotation::NoteAnnotation(const QRectF& bounds) : PDFAnnotation(bounds, PDFAnnotationSubtype::text) {}
 
+QRectF NoteAnnotation::uprightPaper() const {
+    return uprightBounds().adjusted(0, shadowOffset, -shadowOffset, 0);
+}
+
 QRectF NoteAnnotation::paperRect() const {
-    return bounds().adjusted(0, shadowOffset, -shadowOffset, 0);
+    return uprightToPage().mapRect(uprightPaper());
 }
 
 void NoteAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
-    const QRectF paper = paperRect();
+    const QRectF paper = uprightPaper();
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(rounded(paper.translated(shadowOffset, -shadowOffset)), shadowColor);

@@ -11,9 +11,13 @@ public:
 
     explicit NoteAnnotation(const QRectF& bounds);
 
-    /// The sheet without its shadow, which takes up the lowest and the rightmost points of the bounds.
+    /// The sheet without its shadow, which takes up the lowest and the rightmost points of the bounds as they are seen.
+    /// In page coordinates.
     [[nodiscard]] QRectF paperRect() const;
 
     void draw(PDFDisplayBox box, QPainter& painter) const override;
     [[nodiscard]] std::shared_ptr<PDFAnnotation> copy() const override;
+
+private:
+    [[nodiscard]] QRectF uprightPaper() const;
 };

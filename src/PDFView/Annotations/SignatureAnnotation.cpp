@@ -10,9 +10,10 @@ void SignatureAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
         return;
     painter.save();
     painter.setRenderHints(QPainter::SmoothPixmapTransform | QPainter::LosslessImageRendering);
-    painter.translate(bounds().left(), bounds().bottom());
+    const QRectF upright = uprightBounds();
+    painter.translate(upright.left(), upright.bottom());
     painter.scale(1, -1);
-    painter.drawImage(QRectF(QPointF(), bounds().size()), m_image);
+    painter.drawImage(QRectF(QPointF(), upright.size()), m_image);
     painter.restore();
 }
 

@@ -249,22 +249,49 @@ std::shared_ptr<PDFAnnotation> PDFAnnotation::copied(std::shared_ptr<PDFAnnotati
     return fresh;
 }
 
+QRectF PDFAnnotation::uprightBounds() const {
+    return m_values.frame ? m_values.frame->upright(m_values.bounds) : m_values.bounds;
+}
+
+QTransform PDFAnnotation::uprightToPage() const {
+    return m_values.frame ? m_values.frame->toPage(m_values.bounds) : QTransform();
+}
+
+Values PDFAnnotation::uprightValues() const {
+    Values upright = m_values;
+    upright.bounds = uprightBounds();
+    if (upright.border && upright.frame)
+        upright.border->lineWidth *= upright.frame->userUnit;
+    return upright;
+}
+
 void PDFAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
     if (drawFileState(*this, painter))
         return;
+    const bool isUpright = m_values.frame.value_or(PDFAnnotationFrame()) == PDFAnnotationFrame();
+    const std::optional<Values> upright = isUpright ? std::nullopt : std::optional(uprightValues());
+    const Values& values = upright ? *upright : m_values;
     // Breaking a field's text into lines takes far longer than drawing them.
     std::shared_ptr<const AnnotationDrawing> drawing = m_fieldDrawing;
     if (!drawing)
-        if (auto made = AnnotationDrawing::of(m_values))
+        if (auto made = AnnotationDrawing::of(values))
             drawing = std::make_shared<const AnnotationDrawing>(std::move(*made));
     if (type() == PDFAnnotationSubtype::widget)
         m_fieldDrawing = drawing;
     if (drawing)
         DrawingPainter::paint(*drawing, painter);
     else if (type() == PDFAnnotationSubtype::text)
-        NoteIcon::draw(m_values, painter);
+        NoteIcon::draw(values, painter);
     else if (m_origin)
-        drawFileAppearance(*this, painter);
+        drawFromFile(painter);
+}
+
+/// A look of the file is placed on the page by the file.
+void PDFAnnotation::drawFromFile(QPainter& painter) const {
+    painter.save();
+    painter.setTransform(uprightToPage().inverted(), true);
+    drawFileAppearance(*this, painter);
+    painter.restore();
 }
 
 void PDFAnnotation::drawAll(std::span<const std::shared_ptr<PDFAnnotation>> annotations, PDFDisplayBox box,
@@ -272,6 +299,7 @@ void PDFAnnotation::drawAll(std::span<const std::shared_ptr<PDFAnnotation>> anno
     for (const std::shared_ptr<PDFAnnotation>& annotation : annotations) {
         painter.save();
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.setTransform(annotation->uprightToPage(), true);
         annotation->draw(box, painter);
         painter.restore();
     }

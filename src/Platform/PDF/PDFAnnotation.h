@@ -32,6 +32,10 @@ public:
 
     [[nodiscard]] QRectF bounds() const { return m_values.bounds; }
     void setBounds(const QRectF& bounds);
+    /// The bounds as they are seen on the page that it was placed on: turned upright and in points. Kinds that are made
+    /// of points on the page have them in page coordinates.
+    [[nodiscard]] QRectF uprightBounds() const;
+    [[nodiscard]] QTransform uprightToPage() const;
     /// The C key. None and a fully transparent colour write an empty array.
     [[nodiscard]] std::optional<QColor> color() const { return m_values.color; }
     void setColor(const std::optional<QColor>& color);
@@ -105,12 +109,12 @@ public:
     /// Neither hidden nor kept off the screen (the F key).
     [[nodiscard]] bool shouldDisplay() const;
 
-    /// Draws into a painter that is set to page coordinates (y up). This base draws the plain standard subtypes; kinds
-    /// with a look of their own override it. `box` is the display box that is being drawn.
+    /// Draws into a painter that is set to upright coordinates (y up), see `uprightToPage`. This base draws the plain
+    /// standard subtypes; kinds with a look of their own override it. `box` is the display box that is being drawn.
     virtual void draw(PDFDisplayBox box, QPainter& painter) const;
 
-    /// Draws annotations, the first lowest, with smooth edges. Each gets a state of the painter of its own, so that
-    /// what one sets doesn't reach the next.
+    /// Draws annotations, the first lowest, with smooth edges, through a painter in page coordinates. Each gets a state
+    /// of the painter of its own, so that what one sets doesn't reach the next.
     static void drawAll(std::span<const std::shared_ptr<PDFAnnotation>> annotations, PDFDisplayBox box,
                         QPainter& painter);
 
@@ -159,6 +163,8 @@ private:
     template <typename T, typename... Place>
     void set(const T& value, Place... place);
     void announceChange(const QRectF& area);
+    [[nodiscard]] PDFAnnotationValues uprightValues() const;
+    void drawFromFile(QPainter& painter) const;
 
     std::weak_ptr<PDFPage> m_page;
     std::optional<PDFAnnotationOrigin> m_origin;

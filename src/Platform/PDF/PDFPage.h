@@ -90,7 +90,8 @@ public:
     /// In drawing order, the first lowest. Read from the file on first use.
     [[nodiscard]] const std::vector<std::shared_ptr<PDFAnnotation>>& annotations() const;
 
-    /// Adds on top. An annotation that is on a page already is left alone.
+    /// Adds on top. An annotation that is on a page already is left alone. One that is drawn upright and comes on its
+    /// first page gets its frame from that.
     void addAnnotation(const std::shared_ptr<PDFAnnotation>& annotation);
     /// Adds at a place in the drawing order, clamped to its range.
     void insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, int index);

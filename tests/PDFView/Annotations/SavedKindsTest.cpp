@@ -105,7 +105,7 @@ std::vector<Placed> everyKind() {
     place("rectangle", std::make_shared<RectangleAnnotation>(at.adjusted(5, 5, -5, -5)));
     all.back().annotation->setColor(QColor(0, 128, 0));
     place("oval", styled(std::make_shared<OvalAnnotation>(at.adjusted(5, 5, -5, -5)), QColor(200, 0, 200, 128), 6));
-    place("signature", std::make_shared<SignatureAnnotation>(signature(), at));
+    place("signature", std::make_shared<SignatureAnnotation>(signature(), at.adjusted(25, 0, -25, 0)));
     const QPointF reach(40, 20);
     place("squareToClosedArrow", line(square, closedArrow, at.center() - reach, at.center() + reach, 3));
     place("circleToOpenArrow", line(circle, openArrow, at.center() + reach, at.center() - reach, 1));
@@ -254,7 +254,7 @@ TEST_P(SavedKindsTest, LookTheSameToEveryReader) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rotation, SavedKindsTest, testing::Values(0, 90));
+INSTANTIATE_TEST_SUITE_P(Rotation, SavedKindsTest, testing::Values(0, 90, 270));
 
 TEST(SavedKinds, ComeBackAsPlainAnnotationsWithTheirValues) {
     const std::vector<Placed> all = everyKind();
@@ -315,6 +315,66 @@ TEST(SavedKinds, ComeBackAsPlainAnnotationsWithTheirValues) {
         const PDFAnnotation& copy = *copied;
         EXPECT_EQ(typeid(copy), typeid(before)) << "a copy is of the same kind";
         EXPECT_EQ(copy.contents(), before.contents());
+    }
+}
+
+/// Pictures of words, a signature and a note that are placed alike as the page is seen, whose width and height are 400
+/// and 500 points: live, reopened, changed then, and changed and saved as others show it, without the note.
+std::vector<QImage> placedAsSeen(int rotation, double userUnit) {
+    const QSizeF shown(400, 500);
+    const QSize pixels = (shown * scale).toSize();
+    PdfFixture pdf;
+    pdf.addPageWithContent("", "<< >>", (rotation % 180 == 0 ? shown : shown.transposed()) / userUnit);
+    pdf.setPageKey(0, "/Rotate", QByteArray::number(rotation));
+    pdf.setPageKey(0, "/UserUnit", QByteArray::number(userUnit));
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto toPage = document->page(0)->displayTransform(PDFDisplayBox::cropBox).inverted();
+    const auto at = [&](double x, double y, double width, double height) {
+        return toPage.mapRect(QRectF(x, y, width, height));
+    };
+    document->page(0)->addAnnotation(freeText(at(20, 30, 200, 60), QStringLiteral("Words that wrap in the box"),
+                                              QFont(QStringLiteral("DejaVu Sans"), 16)));
+    document->page(0)->addAnnotation(std::make_shared<SignatureAnnotation>(signature(), at(30, 150, 160, 66)));
+    const auto note = std::make_shared<NoteAnnotation>(at(200, 300, 120, 80));
+    note->setContents(QStringLiteral("Remember"));
+    document->page(0)->addAnnotation(note);
+
+    std::vector<QImage> pictures{document->page(0)->thumbnail(pixels, PDFDisplayBox::cropBox)};
+    const auto reopened = PDFDocument::fromData(document->dataRepresentation());
+    pictures.push_back(reopened->page(0)->thumbnail(pixels, PDFDisplayBox::cropBox));
+    const auto text = reopened->page(0)->annotations().at(0);
+    EXPECT_NEAR(text->font()->pointSizeF(), 16, 0.01);
+    text->setContents(QStringLiteral("Other words, which wrap"));
+    pictures.push_back(reopened->page(0)->thumbnail(pixels, PDFDisplayBox::cropBox));
+    reopened->page(0)->removeAnnotation(reopened->page(0)->annotations().at(2));
+    const QByteArray file = reopened->dataRepresentation();
+    for (const QString& command : {QStringLiteral("mutool draw -w 800 -h 1000 -F ppm -o - FILE"),
+                                   QStringLiteral("pdftoppm -singlefile -r %1 FILE").arg(72 * scale * userUnit)}) {
+        const QStringList parts = command.split(u' ');
+        pictures.push_back(QImage::fromData(PdfPrograms::run(parts[0], parts.mid(1), file).output, "PPM"));
+    }
+    return pictures;
+}
+
+TEST(SavedKinds, StandUprightAndInPointsOnEveryPageAsItIsSeen) {
+    const std::vector<QImage> plain = placedAsSeen(0, 1);
+    const std::pair<int, double> pages[] = {{90, 1}, {180, 1}, {270, 1}, {0, 2}, {90, 2}};
+    for (const auto& [rotation, userUnit] : pages) {
+        const std::vector<QImage> pictures = placedAsSeen(rotation, userUnit);
+        for (std::size_t i = 0; i < plain.size(); ++i) {
+            const QImage one = plain[i].convertToFormat(QImage::Format_Grayscale8);
+            const QImage other = pictures[i].convertToFormat(QImage::Format_Grayscale8);
+            ASSERT_EQ(one.size(), other.size()) << rotation << ' ' << i;
+            int dark = 0;
+            int different = 0;
+            for (int y = 0; y < one.height(); ++y)
+                for (int x = 0; x < one.width(); ++x) {
+                    dark += one.constScanLine(y)[x] < 128 ? 1 : 0;
+                    different += std::abs(one.constScanLine(y)[x] - other.constScanLine(y)[x]) > 128 ? 1 : 0;
+                }
+            EXPECT_GT(dark, 3000);
+            EXPECT_LT(different, dark / 20) << rotation << " degrees, unit " << userUnit << ", picture " << i;
+        }
     }
 }
 

@@ -5,11 +5,14 @@
 #include "EngineValues.h"
 #include "FormFieldReader.h"
 #include "PDFAnnotationSubtype.h"
+#include "PageObjects.h"
 #include "SourceEngine.h"
 
 #include <QRegularExpression>
 
 #include <array>
+#include <cmath>
+#include <numbers>
 
 namespace {
 
@@ -20,8 +23,8 @@ constexpr int pointLimit = 200000;
 /// key alone.
 class Reader {
 public:
-    Reader(fz_context* context, pdf_obj* dictionary, FormFieldReader& fields)
-        : m_context(context), m_dictionary(dictionary), m_fields(fields) {}
+    Reader(fz_context* context, const PDFPageGeometry& page, pdf_obj* dictionary, FormFieldReader& fields)
+        : m_context(context), m_page(page), m_dictionary(dictionary), m_fields(fields) {}
 
     std::optional<PDFAnnotationValues> read() {
         PDFAnnotationValues values;
@@ -31,6 +34,8 @@ public:
         values.bounds = rect(get("Rect"));
         values.flags = integer(get("F"));
         engineTry(m_context, [&] { values.hasAppearance = EngineValues::hasAppearance(m_context, m_dictionary); });
+        if (PDFAnnotationFrame::suits(values.type))
+            readFrame(values);
         readColors(values);
         values.contents = EngineValues::text(m_context, get("Contents"));
         values.modificationDate = EngineValues::date(EngineValues::text(m_context, get("M")));
@@ -75,6 +80,20 @@ private:
     QRectF rect(pdf_obj* array) const {
         const std::vector<double> v = numbers(array);
         return v.size() < 4 ? QRectF() : QRectF(QPointF(v[0], v[1]), QPointF(v[2], v[3])).normalized();
+    }
+
+    /// A look that its file turns stays so when it is drawn anew. A note's sign is upright on every page.
+    void readFrame(PDFAnnotationValues& values) {
+        PDFAnnotationFrame& frame = values.frame.emplace();
+        frame.userUnit = m_page.userUnit;
+        if (!values.hasAppearance) {
+            frame.turn = m_page.rotation;
+            return;
+        }
+        const std::vector<double> matrix = numbers(get("AP/N/Matrix"));
+        const double angle = matrix.size() < 4 ? 0 : std::atan2(matrix[1], matrix[0]);
+        const int quarters = int(std::lround(angle / (std::numbers::pi / 2)));
+        frame.turn = (quarters + 4) % 4 * 90;
     }
 
     void readColors(PDFAnnotationValues& values) {
@@ -134,8 +153,10 @@ private:
             const double size = font.captured(2).toDouble();
             values.text.sizeSuitsBox = !(size > 0 && size < 1000);
             values.text.font = m_fields.font(font.captured(1), values.text.sizeSuitsBox ? 12.0 : size);
-            if (values.type == PDFAnnotationSubtype::freeText)
+            if (values.type == PDFAnnotationSubtype::freeText) {
                 DefaultStyle::apply(EngineValues::text(m_context, get("DS")), *values.text.font);
+                values.text.font->setPointSizeF(values.text.font->pointSizeF() * m_page.userUnit);
+            }
         }
         const QRegularExpressionMatch color = colorPattern.match(appearance);
         if (color.hasMatch()) {
@@ -221,6 +242,7 @@ private:
     }
 
     fz_context* m_context;
+    const PDFPageGeometry& m_page;
     pdf_obj* m_dictionary;
     FormFieldReader& m_fields;
 };
@@ -243,11 +265,18 @@ std::vector<std::optional<PDFAnnotationValues>> AnnotationReader::read(SourceEng
     fz_context* context = borrowed.context();
     pdf_obj* annots = annotsOf(context, borrowed.document(), pageNumber);
     const int count = std::min(pdf_array_len(context, annots), annotationLimit);
+    if (count == 0)
+        return result;
+    PDFPageGeometry geometry;
+    engineTry(context, [&] {
+        PageObjects::readGeometry(context, pdf_lookup_page_obj(context, borrowed.document(), pageNumber), geometry);
+    });
     FormFieldReader fields(context, borrowed.document());
     for (int i = 0; i < count; ++i) {
         pdf_obj* dictionary = nullptr;
         engineTry(context, [&] { dictionary = pdf_resolve_indirect(context, pdf_array_get(context, annots, i)); });
-        result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, dictionary, fields).read() : std::nullopt);
+        result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, geometry, dictionary, fields).read()
+                                                          : std::nullopt);
     }
     return result;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PDFAnnotationFrame.h"
 #include "PDFBorder.h"
 #include "PDFFieldData.h"
 #include "PDFLineData.h"
@@ -19,6 +20,8 @@
 struct PDFAnnotationValues {
     QString type; ///< one of `PDFAnnotationSubtype`, or another that a file has
     QRectF bounds;
+    /// Where `PDFAnnotationFrame::suits`: that of the page on which it was placed first, or of its look in the file.
+    std::optional<PDFAnnotationFrame> frame;
     int flags = 4; ///< Print
     std::optional<QColor> color;
     std::optional<QColor> interiorColor;

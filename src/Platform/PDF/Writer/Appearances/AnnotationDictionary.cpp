@@ -143,9 +143,11 @@ private:
     }
 
     void writeFreeTextFont() {
-        const QFont font = m_now.text.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
+        QFont font = m_now.text.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
         const QColor color = m_now.text.color.value_or(QColor(Qt::black));
-        const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
+        const double points = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
+        const double size = points / m_now.frame.value_or(PDFAnnotationFrame()).userUnit; // the file means units
+        font.setPointSizeF(size);
         set("/DA", QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
                                                    AnnotationDictionary::standardFontName(font), size, color)
                                                    .toStdString()));

@@ -1,5 +1,6 @@
 #include "AppearanceRecorder.h"
 
+#include "AppearanceStreams.h"
 #include "ObjectCopier.h"
 #include "PDFAnnotation.h"
 #include "PdfValues.h"
@@ -49,7 +50,7 @@ AppearanceRecorder::AppearanceRecorder(ObjectStore& objects) : m_objects(objects
 AppearanceRecorder::~AppearanceRecorder() = default;
 
 void AppearanceRecorder::record(const PDFAnnotation& annotation, QPDFObjectHandle dictionary) {
-    const QRectF bounds = annotation.bounds();
+    const QRectF bounds = annotation.uprightBounds();
     const QSize page = pageSizeFor(bounds.size());
     const QPageSize pageSize(page, QPageSize::Point, QString(), QPageSize::ExactMatch);
     if (!m_writer) {
@@ -68,7 +69,8 @@ void AppearanceRecorder::record(const PDFAnnotation& annotation, QPDFObjectHandl
                                       (page.height() + bounds.top()) * dotsPerPoint));
     annotation.draw(PDFDisplayBox::mediaBox, m_painter);
     m_painter.restore();
-    m_recordings.push_back({dictionary, bounds.size()});
+    const std::optional<PDFAnnotationFrame>& frame = annotation.values().frame;
+    m_recordings.push_back({dictionary, bounds.size(), frame ? frame->turn : 0});
 }
 
 void AppearanceRecorder::finish() {
@@ -87,6 +89,7 @@ void AppearanceRecorder::finish() {
         form.replaceKey("/Type", PdfValues::name("XObject"));
         form.replaceKey("/Subtype", PdfValues::name("Form"));
         form.replaceKey("/BBox", PdfValues::rect(QRectF(QPointF(), recording.size)));
+        AppearanceStreams::setTurn(form, recording.turn);
         QPDFObjectHandle look;
         if (paints(page)) {
             QPDFObjectHandle content = page.getKey("/Contents");

@@ -31,6 +31,7 @@ private:
     struct Recording {
         QPDFObjectHandle dictionary;
         QSizeF size;
+        int turn; // degrees anticlockwise against the page
     };
 
     ObjectStore& m_objects;

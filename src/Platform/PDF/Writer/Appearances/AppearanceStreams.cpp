@@ -107,12 +107,17 @@ QPDFObjectHandle AppearanceStreams::form(ObjectStore& objects, const QByteArray&
     dictionary.replaceKey("/Subtype", PdfValues::name("Form"));
     dictionary.replaceKey("/BBox", PdfValues::rect(box));
     dictionary.replaceKey("/Resources", resources);
-    if (const int quarters = ((turn / 90) % 4 + 4) % 4; quarters != 0) {
-        static const double cosines[] = {1, 0, -1, 0};
-        static const double sines[] = {0, 1, 0, -1};
-        const double c = cosines[quarters];
-        const double s = sines[quarters];
-        dictionary.replaceKey("/Matrix", PdfValues::numbers({c, s, -s, c, 0, 0}));
-    }
+    setTurn(dictionary, turn);
     return objects.addStream(dictionary, operators);
+}
+
+void AppearanceStreams::setTurn(QPDFObjectHandle form, int turn) {
+    const int quarters = ((turn / 90) % 4 + 4) % 4;
+    if (quarters == 0)
+        return;
+    static const double cosines[] = {1, 0, -1, 0};
+    static const double sines[] = {0, 1, 0, -1};
+    const double c = cosines[quarters];
+    const double s = sines[quarters];
+    form.replaceKey("/Matrix", PdfValues::numbers({c, s, -s, c, 0, 0}));
 }

@@ -19,4 +19,8 @@ namespace AppearanceStreams {
 [[nodiscard]] QPDFObjectHandle form(ObjectStore& objects, const QByteArray& operators, QPDFObjectHandle resources,
                                     const QRectF& box, int turn = 0);
 
+/// The matrix of a form XObject whose user space is turned by `turn` degrees anticlockwise, a multiple of 90, against
+/// that of the page.
+void setTurn(QPDFObjectHandle form, int turn);
+
 } // namespace AppearanceStreams
