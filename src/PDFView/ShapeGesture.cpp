@@ -39,8 +39,11 @@ std::shared_ptr<PDFAnnotation> ShapeGesture::makeAnnotation(AnnotationTool tool)
         marker->setContents(RedactionMarkerAnnotation::marker);
         return marker;
     }
-    case AnnotationTool::form:
-        return FormFieldPlacer::makeAnnotation(m_view.toolState()->formFieldMode(), spot);
+    case AnnotationTool::form: {
+        auto field = FormFieldPlacer::makeAnnotation(m_view.toolState()->formFieldMode(), spot);
+        field->setWidgetRotation(m_dragPage->rotation());
+        return field;
+    }
     default:
         return std::make_shared<PDFAnnotation>(page, PDFAnnotationSubtype::ink);
     }

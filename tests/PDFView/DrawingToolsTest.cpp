@@ -258,6 +258,12 @@ TEST_F(DrawingTools, formFieldsAreNumberedAsTheyAreBegun) {
     EXPECT_EQ(box.widgetControlType(), PDFWidgetControlType::checkBox);
     EXPECT_EQ(box.buttonWidgetState(), PDFWidgetCellState::off);
     EXPECT_EQ(text.color(), m_toolState->color());
+
+    page()->setRotation(90);
+    QCoreApplication::processEvents();
+    drag({{300, 400}, {320, 420}});
+    ASSERT_EQ(annotations().size(), 3U);
+    EXPECT_EQ(annotations()[2]->widgetRotation(), 90);
 }
 
 TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {

@@ -34,5 +34,4 @@ struct FormFieldValues {
     PDFWidgetCellState stateInFile = PDFWidgetCellState::off;
     bool hasStateLooks = false; ///< AP, N gives an appearance for being on
     QString mark;               ///< MK, CA: a character of ZapfDingbats
-    int turn = 0;               ///< MK, R: 0, 90, 180 or 270 degrees anticlockwise against the page
 };

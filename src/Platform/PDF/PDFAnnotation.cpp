@@ -165,6 +165,10 @@ void PDFAnnotation::setWidgetStringValue(const QString& value) {
     set(value, &Values::field, &PDFFieldData::string);
 }
 
+void PDFAnnotation::setWidgetRotation(int degrees) {
+    set(degrees, &Values::field, &PDFFieldData::turn);
+}
+
 void PDFAnnotation::fill(const QString& string, const QStringList& chosen, PDFWidgetCellState state) {
     const bool isButton = m_values.field.type == PDFWidgetFieldType::button;
     const bool looksDifferent =

@@ -105,6 +105,10 @@ public:
     void setButtonWidgetState(PDFWidgetCellState state);
     [[nodiscard]] QString widgetStringValue() const { return m_values.field.string; }
     void setWidgetStringValue(const QString& value);
+    /// How far its look is turned against the page: 0, 90, 180 or 270 degrees anticlockwise. That of the page's
+    /// rotation makes a field stand upright as the page is seen.
+    [[nodiscard]] int widgetRotation() const { return m_values.field.turn; }
+    void setWidgetRotation(int degrees);
 
     /// Neither hidden nor kept off the screen (the F key).
     [[nodiscard]] bool shouldDisplay() const;

@@ -47,6 +47,10 @@ std::vector<Filling> fillings() {
         {"comb", "/FT /Tx /Ff 16777216 /MaxLen 6 /DA (/Helv 14 Tf 0 g) " + frame, {text("A1B2")}, text("A 1 B 2")},
         {"password", "/FT /Tx /Ff 8192 /DA (/Helv 14 Tf 0 g) " + frame, {text("xyz")}, QString(3, QChar(0x2022))},
         {"foreign", "/FT /Tx /DA (/Helv 14 Tf 0 g) " + frame, {text("Ωδή")}, text("Ωδή")},
+        {"differences", "/FT /Tx /DA (/Doc 14 Tf 0 g) " + frame, {text("don’t 5 €–")}, text("don’t 5 €–")},
+        {"no encoding", "/FT /Tx /DA (/Std 14 Tf 0 g) " + frame, {text("it's ‘so’ ß")}, text("it's ‘so’ ß")},
+        {"composite", "/FT /Tx /DA (/Part 14 Tf 0 g) " + frame, {text("Größe")}, text("Größe"), "/Times-Bold"},
+        {"unknown", "/FT /Tx /Q 2 /DA (/CoBo 14 Tf 0 g) " + frame, {text("mm ii")}, text("mm ii"), "/Courier-Bold"},
         {"turned",
          "/FT /Tx /DA (/Helv 14 Tf 0 g) /MK << /R 90 /BC [0] >>",
          {text("up")},
@@ -84,6 +88,12 @@ QByteArray formWith(const Filling& filling) {
                                  " /AA << /K " + script + " /F " + script + " >> " + filling.keys + " >>");
     pdf.appendToArray(pdf.form(), "/Fields", field);
     pdf.appendToArray(pdf.form(), "/CO", field);
+    pdf.setKey(pdf.form(), "/DR",
+               "<< /Font << /Helv << /Type /Font /Subtype /Type1 /BaseFont /Helvetica /Encoding /WinAnsiEncoding >> "
+               "/Doc << /Type /Font /Subtype /Type1 /BaseFont /Helvetica /Encoding << /Differences [ 39 /quotesingle "
+               "128 /bullet /dagger 133 /endash 140 /quotedblbase 144 /quoteright 160 /uni20AC ] >> >> "
+               "/Std << /Type /Font /Subtype /Type1 /BaseFont /Times-Roman >> "
+               "/Part << /Type /Font /Subtype /Type0 /BaseFont /ABCDEF+Georgia-Bold /Encoding /Identity-H >> >> >>");
     pdf.setKey(pdf.form(), "/XFA", "[(template) " + pdf.addStream("<< >>", "<xdp/>") + ']');
     pdf.setPageKey(0, "/Bulk", pdf.addStream("<< >>", QByteArray(100'000, 'x'))); // so that a save can append
     return pdf.bytes();
@@ -112,6 +122,38 @@ Ink inkOf(const QImage& picture) {
                 ++ink.count;
             }
     return ink;
+}
+
+/// The first page looks the same now, in its saved file, and in other programs' eyes. Returns where its ink is.
+Ink expectSameInk(PDFDocument& document) {
+    const QString resolution = QString::number(72 * zoom);
+    const QSize size = (document.page(0)->displaySize(PDFDisplayBox::cropBox) * zoom).toSize();
+    const Ink live = inkOf(document.page(0)->thumbnail(size, PDFDisplayBox::cropBox));
+    EXPECT_GT(live.count, 100);
+    const QByteArray file = document.dataRepresentation();
+    const std::pair<const char*, QImage> others[] = {
+        {"this", PDFDocument::fromData(file)->page(0)->thumbnail(size, PDFDisplayBox::cropBox)},
+        {"pdftoppm",
+         pictureBy(QStringLiteral("pdftoppm"),
+                   {QStringLiteral("-r"), resolution, QStringLiteral("-png"), QStringLiteral("FILE")}, file)},
+        {"mutool", pictureBy(QStringLiteral("mutool"),
+                             {QStringLiteral("draw"), QStringLiteral("-q"), QStringLiteral("-r"), resolution,
+                              QStringLiteral("-F"), QStringLiteral("png"), QStringLiteral("-o"), QStringLiteral("-"),
+                              QStringLiteral("FILE")},
+                             file)},
+    };
+    for (const auto& [program, picture] : others) {
+        SCOPED_TRACE(program);
+        EXPECT_EQ(picture.size(), size);
+        const Ink ink = inkOf(picture);
+        constexpr int tolerance = 2 * zoom; // two points
+        EXPECT_NEAR(ink.box.left(), live.box.left(), tolerance);
+        EXPECT_NEAR(ink.box.right(), live.box.right(), tolerance);
+        EXPECT_NEAR(ink.box.top(), live.box.top(), tolerance);
+        EXPECT_NEAR(ink.box.bottom(), live.box.bottom(), tolerance);
+        EXPECT_NEAR(ink.count, live.count, 0.35 * live.count);
+    }
+    return live;
 }
 
 } // namespace
@@ -154,38 +196,51 @@ TEST_P(FormFilling, OtherProgramsShowTheValue) {
 INSTANTIATE_TEST_SUITE_P(AppendOrRewrite, FormFilling, testing::Bool());
 
 TEST(FormFillingLook, ScreenAndFileLookTheSame) {
-    const QString resolution = QString::number(72 * zoom);
     for (const Filling& filling : fillings()) {
         SCOPED_TRACE(filling.name);
         const auto document = PDFDocument::fromData(formWith(filling));
-        const QSize size = (pageSize * zoom).toSize();
         ASSERT_TRUE(fieldOf(document).setValue(filling.value));
-        const QImage screen = document->page(0)->thumbnail(size, PDFDisplayBox::cropBox);
+        expectSameInk(*document);
+    }
+}
+
+TEST(FormFillingLook, PlacedFieldsStandUprightOnTurnedPages) {
+    for (const int turn : {90, 180, 270}) {
+        SCOPED_TRACE(turn);
+        PdfFixture pdf;
+        pdf.addPage({}, pageSize);
+        pdf.setPageKey(0, "/Rotate", QByteArray::number(turn));
+        const auto document = PDFDocument::fromData(pdf.bytes());
+        const auto field = std::make_shared<PDFAnnotation>(QRectF(40, 20, 100, 110), PDFAnnotationSubtype::widget);
+        field->setWidgetFieldType(PDFWidgetFieldType::text);
+        field->setWidgetStringValue(QStringLiteral("as it is seen"));
+        field->setWidgetRotation(turn);
+        document->page(0)->addAnnotation(field);
+        const Ink ink = expectSameInk(*document);
+        EXPECT_GT(ink.box.width(), 3 * ink.box.height());
         const QByteArray file = document->dataRepresentation();
-        const Ink live = inkOf(screen);
-        EXPECT_GT(live.count, 100);
-        const std::pair<const char*, QImage> others[] = {
-            {"this", PDFDocument::fromData(file)->page(0)->thumbnail(size, PDFDisplayBox::cropBox)},
-            {"pdftoppm",
-             pictureBy(QStringLiteral("pdftoppm"),
-                       {QStringLiteral("-r"), resolution, QStringLiteral("-png"), QStringLiteral("FILE")}, file)},
-            {"mutool", pictureBy(QStringLiteral("mutool"),
-                                 {QStringLiteral("draw"), QStringLiteral("-q"), QStringLiteral("-r"), resolution,
-                                  QStringLiteral("-F"), QStringLiteral("png"), QStringLiteral("-o"),
-                                  QStringLiteral("-"), QStringLiteral("FILE")},
-                                 file)},
-        };
-        for (const auto& [program, picture] : others) {
-            SCOPED_TRACE(program);
-            ASSERT_EQ(picture.size(), size);
-            const Ink ink = inkOf(picture);
-            constexpr int tolerance = 2 * zoom; // two points
-            EXPECT_NEAR(ink.box.left(), live.box.left(), tolerance);
-            EXPECT_NEAR(ink.box.right(), live.box.right(), tolerance);
-            EXPECT_NEAR(ink.box.top(), live.box.top(), tolerance);
-            EXPECT_NEAR(ink.box.bottom(), live.box.bottom(), tolerance);
-            EXPECT_NEAR(ink.count, live.count, 0.35 * live.count);
-        }
+        EXPECT_TRUE(PdfPrograms::unpacked(file).contains("/R " + QByteArray::number(turn)));
+        EXPECT_EQ(PDFDocument::fromData(file)->page(0)->annotations()[0]->widgetRotation(), turn);
+    }
+}
+
+TEST(FormFillingLook, ValuesShowWhereTheFormAsksForLooks) {
+    for (const bool asks : {false, true}) {
+        PdfFixture pdf;
+        pdf.addPage({}, pageSize);
+        const QByteArray blank = pdf.addStream("<< /Type /XObject /Subtype /Form /BBox [0 0 160 80] >>", "");
+        for (const char* keys : {"/FT /Tx /V (value) /T (a) /Rect [20 40 100 80]",
+                                 "/FT /Ch /Ff 131072 /V (c) /Opt [[(c) (Choice)]] /T (b) /Rect [120 40 200 80]"})
+            pdf.appendToArray(pdf.form(), "/Fields",
+                              pdf.addAnnotation(0, "<< /Subtype /Widget /F 4 /DA (/Helv 14 Tf 0 g) /AP << /N " + blank +
+                                                       " >> " + keys + " >>"));
+        pdf.setKey(pdf.form(), "/NeedAppearances", asks ? "true" : "false");
+        const auto document = PDFDocument::fromData(pdf.bytes());
+        const QImage picture = document->page(0)->thumbnail(pageSize.toSize() * zoom, PDFDisplayBox::cropBox);
+        for (const QRect& half : {picture.rect().adjusted(0, 0, -picture.width() / 2, 0),
+                                  picture.rect().adjusted(picture.width() / 2, 0, 0, 0)})
+            EXPECT_EQ(inkOf(picture.copy(half)).count > 100, asks);
+        EXPECT_FALSE(document->page(0)->isModified());
     }
 }
 

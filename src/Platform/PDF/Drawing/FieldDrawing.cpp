@@ -18,10 +18,6 @@ constexpr int passwordFlag = 1 << 13;
 constexpr int comboFlag = 1 << 17;
 constexpr int combFlag = 1 << 24;
 
-int turnOf(const Values& values) {
-    return values.field.inFile ? values.field.inFile->turn : 0;
-}
-
 QString labelOf(const Values& values, const QString& exportValue) {
     if (values.field.inFile && values.field.inFile->choices)
         for (const PDFFormField::Choice& choice : *values.field.inFile->choices)
@@ -32,7 +28,7 @@ QString labelOf(const Values& values, const QString& exportValue) {
 
 FieldFrame frameOf(const Values& values) {
     FieldFrame frame;
-    frame.box = turnOf(values) % 180 != 0 ? values.bounds.size().transposed() : values.bounds.size();
+    frame.box = values.field.turn % 180 != 0 ? values.bounds.size().transposed() : values.bounds.size();
     frame.background = values.interiorColor;
     frame.edge = values.color;
     frame.border = values.border.value_or(PDFBorder{values.defaultLineWidth});
@@ -146,7 +142,7 @@ std::optional<AnnotationDrawing> FieldDrawing::of(const Values& values) {
         frame.addTo(drawing);
         addText(drawing, textOf(values, frame), values);
     }
-    const QTransform toPage = placement(values.bounds, turnOf(values));
+    const QTransform toPage = placement(values.bounds, values.field.turn);
     for (AnnotationDrawing::Part& part : drawing.parts)
         part.path = toPage.map(part.path);
     if (drawing.text)

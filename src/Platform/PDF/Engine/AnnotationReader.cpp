@@ -33,7 +33,7 @@ public:
             return std::nullopt;
         values.bounds = rect(get("Rect"));
         values.flags = integer(get("F"));
-        engineTry(m_context, [&] { values.hasAppearance = EngineValues::hasAppearance(m_context, m_dictionary); });
+        values.hasAppearance = m_fields.hasAppearance(m_dictionary);
         if (PDFAnnotationFrame::suits(values.type))
             readFrame(values);
         readColors(values);
@@ -152,7 +152,8 @@ private:
         if (font.hasMatch()) {
             const double size = font.captured(2).toDouble();
             values.text.sizeSuitsBox = !(size > 0 && size < 1000);
-            values.text.font = m_fields.font(font.captured(1), values.text.sizeSuitsBox ? 12.0 : size);
+            values.text.font = m_fields.font(font.captured(1), values.text.sizeSuitsBox ? 12.0 : size,
+                                             values.type == PDFAnnotationSubtype::widget);
             if (values.type == PDFAnnotationSubtype::freeText) {
                 DefaultStyle::apply(EngineValues::text(m_context, get("DS")), *values.text.font);
                 values.text.font->setPointSizeF(values.text.font->pointSizeF() * m_page.userUnit);

@@ -1,7 +1,5 @@
 #include "AppearanceRunner.h"
 
-#include "FormFieldReader.h"
-
 namespace {
 
 /// How a form XObject comes to fill its annotation's rectangle (ISO 32000-1, 12.5.5, algorithm 8.1); the matrix of the
@@ -30,7 +28,8 @@ pdf_obj* normalAppearance(fz_context* context, pdf_obj* annotation) {
 
 AppearanceRunner::AppearanceRunner(fz_context* context, pdf_page* page, fz_device* device, const fz_matrix& toDevice,
                                    fz_cookie* cookie)
-    : m_context(context), m_page(page), m_device(device), m_toDevice(toDevice), m_cookie(cookie) {
+    : m_context(context), m_fields(context, page->doc), m_page(page), m_device(device), m_toDevice(toDevice),
+      m_cookie(cookie) {
     engineTry(m_context, [&] {
         fz_rect box;
         pdf_page_transform(m_context, m_page, &box, &m_pageTransform);
@@ -61,8 +60,7 @@ bool AppearanceRunner::isShown(pdf_obj* annotation) {
     if (!isShown || !isWidget)
         return isShown;
     // What is part of no field isn't shown by other programs.
-    const FormFieldReader fields(m_context, m_page->doc);
-    return fields.inherited(annotation, "FT") && fields.inherited(annotation, "T");
+    return m_fields.inherited(annotation, "FT") && m_fields.inherited(annotation, "T");
 }
 
 fz_matrix AppearanceRunner::placement(pdf_obj* annotation) const {
@@ -79,7 +77,7 @@ fz_matrix AppearanceRunner::placement(pdf_obj* annotation) const {
 }
 
 void AppearanceRunner::run(pdf_obj* annotation) {
-    if (!isShown(annotation))
+    if (!m_fields.hasAppearance(annotation) || !isShown(annotation))
         return;
     pdf_obj* form = nullptr;
     fz_matrix placed = fz_identity;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "EngineContext.h"
+#include "FormFieldReader.h"
 
 /// Runs the appearances that a file gives the annotations of a page (ISO 32000-1, 12.5.5) into a device. What the file
 /// leaves out stays out: the engine's own way of running annotations makes up looks for those without one, at any cost,
@@ -30,6 +31,7 @@ private:
     void runForm(pdf_obj* form, pdf_obj* annotation, const fz_matrix& toDevice);
 
     fz_context* m_context;
+    FormFieldReader m_fields;
     pdf_page* m_page;
     fz_device* m_device;
     fz_matrix m_toDevice;

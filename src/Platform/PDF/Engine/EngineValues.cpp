@@ -56,10 +56,6 @@ std::optional<QColor> EngineValues::color(fz_context* context, pdf_obj* array) {
     }
 }
 
-bool EngineValues::hasAppearance(fz_context* context, pdf_obj* annotation) {
-    return pdf_is_dict(context, pdf_dict_getp(context, annotation, "AP/N")) != 0;
-}
-
 QDateTime EngineValues::date(const QString& text) {
     static const QRegularExpression pattern(
         QStringLiteral(R"(^(?:D:)?(\d{4})(\d\d)?(\d\d)?(\d\d)?(\d\d)?(\d\d)?(?:([Zz+-])(?:(\d\d)(?:'?(\d\d))?)?)?)"));

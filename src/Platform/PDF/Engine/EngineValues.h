@@ -19,9 +19,6 @@ namespace EngineValues {
 [[nodiscard]] std::optional<QColor> color(fz_context* context, pdf_obj* array);
 /// "D:YYYYMMDDHHmmSSOHH'mm'" (ISO 32000-1, 7.9.4), as much of it as is there; invalid for anything else.
 [[nodiscard]] QDateTime date(const QString& text);
-/// True when an annotation brings a normal appearance, which is a stream or one for each of its states. Fetches, and so
-/// may throw the engine's way.
-[[nodiscard]] bool hasAppearance(fz_context* context, pdf_obj* annotation);
 /// A finite number, or none.
 [[nodiscard]] std::optional<double> number(fz_context* context, pdf_obj* object);
 

@@ -2,6 +2,7 @@
 
 #include "EngineValues.h"
 #include "FormFieldValues.h"
+#include "FormFont.h"
 #include "PageFont.h"
 #include "SourceEngine.h"
 
@@ -115,32 +116,41 @@ QString FormFieldReader::fullName(pdf_obj* field) {
     return parts.join(QLatin1Char('.')).left(nameLimit);
 }
 
-QFont FormFieldReader::font(const QString& name, double size) {
-    const auto known = m_fonts.find(name);
-    if (known != m_fonts.end()) {
+QFont FormFieldReader::font(const QString& name, double size, bool isField) {
+    if (const auto known = m_fonts.find({name, isField}); known != m_fonts.end()) {
         QFont font = known->second;
         font.setPointSizeF(size);
         return font;
     }
-    QFont font = PageFont::ofDefaultAppearance(name, size);
     pdf_obj* resource = nullptr;
     const QByteArray key = name.toUtf8();
     engineTry(m_context, [&] {
         resource = pdf_dict_gets(m_context, pdf_dict_getp(m_context, form(), "DR/Font"), key.constData());
     });
-    QString base = EngineValues::name(m_context, get(resource, "BaseFont"));
-    constexpr qsizetype tag = 7; // "ABCDEF+"
-    if (base.size() > tag && base.at(tag - 1) == QLatin1Char('+'))
-        base.remove(0, tag);
-    // A name of its own that the resources explain, "F3".
-    const bool isStandard =
-        font.family() != name || name == QLatin1String("Helvetica") || name == QLatin1String("Courier");
-    if (!base.isEmpty() && !isStandard) {
-        font = PageFont::ofDefaultAppearance(base, size);
-        if (font.family() == base)
-            font = PageFont::nearest({base, false, false, false, false}, size);
-    }
-    return m_fonts.emplace(name, font).first->second;
+    FormFont font;
+    font.resource = name;
+    font.baseFont = EngineValues::name(m_context, get(resource, "BaseFont"));
+    const QString subtype = EngineValues::name(m_context, get(resource, "Subtype"));
+    font.isSimple = subtype == QLatin1String("Type1") || subtype == QLatin1String("TrueType");
+    for (const char* file : {"FontDescriptor/FontFile", "FontDescriptor/FontFile2", "FontDescriptor/FontFile3"})
+        font.isEmbedded = font.isEmbedded || get(resource, file) != nullptr;
+    font.hasEncoding = get(resource, "Encoding") != nullptr;
+    font.flags = pdf_to_int(m_context, get(resource, "FontDescriptor/Flags"));
+    const QFont made = isField                   ? font.ofField(size)
+                       : font.baseFont.isEmpty() ? PageFont::ofDefaultAppearance(name, size)
+                                                 : font.nearest(size);
+    return m_fonts.emplace(std::pair(name, isField), made).first->second;
+}
+
+bool FormFieldReader::hasAppearance(pdf_obj* annotation) const {
+    if (!pdf_is_dict(m_context, get(annotation, "AP/N")))
+        return false;
+    if (!m_wantsAppearances)
+        m_wantsAppearances = pdf_to_bool(m_context, get(form(), "NeedAppearances")) != 0;
+    if (!*m_wantsAppearances || EngineValues::name(m_context, get(annotation, "Subtype")) != QLatin1String("Widget"))
+        return true;
+    const PDFWidgetFieldType type = typeNamed(EngineValues::name(m_context, inherited(annotation, "FT")));
+    return type != PDFWidgetFieldType::text && type != PDFWidgetFieldType::choice;
 }
 
 FormFieldReader::Choices FormFieldReader::choices(pdf_obj* options) {
@@ -246,7 +256,7 @@ void FormFieldReader::read(pdf_obj* widget, PDFAnnotationValues& values) {
         if (const int limit = pdf_to_int(m_context, length); limit > 0)
             field->maximumLength = limit;
     field->mark = EngineValues::text(m_context, get(widget, "MK/CA")).left(1);
-    field->turn = (((pdf_to_int(m_context, get(widget, "MK/R")) % 360) + 360 + 45) / 90 * 90) % 360;
+    values.field.turn = (((pdf_to_int(m_context, get(widget, "MK/R")) % 360) + 360 + 45) / 90 * 90) % 360;
 
     switch (values.field.type) {
     case PDFWidgetFieldType::text:

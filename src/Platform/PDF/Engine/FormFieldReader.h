@@ -31,8 +31,12 @@ public:
     /// The full name, parts joined with dots.
     [[nodiscard]] QString fullName(pdf_obj* field);
 
-    /// The font that a default appearance names, from the form's resources where the name alone says nothing.
-    [[nodiscard]] QFont font(const QString& name, double size);
+    /// The font that a default appearance names, as the form's resources describe it. That of a field is the one in
+    /// which its new text is saved.
+    [[nodiscard]] QFont font(const QString& name, double size, bool isField);
+
+    /// The file gives a normal appearance (AP, N) that counts: a form may ask for new ones of its text and choices.
+    [[nodiscard]] bool hasAppearance(pdf_obj* annotation) const;
 
     /// The Tabs key of a page (R, C, S, A or W); a null character without one.
     [[nodiscard]] static char tabOrder(SourceEngine& engine, int pageNumber);
@@ -52,7 +56,8 @@ private:
     fz_context* m_context;
     pdf_document* m_document;
     mutable std::optional<pdf_obj*> m_form;
-    std::map<QString, QFont> m_fonts; // by name in the form's resources
+    mutable std::optional<bool> m_wantsAppearances;
+    std::map<std::pair<QString, bool>, QFont> m_fonts; // by name in the form's resources, of fields and others
     // What widgets inherit is read once and shared, however many of them a file makes.
     std::map<pdf_obj*, QString> m_texts;
     std::map<pdf_obj*, Choices> m_choices;

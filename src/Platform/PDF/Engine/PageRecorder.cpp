@@ -2,7 +2,7 @@
 
 #include "AppearanceRunner.h"
 #include "CancellationWatch.h"
-#include "EngineValues.h"
+#include "FormFieldReader.h"
 #include "PageObjects.h"
 
 #include <algorithm>
@@ -84,14 +84,14 @@ void runAnnotations(const Recording& recording, const std::vector<int>& hidden, 
 }
 
 /// Links and windows of notes have no look of their own.
-bool hasBareAnnotation(fz_context* context, pdf_obj* page) {
+bool hasBareAnnotation(fz_context* context, pdf_obj* page, const FormFieldReader& fields) {
     pdf_obj* annots = pdf_dict_get(context, page, PDF_NAME(Annots));
     const int count = pdf_array_len(context, annots);
     for (int i = 0; i < count; ++i) {
         pdf_obj* dictionary = pdf_array_get(context, annots, i);
         pdf_obj* subtype = pdf_dict_get(context, dictionary, PDF_NAME(Subtype));
         if (pdf_is_name(context, subtype) && !pdf_name_eq(context, subtype, PDF_NAME(Link)) &&
-            !pdf_name_eq(context, subtype, PDF_NAME(Popup)) && !EngineValues::hasAppearance(context, dictionary))
+            !pdf_name_eq(context, subtype, PDF_NAME(Popup)) && !fields.hasAppearance(dictionary))
             return true;
     }
     return false;
@@ -121,7 +121,8 @@ std::shared_ptr<const RecordedPage> PageRecorder::record(SourceEngine& engine, c
             borrowed.abandon();
     }
     bool isBare = false;
-    engineTry(context, [&] { isBare = hasBareAnnotation(context, recording.page->obj); });
+    const FormFieldReader fields(context, borrowed.document());
+    engineTry(context, [&] { isBare = hasBareAnnotation(context, recording.page->obj, fields); });
     if (isBare)
         engine.noteBareAnnotations(key.pageNumber);
     if (cancelled && *cancelled)

@@ -26,4 +26,5 @@ struct PDFFieldData {
     QStringList chosen;
     std::shared_ptr<const FormFieldValues> inFile; ///< the rest of what the file says; null for a new field
     int flags = 0;                                 ///< the Ff key
+    int turn = 0;                                  ///< MK, R: 0, 90, 180 or 270 degrees anticlockwise against the page
 };

@@ -83,6 +83,27 @@ QFont fontOf(const QStringList& families, double size, QFont::Weight weight, boo
     return font;
 }
 
+const struct {
+    QLatin1String shortName;
+    QLatin1String name;
+    QLatin1String family;
+    bool bold;
+    bool italic;
+} standardFonts[] = {
+    {QLatin1String("Helv"), QLatin1String("Helvetica"), QLatin1String("Helvetica"), false, false},
+    {QLatin1String("HeBo"), QLatin1String("Helvetica-Bold"), QLatin1String("Helvetica"), true, false},
+    {QLatin1String("HeOb"), QLatin1String("Helvetica-Oblique"), QLatin1String("Helvetica"), false, true},
+    {QLatin1String("HeBO"), QLatin1String("Helvetica-BoldOblique"), QLatin1String("Helvetica"), true, true},
+    {QLatin1String("TiRo"), QLatin1String("Times-Roman"), QLatin1String("Times"), false, false},
+    {QLatin1String("TiBo"), QLatin1String("Times-Bold"), QLatin1String("Times"), true, false},
+    {QLatin1String("TiIt"), QLatin1String("Times-Italic"), QLatin1String("Times"), false, true},
+    {QLatin1String("TiBI"), QLatin1String("Times-BoldItalic"), QLatin1String("Times"), true, true},
+    {QLatin1String("Cour"), QLatin1String("Courier"), QLatin1String("Courier"), false, false},
+    {QLatin1String("CoBo"), QLatin1String("Courier-Bold"), QLatin1String("Courier"), true, false},
+    {QLatin1String("CoOb"), QLatin1String("Courier-Oblique"), QLatin1String("Courier"), false, true},
+    {QLatin1String("CoBO"), QLatin1String("Courier-BoldOblique"), QLatin1String("Courier"), true, true},
+};
+
 } // namespace
 
 QFont PageFont::nearest(const PageText::Font& font, double size) {
@@ -112,28 +133,32 @@ QFont PageFont::nearest(const PageText::Font& font, double size) {
 }
 
 QFont PageFont::ofDefaultAppearance(const QString& name, double size) {
-    static const struct {
-        QLatin1String shortName;
-        QLatin1String name;
-        QLatin1String family;
-        bool bold;
-        bool italic;
-    } standardFonts[] = {
-        {QLatin1String("Helv"), QLatin1String("Helvetica"), QLatin1String("Helvetica"), false, false},
-        {QLatin1String("HeBo"), QLatin1String("Helvetica-Bold"), QLatin1String("Helvetica"), true, false},
-        {QLatin1String("HeOb"), QLatin1String("Helvetica-Oblique"), QLatin1String("Helvetica"), false, true},
-        {QLatin1String("HeBO"), QLatin1String("Helvetica-BoldOblique"), QLatin1String("Helvetica"), true, true},
-        {QLatin1String("TiRo"), QLatin1String("Times-Roman"), QLatin1String("Times"), false, false},
-        {QLatin1String("TiBo"), QLatin1String("Times-Bold"), QLatin1String("Times"), true, false},
-        {QLatin1String("TiIt"), QLatin1String("Times-Italic"), QLatin1String("Times"), false, true},
-        {QLatin1String("TiBI"), QLatin1String("Times-BoldItalic"), QLatin1String("Times"), true, true},
-        {QLatin1String("Cour"), QLatin1String("Courier"), QLatin1String("Courier"), false, false},
-        {QLatin1String("CoBo"), QLatin1String("Courier-Bold"), QLatin1String("Courier"), true, false},
-        {QLatin1String("CoOb"), QLatin1String("Courier-Oblique"), QLatin1String("Courier"), false, true},
-        {QLatin1String("CoBO"), QLatin1String("Courier-BoldOblique"), QLatin1String("Courier"), true, true},
-    };
     for (const auto& font : standardFonts)
         if (name == font.shortName || name == font.name)
             return fontOf({font.family}, size, font.bold ? QFont::Bold : QFont::Normal, font.italic);
     return fontOf({name}, size, QFont::Normal, false);
+}
+
+QByteArray PageFont::standardName(const QFont& font) {
+    const QString family = font.family();
+    const auto named = [&family](const char* part) {
+        return family.contains(QLatin1String(part), Qt::CaseInsensitive);
+    };
+    // A font that was read from a file bears the name of the file's resource.
+    const bool bold = font.bold() || named("bold") || family == QLatin1String("HeBo") ||
+                      family == QLatin1String("TiBo") || family == QLatin1String("CoBo");
+    const bool italic = font.italic() || named("italic") || named("oblique");
+    if (font.fixedPitch() || named("cour") || named("mono") || named("consol"))
+        return QByteArray("Courier") + (bold && italic ? "-BoldOblique" : bold ? "-Bold" : italic ? "-Oblique" : "");
+    if (font.styleHint() == QFont::Serif || family.startsWith(QLatin1String("Ti")) || named("times") ||
+        (named("serif") && !named("sans")) || named("garamond") || named("georgia"))
+        return QByteArray("Times") + (bold && italic ? "-BoldItalic" : bold ? "-Bold" : italic ? "-Italic" : "-Roman");
+    return QByteArray("Helvetica") + (bold && italic ? "-BoldOblique" : bold ? "-Bold" : italic ? "-Oblique" : "");
+}
+
+QByteArray PageFont::shortName(const QByteArray& standardName) {
+    for (const auto& font : standardFonts)
+        if (standardName == font.name.data())
+            return font.shortName.data();
+    return "Helv";
 }

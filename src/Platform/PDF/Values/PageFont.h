@@ -2,6 +2,7 @@
 
 #include "PageText.h"
 
+#include <QByteArray>
 #include <QFont>
 
 /// The fonts that files name, as fonts of the desktop.
@@ -15,5 +16,11 @@ namespace PageFont {
 /// The font that a default appearance (the DA key) names: one of the fourteen standard fonts, by its name or by the
 /// short one that forms use for it ("HeBo"). Any other name is taken for a family's.
 [[nodiscard]] QFont ofDefaultAppearance(const QString& name, double size);
+
+/// The one of the twelve standard text fonts that comes nearest to a font: its PostScript name, "Times-Bold".
+[[nodiscard]] QByteArray standardName(const QFont& font);
+
+/// The short name that forms use for a standard text font, "TiBo".
+[[nodiscard]] QByteArray shortName(const QByteArray& standardName);
 
 } // namespace PageFont

@@ -77,8 +77,7 @@ bool FormFieldEditor::pressKey(QKeyEvent& key) {
 QRectF FormFieldEditor::frame() const {
     const PDFAnnotation& widget = *field().widget();
     const QRectF rect = viewer().convertFromPage(widget.bounds(), *widget.page());
-    const int turn = widget.values().field.inFile ? widget.values().field.inFile->turn : 0;
-    if ((widget.page()->rotation() - turn) % 180 == 0)
+    if ((widget.page()->rotation() - widget.values().field.turn) % 180 == 0)
         return rect;
     QRectF upright(QPointF(), rect.size().transposed());
     upright.moveCenter(rect.center());

@@ -3,6 +3,7 @@
 #include "DefaultStyle.h"
 #include "PDFAnnotationSubtype.h"
 #include "PDFPage.h"
+#include "PageFont.h"
 #include "PathFlattening.h"
 #include "PdfValues.h"
 
@@ -113,6 +114,8 @@ private:
             }
             put("/BG", background);
         }
+        if (m_before ? changed(&Values::field, &PDFFieldData::turn) : m_now.field.turn != 0)
+            look.replaceKey("/R", QPDFObjectHandle::newInteger(m_now.field.turn));
         if (m_dictionary.hasKey("/MK") || !look.getKeys().empty())
             set("/MK", look);
     }
@@ -148,9 +151,9 @@ private:
         const double points = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
         const double size = points / m_now.frame.value_or(PDFAnnotationFrame()).userUnit; // the file means units
         font.setPointSizeF(size);
-        set("/DA", QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
-                                                   AnnotationDictionary::standardFontName(font), size, color)
-                                                   .toStdString()));
+        set("/DA",
+            QPDFObjectHandle::newString(
+                AnnotationDictionary::defaultAppearance(PageFont::standardName(font), size, color).toStdString()));
         // The only place for a font that isn't one of the standard ones.
         set("/DS", PdfValues::text(DefaultStyle::of(font, color)));
         set("/RC", QPDFObjectHandle::newNull()); // has styles that would now be wrong
@@ -241,7 +244,8 @@ bool AnnotationDictionary::looksDifferent(const Values& now, const Values& befor
         differs(&Values::text, &PDFTextStyle::font) || differs(&Values::text, &PDFTextStyle::color) ||
         differs(&Values::line, &PDFLineData::startPoint) || differs(&Values::line, &PDFLineData::endPoint) ||
         differs(&Values::line, &PDFLineData::startStyle) || differs(&Values::line, &PDFLineData::endStyle) ||
-        differs(&Values::paths) || differs(&Values::quads) || differs(&Values::field, &PDFFieldData::string))
+        differs(&Values::paths) || differs(&Values::quads) || differs(&Values::field, &PDFFieldData::string) ||
+        differs(&Values::field, &PDFFieldData::turn))
         return true;
     if (now.type == Subtype::freeText && differs(&Values::contents))
         return true;
@@ -270,21 +274,4 @@ QByteArray AnnotationDictionary::defaultAppearance(const QByteArray& fontName, d
     const QColor rgb = color.toRgb();
     return '/' + fontName + ' ' + PdfValues::real(size) + " Tf " + PdfValues::real(rgb.redF()) + ' ' +
            PdfValues::real(rgb.greenF()) + ' ' + PdfValues::real(rgb.blueF()) + " rg";
-}
-
-QByteArray AnnotationDictionary::standardFontName(const QFont& font) {
-    const QString family = font.family();
-    const auto named = [&family](const char* part) {
-        return family.contains(QLatin1String(part), Qt::CaseInsensitive);
-    };
-    // A font that was read from a file bears the name of the file's resource.
-    const bool bold = font.bold() || named("bold") || family == QLatin1String("HeBo") ||
-                      family == QLatin1String("TiBo") || family == QLatin1String("CoBo");
-    const bool italic = font.italic() || named("italic") || named("oblique");
-    if (font.fixedPitch() || named("cour") || named("mono") || named("consol"))
-        return QByteArray("Courier") + (bold && italic ? "-BoldOblique" : bold ? "-Bold" : italic ? "-Oblique" : "");
-    if (font.styleHint() == QFont::Serif || family.startsWith(QLatin1String("Ti")) || named("times") ||
-        (named("serif") && !named("sans")) || named("garamond") || named("georgia"))
-        return QByteArray("Times") + (bold && italic ? "-BoldItalic" : bold ? "-Bold" : italic ? "-Italic" : "-Roman");
-    return QByteArray("Helvetica") + (bold && italic ? "-BoldOblique" : bold ? "-Bold" : italic ? "-Oblique" : "");
 }

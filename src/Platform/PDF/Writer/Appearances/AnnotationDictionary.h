@@ -28,7 +28,4 @@ void update(QPDFObjectHandle dictionary, const PDFAnnotationValues& now, const P
 /// Font and colour of a field or of free text as operators. `fontName` is a resource's name without the slash.
 [[nodiscard]] QByteArray defaultAppearance(const QByteArray& fontName, double size, const QColor& color);
 
-/// The name of the one of the fourteen standard fonts that comes nearest.
-[[nodiscard]] QByteArray standardFontName(const QFont& font);
-
 } // namespace AnnotationDictionary

@@ -4,14 +4,17 @@
 
 #include <qpdf/QPDFObjectHandle.hh>
 
+#include <QHash>
+
 #include <optional>
 #include <vector>
 
 /// A font of a form's default resources, as far as it serves to show new text.
 class FieldFont {
 public:
-    /// Helvetica when `font` is null or can't be written with: a composite font, a part of a font, an odd encoding.
-    explicit FieldFont(QPDFObjectHandle font);
+    /// `font` is the dictionary at `name` (without a slash) in the resources, or null. The standard font nearest to it
+    /// takes its place when it can't be written with (`FormFont::isWritable`).
+    FieldFont(QPDFObjectHandle font, const QByteArray& name);
 
     /// The font's dictionary, for the resources of an appearance.
     [[nodiscard]] QPDFObjectHandle dictionary() const { return m_dictionary; }
@@ -25,10 +28,11 @@ public:
     [[nodiscard]] std::optional<QByteArray> operators(const FieldText::Layout& layout, const QByteArray& fontName,
                                                       const QByteArray& colorOperators) const;
 
-    [[nodiscard]] static QPDFObjectHandle helvetica();
+    /// A standard text font ("Times-Bold") in the encoding of Windows.
+    [[nodiscard]] static QPDFObjectHandle standard(const QByteArray& name);
 
 private:
     QPDFObjectHandle m_dictionary;
     std::vector<double> m_widths; // by code, in thousandths of the font size
-    bool m_latin1 = true;         // false: ASCII alone is known to be where it belongs
+    QHash<char32_t, char> m_codes;
 };

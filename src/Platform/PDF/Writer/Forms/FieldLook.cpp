@@ -143,7 +143,7 @@ FieldText FieldLook::text(const FieldFrame& frame, const FieldFont& font) const 
 QPDFObjectHandle FieldLook::make(ObjectStore& objects, const std::optional<QColor>& background) const {
     QPDFObjectHandle ownForm = m_form;
     QPDFObjectHandle fonts = PdfValues::entry(ownForm.getKey("/DR"), "/Font");
-    const FieldFont font(PdfValues::entry(fonts, m_fontName.toStdString()));
+    const FieldFont font(PdfValues::entry(fonts, m_fontName.toStdString()), m_fontName.mid(1));
     FieldFrame box = frame();
     if (background)
         box.background = background;

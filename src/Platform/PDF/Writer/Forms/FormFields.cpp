@@ -5,6 +5,7 @@
 #include "FieldLook.h"
 #include "FormFieldValues.h"
 #include "FormTree.h"
+#include "PageFont.h"
 #include "PdfValues.h"
 
 #include <algorithm>
@@ -94,7 +95,7 @@ void FormFields::add(QPDFObjectHandle widget, const PDFAnnotationValues& values)
         widget.replaceKey("/Ff", QPDFObjectHandle::newInteger(flags));
 
     QPDFObjectHandle fonts = QPDFObjectHandle::newDictionary();
-    fonts.replaceKey("/Helv", FieldFont::helvetica());
+    fonts.replaceKey("/Helv", FieldFont::standard("Helvetica"));
     fonts.replaceKey("/ZaDb", QPDFObjectHandle::parse("<< /Type /Font /Subtype /Type1 /BaseFont /ZapfDingbats >>"));
     addFonts(fonts);
     if (!form(true).hasKey("/DA"))
@@ -103,9 +104,10 @@ void FormFields::add(QPDFObjectHandle widget, const PDFAnnotationValues& values)
     const QFont font = values.text.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
     const double size = isButton ? 0 : font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
     const QColor color = values.text.color.value_or(QColor(Qt::black));
-    widget.replaceKey(
-        "/DA", QPDFObjectHandle::newString(
-                   AnnotationDictionary::defaultAppearance(isButton ? "ZaDb" : "Helv", size, color).toStdString()));
+    widget.replaceKey("/DA",
+                      QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
+                                                      isButton ? QByteArray("ZaDb") : standardFont(font), size, color)
+                                                      .toStdString()));
     if (isButton && values.field.control != PDFWidgetControlType::pushButton) {
         QPDFObjectHandle look = widget.getKey("/MK");
         look = look.isDictionary() ? look : QPDFObjectHandle::newDictionary();
@@ -151,12 +153,21 @@ void FormFields::dropOtherForm() {
         m_objects.remove(m_objects.root(), "/NeedsRendering");
 }
 
+QByteArray FormFields::standardFont(const QFont& font) {
+    const QByteArray standard = PageFont::standardName(font);
+    const QByteArray name = PageFont::shortName(standard);
+    QPDFObjectHandle fonts = QPDFObjectHandle::newDictionary();
+    fonts.replaceKey('/' + name.toStdString(), FieldFont::standard(standard));
+    addFonts(fonts);
+    return name;
+}
+
 void FormFields::setFont(QPDFObjectHandle widget, const PDFAnnotationValues& now, const PDFAnnotationValues& before) {
     const QFont font = now.text.font.value_or(QFont(QStringLiteral("Helvetica"), 12));
     const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
-    QByteArray name = "Helv";
-    if (before.text.font && before.text.font->family() == font.family())
-        name = FieldLook(widget, form(true)).fontName().mid(1);
+    const bool isSame = before.text.font && before.text.font->family() == font.family() &&
+                        before.text.font->bold() == font.bold() && before.text.font->italic() == font.italic();
+    const QByteArray name = isSame ? FieldLook(widget, form(true)).fontName().mid(1) : standardFont(font);
     widget.replaceKey("/DA", QPDFObjectHandle::newString(AnnotationDictionary::defaultAppearance(
                                                              name, size, now.text.color.value_or(QColor(Qt::black)))
                                                              .toStdString()));

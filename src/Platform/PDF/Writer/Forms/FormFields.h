@@ -45,6 +45,8 @@ public:
 
 private:
     QString freeName(const QString& wished);
+    /// The name, in the form's resources, of the standard font that is nearest; added to them.
+    QByteArray standardFont(const QFont& font);
     void setButtonState(QPDFObjectHandle widget, const PDFAnnotationValues& now);
     void setFont(QPDFObjectHandle widget, const PDFAnnotationValues& now, const PDFAnnotationValues& before);
     Look setText(QPDFObjectHandle widget, const PDFAnnotationValues& now);
