@@ -32,7 +32,7 @@ bool PDFSource::needsPassword() const {
 }
 
 bool PDFSource::authenticate(const QString& password) {
-    return m_engine->authenticate(password.toUtf8());
+    return m_engine->authenticate(password);
 }
 
 bool PDFSource::authenticateLike(const PDFSource& other) {
@@ -40,10 +40,7 @@ bool PDFSource::authenticateLike(const PDFSource& other) {
 }
 
 QByteArray PDFSource::password() const {
-    // AES-256 takes UTF-8; the older handlers take one byte for a character (ISO 32000-2, 7.6.4.3).
-    constexpr int firstRevisionWithUtf8 = 5;
-    const QByteArray utf8 = m_engine->password();
-    return m_engine->securityRevision() >= firstRevisionWithUtf8 ? utf8 : QString::fromUtf8(utf8).toLatin1();
+    return m_engine->passwordBytes();
 }
 
 bool PDFSource::wasRepaired() const {

@@ -46,7 +46,8 @@ TEST_P(AppendTest, KeepsTheBytesAndAddsWhatChanged) {
     EXPECT_EQ(hasTable, !before.mid(before.lastIndexOf("startxref") - 600).contains("/XRef"))
         << "the style of the last section";
     EXPECT_EQ(PdfPrograms::complaints(after), "");
-    EXPECT_EQ(document->dataRepresentation(), after) << "saving twice gives the same file";
+    const auto isSameTwice = [&] { return document->dataRepresentation() == document->dataRepresentation(); };
+    EXPECT_TRUE(isSameTwice() || isSameTwice()) << "the second in which it is saved is all that counts";
 
     const auto reopened = PDFDocument::fromData(after);
     EXPECT_FALSE(reopened->wasRepaired());
@@ -147,7 +148,9 @@ TEST(WriterAppendTest, KeepsWhatTheProgramDoesNotKnow) {
                              "/3D", "(Unknown Ltd)", "(one, two words)", "(changed)"})
         EXPECT_TRUE(all.contains(kept)) << kept;
     const auto reopened = PDFDocument::fromData(after);
-    EXPECT_EQ(reopened->documentAttributes(), attributes);
+    QVariantMap saved = reopened->documentAttributes();
+    EXPECT_LE(saved.take(QStringLiteral("ModDate")).toDateTime().secsTo(QDateTime::currentDateTime()), 600);
+    EXPECT_EQ(saved, attributes);
     EXPECT_EQ(reopened->page(2)->annotations()[0]->border()->lineWidth, 3);
 }
 
@@ -198,13 +201,18 @@ TEST(WriterAppendTest, AttributesGoFromTheMetadataStreamToo) {
     addManyPages(fixture);
     fixture.setInfo("/Author", QStringLiteral("Jane Doe"));
     fixture.setInfo("/Subject", QStringLiteral("Apples"));
-    fixture.setMetadata("<?xpacket begin=\"\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n<x:xmpmeta xmlns:x=\"adobe:ns:meta/\">"
-                        "<rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
-                        "rdf:about=\"\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\" xmlns:my=\"urn:my\" "
-                        "my:own=\"kept\"><dc:creator><rdf:Seq><rdf:li>Jane Doe</rdf:li></rdf:Seq></dc:creator>"
-                        "</rdf:Description></rdf:RDF></x:xmpmeta>\n<?xpacket end=\"w\"?>");
+    fixture.setMetadata(
+        "<?xpacket begin=\"\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n<x:xmpmeta xmlns:x=\"adobe:ns:meta/\">"
+        "<rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
+        "rdf:about=\"\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\" xmlns:my=\"urn:my\" "
+        "xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\" xmp:ModifyDate=\"2001-01-01\" my:own=\"kept\">"
+        "<dc:title><rdf:Alt><rdf:li xml:lang=\"fr\">Pommes</rdf:li><rdf:li xml:lang=\"x-default\">"
+        "Apple pie</rdf:li></rdf:Alt></dc:title><dc:creator><rdf:Seq><rdf:li>Jane Doe</rdf:li></rdf:Seq></dc:creator>"
+        "</rdf:Description></rdf:RDF></x:xmpmeta>\n<?xpacket end=\"w\"?>");
     const auto document = PDFDocument::fromData(fixture.bytes());
     QVariantMap attributes = document->documentAttributes();
+    EXPECT_EQ(attributes.value(QStringLiteral("Title")), QStringLiteral("Apple pie"))
+        << "which the metadata says alone";
     attributes.remove(QStringLiteral("Author"));
     attributes.insert(QStringLiteral("Title"), QStringLiteral("Fruit & <more>"));
     document->setDocumentAttributes(attributes);
@@ -219,4 +227,16 @@ TEST(WriterAppendTest, AttributesGoFromTheMetadataStreamToo) {
     EXPECT_FALSE(packet.contains("Jane"));
     EXPECT_TRUE(packet.contains("my:own=\"kept\""));
     EXPECT_TRUE(packet.contains("Fruit &amp; &lt;more&gt;")) << packet.toStdString();
+    const QString date = PDFDocument::fromData(after)
+                             ->documentAttributes()
+                             .value(QStringLiteral("ModDate"))
+                             .toDateTime()
+                             .toUTC()
+                             .toString(QStringLiteral("yyyy-MM-ddThh:mm"));
+    EXPECT_TRUE(packet.contains("<xmp:ModifyDate>" + date.toLatin1())) << packet.toStdString();
+    EXPECT_FALSE(packet.contains("2001"));
+
+    document->setDocumentAttributes({});
+    EXPECT_FALSE(
+        PDFDocument::fromData(document->dataRepresentation())->documentAttributes().contains(QStringLiteral("Title")));
 }

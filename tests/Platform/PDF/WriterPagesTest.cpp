@@ -217,6 +217,35 @@ INSTANTIATE_TEST_SUITE_P(Ciphers, ProtectionTest,
                          testing::Values(PdfFixture::Encryption::rc4, PdfFixture::Encryption::aes128,
                                          PdfFixture::Encryption::aes256));
 
+TEST(WriterPagesTest, WhatAPasswordOpensCanBeSaved) {
+    using Encryption = PdfFixture::Encryption;
+    struct Case {
+        const char* what;
+        Encryption encryption;
+        QByteArray bytes; // as the program that protected the file took it
+        const char* typed;
+    };
+    for (const Case& each : {Case{"PDFDocEncoding", Encryption::rc4, "\xA0uro \x84", "€uro —"},
+                             Case{"PDFDocEncoding, composed", Encryption::aes128, "\xE9t\xE9", "e\u0301t\u00E9"},
+                             Case{"UTF-8 where it isn't meant", Encryption::aes128, "usér", "usér"},
+                             Case{"prepared", Encryption::aes256, "IX fi", "\u2168\u00A0\u00AD\uFB01"},
+                             Case{"as it was typed", Encryption::aes256, "\u2168\u00A0", "\u2168\u00A0"},
+                             Case{"no allowed one", Encryption::aes256, "\u200Ea", "\u200Ea"},
+                             Case{"right to left", Encryption::aes256, "\u0627\u0628", "\u0627\u0628"}}) {
+        SCOPED_TRACE(each.what);
+        PdfFixture pdf;
+        addNumberedPages(pdf, 2);
+        const auto document = PDFDocument::fromData(pdf.encrypted(each.bytes, "owner", each.encryption));
+        EXPECT_FALSE(document->unlock(QStringLiteral("IX")));
+        ASSERT_TRUE(document->unlock(QString::fromUtf8(each.typed)));
+        document->removePage(1);
+        const auto saved = PDFDocument::fromData(document->dataRepresentation());
+        EXPECT_FALSE(saved->unlock({}));
+        ASSERT_TRUE(saved->unlockLike(*document));
+        EXPECT_EQ(saved->pageCount(), 1);
+    }
+}
+
 TEST(WriterPagesTest, ProtectedCopyOpensWithItsPasswordOnly) {
     PdfFixture pdf;
     addNumberedPages(pdf, 2);

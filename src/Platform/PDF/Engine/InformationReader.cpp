@@ -2,6 +2,7 @@
 
 #include "EngineValues.h"
 #include "SourceEngine.h"
+#include "XmpPacket.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -9,6 +10,7 @@
 namespace {
 
 constexpr int entryLimit = 1000;
+constexpr qsizetype packetLimit = qsizetype(1) << 20;
 
 QVariant attribute(const QString& key, const QString& text) {
     if (key == QLatin1String("CreationDate") || key == QLatin1String("ModDate")) {
@@ -20,6 +22,26 @@ QVariant attribute(const QString& key, const QString& text) {
         return text.trimmed().split(separator, Qt::SkipEmptyParts);
     }
     return text;
+}
+
+QByteArray metadata(const SourceEngine::Lease& lease) {
+    QByteArray packet;
+    fz_context* context = lease.context();
+    fz_stream* stream = nullptr;
+    engineTry(context, [&] {
+        stream =
+            pdf_open_stream(context, pdf_dict_getp(context, pdf_trailer(context, lease.document()), "Root/Metadata"));
+    });
+    if (!stream)
+        return packet;
+    packet.resize(packetLimit);
+    std::size_t length = 0;
+    engineTry(context, [&] {
+        length = fz_read(context, stream, reinterpret_cast<unsigned char*>(packet.data()), std::size_t(packetLimit));
+    });
+    fz_drop_stream(context, stream);
+    packet.truncate(qsizetype(length));
+    return packet;
 }
 
 } // namespace
@@ -49,5 +71,10 @@ QVariantMap InformationReader::read(SourceEngine& engine) {
         if (!name.isEmpty() && !text.isEmpty())
             attributes.insert(name, attribute(name, text));
     }
+    // What only the metadata stream says.
+    const QVariantMap others = XmpPacket::attributes(metadata(borrowed));
+    for (auto other = others.begin(); other != others.end(); ++other)
+        if (!attributes.contains(other.key()))
+            attributes.insert(other.key(), other.value());
     return attributes;
 }

@@ -4,6 +4,7 @@
 #include "FormFieldIndex.h"
 #include "PDFError.h"
 #include "PageObjects.h"
+#include "PasswordForms.h"
 
 #include <algorithm>
 
@@ -98,7 +99,7 @@ SourceEngine::Lease SourceEngine::lease() {
         }
     }
     auto opened = std::make_unique<OpenedDocument>();
-    if (!opened->open(m_bytes, m_password, nullptr))
+    if (!opened->open(m_bytes, m_enginePassword, nullptr))
         opened.reset();
     return {*this, std::move(opened)};
 }
@@ -127,20 +128,25 @@ void SourceEngine::releaseCaches() {
         opened->instance()->emptyStore();
 }
 
-bool SourceEngine::authenticate(const QByteArray& password) {
+bool SourceEngine::authenticate(const QString& password) {
     const Lease borrowed = lease();
     if (!borrowed)
         return false;
-    int accepted = 0;
-    engineTry(borrowed.context(), [&] {
-        accepted = pdf_authenticate_password(borrowed.context(), borrowed.document(), password.constData());
-    });
-    if (!accepted)
-        return false;
-    readSummary(borrowed.opened()); // a file without pages stays locked
-    m_password = password;
-    m_needsPassword = false;
-    return true;
+    for (const PasswordForm& form : PasswordForm::all(password, m_securityRevision)) {
+        int accepted = 0;
+        engineTry(borrowed.context(), [&] {
+            accepted = pdf_authenticate_password(borrowed.context(), borrowed.document(), form.engine.constData());
+        });
+        if (!accepted)
+            continue;
+        readSummary(borrowed.opened()); // a file without pages stays locked
+        m_password = password;
+        m_passwordBytes = form.bytes;
+        m_enginePassword = form.engine;
+        m_needsPassword = false;
+        return true;
+    }
+    return false;
 }
 
 std::shared_ptr<const SourceEngine::PageTable> SourceEngine::table() const {

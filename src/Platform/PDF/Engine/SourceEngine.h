@@ -107,12 +107,12 @@ public:
     void releaseCaches();
 
     [[nodiscard]] bool needsPassword() const { return m_needsPassword; }
-    /// `password` in UTF-8. Main thread, before any page is read.
-    bool authenticate(const QByteArray& password);
-    /// In UTF-8.
-    [[nodiscard]] QByteArray password() const { return m_password; }
-    /// The R entry of the file's security handler; 0 for a file without one.
-    [[nodiscard]] int securityRevision() const { return m_securityRevision; }
+    /// Main thread, before any page is read.
+    bool authenticate(const QString& password);
+    /// The one that opened the file, as it was typed.
+    [[nodiscard]] QString password() const { return m_password; }
+    /// The same as the file's security handler took it.
+    [[nodiscard]] QByteArray passwordBytes() const { return m_passwordBytes; }
     [[nodiscard]] bool isEncrypted() const { return m_encrypted; }
     [[nodiscard]] bool wasRepaired() const { return m_repaired; }
     [[nodiscard]] int pageCount() const { return m_pageCount; }
@@ -169,7 +169,9 @@ private:
     bool countLookup();
 
     const QByteArray m_bytes;
-    QByteArray m_password;
+    QString m_password;
+    QByteArray m_passwordBytes;
+    QByteArray m_enginePassword; // what the engine is given
     bool m_needsPassword = false;
     bool m_encrypted = false;
     int m_securityRevision = 0;

@@ -89,8 +89,7 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     }
     if (contents.outlineChanged)
         OutlineWriter::write(contents.outline.get(), objects, lookup);
-    if (contents.attributesChanged)
-        InformationWriter::write(contents.attributes, objects);
+    InformationWriter::write(contents, objects);
     recorder.finish();
 
     return Update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes};

@@ -2,6 +2,7 @@
 
 #include "PDFPageContent.h"
 
+#include <QDateTime>
 #include <QVariantMap>
 
 #include <memory>
@@ -26,6 +27,7 @@ struct DocumentContents {
     std::shared_ptr<PDFOutline> outline; ///< of a changed outline; null when it was removed
     bool attributesChanged = false;
     QVariantMap attributes; ///< when they changed
+    QDateTime taken;        ///< when the document was as it is here
 
     /// True when the pages are those of the source, all of them.
     [[nodiscard]] bool hasAllSourcePages() const;

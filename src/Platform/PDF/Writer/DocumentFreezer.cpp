@@ -14,6 +14,7 @@
 
 DocumentContents DocumentFreezer::freeze() {
     m_contents.source = m_document.m_source;
+    m_contents.taken = QDateTime::currentDateTime();
     freezePages();
     if (m_document.m_outlineChanged)
         freezeOutline();

@@ -1,5 +1,6 @@
 #include "InformationWriter.h"
 
+#include "DocumentContents.h"
 #include "Logging.h"
 #include "PdfValues.h"
 #include "XmpPacket.h"
@@ -10,6 +11,8 @@
 #include <QStringList>
 
 namespace {
+
+const QString modificationDate = QStringLiteral("ModDate");
 
 std::string keyName(const QString& key) {
     return "/" + key.toStdString();
@@ -49,9 +52,10 @@ QPDFObjectHandle object(const QVariant& value) {
     return PdfValues::text(value.toString());
 }
 
-void updateMetadata(const QStringList& changedKeys, const QVariantMap& attributes, ObjectStore& objects) {
+/// Of the keys, those are brought to their values, or removed, of which the packet says something else.
+void updateMetadata(QStringList keys, const QVariantMap& attributes, ObjectStore& objects) {
     QPDFObjectHandle metadata = objects.root().getKey("/Metadata");
-    if (changedKeys.isEmpty() || !metadata.isStream())
+    if (!metadata.isStream())
         return;
     QByteArray packet;
     try {
@@ -62,7 +66,10 @@ void updateMetadata(const QStringList& changedKeys, const QVariantMap& attribute
         qCWarning(Logging::pdf) << "unpacking the metadata failed:" << Logging::causes(error);
         return;
     }
-    const std::optional<QByteArray> changed = XmpPacket::withAttributes(packet, changedKeys, attributes);
+    const QVariantMap said = XmpPacket::attributes(packet);
+    keys.removeIf(
+        [&](const QString& key) { return said.value(key) == attributes.value(key) && key != modificationDate; });
+    const std::optional<QByteArray> changed = XmpPacket::withAttributes(packet, keys, attributes);
     if (!changed)
         return;
     QPDFObjectHandle dictionary = metadata.getDict().shallowCopy();
@@ -74,16 +81,8 @@ void updateMetadata(const QStringList& changedKeys, const QVariantMap& attribute
     objects.set(objects.root(), "/Metadata", stream);
 }
 
-} // namespace
-
-void InformationWriter::write(const QVariantMap& attributes, ObjectStore& objects) {
-    QPDFObjectHandle trailer = objects.pdf().getTrailer();
-    QPDFObjectHandle information = trailer.getKey("/Info");
-    if (!information.isDictionary() || !information.isIndirect()) {
-        information =
-            objects.add(information.isDictionary() ? information.shallowCopy() : QPDFObjectHandle::newDictionary());
-        trailer.replaceKey("/Info", information);
-    }
+/// Returns the keys of what changed.
+QStringList writeAttributes(const QVariantMap& attributes, QPDFObjectHandle information, ObjectStore& objects) {
     QStringList changed;
     for (const std::string& key : information.getKeys()) {
         const QString name = QString::fromStdString(key.substr(1));
@@ -99,5 +98,27 @@ void InformationWriter::write(const QVariantMap& attributes, ObjectStore& object
         objects.set(information, key, object(attribute.value()));
         changed.append(attribute.key());
     }
-    updateMetadata(changed, attributes, objects);
+    for (const QString& key : XmpPacket::keys())
+        if (!attributes.contains(key))
+            changed.append(key); // the metadata may have it alone
+    return changed;
+}
+
+} // namespace
+
+void InformationWriter::write(const DocumentContents& contents, ObjectStore& objects) {
+    QPDFObjectHandle trailer = objects.pdf().getTrailer();
+    QPDFObjectHandle information = trailer.getKey("/Info");
+    if (!information.isDictionary() || !information.isIndirect()) {
+        information =
+            objects.add(information.isDictionary() ? information.shallowCopy() : QPDFObjectHandle::newDictionary());
+        trailer.replaceKey("/Info", information);
+    }
+    QStringList changed;
+    if (contents.attributesChanged)
+        changed = writeAttributes(contents.attributes, information, objects);
+    QVariantMap attributes = contents.attributes;
+    attributes.insert(modificationDate, contents.taken);
+    objects.set(information, keyName(modificationDate), PdfValues::date(contents.taken));
+    updateMetadata(changed + QStringList{modificationDate}, attributes, objects);
 }

@@ -15,6 +15,7 @@
 #include "PageTree.h"
 #include "Pruner.h"
 #include "RemovedPages.h"
+#include "SaslPrep.h"
 #include "SourceFiles.h"
 
 #include <qpdf/Pipeline.hh>
@@ -53,7 +54,7 @@ private:
 /// In the form that AES-256 files take (ISO 32000-2, 7.6.4.3.3).
 std::string passwordBytes(const QString& password) {
     constexpr qsizetype longest = 127;
-    return password.normalized(QString::NormalizationForm_KC).toUtf8().left(longest).toStdString();
+    return saslPrepared(password).value_or(password).toUtf8().left(longest).toStdString();
 }
 
 /// One run, from the objects of the source to the bytes.
@@ -108,8 +109,7 @@ void Rewriting::compose(QIODevice& device) {
     writePages(annotations);
     if (m_contents.outlineChanged)
         OutlineWriter::write(m_contents.outline.get(), *m_objects, lookup);
-    if (m_contents.attributesChanged)
-        InformationWriter::write(m_contents.attributes, *m_objects);
+    InformationWriter::write(m_contents, *m_objects);
     recorder.finish();
     for (SourceFiles::Foreign* file : m_files->opened())
         LayerImporter::bringOver(file->file.pdf(), file->copier, *m_objects);

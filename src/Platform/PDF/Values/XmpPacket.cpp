@@ -1,7 +1,11 @@
 #include "XmpPacket.h"
 
+#include <QDateTime>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -20,6 +24,8 @@ const Property properties[] = {
     {QLatin1String("Subject"), QLatin1String("dc:description"), QLatin1String("rdf:Alt")},
     {QLatin1String("Keywords"), QLatin1String("dc:subject"), QLatin1String("rdf:Bag")},
     {QLatin1String("Keywords"), QLatin1String("pdf:Keywords"), QLatin1String()},
+    {QLatin1String("ModDate"), QLatin1String("xmp:ModifyDate"), QLatin1String()},
+    {QLatin1String("ModDate"), QLatin1String("xmp:MetadataDate"), QLatin1String()},
 };
 
 bool isChanged(QStringView name, const QStringList& keys) {
@@ -29,8 +35,11 @@ bool isChanged(QStringView name, const QStringList& keys) {
 }
 
 void writeProperty(QXmlStreamWriter& writer, const Property& property, const QVariant& value) {
-    const QStringList texts =
-        value.typeId() == QMetaType::QStringList ? value.toStringList() : QStringList{value.toString()};
+    const QDateTime date = value.toDateTime();
+    const QStringList texts = value.typeId() == QMetaType::QStringList ? value.toStringList()
+                              : value.typeId() == QMetaType::QDateTime
+                                  ? QStringList{date.toOffsetFromUtc(date.offsetFromUtc()).toString(Qt::ISODate)}
+                                  : QStringList{value.toString()};
     writer.writeStartElement(property.name);
     if (property.container.isEmpty()) {
         writer.writeCharacters(texts.join(QStringLiteral(", ")));
@@ -53,13 +62,76 @@ void writeDescription(QXmlStreamWriter& writer, const QStringList& keys, const Q
     writer.writeAttribute(QStringLiteral("rdf:about"), QString());
     writer.writeAttribute(QStringLiteral("xmlns:dc"), QStringLiteral("http://purl.org/dc/elements/1.1/"));
     writer.writeAttribute(QStringLiteral("xmlns:pdf"), QStringLiteral("http://ns.adobe.com/pdf/1.3/"));
+    writer.writeAttribute(QStringLiteral("xmlns:xmp"), QStringLiteral("http://ns.adobe.com/xap/1.0/"));
     for (const Property& property : properties)
         if (keys.contains(property.attribute) && attributes.contains(property.attribute))
             writeProperty(writer, property, attributes.value(property.attribute));
     writer.writeEndElement();
 }
 
+/// The texts of the element that the reader has entered: those of its list, the usual language first, or its own.
+QStringList textsOf(QXmlStreamReader& reader) {
+    QStringList texts;
+    QString plain;
+    for (int depth = 1; depth > 0 && !reader.atEnd();) {
+        reader.readNext();
+        if (reader.isStartElement() && reader.qualifiedName() == QLatin1String("rdf:li")) {
+            const bool isUsual = reader.attributes().value(QLatin1String("xml:lang")) == QLatin1String("x-default");
+            const QString text = reader.readElementText(QXmlStreamReader::SkipChildElements).trimmed();
+            if (!text.isEmpty())
+                texts.insert(isUsual ? 0 : texts.size(), text);
+        } else if (reader.isStartElement()) {
+            ++depth;
+        } else if (reader.isEndElement()) {
+            --depth;
+        } else if (reader.isCharacters() && depth == 1) {
+            plain += reader.text();
+        }
+    }
+    return texts.isEmpty() && !plain.trimmed().isEmpty() ? QStringList{plain.trimmed()} : texts;
+}
+
+void addAttribute(QVariantMap& attributes, const Property& property, const QStringList& texts) {
+    if (texts.isEmpty() || attributes.contains(property.attribute))
+        return;
+    if (property.attribute == QLatin1String("Keywords"))
+        attributes.insert(property.attribute, texts);
+    else
+        attributes.insert(property.attribute, property.container == QLatin1String("rdf:Alt")
+                                                  ? texts.first()
+                                                  : texts.join(QStringLiteral(", ")));
+}
+
 } // namespace
+
+QVariantMap XmpPacket::attributes(const QByteArray& packet) {
+    QVariantMap attributes;
+    if (packet.size() > largestPacket)
+        return attributes;
+    QXmlStreamReader reader(packet);
+    reader.setNamespaceProcessing(false); // names keep their prefixes
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::DTD)
+            return {};
+        if (!reader.isStartElement())
+            continue;
+        const auto* const property =
+            std::find_if(std::begin(properties), std::end(properties), [&reader](const Property& each) {
+                return reader.qualifiedName() == each.name && !each.container.isEmpty();
+            });
+        if (property != std::end(properties))
+            addAttribute(attributes, *property, textsOf(reader));
+    }
+    return reader.hasError() ? QVariantMap() : attributes;
+}
+
+QStringList XmpPacket::keys() {
+    QStringList keys;
+    for (const Property& property : properties)
+        if (!property.container.isEmpty())
+            keys.append(property.attribute);
+    return keys;
+}
 
 std::optional<QByteArray> XmpPacket::withAttributes(const QByteArray& packet, const QStringList& keys,
                                                     const QVariantMap& attributes) {
