@@ -220,11 +220,11 @@ std::optional<PDFDestination> PDFAnnotation::destination() const {
     if (m_values.link.destination || !m_values.link.leadsInside)
         return m_values.link.destination;
     const auto holder = page();
-    // A place of the file means a page of the same file: a page brought in from elsewhere has lost it.
-    if (!holder || !holder->document() || !m_origin || holder->document()->source() != m_origin->content.source)
+    if (!holder || !holder->document() || !m_origin)
         return std::nullopt;
+    const PDFPageContent& content = m_origin->content;
     return holder->document()->destination(
-        AnnotationReader::target(m_origin->content.source->engine(), m_origin->content.pageNumber, m_origin->index));
+        AnnotationReader::target(content.source->engine(), content.pageNumber, m_origin->index), content.source);
 }
 
 void PDFAnnotation::setDestination(const std::optional<PDFDestination>& destination) {

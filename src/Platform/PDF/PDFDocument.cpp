@@ -162,17 +162,23 @@ std::vector<PDFPageContent> PDFDocument::pageContents() const {
     return contents;
 }
 
-std::shared_ptr<PDFPage> PDFDocument::pageOfSource(int pageNumber) const {
-    const auto found = std::find(m_sourceNumbers.begin(), m_sourceNumbers.end(), pageNumber);
-    return found == m_sourceNumbers.end() ? nullptr : page(int(found - m_sourceNumbers.begin()));
+std::shared_ptr<PDFPage> PDFDocument::pageOfContent(const PDFPageContent& content) const {
+    if (content.source == m_source) {
+        const auto found = std::find(m_sourceNumbers.begin(), m_sourceNumbers.end(), content.pageNumber);
+        return found == m_sourceNumbers.end() ? nullptr : page(int(found - m_sourceNumbers.begin()));
+    }
+    const auto found = std::find_if(m_pages.begin(), m_pages.end(), [&content](const auto& candidate) {
+        return candidate && candidate->content() == content;
+    });
+    return found == m_pages.end() ? nullptr : *found;
 }
 
-std::optional<PDFDestination> PDFDocument::destination(const PDFFileDestination& place) const {
-    if (!m_source || !place.isValid())
+std::optional<PDFDestination> PDFDocument::destination(const PDFFileDestination& place,
+                                                       const std::shared_ptr<PDFSource>& file) const {
+    if (!file || !place.isValid())
         return std::nullopt;
-    const int number =
-        place.pageObject > 0 ? m_source->pageNumberOfObject(place.pageObject).value_or(-1) : place.pageIndex;
-    const std::shared_ptr<PDFPage> target = number < 0 ? nullptr : pageOfSource(number);
+    const int number = place.pageObject > 0 ? file->pageNumberOfObject(place.pageObject).value_or(-1) : place.pageIndex;
+    const std::shared_ptr<PDFPage> target = number < 0 ? nullptr : pageOfContent({file, number});
     if (!target)
         return std::nullopt;
     return PDFDestination(target, place.x, place.y, place.zoom);

@@ -82,8 +82,10 @@ public:
 
     // Destinations, outline and attributes
 
-    /// The live place for a place of this document's own source; none when its page is no longer here.
-    [[nodiscard]] std::optional<PDFDestination> destination(const PDFFileDestination& place) const;
+    /// The live place for a place of a file, on the first page here that came from the one it names; none when there is
+    /// no such page.
+    [[nodiscard]] std::optional<PDFDestination> destination(const PDFFileDestination& place,
+                                                            const std::shared_ptr<PDFSource>& file) const;
 
     /// Null when the document has no outline. Read from the file on first use.
     [[nodiscard]] std::shared_ptr<PDFOutline> outlineRoot() const;
@@ -121,7 +123,7 @@ private:
     explicit PDFDocument(std::shared_ptr<PDFSource> source);
     bool unlocked(bool authenticated);
     void adoptPages();
-    std::shared_ptr<PDFPage> pageOfSource(int pageNumber) const;
+    std::shared_ptr<PDFPage> pageOfContent(const PDFPageContent& content) const;
 
     std::shared_ptr<PDFSource> m_source;
     bool m_locked = false;

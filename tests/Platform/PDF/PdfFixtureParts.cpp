@@ -107,7 +107,7 @@ int addOutlineItems(PdfFixture& fixture, const QByteArray& parent, const std::ve
             keys += " /Dest (" + item.name + ')';
         else if (item.page >= 0)
             keys += " /Dest [" + fixture.pageReference(item.page) + " /XYZ 0 792 null]";
-        fixture.fillObject(references[i], "<< " + keys + " >>");
+        fixture.fillObject(references[i], "<< " + keys + ' ' + item.keys + " >>");
         if (!item.children.empty()) {
             const int below = addOutlineItems(fixture, references[i], item.children);
             fixture.setKey(references[i], "/Count", QByteArray::number(item.open ? below : -below));

@@ -67,6 +67,7 @@ public:
         QByteArray name = {}; ///< a named destination instead of a page
         QString url = {};     ///< a web address instead of a page
         bool open = true;
+        QByteArray keys = {}; ///< more of its dictionary
     };
     void setOutline(const std::vector<OutlineItem>& items);
 

@@ -217,6 +217,82 @@ INSTANTIATE_TEST_SUITE_P(Ciphers, ProtectionTest,
                          testing::Values(PdfFixture::Encryption::rc4, PdfFixture::Encryption::aes128,
                                          PdfFixture::Encryption::aes256));
 
+TEST(WriterPagesTest, OutlinesKeepWhatIsNotEdited) {
+    const auto item = [](const PDFDocument& document, int i) { return document.outlineRoot()->child(i); };
+    struct Case {
+        const char* what;
+        void (*change)(PDFDocument& document);
+        int place; // of the page that was the third
+        bool isRenamed = false;
+    };
+    const Case cases[] = {
+        {"annotated", [](PDFDocument& document) { document.page(0)->setRotation(90); }, 2},
+        {"moved", [](PDFDocument& document) { move(document, 2, 5); }, 5},
+        {"removed", [](PDFDocument& document) { document.removePage(0); }, 1},
+        {"brought in", [](PDFDocument& document) { document.insert(document.page(1)->copy(), 0); }, 3},
+        {"edited and taken back",
+         [](PDFDocument& document) {
+             const auto old = document.outlineRoot();
+             document.setOutlineRoot(std::make_shared<PDFOutline>());
+             document.setOutlineRoot(old);
+             move(document, 2, 0);
+         },
+         0},
+        {"renamed",
+         [](PDFDocument& document) {
+             document.outlineRoot()->child(0)->setLabel(QStringLiteral("New"));
+             document.setOutlineRoot(document.outlineRoot());
+             document.removePage(1);
+         },
+         1, true},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.what);
+        PdfFixture pdf;
+        addNumberedPages(pdf, 8);
+        pdf.setPageKey(7, "/Bulk", pdf.addStream("<< >>", QByteArray(100'000, 'x'))); // so that a save can append
+        const QByteArray third = pdf.pageReference(2);
+        pdf.setOutline(
+            {{QStringLiteral("Old"), -1, {}, {}, {}, true, "/C [ 1 0 0 ] /F 3 /Dest [" + third + " /FitH 7]"},
+             {QStringLiteral("By place"), -1, {}, {}, {}, true, "/A << /S /GoTo /D [ 2 /FitB ] >>"},
+             {QStringLiteral("Print"), -1, {}, {}, {}, true, "/F 1 /A << /N /Print /S /Named >>"},
+             {QStringLiteral("Other"), -1, {}, {}, {}, true, "/A << /D (x) /F (o.pdf) /S /GoToR >>"}});
+        const auto document = PDFDocument::fromData(pdf.bytes());
+        each.change(*document);
+        const QByteArray file = document->dataRepresentation();
+        EXPECT_EQ(PdfPrograms::complaints(file), "");
+        const QByteArray all = PdfPrograms::unpacked(file).simplified();
+        for (const char* kept : {"/C [ 1 0 0 ]", "/F 3", "/FitH 7", "/FitB", "/F 1", "/N /Print", "/F (o.pdf)"})
+            EXPECT_TRUE(all.contains(kept)) << kept;
+        const auto reopened = PDFDocument::fromData(file);
+        ASSERT_EQ(reopened->outlineRoot()->numberOfChildren(), 4);
+        EXPECT_EQ(item(*reopened, 0)->label() == QStringLiteral("New"), each.isRenamed);
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(reopened->index(item(*reopened, i)->destination()->page().get()), each.place);
+    }
+}
+
+TEST(WriterPagesTest, LinksAmongImportedPagesWorkAtOnce) {
+    PdfFixture other;
+    addNumberedPages(other, 3);
+    other.addNamedDestination("second", 1);
+    other.addLink(0, {0, 0, 20, 20}, 2);
+    other.addNamedLink(0, {30, 0, 20, 20}, "second");
+    const auto source = PDFDocument::fromData(other.bytes());
+    PdfFixture pdf;
+    addNumberedPages(pdf, 3);
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    document->insert(source->page(2)->copy(), 1);
+    document->insert(source->page(0)->copy(), 3);
+    for (const auto& each : {document, PDFDocument::fromData(document->dataRepresentation())}) {
+        const auto& links = each->page(3)->annotations();
+        ASSERT_EQ(links.size(), 2U);
+        ASSERT_TRUE(links[0]->destination());
+        EXPECT_EQ(each->index(links[0]->destination()->page().get()), 1);
+        EXPECT_FALSE(links[1]->destination()) << "its page didn't come along";
+    }
+}
+
 TEST(WriterPagesTest, WhatAPasswordOpensCanBeSaved) {
     using Encryption = PdfFixture::Encryption;
     struct Case {

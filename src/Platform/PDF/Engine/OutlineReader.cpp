@@ -73,7 +73,8 @@ std::shared_ptr<PDFOutline> OutlineReader::read(SourceEngine& engine, const PDFD
         item->setLabel(EngineValues::text(context, fetched.title));
         item->setUrl(EngineValues::text(context, fetched.uri));
         item->setOpen(fetched.count > 0);
-        item->setDestination(document.destination(fetched.target));
+        item->setDestination(document.destination(fetched.target, document.source()));
+        item->setInFile({document.source(), number, true, true});
         level.parent->insertChild(item, level.parent->numberOfChildren());
         level.next = fetched.next;
         if (fetched.first)

@@ -42,11 +42,11 @@ std::optional<QByteArray> engineTextFor(const QByteArray& bytes) {
 
 std::vector<PasswordForm> PasswordForm::all(const QString& password, int securityRevision) {
     std::vector<PasswordForm> forms;
-    const auto add = [&forms](const QByteArray& bytes, const std::optional<QByteArray>& engine) {
+    const auto add = [&forms](const QByteArray& taken, const std::optional<QByteArray>& given) {
         const bool isKnown = std::any_of(forms.begin(), forms.end(),
-                                         [&bytes](const PasswordForm& known) { return known.bytes == bytes; });
-        if (engine && !isKnown)
-            forms.push_back({bytes, *engine});
+                                         [&taken](const PasswordForm& known) { return known.bytes == taken; });
+        if (given && !isKnown)
+            forms.push_back({taken, *given});
     };
     if (securityRevision >= firstRevisionWithUtf8) {
         for (const QString& text : {saslPrepared(password).value_or(password), password}) {

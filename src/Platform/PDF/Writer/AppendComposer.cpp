@@ -7,6 +7,7 @@
 #include "InformationWriter.h"
 #include "Logging.h"
 #include "ObjectStore.h"
+#include "OutlinePages.h"
 #include "OutlineWriter.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
@@ -81,6 +82,7 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     if (!writePages(contents, *file, objects, form, recorder, files, lookup))
         return std::nullopt;
     if (!contents.hasSourceOrder()) {
+        OutlinePages::pin(*file, objects);
         std::vector<int> order;
         for (const DocumentContents::Page& page : contents.pages)
             order.push_back(page.content.pageNumber);

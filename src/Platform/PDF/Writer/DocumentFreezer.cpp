@@ -122,6 +122,8 @@ void DocumentFreezer::freezeOutline() {
             copy->setOpen(child->isOpen());
             if (child->destination())
                 copy->setDestination(frozen(*child->destination()));
+            if (child->inFile().file == m_document.m_source)
+                copy->setInFile(child->inFile());
             parent.copy->insertChild(copy, i);
             pending.push_back({child.get(), copy});
         }

@@ -18,6 +18,23 @@ struct Level {
     QPDFObjectHandle last = QPDFObjectHandle::newNull();
 };
 
+/// What stays of an item that was read from the file: all but its place in the tree and what was changed.
+QPDFObjectHandle keptOf(const PDFOutline& item, ObjectStore& objects) {
+    const PDFOutline::InFile& inFile = item.inFile();
+    QPDFObjectHandle found = inFile.object > 0 ? objects.object(inFile.object) : QPDFObjectHandle::newNull();
+    if (!found.isDictionary() || !found.hasKey("/Title"))
+        return QPDFObjectHandle::newDictionary();
+    QPDFObjectHandle kept = found.shallowCopy();
+    for (const char* key : {"/Parent", "/Prev", "/Next", "/First", "/Last", "/Count"})
+        kept.removeKey(key);
+    if (!inFile.hasLabel)
+        kept.removeKey("/Title");
+    for (const char* key : {"/Dest", "/A"})
+        if (!inFile.hasTarget)
+            kept.removeKey(key);
+    return kept;
+}
+
 void setTarget(QPDFObjectHandle object, const PDFOutline& item, const AnnotationDictionary::PageLookup& pages) {
     if (item.destination()) {
         QPDFObjectHandle target = AnnotationDictionary::destination(*item.destination(), pages);
@@ -60,10 +77,12 @@ void OutlineWriter::write(const PDFOutline* root, ObjectStore& objects, const An
         }
         Level& parent = levels.back();
         ++parent.next;
-        QPDFObjectHandle object = objects.add(QPDFObjectHandle::newDictionary());
-        object.replaceKey("/Title", PdfValues::text(child->label()));
+        QPDFObjectHandle object = objects.add(keptOf(*child, objects));
+        if (!object.hasKey("/Title"))
+            object.replaceKey("/Title", PdfValues::text(child->label()));
         object.replaceKey("/Parent", parent.object);
-        setTarget(object, *child, pages);
+        if (!object.hasKey("/Dest") && !object.hasKey("/A"))
+            setTarget(object, *child, pages);
         if (parent.last.isNull()) {
             parent.object.replaceKey("/First", object);
         } else {

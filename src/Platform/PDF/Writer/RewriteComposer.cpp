@@ -6,6 +6,7 @@
 #include "FormFields.h"
 #include "InformationWriter.h"
 #include "LayerImporter.h"
+#include "OutlinePages.h"
 #include "OutlineWriter.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
@@ -102,6 +103,8 @@ void Rewriting::compose(QIODevice& device) {
     m_fields = std::make_unique<FieldImporter>(*m_objects, *m_form);
     m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get());
 
+    if (m_main && !m_contents.hasSourceOrder())
+        OutlinePages::pin(*m_main, *m_objects);
     findPages();
     const AnnotationDictionary::PageLookup lookup = [this](const PDFPage& page) { return pageObject(page); };
     AppearanceRecorder recorder(*m_objects);

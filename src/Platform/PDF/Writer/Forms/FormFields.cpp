@@ -155,7 +155,7 @@ void FormFields::dropOtherForm() {
 
 QByteArray FormFields::standardFont(const QFont& font) {
     const QByteArray standard = PageFont::standardName(font);
-    const QByteArray name = PageFont::shortName(standard);
+    QByteArray name = PageFont::shortName(standard);
     QPDFObjectHandle fonts = QPDFObjectHandle::newDictionary();
     fonts.replaceKey('/' + name.toStdString(), FieldFont::standard(standard));
     addFonts(fonts);

@@ -41,6 +41,17 @@ QPDFObjectHandle ObjectStore::addCopy(QPDFObjectHandle object) {
     return add(object.shallowCopy());
 }
 
+QPDFObjectHandle ObjectStore::object(int number) {
+    if (!m_generations) {
+        m_generations.emplace();
+        for (const auto& [id, place] : m_pdf.getXRefTable())
+            if (id.getGen() != 0)
+                (*m_generations)[id.getObj()] = id.getGen();
+    }
+    const auto generation = m_generations->find(number);
+    return m_pdf.getObject(number, generation == m_generations->end() ? 0 : generation->second);
+}
+
 void ObjectStore::set(QPDFObjectHandle object, const std::string& key, QPDFObjectHandle value) {
     object.replaceKey(key, value);
     noteChange(object);
@@ -98,20 +109,12 @@ void FileObjects::noteChange(QPDFObjectHandle object) {
 // UpdateObjects
 
 UpdateObjects::UpdateObjects(QPDF& pdf) : ObjectStore(pdf) {
-    for (const auto& [id, place] : pdf.getXRefTable()) {
+    for (const auto& [id, place] : pdf.getXRefTable())
         m_next = std::max(m_next, id.getObj() + 1);
-        if (id.getGen() != 0)
-            m_generations[id.getObj()] = id.getGen();
-    }
     // Numbers below the size that the file claims may be in use by free entries.
     int size = 0;
     if (pdf.getTrailer().getKey("/Size").getValueAsInt(size))
         m_next = std::max(m_next, size);
-}
-
-QPDFObjectHandle UpdateObjects::object(int number) const {
-    const auto generation = m_generations.find(number);
-    return pdf().getObject(number, generation == m_generations.end() ? 0 : generation->second);
 }
 
 QPDFObjectHandle UpdateObjects::reserve() {

@@ -25,6 +25,8 @@ public:
 
     [[nodiscard]] QPDF& pdf() const { return m_pdf; }
     [[nodiscard]] QPDFObjectHandle root() const { return m_pdf.getRoot(); }
+    /// The file's object of that number with whichever generation it has there.
+    [[nodiscard]] QPDFObjectHandle object(int number);
 
     /// A number for an object that is filled later, so that others may refer to it before.
     [[nodiscard]] virtual QPDFObjectHandle reserve() = 0;
@@ -51,6 +53,7 @@ public:
 
 private:
     QPDF& m_pdf;
+    std::optional<std::map<int, int>> m_generations; // of the file's objects, where it isn't zero
 };
 
 /// Objects of a file that is written anew as a whole.
@@ -81,13 +84,10 @@ public:
     };
     /// Everything new and changed.
     [[nodiscard]] const std::map<QPDFObjGen, Entry>& entries() const { return m_entries; }
-    /// The object of that number with whichever generation the file has it in.
-    [[nodiscard]] QPDFObjectHandle object(int number) const;
     /// One more than the highest number in use.
     [[nodiscard]] int size() const { return m_next; }
 
 private:
     std::map<QPDFObjGen, Entry> m_entries;
-    std::map<int, int> m_generations; // of the file's objects, where it isn't zero
     int m_next = 1;
 };
