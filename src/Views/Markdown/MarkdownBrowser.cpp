@@ -4,6 +4,7 @@
 #include "MarkdownSelection.h"
 #include "WebLink.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QMimeData>
 #include <QPaintEvent>
 #include <QPainter>
@@ -19,6 +20,7 @@
 
 static constexpr int usualWidth = 320;
 static constexpr int smallestWidth = 40;
+static constexpr double wheelStep = 60; // of a formula, for a notch
 
 MarkdownBrowser::MarkdownBrowser(QWidget* parent) : QTextBrowser(parent) {
     setObjectName(QStringLiteral("replyText"));
@@ -123,8 +125,24 @@ void MarkdownBrowser::resizeEvent(QResizeEvent* event) {
     QTextBrowser::resizeEvent(event);
 }
 
+bool MarkdownBrowser::scrollFormula(const QWheelEvent& event) {
+    const QPoint turned = event.angleDelta();
+    const bool isToTheSide = std::abs(turned.x()) > std::abs(turned.y());
+    if (!isToTheSide && !event.modifiers().testFlag(Qt::ShiftModifier))
+        return false;
+    const QPointF place =
+        event.position() + QPointF(horizontalScrollBar()->value(), verticalScrollBar()->value()); // of the document
+    const double notches = (isToTheSide ? turned.x() : turned.y()) / double(QWheelEvent::DefaultDeltasPerStep);
+    if (!FormulaFitting::scroll(*document(), document()->documentLayout()->imageAt(place), -notches * wheelStep))
+        return false;
+    viewport()->update();
+    return true;
+}
+
 void MarkdownBrowser::wheelEvent(QWheelEvent* event) {
-    if (std::abs(event->angleDelta().x()) > std::abs(event->angleDelta().y()))
+    if (scrollFormula(*event))
+        event->accept();
+    else if (std::abs(event->angleDelta().x()) > std::abs(event->angleDelta().y()))
         QTextBrowser::wheelEvent(event);
     else
         event->ignore();

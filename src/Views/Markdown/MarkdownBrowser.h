@@ -6,7 +6,8 @@
 #include <QTextBrowser>
 
 /// Shows the document of a reply at full height, without a ground of its own: what it stands in scrolls. The height
-/// follows the width. A table too wide for it can be scrolled sideways. A link asks before it opens.
+/// follows the width. A table too wide for it can be scrolled sideways, a
+/// formula too wide by itself. A link asks before it opens.
 class MarkdownBrowser : public QTextBrowser {
     Q_OBJECT
 
@@ -32,6 +33,8 @@ protected:
 
 private:
     void layOut(int width);
+    /// True when the wheel moved a formula that is too wide to be shown as a whole.
+    bool scrollFormula(const QWheelEvent& event);
     /// Scrolls what this stands in so that the end of the selection can be seen.
     void followCursor();
 

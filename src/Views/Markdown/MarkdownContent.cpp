@@ -43,6 +43,19 @@ void MarkdownContent::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
+void MarkdownContent::paintEvent(QPaintEvent*) {
+    if (devicePixelRatioF() == m_ratio)
+        return;
+    // The window came to another screen. What is being painted must stay as it is meanwhile.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (devicePixelRatioF() != m_ratio)
+                rebuild(true);
+        },
+        Qt::QueuedConnection);
+}
+
 int MarkdownContent::heightForWidth(int width) const {
     return m_browser->heightForWidth(width);
 }
@@ -60,6 +73,7 @@ void MarkdownContent::resizeEvent(QResizeEvent* event) {
 }
 
 void MarkdownContent::rebuild(bool keepsSelection) {
+    m_ratio = devicePixelRatioF();
     const QStringView shown = QStringView(m_text).left(longestText);
     MarkdownTextWriter writer(MarkdownStyle(palette()), m_color, m_mathImages);
     m_browser->display(MarkdownDocument::write(MarkdownParser::parse(shown), shown.size() < m_text.size(), writer),

@@ -37,6 +37,7 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
@@ -46,4 +47,5 @@ private:
     QColor m_color;
     MathImageSource m_mathImages;
     MarkdownBrowser* m_browser;
+    double m_ratio = 0; // device pixels in one of the screen that the formulas were drawn for
 };

@@ -7,6 +7,7 @@
 #include <QClipboard>
 #include <QDialog>
 #include <QMimeData>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -225,6 +226,60 @@ TEST_F(MarkdownContentTest, aWideFormulaIsMadeToFit) {
     };
     EXPECT_EQ(shownWidth(300), 300);
     EXPECT_EQ(shownWidth(800), 500) << "with room it has its own size";
+
+    // Of one that is too wide at half its size a part is seen, and the wheel shows the rest.
+    QImage wide(2000, 50, QImage::Format_RGB32);
+    wide.fill(Qt::white);
+    QPainter(&wide).fillRect(1960, 0, 40, 50, Qt::red);
+    MarkdownBrowser& narrow =
+        display(QStringLiteral("intro\n\n$$x$$"), [&](const QString&, double, const QColor&) { return wide; });
+    EXPECT_EQ(narrow.horizontalScrollBar()->maximum(), 0);
+    const auto showsEnd = [&narrow] {
+        const QImage seen = narrow.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        for (int y = 0; y < seen.height(); ++y)
+            for (int x = 0; x < seen.width(); ++x)
+                if (qRed(seen.pixel(x, y)) - qGreen(seen.pixel(x, y)) > 60)
+                    return true;
+        return false;
+    };
+    EXPECT_FALSE(showsEnd());
+    QPointF onFormula(100, 0);
+    while (onFormula.y() < narrow.height() && narrow.document()->documentLayout()->imageAt(onFormula).isEmpty())
+        onFormula += QPointF(0, 1);
+    for (int i = 0; i < 20; ++i) {
+        QWheelEvent wheel(onFormula, narrow.mapToGlobal(onFormula), {}, QPoint(0, -120), Qt::NoButton,
+                          Qt::ShiftModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(narrow.viewport(), &wheel);
+    }
+    EXPECT_TRUE(showsEnd());
+}
+
+TEST_F(MarkdownContentTest, formulasAreDrawnAnewForAnotherScreen) {
+    /// On a screen of which the test says how many pixels it has.
+    class Content : public MarkdownContent {
+    public:
+        using MarkdownContent::MarkdownContent;
+        int ratio = 1;
+
+    protected:
+        int metric(PaintDeviceMetric metric) const override {
+            if (metric == PdmDevicePixelRatioScaled)
+                return static_cast<int>(ratio * devicePixelRatioFScale());
+            return metric == PdmDevicePixelRatio ? ratio : MarkdownContent::metric(metric);
+        }
+    };
+    int drawn = 0;
+    const MathImageSource images = [&drawn](const QString&, double, const QColor&) {
+        ++drawn;
+        return QImage(20, 10, QImage::Format_ARGB32);
+    };
+    auto* content = new Content(QStringLiteral("$$x$$"), Qt::black, images);
+    m_area.setWidget(content);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(drawn, 1);
+    content->ratio = 2;
+    content->update();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return drawn == 2; }));
 }
 
 TEST_F(MarkdownContentTest, formulasOfOneParagraphKeepTheirOwnImages) {
