@@ -81,18 +81,27 @@ private:
 
 } // namespace
 
-void PDFEditorDocument::read(const QUrl& url) {
-    if (!url.isLocalFile())
-        throw DocumentError(QStringLiteral("Only files on this computer can be opened."));
-    const auto pdfDocument = withDocumentErrors([&url] { return PDFDocument::fromFile(url.toLocalFile()); });
-    const bool wasLocked = pdfDocument->isLocked();
-    if (wasLocked && url == fileURL())
-        pdfDocument->unlockLike(*m_pdfDocument); // the file is read again
-    setWasPasswordProtected(wasLocked);
-    setPdfDocument(pdfDocument);
+Document::Reading PDFEditorDocument::reading(const QUrl& url) const {
+    return [url]() -> Filling {
+        if (!url.isLocalFile())
+            throw DocumentError(QStringLiteral("Only files on this computer can be opened."));
+        const auto source = withDocumentErrors([&url] { return PDFDocument::openSource(url.toLocalFile()); });
+        return [url, source](Document& document) {
+            const auto read = withDocumentErrors([&source] { return PDFDocument::fromSource(source); });
+            static_cast<PDFEditorDocument&>(document).hold(read, url);
+        };
+    };
 }
 
-bool PDFEditorDocument::looksWhole(const QUrl& url) const {
+void PDFEditorDocument::hold(const std::shared_ptr<PDFDocument>& read, const QUrl& url) {
+    const bool wasLocked = read->isLocked();
+    if (wasLocked && url == fileURL())
+        read->unlockLike(*m_pdfDocument); // the file is read again
+    setWasPasswordProtected(wasLocked);
+    setPdfDocument(read);
+}
+
+bool PDFEditorDocument::looksWhole(const QUrl& url) {
     constexpr qint64 tailSize = 1024; // readers look for the mark there
     QFile file(url.toLocalFile());
     if (!file.open(QIODevice::ReadOnly))

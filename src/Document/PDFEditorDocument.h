@@ -28,10 +28,10 @@ public:
     /// has been repaired.
     [[nodiscard]] QString openNotice() const;
 
-    /// Opens the PDF file. A protected one is held locked. When it throws, the document is as it was.
-    void read(const QUrl& url) override;
+    /// Opens the PDF file. A protected one is held locked.
+    [[nodiscard]] Reading reading(const QUrl& url) const override;
     /// Looks for the mark at the end of the file.
-    [[nodiscard]] bool looksWhole(const QUrl& url) const override;
+    [[nodiscard]] WholeCheck wholeCheck() const override { return &looksWhole; }
     /// The whole state, annotations and page changes included. A locked document can't be saved.
     [[nodiscard]] QByteArray dataRepresentation() const override;
     /// Takes a copy of what has changed, not of the file. A locked document can't be saved.
@@ -54,6 +54,9 @@ Q_SIGNALS:
     void typed();
 
 private:
+    static bool looksWhole(const QUrl& url);
+    void hold(const std::shared_ptr<PDFDocument>& read, const QUrl& url);
+
     std::shared_ptr<PDFDocument> m_pdfDocument;
     bool m_wasPasswordProtected = false;
 };

@@ -2,6 +2,7 @@
 
 #include "ContentView.h"
 #include "DocumentTabBar.h"
+#include "FileReading.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
@@ -100,6 +101,7 @@ public:
 class AppTest : public testing::Test {
 protected:
     void SetUp() override {
+        FileReading::patience = std::chrono::minutes(1);
         auto dialogs = std::make_unique<ScriptedDialogs>();
         m_dialogs = dialogs.get();
         m_app = std::make_unique<QuilloApp>(std::move(dialogs));

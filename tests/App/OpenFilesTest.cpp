@@ -3,8 +3,11 @@
 #include "RecentPageStore.h"
 #include "RecentScaleStore.h"
 #include "UnlockDocumentView.h"
+#include "WindowPresenter.h"
 
 #include <QDir>
+#include <QLabel>
+#include <QPushButton>
 
 class OpenFilesTest : public AppTest {
 protected:
@@ -75,4 +78,29 @@ TEST_F(OpenFilesTest, clearingTheRecentFilesForgetsTheirPagesAndScales) {
     m_app->controller().clearRecentDocuments();
     EXPECT_EQ(RecentPageStore::pageIndex(m_app->defaults(), url), std::nullopt);
     EXPECT_EQ(RecentScaleStore::scale(m_app->defaults(), url), std::nullopt);
+}
+
+TEST_F(OpenFilesTest, aFileThatTakesLongIsShownUntilItIsThereOrGivenUp) {
+    WindowPresenter presenter(*m_dialogs);
+    int givenUp = 0;
+    const auto giveUp = [&givenUp] { ++givenUp; };
+    const auto dialog = [] {
+        QWidgetList widgets = QApplication::topLevelWidgets();
+        widgets.removeIf([](const QWidget* widget) {
+            return widget->objectName() != QStringLiteral("slowReading") || !widget->isVisible();
+        });
+        return widgets.value(0);
+    };
+    auto shown = presenter.showReading(QStringLiteral("<b>a</b>.pdf"), giveUp);
+    ASSERT_NE(dialog(), nullptr);
+    EXPECT_FALSE(dialog()->isModal());
+    EXPECT_EQ(dialog()->findChild<QLabel*>()->text(), QStringLiteral("Opening “<b>a</b>.pdf”…"));
+    EXPECT_EQ(dialog()->findChild<QLabel*>()->textFormat(), Qt::PlainText);
+    QTest::mouseClick(dialog()->findChild<QPushButton*>(), Qt::LeftButton);
+    EXPECT_EQ(givenUp, 1);
+    shown = presenter.showReading(QStringLiteral("b.pdf"), giveUp);
+    EXPECT_NE(dialog(), nullptr);
+    shown.reset();
+    EXPECT_EQ(dialog(), nullptr);
+    EXPECT_EQ(givenUp, 1);
 }

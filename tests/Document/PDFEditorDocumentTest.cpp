@@ -204,10 +204,10 @@ TEST_F(PDFEditorDocumentTest, aFileWithoutItsEndDoesNotLookWhole) {
     fill(fixture);
     const QByteArray bytes = fixture.bytes();
     const PDFEditorDocument document;
-    EXPECT_TRUE(document.looksWhole(store(QStringLiteral("whole.pdf"), bytes + "\n")));
-    EXPECT_FALSE(document.looksWhole(store(QStringLiteral("half.pdf"), bytes.left(bytes.size() / 2))));
-    EXPECT_FALSE(document.looksWhole(store(QStringLiteral("empty.pdf"), {})));
-    EXPECT_FALSE(document.looksWhole(QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing.pdf")))));
+    EXPECT_TRUE(document.wholeCheck()(store(QStringLiteral("whole.pdf"), bytes + "\n")));
+    EXPECT_FALSE(document.wholeCheck()(store(QStringLiteral("half.pdf"), bytes.left(bytes.size() / 2))));
+    EXPECT_FALSE(document.wholeCheck()(store(QStringLiteral("empty.pdf"), {})));
+    EXPECT_FALSE(document.wholeCheck()(QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing.pdf")))));
 }
 
 TEST_F(PDFEditorDocumentTest, aRepairedFileOpensWithANotice) {

@@ -15,6 +15,7 @@
 /// What a view needs around it: a folder for files, settings, and a controller without windows.
 class ViewTest : public testing::Test {
 protected:
+    ViewTest() { FileReading::patience = std::chrono::minutes(1); }
     void SetUp() override { ThumbnailCache::removeAll(); }
 
     /// A document that has been opened, without a window.

@@ -10,6 +10,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QLabel>
+#include <QProgressDialog>
 #include <QStandardPaths>
 
 // A sentence about a file takes longer to read than the name of a tool.
@@ -56,6 +58,29 @@ void WindowPresenter::bringForward(const std::shared_ptr<Document>& document) {
     m_window->setCurrent(view);
     m_window->present();
     Q_EMIT documentPresented();
+}
+
+std::shared_ptr<void> WindowPresenter::showReading(const QString& name, const std::function<void()>& giveUp) {
+    auto* const dialog = new QProgressDialog(windowForQuestions());
+    dialog->setObjectName(QStringLiteral("slowReading"));
+    dialog->setAttribute(Qt::WA_ShowWithoutActivating); // the person goes on elsewhere
+    dialog->setWindowTitle(QStringLiteral("Quillo"));
+    auto* const label = new QLabel(QStringLiteral("Opening “%1”…").arg(name));
+    label->setTextFormat(Qt::PlainText);
+    dialog->setLabel(label);
+    dialog->setAccessibleName(label->text());
+    dialog->setCancelButtonText(QStringLiteral("Cancel"));
+    dialog->setRange(0, 0);
+    connect(dialog, &QProgressDialog::canceled, this, [giveUp] { giveUp(); });
+    dialog->show();
+    // It goes with its window too.
+    return {static_cast<void*>(dialog), [shown = QPointer<QProgressDialog>(dialog)](void*) {
+                if (!shown)
+                    return;
+                shown->disconnect();
+                shown->hide();
+                shown->deleteLater();
+            }};
 }
 
 DocumentPresenter::SaveAnswer WindowPresenter::askToSave(const std::shared_ptr<Document>& document) {

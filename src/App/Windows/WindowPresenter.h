@@ -29,6 +29,7 @@ public:
 
     void show(const std::shared_ptr<Document>& document) override;
     void bringForward(const std::shared_ptr<Document>& document) override;
+    std::shared_ptr<void> showReading(const QString& name, const std::function<void()>& giveUp) override;
     SaveAnswer askToSave(const std::shared_ptr<Document>& document) override;
     SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>& documents) override;
     ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) override;

@@ -1,8 +1,10 @@
 #include "FileWork.h"
 
+#include <QDeadlineTimer>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QThreadPool>
+#include <QWaitCondition>
 
 namespace {
 
@@ -11,7 +13,11 @@ class Recipient;
 /// What a thread knows of the one that it works for.
 struct Address {
     QMutex mutex;
-    Recipient* recipient = nullptr; ///< guarded by `mutex`; null when it is gone
+    // Guarded by `mutex`.
+    Recipient* recipient = nullptr; ///< null when it is gone
+    bool isAwaited = false;         ///< the recipient's thread waits for the result
+    FileWork::Result result;        ///< once it is there, for who waits
+    QWaitCondition arrived;
 };
 
 /// Lives as long as the receiver, or until it has the result.
@@ -51,13 +57,33 @@ static QThreadPool& threads() {
     return *pool;
 }
 
-void FileWork::start(QObject* receiver, std::function<Result()> work, std::function<void(const Result& result)> done) {
-    const auto* recipient = new Recipient(receiver, std::move(done));
+void FileWork::start(QObject* receiver, std::function<Result()> work, std::function<void(const Result& result)> done,
+                     std::chrono::milliseconds patience) {
+    auto* const recipient = new Recipient(receiver, std::move(done));
+    const std::shared_ptr<Address> awaited = recipient->address;
+    awaited->isAwaited = patience.count() > 0;
     threads().start([address = recipient->address, work = std::move(work)] {
         Result result = work();
         const QMutexLocker lock(&address->mutex);
-        if (Recipient* to = address->recipient)
+        if (address->isAwaited) {
+            address->result = std::move(result);
+            address->arrived.wakeAll();
+        } else if (Recipient* to = address->recipient) {
             QMetaObject::invokeMethod(
                 to, [to, result = std::move(result)] { to->take(result); }, Qt::QueuedConnection);
+        }
     });
+    if (patience.count() == 0)
+        return;
+    Result result;
+    {
+        const QMutexLocker lock(&awaited->mutex);
+        const QDeadlineTimer deadline(patience);
+        while (!awaited->result && awaited->arrived.wait(&awaited->mutex, deadline)) {
+        }
+        awaited->isAwaited = false;
+        result = std::move(awaited->result);
+    }
+    if (result)
+        recipient->take(result);
 }

@@ -60,11 +60,19 @@ PDFDocument::~PDFDocument() {
 }
 
 std::shared_ptr<PDFDocument> PDFDocument::fromFile(const QString& path) {
-    return fromData(readFile(path));
+    return fromSource(openSource(path));
+}
+
+std::shared_ptr<PDFSource> PDFDocument::openSource(const QString& path) {
+    return PDFSource::open(readFile(path));
+}
+
+std::shared_ptr<PDFDocument> PDFDocument::fromSource(const std::shared_ptr<PDFSource>& source) {
+    return std::shared_ptr<PDFDocument>(new PDFDocument(source));
 }
 
 std::shared_ptr<PDFDocument> PDFDocument::fromData(const QByteArray& data) {
-    return std::shared_ptr<PDFDocument>(new PDFDocument(PDFSource::open(data)));
+    return fromSource(PDFSource::open(data));
 }
 
 bool PDFDocument::isEncrypted() const {

@@ -40,6 +40,9 @@ public:
     /// `wasRepaired` tells so. A protected file opens locked, without pages to see.
     [[nodiscard]] static std::shared_ptr<PDFDocument> fromFile(const QString& path);
     [[nodiscard]] static std::shared_ptr<PDFDocument> fromData(const QByteArray& data);
+    /// `fromFile` in two parts: the first takes as long as the disk and the file ask for, and is for any thread.
+    [[nodiscard]] static std::shared_ptr<PDFSource> openSource(const QString& path);
+    [[nodiscard]] static std::shared_ptr<PDFDocument> fromSource(const std::shared_ptr<PDFSource>& source);
 
     [[nodiscard]] bool isLocked() const { return m_locked; }
     /// True for a file that asks for a password or that limits what may be done with it.

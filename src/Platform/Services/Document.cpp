@@ -139,12 +139,16 @@ void Document::commitEditing() {
     Q_EMIT commitEditingRequested();
 }
 
+void Document::read(const QUrl& url) {
+    reading(url)()(*this);
+}
+
 bool Document::isDocumentEdited() const {
     return m_undoManager->isDocumentEdited();
 }
 
-bool Document::looksWhole(const QUrl&) const {
-    return true;
+Document::WholeCheck Document::wholeCheck() const {
+    return [](const QUrl&) { return true; };
 }
 
 std::shared_ptr<const DocumentSnapshot> Document::snapshot() const {

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QUrl>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -75,11 +76,19 @@ public:
     /// Asks the views to put what they hold into the document, as before it is saved or closed.
     void commitEditing();
 
-    /// Fills the document with the file's content. Throws DocumentError.
-    virtual void read(const QUrl& url) = 0;
+    /// Puts what was read of a file into the document that was asked for its reading, or another of its class; once, on
+    /// the main thread. Throws DocumentError, and then the document is as it was.
+    using Filling = std::function<void(Document& document)>;
+    /// What takes long about reading a file: for any thread, also after the document is gone. Throws DocumentError.
+    using Reading = std::function<Filling()>;
+    [[nodiscard]] virtual Reading reading(const QUrl& url) const = 0;
+    /// Fills the document with the file's content here and now. Throws DocumentError.
+    void read(const QUrl& url);
 
-    /// False for a file of which a part is missing, as while another program writes it. Looks at little of it.
-    virtual bool looksWhole(const QUrl& url) const;
+    /// False for a file of which a part is missing, as while another program writes it. Looks at little of it, and at
+    /// nothing of a document: for any thread.
+    using WholeCheck = bool (*)(const QUrl& url);
+    [[nodiscard]] virtual WholeCheck wholeCheck() const;
 
     /// The bytes of the file that a save now would write. Throws DocumentError.
     virtual QByteArray dataRepresentation() const = 0;

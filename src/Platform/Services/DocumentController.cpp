@@ -1,32 +1,17 @@
 #include "DocumentController.h"
 
 #include "Document.h"
-#include "FileStamp.h"
+#include "FilePath.h"
+#include "FileReading.h"
+#include "FileWork.h"
 #include "QuilloAssert.h"
 #include "UndoManager.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <exception>
-#include <optional>
 #include <utility>
-
-static QString couldNotBeOpened(const QString& name) {
-    return QStringLiteral("“%1” couldn't be opened.").arg(name);
-}
-
-/// One path for all paths of a file, whether it exists or not. Empty for what is not a local file.
-static QString canonicalPath(const QUrl& url) {
-    if (!url.isLocalFile())
-        return {};
-    const QFileInfo file(url.toLocalFile());
-    if (QString path = file.canonicalFilePath(); !path.isEmpty())
-        return path;
-    const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
-    return folder.isEmpty() ? file.absoluteFilePath() : QDir(folder).filePath(file.fileName());
-}
 
 DocumentController::DocumentController(DocumentFactory factory, DocumentPresenter& presenter, UserDefaults& defaults,
                                        QObject* parent)
@@ -37,12 +22,35 @@ DocumentController::DocumentController(DocumentFactory factory, DocumentPresente
 
 DocumentController::~DocumentController() = default;
 
-std::shared_ptr<Document> DocumentController::documentForURL(const QUrl& url) const {
-    const QString path = canonicalPath(url);
-    const auto found = std::find_if(m_documents.begin(), m_documents.end(), [&path](const auto& document) {
-        return !path.isEmpty() && canonicalPath(document->fileURL()) == path;
-    });
+std::shared_ptr<Document> DocumentController::documentAt(const QString& path) const {
+    const auto isThere = [this, &path](const std::shared_ptr<Document>& document) {
+        const auto canonical = m_canonicalPaths.find(document.get());
+        return FilePath::absolute(document->fileURL()) == path ||
+               (canonical != m_canonicalPaths.end() && canonical->second == path);
+    };
+    const auto found =
+        path.isEmpty() ? m_documents.end() : std::find_if(m_documents.begin(), m_documents.end(), isThere);
     return found != m_documents.end() ? *found : nullptr;
+}
+
+std::shared_ptr<Document> DocumentController::documentForURL(const QUrl& url) const {
+    std::shared_ptr<Document> document = documentAt(FilePath::absolute(url));
+    return document ? document : documentAt(FilePath::canonical(url));
+}
+
+void DocumentController::lookUpPath(const std::shared_ptr<Document>& document) {
+    m_canonicalPaths.erase(document.get());
+    const QUrl url = document->fileURL();
+    if (!url.isLocalFile())
+        return;
+    FileWork::run(
+        this, [url] { return FilePath::canonical(url); },
+        [this, url, which = std::weak_ptr(document)](const QString& path) {
+            const std::shared_ptr<Document> open = which.lock();
+            if (open && documentFor(open.get()) && open->fileURL() == url)
+                m_canonicalPaths[open.get()] = path;
+        },
+        FileReading::patience);
 }
 
 std::shared_ptr<Document> DocumentController::holderOf(const QUrl& url) const {
@@ -65,55 +73,6 @@ void DocumentController::setCurrentDocument(const std::shared_ptr<Document>& doc
     Q_EMIT currentDocumentChanged(document);
 }
 
-void DocumentController::openDocument(const QUrl& url, bool display, const OpenCompletion& completion) {
-    std::shared_ptr<Document> document = holderOf(url);
-    const bool alreadyOpen = document != nullptr;
-    QString error;
-    if (!alreadyOpen) {
-        try {
-            document = m_factory();
-            QUILLO_ASSERT(document, "a document factory must make a document");
-            readFile(*document, url);
-            addDocument(document);
-        } catch (const std::exception& exception) {
-            document = nullptr;
-            const QString title = couldNotBeOpened(url.adjusted(QUrl::StripTrailingSlash).fileName());
-            const QString sentence = DocumentError::from(exception).sentence();
-            error = title + QLatin1Char(' ') + sentence;
-            m_presenter.presentError(title, sentence);
-        }
-    }
-    if (document) {
-        noteNewRecentDocumentURL(url);
-        if (display) {
-            if (alreadyOpen)
-                m_presenter.bringForward(document);
-            else
-                m_presenter.show(document);
-            setCurrentDocument(document);
-        }
-    }
-    if (completion)
-        completion(document, alreadyOpen, error);
-}
-
-void DocumentController::readFile(Document& document, const QUrl& url) {
-    if (!url.isLocalFile())
-        throw DocumentError(QStringLiteral("Only files on this computer can be opened."));
-    const QFileInfo file(url.toLocalFile());
-    if (!file.exists())
-        throw DocumentError(QStringLiteral("The file doesn't exist."));
-    if (file.isDir())
-        throw DocumentError(QStringLiteral("It is a folder."));
-    if (!file.isReadable())
-        throw DocumentError(QStringLiteral("You don't have permission to read it."));
-
-    // Before reading: what is written to the file from now on counts as a change of another program.
-    const std::optional<FileStamp> stamp = FileStamp::of(url.toLocalFile());
-    document.read(url);
-    document.becomeFile(url, stamp);
-}
-
 std::shared_ptr<Document> DocumentController::newDocument() {
     std::shared_ptr<Document> document;
     try {
@@ -132,12 +91,21 @@ std::shared_ptr<Document> DocumentController::newDocument() {
 
 void DocumentController::addDocument(const std::shared_ptr<Document>& document) {
     m_documents.push_back(document);
+    connect(document.get(), &Document::fileURLChanged, this, [this, which = document.get()] {
+        if (const std::shared_ptr<Document> changed = documentFor(which))
+            lookUpPath(changed);
+    });
+    if (m_canonicalPaths.count(document.get()) == 0)
+        lookUpPath(document);
     Q_EMIT documentAdded(document);
 }
 
 void DocumentController::removeDocument(const std::shared_ptr<Document>& document) {
     if (std::erase(m_documents, document) == 0)
         return;
+    disconnect(document.get(), &Document::fileURLChanged, this, nullptr);
+    m_canonicalPaths.erase(document.get());
+    m_rereadings.erase(document.get());
     if (m_currentDocument == document)
         setCurrentDocument(nullptr);
     m_presenter.didClose(document);

@@ -3,6 +3,7 @@
 #include "DocumentPresenter.h"
 #include "DocumentSaver.h"
 #include "DocumentWriter.h"
+#include "FileReading.h"
 #include "RecentDocuments.h"
 
 #include <QList>
@@ -10,13 +11,16 @@
 #include <QString>
 #include <QUrl>
 
+#include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
 
 class Document;
 class UserDefaults;
+struct ReadDocument;
 
 /// Keeps the list of open documents and carries out opening, saving and closing. It shows nothing itself: windows and
 /// questions are the presenter's. It owns the open documents; main thread only.
@@ -27,7 +31,8 @@ public:
     /// Makes a new, empty document. Never returns null; may throw DocumentError.
     using DocumentFactory = std::function<std::shared_ptr<Document>()>;
 
-    /// `document` is null if opening failed, and then `error` is what the user was told, title and sentence.
+    /// `document` is null if opening failed, and then `error` is what the user was told, title and sentence; or if the
+    /// user gave it up, with no error.
     /// `alreadyOpen` is true if the file was open before.
     using OpenCompletion =
         std::function<void(const std::shared_ptr<Document>& document, bool alreadyOpen, const QString& error)>;
@@ -43,6 +48,9 @@ public:
     /// The open document of this file, null if there is none. Two paths of one file are the same file.
     std::shared_ptr<Document> documentForURL(const QUrl& url) const;
 
+    /// The same for an absolute or canonical path, as far as it is known without asking the disk.
+    std::shared_ptr<Document> documentAt(const QString& path) const;
+
     /// The open document that belongs to this pointer, null if it is not open.
     std::shared_ptr<Document> documentFor(const Document* document) const;
 
@@ -55,8 +63,13 @@ public:
 
     /// Opens a file, or brings its document forward if it is open or just being saved to that file. With `display`
     /// false no window is made or moved. A failure is shown by the presenter. `completion`, which may be empty, is
-    /// called before the function returns.
+    /// called before the function returns for a file that is at hand; the presenter shows one that takes long, and it
+    /// can be given up. Files come up in the order in which they were asked for, but none waits for a slow one; that
+    /// doesn't take the place of one that was asked for later.
     void openDocument(const QUrl& url, bool display, const OpenCompletion& completion = {});
+
+    /// For who fills a document of its own with a file: shown as that of `openDocument` when it takes long.
+    [[nodiscard]] std::unique_ptr<FileReading> readingOf(const QUrl& url);
 
     /// Makes and shows an untitled document. Null if the factory fails; the presenter has told.
     std::shared_ptr<Document> newDocument();
@@ -85,14 +98,16 @@ public:
     /// True for a document with changes and a file, which isn't being saved.
     bool canRevertDocument(const Document& document) const;
 
-    /// Gives up the changes and reads the file again, after asking. The document stays as it is when that fails.
+    /// Gives up the changes and reads the file again, after asking. The document stays as it is when that fails, when
+    /// the user gives it up and when it is changed meanwhile.
     void revertDocument(const std::shared_ptr<Document>& document);
 
     /// Another program has changed the document's file, which has the stamp `stamp` now. Reads it again when nothing
     /// that the user did is lost by that, and asks otherwise; a version that the user keeps may overwrite the file. A
-    /// file that can't be read leaves the document as it is. False, and nothing has happened, when the file isn't whole
-    /// and `mayBeUnfinished`: then it is worth another look.
-    bool fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp, bool mayBeUnfinished);
+    /// file that can't be read leaves the document as it is. `worthAnotherLook` is called when nothing has happened,
+    /// because the file can't be read and `mayBeUnfinished`, or because the document was changed during the reading.
+    void fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp, bool mayBeUnfinished,
+                        const std::function<void()>& worthAnotherLook);
 
     /// Closes the document; asks first what becomes of unsaved changes, and lets a save that is under way end. It stays
     /// open if the user cancelled, if saving failed, or if it is about to be closed already. Succeeds if it isn't open.
@@ -143,7 +158,20 @@ private:
 
     /// The open document of this file, or the one that is being saved to it; null if there is none.
     std::shared_ptr<Document> holderOf(const QUrl& url) const;
-    static void readFile(Document& document, const QUrl& url);
+    void lookUpPath(const std::shared_ptr<Document>& document);
+
+    struct Opening;
+    void startReading(const std::shared_ptr<Opening>& opening);
+    void deliverOpenings();
+    std::shared_ptr<Opening> takeNextOpening();
+    void finishOpening(const Opening& opening);
+    void present(const std::shared_ptr<Document>& document, bool alreadyOpen, const Opening& opening);
+    void failOpening(const Opening& opening, const std::exception& exception);
+
+    enum class Rereading { done, failed, overtaken };
+    void readAgain(const std::shared_ptr<Document>& document,
+                   const std::function<void(Rereading outcome, const QString& sentence)>& done);
+    bool isBeingRead(const Document& document) const { return m_rereadings.count(&document) > 0; }
     void addDocument(const std::shared_ptr<Document>& document);
     void removeDocument(const std::shared_ptr<Document>& document);
 
@@ -170,7 +198,14 @@ private:
     DocumentPresenter& m_presenter;
     RecentDocuments m_recentDocuments;
     Documents m_documents;
+    std::map<const Document*, QString> m_canonicalPaths; ///< of the files of open documents, once they are known
     std::shared_ptr<Document> m_currentDocument;
+    std::deque<std::shared_ptr<Opening>> m_openings; ///< in the order in which they were asked for
+    bool m_isDelivering = false;
+    quint64 m_openingCount = 0;
+    quint64 m_lastPresented = 0; ///< the number of the latest opening that came up
+    std::weak_ptr<Document> m_lastPresentedDocument;
+    std::map<const Document*, std::unique_ptr<FileReading>> m_rereadings;
     /// Documents about which a question waits for its answer, once for each question.
     Documents m_documentsInQuestion;
     /// Documents that will be closed when a save has ended.

@@ -80,6 +80,7 @@ void DocumentController::closeAllDocuments(const Completion& completion) {
             call(completion, false);
             return;
         }
+        m_openings.clear(); // the program ends
         for (const std::shared_ptr<Document>& document : closing)
             removeDocument(document);
         call(completion, m_documents.empty());

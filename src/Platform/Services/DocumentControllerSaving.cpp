@@ -186,7 +186,7 @@ void DocumentController::openCopy(const QString& path, const QString& name) {
 
 bool DocumentController::canRevertDocument(const Document& document) const {
     return !document.fileURL().isEmpty() && (document.isDocumentEdited() || document.isBeingTyped()) &&
-           !isSaving(document);
+           !isSaving(document) && !isBeingRead(document);
 }
 
 void DocumentController::revertDocument(const std::shared_ptr<Document>& document) {
@@ -198,20 +198,21 @@ void DocumentController::revertDocument(const std::shared_ptr<Document>& documen
     if (!reverts || !canRevertDocument(*document))
         return;
     document->commitEditing(); // what is being typed goes with the other changes
-    try {
-        readFile(*document, document->fileURL());
-    } catch (const std::exception& error) {
-        m_presenter.presentError(QStringLiteral("“%1” couldn't be read again.").arg(document->displayName()),
-                                 DocumentError::from(error).sentence());
-    }
+    readAgain(document, [this, document](Rereading outcome, const QString& sentence) {
+        if (outcome == Rereading::failed)
+            m_presenter.presentError(QStringLiteral("“%1” couldn't be read again.").arg(document->displayName()),
+                                     sentence);
+        else if (outcome == Rereading::overtaken)
+            m_presenter.presentNotice(
+                document, QStringLiteral("“%1” was changed while its file was being read, and is left as it is.")
+                              .arg(document->displayName()));
+    });
 }
 
-bool DocumentController::fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp,
-                                        bool mayBeUnfinished) {
-    if (isSaving(*document) || isBeingAskedAbout(document))
-        return true;
-    if (mayBeUnfinished && !document->looksWhole(document->fileURL()))
-        return false;
+void DocumentController::fileWasChanged(const std::shared_ptr<Document>& document, const FileStamp& stamp,
+                                        bool mayBeUnfinished, const std::function<void()>& worthAnotherLook) {
+    if (isSaving(*document) || isBeingRead(*document) || isBeingAskedAbout(document))
+        return;
     if (document->hasUserChanges() || document->isBeingTyped()) {
         mayBeUnfinished = false; // one question is enough
         auto question = noteQuestion({document});
@@ -219,22 +220,22 @@ bool DocumentController::fileWasChanged(const std::shared_ptr<Document>& documen
         question.reset();
         if (!reloads || !documentFor(document.get())) {
             document->keepInPlaceOf(stamp);
-            return true;
+            return;
         }
         document->commitEditing(); // what is being typed goes with the other changes
     }
     const QString name = document->displayName();
-    try {
-        readFile(*document, document->fileURL());
-        m_presenter.presentNotice(document, QStringLiteral("“%1” was changed by another program.").arg(name));
-    } catch (const std::exception& error) {
-        if (mayBeUnfinished)
-            return false;
-        document->setFileStamp(stamp); // until it changes again
-        document->loseFile();
-        m_presenter.presentNotice(document,
-                                  QStringLiteral("“%1” was changed by another program and can't be read any more: %2")
-                                      .arg(name, DocumentError::from(error).sentence()));
-    }
-    return true;
+    readAgain(document, [=, this](Rereading outcome, const QString& sentence) {
+        if (outcome == Rereading::done) {
+            m_presenter.presentNotice(document, QStringLiteral("“%1” was changed by another program.").arg(name));
+        } else if (outcome == Rereading::overtaken || mayBeUnfinished) {
+            worthAnotherLook();
+        } else {
+            document->setFileStamp(stamp); // until it changes again
+            document->loseFile();
+            m_presenter.presentNotice(
+                document, QStringLiteral("“%1” was changed by another program and can't be read any more: %2")
+                              .arg(name, sentence));
+        }
+    });
 }

@@ -3,16 +3,16 @@
 #include "Document.h"
 #include "DocumentController.h"
 #include "DocumentPresenter.h"
+#include "FileWork.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
-#include <QSet>
+#include <QPointer>
 
 #include <utility>
-#include <vector>
 
 /// A folder with more entries isn't searched for a file that was renamed.
-static constexpr int mostEntries = 2000; // each is looked up while the user waits
+static constexpr int mostEntries = 2000;
 
 DocumentFileMonitor::DocumentFileMonitor(DocumentController& controller, DocumentPresenter& presenter,
                                          std::chrono::milliseconds patience, QObject* parent)
@@ -45,28 +45,35 @@ void DocumentFileMonitor::forget(const std::shared_ptr<Document>& document) {
 
 /// Watches the files and their folders: a file that is replaced is no longer the one that was watched.
 void DocumentFileMonitor::updatePaths() {
-    QSet<QString> wanted;
+    m_wanted.clear();
     for (auto& [document, watched] : m_watched) {
         const QString path = document->fileURL().toLocalFile();
         if (path != watched.path) {
-            watched = {path, FileStamp::of(path), {}, {}, false};
+            watched = {path, document->fileStamp(), {}, {}, false, false};
             watched.unchangedFor.start();
         }
-        if (path.isEmpty())
-            continue;
-        const QFileInfo file(path);
-        for (const QString& each : {path, file.absolutePath()})
-            if (QFileInfo::exists(each))
-                wanted.insert(each);
+        if (!path.isEmpty())
+            m_wanted << path << QFileInfo(path).absolutePath();
     }
     const QStringList before = m_watcher.files() + m_watcher.directories();
     const QSet<QString> now(before.begin(), before.end());
-    const QSet<QString> old = now - wanted;
-    const QSet<QString> fresh = wanted - now;
+    const QSet<QString> old = now - m_wanted;
     if (!old.isEmpty())
         m_watcher.removePaths(old.values());
-    if (!fresh.isEmpty())
-        m_watcher.addPaths(fresh.values());
+    for (const QString& path : m_wanted - now)
+        watchIfThere(path);
+}
+
+void DocumentFileMonitor::watchIfThere(const QString& path) {
+    FileWork::run(
+        this, [path] { return QFileInfo::exists(path); },
+        [this, path](bool exists) {
+            if (!exists || !m_wanted.contains(path) || m_watcher.files().contains(path) ||
+                m_watcher.directories().contains(path))
+                return;
+            m_watcher.addPath(path);
+            scheduleCheck(); // it may have changed since it was read
+        });
 }
 
 void DocumentFileMonitor::scheduleCheck() {
@@ -75,24 +82,54 @@ void DocumentFileMonitor::scheduleCheck() {
 
 void DocumentFileMonitor::checkAll() {
     m_settling.stop();
-    std::vector<std::shared_ptr<Document>> documents; // a question may close some
-    for (const auto& entry : m_watched)
-        documents.push_back(entry.first);
-    bool isSettled = true;
-    for (const auto& document : documents) {
-        const auto found = m_watched.find(document);
-        if (found != m_watched.end() && !found->second.path.isEmpty())
-            isSettled &= check(document, found->second);
-    }
+    for (auto& [document, watched] : m_watched)
+        if (!watched.path.isEmpty() && !watched.isLookedAt)
+            look(document, watched);
     updatePaths();
-    if (!isSettled)
-        scheduleCheck();
 }
 
-bool DocumentFileMonitor::check(const std::shared_ptr<Document>& document, Watched& watched) {
+/// The name of the file in that folder that has that place on the disk; empty when there is none.
+static QString fileWithInode(const QString& folder, const FileStamp& sought) {
+    QDirIterator entries(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    for (int count = 0; entries.hasNext() && count < mostEntries; ++count) {
+        QString path = entries.next();
+        const std::optional<FileStamp> stamp = FileStamp::of(path);
+        if (stamp && stamp->device == sought.device && stamp->inode == sought.inode)
+            return path;
+    }
+    return {};
+}
+
+void DocumentFileMonitor::look(const std::shared_ptr<Document>& document, Watched& watched) {
+    watched.isLookedAt = true;
+    const auto work = [url = document->fileURL(), path = watched.path, known = document->fileStamp(),
+                       looksWhole = document->wholeCheck()] {
+        Seen seen{FileStamp::of(path), true, {}};
+        if (seen.stamp && seen.stamp != known)
+            seen.isWhole = looksWhole(url);
+        else if (!seen.stamp && known)
+            seen.renamed = fileWithInode(QFileInfo(path).absolutePath(), *known);
+        return seen;
+    };
+    FileWork::run(
+        this, work,
+        [this, which = std::weak_ptr(document), path = watched.path, known = document->fileStamp()](const Seen& seen) {
+            const std::shared_ptr<Document> open = which.lock();
+            const auto found = m_watched.find(open);
+            if (!open || found == m_watched.end() || found->second.path != path)
+                return;
+            found->second.isLookedAt = false;
+            // What was seen before a save is no news.
+            if (open->fileStamp() != known || !check(open, found->second, seen))
+                scheduleCheck();
+            updatePaths();
+        });
+}
+
+bool DocumentFileMonitor::check(const std::shared_ptr<Document>& document, Watched& watched, const Seen& seen) {
     if (m_controller.isSaving(*document))
         return true; // its end is told
-    const std::optional<FileStamp> stamp = FileStamp::of(watched.path);
+    const std::optional<FileStamp>& stamp = seen.stamp;
     const bool isStable = stamp == std::exchange(watched.lastSeen, stamp);
     if (!isStable)
         watched.unchangedFor.restart();
@@ -108,7 +145,7 @@ bool DocumentFileMonitor::check(const std::shared_ptr<Document>& document, Watch
         if (mayChangeYet && !watched.isGone)
             return false;
         if (!watched.isGone)
-            fileIsGone(document, watched);
+            fileIsGone(document, watched, seen.renamed);
         return true;
     }
     watched.isGone = false;
@@ -119,33 +156,25 @@ bool DocumentFileMonitor::check(const std::shared_ptr<Document>& document, Watch
     if (mayChangeYet && watched.unfinished == stamp)
         return false;
     watched.unfinished = stamp;
-    return m_controller.fileWasChanged(document, *stamp, mayChangeYet);
+    if (mayChangeYet && !seen.isWhole)
+        return false;
+    m_controller.fileWasChanged(document, *stamp, mayChangeYet, [monitor = QPointer(this)] {
+        if (monitor)
+            monitor->scheduleCheck();
+    });
+    return true;
 }
 
-/// The name of the file in that folder that has that place on the disk; none when there is none.
-static std::optional<QString> fileWithInode(const QString& folder, const FileStamp& sought) {
-    QDirIterator entries(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
-    for (int count = 0; entries.hasNext() && count < mostEntries; ++count) {
-        const QString path = entries.next();
-        const std::optional<FileStamp> stamp = FileStamp::of(path);
-        if (stamp && stamp->device == sought.device && stamp->inode == sought.inode)
-            return path;
-    }
-    return std::nullopt;
-}
-
-void DocumentFileMonitor::fileIsGone(const std::shared_ptr<Document>& document, Watched& watched) {
+void DocumentFileMonitor::fileIsGone(const std::shared_ptr<Document>& document, Watched& watched,
+                                     const QString& renamed) {
     const QString name = document->displayName();
-    if (document->fileStamp()) {
-        const auto renamed = fileWithInode(QFileInfo(watched.path).absolutePath(), *document->fileStamp());
-        if (renamed && !m_controller.documentForURL(QUrl::fromLocalFile(*renamed))) {
-            const std::optional<FileStamp> stamp = document->fileStamp();
-            document->setFileURL(QUrl::fromLocalFile(*renamed)); // which changes `watched`
-            document->setFileStamp(stamp);
-            m_presenter.presentNotice(document,
-                                      QStringLiteral("“%1” is now called “%2”.").arg(name, document->displayName()));
-            return;
-        }
+    if (!renamed.isEmpty() && !m_controller.documentForURL(QUrl::fromLocalFile(renamed))) {
+        const std::optional<FileStamp> stamp = document->fileStamp();
+        document->setFileURL(QUrl::fromLocalFile(renamed)); // which changes `watched`
+        document->setFileStamp(stamp);
+        m_presenter.presentNotice(document,
+                                  QStringLiteral("“%1” is now called “%2”.").arg(name, document->displayName()));
+        return;
     }
     watched.isGone = true;
     document->loseFile();

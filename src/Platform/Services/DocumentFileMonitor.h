@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QFileSystemWatcher>
 #include <QObject>
+#include <QSet>
 #include <QTimer>
 
 #include <chrono>
@@ -45,20 +46,30 @@ private:
         QElapsedTimer unchangedFor;
         std::optional<FileStamp> unfinished; ///< the version that couldn't be read yet
         bool isGone = false;                 ///< the user has been told
+        bool isLookedAt = false;             ///< by another thread, now
+    };
+    /// What another thread has found.
+    struct Seen {
+        std::optional<FileStamp> stamp; ///< none where there is no file
+        bool isWhole = true;
+        QString renamed; ///< what became of a file that is gone; empty when that isn't known
     };
 
     void watch(const std::shared_ptr<Document>& document);
     void forget(const std::shared_ptr<Document>& document);
     void updatePaths();
     void scheduleCheck();
+    void watchIfThere(const QString& path);
+    void look(const std::shared_ptr<Document>& document, Watched& watched);
     /// False when the file is still changing.
-    bool check(const std::shared_ptr<Document>& document, Watched& watched);
-    void fileIsGone(const std::shared_ptr<Document>& document, Watched& watched);
+    bool check(const std::shared_ptr<Document>& document, Watched& watched, const Seen& seen);
+    void fileIsGone(const std::shared_ptr<Document>& document, Watched& watched, const QString& renamed);
 
     DocumentController& m_controller;
     DocumentPresenter& m_presenter;
     const std::chrono::milliseconds m_patience;
     QFileSystemWatcher m_watcher;
+    QSet<QString> m_wanted; ///< files and folders that are to be watched where they exist
     QTimer m_settling;
     std::map<std::shared_ptr<Document>, Watched> m_watched;
 };

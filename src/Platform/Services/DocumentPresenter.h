@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -27,6 +28,12 @@ public:
 
     /// Brings the document's window to the front; makes one if it has none.
     virtual void bringForward(const std::shared_ptr<Document>& document) = 0;
+
+    /// Shows that the file of that name is still being read, until what this returns is let go of. `giveUp` ends the
+    /// reading, and may be called at any time; it doesn't ask. Null when nothing is shown.
+    virtual std::shared_ptr<void> showReading(const QString& /*name*/, const std::function<void()>& /*giveUp*/) {
+        return nullptr;
+    }
 
     /// Asks whether to save the changes of a document that is about to be closed.
     virtual SaveAnswer askToSave(const std::shared_ptr<Document>& document) = 0;

@@ -3,6 +3,9 @@
 #include "AnnotatingPDFView.h"
 #include "DocumentController.h"
 #include "ErrorSentence.h"
+#include "FilePath.h"
+#include "FileReading.h"
+#include "FileStamp.h"
 #include "LandingView.h"
 #include "Logging.h"
 #include "PDFDocument.h"
@@ -10,6 +13,7 @@
 #include "PDFEditorWorkspaceView.h"
 #include "PDFError.h"
 #include "PDFPage.h"
+#include "PDFSource.h"
 #include "PDFUnlocker.h"
 #include "ToolState.h"
 #include "UnlockDocumentView.h"
@@ -18,6 +22,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -45,14 +50,24 @@ struct ReaderPlace {
     }
 };
 
-/// None when it isn't a PDF file that can be read.
-std::shared_ptr<PDFDocument> read(const QUrl& url) {
+/// What another thread has read of a file.
+struct ReadFile {
+    std::shared_ptr<PDFSource> source; ///< null when it isn't a PDF file that can be read
+    std::optional<FileStamp> stamp;
+    QString sentence; ///< when it failed for another reason
+};
+
+ReadFile read(const QUrl& url) {
+    ReadFile result;
     try {
-        return PDFDocument::fromFile(url.toLocalFile());
+        result.stamp = FileStamp::of(url.toLocalFile());
+        result.source = PDFDocument::openSource(url.toLocalFile());
     } catch (const PDFError& error) {
         qCWarning(Logging::document) << "opening in place failed:" << Logging::causes(error);
-        return nullptr;
+    } catch (...) {
+        result.sentence = sentenceOfCurrentError("opening in place");
     }
+    return result;
 }
 
 } // namespace
@@ -124,25 +139,39 @@ void ContentView::replaceContent(Content content, QWidget* view) {
 }
 
 void ContentView::openInPlace(const QUrl& url) {
-    if (m_controller.documentForURL(url)) {
-        m_controller.openDocument(url, true);
-        return;
-    }
+    m_reading = m_controller.readingOf(url); // a file that was chosen before is given up
+    connect(m_reading.get(), &FileReading::givenUp, this, [this] { m_reading.release()->deleteLater(); });
+    m_reading->start([url] { return std::pair(read(url), FilePath::canonical(url)); },
+                     [this, url](const std::pair<ReadFile, QString>& result) {
+                         const auto reading = std::move(m_reading); // with what is running here, until its end
+                         const auto& [file, path] = result;
+                         if (m_controller.documentAt(path))
+                             m_controller.openDocument(url, true);
+                         else if (!file.sentence.isEmpty())
+                             failToOpen(url, file.sentence);
+                         else if (file.source && m_document->pdfDocument()->pageCount() == 0)
+                             fill(url, file.source, file.stamp);
+                     });
+}
+
+void ContentView::failToOpen(const QUrl& url, const QString& sentence) {
+    Q_EMIT openingFailed(QStringLiteral("“%1” couldn't be opened.").arg(url.fileName()), sentence);
+}
+
+void ContentView::fill(const QUrl& url, const std::shared_ptr<PDFSource>& source,
+                       const std::optional<FileStamp>& stamp) {
     std::shared_ptr<PDFDocument> pdfDocument;
-    const std::optional<FileStamp> stamp = FileStamp::of(url.toLocalFile());
     bool wasLocked = false;
     const QPointer<ContentView> self(this);
     try {
-        pdfDocument = read(url);
-        if (!pdfDocument)
-            return;
+        pdfDocument = PDFDocument::fromSource(source);
         wasLocked = pdfDocument->isLocked();
         if (!PDFUnlocker::promptAndUnlock(*pdfDocument, [this] { return m_askPassword(window()); }) || !self)
             return;
     } catch (...) {
         const QString sentence = sentenceOfCurrentError("opening in place");
         if (self)
-            Q_EMIT openingFailed(QStringLiteral("“%1” couldn't be opened.").arg(url.fileName()), sentence);
+            failToOpen(url, sentence);
         return;
     }
     m_document->becomeFile(url, stamp);

@@ -8,12 +8,15 @@
 #include <optional>
 
 class DocumentController;
+class FileReading;
 class PDFDocument;
 class PDFEditorDocument;
 class PDFEditorWorkspaceView;
+class PDFSource;
 class QVBoxLayout;
 class ToolState;
 class UserDefaults;
+struct FileStamp;
 
 /// The root of a document window: shows the unlock screen for a locked document, the landing content for one without
 /// pages, and the workspace for any other, and decides anew whenever the document changes.
@@ -53,6 +56,8 @@ private:
 
     void decideContent();
     void replaceContent(Content content, QWidget* view);
+    void failToOpen(const QUrl& url, const QString& sentence);
+    void fill(const QUrl& url, const std::shared_ptr<PDFSource>& source, const std::optional<FileStamp>& stamp);
 
     std::shared_ptr<PDFEditorDocument> m_document;
     DocumentController& m_controller;
@@ -65,4 +70,5 @@ private:
     PDFEditorWorkspaceView* m_workspace = nullptr;
     /// What the workspace was built for.
     std::weak_ptr<PDFDocument> m_workspaceDocument;
+    std::unique_ptr<FileReading> m_reading; ///< of the file that is being opened in place
 };

@@ -39,6 +39,7 @@ struct Session {
         : defaults(folder.filePath(QStringLiteral("settings.ini"))),
           controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults),
           recovery(controller, folder.filePath(QStringLiteral("recovery")), pace), lostDocuments(controller, recovery) {
+        FileReading::patience = 1min;
     }
 
     std::shared_ptr<PDFEditorDocument> open(const QString& path) {

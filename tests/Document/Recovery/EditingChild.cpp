@@ -146,6 +146,7 @@ private:
 };
 
 int run(const QString& folder, const QString& path, unsigned seed) {
+    FileReading::patience = 1min;
     SilentPresenter presenter;
     UserDefaults defaults(folder + QStringLiteral("/settings.ini"));
     DocumentController controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults);

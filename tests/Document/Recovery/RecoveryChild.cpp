@@ -21,6 +21,7 @@
 static constexpr int changesBeforeRewrites = 12;
 
 static int edit(const QString& folder, const QString& path) {
+    FileReading::patience = std::chrono::minutes(1);
     SilentPresenter presenter;
     UserDefaults defaults(folder + QStringLiteral("/settings.ini"));
     DocumentController controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults);

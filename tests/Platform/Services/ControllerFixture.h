@@ -53,6 +53,12 @@ public:
         return reverts;
     }
 
+    std::shared_ptr<void> showReading(const QString& name, const std::function<void()>& giveUp) override {
+        m_calls.append(QStringLiteral("reading ") + name);
+        giveUpReading = giveUp;
+        return {this, [this, name](void*) { m_calls.append(QStringLiteral("no longer reading ") + name); }};
+    }
+
     void presentNotice(const std::shared_ptr<Document>&, const QString& sentence) override { m_calls.append(sentence); }
 
     bool askToRevert(const std::shared_ptr<Document>& document) override {
@@ -86,6 +92,7 @@ public:
     bool takesSaveAs = false;        ///< once
     std::optional<QString> location; ///< once
     std::function<void(const std::shared_ptr<Document>&)> whileAsking;
+    std::function<void()> giveUpReading;
 
 private:
     void runWhileAsking(const std::shared_ptr<Document>& document) const {
@@ -104,6 +111,8 @@ private:
 class ControllerFixture : public testing::Test {
 protected:
     using Answer = DocumentPresenter::SaveAnswer;
+
+    ControllerFixture() { FileReading::patience = std::chrono::minutes(1); }
 
     QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
 

@@ -94,4 +94,95 @@ TEST_F(DocumentControllerTest, RecentDocumentsAreNewestFirst) {
     EXPECT_TRUE(m_controller->recentDocumentURLs().isEmpty());
 }
 
+/// Files whose reading waits for a gate of its own, and nobody waits for them.
+class SlowReadingTest : public ControllerFixture {
+protected:
+    SlowReadingTest() {
+        FileReading::patience = std::chrono::milliseconds(0);
+        const auto factory = [this] {
+            auto document = std::make_shared<TextDocument>();
+            document->readingGate = m_nextGate;
+            return document;
+        };
+        m_controller = std::make_unique<DocumentController>(factory, m_presenter, m_defaults);
+    }
+
+    using Gate = std::shared_ptr<QSemaphore>;
+
+    Gate openSlowly(const char* name) {
+        const auto gate = std::make_shared<QSemaphore>();
+        m_nextGate = gate;
+        m_controller->openDocument(makeFile(name), true, [this](const auto& document, bool, const QString&) {
+            m_ended.append(document ? "o" : "-");
+        });
+        m_nextGate.reset();
+        return gate;
+    }
+
+    /// Waits until the presenter has been told that.
+    void expectCalls(const std::string& expected) {
+        std::string calls;
+        const bool came = QTest::qWaitFor(
+            [&] {
+                const std::string more = m_presenter.takeCalls();
+                calls += (calls.empty() || more.empty() ? "" : "; ") + more;
+                return calls.size() >= expected.size();
+            },
+            30'000);
+        EXPECT_TRUE(came && calls == expected) << calls;
+    }
+
+    Gate m_nextGate;
+    QByteArray m_ended;
+};
+
+TEST_F(SlowReadingTest, FilesComeUpInOrderAndNoneWaitsForASlowOneThatTakesNoFocus) {
+    const Gate first = openSlowly("first.txt");
+    const Gate second = openSlowly("second.txt");
+    second->release();
+    QTest::qWait(20);
+    EXPECT_EQ(m_presenter.takeCalls(), "") << "the first may come yet";
+    first->release();
+    expectCalls("show first.txt; show second.txt");
+
+    const Gate slow = openSlowly("slow.txt");
+    const Gate quick = openSlowly("quick.txt");
+    quick->release();
+    expectCalls("reading slow.txt; show quick.txt");
+    slow->release();
+    expectCalls("no longer reading slow.txt; show slow.txt; forward quick.txt");
+    EXPECT_EQ(m_controller->currentDocument()->displayName(), QStringLiteral("quick.txt"));
+    EXPECT_EQ(m_ended, "oooo");
+}
+
+TEST_F(SlowReadingTest, WhatIsGivenUpOrClosedLeavesNothing) {
+    const Gate gate = openSlowly("a.txt");
+    expectCalls("reading a.txt");
+    m_presenter.giveUpReading();
+    EXPECT_EQ(m_presenter.takeCalls(), "no longer reading a.txt");
+    gate->release();
+    openSlowly("b.txt")->release();
+    expectCalls("show b.txt");
+    EXPECT_EQ(m_ended, "-o");
+    ASSERT_EQ(m_controller->documents().size(), 1U);
+
+    // Read again: a change meanwhile is kept, and a closed document takes nothing.
+    const auto document = edit(m_controller->documents().front());
+    document->readingGate = gate;
+    m_presenter.reverts = true;
+    m_controller->revertDocument(document);
+    EXPECT_FALSE(m_controller->canRevertDocument(*document));
+    edit(document);
+    gate->release();
+    expectCalls("revert b.txt; “b.txt” was changed while its file was being read, and is left as it is.");
+    EXPECT_EQ(document->text, QStringLiteral("text++"));
+    m_controller->revertDocument(document);
+    m_presenter.answer = Answer::DontSave;
+    EXPECT_TRUE(close(document));
+    gate->release();
+    QTest::qWait(20);
+    EXPECT_EQ(m_presenter.takeCalls(), "revert b.txt; ask b.txt; closed b.txt");
+    EXPECT_EQ(document->text, QStringLiteral("text++"));
+}
+
 } // namespace

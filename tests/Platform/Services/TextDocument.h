@@ -16,6 +16,8 @@ public:
     QString failure;
     /// When there is one, a snapshot isn't written before the gate is released once.
     std::shared_ptr<QSemaphore> gate;
+    /// When there is one, no file is read before it is released once.
+    std::shared_ptr<QSemaphore> readingGate;
     /// Released once for each snapshot that comes to the gate.
     const std::shared_ptr<QSemaphore> atGate = std::make_shared<QSemaphore>();
 
@@ -27,15 +29,22 @@ public:
         });
     }
 
-    void read(const QUrl& url) override {
-        QFile file(url.toLocalFile());
-        if (!file.open(QIODevice::ReadOnly))
-            throw DocumentError(file.errorString());
-        const QString content = QString::fromUtf8(file.readAll());
-        if (content.startsWith(QLatin1String("damaged")))
-            throw DocumentError(QStringLiteral("The file is damaged."));
-        text.clear();
-        append(content);
+    Reading reading(const QUrl& url) const override {
+        return [url, gate = readingGate]() -> Filling {
+            if (gate)
+                gate->acquire();
+            QFile file(url.toLocalFile());
+            if (!file.open(QIODevice::ReadOnly))
+                throw DocumentError(file.errorString());
+            const QString content = QString::fromUtf8(file.readAll());
+            if (content.startsWith(QLatin1String("damaged")))
+                throw DocumentError(QStringLiteral("The file is damaged."));
+            return [content](Document& document) {
+                auto& filled = static_cast<TextDocument&>(document);
+                filled.text.clear();
+                filled.append(content);
+            };
+        };
     }
 
     QByteArray dataRepresentation() const override {

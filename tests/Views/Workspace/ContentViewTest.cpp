@@ -183,6 +183,31 @@ TEST_F(ContentViewTest, aFileOpenedInPlaceFillsTheUntitledDocument) {
     EXPECT_EQ(m_controller.recentDocumentURLs(), QList<QUrl>{url});
 }
 
+TEST_F(ContentViewTest, aTabThatIsClosedOrChoosesAgainWhileAFileIsReadTakesNothingOfIt) {
+    FileReading::patience = std::chrono::milliseconds(0);
+    const QUrl first = TestPdf{}.write(m_folder.path(), QStringLiteral("first.pdf"));
+    const QUrl second = TestPdf{}.write(m_folder.path(), QStringLiteral("second.pdf"));
+    const auto document = std::make_shared<PDFEditorDocument>();
+    auto view = contentView(document);
+    QSignalSpy done(view.get(), &ContentView::openedInPlace);
+    view->openInPlace(first);
+    EXPECT_EQ(content(*view), "LandingView") << "nobody waits";
+    view->openInPlace(second);
+    EXPECT_TRUE(done.wait());
+    QTest::qWait(20);
+    EXPECT_EQ(done.count(), 1);
+    EXPECT_EQ(document->displayName(), QStringLiteral("second.pdf"));
+
+    const auto closed = std::make_shared<PDFEditorDocument>();
+    view = contentView(closed);
+    view->openInPlace(first);
+    view.reset();
+    QTest::qWait(20);
+    EXPECT_TRUE(closed->fileURL().isEmpty());
+    EXPECT_EQ(closed->pdfDocument()->pageCount(), 0);
+    EXPECT_EQ(m_controller.recentDocumentURLs(), QList<QUrl>{second});
+}
+
 TEST_F(ContentViewTest, whatCantBeOpenedInPlaceChangesNothing) {
     QFile noPdf(m_folder.filePath(QStringLiteral("text.pdf")));
     ASSERT_TRUE(noPdf.open(QFile::WriteOnly));
