@@ -14,6 +14,8 @@
 #include <QProgressDialog>
 #include <QStandardPaths>
 
+#include <utility>
+
 // A sentence about a file takes longer to read than the name of a tool.
 static constexpr std::chrono::seconds noticeTime{5};
 
@@ -46,7 +48,19 @@ void WindowPresenter::show(const std::shared_ptr<Document>& document) {
     }
     m_window->addDocument(editorDocument);
     m_window->present();
+    putReadingsOver(m_window);
     Q_EMIT documentPresented();
+}
+
+/// They stay over the window that comes up, and don't go with one that closes.
+void WindowPresenter::putReadingsOver(QWidget* window) {
+    m_shownReadings.removeAll(nullptr);
+    for (const QPointer<QWidget>& reading : std::as_const(m_shownReadings)) {
+        if (reading->parentWidget() == window || !reading->isVisible())
+            continue;
+        reading->setParent(window, reading->windowFlags());
+        reading->show();
+    }
 }
 
 void WindowPresenter::bringForward(const std::shared_ptr<Document>& document) {
@@ -61,7 +75,7 @@ void WindowPresenter::bringForward(const std::shared_ptr<Document>& document) {
 }
 
 std::shared_ptr<void> WindowPresenter::showReading(const QString& name, const std::function<void()>& giveUp) {
-    auto* const dialog = new QProgressDialog(windowForQuestions());
+    auto* const dialog = new QProgressDialog(m_window);
     dialog->setObjectName(QStringLiteral("slowReading"));
     dialog->setAttribute(Qt::WA_ShowWithoutActivating); // the person goes on elsewhere
     dialog->setWindowTitle(QStringLiteral("Quillo"));
@@ -73,7 +87,7 @@ std::shared_ptr<void> WindowPresenter::showReading(const QString& name, const st
     dialog->setRange(0, 0);
     connect(dialog, &QProgressDialog::canceled, this, [giveUp] { giveUp(); });
     dialog->show();
-    // It goes with its window too.
+    m_shownReadings.append(dialog);
     return {static_cast<void*>(dialog), [shown = QPointer<QProgressDialog>(dialog)](void*) {
                 if (!shown)
                     return;
@@ -154,6 +168,8 @@ void WindowPresenter::didClose(const std::shared_ptr<Document>& document) {
         return;
     m_window->removeDocument(*document);
     // A window that has lost its last tab is on its way out; the next document gets a new one.
-    if (!m_window->currentContentView())
+    if (!m_window->currentContentView()) {
+        putReadingsOver(nullptr);
         m_window = nullptr;
+    }
 }

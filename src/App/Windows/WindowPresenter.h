@@ -3,6 +3,7 @@
 #include "DocumentPresenter.h"
 #include "DocumentWindow.h"
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 
@@ -47,7 +48,10 @@ Q_SIGNALS:
     void documentPresented();
 
 private:
+    void putReadingsOver(QWidget* window);
+
     DocumentDialogs& m_dialogs;
     WindowServices* m_services = nullptr;
     QPointer<DocumentWindow> m_window;
+    QList<QPointer<QWidget>> m_shownReadings;
 };
