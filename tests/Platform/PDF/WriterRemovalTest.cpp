@@ -13,17 +13,17 @@ namespace {
 
 // What must disappear with the second page, each word in one place of the file.
 const QByteArrayList secrets{
-    "GoneText",        "GoneNote",   "GonePopup",    "GoneField",     "GoneValue",       "GoneGroup",
-    "GoneActual",      "GoneTitle",  "GoneName",     "GoneOldName",   "GoneThread",      "GonePicture",
-    "GoneProperty",    "GonePiece",  "GoneTemplate", "GoneElementId", "GoneLinkElement", "GoneSpan",
-    "GoneRadioChoice", "GoneShared", "GoneXfa",      "GoneTrigger",   "GoneOrphan",
+    "GoneText",     "GoneNote",      "GonePopup",       "GoneField",  "GoneValue",       "GoneGroup",    "GoneActual",
+    "GoneTitle",    "GoneName",      "GoneOldName",     "GoneThread", "GonePicture",     "GoneProperty", "GonePiece",
+    "GoneTemplate", "GoneElementId", "GoneLinkElement", "GoneSpan",   "GoneRadioChoice", "GoneShared",   "GoneXfa",
+    "GoneTrigger",  "GoneOrphan",    "GoneUnlisted",    "GoneThumb",  "GoneAppData",
 };
 
 // What must stay, though it stands close to what goes.
 const QByteArrayList keepers{
     "StaysText1", "StaysText3",   "StaysNote",     "StaysField",  "StaysValue",   "StaysActual1", "StaysActual3",
     "StaysName",  "StaysOldName", "StaysThread",   "StaysEntry",  "StaysPicture", "StaysFile",    "StaysLayer",
-    "StaysLabel", "StaysXmp",     "StaysProperty", "StaysShared", "StaysSection", "StaysGroup",
+    "StaysLabel", "StaysXmp",     "StaysProperty", "StaysShared", "StaysSection", "StaysGroup",   "StaysReset",
 };
 
 bool contains(const QByteArray& file, const QByteArray& word) {
@@ -56,7 +56,11 @@ void fill(PdfFixture& pdf) {
 
     // The form.
     pdf.addTextField(0, QStringLiteral("StaysField"), {10, 100, 100, 20}, QStringLiteral("StaysValue"));
-    pdf.addTextField(1, QStringLiteral("GoneField"), {10, 100, 100, 20}, QStringLiteral("GoneValue"));
+    const QByteArray goneField =
+        pdf.addTextField(1, QStringLiteral("GoneField"), {10, 100, 100, 20}, QStringLiteral("GoneValue"));
+    const QByteArray unlisted = pdf.addObject("<< /FT /Tx /T (GoneUnlisted) /V (GoneUnlisted) >>");
+    pdf.appendToArray(unlisted, "/Kids",
+                      pdf.addAnnotation(1, "<< /Subtype /Widget /Rect [0 0 9 9] /Parent " + unlisted + " >>"));
     const QByteArray group =
         pdf.addRadioGroup(QStringLiteral("GoneGroup"), {{1, {10, 200, 10, 10}, "GoneRadioChoice"}}, "GoneRadioChoice");
     pdf.addRadioGroup(QStringLiteral("StaysGroup"), {{0, {10, 300, 10, 10}, "A"}, {1, {10, 300, 10, 10}, "B"}}, "A");
@@ -65,6 +69,12 @@ void fill(PdfFixture& pdf) {
     pdf.addSharedTextField(QStringLiteral("GoneShared"), {{1, {10, 450, 90, 20}}, {1, {10, 480, 90, 20}}},
                            QStringLiteral("one page"));
     pdf.setKey(pdf.form(), "/CO", '[' + group + ']');
+    const QByteArray reset = pdf.addTextField(0, QStringLiteral("StaysReset"), {10, 500, 90, 20}, QStringLiteral("x"));
+    pdf.addAnnotation(0, "<< /Subtype /Link /Rect [0 0 9 9] /A << /S /ResetForm /Fields [" + group + " (StaysReset) " +
+                             reset + " (GoneGroup) " + unlisted + "] /Next << /S /SubmitForm /F (x:) /Fields [" +
+                             goneField + "] /Next << /S /Hide /T " + goneField + " >> >> >> /MyPage " +
+                             pdf.pageReference(1) + " >>");
+    pdf.setPageKey(1, "/Type", "/Odd");
     pdf.setKey(pdf.form(), "/XFA", pdf.addStream("<< >>", "<xfa>GoneXfa</xfa>"));
 
     // The structure tree. The pages have the keys 0 to 2 in its parent tree.
@@ -113,7 +123,11 @@ void fill(PdfFixture& pdf) {
 
     // Parts of the document.
     pdf.setPageKey(1, "/PieceInfo", "<< /App << /Private (GonePiece) >> >>");
-    pdf.setMetadata("<x>StaysXmp</x>");
+    pdf.setRootKey("/PieceInfo", "<< /App << /Private (GoneAppData) >> >>");
+    pdf.setMetadata(
+        "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
+        "xmlns:xmp='http://ns.adobe.com/xap/1.0/' xmlns:my='urn:my'><xmp:Thumbnails><rdf:Alt><rdf:li>GoneThumb"
+        "</rdf:li></rdf:Alt></xmp:Thumbnails><my:own>StaysXmp</my:own></rdf:Description></rdf:RDF>");
     pdf.attach(QStringLiteral("StaysFile.txt"), "hello");
     pdf.addLayer(0, QStringLiteral("StaysLayer"), "", true);
 }
@@ -207,6 +221,40 @@ TEST_P(RemovalTest, ExtractedPagesBringNothingOfTheOthers) {
         EXPECT_TRUE(contains(all, word)) << word;
     const auto reopened = PDFDocument::fromData(file);
     EXPECT_EQ(pagesLinkedFrom(*reopened, 0), (std::vector{1, 1})) << "one by page and one by name";
+}
+
+TEST_P(RemovalTest, LeavesNothingOfAnAnnotation) {
+    for (const bool appends : {false, true}) {
+        PdfFixture pdf;
+        pdf.addPage({QStringLiteral("StaysText")});
+        pdf.addPage({});
+        pdf.tagPage(0, QStringLiteral("StaysActual"));
+        pdf.addPage({QString(500, QLatin1Char('w'))});
+        const QByteArray note =
+            pdf.addAnnotation(0, "<< /Subtype /Text /Rect [10 10 30 30] /Contents (GoneNote) /StructParent 77 >>");
+        const QByteArray widgets[] = {
+            pdf.addTextField(0, QStringLiteral("a"), {0, 50, 9, 9}, QStringLiteral("GoneValue")),
+            pdf.addSharedTextField(QStringLiteral("b"), {{0, {0, 70, 9, 9}}}, QStringLiteral("GoneShared"))};
+        pdf.addAnnotation(1, "<< /Subtype /Link /Rect [0 0 9 9] /A << /S /Hide /T [" + note + ' ' + widgets[0] + ' ' +
+                                 widgets[1] + "] >> >>");
+        const QByteArray element =
+            pdf.addObject("<< /Type /StructElem /S /Annot /Alt (GoneAlt) /K [<< /Type /OBJR /Obj " + note + " >>] >>");
+        pdf.appendToStructure({element});
+        pdf.appendToParentTree(77, element);
+        const QByteArray before = pdf.bytes(GetParam());
+        const auto document = PDFDocument::fromData(before);
+        for (const auto& annotation : std::vector(document->page(0)->annotations()))
+            document->page(0)->removeAnnotation(annotation);
+        if (!appends)
+            document->removePage(2);
+        const QByteArray after = document->dataRepresentation();
+        EXPECT_EQ(after.startsWith(before), appends);
+        EXPECT_EQ(PdfPrograms::complaints(after), "");
+        const QByteArray all = PdfPrograms::unpacked(after);
+        for (const char* word : {"GoneNote", "GoneAlt", "GoneValue", "GoneShared"})
+            EXPECT_FALSE(contains(all, word)) << word;
+        EXPECT_TRUE(contains(all, "StaysActual"));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Styles, RemovalTest,

@@ -26,6 +26,8 @@ const Property properties[] = {
     {QLatin1String("Keywords"), QLatin1String("pdf:Keywords"), QLatin1String()},
     {QLatin1String("ModDate"), QLatin1String("xmp:ModifyDate"), QLatin1String()},
     {QLatin1String("ModDate"), QLatin1String("xmp:MetadataDate"), QLatin1String()},
+    {QLatin1String("Thumbnails"), QLatin1String("xmp:Thumbnails"), QLatin1String()},
+    {QLatin1String("Thumbnails"), QLatin1String("xap:Thumbnails"), QLatin1String()},
 };
 
 bool isChanged(QStringView name, const QStringList& keys) {

@@ -17,7 +17,8 @@ namespace XmpPacket {
 [[nodiscard]] QStringList keys();
 
 /// The packet with those of Title, Author, Subject, Keywords and ModDate that `keys` names changed to their values in
-/// `attributes`, or removed where those lack them. Everything else stays. None for a packet that can't be read.
+/// `attributes`, or removed where those lack them; "Thumbnails" are pictures of pages. Everything else stays. None for
+/// a packet that can't be read.
 [[nodiscard]] std::optional<QByteArray> withAttributes(const QByteArray& packet, const QStringList& keys,
                                                        const QVariantMap& attributes);
 

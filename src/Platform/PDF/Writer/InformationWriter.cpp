@@ -13,6 +13,7 @@
 namespace {
 
 const QString modificationDate = QStringLiteral("ModDate");
+const QString thumbnails = QStringLiteral("Thumbnails"); // of pages, in the metadata alone
 
 std::string keyName(const QString& key) {
     return "/" + key.toStdString();
@@ -67,11 +68,15 @@ void updateMetadata(QStringList keys, const QVariantMap& attributes, ObjectStore
         return;
     }
     const QVariantMap said = XmpPacket::attributes(packet);
-    keys.removeIf(
-        [&](const QString& key) { return said.value(key) == attributes.value(key) && key != modificationDate; });
+    keys.removeIf([&](const QString& key) {
+        return said.value(key) == attributes.value(key) && key != modificationDate && key != thumbnails;
+    });
     const std::optional<QByteArray> changed = XmpPacket::withAttributes(packet, keys, attributes);
-    if (!changed)
+    if (!changed) {
+        if (keys.contains(thumbnails) && packet.contains("Thumbnails"))
+            objects.remove(objects.root(), "/Metadata"); // rather than leave a picture of a removed page
         return;
+    }
     QPDFObjectHandle dictionary = metadata.getDict().shallowCopy();
     for (const char* key : {"/Length", "/Filter", "/DecodeParms"})
         dictionary.removeKey(key);
@@ -120,5 +125,8 @@ void InformationWriter::write(const DocumentContents& contents, ObjectStore& obj
     QVariantMap attributes = contents.attributes;
     attributes.insert(modificationDate, contents.taken);
     objects.set(information, keyName(modificationDate), PdfValues::date(contents.taken));
-    updateMetadata(changed + QStringList{modificationDate}, attributes, objects);
+    changed.append(modificationDate);
+    if (contents.source && !contents.hasAllSourcePages())
+        changed.append(thumbnails);
+    updateMetadata(changed, attributes, objects);
 }

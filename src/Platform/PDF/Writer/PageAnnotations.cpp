@@ -9,6 +9,7 @@
 #include "PDFPage.h"
 #include "PdfValues.h"
 #include "SourceFiles.h"
+#include "StructureLinks.h"
 
 #include <QUuid>
 
@@ -102,7 +103,7 @@ void PageAnnotations::write(const PDFPage& page, QPDFObjectHandle pageObject,
             --at;
         entries.insert(at, {object, place});
     }
-    dropRemoved(entries, removed);
+    dropRemoved(entries, removed, pageObject);
 
     QPDFObjectHandle list = QPDFObjectHandle::newArray();
     for (const Entry& entry : entries)
@@ -115,7 +116,8 @@ void PageAnnotations::write(const PDFPage& page, QPDFObjectHandle pageObject,
         m_objects.set(pageObject, "/Annots", list);
 }
 
-void PageAnnotations::dropRemoved(std::vector<Entry>& entries, const std::vector<QPDFObjectHandle>& removed) {
+void PageAnnotations::dropRemoved(std::vector<Entry>& entries, const std::vector<QPDFObjectHandle>& removed,
+                                  QPDFObjectHandle pageObject) {
     const auto isRemoved = [&removed](QPDFObjectHandle object) {
         return object.isIndirect() &&
                std::any_of(removed.begin(), removed.end(), [&object](const QPDFObjectHandle& gone) {
@@ -125,6 +127,8 @@ void PageAnnotations::dropRemoved(std::vector<Entry>& entries, const std::vector
     for (const QPDFObjectHandle& gone : removed)
         if (isWidget(gone))
             m_form.remove(gone);
+    for (const QPDFObjectHandle& gone : removed)
+        StructureLinks::drop(gone, m_objects);
     // The window of a note goes with the note.
     std::erase_if(entries, [&](Entry& entry) {
         return PdfValues::entry(entry.object, "/Subtype").isNameAndEquals("/Popup") &&
@@ -145,6 +149,16 @@ void PageAnnotations::dropRemoved(std::vector<Entry>& entries, const std::vector
             m_objects.remove(changed, "/IRT");
             m_objects.remove(changed, "/RT");
         }
+    }
+    // Whatever still refers to them, such as actions of other pages, now refers to nothing.
+    for (QPDFObjectHandle gone : removed) {
+        QPDFObjectHandle page = gone.getKey("/P");
+        const bool isElsewhere = !page.isNull() && page.getObjGen() != pageObject.getObjGen();
+        const bool isListedTwice = std::any_of(entries.begin(), entries.end(), [&gone](const Entry& entry) {
+            return entry.object.isIndirect() && entry.object.getObjGen() == gone.getObjGen();
+        });
+        if (!isElsewhere && !isListedTwice)
+            m_objects.erase(gone);
     }
 }
 

@@ -38,7 +38,8 @@ private:
     void update(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotationValues& before);
     void writeLook(const PDFAnnotation& annotation, QPDFObjectHandle object, const PDFAnnotationValues* before);
     void writeButtonLook(const PDFAnnotation& annotation, QPDFObjectHandle object);
-    void dropRemoved(std::vector<Entry>& entries, const std::vector<QPDFObjectHandle>& removed);
+    void dropRemoved(std::vector<Entry>& entries, const std::vector<QPDFObjectHandle>& removed,
+                     QPDFObjectHandle pageObject);
 
     ObjectStore& m_objects;
     FormFields& m_form;

@@ -28,7 +28,8 @@ QPDFObjectHandle FieldImporter::fieldCopy(const std::vector<QPDFObjectHandle>& c
     QPDFObjectHandle value = original.shallowCopy();
     value.removeKey("/Parent");
     value.replaceKey("/Kids", QPDFObjectHandle::newArray());
-    QPDFObjectHandle copy = m_objects.add(copier.copy(value));
+    QPDFObjectHandle copy = copier.reserveFor(original);
+    m_objects.fill(copy, copier.copy(value));
     fields[original.getObjGen()] = copy;
     if (place + 1 < chain.size()) {
         QPDFObjectHandle parent = fieldCopy(chain, place + 1, copier);

@@ -297,13 +297,17 @@ void FormFields::remove(QPDFObjectHandle widget) {
         if (owner.isIndirect())
             m_objects.noteChange(owner);
     };
+    bool isField = false; // above the widget, which may stand elsewhere, too
     for (QPDFObjectHandle& gone : FormTree::chain(widget)) {
         eraseAt(dictionary, "/Fields", gone);
         eraseAt(dictionary, "/CO", gone);
         QPDFObjectHandle parent = gone.getKey("/Parent");
+        if (parent.isDictionary())
+            eraseAt(parent, "/Kids", gone);
+        if (std::exchange(isField, true))
+            m_objects.erase(gone); // actions may refer to it
         if (!parent.isDictionary())
             return;
-        eraseAt(parent, "/Kids", gone);
         QPDFObjectHandle left = parent.getKey("/Kids");
         if (left.isArray() && left.getArrayNItems() > 0)
             return;

@@ -1,17 +1,57 @@
 #include "ObjectCopier.h"
 
+namespace {
+
+/// An annotation, or a field of the form that may be one at the same time.
+bool isAnnotationOrField(QPDFObjectHandle object) {
+    if (!object.isDictionary())
+        return false;
+    if (object.hasKey("/FT") || (object.getKey("/Subtype").isName() && object.getKey("/Rect").isArray()))
+        return true;
+    return object.getKey("/T").isString() &&
+           (object.getKey("/Kids").isArray() || object.getKey("/Parent").isDictionary() || object.hasKey("/V"));
+}
+
+} // namespace
+
 bool ObjectCopier::isPageObject(QPDFObjectHandle object) {
     if (!object.isDictionary())
         return false;
     QPDFObjectHandle type = object.getKey("/Type");
-    if (type.isName())
-        return type.getName() == "/Page" || type.getName() == "/Pages" || type.getName() == "/Template";
-    return object.getKey("/Parent").isDictionary() && (object.hasKey("/MediaBox") || object.hasKey("/Contents") ||
-                                                       (object.hasKey("/Kids") && object.hasKey("/Count")));
+    if (type.isName() && (type.getName() == "/Page" || type.getName() == "/Pages" || type.getName() == "/Template"))
+        return true;
+    // The window of a note has a parent and contents too, which are a text.
+    QPDFObjectHandle contents = object.getKey("/Contents");
+    return !type.isNameAndEquals("/Annot") && object.getKey("/Parent").isDictionary() &&
+           (object.hasKey("/MediaBox") || contents.isStream() || contents.isArray() ||
+            (object.hasKey("/Kids") && object.hasKey("/Count")));
 }
 
 void ObjectCopier::setReplacement(QPDFObjectHandle foreign, QPDFObjectHandle replacement) {
     m_copies[foreign.getObjGen()] = replacement;
+}
+
+void ObjectCopier::expect(QPDFObjectHandle foreign) {
+    if (!foreign.isIndirect() || hasReplacement(foreign))
+        return;
+    m_copies[foreign.getObjGen()] = m_target.reserve();
+    m_expected.insert(foreign.getObjGen());
+}
+
+QPDFObjectHandle ObjectCopier::reserveFor(QPDFObjectHandle foreign) {
+    if (foreign.isIndirect() && m_expected.erase(foreign.getObjGen()) > 0)
+        return m_copies[foreign.getObjGen()];
+    QPDFObjectHandle copy = m_target.reserve();
+    if (foreign.isIndirect())
+        m_copies[foreign.getObjGen()] = copy;
+    return copy;
+}
+
+bool ObjectCopier::isLeftOut(QPDFObjectHandle foreign) const {
+    if (foreign.isNull() || isPageObject(foreign) || isAnnotationOrField(foreign))
+        return true;
+    const bool mayBePage = foreign.isDictionary() && (foreign.hasKey("/Contents") || foreign.hasKey("/MediaBox"));
+    return mayBePage && m_isPage && m_isPage(foreign.getObjectID());
 }
 
 QPDFObjectHandle ObjectCopier::copy(QPDFObjectHandle foreign) {
@@ -41,7 +81,7 @@ QPDFObjectHandle ObjectCopier::reference(QPDFObjectHandle foreign) {
     const auto known = m_copies.find(foreign.getObjGen());
     if (known != m_copies.end())
         return known->second;
-    if (isPageObject(foreign) || foreign.isNull())
+    if (isLeftOut(foreign))
         return m_copies[foreign.getObjGen()] = QPDFObjectHandle::newNull();
     if (m_same && foreign.isStream())
         return m_copies[foreign.getObjGen()] = m_same->getObject(foreign.getObjGen());

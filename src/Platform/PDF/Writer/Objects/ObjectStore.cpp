@@ -64,6 +64,13 @@ void ObjectStore::remove(QPDFObjectHandle object, const std::string& key) {
     noteChange(object);
 }
 
+void ObjectStore::erase(QPDFObjectHandle object) {
+    if (!object.isIndirect())
+        return;
+    fill(object, QPDFObjectHandle::newNull());
+    noteChange(object);
+}
+
 QPDFObjectHandle ObjectStore::dictionaryAt(QPDFObjectHandle owner, const std::string& key) {
     QPDFObjectHandle value = owner.getKey(key);
     if (value.isDictionary() && value.isIndirect())

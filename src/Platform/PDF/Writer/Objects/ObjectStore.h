@@ -47,6 +47,9 @@ public:
     void set(QPDFObjectHandle object, const std::string& key, QPDFObjectHandle value);
     void remove(QPDFObjectHandle object, const std::string& key);
 
+    /// Leaves nothing of an indirect object: whatever refers to it then refers to a null. A direct one is left alone.
+    void erase(QPDFObjectHandle object);
+
     /// The dictionary at `key` of an indirect dictionary as an indirect object, so that it can be changed alone. One
     /// that stands directly in its owner is moved out of it; one that is missing, or is something else, is made.
     [[nodiscard]] QPDFObjectHandle dictionaryAt(QPDFObjectHandle owner, const std::string& key);

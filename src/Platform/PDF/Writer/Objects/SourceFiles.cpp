@@ -1,5 +1,6 @@
 #include "SourceFiles.h"
 
+#include "PDFSource.h"
 #include "PdfValues.h"
 
 bool SourceFiles::isMain(const std::shared_ptr<PDFSource>& source) const {
@@ -13,6 +14,7 @@ SourceFiles::Foreign& SourceFiles::foreign(const std::shared_ptr<PDFSource>& sou
     SourceFile file(source, true);
     QPDF& pdf = file.pdf();
     known = std::make_unique<Foreign>(Foreign{std::move(file), ObjectCopier(m_objects), NamedDestinations(pdf)});
+    known->copier.setPageTest([source](int number) { return source->pageNumberOfObject(number).has_value(); });
     if (isMain(source))
         shareWithMain(*known);
     return *known;

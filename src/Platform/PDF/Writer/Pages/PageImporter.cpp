@@ -49,11 +49,9 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
     std::set<QPDFObjGen> here;
     for (const int place : places) {
         const QPDFObjectHandle& item = items[std::size_t(place)];
-        copies[std::size_t(place)] = m_objects.reserve();
-        if (item.isIndirect()) {
-            file.copier.setReplacement(item, copies[std::size_t(place)]);
+        copies[std::size_t(place)] = file.copier.reserveFor(item);
+        if (item.isIndirect())
             here.insert(item.getObjGen());
-        }
     }
     QPDFObjectHandle all = QPDFObjectHandle::newArray();
     for (const int place : places) {

@@ -10,6 +10,20 @@ bool ActionPruner::leadsToGone(QPDFObjectHandle action) {
     return action.getKey("/S").isNameAndEquals("/GoTo") && m_isGone(action.getKey("/D"));
 }
 
+/// What resets, submits or hides fields names them at these keys.
+void ActionPruner::pruneFields(QPDFObjectHandle action) {
+    for (const char* key : {"/Fields", "/T"}) {
+        QPDFObjectHandle named = action.getKey(key);
+        if (named.isArray()) {
+            for (int i = named.getArrayNItems() - 1; i >= 0; --i)
+                if (m_isGoneField(named.getArrayItem(i)))
+                    named.eraseItem(i);
+        } else if ((named.isDictionary() || named.isString()) && m_isGoneField(named)) {
+            action.replaceKey(key, QPDFObjectHandle::newArray());
+        }
+    }
+}
+
 /// True when the action goes to a destination that is gone. Later actions of its chain that do so are taken out of it.
 bool ActionPruner::isGoneAction(QPDFObjectHandle action, int depth) {
     if (!action.isDictionary())
@@ -17,6 +31,9 @@ bool ActionPruner::isGoneAction(QPDFObjectHandle action, int depth) {
     // Each once, since the branches of a chain may meet again.
     if (action.isIndirect() && !m_seen.insert(action.getObjGen()).second)
         return leadsToGone(action);
+    QPDFObjectHandle kind = action.getKey("/S");
+    if (kind.isNameAndEquals("/ResetForm") || kind.isNameAndEquals("/SubmitForm") || kind.isNameAndEquals("/Hide"))
+        pruneFields(action);
     QPDFObjectHandle next = action.getKey("/Next");
     if (depth >= longestChain) {
         action.removeKey("/Next");

@@ -5,11 +5,15 @@
 #include <functional>
 #include <set>
 
-/// Takes destinations, and actions that go to them, out of what may carry them: links, outline entries, triggers.
+/// Takes destinations, actions that go to them, and what actions do to fields, out of what may carry them: links,
+/// outline entries, triggers.
 class ActionPruner {
 public:
-    /// `isGone` is given destinations of any kind: arrays, names, strings.
-    explicit ActionPruner(std::function<bool(QPDFObjectHandle destination)> isGone) : m_isGone(std::move(isGone)) {}
+    using Test = std::function<bool(QPDFObjectHandle object)>;
+
+    /// `isGone` is given destinations of any kind: arrays, names, strings. `isGoneField` is given what actions name
+    /// fields and annotations by: references, and full names as strings.
+    ActionPruner(Test isGone, Test isGoneField) : m_isGone(std::move(isGone)), m_isGoneField(std::move(isGoneField)) {}
 
     /// The destination and the action at these keys of a dictionary, which may be the same key.
     void pruneTarget(QPDFObjectHandle owner, const char* destinationKey, const char* actionKey);
@@ -21,7 +25,9 @@ public:
 private:
     bool isGoneAction(QPDFObjectHandle action, int depth = 0);
     bool leadsToGone(QPDFObjectHandle action);
+    void pruneFields(QPDFObjectHandle action);
 
-    std::function<bool(QPDFObjectHandle)> m_isGone;
+    Test m_isGone;
+    Test m_isGoneField;
     std::set<QPDFObjGen> m_seen;
 };

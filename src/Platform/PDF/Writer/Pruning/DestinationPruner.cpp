@@ -31,7 +31,7 @@ void Pruner::pruneDestinations(const RemovedPages& gone, ObjectStore& objects) {
         QPDFObjectHandle place = destinations.explicitDestination(destination);
         return place.isArray() && place.getArrayNItems() > 0 && gone.hasPage(place.getArrayItem(0));
     };
-    ActionPruner actions(isGone);
+    ActionPruner actions(isGone, [&gone](QPDFObjectHandle named) { return gone.hasField(named); });
     QPDFObjectHandle root = objects.root();
     pruneOutline(root.getKey("/Outlines"), actions);
     actions.pruneTarget(root, "/OpenAction", "/OpenAction");

@@ -3,15 +3,56 @@
 #include "ActionPruner.h"
 #include "PDFSource.h"
 #include "PageTree.h"
+#include "PdfValues.h"
 #include "RemovedPages.h"
 
-void Pruner::prune(const RemovedPages& gone, ObjectStore& objects) {
+#include <QStringList>
+
+namespace {
+
+constexpr int deepestField = 64;
+
+/// Announces the annotations of a page and their fields to the copier. `names` gets the fields' full names.
+void expectFields(QPDFObjectHandle page, ObjectCopier& copier, std::set<QString>& names) {
+    // The main file's own page, of which there is a copy: its annotations are there.
+    QPDFObjectHandle known = copier.replacement(page);
+    const bool isMains = copier.same() && known.getObjGen() == page.getObjGen();
+    QPDFObjectHandle annotations = page.getKey("/Annots");
+    if (!annotations.isArray())
+        return;
+    for (const QPDFObjectHandle& annotation : annotations.aitems()) {
+        QStringList parts;
+        std::vector<QPDFObjectHandle> chain;
+        QPDFObjectHandle field = annotation;
+        for (int depth = 0; field.isDictionary() && depth < deepestField; ++depth) {
+            chain.push_back(field);
+            if (!chain.front().getKey("/Subtype").isNameAndEquals("/Widget"))
+                break;
+            field = field.getKey("/Parent");
+        }
+        for (auto each = chain.rbegin(); each != chain.rend(); ++each) {
+            if (const QString part = PdfValues::toText(each->getKey("/T")); !part.isEmpty())
+                names.insert((parts += part).join(QLatin1Char('.')));
+            if (isMains && each->isIndirect())
+                copier.setReplacement(*each, copier.same()->getObject(each->getObjGen()));
+            else
+                copier.expect(*each);
+        }
+    }
+}
+
+} // namespace
+
+void Pruner::prune(RemovedPages gone, ObjectStore& objects) {
     pruneResources(gone, objects);
-    pruneDestinations(gone, objects);
     pruneForm(gone, objects);
+    pruneDestinations(gone, objects);
     pruneThreads(gone, objects);
     pruneStructure(gone, objects);
+    objects.remove(objects.root(), "/PieceInfo"); // programs keep whole documents there, in ways of their own
     // Whatever still refers to them, which may be anything, now refers to nothing.
+    for (const QPDFObjGen& id : gone.fields)
+        objects.pdf().replaceObject(id, QPDFObjectHandle::newNull());
     for (const QPDFObjGen& id : gone.annotations)
         objects.pdf().replaceObject(id, QPDFObjectHandle::newNull());
     for (const QPDFObjGen& id : gone.pages)
@@ -26,11 +67,19 @@ void Pruner::separateFromOthers(SourceFiles::Foreign& file, const std::set<int>&
             pages.push_back(page);
     for (const QPDFObjectHandle& page : pages)
         PageTree::keepInherited(page, objects);
-    ActionPruner actions([&file](QPDFObjectHandle destination) {
-        QPDFObjectHandle place = file.names.explicitDestination(destination);
-        return place.isNull() || place.getArrayNItems() == 0 || !place.getArrayItem(0).isIndirect() ||
-               !file.copier.hasReplacement(place.getArrayItem(0));
-    });
+    std::set<QString> fieldNames;
+    for (const QPDFObjectHandle& page : pages)
+        expectFields(page, file.copier, fieldNames);
+    ActionPruner actions(
+        [&file](QPDFObjectHandle destination) {
+            QPDFObjectHandle place = file.names.explicitDestination(destination);
+            return place.isNull() || place.getArrayNItems() == 0 || !place.getArrayItem(0).isIndirect() ||
+                   !file.copier.hasReplacement(place.getArrayItem(0));
+        },
+        [&](QPDFObjectHandle named) {
+            return named.isString() ? fieldNames.count(PdfValues::toText(named)) == 0
+                                    : !file.copier.hasReplacement(named);
+        });
     for (const QPDFObjectHandle& page : pages)
         actions.prunePage(page);
     if (int(pageNumbers.size()) < file.file.source()->pageCount())

@@ -12,13 +12,14 @@ struct RemovedPages;
 namespace Pruner {
 
 /// Everything, in the order that the parts below need.
-void prune(const RemovedPages& gone, ObjectStore& objects);
+void prune(RemovedPages gone, ObjectStore& objects);
 
-/// Destinations: names of them, outline entries, links and the action at opening that lead to a removed page.
+/// Destinations: names of them, outline entries, links and the action at opening that lead to a removed page. What
+/// actions do to fields that are gone goes, too.
 void pruneDestinations(const RemovedPages& gone, ObjectStore& objects);
 
-/// Widgets of removed pages, with the fields that only they show.
-void pruneForm(const RemovedPages& gone, ObjectStore& objects);
+/// Widgets of removed pages, with the fields that only they show, of which `gone` is told.
+void pruneForm(RemovedPages& gone, ObjectStore& objects);
 
 /// Structure elements for the content of removed pages, and texts that stand for it.
 void pruneStructure(const RemovedPages& gone, ObjectStore& objects);

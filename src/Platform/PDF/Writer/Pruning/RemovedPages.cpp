@@ -1,5 +1,7 @@
 #include "RemovedPages.h"
 
+#include "PdfValues.h"
+
 RemovedPages::RemovedPages(std::vector<QPDFObjectHandle> gone, std::vector<QPDFObjectHandle> kept)
     : removed(std::move(gone)), remaining(std::move(kept)) {
     const auto forEachAnnotation = [](QPDFObjectHandle page, auto visit) {
@@ -17,4 +19,10 @@ RemovedPages::RemovedPages(std::vector<QPDFObjectHandle> gone, std::vector<QPDFO
         pages.erase(page.getObjGen());
         forEachAnnotation(page, [this](QPDFObjGen id) { annotations.erase(id); });
     }
+}
+
+bool RemovedPages::hasField(QPDFObjectHandle named) const {
+    if (named.isString())
+        return fieldNames.count(PdfValues::toText(named)) > 0;
+    return hasAnnotation(named) || (named.isIndirect() && fields.count(named.getObjGen()) > 0);
 }

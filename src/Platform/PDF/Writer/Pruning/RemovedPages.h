@@ -2,6 +2,8 @@
 
 #include <qpdf/QPDFObjectHandle.hh>
 
+#include <QString>
+
 #include <set>
 #include <vector>
 
@@ -10,6 +12,8 @@
 struct RemovedPages {
     std::set<QPDFObjGen> pages;
     std::set<QPDFObjGen> annotations;        ///< apart from those that a page which stays has too
+    std::set<QPDFObjGen> fields;             ///< that only they showed; known once the form is pruned
+    std::set<QString> fieldNames;            ///< the full names of these
     std::vector<QPDFObjectHandle> removed;   ///< the page objects
     std::vector<QPDFObjectHandle> remaining; ///< pages of the tree, those brought in too
 
@@ -18,6 +22,8 @@ struct RemovedPages {
     [[nodiscard]] bool hasPage(QPDFObjectHandle object) const {
         return object.isIndirect() && pages.count(object.getObjGen()) > 0;
     }
+    /// For what an action names a field or an annotation by.
+    [[nodiscard]] bool hasField(QPDFObjectHandle named) const;
     [[nodiscard]] bool hasAnnotation(QPDFObjectHandle object) const {
         return object.isIndirect() && annotations.count(object.getObjGen()) > 0;
     }
