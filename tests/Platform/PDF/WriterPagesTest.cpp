@@ -272,6 +272,36 @@ TEST(WriterPagesTest, OutlinesKeepWhatIsNotEdited) {
     }
 }
 
+TEST(WriterPagesTest, ImportedPagesKeepTheirLooks) {
+    PdfFixture pdf;
+    const QByteArray resources = pdf.reserveObject();
+    const QByteArray form = "<< /Type /XObject /Subtype /Form /BBox [0 0 200 200] ";
+    const QByteArray part = pdf.addStream(form + ">>", "1 g 20 20 100 100 re f");
+    const QByteArray mask = pdf.addStream(
+        form + "/Group << /S /Transparency /CS /DeviceGray >> /Resources " + resources + " >>", "/Part Do");
+    pdf.fillObject(resources, "<< /XObject << /Part " + part + " /Unused " + pdf.addStream(form + ">>", "% Unused") +
+                                  " >> /ExtGState << /Masked << /SMask << /S /Luminosity /G " + mask +
+                                  " >> >> >> /ColorSpace << /DefaultGray [/CalGray << /WhitePoint [0.9505 1 1.089] "
+                                  "/Gamma 3 >>] >> >>");
+    pdf.addPageWithContent("/Masked gs 0.5 g 0 0 200 200 re f", resources, {200, 200});
+    pdf.addPageWithContent("/Unused Do", resources, {200, 200});
+    const auto source = PDFDocument::fromData(pdf.bytes());
+    PDFDocument target;
+    target.insert(source->page(0)->copy(), 0);
+    const QByteArray file = target.dataRepresentation();
+    const QByteArray all = PdfPrograms::unpacked(file);
+    EXPECT_TRUE(all.contains("/DefaultGray"));
+    EXPECT_FALSE(all.contains("% Unused"));
+    const auto picture = [](const PDFDocument& document) {
+        return document.page(0)->thumbnail({200, 200}, PDFDisplayBox::cropBox);
+    };
+    EXPECT_NE(picture(*source).pixel(70, 130), picture(*source).pixel(150, 50)) << "what the mask lets through";
+    EXPECT_EQ(picture(*PDFDocument::fromData(file)), picture(*source));
+
+    source->removePage(1);
+    EXPECT_EQ(picture(*PDFDocument::fromData(source->dataRepresentation())), picture(*source));
+}
+
 TEST(WriterPagesTest, LinksAmongImportedPagesWorkAtOnce) {
     PdfFixture other;
     addNumberedPages(other, 3);

@@ -123,6 +123,11 @@ void ContentNames::Walker::addFrom(const User& user) {
             if (entry.isStream() && !entry.getDict().getKey("/Subtype").isNameAndEquals("/Image"))
                 addStream(entry, user.owner, resources);
     }
+    // A graphics state may be masked by a form.
+    QPDFObjectHandle states = resources.getKey("/ExtGState");
+    if (states.isDictionary())
+        for (auto& [name, state] : states.getDictAsMap())
+            addStream(PdfValues::entry(PdfValues::entry(state, "/SMask"), "/G"), user.owner, resources);
     QPDFObjectHandle fonts = resources.getKey("/Font");
     if (!fonts.isDictionary())
         return;

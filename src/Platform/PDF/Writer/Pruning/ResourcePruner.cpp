@@ -16,6 +16,11 @@ bool holdsContent(const std::string& category) {
     return category == "/XObject" || category == "/Pattern" || category == "/Properties" || category == "/Shading";
 }
 
+/// Colour spaces that stand for the plain ones of a page, without being named by its content.
+bool appliesUnnamed(const std::string& category, const std::string& name) {
+    return category == "/ColorSpace" && (name == "/DefaultGray" || name == "/DefaultRGB" || name == "/DefaultCMYK");
+}
+
 /// A dictionary of one category of resources: an object of its own, with an empty second part, or the part of that name
 /// of a dictionary of resources or of that one's owner.
 using ContainerId = std::pair<QPDFObjGen, std::string>;
@@ -57,7 +62,7 @@ public:
         // What the removed pages used of shared dictionaries, less what the remaining pages use.
         walk(m_gone.removed, [this](Container& container, const Names& names) {
             for (const std::string& entry : container.entries.getKeys())
-                if (!names || names->count(entry) > 0)
+                if ((!names || names->count(entry) > 0) && !appliesUnnamed(container.category, entry))
                     m_suspects[container.id].names.insert(entry);
         });
         walk(m_gone.remaining, [this](Container& container, const Names& names) {
@@ -149,6 +154,7 @@ void Pruner::pruneResources(const RemovedPages& gone, ObjectStore& objects) {
 void Pruner::dropUnusedResources(const std::vector<QPDFObjectHandle>& pages) {
     struct Usage {
         QPDFObjectHandle entries;
+        std::string category = {};
         Names names = std::set<std::string>(); ///< none when some content can't be read
     };
     std::map<ContainerId, Usage> used;
@@ -160,6 +166,7 @@ void Pruner::dropUnusedResources(const std::vector<QPDFObjectHandle>& pages) {
         for (const Container& container : containers) {
             Usage& usage = used[container.id];
             usage.entries = container.entries;
+            usage.category = container.category;
             if (!names)
                 usage.names.reset();
             else if (usage.names)
@@ -171,6 +178,6 @@ void Pruner::dropUnusedResources(const std::vector<QPDFObjectHandle>& pages) {
     for (auto& [id, usage] : used)
         if (usage.names)
             for (const std::string& entry : usage.entries.getKeys())
-                if (usage.names->count(entry) == 0)
+                if (usage.names->count(entry) == 0 && !appliesUnnamed(usage.category, entry))
                     usage.entries.removeKey(entry);
 }
