@@ -187,6 +187,18 @@ QByteArray PdfFixture::bytes(Style style) {
     });
 }
 
+QByteArray PdfFixture::withStreamsInflated(const QByteArray& file) {
+    QByteArray all = file;
+    for (qsizetype at = file.indexOf("stream\n"); at >= 0; at = file.indexOf("stream\n", at)) {
+        at += 7;
+        const QByteArray length = QByteArray::fromHex("00100000"); // a guess, which Qt wants before the data
+        const qsizetype end = file.indexOf("endstream", at);
+        if (file.mid(at, 1) == "x" && end > 0)
+            all += qUncompress(length + file.mid(at, end - at));
+    }
+    return all;
+}
+
 QByteArray PdfFixture::encrypted(const QByteArray& userPassword, const QByteArray& ownerPassword,
                                  Encryption encryption) {
     return m_objects->write([&](QPDFWriter& writer) {

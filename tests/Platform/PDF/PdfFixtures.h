@@ -122,6 +122,8 @@ public:
     [[nodiscard]] QByteArray encrypted(const QByteArray& userPassword, const QByteArray& ownerPassword,
                                        Encryption encryption);
 
+    /// The file followed by what its compressed streams hold, those too that nothing leads to.
+    [[nodiscard]] static QByteArray withStreamsInflated(const QByteArray& file);
     /// The file without a usable cross-reference section, which readers must rebuild.
     [[nodiscard]] static QByteArray damaged(QByteArray file);
 

@@ -103,6 +103,33 @@ TEST_P(MovingTest, PagesMoveWithAllThatLeadsToThem) {
     EXPECT_EQ(document->dataRepresentation(), before);
 }
 
+TEST_P(MovingTest, PagesLeaveTheRestOfTheirTreeAsItIs) {
+    PdfFixture pdf;
+    addNumberedPages(pdf, 30);
+    const auto [style, fanOut] = GetParam();
+    if (fanOut > 0)
+        pdf.nestPageTree(fanOut, "/CropBox [0 0 500 700] /Rotate 90");
+    const auto document = PDFDocument::fromData(pdf.bytes(style));
+    std::vector<int> expected(30);
+    std::iota(expected.begin(), expected.end(), 0);
+    // One, the ends, all of some nodes, and nearly all.
+    for (const auto& [first, count] :
+         {std::pair(13, 1), std::pair(28, 1), std::pair(0, 1), std::pair(3, 9), std::pair(2, 15)}) {
+        for (int i = 0; i < count; ++i)
+            document->removePage(first);
+        expected.erase(expected.begin() + first, expected.begin() + first + count);
+        const QByteArray after = document->dataRepresentation();
+        ASSERT_EQ(PdfPrograms::complaints(after), "");
+        ASSERT_EQ(pageTexts(after), numbered(expected));
+        const auto reopened = PDFDocument::fromData(after);
+        ASSERT_FALSE(reopened->wasRepaired());
+        for (int i = 0; i < reopened->pageCount(); ++i) {
+            EXPECT_EQ(reopened->page(i)->rotation(), fanOut > 0 ? 90 : 0);
+            EXPECT_EQ(reopened->page(i)->bounds(PDFDisplayBox::cropBox).width(), fanOut > 0 ? 500 : 612);
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Trees, MovingTest,
                          testing::Values(std::pair(PdfFixture::Style::classic, 0),
                                          std::pair(PdfFixture::Style::objectStreams, 0),

@@ -135,8 +135,9 @@ void fill(PdfFixture& pdf) {
 void expectNothingLeft(const QByteArray& file) {
     const QByteArray all = PdfPrograms::unpacked(file);
     ASSERT_FALSE(all.isEmpty());
+    const QByteArray raw = PdfFixture::withStreamsInflated(file);
     for (const QByteArray& word : secrets)
-        EXPECT_FALSE(contains(all, word)) << word.toStdString();
+        EXPECT_FALSE(contains(all, word) || contains(raw, word)) << word.toStdString();
 }
 
 /// Where the page's links lead, as page indices; links that lead nowhere are left out.

@@ -1,7 +1,7 @@
 #include "IncrementalUpdate.h"
 
+#include "CrossReferences.h"
 #include "ObjectStore.h"
-#include "PdfValues.h"
 
 #include <QCryptographicHash>
 #include <QRegularExpression>
@@ -68,69 +68,23 @@ QByteArray serialized(QPDFObjGen id, const UpdateObjects::Entry& entry) {
     return bytes + "\nendobj\n";
 }
 
-/// The last trailer without what describes its own section.
 QPDFObjectHandle newTrailer(const UpdateObjects& objects, qint64 previous, int size, const QByteArray& fingerprint) {
-    QPDFObjectHandle trailer = objects.pdf().getTrailer().shallowCopy();
-    for (const char* key :
-         {"/Prev", "/XRefStm", "/Type", "/W", "/Index", "/Length", "/Filter", "/DecodeParms", "/F", "/FFilter", "/DL"})
-        trailer.removeKey(key);
+    QPDFObjectHandle trailer = CrossReferences::plainTrailer(objects.pdf());
     trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(size));
     trailer.replaceKey("/Prev", QPDFObjectHandle::newInteger(previous));
-    QPDFObjectHandle changing = QPDFObjectHandle::newString(fingerprint.toStdString());
-    QPDFObjectHandle ids = trailer.getKey("/ID");
-    QPDFObjectHandle permanent =
-        ids.isArray() && ids.getArrayNItems() == 2 && ids.getArrayItem(0).isString() ? ids.getArrayItem(0) : changing;
-    trailer.replaceKey("/ID", QPDFObjectHandle::newArray({permanent, changing}));
+    CrossReferences::setIds(trailer, fingerprint);
     return trailer;
 }
 
-using Offsets = std::map<QPDFObjGen, qint64>;
-
-/// Calls `run(first, count)` for each run of consecutive object numbers.
-template <typename Run>
-void forEachRun(const Offsets& offsets, Run run) {
-    for (auto at = offsets.begin(); at != offsets.end();) {
-        const auto first = at;
-        int count = 0;
-        while (at != offsets.end() && at->first.getObj() == first->first.getObj() + count) {
-            ++at;
-            ++count;
-        }
-        run(first, count);
-    }
-}
-
-QByteArray table(const Offsets& offsets) {
+QByteArray table(const CrossReferences::Places& places) {
     QByteArray bytes = "xref\n";
-    forEachRun(offsets, [&bytes](auto entry, int count) {
-        bytes += QByteArray::number(entry->first.getObj()) + ' ' + QByteArray::number(count) + '\n';
+    CrossReferences::forEachRun(places, [&bytes](auto entry, int count) {
+        bytes += QByteArray::number(entry->first) + ' ' + QByteArray::number(count) + '\n';
         for (; count > 0; --count, ++entry)
-            bytes += QByteArray::number(entry->second).rightJustified(10, '0') + ' ' +
-                     QByteArray::number(entry->first.getGen()).rightJustified(5, '0') + " n \n";
+            bytes += QByteArray::number(entry->second.position).rightJustified(10, '0') + ' ' +
+                     QByteArray::number(entry->second.detail).rightJustified(5, '0') + " n \n";
     });
     return bytes;
-}
-
-QByteArray streamSection(const Offsets& offsets, int number, QPDFObjectHandle trailer) {
-    QByteArray rows;
-    QPDFObjectHandle index = QPDFObjectHandle::newArray();
-    forEachRun(offsets, [&](auto entry, int count) {
-        index.appendItem(QPDFObjectHandle::newInteger(entry->first.getObj()));
-        index.appendItem(QPDFObjectHandle::newInteger(count));
-        for (; count > 0; --count, ++entry) {
-            rows += '\x01';
-            for (int shift = 32; shift >= 0; shift -= 8)
-                rows += char((entry->second >> shift) & 0xFF);
-            rows += char((entry->first.getGen() >> 8) & 0xFF);
-            rows += char(entry->first.getGen() & 0xFF);
-        }
-    });
-    const QByteArray packed = qCompress(rows).mid(4);
-    trailer.replaceKey("/Type", PdfValues::name("XRef"));
-    trailer.replaceKey("/W", PdfValues::numbers({1, 5, 2}));
-    trailer.replaceKey("/Index", index);
-    trailer.replaceKey("/Filter", PdfValues::name("FlateDecode"));
-    return serialized(QPDFObjGen(number, 0), {trailer, packed});
 }
 
 } // namespace
@@ -154,21 +108,23 @@ std::optional<IncrementalUpdate::Sections> IncrementalUpdate::inspect(const QByt
 }
 
 QByteArray IncrementalUpdate::compose(const QByteArray& file, const Sections& sections, const UpdateObjects& objects) {
+    using enum CrossReferences::Place::Kind;
     QByteArray update = file.endsWith('\n') || file.endsWith('\r') ? "" : "\n";
-    Offsets offsets;
+    CrossReferences::Places places;
     for (const auto& [id, entry] : objects.entries()) {
-        offsets[id] = file.size() + update.size();
+        places[id.getObj()] = {inFile, file.size() + update.size(), id.getGen()};
         update += serialized(id, entry);
     }
     const QByteArray fingerprint = QCryptographicHash::hash(update, QCryptographicHash::Md5);
     const qint64 offset = file.size() + update.size();
     const int number = objects.size();
     if (sections.isStream) {
-        offsets[QPDFObjGen(number, 0)] = offset;
-        update += streamSection(offsets, number, newTrailer(objects, sections.lastOffset, number + 1, fingerprint));
+        places[number] = {inFile, offset, 0};
+        update += CrossReferences::streamObject(places, number,
+                                                newTrailer(objects, sections.lastOffset, number + 1, fingerprint));
     } else {
         QPDFObjectHandle trailer = newTrailer(objects, sections.lastOffset, number, fingerprint);
-        update += table(offsets) + "trailer\n" + QByteArray::fromStdString(trailer.unparse()) + '\n';
+        update += table(places) + "trailer\n" + QByteArray::fromStdString(trailer.unparse()) + '\n';
     }
     return update + "startxref\n" + QByteArray::number(offset) + "\n%%EOF\n";
 }

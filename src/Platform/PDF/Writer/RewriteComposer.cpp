@@ -13,8 +13,10 @@
 #include "PDFSource.h"
 #include "PageAnnotations.h"
 #include "PageImporter.h"
+#include "PageMover.h"
 #include "PageTree.h"
 #include "Pruner.h"
+#include "ReachableWriter.h"
 #include "RemovedPages.h"
 #include "SaslPrep.h"
 #include "SourceFiles.h"
@@ -70,6 +72,7 @@ private:
     void findPages();
     void writePages(PageAnnotations& annotations);
     void arrangePages();
+    [[nodiscard]] bool wereOnlyRemoved(std::size_t count) const;
     void write(QIODevice& device);
     [[nodiscard]] QPDFObjectHandle pageObject(const PDFPage& page) const;
 
@@ -77,6 +80,7 @@ private:
     const PDFWriteOptions& m_options;
     std::unique_ptr<SourceFile> m_main; // null for a new document
     std::unique_ptr<QPDF> m_empty;      // a new document
+    bool m_hasSoundTree = false;        // of the main file
     std::unique_ptr<FileObjects> m_objects;
     std::unique_ptr<FormFields> m_form;
     std::unique_ptr<FieldImporter> m_fields;
@@ -94,6 +98,7 @@ private:
 void Rewriting::compose(QIODevice& device) {
     if (m_contents.source) {
         m_main = std::make_unique<SourceFile>(m_contents.source, true);
+        m_hasSoundTree = !m_contents.source->wasRepaired() && m_main->findAllPages();
     } else {
         m_empty = std::make_unique<QPDF>();
         m_empty->emptyPDF();
@@ -182,9 +187,7 @@ void Rewriting::arrangePages() {
         return; // the tree is right as it stands
     std::vector<QPDFObjectHandle> pages;
     std::set<QPDFObjGen> kept;
-    for (OutputPage& page : m_pages) {
-        if (!page.imported)
-            PageTree::keepInherited(page.object, *m_objects);
+    for (const OutputPage& page : m_pages) {
         pages.push_back(page.object);
         kept.insert(page.object.getObjGen());
     }
@@ -194,12 +197,35 @@ void Rewriting::arrangePages() {
         if (page.isDictionary() && page.isIndirect() && kept.count(page.getObjGen()) == 0)
             gone.push_back(page);
     }
-    PageTree::write(pages, *m_objects);
+    if (!wereOnlyRemoved(gone.size()) || !PageMover::remove(gone, *m_objects)) {
+        for (const OutputPage& page : m_pages)
+            if (!page.imported)
+                PageTree::keepInherited(page.object, *m_objects);
+        PageTree::write(pages, *m_objects);
+    }
     if (!gone.empty())
         Pruner::prune(RemovedPages(std::move(gone), std::move(pages)), *m_objects);
 }
 
+/// True when all pages are those of the main file and its sound tree, in its order, apart from so many that are gone.
+bool Rewriting::wereOnlyRemoved(std::size_t count) const {
+    if (!m_hasSoundTree || m_pages.size() + count != std::size_t(m_contents.source->pageCount()))
+        return false;
+    int last = -1;
+    for (std::size_t i = 0; i < m_pages.size(); ++i) {
+        const int number = m_contents.pages[i].content.pageNumber;
+        if (m_pages[i].imported || number <= last)
+            return false;
+        last = number;
+    }
+    return true;
+}
+
 void Rewriting::write(QIODevice& device) {
+    const bool isPlain = m_options.userPassword.isEmpty() && m_options.ownerPassword.isEmpty();
+    if (isPlain && m_main && m_files->opened().empty() && !m_contents.source->wasRepaired() &&
+        ReachableWriter::write(m_objects->pdf(), device))
+        return;
     // The writer corrects the size, but only one that is there.
     m_objects->pdf().getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     DevicePipeline pipeline(device);

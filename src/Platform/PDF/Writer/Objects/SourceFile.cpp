@@ -8,6 +8,9 @@
 
 #include <QRegularExpression>
 
+#include <set>
+#include <utility>
+
 namespace {
 
 constexpr int deepestPageTree = 256;
@@ -25,6 +28,25 @@ QByteArray withTrailer(const QByteArray& bytes) {
         return {};
     return bytes + "\ntrailer\n<< /Root " + match.captured(1).toLatin1() + ' ' + match.captured(2).toLatin1() +
            " R >>\nstartxref\n0\n%%EOF\n";
+}
+
+/// Collects the pages below a node of which there is no doubt which they are. False when there is.
+bool collectPages(QPDFObjectHandle node, std::vector<QPDFObjectHandle>& pages, std::set<QPDFObjGen>& seen, int depth) {
+    long long count = 0;
+    QPDFObjectHandle kids = PdfValues::entry(node, "/Kids");
+    if (depth > deepestPageTree || !kids.isArray() || !node.getKey("/Count").getValueAsInt(count))
+        return false;
+    const std::size_t before = pages.size();
+    for (const QPDFObjectHandle& kid : kids.aitems()) {
+        if (!kid.isIndirect() || !seen.insert(kid.getObjGen()).second)
+            return false;
+        QPDFObjectHandle type = PdfValues::entry(kid, "/Type");
+        if (type.isNameAndEquals("/Page") && !QPDFObjectHandle(kid).hasKey("/Kids"))
+            pages.push_back(kid);
+        else if (!type.isNameAndEquals("/Pages") || !collectPages(kid, pages, seen, depth + 1))
+            return false;
+    }
+    return count >= 0 && pages.size() - before == std::size_t(count);
 }
 
 std::unique_ptr<QPDF> opened(const QByteArray& bytes, const QByteArray& password, bool repair) {
@@ -53,7 +75,20 @@ SourceFile::SourceFile(std::shared_ptr<PDFSource> source, bool repair) : m_sourc
             m_generations[id.getObj()] = id.getGen();
 }
 
+bool SourceFile::findAllPages() {
+    std::vector<QPDFObjectHandle> pages;
+    std::set<QPDFObjGen> seen;
+    QPDFObjectHandle root = m_pdf->getRoot().getKey("/Pages");
+    if (!PdfValues::entry(root, "/Type").isNameAndEquals("/Pages") || !collectPages(root, pages, seen, 0) ||
+        int(pages.size()) != m_source->pageCount())
+        return false;
+    m_pages = std::move(pages);
+    return true;
+}
+
 QPDFObjectHandle SourceFile::page(int pageNumber) {
+    if (pageNumber >= 0 && pageNumber < int(m_pages.size()))
+        return m_pages[std::size_t(pageNumber)];
     const int number = m_source->pageObjectNumber(pageNumber);
     if (number > 0) {
         const auto generation = m_generations.find(number);

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 class PDFSource;
 
@@ -19,6 +20,11 @@ public:
 
     [[nodiscard]] QPDF& pdf() { return *m_pdf; }
     [[nodiscard]] const std::shared_ptr<PDFSource>& source() const { return m_source; }
+
+    /// To be called before most of the pages are asked for: finds them all by one walk through the page tree, which
+    /// costs less than to have the source look up one after the other. False, and nothing changes, where the tree isn't
+    /// as it should be, so that its pages might be counted in another way.
+    bool findAllPages();
 
     /// The dictionary of a page; a null object for a page that can't be read. `pageNumber` is zero-based.
     [[nodiscard]] QPDFObjectHandle page(int pageNumber);
@@ -36,4 +42,5 @@ private:
     QByteArray m_bytes;                  // those bytes with a makeshift end, where the end is missing
     std::unique_ptr<QPDF> m_pdf;
     std::unordered_map<int, int> m_generations; // by object number, where it isn't zero
+    std::vector<QPDFObjectHandle> m_pages;      // empty until all are found
 };

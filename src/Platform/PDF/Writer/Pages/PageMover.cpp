@@ -5,12 +5,29 @@
 #include "SourceFile.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
 
 namespace {
 
 constexpr int deepestPageTree = 256;
 /// Past this a new tree is less work.
 constexpr std::size_t mostMoves = 2000;
+
+/// True when nothing but the tree's own shape and measures of pages stands in the nodes above the page: resources, or
+/// what other programs keep there, could be of this page alone.
+bool inheritsOnlyMeasures(QPDFObjectHandle page) {
+    static const std::set<std::string> harmless{"/Type",     "/Parent",  "/Kids",  "/Count",
+                                                "/MediaBox", "/CropBox", "/Rotate"};
+    QPDFObjectHandle node = PdfValues::entry(page, "/Parent");
+    for (int depth = 0; node.isDictionary() && depth < deepestPageTree; ++depth) {
+        for (const std::string& key : node.getKeys())
+            if (harmless.count(key) == 0)
+                return false;
+        node = node.getKey("/Parent");
+    }
+    return node.isNull();
+}
 
 /// True for the places of one longest run of rising numbers: those pages stay where they are.
 std::vector<bool> staying(const std::vector<int>& order) {
@@ -34,26 +51,49 @@ std::vector<bool> staying(const std::vector<int>& order) {
 
 class Mover {
 public:
-    Mover(SourceFile& file, ObjectStore& objects) : m_file(file), m_objects(objects) {}
+    explicit Mover(ObjectStore& objects) : m_objects(objects) {}
 
-    bool arrange(const std::vector<int>& order) {
+    bool arrange(const std::vector<int>& order, SourceFile& file) {
         const std::vector<bool> stays = staying(order);
         if (std::size_t(std::count(stays.begin(), stays.end(), false)) > mostMoves)
             return false;
         for (std::size_t i = 0; i < order.size(); ++i)
-            if (!stays[i] && !takeOut(m_file.page(order[i])))
+            if (!stays[i] && !release(file.page(order[i])))
                 return false;
         const auto firstStaying = std::find(stays.begin(), stays.end(), true) - stays.begin();
-        QPDFObjectHandle anchor = m_file.page(order[std::size_t(firstStaying)]);
+        QPDFObjectHandle anchor = file.page(order[std::size_t(firstStaying)]);
         for (std::size_t i = 0; i < order.size(); ++i) {
             if (stays[i])
                 continue; // and isn't even looked up: that would read all pages of the file
             // Those before the first page that stays go before it, in their order.
             const bool before = std::ptrdiff_t(i) < firstStaying;
-            if (!putBeside(m_file.page(order[i]), before ? anchor : m_file.page(order[i - 1]), !before))
+            if (!putBeside(file.page(order[i]), before ? anchor : file.page(order[i - 1]), !before))
                 return false;
         }
         return true;
+    }
+
+    /// Takes the page out of its node, and nodes that become empty out of theirs.
+    bool unlink(QPDFObjectHandle page) {
+        QPDFObjectHandle kid = page;
+        QPDFObjectHandle node = PdfValues::entry(page, "/Parent");
+        if (!page.isIndirect() || !node.isDictionary() || !node.isIndirect())
+            return false;
+        for (int depth = 0; depth < deepestPageTree; ++depth) {
+            QPDFObjectHandle kids = node.getKey("/Kids");
+            const int place = placeOf(kid, kids);
+            if (place < 0 || (depth == 0 && !addToCounts(node, -1)))
+                return false;
+            kids.eraseItem(place);
+            noteKids(node);
+            QPDFObjectHandle above = node.getKey("/Parent");
+            if (kids.getArrayNItems() > 0 || !above.isDictionary())
+                return true;
+            // An empty node puzzles readers.
+            kid = node;
+            node = above;
+        }
+        return false;
     }
 
 private:
@@ -88,9 +128,9 @@ private:
         m_objects.noteChange(kids.isIndirect() ? kids : node);
     }
 
-    bool takeOut(QPDFObjectHandle page) {
-        QPDFObjectHandle node = PdfValues::entry(page, "/Parent");
-        if (!page.isIndirect() || !node.isDictionary() || !node.isIndirect())
+    /// Takes the page out so that it may stand anywhere.
+    bool release(QPDFObjectHandle page) {
+        if (!page.isDictionary() || !page.isIndirect())
             return false;
         PageTree::keepInherited(page, m_objects);
         // What it doesn't have it must not find in its new place.
@@ -102,23 +142,7 @@ private:
         setWhereMissing("/Rotate", QPDFObjectHandle::newInteger(0));
         setWhereMissing("/MediaBox", PdfValues::numbers({0, 0, 612, 792}));
         setWhereMissing("/CropBox", page.getKey("/MediaBox").shallowCopy());
-
-        QPDFObjectHandle kid = page;
-        for (int depth = 0; depth < deepestPageTree; ++depth) {
-            QPDFObjectHandle kids = node.getKey("/Kids");
-            const int place = placeOf(kid, kids);
-            if (place < 0 || (depth == 0 && !addToCounts(node, -1)))
-                return false;
-            kids.eraseItem(place);
-            noteKids(node);
-            QPDFObjectHandle above = node.getKey("/Parent");
-            if (kids.getArrayNItems() > 0 || !above.isDictionary())
-                return true;
-            // An empty node puzzles readers.
-            kid = node;
-            node = above;
-        }
-        return false;
+        return unlink(page);
     }
 
     bool putBeside(QPDFObjectHandle page, QPDFObjectHandle neighbour, bool after) {
@@ -135,12 +159,18 @@ private:
         return true;
     }
 
-    SourceFile& m_file;
     ObjectStore& m_objects;
 };
 
 } // namespace
 
 bool PageMover::arrange(const std::vector<int>& order, SourceFile& file, ObjectStore& objects) {
-    return Mover(file, objects).arrange(order);
+    return Mover(objects).arrange(order, file);
+}
+
+bool PageMover::remove(const std::vector<QPDFObjectHandle>& pages, ObjectStore& objects) {
+    if (pages.size() > mostMoves || !std::all_of(pages.begin(), pages.end(), inheritsOnlyMeasures))
+        return false;
+    Mover mover(objects);
+    return std::all_of(pages.begin(), pages.end(), [&mover](QPDFObjectHandle page) { return mover.unlink(page); });
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <qpdf/QPDFObjGen.hh>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The syntax of objects as it stands in files (ISO 32000-1, 7.3), without the objects' being built.
+namespace ObjectSyntax {
+
+/// The one value in `bytes` as QPDF would write it: the same tokens, one space between them, the keys of dictionaries
+/// in order. None where there is something else, or where that can't be told (comments, deep nesting). What QPDF would
+/// write in another way may come out as something that it would never write, but never as another value.
+[[nodiscard]] std::optional<std::string> canonical(std::string_view bytes);
+
+/// Calls `visit` for each reference to an indirect object in a value as QPDF writes it.
+void forEachReference(std::string_view value, const std::function<void(QPDFObjGen)>& visit);
+
+} // namespace ObjectSyntax

@@ -1,0 +1,190 @@
+#include "ReachableWriter.h"
+
+#include "CrossReferences.h"
+#include "ObjectStreams.h"
+#include "ReachableObjects.h"
+
+#include <qpdf/Buffer.hh>
+
+#include <QCryptographicHash>
+#include <QIODevice>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using CrossReferences::Place;
+
+constexpr std::size_t packedTogether = 100; // objects
+constexpr int lastGeneration = 65535;
+constexpr std::size_t mostMembers = 65536; // of a stream, whose indices two bytes hold
+
+/// Hands what is written on in large pieces, and knows how much it was.
+class Output {
+public:
+    explicit Output(QIODevice& device) : m_device(device) {}
+
+    void write(const QByteArray& bytes) {
+        m_piece += bytes;
+        m_position += bytes.size();
+        if (m_piece.size() >= pieceSize)
+            finish();
+    }
+    void finish() {
+        m_hash.addData(m_piece);
+        m_device.write(m_piece);
+        m_piece.resize(0); // keeps its memory
+    }
+    [[nodiscard]] qint64 position() const { return m_position; }
+    /// Of all that was written before the last `finish`.
+    [[nodiscard]] QByteArray fingerprint() const { return m_hash.result(); }
+
+private:
+    static constexpr qsizetype pieceSize = 1 << 20;
+
+    QIODevice& m_device;
+    QByteArray m_piece;
+    qint64 m_position = 0;
+    QCryptographicHash m_hash{QCryptographicHash::Md5};
+};
+
+class Writing {
+public:
+    Writing(QPDF& pdf, const ReachableObjects& objects, QIODevice& device)
+        : m_pdf(pdf), m_objects(objects), m_output(device), m_next(objects.end()) {}
+
+    void write(const std::vector<ObjectStreams::Stream>& streams, QPDFObjectHandle trailer) {
+        // Objects in streams need a reader of 1.5.
+        m_output.write("%PDF-" + QByteArray::fromStdString(std::max(m_pdf.getPDFVersion(), std::string("1.5"))) +
+                       "\n%\xBF\xF7\xA2\xFE\n");
+        for (const ObjectStreams::Stream& stream : streams)
+            m_next = std::max(m_next, stream.number + 1);
+        takeOver(streams);
+        writeObjects();
+        writePacked();
+        writeEnd(trailer);
+    }
+
+private:
+    /// For the object that is written next.
+    void notePlace(int number, int generation) {
+        m_places[number] = {Place::Kind::inFile, m_output.position(), generation};
+    }
+
+    void putStream(const ObjectStreams::Stream& stream, const QByteArray& object) {
+        notePlace(stream.number, 0);
+        m_output.write(object);
+        for (int i = 0; i < int(stream.members.size()); ++i)
+            m_places[stream.members[std::size_t(i)]] = {Place::Kind::inObjectStream, stream.number, i};
+    }
+
+    /// Writes the streams of packed objects that stay; the others' objects are left to be packed anew.
+    void takeOver(const std::vector<ObjectStreams::Stream>& streams) {
+        for (const ObjectStreams::Stream& stream : streams) {
+            const bool isWanted =
+                stream.members.size() <= mostMembers &&
+                std::all_of(stream.members.begin(), stream.members.end(), [this](int member) {
+                    return !m_objects[member].value.empty() && !m_objects[member].stream.isInitialized();
+                });
+            // An object that took the number of such a stream is in the way.
+            const bool isFree = m_objects[stream.number].value.empty();
+            const QByteArray object =
+                isWanted && isFree ? ObjectStreams::unchanged(m_pdf, stream, value()) : QByteArray();
+            if (object.isEmpty())
+                m_repacked.insert(stream.members.begin(), stream.members.end());
+            else
+                putStream(stream, object);
+        }
+    }
+
+    void writeObjects() {
+        for (int number = 1; number < m_objects.end(); ++number) {
+            const ReachableObjects::Object& object = m_objects[number];
+            const bool isStream = object.stream.isInitialized();
+            if (object.value.empty() || m_places.count(number) > 0)
+                continue;
+            if (!isStream && object.generation == 0 && m_repacked.count(number) > 0) {
+                m_toPack.push_back(number);
+                continue;
+            }
+            notePlace(number, object.generation);
+            m_output.write(QByteArray::number(number) + ' ' + QByteArray::number(object.generation) + " obj\n");
+            if (isStream)
+                writeStream(object);
+            else
+                m_output.write(QByteArray::fromStdString(object.value));
+            m_output.write("\nendobj\n");
+        }
+    }
+
+    void writeStream(const ReachableObjects::Object& object) {
+        QPDFObjectHandle stream = object.stream;
+        const auto data = stream.getRawStreamData();
+        const auto size = qsizetype(data->getSize());
+        m_output.write(QByteArray::fromStdString(object.value).chopped(2) + "/Length " + QByteArray::number(size) +
+                       " >>\nstream\n");
+        m_output.write(QByteArray::fromRawData(reinterpret_cast<const char*>(data->getBuffer()), size));
+        m_output.write("\nendstream");
+    }
+
+    void writePacked() {
+        for (std::size_t first = 0; first < m_toPack.size(); first += packedTogether) {
+            const std::size_t last = std::min(first + packedTogether, m_toPack.size());
+            const ObjectStreams::Stream stream{
+                m_next++, {m_toPack.begin() + std::ptrdiff_t(first), m_toPack.begin() + std::ptrdiff_t(last)}};
+            putStream(stream, ObjectStreams::packed(stream, value()));
+        }
+    }
+
+    void writeEnd(QPDFObjectHandle trailer) {
+        m_output.finish();
+        CrossReferences::setIds(trailer, m_output.fingerprint());
+        const int number = m_next++;
+        const qint64 position = m_output.position();
+        m_places[number] = {Place::Kind::inFile, position, 0};
+        // What isn't in use is chained from the first number on.
+        int nextFree = 0;
+        for (int unused = m_next - 1; unused >= 0; --unused)
+            if (m_places.try_emplace(unused, Place{Place::Kind::free, nextFree, unused == 0 ? lastGeneration : 0})
+                    .second)
+                nextFree = unused;
+        trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(m_next));
+        m_output.write(CrossReferences::streamObject(m_places, number, trailer));
+        m_output.write("startxref\n" + QByteArray::number(position) + "\n%%EOF\n");
+        m_output.finish();
+    }
+
+    [[nodiscard]] std::function<const std::string&(int)> value() const {
+        return [this](int number) -> const std::string& { return m_objects[number].value; };
+    }
+
+    QPDF& m_pdf;
+    const ReachableObjects& m_objects;
+    Output m_output;
+    int m_next; // number of the next new object
+    CrossReferences::Places m_places;
+    std::set<int> m_repacked; // objects of streams that don't stay
+    std::vector<int> m_toPack;
+};
+
+} // namespace
+
+bool ReachableWriter::write(QPDF& pdf, QIODevice& device) {
+    if (pdf.isEncrypted() || pdf.anyWarnings())
+        return false;
+    const std::vector<ObjectStreams::Stream> streams = ObjectStreams::of(pdf);
+    if (streams.empty())
+        return false;
+    QPDFObjectHandle trailer = CrossReferences::plainTrailer(pdf);
+    const std::optional<ReachableObjects> objects = ReachableObjects::from(pdf, trailer);
+    // By now all is read, and if something was damaged it is known.
+    if (!objects || pdf.anyWarnings())
+        return false;
+    Writing(pdf, *objects, device).write(streams, trailer);
+    return true;
+}
