@@ -13,6 +13,7 @@
 #include "PDFSource.h"
 #include "PageAnnotations.h"
 #include "PageMover.h"
+#include "Signatures.h"
 #include "SourceFiles.h"
 
 #include <unordered_map>
@@ -94,5 +95,6 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     InformationWriter::write(contents, objects);
     recorder.finish();
 
-    return Update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes};
+    const bool isSigned = Signatures::areIn(file->pdf());
+    return Update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes, isSigned};
 }

@@ -36,7 +36,7 @@ auto withErrors(Compose compose) {
 }
 
 /// What to put behind the source's bytes to save the document; empty for none of its changes, none when it is to be
-/// written anew. Updates that make up half of a file are a reason for that.
+/// written anew. Updates that make up half of a file are a reason for that, unless it is signed.
 std::optional<QByteArray> savedUpdate(const DocumentContents& contents, const PDFWriteOptions& options) {
     if (!options.userPassword.isEmpty() || !options.ownerPassword.isEmpty())
         return std::nullopt;
@@ -48,7 +48,7 @@ std::optional<QByteArray> savedUpdate(const DocumentContents& contents, const PD
         return std::nullopt;
     const qint64 updates = update->earlierUpdates + update->bytes.size();
     const qint64 size = contents.source->bytes().size() + update->bytes.size();
-    return updates * 2 < size ? std::optional(std::move(update->bytes)) : std::nullopt;
+    return update->isSigned || updates * 2 < size ? std::optional(std::move(update->bytes)) : std::nullopt;
 }
 
 } // namespace

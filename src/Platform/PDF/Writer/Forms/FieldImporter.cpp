@@ -3,11 +3,15 @@
 #include "FormFields.h"
 #include "FormTree.h"
 #include "PdfValues.h"
+#include "Signatures.h"
 
 #include <utility>
 
 void FieldImporter::adopt(QPDFObjectHandle widget, QPDFObjectHandle copy, ObjectCopier& copier) {
     const std::vector<QPDFObjectHandle> chain = FormTree::chain(widget);
+    // It signed the file that it comes from, not this one.
+    if (Signatures::isField(widget))
+        copy.removeKey("/V");
     if (chain.size() < 2) {
         addToForm(widget, copy, copier);
         return;
@@ -27,6 +31,8 @@ QPDFObjectHandle FieldImporter::fieldCopy(const std::vector<QPDFObjectHandle>& c
         return known->second;
     QPDFObjectHandle value = original.shallowCopy();
     value.removeKey("/Parent");
+    if (Signatures::isField(original))
+        value.removeKey("/V");
     value.replaceKey("/Kids", QPDFObjectHandle::newArray());
     QPDFObjectHandle copy = copier.reserveFor(original);
     m_objects.fill(copy, copier.copy(value));

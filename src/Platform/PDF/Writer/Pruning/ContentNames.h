@@ -23,7 +23,8 @@ struct User {
 };
 
 /// Walks through pages and whatever they draw that has content of its own: form XObjects, tiling patterns, soft masks
-/// of graphics states, glyphs of Type 3 fonts, appearances of annotations. Each is visited once for each dictionary of resources that it uses.
+/// of graphics states, glyphs of Type 3 fonts, appearances of annotations. Each is visited once for each dictionary of
+/// resources that it uses.
 class Walker {
 public:
     explicit Walker(std::function<void(const User&)> visit) : m_visit(std::move(visit)) {}
