@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <QRegularExpression>
+
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -208,6 +210,31 @@ TEST(WriterPagesTest, PagesInUseTwiceAreTwoPages) {
 }
 
 class ProtectionTest : public testing::TestWithParam<PdfFixture::Encryption> {};
+
+TEST(WriterPagesTest, OneThatStandsTwiceInTheTreeIsTwoPages) {
+    PdfFixture fixture;
+    fixture.addPage({QStringLiteral("One")});
+    fixture.addPage({QStringLiteral("Two")});
+    QByteArray file = fixture.bytes();
+    const auto references =
+        QRegularExpression(QStringLiteral("/Kids \\[ (\\d+ 0 R) (\\d+ 0 R)")).match(QString::fromLatin1(file));
+    ASSERT_TRUE(references.hasMatch());
+    file.replace(references.capturedStart(2), references.capturedLength(2), references.captured(1).toLatin1());
+    const auto document = PDFDocument::fromData(file);
+    ASSERT_EQ(document->page(1)->string(), QStringLiteral("One"));
+    for (const int page : {1, 0}) {
+        auto square =
+            std::make_shared<PDFAnnotation>(QRectF(72, 72 + 100 * page, 50, 50), PDFAnnotationSubtype::square);
+        document->page(page)->addAnnotation(square);
+        const QByteArray saved = document->dataRepresentation();
+        EXPECT_EQ(PdfPrograms::complaints(saved), "");
+        const auto reopened = PDFDocument::fromData(saved);
+        ASSERT_EQ(reopened->pageCount(), 2);
+        EXPECT_EQ(reopened->page(0)->annotations().size(), page == 0 ? 1U : 0U);
+        ASSERT_EQ(reopened->page(1)->annotations().size(), 1U);
+        EXPECT_EQ(reopened->page(1)->annotations()[0]->bounds().bottom(), 222);
+    }
+}
 
 TEST_P(ProtectionTest, StaysOnEverySave) {
     PdfFixture pdf;

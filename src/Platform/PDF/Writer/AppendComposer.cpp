@@ -13,10 +13,14 @@
 #include "PDFSource.h"
 #include "PageAnnotations.h"
 #include "PageMover.h"
+#include "PdfValues.h"
 #include "Signatures.h"
 #include "SourceFiles.h"
 
+#include <algorithm>
+#include <set>
 #include <unordered_map>
+#include <vector>
 
 namespace {
 
@@ -27,15 +31,30 @@ bool canNumberObjects(QPDF& pdf) {
     return table.empty() || table.rbegin()->first.getObj() < highestObjectNumber / 2;
 }
 
-/// Writes the pages whose annotations or rotation changed. False when one of them can't be read.
+/// True when the page stands once in its node of the page tree. One that stands there again is another page to whoever
+/// sees it, and can't be changed by itself.
+bool standsOnce(QPDFObjectHandle page) {
+    QPDFObjectHandle siblings = PdfValues::entry(page.getKey("/Parent"), "/Kids");
+    if (!siblings.isArray())
+        return true;
+    const std::vector<QPDFObjectHandle> all = siblings.getArrayAsVector();
+    return std::count_if(all.begin(), all.end(), [&page](const QPDFObjectHandle& sibling) {
+               return sibling.getObjGen() == page.getObjGen();
+           }) <= 1;
+}
+
+/// Writes the pages whose annotations or rotation changed. False when one of them can't be read or isn't an object of
+/// its own.
 bool writePages(const DocumentContents& contents, SourceFile& file, UpdateObjects& objects, FormFields& form,
                 AppearanceRecorder& recorder, SourceFiles& files, const AnnotationDictionary::PageLookup& lookup) {
     PageAnnotations annotations(objects, form, recorder, files, lookup);
+    std::set<QPDFObjGen> written;
     for (const DocumentContents::Page& page : contents.pages) {
         if (!page.modified)
             continue;
         QPDFObjectHandle object = file.page(page.content.pageNumber);
-        if (!object.isDictionary() || !object.isIndirect())
+        if (!object.isDictionary() || !object.isIndirect() || !standsOnce(object) ||
+            !written.insert(object.getObjGen()).second)
             return false;
         if (page.page->rotation() != contents.source->geometry(page.content.pageNumber).rotation)
             objects.set(object, "/Rotate", QPDFObjectHandle::newInteger(page.page->rotation()));

@@ -26,6 +26,7 @@
 
 #include <QIODevice>
 
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <unordered_map>
@@ -183,7 +184,9 @@ void Rewriting::writePages(PageAnnotations& annotations) {
 }
 
 void Rewriting::arrangePages() {
-    if (m_contents.hasSourceOrder())
+    const bool areOwn =
+        std::none_of(m_pages.begin(), m_pages.end(), [](const OutputPage& page) { return page.imported; });
+    if (m_contents.hasSourceOrder() && areOwn)
         return; // the tree is right as it stands
     std::vector<QPDFObjectHandle> pages;
     std::set<QPDFObjGen> kept;
