@@ -105,7 +105,7 @@ TEST_F(DrawingTools, aStrokeIsSmoothAndRunsFromItsFirstPointToItsLast) {
 
 TEST_F(DrawingTools, aFingerDrawsAllOfAStrokeHoweverShort) {
     m_toolState->setTool(AnnotationTool::ink);
-    QPointingDevice* const screen = QTest::createTouchDevice();
+    static QPointingDevice* const screen = QTest::createTouchDevice();
     const auto draw = [&](const std::vector<QPoint>& way) {
         const auto at = [this](QPoint point) { return m_view.viewport()->mapTo(&m_view, point); };
         QTest::touchEvent(&m_view, screen).press(0, at(way.front()));

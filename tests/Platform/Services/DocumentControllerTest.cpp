@@ -110,7 +110,7 @@ protected:
     using Gate = std::shared_ptr<QSemaphore>;
 
     Gate openSlowly(const char* name) {
-        const auto gate = std::make_shared<QSemaphore>();
+        auto gate = std::make_shared<QSemaphore>();
         m_nextGate = gate;
         m_controller->openDocument(makeFile(name), true, [this](const auto& document, bool, const QString&) {
             m_ended.append(document ? "o" : "-");

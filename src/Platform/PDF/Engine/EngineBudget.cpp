@@ -18,7 +18,7 @@ struct Engines {
 };
 
 Engines& engines() {
-    static Engines all;
+    static Engines& all = *new Engines; // documents may go later than anything that is made on first use
     return all;
 }
 
