@@ -1,6 +1,7 @@
 #include "PDFSource.h"
 
 #include "EngineBudget.h"
+#include "EngineCopy.h"
 #include "PDFError.h"
 #include "PageText.h"
 #include "SourceEngine.h"
@@ -86,6 +87,10 @@ std::shared_ptr<const PageText> PDFSource::text(int pageNumber, const std::stop_
 
 std::shared_ptr<const PageText> PDFSource::readText(int pageNumber, const std::stop_token& stop) const {
     return TextReader::read(*m_engine, pageNumber, stop);
+}
+
+QByteArray PDFSource::repairedBytes() const {
+    return EngineCopy::of(*m_engine);
 }
 
 void PDFSource::releaseAllCaches() {

@@ -52,6 +52,10 @@ public:
     /// The same, past the cache: for reading a whole document once.
     [[nodiscard]] std::shared_ptr<const PageText> readText(int pageNumber, const std::stop_token& stop = {}) const;
 
+    /// The file as the drawing engine has repaired it, for whoever can't read it as it came: its objects keep their
+    /// numbers. Empty when that fails.
+    [[nodiscard]] QByteArray repairedBytes() const;
+
     /// Memory is short: what the engine can read again of any open file is given up.
     static void releaseAllCaches();
 

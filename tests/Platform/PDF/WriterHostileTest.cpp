@@ -192,3 +192,29 @@ TEST(WriterHostileTest, DamagedBytesNeverEndTheProgram) {
     }
     EXPECT_LT(failures, 60) << "of 400; most damage can be lived with";
 }
+
+TEST(WriterHostileTest, WhatWasRepairedIsSavedAsItWasShown) {
+    PdfFixture fixture;
+    for (int i = 0; i < 30; ++i)
+        fixture.addPage({QStringLiteral("Page %1").arg(i)});
+    QByteArray cutShort = fixture.bytes(PdfFixture::Style::objectStreams);
+    cutShort.truncate(cutShort.lastIndexOf("startxref"));
+    const QByteArray pageInItsNode =
+        "%PDF-1.4\n1 0 obj\n<< /Type /Catalog /Pages 2 0 R >>\nendobj\n2 0 obj\n<< /Type /Pages /Count 1 /Kids [ << "
+        "/Type /Page /Parent 2 0 R /MediaBox [ 0 0 612 792 ] >> ] >>\nendobj\nxref\n0 3\n0000000000 65535 f "
+        "\n0000000009 "
+        "00000 n \n0000000058 00000 n \ntrailer\n<< /Size 3 /Root 1 0 R >>\nstartxref\n175\n%%EOF\n";
+    for (const QByteArray& file : {cutShort, pageInItsNode}) {
+        SCOPED_TRACE(file.left(40).toStdString());
+        const auto document = PDFDocument::fromData(file);
+        ASSERT_GT(document->pageCount(), 0);
+        document->page(0)->addAnnotation(
+            std::make_shared<PDFAnnotation>(QRectF(72, 72, 50, 50), PDFAnnotationSubtype::square));
+        const QByteArray saved = document->dataRepresentation();
+        EXPECT_EQ(PdfPrograms::complaints(saved), "");
+        const auto reopened = PDFDocument::fromData(saved);
+        EXPECT_EQ(reopened->string(), document->string());
+        ASSERT_EQ(reopened->pageCount(), document->pageCount());
+        EXPECT_EQ(reopened->page(0)->annotations().size(), 1U);
+    }
+}

@@ -52,6 +52,9 @@ bool writePages(const DocumentContents& contents, SourceFile& file, UpdateObject
     for (const DocumentContents::Page& page : contents.pages) {
         if (!page.modified)
             continue;
+        // A page that stands directly in its node has no object that an update could replace.
+        if (contents.source->pageObjectNumber(page.content.pageNumber) <= 0)
+            return false;
         QPDFObjectHandle object = file.page(page.content.pageNumber);
         if (!object.isDictionary() || !object.isIndirect() || !standsOnce(object) ||
             !written.insert(object.getObjGen()).second)

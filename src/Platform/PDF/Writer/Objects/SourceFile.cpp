@@ -1,12 +1,16 @@
 #include "SourceFile.h"
 
 #include "Logging.h"
+#include "PDFError.h"
 #include "PDFSource.h"
 #include "PdfValues.h"
 
 #include <qpdf/QPDFExc.hh>
 
 #include <QRegularExpression>
+
+#include <exception>
+#include <utility>
 
 #include <set>
 #include <utility>
@@ -57,6 +61,34 @@ std::unique_ptr<QPDF> opened(const QByteArray& bytes, const QByteArray& password
     return pdf;
 }
 
+/// Null for a file that can't be opened even so.
+std::unique_ptr<QPDF> openedIfPossible(const QByteArray& bytes, const QByteArray& password) {
+    try {
+        return opened(bytes, password, true);
+    } catch (const std::exception& error) {
+        qCWarning(Logging::pdf) << "opening a repaired file failed:" << Logging::causes(error);
+        return nullptr;
+    }
+}
+
+/// True when the file has the pages of the source, as far as their objects tell.
+bool hasPages(QPDF& pdf, const PDFSource& source) {
+    try {
+        const std::vector<QPDFObjectHandle>& pages = pdf.getAllPages();
+        if (int(pages.size()) != source.pageCount())
+            return false;
+        for (int number = 0; number < source.pageCount(); ++number) {
+            const int object = source.pageObjectNumber(number);
+            if (object > 0 && object != pages[std::size_t(number)].getObjectID())
+                return false;
+        }
+        return true;
+    } catch (const std::exception& error) {
+        qCWarning(Logging::pdf) << "looking for the pages of a damaged file failed:" << Logging::causes(error);
+        return false;
+    }
+}
+
 } // namespace
 
 SourceFile::SourceFile(std::shared_ptr<PDFSource> source, bool repair) : m_source(std::move(source)) {
@@ -64,12 +96,25 @@ SourceFile::SourceFile(std::shared_ptr<PDFSource> source, bool repair) : m_sourc
     try {
         m_pdf = opened(m_source->bytes(), password, repair);
     } catch (const QPDFExc& error) {
-        m_bytes = repair && error.getErrorCode() != qpdf_e_password ? withTrailer(m_source->bytes()) : QByteArray();
-        if (m_bytes.isEmpty())
+        if (!repair || error.getErrorCode() == qpdf_e_password)
             throw;
         qCWarning(Logging::pdf) << "opening a file by its own trailer failed:" << Logging::causes(error);
-        m_pdf = opened(m_bytes, password, repair);
+        m_bytes = withTrailer(m_source->bytes());
+        if (!m_bytes.isEmpty())
+            m_pdf = openedIfPossible(m_bytes, password);
     }
+    // What was damaged was seen as the engine has repaired it, so that is what is to be saved.
+    const bool isDamaged = !m_pdf || m_source->wasRepaired() || m_pdf->anyWarnings();
+    if (repair && isDamaged && !(m_pdf && hasPages(*m_pdf, *m_source))) {
+        const QByteArray copy = m_source->repairedBytes();
+        auto pdf = copy.isEmpty() ? nullptr : openedIfPossible(copy, password);
+        if (pdf && (!m_pdf || hasPages(*pdf, *m_source))) {
+            m_pdf = std::move(pdf); // before the bytes that the former one reads
+            m_bytes = copy;
+        }
+    }
+    if (!m_pdf)
+        throw PDFError(PDFError::Kind::writeFailed, QStringLiteral("It is too damaged to be saved."));
     for (const auto& [id, place] : m_pdf->getXRefTable())
         if (id.getGen() != 0)
             m_generations[id.getObj()] = id.getGen();

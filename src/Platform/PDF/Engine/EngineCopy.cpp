@@ -1,0 +1,39 @@
+#include "EngineCopy.h"
+
+#include "Logging.h"
+#include "SourceEngine.h"
+
+#include <string>
+
+QByteArray EngineCopy::of(SourceEngine& engine) {
+    SourceEngine::Lease lease = engine.lease();
+    if (!lease)
+        return {};
+    lease.abandon(); // writing leaves traces in the document
+    fz_context* context = lease.context();
+    fz_buffer* buffer = nullptr;
+    fz_output* output = nullptr;
+    std::string error;
+    const bool written = engineTry(
+        context,
+        [&] {
+            buffer = fz_new_buffer(context, 0);
+            output = fz_new_output_with_buffer(context, buffer);
+            pdf_write_options options = pdf_default_write_options;
+            options.do_encrypt = PDF_ENCRYPT_KEEP;
+            pdf_write_document(context, lease.document(), output, &options);
+            fz_close_output(context, output);
+        },
+        &error);
+    QByteArray copy;
+    if (written) {
+        unsigned char* data = nullptr;
+        const std::size_t size = fz_buffer_storage(context, buffer, &data);
+        copy = QByteArray(reinterpret_cast<const char*>(data), qsizetype(size));
+    } else {
+        qCWarning(Logging::pdf) << "the engine couldn't write its copy of a file:" << error.c_str();
+    }
+    fz_drop_output(context, output);
+    fz_drop_buffer(context, buffer);
+    return copy;
+}
