@@ -8,6 +8,7 @@
 #include "NoteIcon.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
+#include "PDFPageGeometry.h"
 #include "PDFSource.h"
 
 #include <QPainter>
@@ -18,6 +19,7 @@ namespace {
 
 // Bits of the F key (ISO 32000-1, table 165).
 constexpr int hiddenFlag = 1 << 1;
+constexpr int noRotateFlag = 1 << 4;
 constexpr int noViewFlag = 1 << 5;
 
 /// As exact as a file can say it.
@@ -259,6 +261,14 @@ QRectF PDFAnnotation::uprightBounds() const {
 
 QTransform PDFAnnotation::uprightToPage() const {
     return m_values.frame ? m_values.frame->toPage(m_values.bounds) : QTransform();
+}
+
+void PDFAnnotation::standOn(const PDFPageGeometry& page) {
+    if (m_values.frame || !PDFAnnotationFrame::suits(m_values.type))
+        return;
+    m_values.frame = {page.rotation, page.userUnit}; // which it keeps when the page is turned later
+    if (page.rotation != 0 && m_values.type == PDFAnnotationSubtype::text)
+        m_values.flags |= noRotateFlag; // for the signs of other programs
 }
 
 Values PDFAnnotation::uprightValues() const {

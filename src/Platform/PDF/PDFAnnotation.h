@@ -11,6 +11,7 @@
 
 class PDFPage;
 struct AnnotationDrawing;
+struct PDFPageGeometry;
 class QPainter;
 
 /// An annotation on a page: a live, shared object. Main thread only. All geometry is in page coordinates.
@@ -167,6 +168,8 @@ private:
     template <typename T, typename... Place>
     void set(const T& value, Place... place);
     void announceChange(const QRectF& area);
+    /// The first page that it comes on gives it its frame.
+    void standOn(const PDFPageGeometry& page);
     [[nodiscard]] PDFAnnotationValues uprightValues() const;
     void drawFromFile(QPainter& painter) const;
 

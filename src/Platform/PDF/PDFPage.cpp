@@ -174,8 +174,7 @@ void PDFPage::insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation,
         return;
     m_annotations.insert(m_annotations.begin() + std::clamp(index, 0, int(m_annotations.size())), annotation);
     annotation->m_page = weak_from_this();
-    if (!annotation->m_values.frame && PDFAnnotationFrame::suits(annotation->type()))
-        annotation->m_values.frame = {rotation(), userUnit()}; // which it keeps when the page is turned later
+    annotation->standOn(geometry());
     noteChange(annotation->drawnArea());
 }
 

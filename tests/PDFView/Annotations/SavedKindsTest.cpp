@@ -346,6 +346,7 @@ std::vector<QImage> placedAsSeen(int rotation, double userUnit) {
     EXPECT_NEAR(text->font()->pointSizeF(), 16, 0.01);
     text->setContents(QStringLiteral("Other words, which wrap"));
     pictures.push_back(reopened->page(0)->thumbnail(pixels, PDFDisplayBox::cropBox));
+    EXPECT_EQ(reopened->page(0)->annotations().at(2)->values().flags, rotation == 0 ? 4 : 4 + 16) << "no turned sign";
     reopened->page(0)->removeAnnotation(reopened->page(0)->annotations().at(2));
     const QByteArray file = reopened->dataRepresentation();
     for (const QString& command : {QStringLiteral("mutool draw -w 800 -h 1000 -F ppm -o - FILE"),
