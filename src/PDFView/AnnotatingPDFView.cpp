@@ -29,6 +29,38 @@
 static constexpr QSizeF noteSize{120, 80};
 static constexpr double noteMargin = 20;
 
+namespace {
+
+struct MarkedLine {
+    std::shared_ptr<PDFPage> page;
+    PDFQuad quad;
+};
+
+/// Whether one stands within the length and the height of the other.
+bool liesWithin(const PDFQuad& part, const PDFQuad& whole) {
+    const auto place = [&whole](QPointF point, QPointF end) {
+        const QPointF axis = end - whole.lowerLeft;
+        return QPointF::dotProduct(point - whole.lowerLeft, axis) / QPointF::dotProduct(axis, axis);
+    };
+    const double halfway = place((part.lowerLeft + part.upperRight) / 2, whole.upperLeft);
+    constexpr double rounding = 1e-6;
+    return halfway > 0 && halfway < 1 && place(part.lowerLeft, whole.lowerRight) > -rounding &&
+           place(part.lowerRight, whole.lowerRight) < 1 + rounding;
+}
+
+/// Whether another one marks it already: an exponent that the page has as a line of its own, or a text that it shows
+/// twice at one place. Marked again it would be darker.
+bool isCovered(const std::vector<MarkedLine>& marked, std::size_t index) {
+    const MarkedLine& line = marked[index];
+    for (std::size_t i = 0; i < marked.size(); ++i)
+        if (i != index && marked[i].page == line.page && liesWithin(line.quad, marked[i].quad) &&
+            (i < index || !liesWithin(marked[i].quad, line.quad)))
+            return true;
+    return false;
+}
+
+} // namespace
+
 AnnotatingPDFView::AnnotatingPDFView(QWidget* parent)
     : PDFView(parent), m_shape(std::make_unique<ShapeGesture>(*this)),
       m_signature(std::make_unique<SignaturePlacement>(*this)), m_noteDrag(std::make_unique<NoteDrag>(*this)),
@@ -108,16 +140,20 @@ bool AnnotatingPDFView::applyMarkup(const QString& subtype) {
     QUILLO_ASSERT(m_toolState, "Markup has its colour from the tool state.");
     const QColor color = m_toolState->color();
 
-    for (const PDFSelection& line : lines) {
-        const auto pages = line.pages();
-        const QRectF bounds = pages.empty() ? QRectF() : line.bounds(*pages.front());
-        if (!(bounds.width() > 0 && bounds.height() > 0))
+    std::vector<MarkedLine> marked;
+    for (const PDFSelection& line : lines)
+        for (const std::shared_ptr<PDFPage>& page : line.pages())
+            for (const PDFQuad& quad : line.lineQuads(*page))
+                marked.push_back({page, quad});
+    for (std::size_t i = 0; i < marked.size(); ++i) {
+        const auto& [page, quad] = marked[i];
+        if (quad.boundingRect().isEmpty() || isCovered(marked, i))
             continue;
-        const auto annotation = std::make_shared<PDFAnnotation>(bounds, subtype);
-        annotation->setQuadrilateralPoints(line.lineQuads(*pages.front()));
+        const auto annotation = std::make_shared<PDFAnnotation>(quad.boundingRect(), subtype);
+        annotation->setQuadrilateralPoints({quad});
         annotation->setColor(color);
-        pages.front()->addAnnotation(annotation);
-        AnnotationUndo::registerAdding(m_docUndoManager.get(), pages.front(), annotation);
+        page->addAnnotation(annotation);
+        AnnotationUndo::registerAdding(m_docUndoManager.get(), page, annotation);
     }
     clearSelection();
     return true;

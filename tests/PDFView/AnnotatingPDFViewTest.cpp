@@ -94,7 +94,7 @@ TEST_F(AnnotatingPDFViewTest, withoutASelectionNothingIsMarkedAndWithoutAnUndoMa
 TEST_F(AnnotatingPDFViewTest, markupAndItsUndoShowOnTheScreen) {
     m_toolState->setColor(Qt::red);
     const QRectF line = page(0)->text()->lines[1].bounds;
-    const QPoint spot = m_view.convertFromPage(QPointF(line.right() - 1, line.top() + 1), *page(0)).toPoint();
+    const QPoint spot = m_view.convertFromPage(QPointF(line.right() - 1, line.top() + 3), *page(0)).toPoint();
     const auto isMarked = [&] {
         const QColor color = m_view.viewport()->grab().toImage().pixelColor(spot);
         return color.red() > 200 && color.green() < 120;
@@ -196,6 +196,35 @@ TEST_F(AnnotatingPDFViewTest, markupFollowsTextThatRunsUpATurnedPage) {
     const auto reopened = PDFDocument::fromData(m_document->dataRepresentation());
     EXPECT_EQ(reopened->page(0)->annotations().at(0)->quadrilateralPoints()[0].boundingRect().toRect(),
               quad.boundingRect().toRect());
+}
+
+TEST_F(AnnotatingPDFViewTest, markupIsAsHighAsTheFontOfTheLineAndKeepsOffItsNeighbours) {
+    PdfFixture fixture;
+    fixture.addPageWithContent("BT /F1 12 Tf 1 0 0 1 90 700 Tm (Plain words of a line) Tj\n"
+                               "1 0 0 1 72 660 Tm /F1 24 Tf (-) Tj /F1 12 Tf ( A bullet) Tj 6 Ts /F1 9 Tf (12) Tj\n"
+                               "0 Ts /F1 12 Tf ( and a note) Tj 1 0 0 1 72 600 Tm (Lines that stand) Tj\n"
+                               "1 0 0 1 72 591 Tm (close to the last) Tj 1 0 0 1 72 582 Tm (one or the next) Tj\n"
+                               "1 0 0 1 72 500 Tm (a =          b) Tj /F1 8 Tf "
+                               "1 0 0 1 100 502 Tm (n) Tj ET",
+                               fixture.defaultResources());
+    show(PDFDocument::fromData(fixture.bytes()));
+    m_view.selectAll();
+    ASSERT_TRUE(m_view.applyMarkup(PDFAnnotationSubtype::highlight));
+    ASSERT_EQ(page()->text()->lines.size(), 7U) << page()->string().toStdString();
+    ASSERT_EQ(annotations().size(), 6U) << "the exponent isn't marked twice";
+    std::vector<QRectF> boxes;
+    for (const auto& marked : annotations()) {
+        ASSERT_EQ(marked->quadrilateralPoints().size(), 1U);
+        boxes.push_back(marked->quadrilateralPoints()[0].boundingRect());
+        EXPECT_EQ(marked->bounds(), boxes.back());
+    }
+    EXPECT_NEAR(boxes[1].left(), 72, 2) << "with the bullet";
+    EXPECT_NEAR(boxes[1].top(), boxes[0].top() - 40, 0.01);
+    EXPECT_NEAR(boxes[1].bottom(), boxes[0].bottom() - 40, 0.01);
+    for (std::size_t line = 2; line < 4; ++line) {
+        EXPECT_NEAR(boxes[line].top(), boxes[line + 1].bottom(), 0.01) << "neither a gap nor a seam";
+        EXPECT_GT(boxes[line].height(), 8);
+    }
 }
 
 TEST_F(AnnotatingPDFViewTest, aModeMarksEachSelectionWhenTheButtonIsReleased) {

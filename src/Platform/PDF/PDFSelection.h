@@ -38,7 +38,8 @@ public:
     /// One rectangle for each line touched on `page`, page coordinates, for painting.
     [[nodiscard]] std::vector<QRectF> lineRects(const PDFPage& page) const;
 
-    /// The same as quadrilaterals along the direction of each line.
+    /// Quadrilaterals along the direction of each line, for marking the text: as high as each line's own font, and
+    /// those of neighbouring lines don't overlap.
     [[nodiscard]] std::vector<PDFQuad> lineQuads(const PDFPage& page) const;
 
     /// One selection for each line of text, in order. Lines of white space alone are left out.

@@ -74,6 +74,7 @@ public:
         for (const fz_stext_char* c = line.first_char; c; c = c->next)
             addCharacter(*c, built);
         built.end = int(m_text.string.size());
+        m_text.measureHeight(built);
         m_text.lines.push_back(built);
     }
 

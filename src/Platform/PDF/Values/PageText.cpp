@@ -171,28 +171,3 @@ std::vector<QRectF> PageText::lineRects(int start, int end) const {
     }
     return rects;
 }
-
-std::vector<PDFQuad> PageText::lineQuads(int start, int end) const {
-    std::vector<PDFQuad> quads;
-    for (int i = std::max(0, lineAt(start)); i < int(lines.size()) && lines[std::size_t(i)].start < end; ++i) {
-        const Line& line = lines[std::size_t(i)];
-        // In a system of the line's own: x along it, y to its left.
-        const QPointF up(-line.direction.y(), line.direction.x());
-        QRectF extent;
-        for (int at = std::max(start, line.start); at < std::min(end, line.end); ++at) {
-            const PDFQuad& quad = glyphs[std::size_t(at)].quad;
-            PDFQuad turned;
-            for (const auto corner :
-                 {&PDFQuad::upperLeft, &PDFQuad::upperRight, &PDFQuad::lowerLeft, &PDFQuad::lowerRight})
-                turned.*corner = {along(quad.*corner, line.direction), along(quad.*corner, up)};
-            const QRectF box = turned.boundingRect();
-            extent = extent.isNull() ? box : extent.united(box);
-        }
-        if (extent.isNull())
-            continue;
-        const auto back = [&](double x, double y) { return x * line.direction + y * up; };
-        quads.push_back({back(extent.left(), extent.bottom()), back(extent.right(), extent.bottom()),
-                         back(extent.left(), extent.top()), back(extent.right(), extent.top())});
-    }
-    return quads;
-}

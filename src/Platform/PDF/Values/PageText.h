@@ -35,6 +35,10 @@ public:
         QRectF bounds;     ///< around the glyphs, page coordinates
         QPointF direction; ///< unit vector of the writing direction; (1, 0) for upright text
         int block = 0;     ///< lines of one paragraph or column share it
+        /// How far the font that most of it is set in reaches, from descender to ascender, as distances from the origin
+        /// across the direction (upwards for upright text). A bullet or a superscript doesn't count.
+        double low = 0;
+        double high = 0;
     };
 
     QString string;
@@ -61,6 +65,13 @@ public:
     /// One rectangle for each line that [start, end) touches, around its glyphs there.
     [[nodiscard]] std::vector<QRectF> lineRects(int start, int end) const;
 
-    /// The same as quadrilaterals that follow the direction of each line, for text that runs up, down or aslant.
+    /// For marking the text: quadrilaterals that follow the direction of each line, as high as the line's own font,
+    /// and where lines stand so close that these would overlap, up to halfway.
     [[nodiscard]] std::vector<PDFQuad> lineQuads(int start, int end) const;
+
+    /// Sets `low` and `high` of a line whose glyphs are in place, for who builds the value.
+    void measureHeight(Line& line) const;
+
+private:
+    [[nodiscard]] std::pair<double, double> ownHeight(std::size_t line) const;
 };
