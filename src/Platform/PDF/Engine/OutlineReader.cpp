@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int itemLimit = 100000;
-constexpr std::size_t deepest = 64;
+constexpr std::size_t deepestLevel = 64;
 
 /// What one item says, fetched in one go.
 struct Item {
@@ -78,7 +78,7 @@ std::shared_ptr<PDFOutline> OutlineReader::read(SourceEngine& engine, const PDFD
         level.parent->insertChild(item, level.parent->numberOfChildren());
         level.next = fetched.next;
         if (fetched.first)
-            levels.push_back({levels.size() < deepest ? item : level.parent, fetched.first});
+            levels.push_back({levels.size() < deepestLevel ? item : level.parent, fetched.first});
     }
     return root;
 }

@@ -11,7 +11,7 @@
 namespace {
 
 /// How far a point lies along a direction.
-constexpr auto along = QPointF::dotProduct;
+constexpr auto reachAlong = QPointF::dotProduct;
 
 /// To the left of the line's writing direction.
 QPointF upOf(const PageText::Line& line) {
@@ -24,8 +24,8 @@ std::pair<double, double> extentAlong(const PageText& text, const PageText::Line
         return {0, 0};
     const PDFQuad& first = text.glyphs[std::size_t(line.start)].quad;
     const PDFQuad& last = text.glyphs[std::size_t(line.end) - 1].quad;
-    return std::minmax({along(first.lowerLeft, line.direction), along(first.lowerRight, line.direction),
-                        along(last.lowerLeft, line.direction), along(last.lowerRight, line.direction)});
+    return std::minmax({reachAlong(first.lowerLeft, line.direction), reachAlong(first.lowerRight, line.direction),
+                        reachAlong(last.lowerLeft, line.direction), reachAlong(last.lowerRight, line.direction)});
 }
 
 } // namespace
@@ -43,12 +43,13 @@ void PageText::measureHeight(Line& line) const {
     for (int at = line.start; at < line.end; ++at) {
         const Glyph& glyph = glyphs[std::size_t(at)];
         const double step = std::max(0.1 * double(glyph.size), 0.01);
-        Voice& voice =
-            voices[{glyph.font, std::lround(100 * double(glyph.size)), std::lround(along(glyph.origin, up) / step)}];
+        Voice& voice = voices[{glyph.font, std::lround(100 * double(glyph.size)),
+                               std::lround(reachAlong(glyph.origin, up) / step)}];
         for (const QPointF& corner :
              {glyph.quad.lowerLeft, glyph.quad.lowerRight, glyph.quad.upperLeft, glyph.quad.upperRight}) {
-            voice.low = std::min(voice.low, along(corner, up)); // the upper ones are the lower ones in mirrored text
-            voice.high = std::max(voice.high, along(corner, up));
+            voice.low =
+                std::min(voice.low, reachAlong(corner, up)); // the upper ones are the lower ones in mirrored text
+            voice.high = std::max(voice.high, reachAlong(corner, up));
         }
         voice.letters += string.at(at).isSpace() ? 0 : 1;
         if (!own || voice.letters > own->letters)
@@ -97,8 +98,8 @@ std::vector<PDFQuad> PageText::lineQuads(int start, int end) const {
         for (int at = std::max(start, line.start); at < std::min(end, line.end); ++at) {
             const PDFQuad& quad = glyphs[std::size_t(at)].quad;
             for (const QPointF& corner : {quad.upperLeft, quad.upperRight, quad.lowerLeft, quad.lowerRight}) {
-                from = std::min(from, along(corner, line.direction));
-                to = std::max(to, along(corner, line.direction));
+                from = std::min(from, reachAlong(corner, line.direction));
+                to = std::max(to, reachAlong(corner, line.direction));
             }
         }
         const auto [low, high] = ownHeight(std::size_t(i));

@@ -10,8 +10,6 @@
 #include <QRegularExpression>
 
 #include <exception>
-#include <utility>
-
 #include <set>
 #include <utility>
 
