@@ -16,6 +16,10 @@ protected:
     void openWorkspace(const TestPdf& pdf) {
         m_document = opened(pdf.write(m_folder.path(), QStringLiteral("paper.pdf")));
         ASSERT_TRUE(m_document);
+        showWorkspace();
+    }
+    /// Shows the document in a workspace.
+    void showWorkspace() {
         m_toolState = std::make_shared<ToolState>(&m_defaults);
         m_workspace =
             std::make_unique<PDFEditorWorkspaceView>(m_document, m_document->fileURL(), m_toolState, m_defaults);

@@ -37,12 +37,7 @@ protected:
         const auto note = std::make_shared<NoteAnnotation>(noteBounds); // as it is after a save
         note->setContents(QStringLiteral("old words"));
         m_document->pdfDocument()->page(0)->addAnnotation(note);
-        m_toolState = std::make_shared<ToolState>(&m_defaults);
-        m_workspace =
-            std::make_unique<PDFEditorWorkspaceView>(m_document, m_document->fileURL(), m_toolState, m_defaults);
-        show(*m_workspace, {900, 700});
-        m_view = m_workspace->pdfView();
-        QCoreApplication::processEvents();
+        showWorkspace();
     }
 
     void click(QPointF onPage, bool isDouble) const {

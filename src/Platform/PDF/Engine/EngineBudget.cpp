@@ -14,7 +14,7 @@ constexpr std::size_t softLimit = std::size_t(256) << 20;
 
 struct Engines {
     std::mutex mutex;                 // held while engines release, so that none goes meanwhile
-    std::vector<SourceEngine*> byUse; // most recent last
+    std::vector<SourceEngine*> byUse; // those that keep something, most recent last
 };
 
 Engines& engines() {
@@ -24,11 +24,6 @@ Engines& engines() {
 
 } // namespace
 
-void EngineBudget::add(SourceEngine& engine) {
-    const std::lock_guard guard(engines().mutex);
-    engines().byUse.push_back(&engine);
-}
-
 void EngineBudget::remove(SourceEngine& engine) {
     const std::lock_guard guard(engines().mutex);
     std::erase(engines().byUse, &engine);
@@ -37,17 +32,20 @@ void EngineBudget::remove(SourceEngine& engine) {
 void EngineBudget::noteUse(SourceEngine& engine) {
     const std::lock_guard guard(engines().mutex);
     std::vector<SourceEngine*>& byUse = engines().byUse;
-    const auto used = std::find(byUse.begin(), byUse.end(), &engine);
-    std::rotate(used, used == byUse.end() ? used : std::next(used), byUse.end());
-    for (SourceEngine* oldest : byUse) {
-        if (oldest == &engine || engineBytes() <= softLimit)
-            return;
+    std::erase(byUse, &engine);
+    const auto firstKept = std::find_if(byUse.begin(), byUse.end(), [](SourceEngine* oldest) {
+        if (engineBytes() <= softLimit)
+            return true;
         oldest->releaseCaches();
-    }
+        return false;
+    });
+    byUse.erase(byUse.begin(), firstKept);
+    byUse.push_back(&engine);
 }
 
 void EngineBudget::releaseAll() {
     const std::lock_guard guard(engines().mutex);
     for (SourceEngine* engine : engines().byUse)
         engine->releaseCaches();
+    engines().byUse.clear();
 }

@@ -7,10 +7,10 @@ class SourceEngine;
 /// theirs. Any thread.
 namespace EngineBudget {
 
-void add(SourceEngine& engine);
 /// To be called before the engine goes.
 void remove(SourceEngine& engine);
-/// The engine has just been used. Not to be called with a lock held that giving up caches takes.
+/// The engine has just been used, so it keeps something from now on. Not to be called with a lock held that giving up
+/// caches takes.
 void noteUse(SourceEngine& engine);
 /// Memory is short: all files give up what they can read again.
 void releaseAll();

@@ -64,7 +64,7 @@ SourceEngine::SourceEngine(QByteArray bytes) : m_bytes(std::move(bytes)) {
     if (!m_needsPassword)
         readSummary(*opened);
     m_idle.push_back(std::move(opened));
-    EngineBudget::add(*this);
+    EngineBudget::noteUse(*this);
 }
 
 SourceEngine::~SourceEngine() {
