@@ -23,6 +23,9 @@
 #include <QApplication>
 #include <QMouseEvent>
 
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 // Points, on the page as it is seen.
@@ -52,11 +55,15 @@ bool liesWithin(const PDFQuad& part, const PDFQuad& whole) {
 /// twice at one place. Marked again it would be darker.
 bool isCovered(const std::vector<MarkedLine>& marked, std::size_t index) {
     const MarkedLine& line = marked[index];
-    for (std::size_t i = 0; i < marked.size(); ++i)
-        if (i != index && marked[i].page == line.page && liesWithin(line.quad, marked[i].quad) &&
-            (i < index || !liesWithin(marked[i].quad, line.quad)))
-            return true;
-    return false;
+    // The lines of a page follow one another; those of the other pages, of which there may be thousands, don't matter.
+    const auto isOfAnother = [&line](const MarkedLine& other) { return other.page != line.page; };
+    const auto here = marked.begin() + std::ptrdiff_t(index);
+    const auto first = std::find_if(std::make_reverse_iterator(here), marked.rend(), isOfAnother).base();
+    const auto last = std::find_if(here, marked.end(), isOfAnother);
+    return std::any_of(first, here, [&](const MarkedLine& other) { return liesWithin(line.quad, other.quad); }) ||
+           std::any_of(here + 1, last, [&](const MarkedLine& other) {
+               return liesWithin(line.quad, other.quad) && !liesWithin(other.quad, line.quad);
+           });
 }
 
 } // namespace
