@@ -43,6 +43,8 @@ QString PDFEditorDocument::openNotice() const {
 
 /// A file that can't be written is told with what the user can do about it.
 static DocumentError documentError(const PDFError& error) {
+    if (error.kind() == PDFError::Kind::breaksSignatures)
+        return DocumentError::ofSignatures(error.sentence());
     try {
         std::rethrow_if_nested(error);
     } catch (const FileError& cause) {
@@ -68,15 +70,18 @@ namespace {
 
 class PDFEditorDocumentSnapshot : public DocumentSnapshot {
 public:
-    explicit PDFEditorDocumentSnapshot(std::shared_ptr<const PDFDocumentSnapshot> contents)
-        : m_contents(std::move(contents)) {}
+    PDFEditorDocumentSnapshot(std::shared_ptr<const PDFDocumentSnapshot> contents, SignatureCare care)
+        : m_contents(std::move(contents)), m_care(care) {}
 
     FileStamp write(const QString& path, const std::optional<FileStamp>& expected) const override {
-        return withDocumentErrors([&] { return m_contents->write(path, {}, expected); });
+        PDFWriteOptions options;
+        options.keepsSignatures = m_care == SignatureCare::keep;
+        return withDocumentErrors([&] { return m_contents->write(path, options, expected); });
     }
 
 private:
     const std::shared_ptr<const PDFDocumentSnapshot> m_contents;
+    const SignatureCare m_care;
 };
 
 } // namespace
@@ -120,10 +125,10 @@ QByteArray PDFEditorDocument::dataRepresentation() const {
     return withDocumentErrors([this] { return m_pdfDocument->dataRepresentation(); });
 }
 
-std::shared_ptr<const DocumentSnapshot> PDFEditorDocument::snapshot() const {
+std::shared_ptr<const DocumentSnapshot> PDFEditorDocument::snapshot(SignatureCare care) const {
     refuseLocked(*m_pdfDocument);
     return withDocumentErrors(
-        [this] { return std::make_shared<PDFEditorDocumentSnapshot>(PDFDocumentSnapshot::of(*m_pdfDocument)); });
+        [&] { return std::make_shared<PDFEditorDocumentSnapshot>(PDFDocumentSnapshot::of(*m_pdfDocument), care); });
 }
 
 PDFDraft PDFEditorDocument::draft() const {

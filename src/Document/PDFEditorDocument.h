@@ -35,7 +35,7 @@ public:
     /// The whole state, annotations and page changes included. A locked document can't be saved.
     [[nodiscard]] QByteArray dataRepresentation() const override;
     /// Takes a copy of what has changed, not of the file. A locked document can't be saved.
-    [[nodiscard]] std::shared_ptr<const DocumentSnapshot> snapshot() const override;
+    [[nodiscard]] std::shared_ptr<const DocumentSnapshot> snapshot(SignatureCare care) const override;
     /// What the views hold that somebody is just typing; they go on holding it.
     [[nodiscard]] PDFDraft draft() const;
     /// "pdf".

@@ -51,8 +51,13 @@ public:
         return reply;
     }
 
-    DocumentPresenter::ChangedFileAnswer askAboutChangedFile(QWidget*, const QString& documentName) override {
+    DocumentPresenter::OverwriteAnswer askAboutChangedFile(QWidget*, const QString& documentName) override {
         askedAboutChange.append(documentName);
+        return changedFileAnswer;
+    }
+
+    DocumentPresenter::OverwriteAnswer askAboutSignatures(QWidget*, const QString& documentName) override {
+        askedAboutSignature.append(documentName);
         return changedFileAnswer;
     }
 
@@ -86,8 +91,9 @@ public:
 
     std::deque<SaveAnswer> saveAnswers;
     QStringList unchecked; ///< names in the question about several documents
-    DocumentPresenter::ChangedFileAnswer changedFileAnswer = DocumentPresenter::ChangedFileAnswer::Cancel;
+    DocumentPresenter::OverwriteAnswer changedFileAnswer = DocumentPresenter::OverwriteAnswer::Cancel;
     QStringList askedAboutChange;
+    QStringList askedAboutSignature;
     bool reverts = false;
     QStringList printing; ///< what quitting waited for
     Answered quitsNow;

@@ -117,7 +117,7 @@ TEST(DocumentDialogs, theQuestionAboutSeveralDocumentsSavesWhatIsChecked) {
 }
 
 TEST(DocumentDialogs, questionsAboutAFileTakeTheAnswerThatLosesNothingAsUsual) {
-    using ChangedFileAnswer = DocumentPresenter::ChangedFileAnswer;
+    using OverwriteAnswer = DocumentPresenter::OverwriteAnswer;
     DocumentDialogs dialogs;
     const auto reply = [](const QString& button) {
         return [button](QDialog& dialog) {
@@ -127,12 +127,17 @@ TEST(DocumentDialogs, questionsAboutAFileTakeTheAnswerThatLosesNothingAsUsual) {
                 press(dialog, button);
         };
     };
-    for (const auto& [button, answer] : {std::pair{QStringLiteral("Overwrite"), ChangedFileAnswer::Overwrite},
-                                         std::pair{QStringLiteral("Save As…"), ChangedFileAnswer::SaveAs},
-                                         std::pair{QStringLiteral("Cancel"), ChangedFileAnswer::Cancel},
-                                         std::pair{QString(), ChangedFileAnswer::SaveAs}}) {
+    for (const auto& [button, answer] : {std::pair{QStringLiteral("Overwrite"), OverwriteAnswer::Overwrite},
+                                         std::pair{QStringLiteral("Save As…"), OverwriteAnswer::SaveAs},
+                                         std::pair{QStringLiteral("Cancel"), OverwriteAnswer::Cancel},
+                                         std::pair{QString(), OverwriteAnswer::SaveAs}}) {
         whenAsked(reply(button));
         EXPECT_EQ(dialogs.askAboutChangedFile(nullptr, QStringLiteral("a.pdf")), answer) << button.toStdString();
+    }
+    for (const auto& [button, answer] : {std::pair{QStringLiteral("Save Anyway"), OverwriteAnswer::Overwrite},
+                                         std::pair{QString(), OverwriteAnswer::SaveAs}}) {
+        whenAsked(reply(button));
+        EXPECT_EQ(dialogs.askAboutSignatures(nullptr, QStringLiteral("a.pdf")), answer) << button.toStdString();
     }
     for (const auto& [button, answer] : {std::pair{QStringLiteral("Revert"), true},
                                          std::pair{QStringLiteral("Cancel"), false}, std::pair{QString(), false}}) {

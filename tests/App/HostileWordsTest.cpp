@@ -144,6 +144,7 @@ TEST_F(HostileWordsTest, areShownToTheLetterAndMarkNoKeys) {
 
     lookAt([&] { dialogs.askToSave(nullptr, hostile); });
     lookAt([&] { dialogs.askAboutChangedFile(nullptr, hostile); });
+    lookAt([&] { dialogs.askAboutSignatures(nullptr, hostile); });
     lookAt([&] { dialogs.askToReload(nullptr, hostile); });
     lookAt([&] { dialogs.askToRevert(nullptr, hostile); });
     lookAt([&] { dialogs.offerSaveAs(nullptr, QStringLiteral("It failed."), hostile); });

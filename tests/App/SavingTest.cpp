@@ -2,8 +2,10 @@
 
 #include "AnnotatingPDFView.h"
 #include "GatedSnapshot.h"
+#include "PDFAnnotation.h"
 #include "PDFEditorWorkspaceView.h"
 #include "PassingNotice.h"
+#include "PdfFixtures.h"
 #include "PrintRuns.h"
 
 #include <QContextMenuEvent>
@@ -16,8 +18,8 @@ namespace {
 /// Its snapshots are written when the gate is released.
 class GatedDocument : public PDFEditorDocument {
 public:
-    std::shared_ptr<const DocumentSnapshot> snapshot() const override {
-        return std::make_shared<GatedSnapshot>(PDFEditorDocument::snapshot(), m_gate);
+    std::shared_ptr<const DocumentSnapshot> snapshot(SignatureCare care) const override {
+        return std::make_shared<GatedSnapshot>(PDFEditorDocument::snapshot(care), m_gate);
     }
     void release() { m_gate->release(); }
 
@@ -235,6 +237,50 @@ TEST_F(SavingTest, aFileFilledIntoATabIsWatchedForOtherProgramsToo) {
     settle();
     EXPECT_EQ(m_dialogs->askedAboutChange, QStringList{QStringLiteral("a.pdf")});
     EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 7);
+}
+
+TEST_F(SavingTest, aSignatureIsBrokenOnlyByThoseWhoWantThat) {
+    PdfFixture fixture;
+    for (int page = 0; page < 3; ++page)
+        fixture.addPage({});
+    const QByteArray field = fixture.addAnnotation(0, "<< /Type /Annot /Subtype /Widget /FT /Sig /T (S) "
+                                                      "/Rect [ 0 0 9 9 ] /V << /Type /Sig /Filter /X >> >>");
+    fixture.setRootKey("/AcroForm", "<< /Fields [ " + field + " ] >>");
+    const auto open = [&](const QString& name) {
+        QFile signedFile(m_folder.filePath(name));
+        EXPECT_TRUE(signedFile.open(QIODevice::WriteOnly) && signedFile.write(fixture.bytes()) > 0);
+        return QUrl::fromLocalFile(signedFile.fileName());
+    };
+    const auto save = [this] {
+        command(QStringLiteral("save"))->trigger();
+        settle();
+        return std::exchange(m_dialogs->askedAboutSignature, {}).size();
+    };
+    launch({open(QStringLiteral("a.pdf"))});
+    document(0)->pdfDocument()->page(0)->addAnnotation(
+        std::make_shared<PDFAnnotation>(QRectF(72, 600, 100, 12), PDFAnnotationSubtype::square));
+    document(0)->undoManager()->markEdited();
+    EXPECT_EQ(save(), 0) << "an annotation leaves it valid";
+    edit(*document(0));
+    EXPECT_EQ(save(), 1);
+    EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 3) << "cancelled";
+    EXPECT_TRUE(document(0)->isDocumentEdited());
+
+    m_dialogs->changedFileAnswer = DocumentPresenter::OverwriteAnswer::SaveAs;
+    m_dialogs->saveLocation = m_folder.filePath(QStringLiteral("b.pdf"));
+    EXPECT_EQ(save(), 1);
+    EXPECT_EQ(savedPageCount(QStringLiteral("a.pdf")), 3);
+    EXPECT_EQ(savedPageCount(QStringLiteral("b.pdf")), 2);
+    edit(*document(0));
+    EXPECT_EQ(save(), 0) << "it has none any more";
+    EXPECT_EQ(savedPageCount(QStringLiteral("b.pdf")), 1);
+
+    m_dialogs->changedFileAnswer = DocumentPresenter::OverwriteAnswer::Overwrite;
+    m_app->controller().openDocument(open(QStringLiteral("c.pdf")), true);
+    settle();
+    edit(*document(1));
+    EXPECT_EQ(save(), 1);
+    EXPECT_EQ(savedPageCount(QStringLiteral("c.pdf")), 2);
 }
 
 TEST_F(SavingTest, theMenuOfATabIsAboutItsDocument) {

@@ -159,7 +159,7 @@ TEST_F(PDFEditorDocumentTest, aSnapshotIsWrittenByAnotherThreadAsTheDocumentWas)
     const auto note = std::make_shared<PDFAnnotation>(QRectF(100, 700, 80, 14), PDFAnnotationSubtype::highlight);
     note->setContents(QStringLiteral("Before"));
     pdf->page(0)->addAnnotation(note);
-    const auto snapshot = document.snapshot();
+    const auto snapshot = document.snapshot(SignatureCare::keep);
     note->setContents(QStringLiteral("After"));
     pdf->removePage(1);
 
@@ -184,7 +184,7 @@ TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
     RestrictedRuns::withoutPrivileges([&] {
         for (const QString& path : {inClosed, m_folder.filePath(QStringLiteral("gone/a.pdf")), m_folder.path()}) {
             try {
-                document.snapshot()->write(path, std::nullopt);
+                document.snapshot(SignatureCare::keep)->write(path, std::nullopt);
             } catch (const DocumentError& error) {
                 told << error.sentence() + (error.isHelpedBySaveAs() ? QStringLiteral(" [Save As]") : QString());
             }

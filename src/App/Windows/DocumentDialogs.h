@@ -32,7 +32,10 @@ public:
     virtual SaveAllAnswer askToSaveAll(QWidget* parent, const std::vector<UnsavedDocumentsDialog::Entry>& documents);
 
     /// Whether to save over a file that another program has changed.
-    virtual DocumentPresenter::ChangedFileAnswer askAboutChangedFile(QWidget* parent, const QString& documentName);
+    virtual DocumentPresenter::OverwriteAnswer askAboutChangedFile(QWidget* parent, const QString& documentName);
+
+    /// Whether to save although a digital signature doesn't survive that.
+    virtual DocumentPresenter::OverwriteAnswer askAboutSignatures(QWidget* parent, const QString& documentName);
 
     /// Whether to give up the changes of a document for those that another program has made to its file.
     virtual bool askToReload(QWidget* parent, const QString& documentName);

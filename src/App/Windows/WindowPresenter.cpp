@@ -118,8 +118,12 @@ WindowPresenter::askToSaveAll(const std::vector<std::shared_ptr<Document>>& docu
     return all;
 }
 
-DocumentPresenter::ChangedFileAnswer WindowPresenter::askAboutChangedFile(const std::shared_ptr<Document>& document) {
+DocumentPresenter::OverwriteAnswer WindowPresenter::askAboutChangedFile(const std::shared_ptr<Document>& document) {
     return m_dialogs.askAboutChangedFile(m_window, document->displayName());
+}
+
+DocumentPresenter::OverwriteAnswer WindowPresenter::askAboutSignatures(const std::shared_ptr<Document>& document) {
+    return m_dialogs.askAboutSignatures(m_window, document->displayName());
 }
 
 bool WindowPresenter::askToReload(const std::shared_ptr<Document>& document) {

@@ -33,7 +33,8 @@ public:
     std::shared_ptr<void> showReading(const QString& name, const std::function<void()>& giveUp) override;
     SaveAnswer askToSave(const std::shared_ptr<Document>& document) override;
     SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>& documents) override;
-    ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) override;
+    OverwriteAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) override;
+    OverwriteAnswer askAboutSignatures(const std::shared_ptr<Document>& document) override;
     bool askToReload(const std::shared_ptr<Document>& document) override;
     void presentNotice(const std::shared_ptr<Document>& document, const QString& sentence) override;
     bool askToRevert(const std::shared_ptr<Document>& document) override;

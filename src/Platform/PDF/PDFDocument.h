@@ -19,10 +19,14 @@ class PDFOutline;
 class PDFPage;
 class PDFSource;
 
-/// Passwords for a protected copy. Empty strings leave that password out; both empty writes no protection.
+/// How a document is written.
 struct PDFWriteOptions {
+    // Passwords for a protected copy. Empty strings leave that password out; both empty writes no protection.
     QString userPassword;
     QString ownerPassword;
+    /// Fail, with `PDFError::Kind::breaksSignatures`, rather than write a file in which a digital signature that the
+    /// document's file has isn't valid any more.
+    bool keepsSignatures = false;
 };
 
 /// An open document: an ordered list of live pages, with outline, attributes and lock state. Main thread only.

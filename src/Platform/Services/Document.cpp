@@ -69,6 +69,7 @@ void Document::becomeFile(const QUrl& url, const std::optional<FileStamp>& stamp
     setFileURL(url);
     setFileStamp(stamp);
     m_lostState.reset();
+    m_hasGivenUpSignatures = false;
     m_undoManager->removeAllActions();
     m_undoManager->markSaved();
 }
@@ -151,12 +152,12 @@ Document::WholeCheck Document::wholeCheck() const {
     return [](const QUrl&) { return true; };
 }
 
-std::shared_ptr<const DocumentSnapshot> Document::snapshot() const {
+std::shared_ptr<const DocumentSnapshot> Document::snapshot(SignatureCare /*care*/) const {
     return std::make_shared<BytesSnapshot>(dataRepresentation());
 }
 
 void Document::write(const QString& path) const {
-    snapshot()->write(path, std::nullopt);
+    snapshot(SignatureCare::giveUp)->write(path, std::nullopt);
 }
 
 QString Document::fileNameExtension() const {

@@ -14,6 +14,7 @@
 
 class DocumentSnapshot;
 class UndoManager;
+enum class SignatureCare;
 
 /// An open document: a file, or a new document that has no file yet. What it holds is up to the derived class.
 /// Shared through std::shared_ptr; main thread only.
@@ -70,6 +71,10 @@ public:
 
     bool isDocumentEdited() const;
 
+    /// True once the user has let the signatures go that the document's file had when it was read.
+    bool hasGivenUpSignatures() const { return m_hasGivenUpSignatures; }
+    void giveUpSignatures() { m_hasGivenUpSignatures = true; }
+
     /// True while a view holds what the user is just typing and hasn't put it into the document yet.
     bool isBeingTyped() const { return m_isBeingTyped; }
     void setBeingTyped(bool typed);
@@ -95,7 +100,8 @@ public:
 
     /// The present state, to be written on another thread while this document goes on changing. Never null. Throws
     /// DocumentError. This one holds `dataRepresentation()`; a document that takes long to put together overrides it.
-    virtual std::shared_ptr<const DocumentSnapshot> snapshot() const;
+    /// With `SignatureCare::keep` writing it fails with `DocumentError::breaksSignatures` where it would break one.
+    virtual std::shared_ptr<const DocumentSnapshot> snapshot(SignatureCare care) const;
 
     /// Writes the present state to the file at `path` and returns when it is there, without changing `fileURL()` or the
     /// edited mark. Throws DocumentError; see `DocumentSnapshot::write`.
@@ -119,6 +125,7 @@ private:
     /// The state of the undo manager that the file held when it was lost.
     std::optional<quint64> m_lostState;
     bool m_isBeingTyped = false;
+    bool m_hasGivenUpSignatures = false;
     /// 1 stands for "Untitled", 2 for "Untitled 2"; 0 while none was needed.
     mutable int m_untitledNumber = 0;
 };

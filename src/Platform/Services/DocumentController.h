@@ -2,6 +2,7 @@
 
 #include "DocumentPresenter.h"
 #include "DocumentSaver.h"
+#include "DocumentSnapshot.h"
 #include "DocumentWriter.h"
 #include "FileReading.h"
 #include "RecentDocuments.h"
@@ -87,7 +88,9 @@ public:
 
     /// Asks for a file, writes the document to it and goes on with that file. Refuses the file of another open
     /// document.
-    void saveDocumentAs(const std::shared_ptr<Document>& document, const Completion& completion = {});
+    void saveDocumentAs(const std::shared_ptr<Document>& document, const Completion& completion = {}) {
+        saveDocumentAs(document, SignatureCare::keep, completion);
+    }
 
     /// True while a save of the document is under way.
     bool isSaving(const Document& document) const { return m_saver.isSaving(document); }
@@ -175,12 +178,14 @@ private:
     void addDocument(const std::shared_ptr<Document>& document);
     void removeDocument(const std::shared_ptr<Document>& document);
 
+    void saveDocumentAs(const std::shared_ptr<Document>& document, SignatureCare care, const Completion& completion);
     void writeDocument(const std::shared_ptr<Document>& document, const QUrl& url,
-                       const std::optional<FileStamp>& expected, const Completion& completion);
+                       const std::optional<FileStamp>& expected, SignatureCare care, const Completion& completion);
     void finishSave(const std::shared_ptr<Document>& document, const QUrl& url,
                     const std::optional<DocumentError>& error, const Completion& completion);
     void askAboutChangedFile(const std::shared_ptr<Document>& document, const FileStamp& found,
                              const Completion& completion);
+    void askAboutSignatures(const std::shared_ptr<Document>& document, const QUrl& url, const Completion& completion);
     QString nameOfCopy(const Document& document) const;
     void openCopy(const QString& path, const QString& name);
 

@@ -41,10 +41,11 @@ void DocumentController::saveDocument(const std::shared_ptr<Document>& document,
         saveDocumentAs(document, completion);
         return;
     }
-    writeDocument(document, document->fileURL(), document->fileStamp(), completion);
+    writeDocument(document, document->fileURL(), document->fileStamp(), SignatureCare::keep, completion);
 }
 
-void DocumentController::saveDocumentAs(const std::shared_ptr<Document>& document, const Completion& completion) {
+void DocumentController::saveDocumentAs(const std::shared_ptr<Document>& document, SignatureCare care,
+                                        const Completion& completion) {
     if (isBeingAskedAbout(document)) {
         call(completion, false);
         return;
@@ -66,21 +67,23 @@ void DocumentController::saveDocumentAs(const std::shared_ptr<Document>& documen
         call(completion, false);
         return;
     }
-    writeDocument(document, url, std::nullopt, completion);
+    writeDocument(document, url, std::nullopt, care, completion);
 }
 
 /// Waits first for a save of the document that is under way, whatever comes of it.
 void DocumentController::writeDocument(const std::shared_ptr<Document>& document, const QUrl& url,
-                                       const std::optional<FileStamp>& expected, const Completion& completion) {
+                                       const std::optional<FileStamp>& expected, SignatureCare care,
+                                       const Completion& completion) {
     if (isSaving(*document)) {
-        m_saver.whenSaved(*document, [this, document, url, expected, completion](bool) {
-            writeDocument(document, url, expected, completion);
+        m_saver.whenSaved(*document, [this, document, url, expected, care, completion](bool) {
+            writeDocument(document, url, expected, care, completion);
         });
         return;
     }
-    m_saver.save(document, url, expected, [this, document, url, completion](const std::optional<DocumentError>& error) {
-        finishSave(document, url, error, completion);
-    });
+    m_saver.save(document, url, expected, care,
+                 [this, document, url, completion](const std::optional<DocumentError>& error) {
+                     finishSave(document, url, error, completion);
+                 });
 }
 
 void DocumentController::finishSave(const std::shared_ptr<Document>& document, const QUrl& url,
@@ -91,6 +94,8 @@ void DocumentController::finishSave(const std::shared_ptr<Document>& document, c
         call(completion, true);
     } else if (error->changedFile() && url == document->fileURL()) {
         askAboutChangedFile(document, *error->changedFile(), completion);
+    } else if (error->breaksSignatures()) {
+        askAboutSignatures(document, url, completion);
     } else if (!error->isHelpedBySaveAs()) {
         m_presenter.presentError(couldNotBeSaved(url.fileName()), error->sentence());
         call(completion, false);
@@ -109,16 +114,36 @@ void DocumentController::finishSave(const std::shared_ptr<Document>& document, c
 void DocumentController::askAboutChangedFile(const std::shared_ptr<Document>& document, const FileStamp& found,
                                              const Completion& completion) {
     auto question = noteQuestion({document});
-    const DocumentPresenter::ChangedFileAnswer answer = m_presenter.askAboutChangedFile(document);
+    const DocumentPresenter::OverwriteAnswer answer = m_presenter.askAboutChangedFile(document);
     question.reset();
     switch (answer) {
-    case DocumentPresenter::ChangedFileAnswer::Overwrite:
-        writeDocument(document, document->fileURL(), found, completion);
+    case DocumentPresenter::OverwriteAnswer::Overwrite:
+        writeDocument(document, document->fileURL(), found, SignatureCare::keep, completion);
         break;
-    case DocumentPresenter::ChangedFileAnswer::SaveAs:
+    case DocumentPresenter::OverwriteAnswer::SaveAs:
         saveDocumentAs(document, completion);
         break;
-    case DocumentPresenter::ChangedFileAnswer::Cancel:
+    case DocumentPresenter::OverwriteAnswer::Cancel:
+        call(completion, false);
+        break;
+    }
+}
+
+/// Writing the document to `url` would leave a signature of its file invalid.
+void DocumentController::askAboutSignatures(const std::shared_ptr<Document>& document, const QUrl& url,
+                                            const Completion& completion) {
+    auto question = noteQuestion({document});
+    const DocumentPresenter::OverwriteAnswer answer = m_presenter.askAboutSignatures(document);
+    question.reset();
+    switch (answer) {
+    case DocumentPresenter::OverwriteAnswer::Overwrite:
+        writeDocument(document, url, url == document->fileURL() ? document->fileStamp() : std::nullopt,
+                      SignatureCare::giveUp, completion);
+        break;
+    case DocumentPresenter::OverwriteAnswer::SaveAs:
+        saveDocumentAs(document, SignatureCare::giveUp, completion);
+        break;
+    case DocumentPresenter::OverwriteAnswer::Cancel:
         call(completion, false);
         break;
     }
@@ -149,7 +174,7 @@ void DocumentController::duplicateDocument(const std::shared_ptr<Document>& docu
     };
     std::shared_ptr<const DocumentSnapshot> snapshot;
     try {
-        snapshot = document->snapshot();
+        snapshot = document->snapshot(SignatureCare::giveUp);
     } catch (const std::exception& error) {
         fail(DocumentError::from(error));
         return;

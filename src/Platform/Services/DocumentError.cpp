@@ -17,6 +17,12 @@ DocumentError::DocumentError(const FileError& error) : DocumentError(withAdvice(
         m_changedFile = changed->found();
 }
 
+DocumentError DocumentError::ofSignatures(const QString& sentence) {
+    DocumentError error(sentence);
+    error.m_breaksSignatures = true;
+    return error;
+}
+
 DocumentError DocumentError::from(const std::exception& error) {
     qCWarning(Logging::document) << "a document could not be read or written:" << Logging::causes(error);
     if (const auto* documentError = dynamic_cast<const DocumentError*>(&error))

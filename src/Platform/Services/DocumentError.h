@@ -26,6 +26,10 @@ public:
     /// True when the document can be stored under another name or in another place.
     bool isHelpedBySaveAs() const { return m_isHelpedBySaveAs; }
 
+    /// Nothing was written since the file would have lost a digital signature.
+    [[nodiscard]] static DocumentError ofSignatures(const QString& sentence);
+    [[nodiscard]] bool breaksSignatures() const { return m_breaksSignatures; }
+
     /// The stamp of the file that another program has put in the place of the one that was to be replaced; none when
     /// that isn't what failed.
     const std::optional<FileStamp>& changedFile() const { return m_changedFile; }
@@ -33,4 +37,5 @@ public:
 private:
     std::optional<FileStamp> m_changedFile;
     bool m_isHelpedBySaveAs = false;
+    bool m_breaksSignatures = false;
 };

@@ -14,7 +14,7 @@ class Document;
 class DocumentPresenter {
 public:
     enum class SaveAnswer { Save, DontSave, Cancel };
-    enum class ChangedFileAnswer { Overwrite, SaveAs, Cancel };
+    enum class OverwriteAnswer { Overwrite, SaveAs, Cancel };
 
     struct SaveAllAnswer {
         SaveAnswer answer = SaveAnswer::Cancel;
@@ -42,7 +42,10 @@ public:
     virtual SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>& documents) = 0;
 
     /// Asks what to do about a file that another program has changed since the document was read or saved.
-    virtual ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) = 0;
+    virtual OverwriteAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) = 0;
+
+    /// Asks what to do about a digital signature that the document's file loses when the document is saved.
+    virtual OverwriteAnswer askAboutSignatures(const std::shared_ptr<Document>& document) = 0;
 
     /// Another program has changed the file of a document that has changes of its own: asks whether to give these up
     /// and read the file.

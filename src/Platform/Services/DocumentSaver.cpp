@@ -1,6 +1,7 @@
 #include "DocumentSaver.h"
 
 #include "Document.h"
+#include "DocumentSnapshot.h"
 #include "QuilloAssert.h"
 #include "UndoManager.h"
 
@@ -13,19 +14,19 @@ DocumentSaver::DocumentSaver(QObject* parent) : QObject(parent) {}
 DocumentSaver::~DocumentSaver() = default;
 
 void DocumentSaver::save(const std::shared_ptr<Document>& document, const QUrl& url,
-                         const std::optional<FileStamp>& expected, Completion completion) {
+                         const std::optional<FileStamp>& expected, SignatureCare care, Completion completion) {
     QUILLO_ASSERT(!isSaving(*document), "a document is saved once at a time");
     std::shared_ptr<const DocumentSnapshot> snapshot;
     try {
         if (!url.isLocalFile())
             throw DocumentError(QStringLiteral("Only files on this computer can be written to."));
-        snapshot = document->snapshot();
+        snapshot = document->snapshot(document->hasGivenUpSignatures() ? SignatureCare::giveUp : care);
     } catch (const std::exception& error) {
         completion(DocumentError::from(error));
         return;
     }
     m_saves.push_back(
-        {document, url, document->fileURL(), document->undoManager()->noteState(), std::move(completion), {}});
+        {document, url, document->fileURL(), care, document->undoManager()->noteState(), std::move(completion), {}});
     Q_EMIT savingChanged(document, true);
     m_writer.write(std::move(snapshot), url.toLocalFile(), expected,
                    [this, document](const DocumentWriter::Result& result) { finish(*document, result); });
@@ -36,8 +37,11 @@ void DocumentSaver::finish(const Document& document, const DocumentWriter::Resul
     const Save save = std::move(*found);
     m_saves.erase(found);
     // A document that took up another file meanwhile has nothing to do with this one any more.
-    if (!result.error && save.document->fileURL() == save.urlBefore)
+    if (!result.error && save.document->fileURL() == save.urlBefore) {
+        if (save.care == SignatureCare::giveUp)
+            save.document->giveUpSignatures();
         save.document->becomeSaved(save.url, result.stamp, save.state);
+    }
     Q_EMIT savingChanged(save.document, false);
     save.completion(result.error);
     for (const Waiter& waiter : save.waiters)

@@ -12,6 +12,7 @@
 #include <vector>
 
 class Document;
+enum class SignatureCare;
 
 /// Stores documents in their files while they can be used and changed; one save of a document at a time. Asks and shows
 /// nothing. Main thread only.
@@ -30,10 +31,10 @@ public:
 
     /// Writes the present state to the file at `url`, which becomes the document's file when it is written. Changes
     /// that are made meanwhile leave the document edited. The document must not be being saved. For
-    /// `expected` see `DocumentWriter::write`. `completion` comes from the event loop, or before this returns when
-    /// nothing could be begun.
+    /// `expected` see `DocumentWriter::write`; signatures that were given up once are so for good. `completion` comes
+    /// from the event loop, or before this returns when nothing could be begun.
     void save(const std::shared_ptr<Document>& document, const QUrl& url, const std::optional<FileStamp>& expected,
-              Completion completion);
+              SignatureCare care, Completion completion);
 
     [[nodiscard]] bool isSaving(const Document& document) const;
     /// One of the documents that are being saved; null when there is none.
@@ -53,6 +54,7 @@ private:
         std::shared_ptr<Document> document;
         QUrl url;
         QUrl urlBefore;
+        SignatureCare care;
         quint64 state = 0; ///< of the document's undo manager
         Completion completion;
         std::vector<Waiter> waiters;

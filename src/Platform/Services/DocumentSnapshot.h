@@ -6,6 +6,9 @@
 
 #include <optional>
 
+/// Whether a digital signature in the document's file is worth more than what is to be written.
+enum class SignatureCare { keep, giveUp };
+
 /// A document as it was at one moment, to be written while the live one goes on changing. Immutable; one thread at a
 /// time.
 class DocumentSnapshot {

@@ -26,43 +26,6 @@ QByteArray appended(const QByteArray& before, const QByteArray& after) {
     return after.mid(before.size());
 }
 
-/// A file that is signed with a key made for it: the signature covers all but its own digits.
-QByteArray signedFile() {
-    PdfFixture fixture;
-    addManyPages(fixture, 3);
-    constexpr int room = 4000; // bytes of the signature
-    const QByteArray value = fixture.addObject(
-        "<< /Type /Sig /Filter /Adobe.PPKLite /SubFilter /adbe.pkcs7.detached /ByteRange [ 0 1000000001 "
-        "1000000002 1000000003 ] /Contents <" +
-        QByteArray(qsizetype(2) * room, '0') + "> >>");
-    const QByteArray field = fixture.addAnnotation(
-        0, "<< /Type /Annot /Subtype /Widget /FT /Sig /T (Signature) /Rect [ 72 72 200 100 ] /V " + value + " >>");
-    fixture.setRootKey("/AcroForm", "<< /SigFlags 3 /Fields [ " + field + " ] >>");
-    QByteArray file = fixture.bytes();
-    const qsizetype begin = file.indexOf('<' + QByteArray(64, '0'));
-    const qsizetype end = file.indexOf('>', begin) + 1;
-    const auto number = [](qsizetype offset) { return QByteArray::number(offset).rightJustified(10, '0'); };
-    file.replace("1000000001", number(begin)).replace("1000000002", number(end));
-    file.replace("1000000003", number(file.size() - end));
-    const QByteArray covered = file.left(begin) + file.mid(end);
-    const QByteArray signature =
-        PdfPrograms::run(
-            QStringLiteral("sh"),
-            {QStringLiteral("-c"),
-             QStringLiteral("d=$(mktemp -d) && openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=Somebody "
-                            "-keyout $d/key -out $d/certificate 2>$d/log && openssl cms -sign -binary "
-                            "-outform DER -in FILE -signer $d/certificate -inkey $d/key; rm -r $d")},
-            covered)
-            .output;
-    EXPECT_GT(signature.size(), 500);
-    EXPECT_LE(signature.size(), room);
-    return file.replace(begin + 1, signature.size() * 2, signature.toHex());
-}
-
-QByteArray opinionOfSignature(const QByteArray& file) {
-    return PdfPrograms::run(QStringLiteral("pdfsig"), {QStringLiteral("FILE")}, file).output;
-}
-
 class AppendTest : public testing::TestWithParam<PdfFixture::Style> {};
 
 } // namespace
@@ -129,30 +92,6 @@ TEST(WriterAppendTest, RewritesOnceUpdatesMakeUpHalfOfTheFile) {
     EXPECT_TRUE(rewritten);
     EXPECT_EQ(PdfPrograms::complaints(file), "");
     EXPECT_EQ(file.count("startxref"), 1);
-}
-
-TEST(WriterAppendTest, KeepsSignaturesHoweverLargeTheUpdates) {
-    const QByteArray original = signedFile();
-    ASSERT_TRUE(opinionOfSignature(original).contains("Signature is Valid")) << opinionOfSignature(original).data();
-    const auto document = PDFDocument::fromData(original);
-    auto note = highlight({72, 600, 100, 12});
-    QString words;
-    for (int i = 0; i < 20000; ++i)
-        words += QString::number(i * 7919 % 10007);
-    note->setContents(words);
-    document->page(0)->addAnnotation(note);
-    const QByteArray saved = document->dataRepresentation();
-    EXPECT_GT(appended(original, saved).size(), original.size());
-    EXPECT_TRUE(opinionOfSignature(saved).contains("Signature is Valid")) << opinionOfSignature(saved).data();
-
-    // Pages that are taken from it are somebody else's paper.
-    PdfFixture fixture;
-    addManyPages(fixture, 2);
-    const auto other = PDFDocument::fromData(fixture.bytes());
-    other->insert(document->page(0)->copy(), 0);
-    const QByteArray imported = PdfPrograms::unpacked(other->dataRepresentation());
-    EXPECT_TRUE(imported.contains("/FT /Sig"));
-    EXPECT_FALSE(imported.contains("/ByteRange"));
 }
 
 TEST(WriterAppendTest, IsNotTriedWhereItWouldBreakTheFile) {

@@ -41,9 +41,14 @@ public:
         return all;
     }
 
-    ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) override {
+    OverwriteAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) override {
         note("changed", document);
         runWhileAsking(document);
+        return changedFileAnswer;
+    }
+
+    OverwriteAnswer askAboutSignatures(const std::shared_ptr<Document>& document) override {
+        note("signatures", document);
         return changedFileAnswer;
     }
 
@@ -87,7 +92,7 @@ public:
 
     SaveAnswer answer = SaveAnswer::Cancel;
     QStringList uncheckedNames; ///< of the question about several
-    ChangedFileAnswer changedFileAnswer = ChangedFileAnswer::Cancel;
+    OverwriteAnswer changedFileAnswer = OverwriteAnswer::Cancel;
     bool reverts = false;
     bool takesSaveAs = false;        ///< once
     std::optional<QString> location; ///< once

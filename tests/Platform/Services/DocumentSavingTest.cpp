@@ -16,7 +16,7 @@ namespace {
 
 class DocumentSavingTest : public ControllerFixture {
 protected:
-    using ChangedFileAnswer = DocumentPresenter::ChangedFileAnswer;
+    using OverwriteAnswer = DocumentPresenter::OverwriteAnswer;
 };
 
 TEST_F(DocumentSavingTest, SavingWritesTheFileOrAsksForOne) {
@@ -278,7 +278,7 @@ TEST_F(DocumentSavingTest, WhatAnotherProgramHasWrittenIsOverwrittenOnlyWhenTheU
     EXPECT_EQ(contentOf("a.txt"), "theirs");
     EXPECT_TRUE(document->isDocumentEdited());
 
-    m_presenter.changedFileAnswer = ChangedFileAnswer::SaveAs;
+    m_presenter.changedFileAnswer = OverwriteAnswer::SaveAs;
     m_presenter.location = path("mine.txt");
     EXPECT_TRUE(save(document));
     EXPECT_EQ(m_presenter.takeCalls(), "changed a.txt; choose a.txt");
@@ -293,7 +293,7 @@ TEST_F(DocumentSavingTest, WhatAnotherProgramHasWrittenIsOverwrittenOnlyWhenTheU
     replacement.setFileTime(QFileInfo(path("mine.txt")).lastModified(), QFileDevice::FileModificationTime);
     ASSERT_EQ(rename(qPrintable(path("new.txt")), qPrintable(path("mine.txt"))), 0);
     EXPECT_EQ(FileStamp::of(path("mine.txt"))->size, stamp->size);
-    m_presenter.changedFileAnswer = ChangedFileAnswer::Overwrite;
+    m_presenter.changedFileAnswer = OverwriteAnswer::Overwrite;
     EXPECT_TRUE(save(edit(document)));
     EXPECT_EQ(m_presenter.takeCalls(), "changed mine.txt");
     EXPECT_EQ(contentOf("mine.txt"), "text+++++");
@@ -315,7 +315,7 @@ TEST_F(DocumentSavingTest, AVersionThatComesWhileADocumentIsBeingWrittenIsNotRep
         const bool isFirst = ++count == 1;
         if (isFirst)
             makeFile("a.txt", "theirs at last");
-        m_presenter.changedFileAnswer = isFirst ? ChangedFileAnswer::Overwrite : ChangedFileAnswer::Cancel;
+        m_presenter.changedFileAnswer = isFirst ? OverwriteAnswer::Overwrite : OverwriteAnswer::Cancel;
     };
     m_gate->release();
     EXPECT_FALSE(first.waitFor());
@@ -324,7 +324,7 @@ TEST_F(DocumentSavingTest, AVersionThatComesWhileADocumentIsBeingWrittenIsNotRep
     EXPECT_TRUE(document->isDocumentEdited());
 
     m_presenter.whileAsking = nullptr;
-    m_presenter.changedFileAnswer = ChangedFileAnswer::Overwrite;
+    m_presenter.changedFileAnswer = OverwriteAnswer::Overwrite;
     m_gate->release();
     EXPECT_TRUE(save(document));
     EXPECT_EQ(m_presenter.takeCalls(), "changed a.txt");

@@ -15,9 +15,10 @@ public:
     SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>&) override {
         return {SaveAnswer::DontSave, {}};
     }
-    ChangedFileAnswer askAboutChangedFile(const std::shared_ptr<Document>&) override {
-        return ChangedFileAnswer::Overwrite;
+    OverwriteAnswer askAboutChangedFile(const std::shared_ptr<Document>&) override {
+        return OverwriteAnswer::Overwrite;
     }
+    OverwriteAnswer askAboutSignatures(const std::shared_ptr<Document>&) override { return OverwriteAnswer::Overwrite; }
     bool askToReload(const std::shared_ptr<Document>&) override { return true; }
     void presentNotice(const std::shared_ptr<Document>&, const QString&) override {}
     bool askToRevert(const std::shared_ptr<Document>&) override { return true; }

@@ -53,10 +53,10 @@ public:
         return text.toUtf8();
     }
 
-    std::shared_ptr<const DocumentSnapshot> snapshot() const override {
+    std::shared_ptr<const DocumentSnapshot> snapshot(SignatureCare care) const override {
         if (!gate)
-            return Document::snapshot();
-        return std::make_shared<GatedSnapshot>(Document::snapshot(), gate, atGate);
+            return Document::snapshot(care);
+        return std::make_shared<GatedSnapshot>(Document::snapshot(care), gate, atGate);
     }
 
     QString fileNameExtension() const override { return QStringLiteral("txt"); }

@@ -14,6 +14,7 @@ public:
         notPDF,                ///< no trace of a PDF in the bytes, or nothing that could be repaired
         unsupportedEncryption, ///< protected by a handler or an algorithm that the engine doesn't know
         locked,                ///< the operation needs the document's password first
+        breaksSignatures,      ///< writing would invalidate a digital signature that was to be kept
         writeFailed,           ///< the new file couldn't be composed or stored
     };
 

@@ -14,7 +14,7 @@
 #include "PageAnnotations.h"
 #include "PageMover.h"
 #include "PdfValues.h"
-#include "Signatures.h"
+#include "SignatureTerms.h"
 #include "SourceFiles.h"
 
 #include <algorithm>
@@ -70,6 +70,15 @@ bool writePages(const DocumentContents& contents, SourceFile& file, UpdateObject
     return true;
 }
 
+SignatureTerms::Extent extentOf(const DocumentContents& contents) {
+    const auto isTurned = [&contents](const DocumentContents::Page& page) {
+        return page.modified && page.page->rotation() != contents.source->geometry(page.content.pageNumber).rotation;
+    };
+    const bool isSame = !contents.outlineChanged && !contents.attributesChanged && contents.hasSourceOrder() &&
+                        std::none_of(contents.pages.begin(), contents.pages.end(), isTurned);
+    return isSame ? SignatureTerms::Extent::annotationsAndFields : SignatureTerms::Extent::document;
+}
+
 } // namespace
 
 std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentContents& contents) {
@@ -90,6 +99,7 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     if (file->pdf().isEncrypted() || file->pdf().anyWarnings() || !canNumberObjects(file->pdf()))
         return std::nullopt;
 
+    const SignatureTerms terms(file->pdf());
     UpdateObjects objects(file->pdf());
     FormFields form(objects);
     AppearanceRecorder recorder(objects);
@@ -117,6 +127,6 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     InformationWriter::write(contents, objects);
     recorder.finish();
 
-    const bool isSigned = Signatures::areIn(file->pdf());
-    return Update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes, isSigned};
+    return Update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes, terms.areThere(),
+                  !terms.allow(objects, extentOf(contents))};
 }

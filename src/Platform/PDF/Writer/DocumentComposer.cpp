@@ -48,6 +48,8 @@ std::optional<QByteArray> savedUpdate(const DocumentContents& contents, const PD
         return std::nullopt;
     const qint64 updates = update->earlierUpdates + update->bytes.size();
     const qint64 size = contents.source->bytes().size() + update->bytes.size();
+    if (options.keepsSignatures && update->breaksSignatures)
+        throw PDFError(PDFError::Kind::breaksSignatures, QStringLiteral("That would break a digital signature."));
     return update->isSigned || updates * 2 < size ? std::optional(std::move(update->bytes)) : std::nullopt;
 }
 

@@ -9,6 +9,7 @@
 #include "OutlinePages.h"
 #include "OutlineWriter.h"
 #include "PDFDocument.h"
+#include "PDFError.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PageAnnotations.h"
@@ -19,6 +20,7 @@
 #include "ReachableWriter.h"
 #include "RemovedPages.h"
 #include "SaslPrep.h"
+#include "Signatures.h"
 #include "SourceFiles.h"
 
 #include <qpdf/Pipeline.hh>
@@ -99,12 +101,16 @@ private:
 void Rewriting::compose(QIODevice& device) {
     if (m_contents.source) {
         m_main = std::make_unique<SourceFile>(m_contents.source, true);
+        if (!Signatures::valuesIn(m_main->pdf()).empty() && m_options.keepsSignatures)
+            throw PDFError(PDFError::Kind::breaksSignatures, QStringLiteral("That would break a digital signature."));
         m_hasSoundTree = !m_contents.source->wasRepaired() && m_main->findAllPages();
     } else {
         m_empty = std::make_unique<QPDF>();
         m_empty->emptyPDF();
     }
     m_objects = std::make_unique<FileObjects>(m_main ? m_main->pdf() : *m_empty);
+    if (m_main)
+        Signatures::removeFrom(*m_objects);
     m_form = std::make_unique<FormFields>(*m_objects);
     m_fields = std::make_unique<FieldImporter>(*m_objects, *m_form);
     m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get());

@@ -1,21 +1,18 @@
 #include "Signatures.h"
 
 #include "FormTree.h"
+#include "ObjectStore.h"
 #include "PdfValues.h"
 
 #include <set>
-#include <vector>
 
-bool Signatures::isField(QPDFObjectHandle dictionary) {
-    return FormTree::inherited(dictionary, "/FT").isNameAndEquals("/Sig");
-}
+namespace {
 
-bool Signatures::areIn(QPDF& pdf) {
-    QPDFObjectHandle root = pdf.getRoot();
-    if (PdfValues::entry(root.getKey("/Perms"), "/DocMDP").isDictionary())
-        return true;
+/// The fields of the file's form that are signed.
+std::vector<QPDFObjectHandle> signedFields(QPDF& pdf) {
+    std::vector<QPDFObjectHandle> found;
     std::set<QPDFObjGen> seen;
-    std::vector<QPDFObjectHandle> todo{PdfValues::entry(root.getKey("/AcroForm"), "/Fields")};
+    std::vector<QPDFObjectHandle> todo{PdfValues::entry(pdf.getRoot().getKey("/AcroForm"), "/Fields")};
     while (!todo.empty()) {
         QPDFObjectHandle fields = todo.back();
         todo.pop_back();
@@ -24,11 +21,36 @@ bool Signatures::areIn(QPDF& pdf) {
         for (QPDFObjectHandle field : fields.aitems()) {
             if (!field.isDictionary() || (field.isIndirect() && !seen.insert(field.getObjGen()).second))
                 continue;
-            if (isField(field) && FormTree::inherited(field, "/V").isDictionary())
-                return true;
+            if (Signatures::isField(field) && field.getKey("/V").isDictionary())
+                found.push_back(field);
             if (field.isIndirect()) // one that stands in its parent has no business with kids, and may go on for ever
                 todo.push_back(field.getKey("/Kids"));
         }
     }
-    return false;
+    return found;
+}
+
+} // namespace
+
+bool Signatures::isField(QPDFObjectHandle dictionary) {
+    return FormTree::inherited(dictionary, "/FT").isNameAndEquals("/Sig");
+}
+
+std::vector<QPDFObjectHandle> Signatures::valuesIn(QPDF& pdf) {
+    std::vector<QPDFObjectHandle> values;
+    QPDFObjectHandle certification = PdfValues::entry(pdf.getRoot().getKey("/Perms"), "/DocMDP");
+    if (certification.isDictionary())
+        values.push_back(certification);
+    for (QPDFObjectHandle field : signedFields(pdf))
+        values.push_back(field.getKey("/V"));
+    return values;
+}
+
+void Signatures::removeFrom(ObjectStore& objects) {
+    objects.remove(objects.root(), "/Perms");
+    const std::vector<QPDFObjectHandle> fields = signedFields(objects.pdf());
+    for (QPDFObjectHandle field : fields)
+        field.removeKey("/V");
+    if (!fields.empty())
+        objects.root().getKey("/AcroForm").removeKey("/SigFlags");
 }

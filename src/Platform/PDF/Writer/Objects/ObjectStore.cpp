@@ -122,6 +122,7 @@ UpdateObjects::UpdateObjects(QPDF& pdf) : ObjectStore(pdf) {
     int size = 0;
     if (pdf.getTrailer().getKey("/Size").getValueAsInt(size))
         m_next = std::max(m_next, size);
+    m_firstNew = m_next;
 }
 
 QPDFObjectHandle UpdateObjects::reserve() {

@@ -87,10 +87,13 @@ public:
     };
     /// Everything new and changed.
     [[nodiscard]] const std::map<QPDFObjGen, Entry>& entries() const { return m_entries; }
+    /// True for one that the file doesn't have yet.
+    [[nodiscard]] bool isNew(QPDFObjGen id) const { return id.getObj() >= m_firstNew; }
     /// One more than the highest number in use.
     [[nodiscard]] int size() const { return m_next; }
 
 private:
     std::map<QPDFObjGen, Entry> m_entries;
     int m_next = 1;
+    int m_firstNew = 1;
 };
