@@ -8,7 +8,7 @@
 #include <algorithm>
 
 SignatureTerms::SignatureTerms(QPDF& pdf) {
-    for (QPDFObjectHandle signature : Signatures::valuesIn(pdf)) {
+    for (const QPDFObjectHandle& signature : Signatures::valuesIn(pdf)) {
         m_areThere = true;
         read(signature);
     }
@@ -18,7 +18,7 @@ void SignatureTerms::read(QPDFObjectHandle signature) {
     QPDFObjectHandle references = signature.getKey("/Reference");
     if (!references.isArray())
         return;
-    for (QPDFObjectHandle reference : references.aitems()) {
+    for (const QPDFObjectHandle& reference : references.aitems()) {
         QPDFObjectHandle method = PdfValues::entry(reference, "/TransformMethod");
         QPDFObjectHandle parameters = PdfValues::entry(reference, "/TransformParams");
         if (method.isNameAndEquals("/DocMDP")) {
