@@ -93,6 +93,7 @@ void Eraser::splitInkAnnotation(const std::shared_ptr<PDFAnnotation>& annotation
     remove(annotation, page);
     for (const std::vector<QPointF>& run : remains.runs) {
         const auto piece = InkPath::inkAnnotation(run, color, width);
+        piece->setProvenance(*annotation);
         page->addAnnotation(piece);
         AnnotationUndo::registerAdding(m_view.docUndoManager().get(), page, piece);
     }

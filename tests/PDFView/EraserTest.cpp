@@ -65,6 +65,7 @@ TEST_F(EraserTest, wholeStrokesGoWhereTheirBoundsAreTouched) {
 
 TEST_F(EraserTest, aStrokeIsCutWhereTheCirclePasses) {
     const auto row = addRow();
+    row->setUserName(QStringLiteral("Someone Else"));
     erase(30, EraserMode::precise, {200, 480});
     EXPECT_EQ(annotations(), std::vector{row}) << "near, but not near enough";
     EXPECT_FALSE(m_undoManager->canUndo());
@@ -74,6 +75,7 @@ TEST_F(EraserTest, aStrokeIsCutWhereTheCirclePasses) {
     for (const auto& piece : annotations()) {
         EXPECT_EQ(piece->type(), PDFAnnotationSubtype::ink);
         EXPECT_EQ(piece->color(), QColor(10, 120, 10));
+        EXPECT_EQ(piece->userName(), row->userName());
         EXPECT_EQ(piece->border()->lineWidth, 3);
         EXPECT_FALSE(piece->bounds().adjusted(5, 0, -5, 0).contains(QPointF(200, 500)));
     }

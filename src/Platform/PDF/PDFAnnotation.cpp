@@ -1,5 +1,6 @@
 #include "PDFAnnotation.h"
 
+#include "AccountName.h"
 #include "AnnotationDrawing.h"
 #include "AnnotationReader.h"
 #include "DrawingPainter.h"
@@ -51,6 +52,10 @@ PDFAnnotation::PDFAnnotation(const QRectF& bounds, const QString& type) {
     m_values.type = type;
     m_values.bounds = bounds.normalized();
     m_values.modificationDate = now();
+    if (!PDFAnnotationSubtype::isMarkup(type))
+        return;
+    m_values.creationDate = m_values.modificationDate;
+    m_values.userName = AccountName::current();
 }
 
 PDFAnnotation::PDFAnnotation(Values values, PDFAnnotationOrigin origin)
@@ -121,6 +126,10 @@ void PDFAnnotation::setModificationDate(const QDateTime& date) {
         return;
     m_values.modificationDate = date;
     announceChange(drawnArea());
+}
+void PDFAnnotation::setProvenance(const PDFAnnotation& former) {
+    setUserName(former.userName());
+    set(former.creationDate(), &Values::creationDate);
 }
 void PDFAnnotation::setFont(const std::optional<QFont>& font) {
     m_values.text.sizeSuitsBox = m_values.text.sizeSuitsBox && font == m_values.text.font;

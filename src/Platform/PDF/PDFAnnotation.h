@@ -49,12 +49,16 @@ public:
     void setBorder(const std::optional<PDFBorder>& border);
     [[nodiscard]] QString contents() const { return m_values.contents; }
     void setContents(const QString& contents);
-    /// The author (the T key of markup annotations).
+    /// The author (the T key of markup annotations): at first the person who is logged in.
     [[nodiscard]] QString userName() const { return m_values.userName; }
     void setUserName(const QString& name);
     /// When it was made or last changed, to the second; each change sets it. Invalid where a file doesn't say.
     [[nodiscard]] QDateTime modificationDate() const { return m_values.modificationDate; }
     void setModificationDate(const QDateTime& date);
+    /// When it was made, to the second. Invalid where a file doesn't say.
+    [[nodiscard]] QDateTime creationDate() const { return m_values.creationDate; }
+    /// Makes this a part of what another annotation was: with the same author and made at the same time.
+    void setProvenance(const PDFAnnotation& former);
 
     /// The font and colour of a free text or a text field; size in points.
     [[nodiscard]] std::optional<QFont> font() const { return m_values.text.font; }

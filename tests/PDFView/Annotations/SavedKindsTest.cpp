@@ -1,3 +1,4 @@
+#include "AccountName.h"
 #include "FreeTextAnnotation.h"
 #include "LineAnnotation.h"
 #include "NoteAnnotation.h"
@@ -272,6 +273,10 @@ TEST(SavedKinds, ComeBackAsPlainAnnotationsWithTheirValues) {
         EXPECT_EQ(after.values().flags & 4, 4) << "it prints";
         EXPECT_TRUE(before.modificationDate().isValid());
         EXPECT_EQ(after.modificationDate(), before.modificationDate());
+        const bool isMarkup = Subtype::isMarkup(before.type());
+        EXPECT_EQ(after.userName(), isMarkup ? AccountName::current() : QString()) << "who made it";
+        EXPECT_EQ(after.creationDate().isValid(), isMarkup) << "and when";
+        EXPECT_EQ(after.creationDate(), before.creationDate());
         EXPECT_EQ(std::pair(after.startPoint(), after.endPoint()), std::pair(before.startPoint(), before.endPoint()));
         EXPECT_EQ(std::pair(after.startLineStyle(), after.endLineStyle()),
                   std::pair(before.startLineStyle(), before.endLineStyle()));

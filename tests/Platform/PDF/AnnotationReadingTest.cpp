@@ -1,3 +1,4 @@
+#include "AccountName.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFOutline.h"
@@ -54,6 +55,14 @@ TEST(AnnotationReading, TakesTheStandardKeys) {
 
     const auto marked = readBack("<< /Subtype /Highlight /Rect [0 0 50 10] /QuadPoints [0 10 50 10 0 0 50 0] >>");
     EXPECT_EQ(marked->quadrilateralPoints(), std::vector{PDFQuad::fromRect(QRectF(0, 0, 50, 10))});
+}
+
+TEST(AnnotationReading, NamesTheAccountAsItsDetailsDo) {
+    const QString login = QStringLiteral("ada");
+    for (const auto& [details, name] :
+         {std::pair("Ada King,Room 1,,", "Ada King"), {"& King", "Ada King"}, {",x", "ada"}})
+        EXPECT_EQ(AccountName::from(QString::fromLatin1(details), login), QString::fromLatin1(name));
+    EXPECT_FALSE(AccountName::current().isEmpty());
 }
 
 TEST(AnnotationReading, SurvivesAbsurdKeys) {

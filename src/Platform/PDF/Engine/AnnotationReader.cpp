@@ -39,6 +39,7 @@ public:
         readColors(values);
         values.contents = EngineValues::text(m_context, get("Contents"));
         values.modificationDate = EngineValues::date(EngineValues::text(m_context, get("M")));
+        values.creationDate = EngineValues::date(EngineValues::text(m_context, get("CreationDate")));
         readBorder(values);
         if (values.type == PDFAnnotationSubtype::widget)
             m_fields.read(m_dictionary, values);

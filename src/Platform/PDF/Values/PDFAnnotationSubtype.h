@@ -17,4 +17,10 @@ inline const QString ink = QStringLiteral("Ink");
 inline const QString stamp = QStringLiteral("Stamp");
 inline const QString popup = QStringLiteral("Popup");
 inline const QString widget = QStringLiteral("Widget");
+
+/// True for what a person adds to a page as a remark on it, with a name and a date: all but links, fields and the
+/// windows of notes.
+[[nodiscard]] inline bool isMarkup(const QString& type) {
+    return type != link && type != widget && type != popup;
+}
 } // namespace PDFAnnotationSubtype

@@ -30,6 +30,7 @@ struct PDFAnnotationValues {
     QString contents;
     QString userName;
     QDateTime modificationDate;
+    QDateTime creationDate;     ///< invalid where a file doesn't say
     bool hasAppearance = false; ///< the file gives a normal appearance (AP, N)
 
     // Each of these belongs to some subtypes alone.

@@ -40,6 +40,8 @@ public:
             set("/Name", PdfValues::name("Note"));
         if (changed(&Values::modificationDate))
             set("/M", PdfValues::date(m_now.modificationDate));
+        if (changed(&Values::creationDate) && m_now.creationDate.isValid())
+            set("/CreationDate", PdfValues::date(m_now.creationDate));
         if (m_now.type != Subtype::widget && changed(&Values::userName))
             set("/T", m_now.userName.isEmpty() ? QPDFObjectHandle::newNull() : PdfValues::text(m_now.userName));
         writeColors();
