@@ -78,18 +78,20 @@ void PDFAnnotation::announceChange(const QRectF& area) {
 
 QRectF PDFAnnotation::drawnArea() const {
     const double width = m_values.border ? m_values.border->lineWidth : 2;
+    const double lineReach = std::max(3.4 * width, 8.0) + width; // of the ends of lines
     if (m_values.type == PDFAnnotationSubtype::line) {
         // Its bounds may be those of the whole page.
-        const double reach = std::max(3.4 * width, 8.0) + width;
         return QRectF(m_values.line.startPoint, m_values.line.endPoint)
             .normalized()
-            .adjusted(-reach, -reach, reach, reach);
+            .adjusted(-lineReach, -lineReach, lineReach, lineReach);
     }
-    QRectF area = m_values.bounds;
+    QRectF area = m_values.bounds | m_values.vertices.boundingRect().translated(m_values.bounds.topLeft());
     for (const PDFQuad& quad : m_values.quads)
         area |= quad.boundingRect();
     constexpr double noteOverhang = 24; // the icon of a note is larger than many a rectangle of one
-    const double overhang = m_values.type == PDFAnnotationSubtype::text ? noteOverhang : width + 2;
+    const double overhang = m_values.type == PDFAnnotationSubtype::text       ? noteOverhang
+                            : m_values.type == PDFAnnotationSubtype::polyLine ? lineReach
+                                                                              : width + 2;
     return area.adjusted(-overhang, -overhang, overhang, overhang);
 }
 
@@ -305,7 +307,7 @@ void PDFAnnotation::draw(PDFDisplayBox /*box*/, QPainter& painter) const {
         DrawingPainter::paint(*drawing, painter);
     else if (type() == PDFAnnotationSubtype::text)
         NoteIcon::draw(values, painter);
-    else if (m_origin)
+    else if (m_origin && m_values.hasAppearance)
         drawFromFile(painter);
 }
 

@@ -57,6 +57,22 @@ TEST(AnnotationReading, TakesTheStandardKeys) {
     EXPECT_EQ(marked->quadrilateralPoints(), std::vector{PDFQuad::fromRect(QRectF(0, 0, 50, 10))});
 }
 
+TEST(AnnotationReading, ANoteWithoutASizeIsWhereItsSignIsShown) {
+    const std::vector<std::pair<QByteArray, QRectF>> cases = {
+        {"[100 300 100 300]", {100, 280, 20, 20}},
+        {"[612 0 612 0]", {592, 0, 20, 20}}, // the corner of the page
+        {"[900 300 900 300]", {900, 280, 20, 20}},
+        {"[100 300 110 330]", {100, 300, 10, 30}},
+    };
+    for (const auto& [rect, place] : cases) {
+        const auto note = readBack("<< /Subtype /Text /Contents (x) /AP << /N << >> >> /Rect " + rect + " >>");
+        EXPECT_EQ(note->bounds(), place);
+        EXPECT_EQ(note->drawsItself(), place.width() == 20);
+        EXPECT_EQ(note->page()->annotation(place.center()), note);
+        EXPECT_FALSE(note->isModified());
+    }
+}
+
 TEST(AnnotationReading, NamesTheAccountAsItsDetailsDo) {
     const QString login = QStringLiteral("ada");
     for (const auto& [details, name] :

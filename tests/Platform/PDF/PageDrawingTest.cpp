@@ -4,7 +4,9 @@
 #include "PDFSource.h"
 #include "PageRenderer.h"
 #include "PdfFixtures.h"
+#include "PdfPrograms.h"
 
+#include <QDateTime>
 #include <QPainter>
 
 #include <gtest/gtest.h>
@@ -31,6 +33,20 @@ std::shared_ptr<PDFDocument> quartersPage(const std::vector<std::pair<QByteArray
 
 QRgb at(const QImage& image, double x, double y) {
     return image.pixel(int(x * image.width()), int(y * image.height())) | 0xFF000000U;
+}
+
+/// How many pixels of a picture are of plainly another colour than those of another one, or than white paper.
+int pixelsApart(const QImage& one, const QImage* other) {
+    int count = 0;
+    for (int y = 0; y < one.height(); ++y)
+        for (int x = 0; x < one.width(); ++x) {
+            const QRgb a = one.pixel(x, y);
+            const QRgb b = other ? other->pixel(x, y) : white;
+            const int gap =
+                std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+            count += gap > 120 ? 1 : 0;
+        }
+    return count;
 }
 
 } // namespace
@@ -182,6 +198,50 @@ TEST(PageDrawing, TheFileAloneSaysHowItsAnnotationsLook) {
     request.annotations = false;
     EXPECT_EQ(PageRenderer::render(request).pixel(5, 75), white);
     EXPECT_EQ(page->annotations().size(), cases.size());
+}
+
+TEST(PageDrawing, ShapesAndFramesWithoutAnAppearanceLookAsElsewhere) {
+    const QByteArray corners = " 10 10 50 10 50 50 30 30 10 50] /C [0 0 1] ";
+    const std::vector<std::pair<const char*, QByteArray>> cases = {
+        {"polygon", "/Subtype /Polygon /IC [1 1 0] /BS << /W 4 >> /Vertices [" + corners},
+        {"dashed polygon", "/Subtype /Polygon /BS << /W 3 /S /D /D [6 4] >> /Vertices [" + corners},
+        {"polyline", "/Subtype /PolyLine /IC [1 0 0] /BS << /W 3 >> /LE [/None /OpenArrow] /Vertices [" + corners},
+        {"squiggly", "/Subtype /Squiggly /C [1 0 0] /QuadPoints [10 30 50 30 10 10 50 10]"},
+        {"frame", "/Subtype /Link /Border [0 0 3] /C [1 0 0]"},
+        {"frame of a link that says nothing", "/Subtype /Link"},
+        {"dashed frame", "/Subtype /Link /Border [0 0 2 [6 3]] /C [0 1 0]"},
+        {"underlined", "/Subtype /Link /BS << /W 3 /S /U >> /C [0 0.5 0.5]"},
+        {"no width", "/Subtype /Link /Border [0 0 0] /C [1 0 0]"},
+        {"no colour", "/Subtype /Link /Border [0 0 2] /C []"},
+        {"hidden", "/Subtype /Link /Border [0 0 2] /F 2"},
+    };
+    for (const auto& [name, keys] : cases) {
+        SCOPED_TRACE(name);
+        PdfFixture pdf;
+        pdf.addPageWithContent("", "<< >>", QSizeF(60, 60));
+        pdf.addAnnotation(0, "<< /Type /Annot /Rect [5 5 55 55] " + keys + " >>");
+        const QImage theirs = QImage::fromData(
+            PdfPrograms::run(QStringLiteral("pdftoppm"),
+                             {QStringLiteral("-r"), QStringLiteral("144"), QStringLiteral("FILE")}, pdf.bytes())
+                .output,
+            "PPM");
+        const auto document = PDFDocument::fromData(pdf.bytes());
+        const auto page = document->page(0);
+        const QImage ours = page->thumbnail(QSize(120, 120), PDFDisplayBox::cropBox);
+        ASSERT_EQ(ours.size(), theirs.size());
+        const int ink = pixelsApart(theirs, nullptr);
+        EXPECT_EQ(ink == 0, std::string(name).starts_with("no ") || keys.contains("/F 2"));
+        EXPECT_LE(pixelsApart(ours, &theirs), ink * (keys.contains("Squiggly") ? 1.2 : 0.12));
+        const auto inkNow = [&page] {
+            return pixelsApart(page->thumbnail(QSize(120, 120), PDFDisplayBox::cropBox), nullptr);
+        };
+        EXPECT_NEAR(inkNow(), ink, 0.3 * ink);
+        const auto annotation = page->annotations().at(0);
+        annotation->setModificationDate(QDateTime::currentDateTime()); // drawn by the live object now
+        EXPECT_NEAR(inkNow(), ink, 0.3 * ink);
+        page->removeAnnotation(annotation);
+        EXPECT_EQ(inkNow(), 0);
+    }
 }
 
 TEST(PageDrawing, AnnotationsWithoutAnAppearanceAreSeenToo) {

@@ -18,7 +18,11 @@ constexpr double underlineHeight = 0.075;
 constexpr double strikeOutHeight = 0.375;
 constexpr double markupLineThickness = 0.07;
 
+constexpr double squiggleHeight = 0.1;
+constexpr double squiggleThickness = 0.04;
+
 constexpr double mostDashes = 20000;
+constexpr int mostSquiggles = 2000; // a line
 
 double lineWidthOf(const Values& values) {
     return values.border ? values.border->lineWidth : values.defaultLineWidth;
@@ -83,6 +87,25 @@ void addTextLines(AnnotationDrawing& drawing, const Values& values, double heigh
     }
 }
 
+void addSquiggles(AnnotationDrawing& drawing, const Values& values) {
+    for (const PDFQuad& quad : quadsOf(values)) {
+        const QPointF up = quad.upperLeft - quad.lowerLeft;
+        const QPointF along = quad.lowerRight - quad.lowerLeft;
+        const double height = std::hypot(up.x(), up.y());
+        const double length = std::hypot(along.x(), along.y());
+        if (!(height > 0 && length > 0))
+            continue;
+        Part part;
+        part.stroke = visible(values.color);
+        part.lineWidth = std::max(0.5, squiggleThickness * height);
+        const int count = int(std::clamp(length / std::max(1.0, squiggleHeight * height), 1.0, double(mostSquiggles)));
+        part.path.moveTo(quad.lowerLeft);
+        for (int i = 1; i <= count; ++i)
+            part.path.lineTo(quad.lowerLeft + along * i / count + (i % 2 == 0 ? QPointF() : up * squiggleHeight));
+        drawing.parts.push_back(part);
+    }
+}
+
 void addSquare(AnnotationDrawing& drawing, const Values& values) {
     QPainterPath path;
     path.addRect(strokeBox(values));
@@ -118,6 +141,45 @@ void addLine(AnnotationDrawing& drawing, const Values& values) {
         LineEnding::part(values.line.endStyle, values.line.endPoint, heading, segment.lineWidth, *segment.stroke));
     drawing.parts.push_back(LineEnding::part(values.line.startStyle, values.line.startPoint, heading + std::numbers::pi,
                                              segment.lineWidth, *segment.stroke));
+}
+
+/// The vertices in page coordinates; none for fewer than two.
+QPainterPath outlineOf(const Values& values) {
+    QPainterPath path;
+    if (values.vertices.size() > 1)
+        path.addPolygon(values.vertices.translated(values.bounds.topLeft()));
+    path.setFillRule(Qt::WindingFill);
+    return path;
+}
+
+void addPolygon(AnnotationDrawing& drawing, const Values& values) {
+    QPainterPath path = outlineOf(values);
+    path.closeSubpath();
+    Part part = strokedPart(values, path);
+    part.fill = visible(values.interiorColor);
+    drawing.parts.push_back(part);
+}
+
+/// The interior colour is that of the ends of the line.
+void addPolyLine(AnnotationDrawing& drawing, const Values& values) {
+    const QPainterPath path = outlineOf(values);
+    const Part line = strokedPart(values, path);
+    drawing.parts.push_back(line);
+    if (!line.stroke || path.isEmpty())
+        return;
+    const auto addEnd = [&](PDFLineStyle style, qsizetype at, qsizetype from) {
+        const QPointF end = values.vertices[at] + values.bounds.topLeft();
+        const QPointF run = values.vertices[at] - values.vertices[from];
+        if (style == PDFLineStyle::none || run.isNull())
+            return;
+        Part part = LineEnding::part(style, end, std::atan2(run.y(), run.x()), line.lineWidth, *line.stroke);
+        part.stroke = line.stroke;
+        part.fill = style == PDFLineStyle::openArrow ? std::nullopt : visible(values.interiorColor);
+        drawing.parts.push_back(part);
+    };
+    const qsizetype last = values.vertices.size() - 1;
+    addEnd(values.line.startStyle, 0, 1);
+    addEnd(values.line.endStyle, last, last - 1);
 }
 
 void addInk(AnnotationDrawing& drawing, const Values& values) {
@@ -255,6 +317,12 @@ std::optional<AnnotationDrawing> AnnotationDrawing::of(const Values& values) {
         addTextLines(drawing, values, underlineHeight);
     else if (values.type == Subtype::strikeOut)
         addTextLines(drawing, values, strikeOutHeight);
+    else if (values.type == Subtype::squiggly)
+        addSquiggles(drawing, values);
+    else if (values.type == Subtype::polygon)
+        addPolygon(drawing, values);
+    else if (values.type == Subtype::polyLine)
+        addPolyLine(drawing, values);
     else if (values.type == Subtype::square)
         addSquare(drawing, values);
     else if (values.type == Subtype::circle)

@@ -17,7 +17,6 @@
 namespace {
 
 constexpr int annotationLimit = 20000;
-constexpr int pointLimit = 200000;
 
 /// Reads one dictionary. Each step fetches inside `engineTry` and converts outside it, so that a broken key costs that
 /// key alone.
@@ -31,25 +30,29 @@ public:
         values.type = EngineValues::name(m_context, get("Subtype"));
         if (values.type.isEmpty())
             return std::nullopt;
-        values.bounds = rect(get("Rect"));
+        values.bounds = EngineValues::rect(m_context, get("Rect"));
         values.flags = integer(get("F"));
         values.hasAppearance = m_fields.hasAppearance(m_dictionary);
         if (PDFAnnotationFrame::suits(values.type))
             readFrame(values);
+        if (values.type == PDFAnnotationSubtype::text && values.bounds.isEmpty() && !numbers(get("Rect")).empty())
+            placeNote(values);
         readColors(values);
         values.contents = EngineValues::text(m_context, get("Contents"));
         values.modificationDate = EngineValues::date(EngineValues::text(m_context, get("M")));
         values.creationDate = EngineValues::date(EngineValues::text(m_context, get("CreationDate")));
-        readBorder(values);
+        values.border = EngineValues::border(m_context, m_dictionary);
         if (values.type == PDFAnnotationSubtype::widget)
             m_fields.read(m_dictionary, values);
         else
             values.userName = EngineValues::text(m_context, get("T"));
         readDefaultAppearance(values);
-        if (values.type == PDFAnnotationSubtype::line)
+        if (values.type == PDFAnnotationSubtype::line || values.type == PDFAnnotationSubtype::polyLine)
             readLine(values);
         if (values.type == PDFAnnotationSubtype::ink)
             readInk(values);
+        if (values.type == PDFAnnotationSubtype::polygon || values.type == PDFAnnotationSubtype::polyLine)
+            readVertices(values);
         if (values.type == PDFAnnotationSubtype::link)
             readLink(values);
         readQuads(values);
@@ -67,21 +70,7 @@ private:
 
     int integer(pdf_obj* object) const { return pdf_to_int(m_context, object); }
 
-    std::vector<double> numbers(pdf_obj* array) const {
-        std::vector<double> values;
-        const int count = std::min(pdf_array_len(m_context, array), pointLimit);
-        for (int i = 0; i < count; ++i) {
-            pdf_obj* entry = nullptr;
-            engineTry(m_context, [&] { entry = pdf_array_get(m_context, array, i); });
-            values.push_back(EngineValues::number(m_context, entry).value_or(0.0));
-        }
-        return values;
-    }
-
-    QRectF rect(pdf_obj* array) const {
-        const std::vector<double> v = numbers(array);
-        return v.size() < 4 ? QRectF() : QRectF(QPointF(v[0], v[1]), QPointF(v[2], v[3])).normalized();
-    }
+    std::vector<double> numbers(pdf_obj* array) const { return EngineValues::numbers(m_context, array); }
 
     /// A look that its file turns stays so when it is drawn anew. A note's sign is upright on every page.
     void readFrame(PDFAnnotationValues& values) {
@@ -97,6 +86,19 @@ private:
         frame.turn = (quarters + 4) % 4 * 90;
     }
 
+    /// The sign of a note whose rectangle is a mere point or line begins there, as far as it then is on the page.
+    void placeNote(PDFAnnotationValues& values) const {
+        constexpr double side = 20; // points, the usual size of the sign
+        const QTransform toSeen = m_page.displayTransform(PDFDisplayBox::cropBox);
+        QRectF seen(toSeen.mapRect(values.bounds).topLeft(), QSizeF(side, side));
+        const QRectF page(QPointF(0, 0), m_page.displaySize(PDFDisplayBox::cropBox));
+        if (page.adjusted(0, 0, 1, 1).contains(seen.topLeft())) {
+            seen.moveRight(std::min(seen.right(), page.right()));
+            seen.moveBottom(std::min(seen.bottom(), page.bottom()));
+        }
+        values.bounds = toSeen.inverted().mapRect(seen);
+    }
+
     void readColors(PDFAnnotationValues& values) {
         values.color = EngineValues::color(m_context, get("C"));
         values.interiorColor = EngineValues::color(m_context, get("IC"));
@@ -105,38 +107,6 @@ private:
             values.color->setAlphaF(float(std::clamp(opacity, 0.0, 1.0)));
         if (values.interiorColor)
             values.interiorColor->setAlphaF(float(std::clamp(opacity, 0.0, 1.0)));
-    }
-
-    void readBorder(PDFAnnotationValues& values) {
-        pdf_obj* style = get("BS");
-        pdf_obj* array = get("Border");
-        PDFBorder border;
-        pdf_obj* dashes = nullptr;
-        if (pdf_is_dict(m_context, style)) {
-            pdf_obj* width = get("BS/W");
-            border.lineWidth = width ? EngineValues::number(m_context, width).value_or(1.0) : 1.0;
-            const QString kind = EngineValues::name(m_context, get("BS/S"));
-            border.style = kind == QLatin1String("D")   ? PDFBorderStyle::dashed
-                           : kind == QLatin1String("B") ? PDFBorderStyle::beveled
-                           : kind == QLatin1String("I") ? PDFBorderStyle::inset
-                           : kind == QLatin1String("U") ? PDFBorderStyle::underline
-                                                        : PDFBorderStyle::solid;
-            dashes = get("BS/D");
-        } else if (pdf_array_len(m_context, array) >= 3) {
-            border.lineWidth = numbers(array)[2];
-            engineTry(m_context, [&] { dashes = pdf_array_get(m_context, array, 3); });
-            if (pdf_array_len(m_context, dashes) > 0)
-                border.style = PDFBorderStyle::dashed;
-        } else {
-            return;
-        }
-        border.lineWidth = std::clamp(border.lineWidth, 0.0, 1000.0);
-        if (border.style == PDFBorderStyle::dashed) {
-            border.dashPattern = numbers(dashes);
-            if (border.dashPattern.size() > 16 || border.dashPattern.empty())
-                border.dashPattern = {3.0};
-        }
-        values.border = border;
     }
 
     void readDefaultAppearance(PDFAnnotationValues& values) {
@@ -204,6 +174,12 @@ private:
         });
         values.line.startStyle = lineStyle(EngineValues::name(m_context, start));
         values.line.endStyle = lineStyle(EngineValues::name(m_context, end));
+    }
+
+    void readVertices(PDFAnnotationValues& values) {
+        const std::vector<double> v = numbers(get("Vertices"));
+        for (std::size_t i = 0; i + 1 < v.size(); i += 2)
+            values.vertices.append(QPointF(v[i], v[i + 1]) - values.bounds.topLeft());
     }
 
     void readInk(PDFAnnotationValues& values) {

@@ -1,5 +1,9 @@
 #include "AppearanceRunner.h"
 
+#include "EngineValues.h"
+
+#include <algorithm>
+
 namespace {
 
 /// How a form XObject comes to fill its annotation's rectangle (ISO 32000-1, 12.5.5, algorithm 8.1); the matrix of the
@@ -51,8 +55,7 @@ bool AppearanceRunner::isShown(pdf_obj* annotation) {
         pdf_obj* subtype = pdf_dict_get(m_context, annotation, PDF_NAME(Subtype));
         isWidget = pdf_name_eq(m_context, subtype, PDF_NAME(Widget)) != 0;
         constexpr int unseen = PDF_ANNOT_IS_INVISIBLE | PDF_ANNOT_IS_HIDDEN | PDF_ANNOT_IS_NO_VIEW;
-        isShown = !pdf_name_eq(m_context, subtype, PDF_NAME(Link)) &&
-                  !pdf_name_eq(m_context, subtype, PDF_NAME(Popup)) &&
+        isShown = !pdf_name_eq(m_context, subtype, PDF_NAME(Popup)) &&
                   (pdf_dict_get_int(m_context, annotation, PDF_NAME(F)) & unseen) == 0 &&
                   !pdf_is_ocg_hidden(m_context, m_page->doc, nullptr, "View",
                                      pdf_dict_get(m_context, annotation, PDF_NAME(OC)));
@@ -81,11 +84,15 @@ void AppearanceRunner::run(pdf_obj* annotation) {
         return;
     pdf_obj* form = nullptr;
     fz_matrix placed = fz_identity;
+    bool isLink = false;
     engineTry(m_context, [&] {
+        isLink = pdf_name_eq(m_context, pdf_dict_get(m_context, annotation, PDF_NAME(Subtype)), PDF_NAME(Link)) != 0;
         placed = placement(annotation);
         form = normalAppearance(m_context, annotation);
     });
-    if (form)
+    if (isLink)
+        runFrame(annotation, placed);
+    else if (form)
         runForm(form, annotation, placed);
 }
 
@@ -98,6 +105,42 @@ bool AppearanceRunner::runState(pdf_obj* annotation, const char* state) {
     if (form)
         runForm(form, annotation, fz_concat(m_pageTransform, m_toDevice));
     return form != nullptr;
+}
+
+void AppearanceRunner::runFrame(pdf_obj* link, const fz_matrix& toDevice) {
+    const std::optional<EngineValues::LinkFrame> frame = EngineValues::linkFrame(m_context, link);
+    if (!frame)
+        return;
+    const PDFBorder& border = frame->border;
+    fz_path* path = nullptr;
+    fz_stroke_state* stroke = nullptr;
+    engineTry(m_context, [&] {
+        const fz_rect rect = pdf_dict_get_rect(m_context, link, PDF_NAME(Rect));
+        path = fz_new_path(m_context);
+        fz_moveto(m_context, path, rect.x0, rect.y0);
+        fz_lineto(m_context, path, rect.x1, rect.y0);
+        if (border.style != PDFBorderStyle::underline) {
+            fz_lineto(m_context, path, rect.x1, rect.y1);
+            fz_lineto(m_context, path, rect.x0, rect.y1);
+            fz_closepath(m_context, path);
+        }
+        float period = 0;
+        for (const double dash : border.dashPattern)
+            period += float(std::max(dash, 0.0));
+        // Thousands of dashes on a side would take long and be too fine to be seen.
+        const float shortest = (rect.x1 - rect.x0 + rect.y1 - rect.y0) / 5000;
+        const int dashes = period > shortest ? int(border.dashPattern.size()) : 0;
+        stroke = fz_new_stroke_state_with_dash_len(m_context, dashes);
+        stroke->linewidth = float(border.lineWidth);
+        stroke->dash_len = dashes;
+        for (int i = 0; i < dashes; ++i)
+            stroke->dash_list[i] = float(std::max(border.dashPattern[std::size_t(i)], 0.0));
+        const float color[] = {frame->color.redF(), frame->color.greenF(), frame->color.blueF()};
+        fz_stroke_path(m_context, m_device, path, stroke, toDevice, fz_device_rgb(m_context), color, 1,
+                       fz_default_color_params);
+    });
+    fz_drop_stroke_state(m_context, stroke);
+    fz_drop_path(m_context, path);
 }
 
 void AppearanceRunner::runForm(pdf_obj* form, pdf_obj* annotation, const fz_matrix& toDevice) {

@@ -15,8 +15,8 @@ public:
     AppearanceRunner(const AppearanceRunner&) = delete;
     AppearanceRunner& operator=(const AppearanceRunner&) = delete;
 
-    /// Runs the normal appearance of an annotation that the page shows on screen, in its present state. Nothing of one
-    /// that is hidden or has none.
+    /// Runs the normal appearance of an annotation that the page shows on screen, in its present state, or the frame of
+    /// a link. Nothing of one that is hidden or has none.
     void run(pdf_obj* annotation);
 
     /// Runs what the annotation has in AP, N for that state, upright and whether it shows or not. False when it has
@@ -27,6 +27,8 @@ private:
     [[nodiscard]] bool isShown(pdf_obj* annotation);
     /// Page coordinates to the device's, for an annotation that may stay upright on a turned page.
     [[nodiscard]] fz_matrix placement(pdf_obj* annotation) const;
+    /// The frame around a link, drawn on the edges of its rectangle. `toDevice` maps page coordinates.
+    void runFrame(pdf_obj* link, const fz_matrix& toDevice);
     /// `toDevice` maps page coordinates.
     void runForm(pdf_obj* form, pdf_obj* annotation, const fz_matrix& toDevice);
 

@@ -8,6 +8,14 @@
 namespace {
 
 constexpr std::size_t longestText = std::size_t(4) << 20;
+constexpr int mostNumbers = 200000;
+
+/// Null for a key that is missing or broken.
+pdf_obj* get(fz_context* context, pdf_obj* dictionary, const char* path) {
+    pdf_obj* object = nullptr;
+    engineTry(context, [&] { object = pdf_resolve_indirect(context, pdf_dict_getp(context, dictionary, path)); });
+    return object;
+}
 
 } // namespace
 
@@ -74,4 +82,60 @@ QDateTime EngineValues::date(const QString& text) {
         return QDateTime(day, time);
     const int offset = (part(8, 0) * 60 + part(9, 0)) * 60 * (zone == QLatin1String("-") ? -1 : 1);
     return {day, time, Qt::OffsetFromUTC, offset};
+}
+
+std::vector<double> EngineValues::numbers(fz_context* context, pdf_obj* array) {
+    std::vector<double> values;
+    const int count = std::min(pdf_array_len(context, array), mostNumbers);
+    for (int i = 0; i < count; ++i) {
+        pdf_obj* entry = nullptr;
+        engineTry(context, [&] { entry = pdf_array_get(context, array, i); });
+        values.push_back(number(context, entry).value_or(0.0));
+    }
+    return values;
+}
+
+QRectF EngineValues::rect(fz_context* context, pdf_obj* array) {
+    const std::vector<double> v = numbers(context, array);
+    return v.size() < 4 ? QRectF() : QRectF(QPointF(v[0], v[1]), QPointF(v[2], v[3])).normalized();
+}
+
+std::optional<PDFBorder> EngineValues::border(fz_context* context, pdf_obj* annotation) {
+    pdf_obj* style = get(context, annotation, "BS");
+    pdf_obj* array = get(context, annotation, "Border");
+    PDFBorder border;
+    pdf_obj* dashes = nullptr;
+    if (pdf_is_dict(context, style)) {
+        border.lineWidth = number(context, get(context, style, "W")).value_or(1.0);
+        const QString kind = name(context, get(context, style, "S"));
+        border.style = kind == QLatin1String("D")   ? PDFBorderStyle::dashed
+                       : kind == QLatin1String("B") ? PDFBorderStyle::beveled
+                       : kind == QLatin1String("I") ? PDFBorderStyle::inset
+                       : kind == QLatin1String("U") ? PDFBorderStyle::underline
+                                                    : PDFBorderStyle::solid;
+        dashes = get(context, style, "D");
+    } else if (pdf_array_len(context, array) >= 3) {
+        border.lineWidth = numbers(context, array)[2];
+        engineTry(context, [&] { dashes = pdf_array_get(context, array, 3); });
+        if (pdf_array_len(context, dashes) > 0)
+            border.style = PDFBorderStyle::dashed;
+    } else {
+        return std::nullopt;
+    }
+    border.lineWidth = std::clamp(border.lineWidth, 0.0, 1000.0);
+    if (border.style == PDFBorderStyle::dashed) {
+        border.dashPattern = numbers(context, dashes);
+        if (border.dashPattern.size() > 16 || border.dashPattern.empty())
+            border.dashPattern = {3.0};
+    }
+    return border;
+}
+
+std::optional<EngineValues::LinkFrame> EngineValues::linkFrame(fz_context* context, pdf_obj* link) {
+    LinkFrame frame{border(context, link).value_or(PDFBorder()), Qt::black};
+    pdf_obj* array = get(context, link, "C");
+    if (!(frame.border.lineWidth > 0) || (array && pdf_array_len(context, array) == 0))
+        return std::nullopt;
+    frame.color = color(context, array).value_or(frame.color);
+    return frame;
 }

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "EngineContext.h"
+#include "PDFBorder.h"
 
 #include <QColor>
 #include <QDateTime>
+#include <QRectF>
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 /// Plain values out of the engine's objects. None of these throws the engine's way by itself, but fetching an object
 /// may: keep the fetching inside `engineTry`.
@@ -21,5 +24,22 @@ namespace EngineValues {
 [[nodiscard]] QDateTime date(const QString& text);
 /// A finite number, or none.
 [[nodiscard]] std::optional<double> number(fz_context* context, pdf_obj* object);
+
+// These fetch what they read by themselves.
+
+/// The numbers of an array, 0 for what is none; at most 200,000.
+[[nodiscard]] std::vector<double> numbers(fz_context* context, pdf_obj* array);
+/// A rectangle's array; null without four numbers.
+[[nodiscard]] QRectF rect(fz_context* context, pdf_obj* array);
+/// What an annotation says of its border (BS or Border), or none.
+[[nodiscard]] std::optional<PDFBorder> border(fz_context* context, pdf_obj* annotation);
+
+/// The frame around a link.
+struct LinkFrame {
+    PDFBorder border;
+    QColor color;
+};
+/// A link that says nothing has a thin black frame. None for one without a width or a colour.
+[[nodiscard]] std::optional<LinkFrame> linkFrame(fz_context* context, pdf_obj* link);
 
 } // namespace EngineValues

@@ -45,8 +45,13 @@ void drawFileAppearance(const PDFAnnotation& annotation, QPainter& painter) {
     SourceEngine& engine = origin.content.source->engine();
     const QRectF inFile = AnnotationReader::bounds(engine, origin.content.pageNumber, origin.index);
     const auto recorded = PageRecorder::recordAnnotation(engine, origin.content.pageNumber, origin.index);
-    if (recorded && !inFile.isEmpty())
-        drawRecording(*recorded, inFile, annotation.bounds(), painter);
+    if (!recorded || inFile.isEmpty())
+        return;
+    // The frame of a link stands on the edges of its bounds.
+    const bool isLink = annotation.type() == PDFAnnotationSubtype::link;
+    const double edge = isLink ? annotation.border().value_or(PDFBorder()).lineWidth / 2 : 0;
+    drawRecording(*recorded, inFile.adjusted(-edge, -edge, edge, edge),
+                  annotation.bounds().adjusted(-edge, -edge, edge, edge), painter);
 }
 
 bool drawFileState(const PDFAnnotation& annotation, QPainter& painter) {

@@ -3,6 +3,7 @@
 #include "EngineValues.h"
 #include "FormFieldValues.h"
 #include "FormFont.h"
+#include "PDFAnnotationSubtype.h"
 #include "PageFont.h"
 #include "SourceEngine.h"
 
@@ -143,11 +144,16 @@ QFont FormFieldReader::font(const QString& name, double size, bool isField) {
 }
 
 bool FormFieldReader::hasAppearance(pdf_obj* annotation) const {
+    const QString subtype = EngineValues::name(m_context, get(annotation, "Subtype"));
+    if (subtype == PDFAnnotationSubtype::link)
+        return EngineValues::linkFrame(m_context, annotation).has_value();
     if (!pdf_is_dict(m_context, get(annotation, "AP/N")))
+        return false;
+    if (subtype == PDFAnnotationSubtype::text && EngineValues::rect(m_context, get(annotation, "Rect")).isEmpty())
         return false;
     if (!m_wantsAppearances)
         m_wantsAppearances = pdf_to_bool(m_context, get(form(), "NeedAppearances")) != 0;
-    if (!*m_wantsAppearances || EngineValues::name(m_context, get(annotation, "Subtype")) != QLatin1String("Widget"))
+    if (!*m_wantsAppearances || subtype != PDFAnnotationSubtype::widget)
         return true;
     const PDFWidgetFieldType type = typeNamed(EngineValues::name(m_context, inherited(annotation, "FT")));
     return type != PDFWidgetFieldType::text && type != PDFWidgetFieldType::choice;

@@ -35,7 +35,8 @@ public:
     /// which its new text is saved.
     [[nodiscard]] QFont font(const QString& name, double size, bool isField);
 
-    /// The file gives a normal appearance (AP, N) that counts: a form may ask for new ones of its text and choices.
+    /// The file gives a look that the engine draws: the frame of a link, or a normal appearance (AP, N) that counts. A
+    /// form may ask for new ones of its text and choices, and a note without a size can't show one.
     [[nodiscard]] bool hasAppearance(pdf_obj* annotation) const;
 
     /// The Tabs key of a page (R, C, S, A or W); a null character without one.

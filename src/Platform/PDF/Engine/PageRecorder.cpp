@@ -83,7 +83,7 @@ void runAnnotations(const Recording& recording, const std::vector<int>& hidden, 
     }
 }
 
-/// Links and windows of notes have no look of their own.
+/// Links and windows of notes have no look of their own that would have to be made up.
 bool hasBareAnnotation(fz_context* context, pdf_obj* page, const FormFieldReader& fields) {
     pdf_obj* annots = pdf_dict_get(context, page, PDF_NAME(Annots));
     const int count = pdf_array_len(context, annots);

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// The subtypes that the program makes itself, as `PDFAnnotation::type` gives them.
+/// The subtypes that the program makes or draws itself, as `PDFAnnotation::type` gives them.
 namespace PDFAnnotationSubtype {
 inline const QString text = QStringLiteral("Text");
 inline const QString link = QStringLiteral("Link");
@@ -12,6 +12,9 @@ inline const QString square = QStringLiteral("Square");
 inline const QString circle = QStringLiteral("Circle");
 inline const QString highlight = QStringLiteral("Highlight");
 inline const QString underline = QStringLiteral("Underline");
+inline const QString polygon = QStringLiteral("Polygon");
+inline const QString polyLine = QStringLiteral("PolyLine");
+inline const QString squiggly = QStringLiteral("Squiggly");
 inline const QString strikeOut = QStringLiteral("StrikeOut");
 inline const QString ink = QStringLiteral("Ink");
 inline const QString stamp = QStringLiteral("Stamp");

@@ -11,6 +11,7 @@
 #include <QColor>
 #include <QDateTime>
 #include <QPainterPath>
+#include <QPolygonF>
 #include <QString>
 
 #include <optional>
@@ -31,12 +32,13 @@ struct PDFAnnotationValues {
     QString userName;
     QDateTime modificationDate;
     QDateTime creationDate;     ///< invalid where a file doesn't say
-    bool hasAppearance = false; ///< the file gives a normal appearance (AP, N)
+    bool hasAppearance = false; ///< the file gives a look that the engine draws
 
     // Each of these belongs to some subtypes alone.
 
     PDFTextStyle text;
     PDFLineData line;
+    QPolygonF vertices;              ///< of polygons and polylines, relative as the strokes are
     std::vector<QPainterPath> paths; ///< the strokes of ink, relative to the lower left corner of `bounds`
     std::vector<PDFQuad> quads;      ///< of text markup; none for one that is `bounds`
     PDFLinkData link;

@@ -20,6 +20,11 @@ namespace Subtype = PDFAnnotationSubtype;
 constexpr double flattening = 1.0;
 constexpr int longestCurve = 256; // pieces
 
+bool marksText(const QString& type) {
+    return type == Subtype::highlight || type == Subtype::underline || type == Subtype::strikeOut ||
+           type == Subtype::squiggly;
+}
+
 /// Writes the keys for what differs; everything differs from nothing.
 class Writer {
 public:
@@ -49,10 +54,12 @@ public:
         if (m_now.type == Subtype::freeText &&
             (changed(&Values::text, &PDFTextStyle::font) || changed(&Values::text, &PDFTextStyle::color)))
             writeFreeTextFont();
-        if (m_now.type == Subtype::line)
+        if (m_now.type == Subtype::line || m_now.type == Subtype::polyLine)
             writeLine();
         if (m_now.type == Subtype::ink && (changed(&Values::paths) || changed(&Values::bounds)))
             writeInk();
+        if (!m_now.vertices.isEmpty() && (changed(&Values::vertices) || changed(&Values::bounds)))
+            writeVertices();
         writeQuads();
         if (m_now.type == Subtype::link)
             writeTarget();
@@ -162,7 +169,8 @@ private:
     }
 
     void writeLine() {
-        if (changed(&Values::line, &PDFLineData::startPoint) || changed(&Values::line, &PDFLineData::endPoint))
+        if (m_now.type == Subtype::line &&
+            (changed(&Values::line, &PDFLineData::startPoint) || changed(&Values::line, &PDFLineData::endPoint)))
             set("/L", PdfValues::numbers({m_now.line.startPoint.x(), m_now.line.startPoint.y(), m_now.line.endPoint.x(),
                                           m_now.line.endPoint.y()}));
         if (!changed(&Values::line, &PDFLineData::startStyle) && !changed(&Values::line, &PDFLineData::endStyle))
@@ -186,9 +194,15 @@ private:
         set("/InkList", strokes);
     }
 
+    void writeVertices() {
+        std::vector<double> numbers;
+        for (const QPointF& vertex : m_now.vertices.translated(m_now.bounds.topLeft()))
+            numbers.insert(numbers.end(), {vertex.x(), vertex.y()});
+        set("/Vertices", PdfValues::numbers(numbers));
+    }
+
     void writeQuads() {
-        const bool isMarkup =
-            m_now.type == Subtype::highlight || m_now.type == Subtype::underline || m_now.type == Subtype::strikeOut;
+        const bool isMarkup = marksText(m_now.type);
         std::vector<PDFQuad> quads = m_now.quads;
         if (isMarkup && quads.empty() && (!m_before || changed(&Values::bounds) || changed(&Values::quads)))
             quads = {PDFQuad::fromRect(m_now.bounds)};
@@ -246,15 +260,14 @@ bool AnnotationDictionary::looksDifferent(const Values& now, const Values& befor
         differs(&Values::text, &PDFTextStyle::font) || differs(&Values::text, &PDFTextStyle::color) ||
         differs(&Values::line, &PDFLineData::startPoint) || differs(&Values::line, &PDFLineData::endPoint) ||
         differs(&Values::line, &PDFLineData::startStyle) || differs(&Values::line, &PDFLineData::endStyle) ||
-        differs(&Values::paths) || differs(&Values::quads) || differs(&Values::field, &PDFFieldData::string) ||
-        differs(&Values::field, &PDFFieldData::turn))
+        differs(&Values::paths) || differs(&Values::vertices) || differs(&Values::quads) ||
+        differs(&Values::field, &PDFFieldData::string) || differs(&Values::field, &PDFFieldData::turn))
         return true;
     if (now.type == Subtype::freeText && differs(&Values::contents))
         return true;
     // An appearance moves and scales with the rectangle. That suits a mere move; lines would change their width with
     // the size, and text markup is drawn from its corners.
-    const bool ownCorners = now.type == Subtype::highlight || now.type == Subtype::underline ||
-                            now.type == Subtype::strikeOut || now.type == Subtype::line;
+    const bool ownCorners = marksText(now.type) || now.type == Subtype::line;
     const QSizeF growth = now.bounds.size() - before.bounds.size();
     return std::abs(growth.width()) > 0.001 || std::abs(growth.height()) > 0.001 ||
            (ownCorners && differs(&Values::bounds));
