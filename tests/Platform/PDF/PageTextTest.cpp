@@ -166,6 +166,36 @@ TEST(PageText, ReadsColumnsOneAfterTheOtherHoweverTheyWereWritten) {
         PDFDocument::fromData(pdf.bytes())->page(0)->string().startsWith(QStringLiteral("Item 0\n12.50\nItem 1")));
 }
 
+TEST(PageText, ReadsATableOfContentsLineByLineHoweverItWasWritten) {
+    QByteArray rows;
+    QByteArray numbersLast;
+    QByteArray numbers;
+    QByteArray twoColumns;
+    QStringList expected;
+    QStringList expectedRight;
+    for (int i = 1; i < 8; ++i) {
+        const QByteArray number = "1." + QByteArray::number(i);
+        const QByteArray title = "A section of the manual . . . . . . . . .";
+        const QByteArray page = QByteArray::number(10 + i);
+        const double y = 700 - 15 * i;
+        rows += textAt(72, y, number) + textAt(110, y, title) + textAt(400, y, page);
+        numbersLast += textAt(72, y, number) + textAt(110, y, title);
+        numbers += textAt(400, y, page);
+        twoColumns += textAt(72, y, number) + textAt(92, y, title) + textAt(310, y, page) + //
+                      textAt(340, y, number) + textAt(360, y, "Another . . . . . . . .") + textAt(500, y, page);
+        expected << QString::fromLatin1(number + ' ' + title + ' ' + page);
+        expectedRight << QString::fromLatin1(number + " Another . . . . . . . . " + page);
+    }
+    const std::vector<std::pair<QByteArray, QStringList>> pages{
+        {rows, expected}, {numbersLast + numbers, expected}, {twoColumns, expected + expectedRight}};
+    for (const auto& [content, lines] : pages) {
+        PdfFixture pdf;
+        pdf.addPageWithContent(content, pdf.defaultResources());
+        EXPECT_EQ(PDFDocument::fromData(pdf.bytes())->page(0)->string().replace(QLatin1Char('\n'), QLatin1Char(' ')),
+                  lines.join(QLatin1Char(' ')));
+    }
+}
+
 TEST(PageText, OfPagesWithoutTextIsEmpty) {
     PdfFixture pdf;
     pdf.addPageWithContent("0 0 100 100 re f");

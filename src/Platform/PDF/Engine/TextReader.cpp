@@ -8,6 +8,8 @@
 
 #include <QHash>
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 
 namespace {
@@ -54,6 +56,30 @@ void interpret(StructuredPage& structured, pdf_document* document, int pageNumbe
         return;
     engineTry(context,
               [&] { pdf_run_page_contents(context, structured.page, structured.device, fz_identity, cookie); });
+}
+
+bool isLeader(int c) {
+    constexpr int leaders[] = {'.', '_', 0xB7, 0x2024, 0x2025, 0x2026, 0x22C5};
+    return std::find(std::begin(leaders), std::end(leaders), c) != std::end(leaders);
+}
+
+ReadingOrder::Line shapeOf(const fz_stext_line& line, int block) {
+    constexpr int leastDots = 3;
+    ReadingOrder::Line shape{fromEngine(line.bbox), 0, line.wmode == 0 && line.dir.x > 0.99F, block};
+    int dots = 0; // since the last letter
+    bool hasLetters = false;
+    for (const fz_stext_char* c = line.first_char; c && shape.length < 1000; c = c->next) {
+        ++shape.length;
+        if (isLeader(c->c)) {
+            ++dots;
+            shape.isLed = shape.isLed || (!hasLetters && dots >= leastDots);
+        } else if (c->c != ' ') {
+            dots = 0;
+            hasLetters = true;
+        }
+    }
+    shape.leads = dots >= leastDots;
+    return shape;
 }
 
 class Builder {
@@ -156,11 +182,8 @@ std::shared_ptr<const PageText> TextReader::read(SourceEngine& engine, int pageN
         if (b->type != FZ_STEXT_BLOCK_TEXT)
             continue;
         for (const fz_stext_line* line = b->u.t.first_line; line && lines.size() < lineLimit; line = line->next) {
-            int length = 0;
-            for (const fz_stext_char* c = line->first_char; c && length < 1000; c = c->next)
-                ++length;
             lines.push_back(line);
-            shapes.push_back({fromEngine(line->bbox), length, line->wmode == 0 && line->dir.x > 0.99F, block});
+            shapes.push_back(shapeOf(*line, block));
         }
     }
     Builder builder(borrowed.context(), fromEngine(structured.pageTransform).inverted());

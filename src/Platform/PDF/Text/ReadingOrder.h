@@ -7,7 +7,8 @@
 /// The order in which a person reads the lines of a page.
 ///
 /// Most files write their text in reading order, and that order is kept. Some write a page of columns row by row, the
-/// left part of a row and then its right part: there the columns are put back one after the other.
+/// left part of a row and then its right part: there the columns are put back one after the other. A table is read row
+/// by row, and so is a table of contents: what a row of dots leads to follows the dots.
 namespace ReadingOrder {
 
 struct Line {
@@ -15,6 +16,8 @@ struct Line {
     int length = 0;      ///< characters
     bool upright = true; ///< written from left to right
     int block = 0;
+    bool leads = false; ///< ends in a leader, the dots that lead the eye to the end of the row
+    bool isLed = false; ///< begins with one
 };
 
 /// A permutation of the lines' indices.
