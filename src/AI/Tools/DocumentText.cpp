@@ -1,5 +1,6 @@
 #include "DocumentText.h"
 
+#include "FlowingText.h"
 #include "PDFDocument.h"
 #include "PDFSource.h"
 #include "PageStrings.h"
@@ -12,5 +13,5 @@ QString DocumentText::string(int index) const {
     const PDFPageContent& page = m_pages.at(static_cast<std::size_t>(index));
     if (m_strings)
         return m_strings->string(page, m_stop);
-    return page.source ? page.source->readText(page.pageNumber, m_stop)->string : QString();
+    return page.source ? FlowingText(*page.source->readText(page.pageNumber, m_stop)).string() : QString();
 }

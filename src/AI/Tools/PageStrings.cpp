@@ -1,5 +1,6 @@
 #include "PageStrings.h"
 
+#include "FlowingText.h"
 #include "PDFSource.h"
 #include "PageText.h"
 
@@ -20,7 +21,7 @@ QString PageStrings::string(const PDFPageContent& page, const std::stop_token& s
             return found->second;
     }
     // A copy of the characters alone: the string that was read has room for more.
-    QString read = QStringView(page.source->readText(page.pageNumber, stop)->string).toString();
+    QString read = QStringView(FlowingText(*page.source->readText(page.pageNumber, stop)).string()).toString();
     if (stop.stop_requested())
         return read;
     const std::lock_guard guard(m_mutex);

@@ -1,5 +1,6 @@
 #include "PDFDocument.h"
 
+#include "FlowingText.h"
 #include "InformationReader.h"
 #include "OutlineReader.h"
 #include "PDFDocumentSnapshot.h"
@@ -196,8 +197,10 @@ std::optional<PDFDestination> PDFDocument::destination(const PDFFileDestination&
 
 QString PDFDocument::string() const {
     std::vector<PDFPageContent> contents = pageContents();
-    const QList<QString> texts = QtConcurrent::blockingMapped<QList<QString>>(
-        contents, [](const PDFPageContent& content) { return content.source->readText(content.pageNumber)->string; });
+    const QList<QString> texts =
+        QtConcurrent::blockingMapped<QList<QString>>(contents, [](const PDFPageContent& content) {
+            return FlowingText(*content.source->readText(content.pageNumber)).string();
+        });
     QString all;
     for (const QString& text : texts)
         all += text + QLatin1Char('\f');

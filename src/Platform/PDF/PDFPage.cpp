@@ -1,6 +1,7 @@
 #include "PDFPage.h"
 
 #include "AnnotationReader.h"
+#include "FlowingText.h"
 #include "ImagePage.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
@@ -99,7 +100,7 @@ std::shared_ptr<const PageText> PDFPage::text() const {
 }
 
 QString PDFPage::string() const {
-    return text()->string;
+    return FlowingText(*text()).string();
 }
 
 std::optional<PDFSelection> PDFPage::selectionOf(int start, int end) const {

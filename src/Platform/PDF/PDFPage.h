@@ -70,8 +70,9 @@ public:
 
     // Text
 
-    /// The text of the page, lines joined with "\n"; empty for a page without text. Parsed on first use and kept for as
-    /// long as the source's cache of recent pages allows.
+    /// The text of the page as it was typed: lines joined with "\n", words over line ends whole (`FlowingText`), so
+    /// offsets aren't those of `text`. Empty for a page without text. Parsed on first use and kept for as long as the
+    /// source's cache of recent pages allows.
     [[nodiscard]] QString string() const;
     [[nodiscard]] std::shared_ptr<const PageText> text() const;
 

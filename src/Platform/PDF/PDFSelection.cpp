@@ -1,5 +1,6 @@
 #include "PDFSelection.h"
 
+#include "FlowingText.h"
 #include "PDFPage.h"
 #include "PageText.h"
 
@@ -16,7 +17,7 @@ QString PDFSelection::string() const {
     for (const Range& range : m_ranges) {
         if (!text.isEmpty())
             text += QLatin1Char('\n');
-        text += range.page->text()->string.mid(range.start, range.end - range.start);
+        text += FlowingText(*range.page->text(), range.start, range.end).string();
     }
     return text;
 }

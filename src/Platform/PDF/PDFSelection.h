@@ -15,7 +15,7 @@ class PDFSelection {
 public:
     struct Range {
         std::shared_ptr<PDFPage> page;
-        int start = 0; ///< offset into `PDFPage::text().string`
+        int start = 0; ///< offset into the string of `PDFPage::text`
         int end = 0;   ///< one past the last offset; never below start
         bool operator==(const Range&) const = default;
     };
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] const std::vector<Range>& ranges() const { return m_ranges; }
     [[nodiscard]] bool isEmpty() const { return m_ranges.empty(); }
 
-    /// The selected text; ranges are joined with a newline.
+    /// The selected text as it was typed, words over line ends whole (`FlowingText`); ranges are joined with a newline.
     [[nodiscard]] QString string() const;
 
     /// The pages with selected text, each once, in order.

@@ -30,20 +30,29 @@ void* PDFViewAccessible::interface_cast(QAccessible::InterfaceType type) {
     return QAccessibleWidget::interface_cast(type);
 }
 
-std::shared_ptr<const PageText> PDFViewAccessible::pageText() const {
+const PDFViewAccessible::Spoken& PDFViewAccessible::spoken() const {
     const std::shared_ptr<PDFPage> page = view().currentPage();
-    return page ? page->text() : nullptr;
+    const std::shared_ptr<const PageText> text = page ? page->text() : std::make_shared<const PageText>();
+    if (!m_spoken || m_spoken->page != text)
+        m_spoken = Spoken{text, FlowingText(*text)};
+    return *m_spoken;
+}
+
+PDFSelection PDFViewAccessible::selectionOf(int startOffset, int endOffset) const {
+    const int end = std::min(endOffset, characterCount());
+    if (startOffset < 0 || startOffset >= end)
+        return {};
+    const FlowingText& text = spoken().text;
+    return PDFSelection({{view().currentPage(), text.pageOffset(startOffset), text.pageOffset(end - 1) + 1}});
 }
 
 int PDFViewAccessible::characterCount() const {
-    const auto text = pageText();
-    return text ? static_cast<int>(text->string.size()) : 0;
+    return static_cast<int>(spoken().text.string().size());
 }
 
 QString PDFViewAccessible::text(int startOffset, int endOffset) const {
-    const auto text = pageText();
     const int end = endOffset < 0 ? characterCount() : endOffset;
-    return text ? text->string.mid(startOffset, end - startOffset) : QString();
+    return spoken().text.string().mid(startOffset, end - startOffset);
 }
 
 int PDFViewAccessible::selectionCount() const {
@@ -57,8 +66,8 @@ void PDFViewAccessible::selection(int selectionIndex, int* startOffset, int* end
     if (selectionIndex < 0 || selectionIndex >= selectionCount())
         return;
     const auto range = view().selectedRanges(*view().currentPage())[static_cast<std::size_t>(selectionIndex)];
-    *startOffset = range.first;
-    *endOffset = std::min(range.second, characterCount());
+    *startOffset = spoken().text.offsetOf(range.first);
+    *endOffset = spoken().text.offsetOf(std::min(range.second, static_cast<int>(spoken().page->string.size())));
 }
 
 void PDFViewAccessible::addSelection(int startOffset, int endOffset) {
@@ -70,10 +79,9 @@ void PDFViewAccessible::removeSelection(int) {
 }
 
 void PDFViewAccessible::setSelection(int, int startOffset, int endOffset) {
-    const std::shared_ptr<PDFPage> page = view().currentPage();
-    const int count = characterCount();
-    if (page && startOffset >= 0 && startOffset < endOffset)
-        view().setCurrentSelection(PDFSelection({{page, std::min(startOffset, count), std::min(endOffset, count)}}));
+    const PDFSelection wanted = selectionOf(startOffset, endOffset);
+    if (!wanted.isEmpty())
+        view().setCurrentSelection(wanted);
 }
 
 int PDFViewAccessible::cursorPosition() const {
@@ -86,24 +94,25 @@ int PDFViewAccessible::cursorPosition() const {
 void PDFViewAccessible::setCursorPosition(int) {}
 
 QRect PDFViewAccessible::characterRect(int offset) const {
-    const auto text = pageText();
-    if (!text || offset < 0 || offset >= characterCount())
+    if (offset < 0 || offset >= characterCount())
         return {};
-    const QRectF box = text->glyphs[static_cast<std::size_t>(offset)].quad.boundingRect();
+    const auto glyph = static_cast<std::size_t>(spoken().text.pageOffset(offset));
+    const QRectF box = spoken().page->glyphs[glyph].quad.boundingRect();
     const QRect rect = view().convertFromPage(box, *view().currentPage()).toAlignedRect();
     return rect.translated(view().viewport()->mapToGlobal(QPoint(0, 0)));
 }
 
 int PDFViewAccessible::offsetAtPoint(const QPoint& point) const {
-    const auto text = pageText();
+    const std::shared_ptr<PDFPage> page = view().currentPage();
     const QPointF viewPoint = view().viewport()->mapFromGlobal(QPointF(point));
-    return text ? text->characterAt(view().convertToPage(viewPoint, *view().currentPage())) : -1;
+    const int found = page ? spoken().page->characterAt(view().convertToPage(viewPoint, *page)) : -1;
+    return found < 0 ? found : spoken().text.offsetOf(found);
 }
 
 void PDFViewAccessible::scrollToSubstring(int startIndex, int endIndex) {
-    const std::shared_ptr<PDFPage> page = view().currentPage();
-    if (page && startIndex >= 0 && startIndex < endIndex)
-        view().goToSelection(PDFSelection({{page, startIndex, std::min(endIndex, characterCount())}}));
+    const PDFSelection wanted = selectionOf(startIndex, endIndex);
+    if (!wanted.isEmpty())
+        view().goToSelection(wanted);
 }
 
 QString PDFViewAccessible::attributes(int, int* startOffset, int* endOffset) const {

@@ -1,14 +1,19 @@
 #pragma once
 
+#include "FlowingText.h"
+
 #include <QAccessibleTextInterface>
 #include <QAccessibleWidget>
 
 #include <memory>
+#include <optional>
 
+class PDFSelection;
 class PDFView;
 class PageText;
 
-/// What a screen reader sees of a view: a document whose text is that of the current page.
+/// What a screen reader sees of a view: a document whose text is that of the current page, with words over line ends
+/// whole. All offsets are those of that text.
 class PDFViewAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
     /// Makes the desktop's accessibility find this for every view. Does nothing after the first call.
@@ -35,5 +40,14 @@ public:
 
 private:
     [[nodiscard]] PDFView& view() const;
-    [[nodiscard]] std::shared_ptr<const PageText> pageText() const;
+    /// The text of a page with how it is spoken.
+    struct Spoken {
+        std::shared_ptr<const PageText> page; ///< never null
+        FlowingText text;
+    };
+    [[nodiscard]] const Spoken& spoken() const;
+    /// Empty for a range without text.
+    [[nodiscard]] PDFSelection selectionOf(int startOffset, int endOffset) const;
+
+    mutable std::optional<Spoken> m_spoken; // as of the last question
 };

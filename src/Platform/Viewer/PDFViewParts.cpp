@@ -1,5 +1,6 @@
 #include "PDFViewParts.h"
 
+#include "FlowingText.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
@@ -246,7 +247,7 @@ void PDFViewParts::announceText() {
     const std::shared_ptr<const PageText> text = page ? texts.text(page->content()) : nullptr;
     if (page && !text)
         return;
-    const QString former = std::exchange(m_announcedText, text ? text->string : QString());
+    const QString former = std::exchange(m_announcedText, text ? FlowingText(*text).string() : QString());
     m_announcedPage = page;
     QAccessibleTextUpdateEvent event(&view, 0, former, m_announcedText);
     QAccessible::updateAccessibility(&event);

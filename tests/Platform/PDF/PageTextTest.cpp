@@ -1,4 +1,5 @@
 #include "PageText.h"
+#include "FlowingText.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PDFSelection.h"
@@ -194,6 +195,43 @@ TEST(PageText, ReadsATableOfContentsLineByLineHoweverItWasWritten) {
         EXPECT_EQ(PDFDocument::fromData(pdf.bytes())->page(0)->string().replace(QLatin1Char('\n'), QLatin1Char(' ')),
                   lines.join(QLatin1Char(' ')));
     }
+}
+
+TEST(PageText, JoinsAccentsToLettersAndWordsOverLineEnds) {
+    // A dieresis, a step back, and the i below it.
+    const QByteArray accent = "BT /F1 12 Tf 72 700 Td [(na\\250) 305 (ive exam-)] TJ ET ";
+    PdfFixture pdf;
+    pdf.addPageWithContent(accent + textAt(72, 680, "ple, a well-known and a well-") +
+                               textAt(72, 660, "known a^b, 20-") + textAt(72, 640, "year, post- and pre-") +
+                               textAt(72, 620, "or not, Anglo-") + textAt(72, 600, "Saxon state-of-the-") +
+                               textAt(72, 580, "art"),
+                           pdf.defaultResources());
+    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto page = document->page(0);
+    const QString expected =
+        QStringLiteral("naïve example, a well-known and a well-known a^b, 20-\nyear, post- and pre-\n"
+                       "or not, Anglo-\nSaxon state-of-the-art");
+    EXPECT_EQ(page->string().toStdString(), expected.toStdString());
+    EXPECT_EQ(page->selectAll()->string(), expected);
+
+    // What is found is marked where it stands: offsets of the page's own text, one glyph for each of its characters.
+    const auto text = page->text();
+    ASSERT_EQ(text->glyphs.size(), std::size_t(text->string.size()));
+    const QRectF naive = boxOf(*page, QStringLiteral("naïve"));
+    EXPECT_NEAR(naive.left(), 72, 0.1);
+    EXPECT_NEAR(naive.right(), boxOf(*page, QStringLiteral(" exam")).left(), 0.1);
+
+    const FlowingText flowing(*text);
+    for (int i = 0; i < flowing.string().size(); ++i) {
+        EXPECT_EQ(flowing.string().at(i), text->string.at(flowing.pageOffset(i))) << i;
+        EXPECT_EQ(flowing.offsetOf(flowing.pageOffset(i)), i);
+    }
+    const int example = int(expected.indexOf(QStringLiteral("example")));
+    const int start = flowing.pageOffset(example);
+    const int end = flowing.pageOffset(example + 6) + 1;
+    EXPECT_EQ(text->lineRects(start, end).size(), 2U); // of both lines
+    EXPECT_EQ(FlowingText(*text, start, end).string(), QStringLiteral("example"));
+    EXPECT_EQ(FlowingText(*text, start + 2, start + 5).string(), QStringLiteral("am-")); // ends at the line's end
 }
 
 TEST(PageText, OfPagesWithoutTextIsEmpty) {

@@ -60,7 +60,7 @@ QPointF ShownView::on(int pageIndex, int offset) const {
 }
 
 int ShownView::offsetOf(int pageIndex, const QString& text) const {
-    const auto offset = page(pageIndex)->string().indexOf(text);
+    const auto offset = page(pageIndex)->text()->string.indexOf(text);
     EXPECT_GE(offset, 0) << text.toStdString();
     return static_cast<int>(offset);
 }

@@ -52,6 +52,16 @@ TEST(ViewAccessibility, tellsTheDocumentsTextAndPlace) {
     text->removeSelection(0);
     EXPECT_EQ(text->selectionCount(), 0);
 
+    PdfFixture hyphenated;
+    hyphenated.addPage({QStringLiteral("An exam-"), QStringLiteral("ple")});
+    ShownView other(documentOf(hyphenated));
+    QAccessibleTextInterface* words = QAccessible::queryAccessibleInterface(&other)->textInterface();
+    EXPECT_EQ(words->text(0, -1), QStringLiteral("An example"));
+    const int secondLine = other.offsetOf(0, QStringLiteral("ple"));
+    EXPECT_TRUE(words->characterRect(7).contains(other.viewport()->mapToGlobal(other.on(0, secondLine)).toPoint()));
+    words->setSelection(0, 3, 10);
+    EXPECT_EQ(other.selectedRanges(*other.page(0)), (std::vector<std::pair<int, int>>{{3, secondLine + 3}}));
+
     view.setScaleFactor(8);
     const int last = view.offsetOf(2, QStringLiteral("p3 line 10"));
     text->scrollToSubstring(last, last + 2);

@@ -1,5 +1,6 @@
 #include "TextReader.h"
 
+#include "Accents.h"
 #include "CancellationWatch.h"
 #include "PageObjects.h"
 #include "PageText.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -97,8 +99,12 @@ public:
         const QPointF along = m_toPage.map(QPointF(line.dir.x, line.dir.y)) - m_toPage.map(QPointF(0, 0));
         const double length = std::hypot(along.x(), along.y());
         built.direction = length > 0 ? along / length : QPointF(1, 0);
-        for (const fz_stext_char* c = line.first_char; c; c = c->next)
+        for (const fz_stext_char* c = line.first_char; c; c = c->next) {
+            if (const char16_t accent = Accents::combining(c->c); accent && isOver(*c, accent, line, built))
+                continue;
             addCharacter(*c, built);
+        }
+        m_accents.clear();
         built.end = int(m_text.string.size());
         m_text.measureHeight(built);
         m_text.lines.push_back(built);
@@ -107,6 +113,31 @@ public:
     std::shared_ptr<const PageText> take() { return std::make_shared<const PageText>(std::move(m_text)); }
 
 private:
+    /// True for an accent that goes into a letter: one that is still to come, or the last one that was added.
+    bool isOver(const fz_stext_char& c, char16_t accent, const fz_stext_line& line, const PageText::Line& built) {
+        const auto extent = [&line](const fz_stext_char& of) {
+            return Accents::Extent{double(of.quad.ll.x) * line.dir.x + double(of.quad.ll.y) * line.dir.y,
+                                   double(of.quad.lr.x) * line.dir.x + double(of.quad.lr.y) * line.dir.y};
+        };
+        const fz_stext_char* letter = c.next;
+        for (int more = 0; letter && more < mostAccents && Accents::combining(letter->c); ++more)
+            letter = letter->next;
+        if (letter && Accents::covers(extent(c), extent(*letter)) &&
+            !Accents::joined(letter->c, QString(QChar(accent))).isEmpty()) {
+            m_accents += QChar(accent);
+            return true;
+        }
+        // A combining accent goes with the letter before it wherever it is drawn.
+        if (m_text.string.size() == built.start || !m_accents.isEmpty() ||
+            (accent != c.c && !Accents::covers(extent(c), extent(*m_last))))
+            return false;
+        const QString both = Accents::joined(m_text.string.back().unicode(), QString(QChar(accent)));
+        if (both.size() != 1)
+            return false;
+        m_text.string.back() = both.front();
+        return true;
+    }
+
     void addCharacter(const fz_stext_char& c, PageText::Line& line) {
         PageText::Glyph glyph;
         glyph.quad.upperLeft = map(c.quad.ul);
@@ -120,7 +151,13 @@ private:
         char32_t character = char32_t(c.c);
         if (character < 32 || (character >= 0xD800 && character < 0xE000) || character > 0x10FFFF)
             character = U' ';
-        const QString units = QString::fromUcs4(&character, 1);
+        QString units = QString::fromUcs4(&character, 1);
+        if (!m_accents.isEmpty()) {
+            const QString accents = std::exchange(m_accents, {});
+            const QString both = Accents::joined(c.c, accents);
+            units = both.isEmpty() ? accents + units : both;
+        }
+        m_last = &c;
         m_text.string += units;
         for (int i = 0; i < units.size(); ++i)
             m_text.glyphs.push_back(glyph);
@@ -149,9 +186,13 @@ private:
         return index;
     }
 
+    static constexpr int mostAccents = 3; // over one letter
+
     fz_context* m_context;
     QTransform m_toPage;
     PageText m_text;
+    QString m_accents;                     // combining, for the letter to come
+    const fz_stext_char* m_last = nullptr; // that was added
     QHash<fz_font*, std::uint16_t> m_fontIndex;
 };
 

@@ -1,5 +1,6 @@
 #include "SelectionCopier.h"
 
+#include "FlowingText.h"
 #include "PDFSource.h"
 #include "PageText.h"
 
@@ -29,8 +30,7 @@ QString SelectionCopier::read(const std::vector<Span>& spans, const std::stop_to
         // A long document would push the pages on the screen out of the cache of texts.
         const auto page = isShort(spans) ? span.content.source->text(span.content.pageNumber, stop)
                                          : span.content.source->readText(span.content.pageNumber, stop);
-        const auto end = span.end ? qsizetype(*span.end) : page->string.size();
-        const QStringView part = QStringView(page->string).mid(span.start, end - span.start);
+        const QString part = FlowingText(*page, span.start, span.end.value_or(int(page->string.size()))).string();
         if (part.isEmpty())
             continue;
         if (!text.isEmpty())
