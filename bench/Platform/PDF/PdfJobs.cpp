@@ -1,11 +1,13 @@
 // pdf_jobs JOB FILE [OUT]: does one job with a PDF file and ends. See bench/compare.sh.
 
+#include "FlowingText.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PageRenderer.h"
+#include "PageText.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -40,11 +42,16 @@ bool drawFirst(const PDFDocument& document, const QString&) {
 }
 
 /// The pages that compare.sh asks the reference program for: the first of each fiftieth part.
-bool drawSpread(const PDFDocument& document, const QString&) {
+std::vector<PDFPageContent> spreadOf(const PDFDocument& document) {
     const std::vector<PDFPageContent> all = document.pageContents();
     std::vector<PDFPageContent> spread;
     for (int i = 0; i < spreadPages; ++i)
         spread.push_back(all.at(std::size_t(i) * all.size() / spreadPages));
+    return spread;
+}
+
+bool drawSpread(const PDFDocument& document, const QString&) {
+    const std::vector<PDFPageContent> spread = spreadOf(document);
     QThreadPool pool;
     pool.setMaxThreadCount(workers);
     std::atomic<int> drawn{0};
@@ -53,8 +60,20 @@ bool drawSpread(const PDFDocument& document, const QString&) {
     return drawn == spreadPages;
 }
 
-bool readText(const PDFDocument& document, const QString&) {
-    return !document.string().isEmpty();
+/// Pages end with a form feed each, as the reference program writes them.
+bool readText(const PDFDocument& document, const QString& out) {
+    const QByteArray text = document.string().toUtf8();
+    QFile file(out);
+    return !text.isEmpty() && (out.isEmpty() || (file.open(QFile::WriteOnly) && file.write(text) == text.size()));
+}
+
+bool readTextSpread(const PDFDocument& document, const QString&) {
+    std::vector<PDFPageContent> spread = spreadOf(document);
+    const QList<QString> texts =
+        QtConcurrent::blockingMapped<QList<QString>>(spread, [](const PDFPageContent& content) {
+            return FlowingText(*content.source->readText(content.pageNumber)).string();
+        });
+    return texts.size() == spreadPages;
 }
 
 bool saveAnnotation(const PDFDocument& document, const QString& out) {
@@ -83,9 +102,13 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     static const std::map<QString, std::function<bool(PDFDocument&, const QString&)>> jobs{
-        {QStringLiteral("draw-first"), drawFirst}, {QStringLiteral("draw-spread"), drawSpread},
-        {QStringLiteral("text"), readText},        {QStringLiteral("save-annotation"), saveAnnotation},
-        {QStringLiteral("save-move"), saveMove},   {QStringLiteral("save-delete"), saveDelete},
+        {QStringLiteral("draw-first"), drawFirst},
+        {QStringLiteral("draw-spread"), drawSpread},
+        {QStringLiteral("text"), readText},
+        {QStringLiteral("text-spread"), readTextSpread},
+        {QStringLiteral("save-annotation"), saveAnnotation},
+        {QStringLiteral("save-move"), saveMove},
+        {QStringLiteral("save-delete"), saveDelete},
     };
     const auto job = jobs.find(arguments.value(1));
     if (arguments.size() < 3 || job == jobs.end()) {
@@ -95,6 +118,7 @@ int main(int argc, char** argv) {
         std::fputs("\n", stderr);
         return 2;
     }
+    QThreadPool::globalInstance()->setMaxThreadCount(workers);
     try {
         const auto document = PDFDocument::fromFile(arguments[2]);
         return job->second(*document, arguments.value(3)) ? 0 : 1;

@@ -157,14 +157,24 @@ TEST(PageText, ReadsColumnsOneAfterTheOtherHoweverTheyWereWritten) {
         EXPECT_EQ(PDFDocument::fromData(pdf.bytes())->page(0)->string(),
                   (expected + expectedRight).join(QLatin1Char('\n')));
     }
-    // Rows of a table are read row by row.
-    QByteArray table;
-    for (int i = 0; i < 8; ++i)
-        table += textAt(72, 700 - 15 * i, "Item " + QByteArray::number(i)) + textAt(330, 700 - 15 * i, "12.50");
-    PdfFixture pdf;
-    pdf.addPageWithContent(table, pdf.defaultResources());
-    EXPECT_TRUE(
-        PDFDocument::fromData(pdf.bytes())->page(0)->string().startsWith(QStringLiteral("Item 0\n12.50\nItem 1")));
+    // Rows of a table are read row by row: of short cells, and of long ones that are filled unevenly or are no
+    // sentences.
+    const std::vector<std::pair<QByteArray, QByteArray>> cells{
+        {"Item", "12.50"},
+        {"Replace all of the values", "Insert at the head of it"},
+        {"a word or so of a row", "again a word or so of it"}};
+    for (const auto& [left, right] : cells) {
+        QByteArray table;
+        const QByteArray wide = left + " and more of it";
+        for (int i = 0; i < 8; ++i)
+            table += textAt(72, 700 - 15 * i, i == 0 ? wide : left) + textAt(380, 700 - 15 * i, right);
+        PdfFixture pdf;
+        pdf.addPageWithContent(table, pdf.defaultResources());
+        EXPECT_TRUE(PDFDocument::fromData(pdf.bytes())
+                        ->page(0)
+                        ->string()
+                        .startsWith(QString::fromLatin1(wide + '\n' + right + '\n' + left + '\n')));
+    }
 }
 
 TEST(PageText, ReadsATableOfContentsLineByLineHoweverItWasWritten) {

@@ -1,6 +1,7 @@
 #include "CancellationWatch.h"
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -49,7 +50,10 @@ private:
         std::unique_lock lock(m_mutex);
         for (;;) {
             m_wake.wait(lock, [this] { return !m_watched.empty(); });
-            m_wake.wait_for(lock, std::chrono::milliseconds(25));
+            // Asleep, and not to be woken by each new page of a document that is read through.
+            lock.unlock();
+            std::this_thread::sleep_for(std::chrono::milliseconds(25));
+            lock.lock();
             for (const Entry& entry : m_watched)
                 if (shallStop(entry))
                     __atomic_store_n(&entry.cookie->abort, 1, __ATOMIC_RELAXED);

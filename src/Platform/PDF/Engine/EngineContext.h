@@ -39,7 +39,8 @@ private:
     mutable std::mutex m_cloning;
 };
 
-/// What the engine holds at the moment in all instances. Any thread.
+/// What the engine holds at the moment in all instances, in bytes, but for some tens of thousands of each thread. Any
+/// thread.
 [[nodiscard]] std::size_t engineBytes();
 
 /// From now on the engine gets no memory on this thread once `cookie` is aborted; null for none. Parts of it, such as

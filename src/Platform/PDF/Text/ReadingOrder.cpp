@@ -98,6 +98,7 @@ struct Cell {
     double left = 0;
     double right = 0;
     int length = 0;
+    bool goesOn = false; // begins within a sentence, or leads to the end of its row
 };
 
 using Row = std::vector<Cell>;
@@ -111,8 +112,9 @@ std::vector<Row> rowsOf(const std::vector<Line>& lines, const Sequence& sequence
             rows.emplace_back();
         Row& row = rows.back();
         if (row.empty() || !(before->leads || line.isLed))
-            row.push_back({i, 0, line.bounds.left(), line.bounds.right(), 0});
+            row.push_back({i, 0, line.bounds.left(), line.bounds.right(), 0, line.goesOn});
         Cell& cell = row.back();
+        cell.goesOn = cell.goesOn || line.leads || line.isLed;
         ++cell.count;
         cell.right = line.bounds.right();
         cell.length += line.length;
@@ -145,6 +147,24 @@ bool narrow(Gutters& gutters, const Gutters& row, double leastWidth) {
     return true;
 }
 
+/// Whether the cells [first, last) of each row read like lines of running text: most of them reach to the end of the
+/// column or nearly so, and many begin within a sentence. The cells of a table do neither.
+bool isRunningText(const std::vector<Row>& rows, std::size_t begin, std::size_t end, std::size_t first,
+                   std::size_t last) {
+    std::vector<double> widths;
+    std::size_t within = 0;
+    for (std::size_t row = begin; row < end; ++row) {
+        const auto from = rows[row].begin() + std::ptrdiff_t(first);
+        const auto to = rows[row].begin() + std::ptrdiff_t(last);
+        widths.push_back((to - 1)->right - from->left);
+        within += std::any_of(from, to, [](const Cell& cell) { return cell.goesOn; }) ? 1 : 0;
+    }
+    const auto middle = widths.begin() + std::ptrdiff_t(widths.size() / 2);
+    std::nth_element(widths.begin(), middle, widths.end());
+    constexpr double leastFilled = 0.8;
+    return 4 * within >= widths.size() && *middle >= leastFilled * *std::max_element(middle, widths.end());
+}
+
 /// Where each column of running text begins among the cells of the rows. Short cells, such as numbers before the text
 /// or amounts behind it, go with the neighbour that is nearer. One entry alone: the rows are those of a table.
 std::vector<std::size_t> columnsOf(const std::vector<Row>& rows, std::size_t begin, std::size_t end, Gutters gutters) {
@@ -168,6 +188,9 @@ std::vector<std::size_t> columnsOf(const std::vector<Row>& rows, std::size_t beg
         starts.erase(starts.begin() + std::ptrdiff_t(gone) + 1);
         gutters.erase(gutters.begin() + std::ptrdiff_t(gone));
     }
+    for (std::size_t i = 0; i < starts.size(); ++i)
+        if (!isRunningText(rows, begin, end, starts[i], i + 1 < starts.size() ? starts[i + 1] : cells))
+            return {0};
     return starts;
 }
 

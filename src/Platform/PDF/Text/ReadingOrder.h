@@ -16,8 +16,9 @@ struct Line {
     int length = 0;      ///< characters
     bool upright = true; ///< written from left to right
     int block = 0;
-    bool leads = false; ///< ends in a leader, the dots that lead the eye to the end of the row
-    bool isLed = false; ///< begins with one
+    bool leads = false;  ///< ends in a leader, the dots that lead the eye to the end of the row
+    bool isLed = false;  ///< begins with one
+    bool goesOn = false; ///< begins with a letter that isn't a capital, as a line within a sentence mostly does
 };
 
 /// A permutation of the lines' indices.

@@ -40,11 +40,15 @@ void PageText::measureHeight(Line& line) const {
     std::map<std::tuple<std::uint16_t, long, long>, Voice> voices;
     const QPointF up = upOf(line);
     const Voice* own = nullptr;
+    decltype(voices)::iterator last = voices.end(); // most glyphs are of the voice of the one before
     for (int at = line.start; at < line.end; ++at) {
         const Glyph& glyph = glyphs[std::size_t(at)];
         const double step = std::max(0.1 * double(glyph.size), 0.01);
-        Voice& voice = voices[{glyph.font, std::lround(100 * double(glyph.size)),
-                               std::lround(reachAlong(glyph.origin, up) / step)}];
+        const decltype(voices)::key_type key{glyph.font, std::lround(100 * double(glyph.size)),
+                                             std::lround(reachAlong(glyph.origin, up) / step)};
+        if (last == voices.end() || last->first != key)
+            last = voices.try_emplace(key).first;
+        Voice& voice = last->second;
         for (const QPointF& corner :
              {glyph.quad.lowerLeft, glyph.quad.lowerRight, glyph.quad.upperLeft, glyph.quad.upperRight}) {
             voice.low =
