@@ -163,6 +163,14 @@ PDFPageGeometry PDFDocument::geometry(int index) const {
     return page ? page->geometry() : m_source->geometry(m_sourceNumbers[std::size_t(index)]);
 }
 
+QString PDFDocument::label(int index) const {
+    const auto& page = m_pages.at(std::size_t(index));
+    if (page)
+        return page->label();
+    const auto label = m_source->pageLabels().of(m_sourceNumbers[std::size_t(index)]);
+    return label ? label->text() : QString();
+}
+
 std::vector<PDFPageContent> PDFDocument::pageContents() const {
     std::vector<PDFPageContent> contents;
     contents.reserve(m_pages.size());

@@ -76,6 +76,8 @@ public:
     void insert(const std::shared_ptr<PDFPage>& page, int index);
     /// The page's geometry without making its page object; for layout.
     [[nodiscard]] PDFPageGeometry geometry(int index) const;
+    /// What the page's file calls it (`PDFPage::label`), without making its page object.
+    [[nodiscard]] QString label(int index) const;
     /// The immutable contents of all pages in order, for work on another thread (layout, search, text).
     [[nodiscard]] std::vector<PDFPageContent> pageContents() const;
 

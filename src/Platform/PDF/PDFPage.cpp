@@ -51,6 +51,11 @@ std::shared_ptr<PDFPage> PDFPage::copy() const {
     return copied;
 }
 
+QString PDFPage::label() const {
+    const auto label = m_content.source->pageLabels().of(m_content.pageNumber);
+    return label ? label->text() : QString();
+}
+
 PDFPageGeometry PDFPage::geometry() const {
     PDFPageGeometry geometry = m_content.source->geometry(m_content.pageNumber);
     if (m_rotation)

@@ -6,6 +6,7 @@
 
 #include <QImage>
 #include <QSizeF>
+#include <QString>
 #include <QTransform>
 
 #include <memory>
@@ -47,6 +48,9 @@ public:
     [[nodiscard]] PDFDocument* document() const { return m_document; }
 
     [[nodiscard]] const PDFPageContent& content() const { return m_content; }
+
+    /// What its file calls the page: "iv", "12", "A-3". Empty where the file gives its pages no labels.
+    [[nodiscard]] QString label() const;
 
     /// In page coordinates, not turned. A file without a sensible box gets US Letter (612 by 792).
     [[nodiscard]] QRectF bounds(PDFDisplayBox box) const;

@@ -3,6 +3,7 @@
 #include "EngineBudget.h"
 #include "EngineCopy.h"
 #include "PDFError.h"
+#include "PageLabelReader.h"
 #include "PageText.h"
 #include "SourceEngine.h"
 #include "TextReader.h"
@@ -63,6 +64,11 @@ int PDFSource::pageObjectNumber(int pageNumber) const {
 std::optional<int> PDFSource::pageNumberOfObject(int objectNumber) const {
     const int number = m_engine->pageNumberOfObject(objectNumber);
     return number < 0 ? std::nullopt : std::optional(number);
+}
+
+const PageLabels& PDFSource::pageLabels() const {
+    std::call_once(m_labelsRead, [this] { m_labels = PageLabelReader::read(*m_engine); });
+    return m_labels;
 }
 
 std::shared_ptr<const PageText> PDFSource::text(int pageNumber, const std::stop_token& stop) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PDFPageGeometry.h"
+#include "PageLabels.h"
 
 #include <QByteArray>
 #include <QString>
@@ -45,6 +46,8 @@ public:
     [[nodiscard]] int pageObjectNumber(int pageNumber) const;
     /// The zero-based page whose object has that number, or none.
     [[nodiscard]] std::optional<int> pageNumberOfObject(int objectNumber) const;
+    /// What the file calls its pages, which aren't looked at for it. Read on first use; not while a password is needed.
+    [[nodiscard]] const PageLabels& pageLabels() const;
     /// Never null; empty for a page that can't be read. The last pages asked for are kept. A page that asks for more
     /// work than takes some seconds has the text that was read by then. Once `stop` is requested the text may lack
     /// anything, and isn't kept.
@@ -68,6 +71,8 @@ private:
     const QByteArray m_bytes;
     std::unique_ptr<SourceEngine> m_engine;
     bool m_encrypted = false;
+    mutable std::once_flag m_labelsRead;
+    mutable PageLabels m_labels;
     mutable std::mutex m_cacheMutex;
     mutable std::vector<std::pair<int, std::shared_ptr<const PageText>>> m_recentText; // most recent last
 };

@@ -12,6 +12,7 @@
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PageAnnotations.h"
+#include "PageLabelWriter.h"
 #include "PageMover.h"
 #include "PdfValues.h"
 #include "SignatureTerms.h"
@@ -124,6 +125,7 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     }
     if (contents.outlineChanged)
         OutlineWriter::write(contents.outline.get(), objects, lookup);
+    PageLabelWriter::write(contents, objects);
     InformationWriter::write(contents, objects);
     recorder.finish();
 

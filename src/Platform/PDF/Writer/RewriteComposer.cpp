@@ -14,6 +14,7 @@
 #include "PDFSource.h"
 #include "PageAnnotations.h"
 #include "PageImporter.h"
+#include "PageLabelWriter.h"
 #include "PageMover.h"
 #include "PageTree.h"
 #include "Pruner.h"
@@ -124,6 +125,7 @@ void Rewriting::compose(QIODevice& device) {
     writePages(annotations);
     if (m_contents.outlineChanged)
         OutlineWriter::write(m_contents.outline.get(), *m_objects, lookup);
+    PageLabelWriter::write(m_contents, *m_objects);
     InformationWriter::write(m_contents, *m_objects);
     recorder.finish();
     for (SourceFiles::Foreign* file : m_files->opened())
