@@ -96,3 +96,4 @@ if [ -x "$scroll" ]; then
 fi
 QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$build/bench/PDFView/annotate_bench" 2>/dev/null
 "$build/bench/AI/search_bench" "$file" 2>/dev/null
+QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$build/bench/Views/sidebar_bench" "$file" 2>/dev/null

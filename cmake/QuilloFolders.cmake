@@ -33,6 +33,7 @@ set(QUILLO_FOLDERS
     Views/Toolbar
     Views/Signatures
     Views/Sheets
+    Views/Sidebar
     Views/Landing
     Views/Settings
     Views/Workspace

@@ -5,6 +5,7 @@
 #include "PDFAnnotation.h"
 #include "PDFEditorWorkspaceView.h"
 #include "PDFFormField.h"
+#include "PageMimeData.h"
 #include "ToolState.h"
 
 #include <QCloseEvent>
@@ -344,4 +345,38 @@ TEST_F(DocumentWindowTest, aFileDroppedOnTheWindowOpensInATab) {
     QCoreApplication::sendEvent(window(), &drop);
     settle();
     EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("a.pdf"), QStringLiteral("dropped.pdf")}));
+}
+
+TEST_F(DocumentWindowTest, pagesDraggedOntoAnotherDocumentAreCopiedToItsEnd) {
+    launch({file(QStringLiteral("a.pdf"), {.pageCount = 3}), file(QStringLiteral("b.pdf"), {.pageCount = 2}),
+            file(QStringLiteral("locked.pdf"), {.password = "secret"})});
+    const auto send = [](QWidget* target, QPoint at, QMimeData& data) {
+        QDragEnterEvent enter(at, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(target, &enter);
+        QDropEvent drop(at, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        if (enter.isAccepted())
+            QApplication::sendEvent(target, &drop);
+        return enter.isAccepted() && drop.isAccepted();
+    };
+    PageMimeData pages(document(0), {0, 2}, 2);
+    send(tabs(), tabs()->tabRect(1).center(), pages);
+    EXPECT_EQ(document(1)->pdfDocument()->pageCount(), 4);
+    EXPECT_EQ(document(1)->pdfDocument()->page(3)->string().trimmed(), QStringLiteral("Page 3"));
+    settle();
+    document(1)->undoManager()->undo();
+    EXPECT_EQ(document(1)->pdfDocument()->pageCount(), 2);
+    // Held over a tab, it comes to the front; the pages there take them too.
+    QDragEnterEvent hover(tabs()->tabRect(1).center(), Qt::CopyAction, &pages, Qt::LeftButton, {});
+    QApplication::sendEvent(tabs(), &hover);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return current() == document(1); }));
+    EXPECT_TRUE(send(window(), window()->rect().center(), pages));
+    EXPECT_EQ(document(1)->pdfDocument()->pageCount(), 4);
+    // Neither their own document nor one that is locked takes them.
+    send(tabs(), tabs()->tabRect(0).center(), pages);
+    send(tabs(), tabs()->tabRect(2).center(), pages);
+    window()->setCurrent(window()->contentViews().front());
+    EXPECT_FALSE(send(window(), window()->rect().center(), pages));
+    EXPECT_FALSE(document(0)->isDocumentEdited());
+    EXPECT_FALSE(document(2)->isDocumentEdited());
+    m_dialogs->saveAnswers = {SaveAnswer::DontSave};
 }

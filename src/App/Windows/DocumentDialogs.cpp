@@ -3,18 +3,14 @@
 #include "DialogRun.h"
 #include "PasswordPrompt.h"
 #include "PlainMessage.h"
-#include "SymbolIcon.h"
+#include "SavePanel.h"
 
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 
 #include <algorithm>
 #include <array>
-
-static constexpr int symbolSide = 44;
 
 static QString warningSymbol() {
     return QStringLiteral("exclamationmark.triangle");
@@ -26,9 +22,7 @@ static QString infoSymbol() {
 
 static void setContent(QMessageBox& box, const QString& symbolName, const QString& text,
                        const QString& informativeText) {
-    box.setWindowTitle(QStringLiteral("Quillo"));
-    box.setIconPixmap(
-        SymbolIcon::pixmap(symbolName, symbolSide, box.palette().color(QPalette::WindowText), box.devicePixelRatioF()));
+    PlainMessage::setSymbol(box, symbolName);
     PlainMessage::setText(box, text, informativeText);
 }
 
@@ -167,37 +161,8 @@ bool DocumentDialogs::offerSaveAs(QWidget* parent, const QString& title, const Q
                0) == 0;
 }
 
-/// Asks whether the file at `path` may be replaced, if there is one.
-static bool mayBeWritten(QWidget* parent, const QString& path) {
-    return !QFileInfo::exists(path) ||
-           ask(parent, QStringLiteral("replaceQuestion"), warningSymbol(),
-               QStringLiteral("“%1” already exists. Do you want to replace it?").arg(QFileInfo(path).fileName()),
-               QStringLiteral("Replacing it overwrites what it holds."),
-               {{QStringLiteral("Replace"), QMessageBox::DestructiveRole},
-                {QStringLiteral("Cancel"), QMessageBox::RejectRole}},
-               1) == 0;
-}
-
 std::optional<QString> DocumentDialogs::chooseSaveLocation(QWidget* parent, const QString& suggestedPath) {
-    const QPointer<QWidget> window(parent);
-    QString path = suggestedPath;
-    do {
-        if (parent && !window)
-            return std::nullopt; // it went while the question was asked
-        auto* dialog = new QFileDialog(parent, QStringLiteral("Save As"));
-        dialog->setObjectName(QStringLiteral("savePanel"));
-        dialog->setAcceptMode(QFileDialog::AcceptSave);
-        dialog->setNameFilter(QStringLiteral("PDF files (*.pdf)"));
-        dialog->setDefaultSuffix(QStringLiteral("pdf"));
-        // The desktop's dialog asks before the suffix is added, about another file.
-        dialog->setOption(QFileDialog::DontConfirmOverwrite);
-        dialog->selectFile(path);
-        const DialogRun run(dialog);
-        if (!run.isAccepted() || dialog->selectedFiles().isEmpty())
-            return std::nullopt;
-        path = dialog->selectedFiles().constFirst();
-    } while (!mayBeWritten(parent, path));
-    return path;
+    return SavePanel::choose(parent, suggestedPath);
 }
 
 std::optional<QString> DocumentDialogs::askPassword(QWidget* parent) {

@@ -1,10 +1,12 @@
 #include "DocumentTabBar.h"
 
+#include "PageMimeData.h"
 #include "Palette.h"
 #include "PlainText.h"
 #include "SymbolIcon.h"
 
 #include <QAction>
+#include <QDropEvent>
 #include <QHBoxLayout>
 #include <QMouseEvent>
 #include <QPainter>
@@ -12,6 +14,8 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <chrono>
+#include <utility>
 
 static constexpr int closeSymbolSide = 12;
 static constexpr int markHeight = 3;
@@ -57,7 +61,11 @@ DocumentTabBar::DocumentTabBar(QAction* newTab, QWidget* parent) : QWidget(paren
     m_tabs->setMovable(true);
     m_tabs->setElideMode(Qt::ElideMiddle);
     m_tabs->setUsesScrollButtons(true);
+    m_tabs->setAcceptDrops(true);
     m_tabs->installEventFilter(this);
+    m_hoverTimer.setSingleShot(true);
+    m_hoverTimer.setInterval(std::chrono::milliseconds(600));
+    connect(&m_hoverTimer, &QTimer::timeout, this, [this] { m_tabs->setCurrentIndex(m_hoveredTab); });
     m_tabs->setContextMenuPolicy(Qt::CustomContextMenu);
 
     auto* newTabButton = new QToolButton(this);
@@ -159,7 +167,43 @@ void DocumentTabBar::requestMenu(QPoint position) {
         Q_EMIT menuRequested(asked, m_tabs->mapToGlobal(position));
 }
 
+/// True when pages are dragged. What else is dragged is the window's.
+bool DocumentTabBar::handleDrag(QEvent* event) {
+    if (event->type() == QEvent::DragLeave) {
+        m_hoverTimer.stop();
+        m_hoveredTab = -1;
+        return false;
+    }
+    auto* drop = static_cast<QDropEvent*>(event); // entering and moving are kinds of it
+    const PageMimeData* pages = PageMimeData::from(drop->mimeData());
+    if (!pages) {
+        event->ignore(); // the tabs themselves have no use for it
+        return true;
+    }
+    const int tab = m_tabs->tabAt(drop->position().toPoint());
+    if (std::exchange(m_hoveredTab, tab) != tab || !m_hoverTimer.isActive())
+        m_hoverTimer.start();
+    if (tab < 0 || event->type() == QEvent::Drop)
+        m_hoverTimer.stop();
+    drop->setDropAction(Qt::CopyAction);
+    drop->setAccepted(tab >= 0);
+    if (event->type() == QEvent::Drop && tab >= 0)
+        Q_EMIT pagesDropped(content(tab), *pages);
+    return true;
+}
+
 bool DocumentTabBar::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::DragLeave:
+    case QEvent::Drop:
+        if (watched == m_tabs)
+            return handleDrag(event);
+        break;
+    default:
+        break;
+    }
     if (watched == m_tabs && event->type() == QEvent::MouseButtonRelease) {
         const auto* mouse = static_cast<QMouseEvent*>(event);
         const int tab = m_tabs->tabAt(mouse->position().toPoint());

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QPoint>
+#include <QTimer>
 #include <QWidget>
 
+class PageMimeData;
 class QAction;
 class QTabBar;
 
@@ -37,6 +40,8 @@ Q_SIGNALS:
     void closeRequested(QWidget* content);
     /// The user asks for the menu of a tab, with the mouse or the keyboard.
     void menuRequested(QWidget* content, QPoint globalPosition);
+    /// Pages of a document were dropped on a tab. While they hover over it, it comes to the front.
+    void pagesDropped(QWidget* content, const PageMimeData& pages);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -44,8 +49,11 @@ protected:
 private:
     QWidget* makeCloseButton(QWidget* content);
     void requestMenu(QPoint position);
+    [[nodiscard]] bool handleDrag(QEvent* event);
     [[nodiscard]] int index(const QWidget* content) const;
 
     QTabBar* m_tabs;
     bool m_shown = true;
+    QTimer m_hoverTimer; ///< of a drag over a tab
+    int m_hoveredTab = -1;
 };

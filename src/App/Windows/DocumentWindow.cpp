@@ -9,8 +9,11 @@
 #include "FileOpenRouter.h"
 #include "FullScreenChrome.h"
 #include "MainMenu.h"
+#include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFEditorWorkspaceView.h"
+#include "PageMimeData.h"
+#include "PageOperations.h"
 #include "PassingNotice.h"
 #include "Shortcuts.h"
 #include "SlowSaves.h"
@@ -75,6 +78,9 @@ DocumentWindow::DocumentWindow(WindowServices& services)
     connect(m_tabBar, &DocumentTabBar::currentChanged, this, &DocumentWindow::currentTabChanged);
     connect(m_tabBar, &DocumentTabBar::closeRequested, this, &DocumentWindow::closeTab);
     connect(m_tabBar, &DocumentTabBar::menuRequested, this, &DocumentWindow::showTabMenu);
+    connect(m_tabBar, &DocumentTabBar::pagesDropped, this, [this](QWidget* content, const PageMimeData& pages) {
+        takePages(qobject_cast<ContentView*>(content), pages);
+    });
     connect(m_slowSaves, &SlowSaves::changed, this, [this](const std::shared_ptr<Document>& document) {
         if (ContentView* view = contentView(*document))
             updateTab(view);
@@ -309,12 +315,44 @@ void DocumentWindow::changeEvent(QEvent* event) {
     }
 }
 
+std::shared_ptr<PDFEditorDocument> DocumentWindow::receiver(const ContentView* view, const PageMimeData* pages) {
+    const bool canReceive =
+        view && pages && !pages->isOf(*view->document()) && !view->document()->pdfDocument()->isLocked();
+    return canReceive ? view->document() : nullptr;
+}
+
+/// Copies them to the end of the document.
+void DocumentWindow::takePages(const ContentView* view, const PageMimeData& pages) {
+    const std::shared_ptr<PDFEditorDocument> document = receiver(view, &pages);
+    const std::shared_ptr<PDFDocument> copies = document ? pages.copies() : nullptr;
+    if (!copies)
+        return;
+    document->commitEditing();
+    PageOperations::merge(*document, *copies, document->pdfDocument()->pageCount(), document->undoManager().get());
+    const int count = copies->pageCount();
+    if (const ContentView* shown = currentContentView(); shown->workspace())
+        shown->workspace()->notice().announce(
+            (count == 1 ? QStringLiteral("1 page added to ") : QStringLiteral("%1 pages added to ").arg(count)) +
+            document->displayName());
+}
+
 void DocumentWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (receiver(currentContentView(), PageMimeData::from(event->mimeData()))) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+        return;
+    }
     if (FileOpenRouter::droppedFile(*event->mimeData()))
         event->acceptProposedAction();
 }
 
 void DocumentWindow::dropEvent(QDropEvent* event) {
+    if (const PageMimeData* pages = PageMimeData::from(event->mimeData())) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+        takePages(currentContentView(), *pages);
+        return;
+    }
     const auto dropped = FileOpenRouter::droppedFile(*event->mimeData());
     const auto kept = dropped ? DroppedFile::keep(*dropped) : std::nullopt;
     if (!kept)

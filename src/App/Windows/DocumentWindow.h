@@ -14,6 +14,7 @@ class DocumentDialogs;
 class DocumentTabBar;
 class FullScreenChrome;
 class MainMenu;
+class PageMimeData;
 class PDFEditorDocument;
 class QStackedWidget;
 class SlowSaves;
@@ -68,6 +69,10 @@ private:
     [[nodiscard]] int chromeHeight() const;
     void addTabSwitching();
     void closeTab(QWidget* content);
+    /// The document that pages which are dragged can be copied into; null when it is theirs, or locked.
+    [[nodiscard]] static std::shared_ptr<PDFEditorDocument> receiver(const ContentView* view,
+                                                                     const PageMimeData* pages);
+    void takePages(const ContentView* view, const PageMimeData& pages);
     void showTabMenu(QWidget* content, QPoint globalPosition);
     void announceSaving(const Document& document, bool isSaving);
     void currentTabChanged();

@@ -150,7 +150,7 @@ void MainMenu::fillWorkspaceMenus() {
     m_viewMenu->addActions(m_workspace->scales());
     fill(m_viewMenu, {Command::zoomToFit});
     m_viewMenu->addSeparator();
-    fill(m_viewMenu, {Command::askAssistant});
+    fill(m_viewMenu, {Command::toggleSidebar, Command::askAssistant});
     m_viewMenu->addSeparator();
     m_viewMenu->addAction(m_fullScreen);
 

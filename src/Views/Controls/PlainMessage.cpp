@@ -1,8 +1,12 @@
 #include "PlainMessage.h"
 
+#include "SymbolIcon.h"
+
 #include <QLabel>
 #include <QList>
 #include <QMessageBox>
+
+static constexpr int symbolSide = 44;
 
 void PlainMessage::setText(QMessageBox& box, const QString& text, const QString& informativeText) {
     box.setTextFormat(Qt::PlainText);
@@ -11,4 +15,10 @@ void PlainMessage::setText(QMessageBox& box, const QString& text, const QString&
     const QList<QLabel*> labels = box.findChildren<QLabel*>();
     for (QLabel* label : labels) // that of the informative text doesn't follow the box's format
         label->setTextFormat(Qt::PlainText);
+}
+
+void PlainMessage::setSymbol(QMessageBox& box, const QString& symbolName) {
+    box.setWindowTitle(QStringLiteral("Quillo"));
+    box.setIconPixmap(
+        SymbolIcon::pixmap(symbolName, symbolSide, box.palette().color(QPalette::WindowText), box.devicePixelRatioF()));
 }

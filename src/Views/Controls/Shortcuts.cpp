@@ -41,6 +41,7 @@ Table makeTable() {
         {QStringLiteral("forward"), {Qt::ALT | Qt::Key_Right}},
         {QStringLiteral("nextPane"), {Qt::Key_F6}},
         {QStringLiteral("previousPane"), {Qt::SHIFT | Qt::Key_F6}},
+        {QStringLiteral("toggleSidebar"), {Qt::CTRL | Qt::ALT | Qt::Key_S}},
         {QStringLiteral("askAssistant"), {Qt::CTRL | Qt::Key_K}},
     };
     // The letters of tools and marks stand with them.

@@ -29,8 +29,8 @@ struct Row {
 };
 
 /// Every command once, in the order of the enumeration.
-const std::array<Row, 13>& rows() {
-    static const std::array<Row, 13> table = {{
+const std::array<Row, 14>& rows() {
+    static const std::array<Row, 14> table = {{
         {Command::copy, QStringLiteral("copy"), QStringLiteral("&Copy"), {}, PDFViewCommand::copy},
         {Command::selectAll, QStringLiteral("selectAll"), QStringLiteral("Select &All"), {}, PDFViewCommand::selectAll},
         {Command::zoomIn,
@@ -61,6 +61,11 @@ const std::array<Row, 13>& rows() {
         {Command::back, QStringLiteral("back"), QStringLiteral("&Back"), {}, PDFViewCommand::goBack},
         {Command::forward, QStringLiteral("forward"), QStringLiteral("&Forward"), {}, PDFViewCommand::goForward},
         {Command::print, QStringLiteral("print"), QStringLiteral("&Print…"), {}, {}},
+        {Command::toggleSidebar,
+         QStringLiteral("toggleSidebar"),
+         QStringLiteral("Page &Sidebar"),
+         QStringLiteral("sidebar.left"),
+         {}},
         {Command::askAssistant, QStringLiteral("askAssistant"), QStringLiteral("&Ask"), QStringLiteral("sparkles"), {}},
     }};
     return table;
@@ -92,6 +97,9 @@ WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<Tool
     QAction* ask = action(Command::askAssistant);
     ask->setCheckable(true);
     ask->setToolTip(QStringLiteral("Ask the AI assistant about this PDF (%1)").arg(Shortcuts::text(ask->objectName())));
+    QAction* sidebar = action(Command::toggleSidebar);
+    sidebar->setCheckable(true);
+    sidebar->setToolTip(QStringLiteral("Toggle Page Sidebar (%1)").arg(Shortcuts::text(sidebar->objectName())));
     action(Command::zoomToFit)->setCheckable(true);
     addScales();
     if (!view)

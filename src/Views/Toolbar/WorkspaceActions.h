@@ -30,8 +30,9 @@ public:
         lastPage,
         back,
         forward,
-        print,        ///< the workspace connects it
-        askAssistant, ///< shows the assistant, or hides it; the workspace connects it
+        print,         ///< the workspace connects it
+        toggleSidebar, ///< shows the page sidebar, or hides it; the workspace connects it
+        askAssistant,  ///< shows the assistant, or hides it; the workspace connects it
     };
 
     /// What "Zoom In" and "Zoom Out" add to the scale factor and take from it.
@@ -59,6 +60,6 @@ private:
 
     QPointer<AnnotatingPDFView> m_view;
     ToolActions* m_tools;
-    std::array<QPointer<QAction>, 13> m_actions;
+    std::array<QPointer<QAction>, 14> m_actions;
     QList<QAction*> m_scales; ///< the whole page is the last
 };

@@ -36,7 +36,7 @@ WorkspaceToolbar::WorkspaceToolbar(const WorkspaceActions& actions, std::shared_
     for (const Command command : {Command::zoomOut, Command::zoomToFit, Command::zoomIn})
         zoom->addButton(actions.action(command));
 
-    m_layout->addGroup(makeOpenGroup());
+    m_layout->addGroup(makeOpenGroup(actions));
     m_layout->addGroup(m_toolGroup);
     m_layout->addGroup(markup);
     m_layout->addGroup(options, Placement::beginsHalf);
@@ -51,13 +51,14 @@ QWidget* WorkspaceToolbar::toolButton(AnnotationTool tool) const {
     return m_toolGroup->findChild<ToolbarButton*>(info(tool).rawValue + QStringLiteral("Button"));
 }
 
-ToolbarGroup* WorkspaceToolbar::makeOpenGroup() {
+ToolbarGroup* WorkspaceToolbar::makeOpenGroup(const WorkspaceActions& actions) {
     auto* open = new QAction(SymbolIcon::icon(QStringLiteral("doc.badge.plus")), QStringLiteral("Open"), this);
     open->setObjectName(QStringLiteral("openDocument"));
     open->setToolTip(QStringLiteral("Open a PDF or Word document…"));
     connect(open, &QAction::triggered, this, &WorkspaceToolbar::openRequested);
     auto* group = new ToolbarGroup(QStringLiteral("File"));
     group->addButton(open)->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    group->addButton(actions.action(Command::toggleSidebar));
     return group;
 }
 

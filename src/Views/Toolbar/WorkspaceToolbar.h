@@ -36,7 +36,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    ToolbarGroup* makeOpenGroup();
+    ToolbarGroup* makeOpenGroup(const WorkspaceActions& actions);
     ToolbarGroup* makeRightGroup(const WorkspaceActions& actions);
     ToolbarGroup* makePageGroup(const WorkspaceActions& actions, PDFViewCoordinator& coordinator);
 

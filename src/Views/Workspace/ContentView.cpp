@@ -107,7 +107,7 @@ void ContentView::decideContent() {
         connect(workspace, &PDFEditorWorkspaceView::settingsRequested, this, &ContentView::settingsRequested);
         m_workspaceDocument = pdfDocument;
         if (m_workspace)
-            workspace->takeAssistantOf(*m_workspace);
+            workspace->takePanelsOf(*m_workspace);
         replaceContent(Content::workspace, workspace);
         if (place) {
             // Later, since the viewer has no layout yet.

@@ -18,9 +18,11 @@
 #include "PrintPanel.h"
 #include "Shortcuts.h"
 #include "SignaturePickerView.h"
+#include "ThumbnailSidebar.h"
 #include "ToolActions.h"
 #include "ToolState.h"
 #include "UndoManager.h"
+#include "UserDefaults.h"
 #include "WebLink.h"
 #include "WorkspaceActions.h"
 #include "WorkspaceToolbar.h"
@@ -30,6 +32,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressDialog>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -42,14 +45,23 @@ static constexpr std::chrono::seconds openNoticeTime{6};
 // Of the viewer, in pixels: the assistant leaves that much of a narrow window.
 static constexpr int smallestViewerWidth = 220;
 
+// In pixels, its scroll bar included.
+static constexpr int usualSidebarWidth = 192;
+static constexpr int smallestSidebarWidth = 112;
+static constexpr int largestSidebarWidth = 420;
+
+static QString sidebarWidthKey() {
+    return QStringLiteral("ThumbnailSidebar.width");
+}
+
 PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument> document, const QUrl& fileURL,
                                                std::shared_ptr<ToolState> toolState, UserDefaults& defaults,
                                                QWidget* parent)
     : QWidget(parent), m_document(std::move(document)), m_toolState(std::move(toolState)),
       m_coordinator(new PDFViewCoordinator(defaults, this)), m_defaults(defaults),
-      m_assistantDock(new AssistantDock([this] { return makeAssistantPanel(); })) {
+      m_assistantDock(new AssistantDock([this] { return makeAssistantPanel(); })), m_splitter(new QSplitter) {
     setObjectName(QStringLiteral("workspace"));
-    auto* viewerArea = new QWidget(this);
+    auto* viewerArea = new QWidget(m_splitter);
     PDFKitRepresentedView representation;
     representation.toolState = m_toolState;
     representation.pdfDocument = m_document->pdfDocument();
@@ -63,6 +75,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     m_pdfView->setFrameShape(QFrame::NoFrame);
     m_actions = new WorkspaceActions(m_pdfView, m_toolState, this);
     m_notice = new PassingNotice(viewerArea);
+    m_sidebar = new ThumbnailSidebar(m_document, *m_coordinator);
     m_toolbar = new WorkspaceToolbar(*m_actions, m_toolState, *m_coordinator);
 
     auto* viewerLayout = new QVBoxLayout(viewerArea);
@@ -76,11 +89,12 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     viewerArea->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* content = new QHBoxLayout;
     content->setSpacing(0);
-    content->addWidget(viewerArea, 1);
+    content->addWidget(m_splitter, 1);
     content->addWidget(m_assistantDock);
     layout->addLayout(content, 1);
     m_lineStylePicker = new LineStylePicker(m_toolState, this);
     connectTools();
+    connectSidebar();
     connectAssistant();
     connectPanes();
     setFocusProxy(m_pdfView);
@@ -156,10 +170,63 @@ void PDFEditorWorkspaceView::toggleMarkup(MarkupAction action) {
     m_toolState->setTextEditingModeEnabled(false);
 }
 
+void PDFEditorWorkspaceView::connectSidebar() {
+    m_splitter->setObjectName(QStringLiteral("sidebarSplitter"));
+    m_splitter->setHandleWidth(1);
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->insertWidget(0, m_sidebar);
+    m_splitter->setStretchFactor(0, 0);
+    m_splitter->setStretchFactor(1, 1);
+    m_sidebar->setMinimumWidth(smallestSidebarWidth);
+    m_sidebar->setMaximumWidth(largestSidebarWidth);
+    const QString remembered = m_defaults.stringForKey(sidebarWidthKey()).value_or(QString());
+    const int width = remembered.isEmpty() ? usualSidebarWidth : remembered.toInt();
+    m_splitter->setSizes({std::clamp(width, smallestSidebarWidth, largestSidebarWidth), largestSidebarWidth * 4});
+    m_sidebarRest.setSingleShot(true);
+    m_sidebarRest.setInterval(std::chrono::milliseconds(500));
+    connect(&m_sidebarRest, &QTimer::timeout, this,
+            [this] { m_defaults.setString(sidebarWidthKey(), QString::number(m_sidebar->width())); });
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] {
+        m_sidebarRest.start();
+        shareWidth();
+    });
+    QAction* toggle = m_actions->action(WorkspaceActions::Command::toggleSidebar);
+    toggle->setChecked(true);
+    connect(toggle, &QAction::triggered, this, &PDFEditorWorkspaceView::setShowsSidebar);
+    connect(m_sidebar, &ThumbnailSidebar::announced, m_notice,
+            [this](const QString& sentence) { m_notice->announce(sentence); });
+}
+
+bool PDFEditorWorkspaceView::showsSidebar() const {
+    return !m_sidebar->isHidden();
+}
+
+void PDFEditorWorkspaceView::setShowsSidebar(bool shows) {
+    if (!shows && m_sidebar->isAncestorOf(focusWidget()))
+        m_pdfView->setFocus();
+    m_sidebarGaveWay = false;
+    m_sidebar->setVisible(shows);
+    m_actions->action(WorkspaceActions::Command::toggleSidebar)->setChecked(shows);
+    shareWidth();
+}
+
+/// Leaves the viewer some width, at first at the cost of the sidebar, then of the assistant.
+void PDFEditorWorkspaceView::shareWidth() {
+    const int assistant = showsAssistant() ? static_cast<int>(AssistantDock::minPanelWidth) : 0;
+    const bool isNarrow = width() - smallestViewerWidth - assistant < smallestSidebarWidth;
+    if (std::exchange(m_isNarrow, isNarrow) != isNarrow && (isNarrow ? showsSidebar() : m_sidebarGaveWay)) {
+        setShowsSidebar(!isNarrow);
+        m_sidebarGaveWay = isNarrow;
+    }
+    const int sidebar = showsSidebar() ? m_sidebar->width() + m_splitter->handleWidth() : 0;
+    m_assistantDock->setAvailableWidth(width() - smallestViewerWidth - sidebar);
+}
+
 void PDFEditorWorkspaceView::connectAssistant() {
     QAction* ask = m_actions->action(WorkspaceActions::Command::askAssistant);
     connect(ask, &QAction::triggered, this, [this] { setShowsAssistant(!showsAssistant()); });
     connect(m_assistantDock, &AssistantDock::panelShownChanged, ask, &QAction::setChecked);
+    connect(m_assistantDock, &AssistantDock::panelShownChanged, this, &PDFEditorWorkspaceView::shareWidth);
     connect(m_assistantDock, &AssistantDock::panelShownChanged, this, [this](bool shown) {
         if (!shown && m_assistantDock->isAncestorOf(focusWidget()))
             m_pdfView->setFocus();
@@ -178,13 +245,15 @@ void PDFEditorWorkspaceView::connectPanes() {
     }
 }
 
-/// Gives the keyboard to the next of toolbar (its page field), pages and assistant, as far as they are shown.
+/// Gives the keyboard to the next of sidebar, pages, assistant and toolbar (its page field), as far as they are shown.
 void PDFEditorWorkspaceView::goToPane(int steps) {
     struct Pane {
         QWidget* area;
         QWidget* entry;
     };
     std::vector<Pane> panes{{m_pdfView, m_pdfView}};
+    if (showsSidebar())
+        panes.insert(panes.begin(), {m_sidebar, m_sidebar->focusProxy()});
     if (showsAssistant())
         panes.push_back({m_assistantDock, m_assistantDock->panel()});
     auto* pageField = m_toolbar->findChild<PageField*>();
@@ -202,6 +271,7 @@ void PDFEditorWorkspaceView::goToPane(int steps) {
 AssistantPanel* PDFEditorWorkspaceView::makeAssistantPanel() {
     auto* panel = new AssistantPanel(assistant());
     panel->onClose = [this] { setShowsAssistant(false); };
+    panel->setOnToggleSidebar([this] { setShowsSidebar(!showsSidebar()); });
     connect(panel, &AssistantPanel::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
     return panel;
 }
@@ -216,7 +286,9 @@ AssistantContext PDFEditorWorkspaceView::assistantContext() const {
     return {m_document->pdfDocument(), m_coordinator, m_document->fileURL()};
 }
 
-void PDFEditorWorkspaceView::takeAssistantOf(const PDFEditorWorkspaceView& former) {
+void PDFEditorWorkspaceView::takePanelsOf(const PDFEditorWorkspaceView& former) {
+    setShowsSidebar(former.showsSidebar());
+    m_splitter->setSizes({former.m_sidebar->width(), largestSidebarWidth * 4});
     m_assistant = former.m_assistant;
     if (m_assistant)
         m_assistant->setSource(assistantContext());
@@ -287,7 +359,7 @@ void PDFEditorWorkspaceView::showCopying(int pagesRead, int pageCount) {
 }
 
 void PDFEditorWorkspaceView::resizeEvent(QResizeEvent* event) {
-    m_assistantDock->setAvailableWidth(width() - smallestViewerWidth);
+    shareWidth();
     layout()->activate();
     QWidget::resizeEvent(event);
 }

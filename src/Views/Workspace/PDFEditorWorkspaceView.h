@@ -3,6 +3,7 @@
 #include "AnnotationTool.h"
 #include "MarkupAction.h"
 
+#include <QTimer>
 #include <QUrl>
 #include <QWidget>
 
@@ -17,13 +18,15 @@ class LineStylePicker;
 class PDFEditorDocument;
 class PDFViewCoordinator;
 class PassingNotice;
+class QSplitter;
+class ThumbnailSidebar;
 class ToolState;
 class UserDefaults;
 class WorkspaceActions;
 class WorkspaceToolbar;
 
-/// The editing workspace of a document window: the viewer, the assistant, and a toolbar that drives them. It is built
-/// for one `PDFDocument` object and goes when the document holds another.
+/// The editing workspace of a document window: the page sidebar, the viewer, the assistant, and a toolbar that drives
+/// them. It is built for one `PDFDocument` object and goes when the document holds another.
 class PDFEditorWorkspaceView : public QWidget {
     Q_OBJECT
 
@@ -56,11 +59,17 @@ public:
     /// Puts a prompt into the assistant's input field, and sends it if `send` says so.
     void askAI(const QString& prompt, bool send);
 
+    /// At first shown; it gives way while the window is so narrow that the pages would have no room.
+    [[nodiscard]] bool showsSidebar() const;
+    void setShowsSidebar(bool shows);
+    [[nodiscard]] ThumbnailSidebar& sidebar() const { return *m_sidebar; }
+
     [[nodiscard]] bool showsAssistant() const;
     void setShowsAssistant(bool shows);
-    /// Goes on with the conversation of the workspace of an earlier reading of the same file, and shows its panel,
-    /// as wide as there, if that one did.
-    void takeAssistantOf(const PDFEditorWorkspaceView& former);
+    /// Shows the page sidebar if the workspace of an earlier reading of the same file did, and goes on with the
+    /// conversation of the workspace of an earlier reading of the same file, and shows its panel, as wide as there, if
+    /// that one did.
+    void takePanelsOf(const PDFEditorWorkspaceView& former);
     /// Made when it is first asked for.
     [[nodiscard]] const std::shared_ptr<AssistantViewModel>& assistant();
 
@@ -73,6 +82,7 @@ protected:
 
 private:
     void connectTools();
+    void connectSidebar();
     void connectAssistant();
     void connectPanes();
     void goToPane(int steps);
@@ -81,6 +91,7 @@ private:
     void openNewDocument();
     void print();
     void showCopying(int pagesRead, int pageCount);
+    void shareWidth();
 
     std::shared_ptr<PDFEditorDocument> m_document;
     std::shared_ptr<ToolState> m_toolState;
@@ -93,4 +104,9 @@ private:
     UserDefaults& m_defaults;
     std::shared_ptr<AssistantViewModel> m_assistant;
     AssistantDock* m_assistantDock;
+    QSplitter* m_splitter;
+    ThumbnailSidebar* m_sidebar;
+    bool m_sidebarGaveWay = false; ///< it comes back with the room
+    bool m_isNarrow = false;
+    QTimer m_sidebarRest; ///< runs out when the sidebar's width has rested for a moment
 };

@@ -1,5 +1,6 @@
 #include "PageOperations.h"
 
+#include "FrozenCopies.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
@@ -9,6 +10,8 @@
 #include "UndoManager.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -117,4 +120,15 @@ TEST(PageOperations, newDocumentsAreMadeOfCopies) {
     EXPECT_EQ(PageOperations::mergeFiles({})->pageCount(), 0);
     EXPECT_EQ(letters(*first), QStringLiteral("abcd"));
     EXPECT_NE(extracted->page(0), first->page(1));
+
+    // Files are written when all of them are complete, or none.
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("copy.pdf"));
+    FrozenCopies copies;
+    copies.add(*merged, path);
+    merged->removePage(0);
+    EXPECT_FALSE(copies.write([] { return false; }));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+    EXPECT_TRUE(copies.write([] { return true; }));
+    EXPECT_EQ(letters(*PDFDocument::fromFile(path)), QStringLiteral("xyabcdxy"));
 }

@@ -127,7 +127,9 @@ TEST_F(WorkspaceTest, panesAreReachedByAKey) {
     };
     EXPECT_TRUE(m_workspace->findChild<QWidget*>(QStringLiteral("assistantPanel"))->isAncestorOf(press({})));
     EXPECT_EQ(press({}), pageField);
+    EXPECT_EQ(press({})->objectName(), QStringLiteral("thumbnails"));
     EXPECT_EQ(press({}), m_view);
+    press(Qt::ShiftModifier);
     EXPECT_EQ(press(Qt::ShiftModifier), pageField);
 }
 
