@@ -6,6 +6,9 @@
 #include "PDFEditorWorkspaceView.h"
 #include "PDFFormField.h"
 #include "PageMimeData.h"
+#include "ThumbnailList.h"
+#include "ThumbnailModel.h"
+#include "ThumbnailSidebar.h"
 #include "ToolState.h"
 
 #include <QCloseEvent>
@@ -379,4 +382,21 @@ TEST_F(DocumentWindowTest, pagesDraggedOntoAnotherDocumentAreCopiedToItsEnd) {
     EXPECT_FALSE(document(0)->isDocumentEdited());
     EXPECT_FALSE(document(2)->isDocumentEdited());
     m_dialogs->saveAnswers = {SaveAnswer::DontSave};
+}
+
+TEST_F(DocumentWindowTest, withoutItsLastPageADocumentIsAnEmptyOneUntilThatIsUndone) {
+    launch({file(QStringLiteral("a.pdf"), {.pageCount = 2})});
+    command(QStringLiteral("toggleSidebar"))->trigger();
+    EXPECT_FALSE(window()->currentContentView()->workspace()->showsSidebar());
+    EXPECT_FALSE(command(QStringLiteral("toggleSidebar"))->isChecked());
+    command(QStringLiteral("toggleSidebar"))->trigger();
+    window()->currentContentView()->workspace()->sidebar().deletePages({0, 1});
+    settle();
+    EXPECT_FALSE(window()->currentContentView()->workspace());
+    EXPECT_FALSE(command(QStringLiteral("toggleSidebar"))->isEnabled());
+    command(QStringLiteral("undo"))->trigger();
+    settle();
+    ASSERT_TRUE(window()->currentContentView()->workspace());
+    EXPECT_EQ(window()->currentContentView()->workspace()->sidebar().list().model().rowCount(), 2);
+    EXPECT_FALSE(current()->isDocumentEdited());
 }
