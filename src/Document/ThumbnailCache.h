@@ -11,7 +11,7 @@ class PDFDocument;
 namespace ThumbnailCache {
 
 inline constexpr int maximumCount = 300;
-inline constexpr qint64 maximumByteCount = qint64(48) * 1024 * 1024;
+inline constexpr qint64 maximumByteCount = qint64(40) * 1024 * 1024;
 
 /// The key of a page's thumbnail: a number that no other document of this process has or had, "-", and the zero-based
 /// page index. A document's thumbnails go with it.

@@ -50,6 +50,11 @@ public:
     /// Where a drag that is over the list would land; none otherwise.
     [[nodiscard]] std::optional<int> landingGap() const { return m_landingGap; }
 
+    /// What the list does with a drag at `position`, in its viewport or beside it; for what stands above and below.
+    void takeDrag(QDropEvent& event, QPoint position);
+    void takeDrop(QDropEvent& event, QPoint position);
+    void forgetDrag();
+
     /// Takes what was dropped into a gap; false when it has no use for it.
     std::function<bool(const QMimeData& dragged, int gap)> onDrop;
 

@@ -87,35 +87,45 @@ void ThumbnailList::setLandingGap(std::optional<int> gap) {
     viewport()->update();
 }
 
+void ThumbnailList::takeDrag(QDropEvent& event, QPoint position) {
+    if (!understands(*event.mimeData())) {
+        event.ignore(); // the window may know what to do with it
+        return;
+    }
+    m_dragPosition = {position.x(), std::clamp(position.y(), 0, viewport()->height() - 1)};
+    setLandingGap(gapAt(m_dragPosition));
+    m_edgeTimer.start();
+    const PageMimeData* pages = PageMimeData::from(event.mimeData());
+    event.setDropAction(pages && pages->isOf(*m_document) ? Qt::MoveAction : Qt::CopyAction);
+    event.accept();
+}
+
+void ThumbnailList::forgetDrag() {
+    m_edgeTimer.stop();
+    setLandingGap({});
+}
+
+void ThumbnailList::takeDrop(QDropEvent& event, QPoint position) {
+    takeDrag(event, position);
+    const auto gap = m_landingGap;
+    forgetDrag();
+    event.setAccepted(gap && onDrop && onDrop(*event.mimeData(), *gap));
+}
+
 void ThumbnailList::dragEnterEvent(QDragEnterEvent* event) {
-    if (understands(*event->mimeData()))
-        dragMoveEvent(event);
-    else
-        event->ignore(); // the window may know what to do with it
+    takeDrag(*event, event->position().toPoint());
 }
 
 void ThumbnailList::dragMoveEvent(QDragMoveEvent* event) {
-    if (!understands(*event->mimeData())) {
-        event->ignore();
-        return;
-    }
-    m_dragPosition = event->position().toPoint();
-    setLandingGap(gapAt(m_dragPosition));
-    m_edgeTimer.start();
-    const PageMimeData* pages = PageMimeData::from(event->mimeData());
-    event->setDropAction(pages && pages->isOf(*m_document) ? Qt::MoveAction : Qt::CopyAction);
-    event->accept();
+    takeDrag(*event, event->position().toPoint());
 }
 
 void ThumbnailList::dragLeaveEvent(QDragLeaveEvent*) {
-    m_edgeTimer.stop();
-    setLandingGap({});
+    forgetDrag();
 }
 
 void ThumbnailList::dropEvent(QDropEvent* event) {
-    m_edgeTimer.stop();
-    setLandingGap({});
-    event->setAccepted(onDrop && onDrop(*event->mimeData(), gapAt(event->position().toPoint())));
+    takeDrop(*event, event->position().toPoint());
 }
 
 void ThumbnailList::scrollAtEdge() {

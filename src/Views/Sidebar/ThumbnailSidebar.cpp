@@ -13,6 +13,7 @@
 #include "ToolbarButton.h"
 
 #include <QAction>
+#include <QDropEvent>
 #include <QHBoxLayout>
 #include <QItemSelectionModel>
 #include <QLabel>
@@ -43,6 +44,7 @@ ThumbnailSidebar::ThumbnailSidebar(std::shared_ptr<PDFEditorDocument> document, 
     layout->addWidget(m_list, 1);
     layout->addWidget(makeSelectionBar());
     setFocusProxy(m_list);
+    setAcceptDrops(true);
 
     connect(m_list, &ThumbnailList::tapped, this, &ThumbnailSidebar::handleTap);
     connect(m_list, &ThumbnailList::menuRequested, this, &ThumbnailSidebar::showMenu);
@@ -138,6 +140,8 @@ PageIndices ThumbnailSidebar::selection() const {
 
 void ThumbnailSidebar::updateSelectionBar() {
     const PageIndices selected = selection();
+    if (selected.empty() && m_selectionBar->isAncestorOf(focusWidget()))
+        m_list->setFocus(); // before its button is gone
     m_selectionBar->setVisible(!selected.empty());
     m_selectionCount->setText(QStringLiteral("%1 selected").arg(selected.size()));
 }
@@ -167,6 +171,26 @@ void ThumbnailSidebar::followPages() {
     updateSelectionBar();
     m_coordinator.updatePageIndicator();
     m_list->setCurrentPage(m_coordinator.currentPageIndex());
+}
+
+QPoint ThumbnailSidebar::placeInList(const QDropEvent& event) const {
+    return m_list->viewport()->mapFrom(this, event.position().toPoint());
+}
+
+void ThumbnailSidebar::dragEnterEvent(QDragEnterEvent* event) {
+    m_list->takeDrag(*event, placeInList(*event));
+}
+
+void ThumbnailSidebar::dragMoveEvent(QDragMoveEvent* event) {
+    m_list->takeDrag(*event, placeInList(*event));
+}
+
+void ThumbnailSidebar::dragLeaveEvent(QDragLeaveEvent*) {
+    m_list->forgetDrag();
+}
+
+void ThumbnailSidebar::dropEvent(QDropEvent* event) {
+    m_list->takeDrop(*event, placeInList(*event));
 }
 
 void ThumbnailSidebar::showMenu(int row, QPoint globalPosition) {

@@ -67,6 +67,13 @@ Q_SIGNALS:
     /// A sentence of what has been done.
     void announced(const QString& sentence);
 
+protected:
+    // Above and below the list a drag scrolls it as at its edges.
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
 private:
     using Documents = std::vector<std::shared_ptr<PDFDocument>>;
 
@@ -77,6 +84,7 @@ private:
     void updateSelectionBar();
     void followPages();
     void goToPage(int row);
+    [[nodiscard]] QPoint placeInList(const QDropEvent& event) const;
 
     /// Reads the files and asks for the passwords that they need; `read` gets them in order, unless one of them fails.
     void readFiles(const QList<QUrl>& urls, std::function<void(const Documents& documents)> read);
