@@ -21,6 +21,9 @@ using namespace std::chrono_literals;
 // Above and below of what is in sight, drawn when that has been.
 static constexpr int rowsAhead = 6;
 
+// A reader who scrolls through the document wants its pages drawn; the thumbnails that go along come when he rests.
+static constexpr auto viewerRest = 150ms;
+
 ThumbnailList::ThumbnailList(std::shared_ptr<PDFEditorDocument> document, QWidget* parent)
     : QListView(parent), m_document(std::move(document)),
       m_loader(new ThumbnailLoader(m_document->pdfDocument(), this)),
@@ -47,7 +50,6 @@ ThumbnailList::ThumbnailList(std::shared_ptr<PDFEditorDocument> document, QWidge
     setFocusedRow(0);
 
     m_pictureTimer.setSingleShot(true);
-    m_pictureTimer.setInterval(0ms);
     connect(&m_pictureTimer, &QTimer::timeout, this, &ThumbnailList::askForPictures);
     m_editTimer.setSingleShot(true);
     m_editTimer.setInterval(200ms);
@@ -60,7 +62,7 @@ ThumbnailList::ThumbnailList(std::shared_ptr<PDFEditorDocument> document, QWidge
         m_landingGap.reset();
         if (!currentIndex().isValid())
             setFocusedRow(0);
-        m_pictureTimer.start();
+        m_pictureTimer.start(0ms);
     });
     connect(m_loader, &ThumbnailLoader::drawn, this, [this](int row) {
         const int formerHeight = rowHeight();
@@ -84,8 +86,10 @@ void ThumbnailList::setCurrentPage(std::optional<int> row) {
     if (row == m_model->currentRow())
         return;
     m_model->setCurrentRow(row);
+    m_isFollowing = true;
     if (row)
         scrollTo(m_model->index(*row), QAbstractItemView::EnsureVisible);
+    m_isFollowing = false;
 }
 
 void ThumbnailList::setFocusedRow(int row) {
@@ -147,31 +151,31 @@ void ThumbnailList::layOutFrom(int formerRowHeight) {
     const double place = verticalOffset() / static_cast<double>(formerRowHeight);
     doItemsLayout();
     verticalScrollBar()->setValue(static_cast<int>(std::lround(place * rowHeight())));
-    m_pictureTimer.start();
+    m_pictureTimer.start(0ms);
 }
 
 void ThumbnailList::resizeEvent(QResizeEvent* event) {
     QListView::resizeEvent(event);
     if (event->oldSize().width() > 0 && event->size().width() != event->oldSize().width())
         layOutFrom(m_cell->height(event->oldSize().width()));
-    m_pictureTimer.start();
+    m_pictureTimer.start(0ms);
 }
 
 void ThumbnailList::showEvent(QShowEvent* event) {
     QListView::showEvent(event);
     if (const auto row = m_model->currentRow())
         scrollTo(m_model->index(*row), QAbstractItemView::EnsureVisible);
-    m_pictureTimer.start();
+    m_pictureTimer.start(0ms);
 }
 
 void ThumbnailList::hideEvent(QHideEvent* event) {
     QListView::hideEvent(event);
-    m_pictureTimer.start();
+    m_pictureTimer.start(0ms);
 }
 
 void ThumbnailList::scrollContentsBy(int dx, int dy) {
     QListView::scrollContentsBy(dx, dy);
-    m_pictureTimer.start();
+    m_pictureTimer.start(m_isFollowing ? viewerRest : 0ms);
 }
 
 void ThumbnailList::paintEvent(QPaintEvent* event) {

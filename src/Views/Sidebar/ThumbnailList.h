@@ -105,8 +105,9 @@ private:
     ThumbnailLoader* m_loader;
     ThumbnailModel* m_model;
     ThumbnailCell* m_cell;
-    QTimer m_pictureTimer; ///< runs out at the end of a turn in which the list scrolled or changed
-    QTimer m_editTimer;    ///< of a page; drawing on it changes it many times a second
+    QTimer m_pictureTimer;      ///< runs out at the end of a turn in which the list scrolled or changed
+    bool m_isFollowing = false; ///< the viewer
+    QTimer m_editTimer;         ///< of a page; drawing on it changes it many times a second
     std::optional<int> m_pressedRow;
     QPoint m_pressPosition;
     int m_anchorRow = 0; ///< where a selection with Shift and the keyboard began
