@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QThread>
@@ -160,7 +161,7 @@ TEST_F(PageFilesTest, longWorkShowsItsProgressAndLeavesNothingWhenItIsCancelled)
             return 0;
         },
         [&isDone](int) { isDone = true; });
-    QProgressDialog* dialog = nullptr;
+    QPointer<QProgressDialog> dialog;
     EXPECT_TRUE(QTest::qWaitFor([&] {
         dialog = m_workspace->findChild<QProgressDialog*>(QStringLiteral("slowWork"));
         return dialog && dialog->isVisible();
@@ -172,5 +173,5 @@ TEST_F(PageFilesTest, longWorkShowsItsProgressAndLeavesNothingWhenItIsCancelled)
     QCoreApplication::processEvents();
     EXPECT_FALSE(mayWrite);
     EXPECT_FALSE(isDone);
-    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_FALSE(dialog && dialog->isVisible());
 }
