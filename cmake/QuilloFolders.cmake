@@ -10,6 +10,7 @@ set(QUILLO_FOLDERS
     Platform/Viewer/Tiles
     Platform/Viewer/Selection
     Platform/Viewer/Filling
+    Platform/Viewer/Remarks
     Platform/Viewer/Touch
     Platform/Viewer
     MathRender

@@ -14,9 +14,11 @@
 #include "PageTextEditor.h"
 #include "Palette.h"
 #include "QuilloAssert.h"
+#include "RedactionMarkerAnnotation.h"
 #include "ShapeGesture.h"
 #include "SignaturePlacement.h"
 #include "TextBoxEditor.h"
+#include "TextCoverAnnotation.h"
 #include "ToolState.h"
 #include "UndoManager.h"
 
@@ -116,10 +118,17 @@ void AnnotatingPDFView::setDocUndoManager(const std::shared_ptr<UndoManager>& un
     m_docUndoManager = undoManager;
 }
 
-/// Form fields react to the tool that selects.
+/// Form fields and what annotations say react to the tool that selects.
 void AnnotatingPDFView::updateFilling() {
-    setFillsForms(!m_toolState ||
-                  (m_toolState->tool() == AnnotationTool::select && !m_toolState->isTextEditingModeEnabled()));
+    const bool selects =
+        !m_toolState || (m_toolState->tool() == AnnotationTool::select && !m_toolState->isTextEditingModeEnabled());
+    setFillsForms(selects);
+    setReadsRemarks(selects);
+}
+
+bool AnnotatingPDFView::showsRemark(const PDFAnnotation& annotation) const {
+    return annotation.contents() != RedactionMarkerAnnotation::marker &&
+           !dynamic_cast<const TextCoverAnnotation*>(&annotation);
 }
 
 void AnnotatingPDFView::commitEditors() {

@@ -83,6 +83,8 @@ protected:
     /// place of the page.
     [[nodiscard]] std::unique_ptr<QMenu> menu(QPointF viewPoint) override;
     bool cancelOperation() override;
+    /// Not for the markers of redactions and what covers replaced text.
+    [[nodiscard]] bool showsRemark(const PDFAnnotation& annotation) const override;
 
     bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

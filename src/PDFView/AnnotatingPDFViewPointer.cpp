@@ -38,6 +38,7 @@ void AnnotatingPDFView::press(QMouseEvent* event, bool isDoubleClick) {
         return;
     }
     commitEditors();
+    closeRemark();
     finishGestures();
     if (!m_toolState) {
         leaveToBase();

@@ -1,5 +1,7 @@
+#include "NoteAnnotation.h"
 #include "PDFSelection.h"
 #include "PdfPrograms.h"
+#include "RedactionMarkerAnnotation.h"
 #include "ViewerTest.h"
 
 #include <QApplication>
@@ -41,6 +43,32 @@ protected:
         return titles;
     }
 };
+
+TEST_F(AnnotatingPDFViewTest, showsTheWordsOfAnnotationsOnlyWhereTheyAreMeantForPeople) {
+    const auto panelAfterClick = [this](QPointF point) {
+        click(point);
+        return openEditor() ? openEditor()->toPlainText() : QString();
+    };
+    const auto add = [this](const std::shared_ptr<PDFAnnotation>& annotation, const QString& words) {
+        annotation->setContents(words);
+        annotation->setColor(Qt::red);
+        annotation->setInteriorColor(Qt::yellow);
+        page()->addAnnotation(annotation);
+    };
+    add(std::make_shared<PDFAnnotation>(QRectF(100, 400, 50, 50), PDFAnnotationSubtype::circle),
+        QStringLiteral("Why?"));
+    add(std::make_shared<NoteAnnotation>(QRectF(200, 400, 120, 80)), QStringLiteral("mine"));
+    add(std::make_shared<PDFAnnotation>(QRectF(400, 400, 50, 50), PDFAnnotationSubtype::square),
+        RedactionMarkerAnnotation::marker);
+    EXPECT_TRUE(panelAfterClick({125, 425}).endsWith(QStringLiteral("\nWhy?")));
+    EXPECT_EQ(panelAfterClick({250, 440}), QString()) << "it shows its words by itself, and can be moved";
+    EXPECT_EQ(panelAfterClick({425, 425}), QString());
+    click({125, 425});
+    m_toolState->setTool(AnnotationTool::eraser);
+    EXPECT_FALSE(openEditor());
+    m_toolState->setTool(AnnotationTool::ink);
+    EXPECT_EQ(panelAfterClick({125, 425}), QString());
+}
 
 TEST_F(AnnotatingPDFViewTest, marksEachSelectedLineAndUndoesAllInOneStep) {
     m_toolState->setColor(QColor(10, 200, 30));

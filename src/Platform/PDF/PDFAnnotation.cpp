@@ -95,6 +95,21 @@ QRectF PDFAnnotation::drawnArea() const {
     return area.adjusted(-overhang, -overhang, overhang, overhang);
 }
 
+bool PDFAnnotation::isAt(QPointF point, double reach) const {
+    if (!drawnArea().adjusted(-reach, -reach, reach, reach).contains(point))
+        return false;
+    if (PDFAnnotationSubtype::marksText(m_values.type)) {
+        const auto quads = quadrilateralPoints();
+        return std::any_of(quads.begin(), quads.end(), [point](const PDFQuad& q) {
+            return QPolygonF({q.upperLeft, q.upperRight, q.lowerRight, q.lowerLeft})
+                .containsPoint(point, Qt::WindingFill);
+        });
+    }
+    const bool isShape = m_values.type != PDFAnnotationSubtype::widget && !PDFAnnotationFrame::suits(m_values.type);
+    const auto drawing = isShape ? AnnotationDrawing::of(m_values) : std::nullopt;
+    return drawing && !drawing->extent().isEmpty() ? drawing->isAt(point, reach) : m_values.bounds.contains(point);
+}
+
 template <typename T, typename... Place>
 void PDFAnnotation::set(const T& value, Place... place) {
     T& present = (m_values.*....*place);

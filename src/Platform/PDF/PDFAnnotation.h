@@ -127,6 +127,10 @@ public:
     static void drawAll(std::span<const std::shared_ptr<PDFAnnotation>> annotations, PDFDisplayBox box,
                         QPainter& painter);
 
+    /// True when a point of the page lies on what can be seen of it: on its line, give or take `reach`, in the area
+    /// that it fills, on the text that it marks, or on its sign.
+    [[nodiscard]] bool isAt(QPointF point, double reach) const;
+
     /// A rectangle around all that `draw` paints, the width of lines and the tips of arrows included.
     [[nodiscard]] QRectF drawnArea() const;
 

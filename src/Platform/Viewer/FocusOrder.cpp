@@ -6,6 +6,7 @@
 #include "PDFFormField.h"
 #include "PDFPage.h"
 #include "PageColumn.h"
+#include "RemarkNavigator.h"
 
 #include <algorithm>
 
@@ -32,7 +33,10 @@ FocusOrder::PageStops FocusOrder::stopsOf(int page, bool withFields) const {
     const auto fields =
         withFields ? PDFFormField::fillableWidgets(*live) : std::vector<std::shared_ptr<PDFAnnotation>>();
     found.hasFields = !fields.empty();
-    const std::vector<LinkNavigator::Link> links = m_links.inReadingOrder(page);
+    std::vector<LinkNavigator::Link> remarks;
+    for (const RemarkNavigator::Place& place : m_remarks.onPage(page))
+        remarks.push_back({place.annotation, place.rect});
+    const std::vector<LinkNavigator::Link> links = m_links.inReadingOrder(page, remarks);
     auto link = links.begin();
     const QTransform toView = m_column.pageToView(page);
     for (const std::shared_ptr<PDFAnnotation>& field : fields) {

@@ -52,11 +52,12 @@ enum class PDFViewCommand {
 ///
 /// Keys: Page Up and Page Down, Space and Shift+Space scroll by a screen; the arrows by a little, Left and Right by a
 /// page when nothing lies to the side; Home and End go to the start and the end of the current page; Tab and Shift+Tab
-/// go through the links on the screen and through the fields of a form, Return follows a link, Space and the arrows
-/// fill a field, Escape leaves it or drops the selection; Shift+F10 opens the menu. The wheel zooms with Ctrl and
-/// scrolls to the side with Shift.
+/// go through the links and the annotations with words on the screen and through the fields of a form, Return follows a
+/// link and opens what an annotation says, Space and the arrows fill a field, Escape leaves it or drops the selection;
+/// Shift+F10 opens the menu. The wheel zooms with Ctrl and scrolls to the side with Shift.
 ///
-/// Mouse: the middle button takes hold of the pages and moves them.
+/// Mouse: the middle button takes hold of the pages and moves them. Over an annotation a tip says who made it, when and
+/// what it says; a click shows that in a small panel, from which it can be copied.
 ///
 /// Fingers: one scrolls and flings, two zoom and move, a tap is a click, a finger that rests opens the menu.
 class PDFView : public PageSurface {
@@ -171,6 +172,14 @@ public:
     /// Adds what stands in the open editors over the pages, which go on.
     void addTo(PDFDraft& draft) const;
 
+    // Annotations
+
+    /// Whether annotations say what they say to the pointer and the keyboard; at first true. Turning it off closes the
+    /// panel.
+    void setReadsRemarks(bool reads);
+    /// Closes the panel that shows what an annotation says.
+    void closeRemark();
+
     // Memory and measuring
 
     /// For drawn tiles, 72 MB for each device pixel in a device-independent one, unless set.
@@ -221,6 +230,8 @@ protected:
     [[nodiscard]] std::optional<QTransform> pageToView(const PDFPage& page) const override;
     /// True while the middle button moves the pages.
     [[nodiscard]] bool isPanning() const;
+    /// False for an annotation whose words aren't meant for people.
+    [[nodiscard]] virtual bool showsRemark(const PDFAnnotation& annotation) const;
     /// True for a link that leads somewhere.
     [[nodiscard]] bool hasLink(QPointF viewPoint) const;
 

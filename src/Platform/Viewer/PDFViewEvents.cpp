@@ -72,6 +72,8 @@ void PDFView::paintEvent(QPaintEvent* event) {
     const double half = focusRingWidth / 2;
     if (const auto link = m_parts->links.focused())
         painter.drawRect(link->rect.adjusted(-half, -half, half, half));
+    if (const auto remark = m_parts->remarks.focused())
+        painter.drawRect(remark->rect.adjusted(-half, -half, half, half));
     if (m_parts->keyboardFocus)
         painter.drawRect(QRectF(viewport()->rect()).adjusted(half, half, -half, -half));
 
@@ -117,7 +119,7 @@ bool PDFView::viewportEvent(QEvent* event) {
         else if (link)
             QToolTip::showText(help->globalPos(), PlainText::toolTip(m_parts->links.describe(*link->annotation)),
                                viewport(), link->rect.toAlignedRect());
-        else
+        else if (!m_parts->showRemarkTip(help->pos(), help->globalPos()))
             QToolTip::hideText();
         return true;
     }
@@ -193,6 +195,9 @@ void PDFView::keyPressEvent(QKeyEvent* event) {
         event->ignore();
         return;
     }
+    const auto remark = m_parts->remarks.focused();
+    if (remark && (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        return m_parts->read(*remark, std::nullopt);
     switch (event->key()) {
     case Qt::Key_PageDown:
     case Qt::Key_Space:
@@ -231,7 +236,7 @@ bool PDFView::cancelOperation() {
         cancelCopying();
         return true;
     }
-    if (m_parts->links.focused() || m_parts->forms.focused()) {
+    if (m_parts->links.focused() || m_parts->remarks.focused() || m_parts->forms.focused()) {
         m_parts->leaveFocus();
         return true;
     }
@@ -297,6 +302,7 @@ void PDFView::mousePressEvent(QMouseEvent* event) {
     column.scroller().stop();
     m_parts->keyboardFocus = false;
     m_parts->followedLink = false;
+    closeRemark();
     m_parts->leaveFocus();
     if (m_parts->forms.press(event->position())) {
         clearSelection();
@@ -305,6 +311,7 @@ void PDFView::mousePressEvent(QMouseEvent* event) {
     const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
     const auto link = shift ? std::nullopt : m_parts->links.linkAt(event->position());
     m_parts->pressedLink = link ? link->annotation : nullptr;
+    m_parts->pressedRemark = link || shift ? std::nullopt : m_parts->remarks.at(event->position(), true);
     m_parts->pressPoint = event->position();
     m_parts->drag.press(event->position(), shift);
 }
@@ -314,6 +321,7 @@ void PDFView::mouseDoubleClickEvent(QMouseEvent* event) {
         mousePressEvent(event);
     if (event->button() != Qt::LeftButton || m_parts->followedLink)
         return;
+    closeRemark();
     if (!m_parts->forms.press(event->position())) // two quick clicks on a field are two clicks
         m_parts->drag.doubleClick(event->position());
 }
@@ -335,9 +343,10 @@ void PDFView::mouseMoveEvent(QMouseEvent* event) {
         return;
     }
     const double way = (event->position() - m_parts->pressPoint).manhattanLength();
-    if (m_parts->pressedLink && way < QApplication::startDragDistance())
+    if ((m_parts->pressedLink || m_parts->pressedRemark) && way < QApplication::startDragDistance())
         return; // a hand that isn't quite still still clicks
     m_parts->pressedLink.reset();
+    m_parts->pressedRemark.reset();
     m_parts->drag.moveTo(event->position());
 }
 
@@ -352,6 +361,8 @@ void PDFView::mouseReleaseEvent(QMouseEvent* event) {
         m_parts->followedLink = true;
         m_parts->follow(*link);
     }
+    if (const auto remark = std::exchange(m_parts->pressedRemark, std::nullopt))
+        m_parts->read(*remark, event->position());
     updateCursor(event->position());
 }
 
@@ -362,7 +373,7 @@ void PDFView::updateCursor(QPointF viewPoint) {
         viewport()->setCursor(*shape);
         return;
     }
-    if (m_parts->links.linkAt(viewPoint)) {
+    if (m_parts->links.linkAt(viewPoint) || m_parts->remarks.isOverNote(viewPoint)) {
         viewport()->setCursor(Qt::PointingHandCursor);
         return;
     }
@@ -370,6 +381,21 @@ void PDFView::updateCursor(QPointF viewPoint) {
     const auto text = page ? m_parts->texts.text(page->content()) : nullptr;
     const bool overText = text && text->lineContaining(convertToPage(viewPoint, *page)) >= 0;
     viewport()->setCursor(overText ? Qt::IBeamCursor : Qt::ArrowCursor);
+}
+
+bool PDFView::showsRemark(const PDFAnnotation&) const {
+    return true;
+}
+
+void PDFView::setReadsRemarks(bool reads) {
+    m_parts->remarks.setEnabled(reads);
+    if (!reads)
+        closeRemark();
+    viewport()->update();
+}
+
+void PDFView::closeRemark() {
+    m_parts->remarkPanel->commit();
 }
 
 bool PDFView::hasLink(QPointF viewPoint) const {

@@ -5,9 +5,12 @@
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PageText.h"
+#include "RemarkText.h"
+#include "RemarkThreads.h"
 
 #include <QAccessible>
 #include <QScrollBar>
+#include <QToolTip>
 #include <QUrl>
 
 #include <algorithm>
@@ -24,8 +27,10 @@ static constexpr double fastScreens = 5;
 
 PDFViewParts::PDFViewParts(PDFView& owner)
     : view(owner), columnOfPages(*owner.horizontalScrollBar(), *owner.verticalScrollBar()),
-      drag(columnOfPages, texts, selection), links(columnOfPages), forms(owner, columnOfPages),
-      focusOrder(columnOfPages, links), touch(owner, columnOfPages.scroller()), commands(owner) {
+      drag(columnOfPages, texts, selection), links(columnOfPages),
+      remarks(columnOfPages, [&owner](const PDFAnnotation& annotation) { return owner.showsRemark(annotation); }),
+      forms(owner, columnOfPages), remarkPanel(new RemarkPanel(owner)), focusOrder(columnOfPages, links, remarks),
+      touch(owner, columnOfPages.scroller()), commands(owner) {
     m_rest.setSingleShot(true);
     m_rest.setInterval(restDelay);
     QObject::connect(&m_rest, &QTimer::timeout, &view, [this] { rested(); });
@@ -74,8 +79,11 @@ void PDFViewParts::showDocument(const std::shared_ptr<PDFDocument>& document) {
         former->disconnect(&view);
     drag.reset();
     links.clearFocus();
+    remarks.clearFocus();
+    remarkPanel->cancel();
     forms.reset();
     pressedLink.reset();
+    pressedRemark.reset();
     tiles.clear();
     hasDrawnSharp = false;
     history.clear();
@@ -191,6 +199,9 @@ void PDFViewParts::updatePage() {
 void PDFViewParts::describe() {
     if (const auto link = links.focused())
         view.setAccessibleDescription(PDFView::tr("Link: %1").arg(links.describe(*link->annotation)));
+    else if (const auto remark = remarks.focused())
+        view.setAccessibleDescription(
+            PDFView::tr("Comment: %1").arg(RemarkText::description(Remark::of(*remark->annotation))));
     else if (const QString field = forms.description(); !field.isEmpty())
         view.setAccessibleDescription(field);
     else if (m_currentIndex < 0)
@@ -202,21 +213,26 @@ void PDFViewParts::describe() {
 bool PDFViewParts::moveFocus(bool forward) {
     PageColumn& pagesNow = column();
     const auto link = links.focused();
-    const auto next = focusOrder.next(link ? link->annotation : forms.focused(), forward, forms.isEnabled());
+    const auto remark = remarks.focused();
+    const auto present = link ? link->annotation : remark ? remark->annotation : forms.focused();
+    const auto next = focusOrder.next(present, forward, forms.isEnabled());
     leaveFocus();
     if (!next)
         return false;
     pagesNow.reveal(pagesNow.document()->index(next->page().get()), next->bounds());
     if (next->type() == PDFAnnotationSubtype::link)
         links.focus(next);
-    else
+    else if (next->type() == PDFAnnotationSubtype::widget)
         forms.focus(next);
+    else
+        remarks.focus(next);
     describe();
     return true;
 }
 
 void PDFViewParts::leaveFocus() {
     links.clearFocus();
+    remarks.clearFocus();
     forms.clearFocus();
     describe();
     view.viewport()->update();
@@ -284,4 +300,26 @@ void PDFViewParts::follow(const PDFAnnotation& link) {
         Q_EMIT view.linkActivated(QUrl(link.url()));
     else if (const auto destination = link.destination())
         view.goToDestination(*destination);
+}
+
+void PDFViewParts::read(const RemarkNavigator::Place& remark, const std::optional<QPointF>& near) {
+    constexpr double largestAnchor = 160; // device-independent pixels; beside more it would be far from the pointer
+    const double half = largestAnchor / 8;
+    const bool isLarge = near && std::max(remark.rect.width(), remark.rect.height()) > largestAnchor;
+    remarkPanel->open(remark.annotation,
+                      isLarge ? QRectF(near->x() - half, near->y() - half, 2 * half, 2 * half) : remark.rect);
+}
+
+bool PDFViewParts::showRemarkTip(QPoint viewPoint, QPoint globalPoint) {
+    const auto remark = remarks.at(viewPoint, false);
+    const std::shared_ptr<PDFPage> page = remark && !remarkPanel->isOpen() ? remark->annotation->page() : nullptr;
+    if (!page)
+        return false;
+    // Where the pointer goes further, another annotation may be meant.
+    constexpr int reach = 12; // device-independent pixels
+    const QRect around = QRect(viewPoint, QSize(1, 1)).adjusted(-reach, -reach, reach, reach);
+    QToolTip::showText(globalPoint,
+                       RemarkText::toolTip(RemarkThreads(*page).thread(remark->annotation), QToolTip::font()),
+                       view.viewport(), around);
+    return true;
 }

@@ -10,6 +10,8 @@
 #include "PagePainter.h"
 #include "PageTexts.h"
 #include "PageTiles.h"
+#include "RemarkNavigator.h"
+#include "RemarkPanel.h"
 #include "SelectionDrag.h"
 #include "TouchNavigation.h"
 #include "ViewSelection.h"
@@ -55,11 +57,16 @@ struct PDFViewParts {
     [[nodiscard]] bool isMoving() const { return m_rest.isActive(); }
     void bringBack(const std::optional<JumpHistory::Place>& place);
     void follow(const PDFAnnotation& link);
-    /// Says in words, for a screen reader, what the keyboard is on: a link, a field, or else the page.
+    /// Opens the panel with what an annotation says, beside it, or where `near` (a view point) is on a large shape.
+    void read(const RemarkNavigator::Place& remark, const std::optional<QPointF>& near);
+    /// At the pointer; false when there is nothing to say.
+    bool showRemarkTip(QPoint viewPoint, QPoint globalPoint);
+    /// Says in words, for a screen reader, what the keyboard is on: a link, a field, an annotation, or else the page.
     void describe();
-    /// The Tab key: gives the keyboard to the next or previous link or field. False when there is none.
+    /// The Tab key: gives the keyboard to the next or previous link, field or annotation with
+    /// words. False when there is none.
     bool moveFocus(bool forward);
-    /// No link and no field has the keyboard any more.
+    /// No link, field or annotation has the keyboard any more.
     void leaveFocus();
 
     PDFView& view;
@@ -70,7 +77,9 @@ struct PDFViewParts {
     ViewSelection selection;
     SelectionDrag drag;
     LinkNavigator links;
+    RemarkNavigator remarks;
     FormFiller forms;
+    RemarkPanel* const remarkPanel; // the view's
     FocusOrder focusOrder;
     TouchNavigation touch;
     JumpHistory history;
@@ -85,6 +94,7 @@ struct PDFViewParts {
     std::optional<QPointF> pointer;  // over the view
     std::optional<QPointF> panPoint; // where the middle button holds the pages; view point, none while it is up
     std::shared_ptr<PDFAnnotation> pressedLink;
+    std::optional<RemarkNavigator::Place> pressedRemark;
     QPointF pressPoint;
     bool followedLink = false; // by the last click, so that a second one isn't taken for more
 

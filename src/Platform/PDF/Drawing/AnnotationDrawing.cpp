@@ -308,6 +308,18 @@ QRectF AnnotationDrawing::extent() const {
     return box;
 }
 
+bool AnnotationDrawing::isAt(QPointF point, double reach) const {
+    return std::any_of(parts.begin(), parts.end(), [&](const Part& part) {
+        if (part.fill && part.path.contains(point))
+            return true;
+        if (!part.stroke)
+            return false;
+        QPainterPathStroker stroker;
+        stroker.setWidth(std::max(part.lineWidth, 2 * reach));
+        return stroker.createStroke(part.path).contains(point);
+    });
+}
+
 std::optional<AnnotationDrawing> AnnotationDrawing::of(const Values& values) {
     namespace Subtype = PDFAnnotationSubtype;
     AnnotationDrawing drawing;

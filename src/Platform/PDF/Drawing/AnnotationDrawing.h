@@ -40,6 +40,9 @@ struct AnnotationDrawing {
     /// The smallest rectangle around all that is painted, the width of lines included; empty when nothing is.
     [[nodiscard]] QRectF extent() const;
 
+    /// True for a point on a line, give or take `reach`, or in a filled area.
+    [[nodiscard]] bool isAt(QPointF point, double reach) const;
+
     /// None for a subtype that has no drawing of this program.
     [[nodiscard]] static std::optional<AnnotationDrawing> of(const PDFAnnotationValues& values);
 };

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cmath>
+#include <map>
 #include <numbers>
 
 namespace {
@@ -250,12 +251,23 @@ std::vector<std::optional<PDFAnnotationValues>> AnnotationReader::read(SourceEng
         PageObjects::readGeometry(context, pdf_lookup_page_obj(context, borrowed.document(), pageNumber), geometry);
     });
     FormFieldReader fields(context, borrowed.document());
+    std::map<int, int> places;  // of the object with that number
+    std::map<int, int> answers; // the number of the object that is answered, by place
     for (int i = 0; i < count; ++i) {
         pdf_obj* dictionary = nullptr;
-        engineTry(context, [&] { dictionary = pdf_resolve_indirect(context, pdf_array_get(context, annots, i)); });
+        engineTry(context, [&] {
+            dictionary = pdf_array_get(context, annots, i);
+            places.emplace(pdf_to_num(context, dictionary), i);
+            dictionary = pdf_resolve_indirect(context, dictionary);
+            if (const int answered = pdf_to_num(context, pdf_dict_gets(context, dictionary, "IRT")); answered > 0)
+                answers.emplace(i, answered);
+        });
         result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, geometry, dictionary, fields).read()
                                                           : std::nullopt);
     }
+    for (const auto& [place, number] : answers)
+        if (const auto found = places.find(number); found != places.end() && result[std::size_t(place)])
+            result[std::size_t(place)]->repliesTo = found->second;
     return result;
 }
 

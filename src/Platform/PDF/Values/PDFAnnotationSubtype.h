@@ -21,6 +21,10 @@ inline const QString stamp = QStringLiteral("Stamp");
 inline const QString popup = QStringLiteral("Popup");
 inline const QString widget = QStringLiteral("Widget");
 
+[[nodiscard]] inline bool marksText(const QString& type) {
+    return type == highlight || type == underline || type == strikeOut || type == squiggly;
+}
+
 /// True for what a person adds to a page as a remark on it, with a name and a date: all but links, fields and the
 /// windows of notes.
 [[nodiscard]] inline bool isMarkup(const QString& type) {

@@ -31,8 +31,9 @@ struct PDFAnnotationValues {
     QString contents;
     QString userName;
     QDateTime modificationDate;
-    QDateTime creationDate;     ///< invalid where a file doesn't say
-    bool hasAppearance = false; ///< the file gives a look that the engine draws
+    QDateTime creationDate;       ///< invalid where a file doesn't say
+    std::optional<int> repliesTo; ///< the place, in the list of its page in the file, of the one that it answers
+    bool hasAppearance = false;   ///< the file gives a look that the engine draws
 
     // Each of these belongs to some subtypes alone.
 

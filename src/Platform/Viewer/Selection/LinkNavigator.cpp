@@ -52,8 +52,9 @@ QString LinkNavigator::describe(const PDFAnnotation& link) const {
     return index < 0 ? QString() : QCoreApplication::translate("PDFView", "Page %1").arg(index + 1);
 }
 
-std::vector<LinkNavigator::Link> LinkNavigator::inReadingOrder(int page) const {
+std::vector<LinkNavigator::Link> LinkNavigator::inReadingOrder(int page, const std::vector<Link>& others) const {
     std::vector<Link> links = linksOf(page);
+    links.insert(links.end(), others.begin(), others.end());
     // What overlaps by half its height is on one line.
     std::sort(links.begin(), links.end(), [](const Link& a, const Link& b) { return a.rect.top() < b.rect.top(); });
     for (auto line = links.begin(); line != links.end();) {

@@ -26,8 +26,8 @@ public:
     /// Where it leads, in words: "Page 12" or the web address.
     [[nodiscard]] QString describe(const PDFAnnotation& link) const;
 
-    /// Line by line as the page is shown.
-    [[nodiscard]] std::vector<Link> inReadingOrder(int page) const;
+    /// The links of a page with `others` among them, line by line as the page is shown.
+    [[nodiscard]] std::vector<Link> inReadingOrder(int page, const std::vector<Link>& others) const;
 
     /// The link that has the keyboard; none when it left the screen.
     [[nodiscard]] std::optional<Link> focused() const;

@@ -20,11 +20,6 @@ namespace Subtype = PDFAnnotationSubtype;
 constexpr double flattening = 1.0;
 constexpr int longestCurve = 256; // pieces
 
-bool marksText(const QString& type) {
-    return type == Subtype::highlight || type == Subtype::underline || type == Subtype::strikeOut ||
-           type == Subtype::squiggly;
-}
-
 /// Writes the keys for what differs; everything differs from nothing.
 class Writer {
 public:
@@ -202,7 +197,7 @@ private:
     }
 
     void writeQuads() {
-        const bool isMarkup = marksText(m_now.type);
+        const bool isMarkup = Subtype::marksText(m_now.type);
         std::vector<PDFQuad> quads = m_now.quads;
         if (isMarkup && quads.empty() && (!m_before || changed(&Values::bounds) || changed(&Values::quads)))
             quads = {PDFQuad::fromRect(m_now.bounds)};
@@ -267,7 +262,7 @@ bool AnnotationDictionary::looksDifferent(const Values& now, const Values& befor
         return true;
     // An appearance moves and scales with the rectangle. That suits a mere move; lines would change their width with
     // the size, and text markup is drawn from its corners.
-    const bool ownCorners = marksText(now.type) || now.type == Subtype::line;
+    const bool ownCorners = Subtype::marksText(now.type) || now.type == Subtype::line;
     const QSizeF growth = now.bounds.size() - before.bounds.size();
     return std::abs(growth.width()) > 0.001 || std::abs(growth.height()) > 0.001 ||
            (ownCorners && differs(&Values::bounds));
