@@ -81,17 +81,20 @@ QRectF PDFAnnotation::drawnArea() const {
     const double lineReach = std::max(3.4 * width, 8.0) + width; // of the ends of lines
     if (m_values.type == PDFAnnotationSubtype::line) {
         // Its bounds may be those of the whole page.
-        return QRectF(m_values.line.startPoint, m_values.line.endPoint)
-            .normalized()
-            .adjusted(-lineReach, -lineReach, lineReach, lineReach);
+        const PDFLineData& line = m_values.line;
+        const double reach = lineReach + std::abs(line.leaderLength) + line.leaderExtension;
+        const QRectF run = QRectF(line.startPoint, line.endPoint).normalized().adjusted(-reach, -reach, reach, reach);
+        const auto drawing = line.hasCaption ? AnnotationDrawing::of(m_values) : std::nullopt;
+        return drawing ? run | drawing->extent() : run;
     }
     QRectF area = m_values.bounds | m_values.vertices.boundingRect().translated(m_values.bounds.topLeft());
     for (const PDFQuad& quad : m_values.quads)
         area |= quad.boundingRect();
     constexpr double noteOverhang = 24; // the icon of a note is larger than many a rectangle of one
+    area |= m_values.callout.boundingRect().translated(m_values.bounds.topLeft());
     const double overhang = m_values.type == PDFAnnotationSubtype::text       ? noteOverhang
                             : m_values.type == PDFAnnotationSubtype::polyLine ? lineReach
-                                                                              : width + 2;
+                                                                              : width + 2 + 8 * m_values.cloudiness;
     return area.adjusted(-overhang, -overhang, overhang, overhang);
 }
 
@@ -300,6 +303,15 @@ void PDFAnnotation::standOn(const PDFPageGeometry& page) {
 Values PDFAnnotation::uprightValues() const {
     Values upright = m_values;
     upright.bounds = uprightBounds();
+    const QTransform fromPage = uprightToPage().inverted();
+    upright.callout =
+        fromPage.map(m_values.callout.translated(m_values.bounds.topLeft())).translated(-upright.bounds.topLeft());
+    const QMarginsF& m = m_values.margins;
+    if (const QRectF inner = m_values.bounds.adjusted(m.left(), m.bottom(), -m.right(), -m.top()); inner.isValid()) {
+        const QRectF words = fromPage.mapRect(inner);
+        upright.margins = {words.left() - upright.bounds.left(), upright.bounds.bottom() - words.bottom(),
+                           upright.bounds.right() - words.right(), words.top() - upright.bounds.top()};
+    }
     if (upright.border && upright.frame)
         upright.border->lineWidth *= upright.frame->userUnit;
     return upright;

@@ -214,6 +214,62 @@ TEST_P(KindTest, LooksTheSameInTheSavedFile) {
 INSTANTIATE_TEST_SUITE_P(Kinds, KindTest, testing::ValuesIn(kinds),
                          [](const auto& kind) { return std::string(kind.param.name); });
 
+TEST(WriterAnnotationsTest, CalloutsCloudsAndDimensionsOfOtherProgramsStayWhatTheyAreWhenEdited) {
+    struct Case {
+        const char* name;
+        QByteArray keys;
+        QRectF feature; ///< where the plain kind would show nothing
+    };
+    const Case cases[] = {
+        {"callout",
+         "/Subtype /FreeText /IT /FreeTextCallout /Rect [40 60 200 160] /CL [45 65 90 110 110 120] /RD [70 5 5 50] "
+         "/LE /OpenArrow /DA (/Helv 12 Tf 1 0 0 rg) /C [1 1 0.8] /Contents (Words)",
+         {50, 70, 35, 35}},
+        {"cloudy square",
+         "/Subtype /Square /Rect [40 60 200 160] /BE << /S /C /I 2 >> /BS << /W 2 >> /RD [9 9 9 9]",
+         {60, 62, 120, 6}},
+        {"cloudy circle",
+         "/Subtype /Circle /Rect [40 60 200 160] /BE << /S /C /I 2 >> /BS << /W 2 >> /RD [9 9 9 9]",
+         {100, 61, 40, 6}},
+        {"cloudy polygon",
+         "/Subtype /Polygon /Rect [40 60 200 160] /Vertices [50 75 190 75 120 145] /BE << /S /C /I 2 >>",
+         {60, 66, 120, 7}},
+        {"dimension",
+         "/Subtype /Line /IT /LineDimension /Rect [40 60 200 160] /L [50 80 190 80] /LL 40 /LLE 8 /LLO 4 /Cap true "
+         "/LE [/OpenArrow /OpenArrow] /DA (/Helv 12 Tf 0 0 1 rg) /Contents (Words)",
+         {48, 86, 4, 28}},
+    };
+    const QImage blank = picture(*documentWith({}));
+    for (const auto& [name, keys, feature] : cases) {
+        SCOPED_TRACE(name);
+        PdfFixture pdf;
+        pdf.addPage({QStringLiteral("Some text to mark.")}, {300, 300});
+        pdf.addAnnotation(0, "<< /Type /Annot " + keys + (keys.contains("/C [") ? "" : " /C [1 0 0]") + " >>");
+        const bool hasWords = keys.contains("/Contents");
+        const bool moves = !keys.contains("/Line ");
+        const auto document = PDFDocument::fromData(pdf.bytes());
+        const Annotation annotation = document->page(0)->annotations().at(0);
+        EXPECT_GT(difference(picture(*document), blank, feature), 10);
+        if (moves)
+            annotation->setBounds(annotation->bounds().translated(50, 60));
+        const QRectF now = moves ? feature.translated(50, 60) : feature;
+        annotation->setColor(QColor(0, 160, 0));
+        if (hasWords)
+            annotation->setContents(QStringLiteral("Changed"));
+        EXPECT_GT(difference(picture(*document), blank, now), 10) << "on the screen";
+        const QByteArray file = document->dataRepresentation();
+        EXPECT_EQ(PdfPrograms::complaints(file), "");
+        EXPECT_GT(difference(otherPicture(file), blank, now), 10) << "in another program";
+        EXPECT_EQ(PdfPrograms::text(file).contains(QStringLiteral("Changed")), hasWords);
+        const auto reopened = PDFDocument::fromData(file);
+        EXPECT_LT(difference(picture(*reopened), picture(*document), QRectF(0, 0, 299, 299)), 1);
+        const PDFAnnotationValues& read = reopened->page(0)->annotations().at(0)->values();
+        EXPECT_EQ(read.callout, annotation->values().callout);
+        EXPECT_EQ(read.cloudiness, annotation->values().cloudiness);
+        EXPECT_EQ(read.line.leaderLength, annotation->values().line.leaderLength);
+    }
+}
+
 TEST(WriterAnnotationsTest, ValuesComeBack) {
     for (const Kind& kind : kinds) {
         SCOPED_TRACE(kind.name);

@@ -1,5 +1,7 @@
 #include "AnnotationDrawing.h"
 
+#include "CloudPath.h"
+#include "DimensionLine.h"
 #include "FieldDrawing.h"
 #include "PDFAnnotationSubtype.h"
 
@@ -59,6 +61,28 @@ QRectF strokeBox(const Values& values) {
     return box.isValid() ? box : QRectF(values.bounds.center(), QSizeF());
 }
 
+/// The bounds without what lies around the shape or the words in them.
+QRectF innerBox(const Values& values) {
+    const QMarginsF& m = values.margins;
+    const QRectF inner = values.bounds.adjusted(m.left(), m.bottom(), -m.right(), -m.top());
+    return inner.isValid() ? inner : values.bounds;
+}
+
+/// The shape whose border is a cloud within the bounds.
+QPainterPath cloudIn(const Values& values, bool isEllipse) {
+    const QMarginsF& m = values.margins;
+    const double half = lineWidthOf(values) / 2;
+    const double room = std::min({m.left(), m.top(), m.right(), m.bottom()}) - half;
+    const double wanted = CloudPath::reach(values.cloudiness);
+    const double reach = room > 0 ? std::min(wanted, room) : wanted;
+    const double inset = reach + half;
+    QRectF box = room > 0 ? innerBox(values) : values.bounds.adjusted(inset, inset, -inset, -inset);
+    if (!box.isValid())
+        box = values.bounds;
+    const QPolygonF corners({box.topLeft(), box.topRight(), box.bottomRight(), box.bottomLeft()});
+    return CloudPath::around(isEllipse ? CloudPath::ellipse(box, reach) : corners, reach);
+}
+
 std::vector<PDFQuad> quadsOf(const Values& values) {
     return values.quads.empty() ? std::vector{PDFQuad::fromRect(values.bounds)} : values.quads;
 }
@@ -109,7 +133,7 @@ void addSquiggles(AnnotationDrawing& drawing, const Values& values) {
 void addSquare(AnnotationDrawing& drawing, const Values& values) {
     QPainterPath path;
     path.addRect(strokeBox(values));
-    Part part = strokedPart(values, path);
+    Part part = strokedPart(values, values.cloudiness > 0 ? cloudIn(values, false) : path);
     part.fill = visible(values.interiorColor);
     part.join = Qt::RoundJoin;
     drawing.parts.push_back(part);
@@ -118,28 +142,34 @@ void addSquare(AnnotationDrawing& drawing, const Values& values) {
 void addCircle(AnnotationDrawing& drawing, const Values& values) {
     QPainterPath path;
     path.addEllipse(strokeBox(values));
-    Part part = strokedPart(values, path);
+    Part part = strokedPart(values, values.cloudiness > 0 ? cloudIn(values, true) : path);
     part.fill = visible(values.interiorColor);
+    if (values.cloudiness > 0)
+        part.join = Qt::RoundJoin;
     drawing.parts.push_back(part);
 }
 
 void addLine(AnnotationDrawing& drawing, const Values& values) {
-    const QPointF run = values.line.endPoint - values.line.startPoint;
-    QPainterPath path(values.line.startPoint);
+    const DimensionLine::Run place = DimensionLine::runOf(values.line);
+    const QPointF run = place.end - place.start;
+    drawing.label = DimensionLine::caption(values);
+    QPainterPath path(place.start);
     if (run.isNull())
-        addDot(path, values.line.startPoint);
+        addDot(path, place.start);
     else
-        path.lineTo(values.line.endPoint);
+        path = DimensionLine::path(place, values.line, drawing.label);
     Part segment = strokedPart(values, path);
     segment.cap = Qt::RoundCap;
     drawing.parts.push_back(segment);
+    if (const QPainterPath leaders = DimensionLine::leaders(values.line); !leaders.isEmpty())
+        drawing.parts.push_back(strokedPart(values, leaders));
 
     if (run.isNull() || !segment.stroke)
         return;
     const double heading = std::atan2(run.y(), run.x());
     drawing.parts.push_back(
-        LineEnding::part(values.line.endStyle, values.line.endPoint, heading, segment.lineWidth, *segment.stroke));
-    drawing.parts.push_back(LineEnding::part(values.line.startStyle, values.line.startPoint, heading + std::numbers::pi,
+        LineEnding::part(values.line.endStyle, place.end, heading, segment.lineWidth, *segment.stroke));
+    drawing.parts.push_back(LineEnding::part(values.line.startStyle, place.start, heading + std::numbers::pi,
                                              segment.lineWidth, *segment.stroke));
 }
 
@@ -155,8 +185,14 @@ QPainterPath outlineOf(const Values& values) {
 void addPolygon(AnnotationDrawing& drawing, const Values& values) {
     QPainterPath path = outlineOf(values);
     path.closeSubpath();
-    Part part = strokedPart(values, path);
+    QPolygonF corners = values.vertices.translated(values.bounds.topLeft());
+    if (corners.size() > 1 && corners.isClosed())
+        corners.removeLast();
+    const bool isCloud = values.cloudiness > 0 && corners.size() > 2;
+    Part part = strokedPart(values, isCloud ? CloudPath::around(corners, CloudPath::reach(values.cloudiness)) : path);
     part.fill = visible(values.interiorColor);
+    if (isCloud)
+        part.join = Qt::RoundJoin;
     drawing.parts.push_back(part);
 }
 
@@ -219,12 +255,32 @@ void addBox(AnnotationDrawing& drawing, const Values& values, const std::optiona
     drawing.parts.push_back(border);
 }
 
+/// The line from what the words are about to their box.
+void addCallout(AnnotationDrawing& drawing, const Values& values, const QColor& color) {
+    const QPolygonF points = values.callout.translated(values.bounds.topLeft());
+    QPainterPath path;
+    path.addPolygon(points);
+    Part line = strokedPart(values, path);
+    if (!(line.lineWidth > 0))
+        return;
+    line.stroke = color;
+    drawing.parts.push_back(line);
+    const QPointF run = points[0] - points[1];
+    if (!run.isNull())
+        drawing.parts.push_back(
+            LineEnding::part(values.line.startStyle, points[0], std::atan2(run.y(), run.x()), line.lineWidth, color));
+}
+
 void addFreeText(AnnotationDrawing& drawing, const Values& values) {
     const QColor color = values.text.color.value_or(QColor(Qt::black));
-    if (values.border)
-        addBox(drawing, values, visible(values.color), color);
+    Values words = values;
+    words.bounds = innerBox(values);
+    if (values.border || !values.callout.isEmpty())
+        addBox(drawing, words, visible(values.color), color);
+    if (!values.callout.isEmpty())
+        addCallout(drawing, values, color);
     AnnotationDrawing::Label label;
-    label.box = values.bounds.adjusted(6, 4, -6, -4);
+    label.box = words.bounds.adjusted(6, 4, -6, -4);
     label.text = values.contents;
     label.font = values.text.font.value_or(QFont(QStringLiteral("Helvetica"), 16));
     label.color = color;
@@ -305,6 +361,8 @@ QRectF AnnotationDrawing::extent() const {
         stroker.setJoinStyle(part.join);
         unite(stroker.createStroke(part.path).boundingRect());
     }
+    if (label)
+        unite(label->toPage.mapRect(label->box));
     return box;
 }
 

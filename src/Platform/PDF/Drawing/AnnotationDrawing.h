@@ -3,6 +3,8 @@
 #include "FieldText.h"
 #include "PDFAnnotationValues.h"
 
+#include <QTransform>
+
 /// How a plain standard annotation looks, in page coordinates. The screen paints it and the writer turns it into an
 /// appearance stream, so that a saved file looks as it did before.
 struct AnnotationDrawing {
@@ -21,6 +23,7 @@ struct AnnotationDrawing {
         QFont font; ///< size in points
         QColor color;
         bool multiline = false; ///< wrapped and at the top, instead of one line halfway up
+        QTransform toPage;      ///< from the coordinates of `box`
     };
 
     /// The text of a form field, set line by line.

@@ -33,7 +33,10 @@ void paintPart(const AnnotationDrawing::Part& part, QPainter& painter) {
 
 void paintLabel(const AnnotationDrawing::Label& label, QPainter& painter) {
     const auto draw = label.multiline ? PageTextPainting::drawWrapped : PageTextPainting::drawLine;
+    painter.save();
+    painter.setTransform(label.toPage, true);
     draw(painter, label.text, label.box, label.font, label.color);
+    painter.restore();
 }
 
 void paintText(const AnnotationDrawing::SetText& text, QPainter& painter) {

@@ -53,7 +53,10 @@ public:
         if (values.type == PDFAnnotationSubtype::ink)
             readInk(values);
         if (values.type == PDFAnnotationSubtype::polygon || values.type == PDFAnnotationSubtype::polyLine)
-            readVertices(values);
+            values.vertices = points("Vertices", values.bounds.topLeft());
+        if (values.type == PDFAnnotationSubtype::freeText)
+            readCallout(values);
+        readShape(values);
         if (values.type == PDFAnnotationSubtype::link)
             readLink(values);
         readQuads(values);
@@ -166,6 +169,14 @@ private:
             values.line.startPoint = QPointF(ends[0], ends[1]);
             values.line.endPoint = QPointF(ends[2], ends[3]);
         }
+        const auto length = [this](const char* key) {
+            return std::clamp(EngineValues::number(m_context, get(key)).value_or(0.0), -10000.0, 10000.0);
+        };
+        values.line.leaderLength = length("LL");
+        values.line.leaderExtension = std::max(length("LLE"), 0.0);
+        values.line.leaderOffset = std::max(length("LLO"), 0.0);
+        values.line.hasCaption = pdf_to_bool(m_context, get("Cap")) != 0;
+        values.line.captionIsAbove = EngineValues::name(m_context, get("CP")) == QLatin1String("Top");
         pdf_obj* styles = get("LE");
         pdf_obj* start = nullptr;
         pdf_obj* end = nullptr;
@@ -177,10 +188,29 @@ private:
         values.line.endStyle = lineStyle(EngineValues::name(m_context, end));
     }
 
-    void readVertices(PDFAnnotationValues& values) {
-        const std::vector<double> v = numbers(get("Vertices"));
+    QPolygonF points(const char* key, QPointF origin) {
+        const std::vector<double> v = numbers(get(key));
+        QPolygonF found;
         for (std::size_t i = 0; i + 1 < v.size(); i += 2)
-            values.vertices.append(QPointF(v[i], v[i + 1]) - values.bounds.topLeft());
+            found.append(QPointF(v[i], v[i + 1]) - origin);
+        return found;
+    }
+
+    void readCallout(PDFAnnotationValues& values) {
+        values.callout = points("CL", values.bounds.topLeft());
+        if (values.callout.size() != 2 && values.callout.size() != 3)
+            values.callout.clear();
+        values.line.startStyle = lineStyle(EngineValues::name(m_context, get("LE")));
+    }
+
+    void readShape(PDFAnnotationValues& values) {
+        const std::vector<double> v = numbers(get("RD"));
+        const double most = std::max(values.bounds.width(), values.bounds.height());
+        if (v.size() >= 4)
+            values.margins = {std::clamp(v[0], 0.0, most), std::clamp(v[1], 0.0, most), std::clamp(v[2], 0.0, most),
+                              std::clamp(v[3], 0.0, most)};
+        if (EngineValues::name(m_context, get("BE/S")) == QLatin1String("C"))
+            values.cloudiness = std::clamp(EngineValues::number(m_context, get("BE/I")).value_or(0.0), 0.0, 10.0);
     }
 
     void readInk(PDFAnnotationValues& values) {

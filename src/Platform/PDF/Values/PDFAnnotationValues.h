@@ -10,6 +10,7 @@
 
 #include <QColor>
 #include <QDateTime>
+#include <QMarginsF>
 #include <QPainterPath>
 #include <QPolygonF>
 #include <QString>
@@ -40,6 +41,9 @@ struct PDFAnnotationValues {
     PDFTextStyle text;
     PDFLineData line;
     QPolygonF vertices;              ///< of polygons and polylines, relative as the strokes are
+    QMarginsF margins;               ///< from the bounds to the shape or the words: left, upper, right, lower edge
+    double cloudiness = 0;           ///< how much the border of a shape is made of arcs; usually 1 or 2
+    QPolygonF callout;               ///< from what a free text is about to its words, relative as the strokes are
     std::vector<QPainterPath> paths; ///< the strokes of ink, relative to the lower left corner of `bounds`
     std::vector<PDFQuad> quads;      ///< of text markup; none for one that is `bounds`
     PDFLinkData link;

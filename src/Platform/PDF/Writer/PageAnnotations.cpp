@@ -253,6 +253,11 @@ void PageAnnotations::writeLook(const PDFAnnotation& annotation, QPDFObjectHandl
     const bool isLine = values.type == Subtype::line && !extent.isNull();
     const QRectF box = isLine ? extent : fits ? values.bounds : values.bounds.united(extent);
     object.replaceKey("/Rect", PdfValues::rect(box));
+    if (drawing->label) { // words take a recording
+        m_recorder.record(annotation, object, box);
+        m_objects.noteChange(object);
+        return;
+    }
     QPDFObjectHandle looks = QPDFObjectHandle::newDictionary();
     looks.replaceKey("/N", AppearanceStreams::form(m_objects, *drawing, box));
     object.replaceKey("/AP", looks);

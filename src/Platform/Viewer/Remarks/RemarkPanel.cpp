@@ -6,6 +6,7 @@
 #include "RemarkText.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 #include <QTextDocument>
 #include <QTextEdit>
 
@@ -48,6 +49,7 @@ void RemarkPanel::open(const std::shared_ptr<PDFAnnotation>& annotation, const Q
 void RemarkPanel::close() {
     m_annotation.reset();
     m_shown.clear();
+    m_measured.reset();
     PlacedEditor::close();
 }
 
@@ -55,31 +57,55 @@ bool RemarkPanel::isSubjectThere() const {
     return m_annotation && m_annotation->page() == page() && RemarkThreads::isRemark(*m_annotation);
 }
 
+int RemarkPanel::heightFor(int viewWidth) {
+    const int frame = 2 * text()->frameWidth();
+    const int width = std::min(widestPanel, viewWidth) - frame;
+    if (!m_measured || m_measured->width() != width) {
+        // The text's own layout follows the size that the panel still has.
+        const std::unique_ptr<QTextDocument> copy(text()->document()->clone());
+        copy->setTextWidth(width);
+        m_measured = QSize(width, int(std::ceil(copy->size().height())));
+    }
+    return std::min(m_measured->height() + frame, highestPanel);
+}
+
+/// The window has shortcuts of its own for these.
+bool RemarkPanel::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && watched == widget()) {
+        auto* const key = static_cast<QKeyEvent*>(event);
+        if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll)) {
+            key->accept();
+            return true;
+        }
+    }
+    return PlacedEditor::eventFilter(watched, event);
+}
+
 void RemarkPanel::layOut() {
     QTextEdit& edit = *text();
     if (std::vector<Remark> now = RemarkThreads(*page()).thread(m_annotation); now != m_shown) {
         m_shown = std::move(now);
+        m_measured.reset();
         RemarkText::write(m_shown, *edit.document());
         edit.moveCursor(QTextCursor::Start);
         edit.setAccessibleDescription(RemarkText::description(m_shown.front()));
     }
     const QRect view = viewer().viewport()->rect();
-    const int frame = 2 * edit.frameWidth();
-    const int width = std::min(widestPanel, view.width());
-    edit.document()->setTextWidth(width - frame);
-    const int wanted = int(std::ceil(edit.document()->size().height())) + frame;
-    const int height = std::min({wanted, highestPanel, view.height()});
+    const QSize size(std::min(widestPanel, view.width()), std::min(heightFor(view.width()), view.height()));
     const QRect anchor = viewer().convertFromPage(m_anchor, *page()).toAlignedRect();
-    QRect place(anchor.right() + 1 + gap, anchor.top(), width, height);
-    if (place.right() > view.right() && anchor.left() - gap - width >= view.left()) {
+    const bool fitsBelow = anchor.bottom() + gap + size.height() <= view.bottom();
+    const bool fitsOnTheRight = anchor.right() + gap + size.width() <= view.right();
+    const bool fitsOnTheLeft = anchor.left() - gap - size.width() >= view.left();
+    // What goes on behind marked words stays readable.
+    const bool isWide = anchor.width() > 2 * anchor.height();
+    QRect place(anchor.right() + 1 + gap, anchor.top(), size.width(), size.height());
+    if ((isWide && fitsBelow) || (!fitsOnTheRight && !fitsOnTheLeft))
+        place.moveTo(anchor.left(), fitsBelow ? anchor.bottom() + 1 + gap : anchor.top() - gap - size.height());
+    else if (!fitsOnTheRight)
         place.moveRight(anchor.left() - gap - 1);
-    } else if (place.right() > view.right()) { // no room on either side
-        const bool fitsBelow = anchor.bottom() + gap + height <= view.bottom();
-        place.moveTo(anchor.left(), fitsBelow ? anchor.bottom() + 1 + gap : anchor.top() - gap - height);
-    }
     if (anchor.intersects(view)) { // out of sight it goes with its annotation
-        place.moveLeft(std::clamp(place.left(), view.left(), view.right() + 1 - width));
-        place.moveTop(std::clamp(place.top(), view.top(), view.bottom() + 1 - height));
+        place.moveLeft(std::clamp(place.left(), view.left(), view.right() + 1 - size.width()));
+        place.moveTop(std::clamp(place.top(), view.top(), view.bottom() + 1 - size.height()));
     }
     edit.setGeometry(place);
 }

@@ -4,8 +4,10 @@
 #include "RemarkThreads.h"
 
 #include <QRectF>
+#include <QSize>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class PDFAnnotation;
@@ -33,9 +35,12 @@ private:
     void addOpenTo(PDFDraft&) const override {}
     void layOut() override;
     [[nodiscard]] bool isSubjectThere() const override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     [[nodiscard]] QTextEdit* text() const;
+    [[nodiscard]] int heightFor(int viewWidth);
 
     std::shared_ptr<PDFAnnotation> m_annotation;
     std::vector<Remark> m_shown;
-    QRectF m_anchor; // page coordinates
+    QRectF m_anchor;                 // page coordinates
+    std::optional<QSize> m_measured; // of what is shown, set in that width
 };

@@ -92,6 +92,7 @@ TEST_F(RemarkTest, AClickOpensAPanelToReadAndCopyFrom) {
     EXPECT_TRUE(panel()->hasFocus());
     EXPECT_FALSE(panel()->geometry().intersects(QRectF(at(72, 760), at(172, 740)).toRect()));
     EXPECT_TRUE(m_view.viewport()->rect().contains(panel()->geometry()));
+    EXPECT_LT(panel()->height(), 80) << "no higher than its two lines";
     QTest::keySequence(panel(), QKeySequence::SelectAll);
     QTest::keySequence(panel(), QKeySequence::Copy);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), panel()->toPlainText());

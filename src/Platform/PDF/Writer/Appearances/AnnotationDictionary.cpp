@@ -54,7 +54,9 @@ public:
         if (m_now.type == Subtype::ink && (changed(&Values::paths) || changed(&Values::bounds)))
             writeInk();
         if (!m_now.vertices.isEmpty() && (changed(&Values::vertices) || changed(&Values::bounds)))
-            writeVertices();
+            set("/Vertices", pointsOnPage(m_now.vertices));
+        if (!m_now.callout.isEmpty() && (changed(&Values::callout) || changed(&Values::bounds)))
+            set("/CL", pointsOnPage(m_now.callout));
         writeQuads();
         if (m_now.type == Subtype::link)
             writeTarget();
@@ -189,11 +191,11 @@ private:
         set("/InkList", strokes);
     }
 
-    void writeVertices() {
+    [[nodiscard]] QPDFObjectHandle pointsOnPage(const QPolygonF& points) const {
         std::vector<double> numbers;
-        for (const QPointF& vertex : m_now.vertices.translated(m_now.bounds.topLeft()))
-            numbers.insert(numbers.end(), {vertex.x(), vertex.y()});
-        set("/Vertices", PdfValues::numbers(numbers));
+        for (const QPointF& point : points.translated(m_now.bounds.topLeft()))
+            numbers.insert(numbers.end(), {point.x(), point.y()});
+        return PdfValues::numbers(numbers);
     }
 
     void writeQuads() {
@@ -258,7 +260,8 @@ bool AnnotationDictionary::looksDifferent(const Values& now, const Values& befor
         differs(&Values::paths) || differs(&Values::vertices) || differs(&Values::quads) ||
         differs(&Values::field, &PDFFieldData::string) || differs(&Values::field, &PDFFieldData::turn))
         return true;
-    if (now.type == Subtype::freeText && differs(&Values::contents))
+    if ((now.type == Subtype::freeText || (now.type == Subtype::line && now.line.hasCaption)) &&
+        differs(&Values::contents))
         return true;
     // An appearance moves and scales with the rectangle. That suits a mere move; lines would change their width with
     // the size, and text markup is drawn from its corners.

@@ -50,7 +50,10 @@ AppearanceRecorder::AppearanceRecorder(ObjectStore& objects) : m_objects(objects
 AppearanceRecorder::~AppearanceRecorder() = default;
 
 void AppearanceRecorder::record(const PDFAnnotation& annotation, QPDFObjectHandle dictionary) {
-    const QRectF bounds = annotation.uprightBounds();
+    record(annotation, dictionary, annotation.uprightBounds());
+}
+
+void AppearanceRecorder::record(const PDFAnnotation& annotation, QPDFObjectHandle dictionary, const QRectF& bounds) {
     const QSize page = pageSizeFor(bounds.size());
     const QPageSize pageSize(page, QPageSize::Point, QString(), QPageSize::ExactMatch);
     if (!m_writer) {

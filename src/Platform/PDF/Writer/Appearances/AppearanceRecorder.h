@@ -23,6 +23,8 @@ public:
     /// Runs the annotation's `draw`. `finish` makes the result the normal appearance of `dictionary`, which stands for
     /// the annotation in the file and has its final rectangle.
     void record(const PDFAnnotation& annotation, QPDFObjectHandle dictionary);
+    /// The same for what it draws within `box`, in upright coordinates.
+    void record(const PDFAnnotation& annotation, QPDFObjectHandle dictionary, const QRectF& box);
 
     /// Puts the recordings into the file. Throws `std::exception` when one can't be read back.
     void finish();
