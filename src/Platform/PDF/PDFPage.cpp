@@ -151,15 +151,12 @@ void PDFPage::loadAnnotations() const {
     m_annotationsLoaded = true;
     auto values = AnnotationReader::read(m_content.source->engine(), m_content.pageNumber);
     const std::weak_ptr<PDFPage> self = std::const_pointer_cast<PDFPage>(shared_from_this());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        if (!values[i])
-            continue;
-        auto annotation =
-            std::make_shared<PDFAnnotation>(std::move(*values[i]), PDFAnnotationOrigin{m_content, int(i)});
+    for (auto& [place, read] : values) {
+        auto annotation = std::make_shared<PDFAnnotation>(std::move(read), PDFAnnotationOrigin{m_content, place});
         annotation->m_page = self;
-        m_fileAnnotations.push_back(int(i));
+        m_fileAnnotations.push_back(place);
         if (annotation->values().hasAppearance)
-            m_fileLooks.push_back(int(i));
+            m_fileLooks.push_back(place);
         m_annotations.push_back(std::move(annotation));
     }
 }

@@ -71,6 +71,10 @@ const PageLabels& PDFSource::pageLabels() const {
     return m_labels;
 }
 
+bool PDFSource::isPageObjectShared(int pageNumber) const {
+    return m_engine->isPageObjectShared(pageNumber);
+}
+
 std::shared_ptr<const PageText> PDFSource::text(int pageNumber, const std::stop_token& stop) const {
     {
         const std::lock_guard guard(m_cacheMutex);

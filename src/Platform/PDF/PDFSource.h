@@ -48,6 +48,8 @@ public:
     [[nodiscard]] std::optional<int> pageNumberOfObject(int objectNumber) const;
     /// What the file calls its pages, which aren't looked at for it. Read on first use; not while a password is needed.
     [[nodiscard]] const PageLabels& pageLabels() const;
+    /// True when the page's object is that of another page, too.
+    [[nodiscard]] bool isPageObjectShared(int pageNumber) const;
     /// Never null; empty for a page that can't be read. The last pages asked for are kept. A page that asks for more
     /// work than takes some seconds has the text that was read by then. Once `stop` is requested the text may lack
     /// anything, and isn't kept.

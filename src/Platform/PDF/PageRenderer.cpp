@@ -22,11 +22,11 @@ void drawBareAnnotations(const PageRenderRequest& request, QImage& image, const 
     QPainter painter(&image);
     painter.setTransform(request.pageToDevice *
                          QTransform::fromTranslate(-request.deviceRect.x(), -request.deviceRect.y()));
-    for (std::size_t i = 0; i < values.size() && wanted(cancelled); ++i) {
-        if (!values[i])
-            continue;
-        const PDFAnnotationOrigin origin{request.content, int(i)};
-        const auto annotation = std::make_shared<PDFAnnotation>(std::move(*values[i]), origin);
+    for (auto& [place, read] : values) {
+        if (!wanted(cancelled))
+            return;
+        const PDFAnnotationOrigin origin{request.content, place};
+        const auto annotation = std::make_shared<PDFAnnotation>(std::move(read), origin);
         if (annotation->shouldDisplay() && annotation->drawsItself())
             PDFAnnotation::drawAll({&annotation, 1}, PDFDisplayBox::cropBox, painter);
     }

@@ -240,6 +240,8 @@ TEST(WriterAnnotationsTest, CalloutsCloudsAndDimensionsOfOtherProgramsStayWhatTh
          {48, 86, 4, 28}},
     };
     const QImage blank = picture(*documentWith({}));
+    // A thin line over the area leaves as little, and a plain box would fill it.
+    const auto isLineWork = [](double change) { return change > 4 && change < 150; };
     for (const auto& [name, keys, feature] : cases) {
         SCOPED_TRACE(name);
         PdfFixture pdf;
@@ -249,17 +251,17 @@ TEST(WriterAnnotationsTest, CalloutsCloudsAndDimensionsOfOtherProgramsStayWhatTh
         const bool moves = !keys.contains("/Line ");
         const auto document = PDFDocument::fromData(pdf.bytes());
         const Annotation annotation = document->page(0)->annotations().at(0);
-        EXPECT_GT(difference(picture(*document), blank, feature), 10);
+        EXPECT_TRUE(isLineWork(difference(picture(*document), blank, feature)));
         if (moves)
             annotation->setBounds(annotation->bounds().translated(50, 60));
         const QRectF now = moves ? feature.translated(50, 60) : feature;
         annotation->setColor(QColor(0, 160, 0));
         if (hasWords)
             annotation->setContents(QStringLiteral("Changed"));
-        EXPECT_GT(difference(picture(*document), blank, now), 10) << "on the screen";
+        EXPECT_TRUE(isLineWork(difference(picture(*document), blank, now))) << "on the screen";
         const QByteArray file = document->dataRepresentation();
         EXPECT_EQ(PdfPrograms::complaints(file), "");
-        EXPECT_GT(difference(otherPicture(file), blank, now), 10) << "in another program";
+        EXPECT_TRUE(isLineWork(difference(otherPicture(file), blank, now))) << "in another program";
         EXPECT_EQ(PdfPrograms::text(file).contains(QStringLiteral("Changed")), hasWords);
         const auto reopened = PDFDocument::fromData(file);
         EXPECT_LT(difference(picture(*reopened), picture(*document), QRectF(0, 0, 299, 299)), 1);

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 
 namespace {
@@ -194,27 +195,68 @@ TEST(WriterHostileTest, DamagedBytesNeverEndTheProgram) {
 }
 
 TEST(WriterHostileTest, WhatWasRepairedIsSavedAsItWasShown) {
-    PdfFixture fixture;
-    for (int i = 0; i < 30; ++i)
-        fixture.addPage({QStringLiteral("Page %1").arg(i)});
-    QByteArray cutShort = fixture.bytes(PdfFixture::Style::objectStreams);
-    cutShort.truncate(cutShort.lastIndexOf("startxref"));
-    const QByteArray pageInItsNode =
-        "%PDF-1.4\n1 0 obj\n<< /Type /Catalog /Pages 2 0 R >>\nendobj\n2 0 obj\n<< /Type /Pages /Count 1 /Kids [ << "
-        "/Type /Page /Parent 2 0 R /MediaBox [ 0 0 612 792 ] >> ] >>\nendobj\nxref\n0 3\n0000000000 65535 f "
-        "\n0000000009 "
-        "00000 n \n0000000058 00000 n \ntrailer\n<< /Size 3 /Root 1 0 R >>\nstartxref\n175\n%%EOF\n";
-    for (const QByteArray& file : {cutShort, pageInItsNode}) {
-        SCOPED_TRACE(file.left(40).toStdString());
+    struct Case {
+        const char* what;
+        QByteArray file;
+        int pages;
+    };
+    std::vector<Case> cases;
+    const auto add = [&cases](const char* what, int pages, const std::function<QByteArray(PdfFixture&)>& make) {
+        PdfFixture fixture;
+        for (int i = 0; i < 4; ++i)
+            fixture.addPage({QStringLiteral("Page %1").arg(i)});
+        cases.push_back({what, make(fixture), pages});
+    };
+    add("cut short", 4, [](PdfFixture& fixture) {
+        const QByteArray file = fixture.bytes(PdfFixture::Style::objectStreams);
+        return file.left(file.lastIndexOf("startxref"));
+    });
+    add("a page as its tree", 1, [](PdfFixture& fixture) {
+        fixture.setRootKey("/Pages", fixture.pageReference(2));
+        return fixture.bytes();
+    });
+    add("a node that counts too few", 4, [](PdfFixture& fixture) {
+        fixture.nestPageTree(2);
+        QByteArray file = fixture.bytes();
+        return file.replace(file.indexOf("/Count 2"), 8, "/Count 1");
+    });
+    add("a page in two nodes", 3, [](PdfFixture& fixture) {
+        const auto node = [&fixture](const QByteArray& kids) {
+            return fixture.addObject("<< /Type /Pages /Count " + QByteArray::number(kids.count('R')) + " /Kids [" +
+                                     kids + "] >>");
+        };
+        const QByteArray first = fixture.pageReference(0);
+        const QByteArray nodes = node(first) + ' ' + node(fixture.pageReference(1) + ' ' + first);
+        fixture.setRootKey("/Pages", fixture.addObject("<< /Type /Pages /Count 3 /Kids [" + nodes + "] >>"));
+        return fixture.bytes();
+    });
+    const QByteArray start = "%PDF-1.4\n1 0 obj\n<< /Type /Catalog /Pages 2 0 R >>\nendobj\n2 0 obj\n<< /Type /Pages ";
+    const QByteArray page = "<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 612 792 ] >>";
+    cases.push_back({"a page in its node", start + "/Count 1 /Kids [ " + page + " ] >>\nendobj\n", 1});
+    const QByteArray two = start + "/Count 2 /Kids [ 3 0 R 9 0 R ] >>\nendobj\n3 0 obj\n" + page + "\nendobj\n";
+    cases.push_back({"a page that isn't there", two, 2});
+    cases.push_back({"an object that can't be read", two + "5 0 obj\n<< /A 1 2 /B ) >>\nendobj\n", 2});
+    cases.push_back({"a number past all others", two + "2147483647 0 obj\n<< /Root 1 0 R >>\nendobj\n", 2});
+    cases.push_back({"a protection that can't be read",
+                     two + "6 0 obj\nE< /Filter /Standard >>\nendobj\ntrailer\n<< /Root 1 0 R /Encrypt 6 0 R >>\n", 2});
+    cases.push_back({"a catalogue in the trailer",
+                     two + "trailer\n<< /Root << /Type /Catalog /Pages 2 0 R >> >>\nstartxref\n0\n%%EOF\n", 2});
+    for (const auto& [what, file, pages] : cases) {
+        SCOPED_TRACE(what);
         const auto document = PDFDocument::fromData(file);
-        ASSERT_GT(document->pageCount(), 0);
-        document->page(0)->addAnnotation(
-            std::make_shared<PDFAnnotation>(QRectF(72, 72, 50, 50), PDFAnnotationSubtype::square));
-        const QByteArray saved = document->dataRepresentation();
-        EXPECT_EQ(PdfPrograms::complaints(saved), "");
-        const auto reopened = PDFDocument::fromData(saved);
-        EXPECT_EQ(reopened->string(), document->string());
-        ASSERT_EQ(reopened->pageCount(), document->pageCount());
-        EXPECT_EQ(reopened->page(0)->annotations().size(), 1U);
+        ASSERT_EQ(document->pageCount(), pages);
+        const auto marked = document->page(0);
+        marked->addAnnotation(std::make_shared<PDFAnnotation>(QRectF(72, 72, 50, 50), PDFAnnotationSubtype::square));
+        for (const bool moves : {false, true}) {
+            if (moves)
+                document->insert(document->removePage(pages - 1), 0);
+            const QByteArray saved = document->dataRepresentation();
+            EXPECT_EQ(PdfPrograms::complaints(saved), "");
+            const auto reopened = PDFDocument::fromData(saved);
+            EXPECT_EQ(reopened->string(), document->string());
+            ASSERT_EQ(reopened->pageCount(), pages);
+            for (int i = 0; i < pages; ++i)
+                EXPECT_EQ(reopened->page(i)->annotations().size(), document->page(i) == marked ? 1U : 0U);
+        }
     }
 }

@@ -10,6 +10,7 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
@@ -17,6 +18,7 @@
 
 namespace {
 
+/// Of more on one page the last are read, which lie on top: what was added is among them.
 constexpr int annotationLimit = 20000;
 
 /// Reads one dictionary. Each step fetches inside `engineTry` and converts outside it, so that a broken key costs that
@@ -266,14 +268,14 @@ pdf_obj* annotsOf(fz_context* context, pdf_document* document, int pageNumber) {
 
 } // namespace
 
-std::vector<std::optional<PDFAnnotationValues>> AnnotationReader::read(SourceEngine& engine, int pageNumber) {
-    std::vector<std::optional<PDFAnnotationValues>> result;
+std::map<int, PDFAnnotationValues> AnnotationReader::read(SourceEngine& engine, int pageNumber) {
+    std::map<int, PDFAnnotationValues> result;
     const SourceEngine::Lease borrowed = engine.lease();
     if (!borrowed || pageNumber < 0 || pageNumber >= engine.pageCount())
         return result;
     fz_context* context = borrowed.context();
     pdf_obj* annots = annotsOf(context, borrowed.document(), pageNumber);
-    const int count = std::min(pdf_array_len(context, annots), annotationLimit);
+    const int count = pdf_array_len(context, annots);
     if (count == 0)
         return result;
     PDFPageGeometry geometry;
@@ -283,7 +285,7 @@ std::vector<std::optional<PDFAnnotationValues>> AnnotationReader::read(SourceEng
     FormFieldReader fields(context, borrowed.document());
     std::map<int, int> places;  // of the object with that number
     std::map<int, int> answers; // the number of the object that is answered, by place
-    for (int i = 0; i < count; ++i) {
+    for (int i = std::max(0, count - annotationLimit); i < count; ++i) {
         pdf_obj* dictionary = nullptr;
         engineTry(context, [&] {
             dictionary = pdf_array_get(context, annots, i);
@@ -292,12 +294,15 @@ std::vector<std::optional<PDFAnnotationValues>> AnnotationReader::read(SourceEng
             if (const int answered = pdf_to_num(context, pdf_dict_gets(context, dictionary, "IRT")); answered > 0)
                 answers.emplace(i, answered);
         });
-        result.push_back(pdf_is_dict(context, dictionary) ? Reader(context, geometry, dictionary, fields).read()
-                                                          : std::nullopt);
+        if (!pdf_is_dict(context, dictionary))
+            continue;
+        if (auto values = Reader(context, geometry, dictionary, fields).read())
+            result.emplace_hint(result.end(), i, std::move(*values));
     }
     for (const auto& [place, number] : answers)
-        if (const auto found = places.find(number); found != places.end() && result[std::size_t(place)])
-            result[std::size_t(place)]->repliesTo = found->second;
+        if (const auto found = places.find(number); found != places.end())
+            if (const auto reply = result.find(place); reply != result.end())
+                reply->second.repliesTo = found->second;
     return result;
 }
 

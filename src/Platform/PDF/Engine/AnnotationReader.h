@@ -3,16 +3,16 @@
 #include "PDFAnnotationValues.h"
 #include "PDFFileDestination.h"
 
-#include <vector>
+#include <map>
 
 class SourceEngine;
 
 /// Reads the annotations of a page of a file. Any thread; the results are plain values.
 namespace AnnotationReader {
 
-/// One entry for each place of the page's Annots array, none where the file has no usable dictionary there.
-/// At most 20,000 places are read.
-[[nodiscard]] std::vector<std::optional<PDFAnnotationValues>> read(SourceEngine& engine, int pageNumber);
+/// By place in the page's Annots array; places where the file has no usable dictionary are left out. At most the last
+/// 20,000 places are read.
+[[nodiscard]] std::map<int, PDFAnnotationValues> read(SourceEngine& engine, int pageNumber);
 
 /// The rectangle of one annotation as the file has it; empty when it can't be read.
 [[nodiscard]] QRectF bounds(SourceEngine& engine, int pageNumber, int index);

@@ -5,12 +5,21 @@
 
 #include <string>
 
+/// Objects that can't be read keep the engine from writing the others.
+static void dropUnreadable(fz_context* context, pdf_document* document) {
+    const int count = pdf_xref_len(context, document);
+    for (int number = 1; number < count; ++number)
+        if (!engineTry(context, [&] { pdf_drop_obj(context, pdf_load_object(context, document, number)); }))
+            engineTry(context, [&] { pdf_delete_object(context, document, number); });
+}
+
 QByteArray EngineCopy::of(SourceEngine& engine) {
     SourceEngine::Lease lease = engine.lease();
     if (!lease)
         return {};
     lease.abandon(); // writing leaves traces in the document
     fz_context* context = lease.context();
+    dropUnreadable(context, lease.document());
     fz_buffer* buffer = nullptr;
     fz_output* output = nullptr;
     std::string error;
@@ -20,7 +29,8 @@ QByteArray EngineCopy::of(SourceEngine& engine) {
             buffer = fz_new_buffer(context, 0);
             output = fz_new_output_with_buffer(context, buffer);
             pdf_write_options options = pdf_default_write_options;
-            options.do_encrypt = PDF_ENCRYPT_KEEP;
+            // A protection that can't be read isn't one.
+            options.do_encrypt = engine.isEncrypted() ? PDF_ENCRYPT_KEEP : PDF_ENCRYPT_NONE;
             pdf_write_document(context, lease.document(), output, &options);
             fz_close_output(context, output);
         },

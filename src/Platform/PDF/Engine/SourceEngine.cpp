@@ -55,7 +55,7 @@ SourceEngine::SourceEngine(QByteArray bytes) : m_bytes(std::move(bytes)) {
     pdf_document* document = opened->document();
     const bool known = engineTry(context, [&] {
         pdf_obj* encryption = pdf_dict_get(context, pdf_trailer(context, document), PDF_NAME(Encrypt));
-        m_encrypted = encryption != nullptr;
+        m_encrypted = pdf_is_dict(context, encryption) != 0;
         m_securityRevision = pdf_dict_get_int(context, encryption, PDF_NAME(R));
         m_needsPassword = pdf_needs_password(context, document) != 0;
     });
@@ -72,20 +72,12 @@ SourceEngine::~SourceEngine() {
 }
 
 void SourceEngine::readSummary(const OpenedDocument& opened) {
-    fz_context* context = opened.context();
     std::string error;
-    bool hasPages = false;
-    const bool read = engineTry(
-        context,
-        [&] {
-            hasPages =
-                pdf_is_dict(context, pdf_dict_getp(context, pdf_trailer(context, opened.document()), "Root/Pages"));
-            m_pageCount = PageObjects::countPages(context, opened.document());
-        },
-        &error);
-    if (!read || (!hasPages && m_pageCount == 0))
+    const PageObjects::Tree tree = PageObjects::settleTree(opened.context(), opened.document(), &error);
+    if (!tree.isThere)
         throw openFailure(m_bytes, error);
-    m_repaired = pdf_was_repaired(context, opened.document()) != 0;
+    m_pageCount = tree.pageCount;
+    m_repaired = tree.isReplaced || pdf_was_repaired(opened.context(), opened.document()) != 0;
 }
 
 SourceEngine::Lease SourceEngine::lease() {
@@ -101,6 +93,8 @@ SourceEngine::Lease SourceEngine::lease() {
     auto opened = std::make_unique<OpenedDocument>();
     if (!opened->open(m_bytes, m_enginePassword, nullptr))
         opened.reset();
+    else if (m_repaired)
+        (void)PageObjects::settleTree(opened->context(), opened->document());
     return {*this, std::move(opened)};
 }
 
@@ -189,8 +183,9 @@ std::shared_ptr<const SourceEngine::PageTable> SourceEngine::makeTable() {
         if (loaded)
             engineTry(context, [&] { pdf_drop_page_tree(context, document); });
         for (int i = 0; i < m_pageCount; ++i)
-            made->pageByObject.emplace(made->objectNumbers[std::size_t(i)], i);
-        made->pageByObject.erase(0);
+            if (const int number = made->objectNumbers[std::size_t(i)];
+                number > 0 && !made->pageByObject.emplace(number, i).second)
+                made->sharedObjects.insert(number);
     }
     const std::lock_guard guard(m_mutex);
     m_table = made;
@@ -236,6 +231,14 @@ int SourceEngine::pageNumberOfObject(int objectNumber) {
         all = makeTable();
     const auto found = all->pageByObject.find(objectNumber);
     return found == all->pageByObject.end() ? -1 : found->second;
+}
+
+bool SourceEngine::isPageObjectShared(int pageNumber) {
+    auto all = table();
+    if (!all)
+        all = makeTable();
+    return pageNumber >= 0 && pageNumber < m_pageCount &&
+           all->sharedObjects.count(all->objectNumbers[std::size_t(pageNumber)]) > 0;
 }
 
 std::shared_ptr<const RecordedPage> SourceEngine::recording(const RecordingKey& key) const {

@@ -121,6 +121,8 @@ public:
     [[nodiscard]] int pageObjectNumber(int pageNumber);
     /// -1 for an object that is no page of the page tree.
     [[nodiscard]] int pageNumberOfObject(int objectNumber);
+    /// True when the page's object stands in the page tree again, where it is another page.
+    [[nodiscard]] bool isPageObjectShared(int pageNumber);
 
     /// What is recorded under a key, the most recent ones only.
     struct RecordingKey {
@@ -158,7 +160,8 @@ private:
     struct PageTable {
         std::vector<int> objectNumbers;
         std::vector<PDFPageGeometry> geometries;
-        std::unordered_map<int, int> pageByObject;
+        std::unordered_map<int, int> pageByObject; // the first of several
+        std::unordered_set<int> sharedObjects;     // of several pages
     };
 
     void takeBack(std::unique_ptr<OpenedDocument> opened);

@@ -14,12 +14,10 @@
 #include "PageAnnotations.h"
 #include "PageLabelWriter.h"
 #include "PageMover.h"
-#include "PdfValues.h"
 #include "SignatureTerms.h"
 #include "SourceFiles.h"
 
 #include <algorithm>
-#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -32,33 +30,21 @@ bool canNumberObjects(QPDF& pdf) {
     return table.empty() || table.rbegin()->first.getObj() < highestObjectNumber / 2;
 }
 
-/// True when the page stands once in its node of the page tree. One that stands there again is another page to whoever
-/// sees it, and can't be changed by itself.
-bool standsOnce(QPDFObjectHandle page) {
-    QPDFObjectHandle siblings = PdfValues::entry(page.getKey("/Parent"), "/Kids");
-    if (!siblings.isArray())
-        return true;
-    const std::vector<QPDFObjectHandle> all = siblings.getArrayAsVector();
-    return std::count_if(all.begin(), all.end(), [&page](const QPDFObjectHandle& sibling) {
-               return sibling.getObjGen() == page.getObjGen();
-           }) <= 1;
-}
-
 /// Writes the pages whose annotations or rotation changed. False when one of them can't be read or isn't an object of
 /// its own.
 bool writePages(const DocumentContents& contents, SourceFile& file, UpdateObjects& objects, FormFields& form,
                 AppearanceRecorder& recorder, SourceFiles& files, const AnnotationDictionary::PageLookup& lookup) {
     PageAnnotations annotations(objects, form, recorder, files, lookup);
-    std::set<QPDFObjGen> written;
     for (const DocumentContents::Page& page : contents.pages) {
         if (!page.modified)
             continue;
-        // A page that stands directly in its node has no object that an update could replace.
-        if (contents.source->pageObjectNumber(page.content.pageNumber) <= 0)
+        // A page that stands directly in its node has no object that an update could replace, and one that stands in
+        // the tree again is another page to whoever sees it.
+        const int number = page.content.pageNumber;
+        if (contents.source->pageObjectNumber(number) <= 0 || contents.source->isPageObjectShared(number))
             return false;
-        QPDFObjectHandle object = file.page(page.content.pageNumber);
-        if (!object.isDictionary() || !object.isIndirect() || !standsOnce(object) ||
-            !written.insert(object.getObjGen()).second)
+        QPDFObjectHandle object = file.page(number);
+        if (!object.isDictionary() || !object.isIndirect())
             return false;
         if (page.page->rotation() != contents.source->geometry(page.content.pageNumber).rotation)
             objects.set(object, "/Rotate", QPDFObjectHandle::newInteger(page.page->rotation()));
@@ -91,13 +77,14 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
         return std::nullopt;
     std::unique_ptr<SourceFile> file;
     try {
-        file = std::make_unique<SourceFile>(contents.source, false);
+        file = std::make_unique<SourceFile>(contents.source, SourceFile::Base::asItCame);
     } catch (const std::exception& error) {
         // Damaged after all.
         qCWarning(Logging::pdf) << "reading a file to append to it failed:" << Logging::causes(error);
         return std::nullopt;
     }
-    if (file->pdf().isEncrypted() || file->pdf().anyWarnings() || !canNumberObjects(file->pdf()))
+    if (file->pdf().isEncrypted() || file->isInDoubt() || !canNumberObjects(file->pdf()) ||
+        !file->pdf().getRoot().isIndirect())
         return std::nullopt;
 
     const SignatureTerms terms(file->pdf());
@@ -129,6 +116,9 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     InformationWriter::write(contents, objects);
     recorder.finish();
 
+    // Damage may show only where an object is read, and what couldn't be read would be missing.
+    if (file->isInDoubt())
+        return std::nullopt;
     return Update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes, terms.areThere(),
                   !terms.allow(objects, extentOf(contents))};
 }

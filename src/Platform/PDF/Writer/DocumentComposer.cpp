@@ -53,6 +53,15 @@ std::optional<QByteArray> savedUpdate(const DocumentContents& contents, const PD
     return update->isSigned || updates * 2 < size ? std::optional(std::move(update->bytes)) : std::nullopt;
 }
 
+/// Writes the document anew. `restart` takes back what was written before.
+template <typename Restart>
+void rewrite(const DocumentContents& contents, const PDFWriteOptions& options, QIODevice& device, Restart restart) {
+    if (RewriteComposer::compose(contents, options, device, SourceFile::Base::repaired))
+        return;
+    restart();
+    (void)RewriteComposer::compose(contents, options, device, SourceFile::Base::copy);
+}
+
 } // namespace
 
 QByteArray DocumentComposer::compose(const DocumentContents& contents, const PDFWriteOptions& options) {
@@ -62,7 +71,10 @@ QByteArray DocumentComposer::compose(const DocumentContents& contents, const PDF
             return update->isEmpty() ? contents.source->bytes() : contents.source->bytes() + *update;
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
-        RewriteComposer::compose(contents, options, buffer);
+        rewrite(contents, options, buffer, [&buffer] {
+            buffer.seek(0);
+            buffer.buffer().clear();
+        });
         return buffer.data();
     });
 }
@@ -76,7 +88,10 @@ FileStamp DocumentComposer::write(const DocumentContents& contents, const PDFWri
                 file.write(contents.source->bytes());
                 file.write(*update);
             } else {
-                RewriteComposer::compose(contents, options, file);
+                rewrite(contents, options, file, [&file] {
+                    file.seek(0);
+                    file.resize(0);
+                });
             }
         };
         return writeFileAtomically(path, writeContents, expected);

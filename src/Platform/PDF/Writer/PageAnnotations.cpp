@@ -86,6 +86,7 @@ void PageAnnotations::write(const PDFPage& page, QPDFObjectHandle pageObject,
     }
 
     std::vector<QPDFObjectHandle> removed;
+    std::vector<Entry> bottom; // below all that was read
     for (int place = 0; place < int(original.size()); ++place) {
         QPDFObjectHandle object = original[std::size_t(place)];
         if (used.count(place) > 0)
@@ -97,12 +98,17 @@ void PageAnnotations::write(const PDFPage& page, QPDFObjectHandle pageObject,
         }
         if (object.isNull())
             continue;
+        if (before.empty() || place < before.begin()->first) {
+            bottom.push_back({object, place});
+            continue;
+        }
         // Behind the one that it followed.
         auto at = entries.end();
         while (at != entries.begin() && ((at - 1)->place > place || (at - 1)->place < 0))
             --at;
         entries.insert(at, {object, place});
     }
+    entries.insert(entries.begin(), bottom.begin(), bottom.end());
     dropRemoved(entries, removed, pageObject);
 
     QPDFObjectHandle list = QPDFObjectHandle::newArray();

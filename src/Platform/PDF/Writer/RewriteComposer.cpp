@@ -6,6 +6,7 @@
 #include "FormFields.h"
 #include "InformationWriter.h"
 #include "LayerImporter.h"
+#include "Logging.h"
 #include "OutlinePages.h"
 #include "OutlineWriter.h"
 #include "PDFDocument.h"
@@ -30,7 +31,9 @@
 #include <QIODevice>
 
 #include <algorithm>
+#include <exception>
 #include <memory>
+#include <new>
 #include <set>
 #include <unordered_map>
 #include <vector>
@@ -67,10 +70,11 @@ std::string passwordBytes(const QString& password) {
 /// One run, from the objects of the source to the bytes.
 class Rewriting {
 public:
-    Rewriting(const DocumentContents& contents, const PDFWriteOptions& options)
-        : m_contents(contents), m_options(options) {}
+    Rewriting(const DocumentContents& contents, const PDFWriteOptions& options, SourceFile::Base base)
+        : m_contents(contents), m_options(options), m_base(base) {}
 
     void compose(QIODevice& device);
+    [[nodiscard]] bool isInDoubt() const;
 
 private:
     void findPages();
@@ -82,6 +86,7 @@ private:
 
     const DocumentContents& m_contents;
     const PDFWriteOptions& m_options;
+    const SourceFile::Base m_base;
     std::unique_ptr<SourceFile> m_main; // null for a new document
     std::unique_ptr<QPDF> m_empty;      // a new document
     bool m_hasSoundTree = false;        // of the main file
@@ -101,7 +106,7 @@ private:
 
 void Rewriting::compose(QIODevice& device) {
     if (m_contents.source) {
-        m_main = std::make_unique<SourceFile>(m_contents.source, true);
+        m_main = std::make_unique<SourceFile>(m_contents.source, m_base);
         if (!Signatures::valuesIn(m_main->pdf()).empty() && m_options.keepsSignatures)
             throw PDFError(PDFError::Kind::breaksSignatures, QStringLiteral("That would break a digital signature."));
         m_hasSoundTree = !m_contents.source->wasRepaired() && m_main->findAllPages();
@@ -114,7 +119,7 @@ void Rewriting::compose(QIODevice& device) {
         Signatures::removeFrom(*m_objects);
     m_form = std::make_unique<FormFields>(*m_objects);
     m_fields = std::make_unique<FieldImporter>(*m_objects, *m_form);
-    m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get());
+    m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get(), m_base);
 
     if (m_main && !m_contents.hasSourceOrder())
         OutlinePages::pin(*m_main, *m_objects);
@@ -132,6 +137,13 @@ void Rewriting::compose(QIODevice& device) {
         LayerImporter::bringOver(file->file.pdf(), file->copier, *m_objects);
     arrangePages();
     write(device);
+}
+
+bool Rewriting::isInDoubt() const {
+    const std::vector<SourceFiles::Foreign*> others =
+        m_files ? m_files->opened() : std::vector<SourceFiles::Foreign*>();
+    return (m_main && m_main->isInDoubt()) ||
+           std::any_of(others.begin(), others.end(), [](const auto* other) { return other->file.isInDoubt(); });
 }
 
 QPDFObjectHandle Rewriting::pageObject(const PDFPage& page) const {
@@ -194,7 +206,7 @@ void Rewriting::writePages(PageAnnotations& annotations) {
 void Rewriting::arrangePages() {
     const bool areOwn =
         std::none_of(m_pages.begin(), m_pages.end(), [](const OutputPage& page) { return page.imported; });
-    if (m_contents.hasSourceOrder() && areOwn)
+    if (m_contents.hasSourceOrder() && areOwn && (!m_main || m_hasSoundTree))
         return; // the tree is right as it stands
     std::vector<QPDFObjectHandle> pages;
     std::set<QPDFObjGen> kept;
@@ -267,6 +279,18 @@ void Rewriting::write(QIODevice& device) {
 
 } // namespace
 
-void RewriteComposer::compose(const DocumentContents& contents, const PDFWriteOptions& options, QIODevice& device) {
-    Rewriting(contents, options).compose(device);
+bool RewriteComposer::compose(const DocumentContents& contents, const PDFWriteOptions& options, QIODevice& device,
+                              SourceFile::Base base) {
+    Rewriting rewriting(contents, options, base);
+    try {
+        rewriting.compose(device);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        if (base == SourceFile::Base::copy)
+            throw;
+        qCWarning(Logging::pdf) << "composing from a file as it came failed:" << Logging::causes(error);
+        return false;
+    }
+    return base == SourceFile::Base::copy || !rewriting.isInDoubt();
 }

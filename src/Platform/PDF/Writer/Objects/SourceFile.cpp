@@ -7,8 +7,6 @@
 
 #include <qpdf/QPDFExc.hh>
 
-#include <QRegularExpression>
-
 #include <exception>
 #include <set>
 #include <utility>
@@ -16,21 +14,6 @@
 namespace {
 
 constexpr int deepestPageTree = 256;
-
-/// The bytes with a trailer that names the last catalogue in them, for files whose own end is lost: without any trailer
-/// QPDF gives up. Empty when there is no catalogue to be found.
-QByteArray withTrailer(const QByteArray& bytes) {
-    static const QRegularExpression object(QStringLiteral("(\\d+)\\s+(\\d+)\\s+obj\\b"));
-    const qsizetype catalog = bytes.lastIndexOf("/Catalog");
-    const qsizetype start = catalog < 0 ? -1 : bytes.lastIndexOf("obj", catalog);
-    if (start < 0)
-        return {};
-    const auto match = object.match(QString::fromLatin1(bytes.mid(std::max<qsizetype>(0, start - 24), 27 + 24)));
-    if (!match.hasMatch())
-        return {};
-    return bytes + "\ntrailer\n<< /Root " + match.captured(1).toLatin1() + ' ' + match.captured(2).toLatin1() +
-           " R >>\nstartxref\n0\n%%EOF\n";
-}
 
 /// Collects the pages below a node of which there is no doubt which they are. False when there is.
 bool collectPages(QPDFObjectHandle node, std::vector<QPDFObjectHandle>& pages, std::set<QPDFObjGen>& seen, int depth) {
@@ -56,66 +39,72 @@ std::unique_ptr<QPDF> opened(const QByteArray& bytes, const QByteArray& password
     pdf->setSuppressWarnings(true);
     pdf->setAttemptRecovery(repair);
     pdf->processMemoryFile("document", bytes.constData(), std::size_t(bytes.size()), password.constData());
+    if (QPDFObjectHandle ids = pdf->getTrailer().getKey("/ID"); repair && ids.isArray())
+        for (QPDFObjectHandle id : ids.getArrayAsVector())
+            if (!id.isString())
+                pdf->getTrailer().removeKey("/ID");
+    if (QPDFObjectHandle root = pdf->getRoot(); repair && !root.isIndirect())
+        pdf->getTrailer().replaceKey("/Root", pdf->makeIndirectObject(root));
     return pdf;
 }
 
-/// Null for a file that can't be opened even so.
-std::unique_ptr<QPDF> openedIfPossible(const QByteArray& bytes, const QByteArray& password) {
-    try {
-        return opened(bytes, password, true);
-    } catch (const std::exception& error) {
-        qCWarning(Logging::pdf) << "opening a repaired file failed:" << Logging::causes(error);
-        return nullptr;
+} // namespace
+
+SourceFile::SourceFile(std::shared_ptr<PDFSource> source, Base base) : m_source(std::move(source)) {
+    const bool repair = base != Base::asItCame;
+    // What was damaged was seen as the engine has repaired it, so that is what is to be saved.
+    if (base == Base::copy || (repair && m_source->wasRepaired()))
+        openCopy();
+    if (!m_pdf) {
+        try {
+            m_pdf = opened(m_source->bytes(), m_source->password(), repair);
+        } catch (const QPDFExc& error) {
+            if (!repair || error.getErrorCode() == qpdf_e_password)
+                throw;
+            qCWarning(Logging::pdf) << "opening a file as it came failed:" << Logging::causes(error);
+            openCopy();
+        }
     }
+    if (!m_pdf)
+        throw PDFError(PDFError::Kind::writeFailed, QStringLiteral("It is too damaged to be saved."));
+    noteGenerations();
+    if (base == Base::repaired && isInDoubt() && !holdsPages())
+        openCopy();
 }
 
-/// True when the file has the pages of the source, as far as their objects tell.
-bool hasPages(QPDF& pdf, const PDFSource& source) {
+void SourceFile::noteGenerations() {
+    m_generations.clear();
+    for (const auto& [id, place] : m_pdf->getXRefTable())
+        if (id.getGen() != 0)
+            m_generations[id.getObj()] = id.getGen();
+}
+
+bool SourceFile::holdsPages() {
     try {
-        const std::vector<QPDFObjectHandle>& pages = pdf.getAllPages();
-        if (int(pages.size()) != source.pageCount())
-            return false;
-        for (int number = 0; number < source.pageCount(); ++number) {
-            const int object = source.pageObjectNumber(number);
-            if (object > 0 && object != pages[std::size_t(number)].getObjectID())
+        for (int number = 0; number < m_source->pageCount(); ++number)
+            if (!page(number).isDictionary())
                 return false;
-        }
-        return true;
+        // Readers take no higher numbers (ISO 32000-1, annex C), and new objects need some.
+        constexpr int highestObjectNumber = 8388607;
+        const auto table = m_pdf->getXRefTable();
+        return !table.empty() && table.rbegin()->first.getObj() < highestObjectNumber / 2;
     } catch (const std::exception& error) {
         qCWarning(Logging::pdf) << "looking for the pages of a damaged file failed:" << Logging::causes(error);
         return false;
     }
 }
 
-} // namespace
-
-SourceFile::SourceFile(std::shared_ptr<PDFSource> source, bool repair) : m_source(std::move(source)) {
-    const QByteArray password = m_source->password();
+void SourceFile::openCopy() {
+    const QByteArray copy = m_source->repairedBytes();
+    if (copy.isEmpty())
+        return;
     try {
-        m_pdf = opened(m_source->bytes(), password, repair);
+        m_pdf = opened(copy, m_source->password(), true); // before the bytes that the former one reads
+        m_bytes = copy;
+        noteGenerations();
     } catch (const QPDFExc& error) {
-        if (!repair || error.getErrorCode() == qpdf_e_password)
-            throw;
-        qCWarning(Logging::pdf) << "opening a file by its own trailer failed:" << Logging::causes(error);
-        m_bytes = withTrailer(m_source->bytes());
-        if (!m_bytes.isEmpty())
-            m_pdf = openedIfPossible(m_bytes, password);
+        qCWarning(Logging::pdf) << "opening a repaired file failed:" << Logging::causes(error);
     }
-    // What was damaged was seen as the engine has repaired it, so that is what is to be saved.
-    const bool isDamaged = !m_pdf || m_source->wasRepaired() || m_pdf->anyWarnings();
-    if (repair && isDamaged && !(m_pdf && hasPages(*m_pdf, *m_source))) {
-        const QByteArray copy = m_source->repairedBytes();
-        auto pdf = copy.isEmpty() ? nullptr : openedIfPossible(copy, password);
-        if (pdf && (!m_pdf || hasPages(*pdf, *m_source))) {
-            m_pdf = std::move(pdf); // before the bytes that the former one reads
-            m_bytes = copy;
-        }
-    }
-    if (!m_pdf)
-        throw PDFError(PDFError::Kind::writeFailed, QStringLiteral("It is too damaged to be saved."));
-    for (const auto& [id, place] : m_pdf->getXRefTable())
-        if (id.getGen() != 0)
-            m_generations[id.getObj()] = id.getGen();
 }
 
 bool SourceFile::findAllPages() {

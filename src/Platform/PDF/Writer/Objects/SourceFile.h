@@ -14,11 +14,18 @@ class PDFSource;
 /// the page tree.
 class SourceFile {
 public:
-    /// Opens the source once more. With `repair`, a damaged file is read as far as it goes; without, it throws
-    /// `QPDFExc`, as does a file that is beyond repair.
-    SourceFile(std::shared_ptr<PDFSource> source, bool repair);
+    enum class Base {
+        asItCame, ///< damage throws `QPDFExc`
+        repaired, ///< of a file in which damage was seen the drawing engine's copy, where it is needed
+        copy,     ///< the drawing engine's copy in any case, if there is one
+    };
+
+    /// Opens the source once more. Throws `PDFError` when the file is too damaged, and `QPDFExc`.
+    SourceFile(std::shared_ptr<PDFSource> source, Base base);
 
     [[nodiscard]] QPDF& pdf() { return *m_pdf; }
+    /// True when damage was found that the drawing engine may have read in another way. Ask again after reading.
+    [[nodiscard]] bool isInDoubt() const { return m_bytes.isEmpty() && m_pdf->anyWarnings(); }
     [[nodiscard]] const std::shared_ptr<PDFSource>& source() const { return m_source; }
 
     /// To be called before most of the pages are asked for: finds them all by one walk through the page tree, which
@@ -38,8 +45,14 @@ public:
     [[nodiscard]] static QPDFObjectHandle inheritedFrom(QPDFObjectHandle page, const std::string& key);
 
 private:
+    /// Nothing changes when there is no copy that can be opened.
+    void openCopy();
+    void noteGenerations();
+    /// True when every page of the source is there, and new objects can be added.
+    [[nodiscard]] bool holdsPages();
+
     std::shared_ptr<PDFSource> m_source; // keeps the bytes that the file reads from
-    QByteArray m_bytes;                  // those bytes with a makeshift end, where the end is missing
+    QByteArray m_bytes;                  // that are read instead: the engine's copy of a damaged file
     std::unique_ptr<QPDF> m_pdf;
     std::unordered_map<int, int> m_generations; // by object number, where it isn't zero
     std::vector<QPDFObjectHandle> m_pages;      // empty until all are found

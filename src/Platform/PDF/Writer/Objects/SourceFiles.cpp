@@ -11,7 +11,7 @@ SourceFiles::Foreign& SourceFiles::foreign(const std::shared_ptr<PDFSource>& sou
     std::unique_ptr<Foreign>& known = m_foreign[source.get()];
     if (known)
         return *known;
-    SourceFile file(source, true);
+    SourceFile file(source, m_base);
     QPDF& pdf = file.pdf();
     known = std::make_unique<Foreign>(Foreign{std::move(file), ObjectCopier(m_objects), NamedDestinations(pdf)});
     known->copier.setPageTest([source](int number) { return source->pageNumberOfObject(number).has_value(); });

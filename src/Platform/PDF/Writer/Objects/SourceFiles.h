@@ -22,7 +22,8 @@ public:
     };
 
     /// `main` is the file whose objects `objects` changes; null when a new file is made.
-    SourceFiles(ObjectStore& objects, SourceFile* main) : m_objects(objects), m_main(main) {}
+    SourceFiles(ObjectStore& objects, SourceFile* main, SourceFile::Base base = SourceFile::Base::repaired)
+        : m_objects(objects), m_main(main), m_base(base) {}
 
     [[nodiscard]] SourceFile* main() const { return m_main; }
     /// True for the source of the file that is being changed.
@@ -37,5 +38,6 @@ private:
 
     ObjectStore& m_objects;
     SourceFile* m_main;
+    SourceFile::Base m_base; // of the others
     std::map<PDFSource*, std::unique_ptr<Foreign>> m_foreign;
 };
