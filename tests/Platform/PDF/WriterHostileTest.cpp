@@ -220,6 +220,11 @@ TEST(WriterHostileTest, WhatWasRepairedIsSavedAsItWasShown) {
         QByteArray file = fixture.bytes();
         return file.replace(file.indexOf("/Count 2"), 8, "/Count 1");
     });
+    add("an object under another generation", 4, [](PdfFixture& fixture) {
+        QByteArray file = fixture.bytes();
+        const qsizetype header = file.lastIndexOf(" obj", file.indexOf("(Page 0)"));
+        return file.replace(header - 1, 1, "7");
+    });
     add("a page in two nodes", 3, [](PdfFixture& fixture) {
         const auto node = [&fixture](const QByteArray& kids) {
             return fixture.addObject("<< /Type /Pages /Count " + QByteArray::number(kids.count('R')) + " /Kids [" +

@@ -7,6 +7,8 @@
 
 /// Objects that can't be read keep the engine from writing the others.
 static void dropUnreadable(fz_context* context, pdf_document* document) {
+    // A file that was shown without being repaired isn't repaired now: that could leave less of it.
+    document->repair_attempted = 1;
     const int count = pdf_xref_len(context, document);
     for (int number = 1; number < count; ++number)
         if (!engineTry(context, [&] { pdf_drop_obj(context, pdf_load_object(context, document, number)); }))

@@ -116,9 +116,8 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     InformationWriter::write(contents, objects);
     recorder.finish();
 
-    // Damage may show only where an object is read, and what couldn't be read would be missing.
-    if (file->isInDoubt())
-        return std::nullopt;
-    return Update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes, terms.areThere(),
+    Update update{IncrementalUpdate::compose(bytes, *sections, objects), sections->updatedBytes, terms.areThere(),
                   !terms.allow(objects, extentOf(contents))};
+    // Damage may show only where an object is read, and what couldn't be read would be missing.
+    return file->isInDoubt() ? std::nullopt : std::optional(std::move(update));
 }

@@ -287,7 +287,8 @@ bool RewriteComposer::compose(const DocumentContents& contents, const PDFWriteOp
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
-        if (base == SourceFile::Base::copy)
+        const bool isAnswer = dynamic_cast<const PDFError*>(&error) != nullptr; // and not a fault of what was read
+        if (isAnswer || base == SourceFile::Base::copy)
             throw;
         qCWarning(Logging::pdf) << "composing from a file as it came failed:" << Logging::causes(error);
         return false;
