@@ -153,7 +153,7 @@ void ThumbnailSidebar::handleTap(int index, Qt::KeyboardModifiers modifiers) {
     if (modifiers & Qt::ControlModifier) {
         selected.select(rowIndex(index), QItemSelectionModel::Toggle);
     } else if ((modifiers & Qt::ShiftModifier) && m_lastClicked.isValid()) {
-        const auto [first, last] = std::minmax(index, m_lastClicked.row());
+        const auto [first, last] = std::minmax({index, m_lastClicked.row()});
         selected.select({rowIndex(first), rowIndex(last)}, QItemSelectionModel::Select);
     } else {
         selected.clearSelection();
