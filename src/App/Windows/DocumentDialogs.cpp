@@ -110,30 +110,32 @@ DocumentDialogs::askToSaveAll(QWidget* parent, const std::vector<UnsavedDocument
     return {dialog->answer(), dialog->checked()};
 }
 
-DocumentPresenter::OverwriteAnswer DocumentDialogs::askAboutChangedFile(QWidget* parent, const QString& documentName) {
+/// Whether to write over a file that holds what would be lost, which `overwrite` does.
+static DocumentPresenter::OverwriteAnswer askToOverwrite(QWidget* parent, const QString& name, const QString& question,
+                                                         const QString& advice, const QString& overwrite) {
     using Answer = DocumentPresenter::OverwriteAnswer;
-    const std::size_t pressed =
-        ask(parent, QStringLiteral("changedFileQuestion"), warningSymbol(),
-            QStringLiteral("“%1” has been changed by another program.").arg(documentName),
-            QStringLiteral("If you overwrite it, the other program's changes are lost. Choose Save As to keep both."),
-            {{QStringLiteral("Save As…"), QMessageBox::AcceptRole},
-             {QStringLiteral("Overwrite"), QMessageBox::DestructiveRole},
-             {QStringLiteral("Cancel"), QMessageBox::RejectRole}},
-            0);
+    const std::size_t pressed = ask(parent, name, warningSymbol(), question, advice,
+                                    {{QStringLiteral("Save As…"), QMessageBox::AcceptRole},
+                                     {overwrite, QMessageBox::DestructiveRole},
+                                     {QStringLiteral("Cancel"), QMessageBox::RejectRole}},
+                                    0);
     return std::array{Answer::SaveAs, Answer::Overwrite, Answer::Cancel}.at(pressed);
 }
 
+DocumentPresenter::OverwriteAnswer DocumentDialogs::askAboutChangedFile(QWidget* parent, const QString& documentName) {
+    return askToOverwrite(
+        parent, QStringLiteral("changedFileQuestion"),
+        QStringLiteral("“%1” has been changed by another program.").arg(documentName),
+        QStringLiteral("If you overwrite it, the other program's changes are lost. Choose Save As to keep both."),
+        QStringLiteral("Overwrite"));
+}
+
 DocumentPresenter::OverwriteAnswer DocumentDialogs::askAboutSignatures(QWidget* parent, const QString& documentName) {
-    using Answer = DocumentPresenter::OverwriteAnswer;
-    const std::size_t pressed =
-        ask(parent, QStringLiteral("signatureQuestion"), warningSymbol(),
-            QStringLiteral("Saving these changes breaks the digital signature of “%1”.").arg(documentName),
-            QStringLiteral("Choose Save As to keep the signed file and put your version beside it."),
-            {{QStringLiteral("Save As…"), QMessageBox::AcceptRole},
-             {QStringLiteral("Save Anyway"), QMessageBox::DestructiveRole},
-             {QStringLiteral("Cancel"), QMessageBox::RejectRole}},
-            0);
-    return std::array{Answer::SaveAs, Answer::Overwrite, Answer::Cancel}.at(pressed);
+    return askToOverwrite(
+        parent, QStringLiteral("signatureQuestion"),
+        QStringLiteral("Saving these changes breaks the digital signature of “%1”.").arg(documentName),
+        QStringLiteral("Choose Save As to keep the signed file and put your version beside it."),
+        QStringLiteral("Save Anyway"));
 }
 
 bool DocumentDialogs::askToReload(QWidget* parent, const QString& documentName) {
