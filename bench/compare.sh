@@ -54,6 +54,13 @@ compare() {
                         "\"ratio\": %.3f, \"aim\": \"ratio <= %s\", \"to_aim\": %.3f}\n", job, o, name, r, o / r, aim, o / r - aim }'
 }
 
+# sizes JOB: how large what the last comparison wrote is beside what the reference wrote.
+sizes() {
+    awk -v job="$1" -v o="$(stat -c %s "$work/out.pdf")" -v r="$(stat -c %s "$work/reference.pdf")" 'BEGIN {
+        printf "{\"job\": \"%s-size\", \"bytes\": %d, \"reference_bytes\": %d, \"ratio\": %.3f, " \
+               "\"aim\": \"ratio <= 1.05\", \"to_aim\": %.3f}\n", job, o, r, o / r, o / r - 1.05 }'
+}
+
 pages=$(qpdf --show-npages "$file" 2>/dev/null || mutool show "$file" pages | grep -c '^page')
 spread=$(for ((i = 0; i < 50; i++)); do echo $((i * pages / 50 + 1)); done | paste -sd,)
 # The picture goes to a plain format and nowhere: what is compared is drawing, not packing.
@@ -75,7 +82,17 @@ awk -v before="$(stat -c %s "$file")" -v after="$(stat -c %s "$work/out.pdf")" '
            after - before, after - before - 20000 }'
 if [ "$pages" -ge 2 ]; then
     compare save-move 0.2 "qpdf in out" "$jobs" save-move "$file" "$work/out.pdf" -- qpdf "$file" "$work/reference.pdf"
+    one=("$file" --pages . $((pages / 2 + 1)) -- "$work/reference.pdf")
+    compare extract 1.0 "qpdf --pages" "$jobs" extract "$file" "$work/out.pdf" -- qpdf "${one[@]}"
+    sizes extract
+    compare split-half 1.0 "qpdf --pages" "$jobs" split-half "$file" "$work/out.pdf" -- \
+        qpdf "$file" --pages . 1-$((pages / 2)) -- "$work/reference.pdf"
+    sizes split-half
+    compare merge-two 1.0 "qpdf --empty --pages" "$jobs" merge-two "$file" "$work/out.pdf" -- \
+        qpdf --empty --pages "$file" "$file" -- "$work/reference.pdf"
     compare save-delete 1.1 "qpdf in out" "$jobs" save-delete "$file" "$work/out.pdf" -- qpdf "$file" "$work/reference.pdf"
+    awk -v o="$(stat -c %s "$work/out.pdf")" -v r="$(stat -c %s "$file")" 'BEGIN {
+        printf "{\"job\": \"rewrite-size\", \"bytes\": %d, \"ratio\": %.3f, \"aim\": \"ratio <= 1.05\", \"to_aim\": %.3f}\n", o, o / r, o / r - 1.05 }'
 fi
 
 # Process start to the first sharp page in a window, beside drawing that page: 300 ms more is the aim.

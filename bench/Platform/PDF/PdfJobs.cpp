@@ -96,6 +96,35 @@ bool saveDelete(PDFDocument& document, const QString& out) {
     return true;
 }
 
+bool writeCopy(const PDFDocument& document, int first, int last, const QString& out) {
+    PDFDocument copy;
+    for (int i = first; i < last; ++i)
+        copy.insert(document.page(i)->copy(), copy.pageCount());
+    copy.write(out);
+    return true;
+}
+
+/// The page that compare.sh asks the reference program for.
+bool extract(const PDFDocument& document, const QString& out) {
+    const int page = document.pageCount() / 2;
+    return writeCopy(document, page, page + 1, out);
+}
+
+bool splitHalf(const PDFDocument& document, const QString& out) {
+    return writeCopy(document, 0, document.pageCount() / 2, out);
+}
+
+/// The file and once more the same.
+bool mergeTwo(const PDFDocument& document, const QString& out) {
+    const auto again = PDFDocument::fromData(document.source()->bytes());
+    PDFDocument merged;
+    for (const PDFDocument* each : {&document, static_cast<const PDFDocument*>(again.get())})
+        for (int i = 0; i < each->pageCount(); ++i)
+            merged.insert(each->page(i)->copy(), merged.pageCount());
+    merged.write(out);
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -109,6 +138,9 @@ int main(int argc, char** argv) {
         {QStringLiteral("save-annotation"), saveAnnotation},
         {QStringLiteral("save-move"), saveMove},
         {QStringLiteral("save-delete"), saveDelete},
+        {QStringLiteral("extract"), extract},
+        {QStringLiteral("split-half"), splitHalf},
+        {QStringLiteral("merge-two"), mergeTwo},
     };
     const auto job = jobs.find(arguments.value(1));
     if (arguments.size() < 3 || job == jobs.end()) {

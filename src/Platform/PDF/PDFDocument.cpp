@@ -2,9 +2,9 @@
 
 #include "FlowingText.h"
 #include "InformationReader.h"
-#include "OutlineReader.h"
 #include "PDFDocumentSnapshot.h"
 #include "PDFError.h"
+#include "PDFOrigin.h"
 #include "PDFOutline.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
@@ -55,6 +55,8 @@ PDFDocument::PDFDocument(std::shared_ptr<PDFSource> source) : m_source(std::move
 }
 
 PDFDocument::~PDFDocument() {
+    if (m_origin && m_origin.use_count() > 1)
+        m_origin->keepAll();
     for (const auto& page : m_pages)
         if (page)
             page->m_document = nullptr;
@@ -65,7 +67,7 @@ std::shared_ptr<PDFDocument> PDFDocument::fromFile(const QString& path) {
 }
 
 std::shared_ptr<PDFSource> PDFDocument::openSource(const QString& path) {
-    return PDFSource::open(readFile(path));
+    return PDFSource::open(readFile(path), QFileInfo(path).fileName());
 }
 
 std::shared_ptr<PDFDocument> PDFDocument::fromSource(const std::shared_ptr<PDFSource>& source) {
@@ -143,6 +145,7 @@ std::shared_ptr<PDFPage> PDFDocument::removePage(int index) {
     m_pages.erase(m_pages.begin() + index);
     m_sourceNumbers.erase(m_sourceNumbers.begin() + index);
     removed->m_document = nullptr;
+    followInOutline(*removed);
     Q_EMIT pagesChanged();
     return removed;
 }
@@ -155,7 +158,28 @@ void PDFDocument::insert(const std::shared_ptr<PDFPage>& page, int index) {
     m_pages.insert(m_pages.begin() + at, page);
     m_sourceNumbers.insert(m_sourceNumbers.begin() + at, content.source == m_source ? content.pageNumber : -1);
     page->m_document = this;
+    followInOutline(*page);
     Q_EMIT pagesChanged();
+}
+
+quint64 PDFDocument::identityOfPage(int index) const {
+    const bool isHere = index >= 0 && index < pageCount() && m_pages[std::size_t(index)];
+    return isHere ? m_pages[std::size_t(index)]->identity() : 0;
+}
+
+std::shared_ptr<PDFOrigin> PDFDocument::origin() const {
+    if (!m_origin)
+        m_origin = std::make_shared<PDFOrigin>(*this);
+    return m_origin;
+}
+
+std::shared_ptr<PDFOrigin> PDFDocument::copiedFrom() const {
+    if (m_source || m_pages.empty())
+        return nullptr;
+    const std::shared_ptr<PDFOrigin>& first = m_pages.front()->origin();
+    const bool isOnly =
+        std::all_of(m_pages.begin(), m_pages.end(), [&first](const auto& page) { return page->origin() == first; });
+    return isOnly ? first : nullptr;
 }
 
 PDFPageGeometry PDFDocument::geometry(int index) const {
@@ -243,10 +267,46 @@ std::optional<PDFSelection> PDFDocument::selection(const PDFPage& fromPage, QPoi
 std::shared_ptr<PDFOutline> PDFDocument::outlineRoot() const {
     if (!m_outlineLoaded && !m_locked) {
         m_outlineLoaded = true;
-        if (m_source)
-            m_outline = OutlineReader::read(m_source->engine(), *this);
+        // Pages that left may come back, so it keeps the places on them.
+        const auto pageOf = [this](int number) -> std::shared_ptr<PDFPage> {
+            const PDFPageContent content{m_source, number};
+            if (auto page = pageOfContent(content))
+                return page;
+            for (const auto& former : m_formerPages)
+                if (auto page = former.lock(); page && page->content() == content)
+                    return page;
+            return nullptr;
+        };
+        m_outline = m_source ? PDFOutline::of(m_source, pageOf) : ImportedOutlines::outlineOfCopies(m_pages);
+        m_formerPages.clear();
     }
+    m_imported.settle(const_cast<PDFDocument&>(*this));
     return m_outline;
+}
+
+bool PDFDocument::hasChangedOutline() const {
+    m_imported.settle(const_cast<PDFDocument&>(*this));
+    return m_outlineChanged || m_imported.hasEntries();
+}
+
+std::shared_ptr<PDFOutline> PDFDocument::ownOutline() {
+    if (!outlineRoot())
+        m_outline = std::make_shared<PDFOutline>();
+    return m_outline;
+}
+
+void PDFDocument::followInOutline(PDFPage& page) {
+    if (!m_source) {
+        m_outlineLoaded = m_outlineChanged;
+        return;
+    }
+    if (page.document()) {
+        m_imported.noteInserted(*this, page);
+        return;
+    }
+    if (!m_outlineLoaded)
+        m_formerPages.push_back(page.weak_from_this());
+    m_imported.noteRemoved(*this, page);
 }
 
 void PDFDocument::setOutlineRoot(const std::shared_ptr<PDFOutline>& root) {
@@ -258,8 +318,12 @@ void PDFDocument::setOutlineRoot(const std::shared_ptr<PDFOutline>& root) {
 QVariantMap PDFDocument::documentAttributes() const {
     if (m_locked)
         return {};
+    if (!m_attributes && !m_source) {
+        const std::shared_ptr<PDFOrigin> original = copiedFrom();
+        return original ? original->attributes() : QVariantMap();
+    }
     if (!m_attributes)
-        m_attributes = m_source ? InformationReader::read(m_source->engine()) : QVariantMap();
+        m_attributes = InformationReader::read(m_source->engine());
     return *m_attributes;
 }
 

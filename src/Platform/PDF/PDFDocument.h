@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ImportedOutlines.h"
 #include "PDFDestination.h"
 #include "PDFFileDestination.h"
 #include "PDFPageContent.h"
@@ -15,6 +16,7 @@
 #include <optional>
 #include <vector>
 
+class PDFOrigin;
 class PDFOutline;
 class PDFPage;
 class PDFSource;
@@ -72,7 +74,9 @@ public:
     /// Takes a page out; it stays alive for whoever holds it. Null when `index` is outside the document.
     std::shared_ptr<PDFPage> removePage(int index);
     /// Puts a page that is in no document at `index`, clamped to the range. A page that is in a document already is
-    /// refused.
+    /// refused. Copies of all pages of another document, put in one after the other, bring that one's outline as an
+    /// entry of its own, which goes and comes back with them. In a new document, copies bring what their document says
+    /// of them as a whole: a single one its outline and its attributes, several an entry each.
     void insert(const std::shared_ptr<PDFPage>& page, int index);
     /// The page's geometry without making its page object; for layout.
     [[nodiscard]] PDFPageGeometry geometry(int index) const;
@@ -100,12 +104,29 @@ public:
     [[nodiscard]] std::shared_ptr<PDFOutline> outlineRoot() const;
     /// Null removes the outline.
     void setOutlineRoot(const std::shared_ptr<PDFOutline>& root);
+    /// True when the outline isn't (any more) that of the source.
+    [[nodiscard]] bool hasChangedOutline() const;
+    /// False until somebody asked for it.
+    [[nodiscard]] bool hasReadOutline() const { return m_outlineLoaded; }
 
     /// The information dictionary: "Title", "Author", "Subject", "Creator", "Producer" and unknown keys as strings,
     /// "Keywords" as a string list, "CreationDate" and "ModDate" as QDateTime.
     [[nodiscard]] QVariantMap documentAttributes() const;
     /// Keys that the map lacks are removed from the file.
     void setDocumentAttributes(const QVariantMap& attributes);
+    /// True once they were set to others than those of the source.
+    [[nodiscard]] bool hasChangedAttributes() const { return m_attributesChanged; }
+
+    // Copies
+
+    /// What copies of its pages know it by.
+    [[nodiscard]] std::shared_ptr<PDFOrigin> origin() const;
+    /// The one document that all pages of a new document were copied from; null for any other.
+    [[nodiscard]] std::shared_ptr<PDFOrigin> copiedFrom() const;
+    /// Of the page at a place (`PDFPage::identity`), without making it: 0 for one that nobody has asked for.
+    [[nodiscard]] quint64 identityOfPage(int index) const;
+    /// The number that the page at a place has in the source; -1 for one that isn't from there.
+    [[nodiscard]] int sourcePage(int index) const { return m_sourceNumbers.at(std::size_t(index)); }
 
     // Writing. A document that came from a protected file keeps that protection, unless options give passwords.
 
@@ -128,11 +149,15 @@ Q_SIGNALS:
 private:
     friend class PDFPage;
     friend class DocumentFreezer;
+    friend class ImportedOutlines;
 
     explicit PDFDocument(std::shared_ptr<PDFSource> source);
     bool unlocked(bool authenticated);
     void adoptPages();
     std::shared_ptr<PDFPage> pageOfContent(const PDFPageContent& content) const;
+    void followInOutline(PDFPage& page);
+    /// The outline's root, made where there is none; without a claim that somebody set it.
+    std::shared_ptr<PDFOutline> ownOutline();
 
     std::shared_ptr<PDFSource> m_source;
     bool m_locked = false;
@@ -141,6 +166,9 @@ private:
     mutable bool m_outlineLoaded = false;
     mutable std::shared_ptr<PDFOutline> m_outline;
     bool m_outlineChanged = false;
+    mutable std::vector<std::weak_ptr<PDFPage>> m_formerPages; // that left before the outline was read
+    mutable ImportedOutlines m_imported;
+    mutable std::shared_ptr<PDFOrigin> m_origin; // null until a page is copied
     mutable std::optional<QVariantMap> m_attributes;
     bool m_attributesChanged = false;
 };

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -14,6 +15,14 @@ class PDFSource;
 /// Main thread only. Changes reach the file only when the tree's root is set as `PDFDocument::setOutlineRoot`.
 class PDFOutline : public std::enable_shared_from_this<PDFOutline> {
 public:
+    /// Tells the live page that stands for a page of the file, zero-based; null for none.
+    using PageOf = std::function<std::shared_ptr<PDFPage>(int page)>;
+    /// The root of the file's outline, leading to these pages; null when the file has none. May wait for the file.
+    [[nodiscard]] static std::shared_ptr<PDFOutline> of(const std::shared_ptr<PDFSource>& file, const PageOf& pageOf);
+    /// The same with those entries only that lead to one of these pages, as `copyWhere` would leave it.
+    [[nodiscard]] static std::shared_ptr<PDFOutline> partOf(const std::shared_ptr<PDFSource>& file,
+                                                            const PageOf& pageOf);
+
     [[nodiscard]] QString label() const { return m_label; }
     void setLabel(const QString& label) {
         m_inFile.hasLabel = m_inFile.hasLabel && label == m_label;
@@ -44,6 +53,12 @@ public:
     void insertChild(const std::shared_ptr<PDFOutline>& child, int index);
     void removeFromParent();
     [[nodiscard]] std::shared_ptr<PDFOutline> parent() const { return m_parent.lock(); }
+
+    /// Where in a copy an item leads that leads to a page here; none when that page isn't among the copy's.
+    using Place = std::function<std::optional<PDFDestination>(const PDFOutline& item)>;
+    /// A copy of the item and of what is below it. An item below whose page isn't among the copy's is left out, unless
+    /// some of its own stay: it is their heading then. A heading of which nothing is left goes too.
+    [[nodiscard]] std::shared_ptr<PDFOutline> copyWhere(const Place& place) const;
 
     /// What an item that was read from a file is there, so that what this class doesn't know of it (colour, style,
     /// other actions, how a destination fits the window) survives where it isn't changed.

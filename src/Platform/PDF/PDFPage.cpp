@@ -13,8 +13,14 @@
 #include "SourceEngine.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace {
+
+quint64 newIdentity() {
+    static std::atomic<quint64> last{0};
+    return ++last;
+}
 
 std::shared_ptr<PDFPage> pageOfBytes(const QByteArray& bytes) {
     return bytes.isEmpty() ? nullptr : std::make_shared<PDFPage>(PDFPageContent{PDFSource::open(bytes), 0});
@@ -22,7 +28,7 @@ std::shared_ptr<PDFPage> pageOfBytes(const QByteArray& bytes) {
 
 } // namespace
 
-PDFPage::PDFPage(PDFPageContent content) : m_content(std::move(content)) {
+PDFPage::PDFPage(PDFPageContent content) : m_identity(newIdentity()), m_content(std::move(content)) {
     QUILLO_ASSERT(m_content.source, "a page has a source");
 }
 
@@ -37,6 +43,13 @@ std::shared_ptr<PDFPage> PDFPage::fromJpeg(const QByteArray& jpeg, QSizeF size) 
 }
 
 std::shared_ptr<PDFPage> PDFPage::copy() const {
+    auto copied = plainCopy();
+    copied->m_origin = m_document ? m_document->origin() : m_origin;
+    copied->m_original = m_document ? m_identity : m_original;
+    return copied;
+}
+
+std::shared_ptr<PDFPage> PDFPage::plainCopy() const {
     auto copied = std::make_shared<PDFPage>(m_content);
     copied->m_rotation = m_rotation;
     if (m_annotationsLoaded) {

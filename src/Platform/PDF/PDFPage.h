@@ -16,9 +16,11 @@
 class PageText;
 class PDFAnnotation;
 class PDFDocument;
+class PDFOrigin;
 class PDFSelection;
 class QFont;
 class QPainter;
+struct PDFImport;
 
 /// A page: a live, shared object with an identity. Views, undo records and annotations hold it. Its content is fixed
 /// for life; its annotations change. Main thread only, except where told.
@@ -43,6 +45,15 @@ public:
     /// A new page with the same content and copies of the annotations, in no document. Costs nothing while the
     /// annotations haven't been asked for.
     [[nodiscard]] std::shared_ptr<PDFPage> copy() const;
+
+    /// A number of its own, which no other page has as long as the program runs.
+    [[nodiscard]] quint64 identity() const { return m_identity; }
+    /// The document that the page was copied from, and the identity that it has there; null and 0 for another page.
+    [[nodiscard]] const std::shared_ptr<PDFOrigin>& origin() const { return m_origin; }
+    [[nodiscard]] quint64 original() const { return m_original; }
+    /// With which others it came into its document; for that one's outline.
+    [[nodiscard]] const std::shared_ptr<PDFImport>& import() const { return m_import; }
+    void setImport(const std::shared_ptr<PDFImport>& import) { m_import = import; }
 
     /// The document that holds the page; null while it is in none.
     [[nodiscard]] PDFDocument* document() const { return m_document; }
@@ -130,15 +141,22 @@ public:
     [[nodiscard]] QImage thumbnail(QSize size, PDFDisplayBox box) const;
 
 private:
+    friend class DocumentFreezer;
     friend class PDFAnnotation;
     friend class PDFDocument;
 
+    /// A copy that knows nothing of where it comes from.
+    [[nodiscard]] std::shared_ptr<PDFPage> plainCopy() const;
     void loadAnnotations() const;
     /// `area` in page coordinates; the whole page when it is null.
     void noteChange(const QRectF& area = {});
     [[nodiscard]] bool isFromHere(const PDFAnnotation& annotation) const;
     [[nodiscard]] std::optional<PDFSelection> selectionOf(int start, int end) const;
 
+    const quint64 m_identity;
+    std::shared_ptr<PDFOrigin> m_origin;
+    quint64 m_original = 0;
+    std::shared_ptr<PDFImport> m_import;
     PDFPageContent m_content;
     PDFDocument* m_document = nullptr; // set and cleared by the document
     mutable bool m_annotationsLoaded = false;

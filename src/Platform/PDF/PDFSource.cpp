@@ -2,6 +2,7 @@
 
 #include "EngineBudget.h"
 #include "EngineCopy.h"
+#include "OutlineReader.h"
 #include "PDFError.h"
 #include "PageLabelReader.h"
 #include "PageText.h"
@@ -17,14 +18,14 @@ constexpr std::size_t recentTextLimit = 48;
 
 } // namespace
 
-std::shared_ptr<PDFSource> PDFSource::open(const QByteArray& bytes) {
+std::shared_ptr<PDFSource> PDFSource::open(const QByteArray& bytes, const QString& fileName) {
     if (bytes.isEmpty())
         throw PDFError(PDFError::Kind::empty, QStringLiteral("The file is empty."));
-    return std::shared_ptr<PDFSource>(new PDFSource(bytes));
+    return std::shared_ptr<PDFSource>(new PDFSource(bytes, fileName));
 }
 
-PDFSource::PDFSource(QByteArray bytes)
-    : m_bytes(std::move(bytes)), m_engine(std::make_unique<SourceEngine>(m_bytes)),
+PDFSource::PDFSource(QByteArray bytes, QString fileName)
+    : m_bytes(std::move(bytes)), m_fileName(std::move(fileName)), m_engine(std::make_unique<SourceEngine>(m_bytes)),
       m_encrypted(m_engine->isEncrypted()) {}
 
 PDFSource::~PDFSource() = default;
@@ -73,6 +74,11 @@ const PageLabels& PDFSource::pageLabels() const {
 
 bool PDFSource::isPageObjectShared(int pageNumber) const {
     return m_engine->isPageObjectShared(pageNumber);
+}
+
+const PDFFileOutline& PDFSource::outline() const {
+    std::call_once(m_outlineRead, [this] { m_outline = OutlineReader::read(*m_engine); });
+    return m_outline;
 }
 
 std::shared_ptr<const PageText> PDFSource::text(int pageNumber, const std::stop_token& stop) const {

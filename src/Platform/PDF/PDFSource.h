@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PDFFileOutline.h"
 #include "PDFPageGeometry.h"
 #include "PageLabels.h"
 
@@ -19,13 +20,16 @@ class SourceEngine;
 /// draws and the writer that composes work on the same bytes. Thread-safe unless told otherwise.
 class PDFSource {
 public:
-    /// Throws `PDFError`. A protected file opens; `needsPassword` tells whether it can be read yet.
-    [[nodiscard]] static std::shared_ptr<PDFSource> open(const QByteArray& bytes);
+    /// Throws `PDFError`. A protected file opens; `needsPassword` tells whether it can be read yet. `fileName` is for
+    /// those who are to know what it was.
+    [[nodiscard]] static std::shared_ptr<PDFSource> open(const QByteArray& bytes, const QString& fileName = {});
     ~PDFSource();
     PDFSource(const PDFSource&) = delete;
     PDFSource& operator=(const PDFSource&) = delete;
 
     [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }
+    /// Without its folder; empty for bytes that came from no file.
+    [[nodiscard]] const QString& fileName() const { return m_fileName; }
 
     [[nodiscard]] bool needsPassword() const;
     /// True when the password, the user's or the owner's, opens the file. Main thread, before any page is read.
@@ -50,6 +54,8 @@ public:
     [[nodiscard]] const PageLabels& pageLabels() const;
     /// True when the page's object is that of another page, too.
     [[nodiscard]] bool isPageObjectShared(int pageNumber) const;
+    /// The same for its outline, which takes its time for a file of a thousand pages.
+    [[nodiscard]] const PDFFileOutline& outline() const;
     /// Never null; empty for a page that can't be read. The last pages asked for are kept. A page that asks for more
     /// work than takes some seconds has the text that was read by then. Once `stop` is requested the text may lack
     /// anything, and isn't kept.
@@ -68,13 +74,16 @@ public:
     [[nodiscard]] SourceEngine& engine() const { return *m_engine; }
 
 private:
-    explicit PDFSource(QByteArray bytes);
+    PDFSource(QByteArray bytes, QString fileName);
 
     const QByteArray m_bytes;
+    const QString m_fileName;
     std::unique_ptr<SourceEngine> m_engine;
     bool m_encrypted = false;
     mutable std::once_flag m_labelsRead;
     mutable PageLabels m_labels;
+    mutable std::once_flag m_outlineRead;
+    mutable PDFFileOutline m_outline;
     mutable std::mutex m_cacheMutex;
     mutable std::vector<std::pair<int, std::shared_ptr<const PageText>>> m_recentText; // most recent last
 };

@@ -16,14 +16,15 @@ const QByteArrayList secrets{
     "GoneText",     "GoneNote",      "GonePopup",       "GoneField",  "GoneValue",       "GoneGroup",    "GoneActual",
     "GoneTitle",    "GoneName",      "GoneOldName",     "GoneThread", "GonePicture",     "GoneProperty", "GonePiece",
     "GoneTemplate", "GoneElementId", "GoneLinkElement", "GoneSpan",   "GoneRadioChoice", "GoneShared",   "GoneXfa",
-    "GoneTrigger",  "GoneOrphan",    "GoneUnlisted",    "GoneThumb",  "GoneAppData",
+    "GoneTrigger",  "GoneOrphan",    "GoneUnlisted",    "GoneThumb",  "GoneAppData",     "GoneEntry",    "GonePart",
 };
 
 // What must stay, though it stands close to what goes.
 const QByteArrayList keepers{
-    "StaysText1", "StaysText3",   "StaysNote",     "StaysField",  "StaysValue",   "StaysActual1", "StaysActual3",
-    "StaysName",  "StaysOldName", "StaysThread",   "StaysEntry",  "StaysPicture", "StaysFile",    "StaysLayer",
-    "StaysLabel", "StaysXmp",     "StaysProperty", "StaysShared", "StaysSection", "StaysGroup",   "StaysReset",
+    "StaysText1",   "StaysText3", "StaysNote",    "StaysField",   "StaysValue",    "StaysActual1",
+    "StaysActual3", "StaysName",  "StaysOldName", "StaysThread",  "StaysEntry",    "StaysPicture",
+    "StaysFile",    "StaysLayer", "StaysLabel",   "StaysXmp",     "StaysProperty", "StaysShared",
+    "StaysSection", "StaysGroup", "StaysReset",   "StaysHeading",
 };
 
 bool contains(const QByteArray& file, const QByteArray& word) {
@@ -114,9 +115,12 @@ void fill(PdfFixture& pdf) {
     pdf.addLink(0, {20, 0, 20, 20}, 2);
     pdf.setPageKey(2, "/AA", "<< /O << /S /GoTo /D (GoneName) /Note (GoneTrigger) >> >>");
     pdf.setRootKey("/OpenAction", '[' + pdf.pageReference(1) + " /Fit]");
-    pdf.setOutline({{QStringLiteral("StaysEntry1"), 0},
-                    {QStringLiteral("StaysEntry2"), 1, {{QStringLiteral("StaysEntry3"), -1, {}, "GoneName"}}},
-                    {QStringLiteral("StaysEntry4"), 2}});
+    pdf.setOutline(
+        {{QStringLiteral("StaysEntry1"), 0},
+         {QStringLiteral("GoneEntry2"), 1, {{QStringLiteral("GoneEntry3"), -1, {}, "GoneName"}}},
+         {QStringLiteral("StaysHeading"), 1, {{QStringLiteral("GoneEntry4"), 1}, {QStringLiteral("StaysEntry5"), 0}}},
+         {QStringLiteral("GonePart"), -1, {{QStringLiteral("GoneEntry6"), 1}}},
+         {QStringLiteral("StaysEntry7"), 2}});
     pdf.addThread(QStringLiteral("StaysThread"), {0, 1, 2});
     pdf.addThread(QStringLiteral("GoneThread"), {1, 1});
     pdf.setPageLabels("0 << /S /D /P (StaysLabel) >>");
@@ -175,13 +179,14 @@ TEST_P(RemovalTest, LeavesNothingOfThePage) {
     EXPECT_EQ(reopened->page(1)->string(), QStringLiteral("StaysText3"));
     const auto outline = reopened->outlineRoot();
     ASSERT_EQ(outline->numberOfChildren(), 3);
+    ASSERT_EQ(outline->child(1)->numberOfChildren(), 1);
     EXPECT_EQ(reopened->index(outline->child(0)->destination()->page().get()), 0);
-    EXPECT_EQ(outline->child(1)->label(), QStringLiteral("StaysEntry2"));
+    EXPECT_EQ(outline->child(1)->label(), QStringLiteral("StaysHeading"));
     EXPECT_FALSE(outline->child(1)->destination());
-    EXPECT_FALSE(outline->child(1)->child(0)->destination());
+    EXPECT_EQ(reopened->index(outline->child(1)->child(0)->destination()->page().get()), 0);
     EXPECT_EQ(reopened->index(outline->child(2)->destination()->page().get()), 1);
     EXPECT_TRUE(unpackedAfter.contains("/D (StaysName2)"));
-    EXPECT_EQ(pagesLinkedFrom(*reopened, 0), std::vector{1});
+    EXPECT_EQ(pagesLinkedFrom(*reopened, 0), (std::vector{1, 1})) << "one by page and one by name";
 }
 
 TEST_P(RemovalTest, LeavesNothingOfAPageThatAPictureReplaces) {

@@ -40,8 +40,13 @@ void readArray(fz_context* context, pdf_obj* array, PDFFileDestination& result) 
 
 void DestinationReader::readDestination(fz_context* context, pdf_document* document, pdf_obj* destination,
                                         PDFFileDestination& result) {
-    if (pdf_is_name(context, destination) || pdf_is_string(context, destination))
-        destination = pdf_lookup_dest(context, document, destination);
+    if (pdf_is_name(context, destination) || pdf_is_string(context, destination)) {
+        pdf_obj* name = destination;
+        destination = pdf_lookup_dest(context, document, name);
+        // Where there is an old dictionary of names, it looks nowhere else.
+        if (!destination && pdf_is_string(context, name))
+            destination = pdf_lookup_name(context, document, PDF_NAME(Dests), name);
+    }
     if (pdf_is_dict(context, destination))
         destination = pdf_dict_get(context, destination, PDF_NAME(D));
     if (pdf_is_array(context, destination))

@@ -2,12 +2,12 @@
 
 #include "DestinationReader.h"
 #include "EngineValues.h"
-#include "PDFDocument.h"
-#include "PDFOutline.h"
+#include "PDFFileDestination.h"
 #include "SourceEngine.h"
 
 #include <QSet>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -40,45 +40,44 @@ Item fetch(fz_context* context, pdf_document* document, pdf_obj* dictionary) {
 
 } // namespace
 
-std::shared_ptr<PDFOutline> OutlineReader::read(SourceEngine& engine, const PDFDocument& document) {
-    const SourceEngine::Lease borrowed = engine.lease();
-    if (!borrowed)
-        return nullptr;
-    fz_context* context = borrowed.context();
-    pdf_obj* first = nullptr;
-    engineTry(context, [&] {
-        first = pdf_dict_getp(context, pdf_trailer(context, borrowed.document()), "Root/Outlines/First");
-    });
-    if (!pdf_is_dict(context, first))
-        return nullptr;
-
-    struct Level {
-        std::shared_ptr<PDFOutline> parent;
-        pdf_obj* next;
-    };
-    auto root = std::make_shared<PDFOutline>();
-    std::vector<Level> levels{{root, first}};
-    QSet<int> seen;
-    for (int items = 0; !levels.empty() && items < itemLimit; ++items) {
-        Level& level = levels.back();
-        pdf_obj* dictionary = level.next;
-        const int number = pdf_to_num(context, dictionary);
-        if (!pdf_is_dict(context, dictionary) || number == 0 || seen.contains(number)) {
-            levels.pop_back();
-            continue;
+PDFFileOutline OutlineReader::read(SourceEngine& engine) {
+    PDFFileOutline outline;
+    std::vector<PDFFileDestination> targets; // of the entries
+    {
+        const SourceEngine::Lease borrowed = engine.lease();
+        if (!borrowed)
+            return outline;
+        fz_context* context = borrowed.context();
+        pdf_obj* first = nullptr;
+        engineTry(context, [&] {
+            first = pdf_dict_getp(context, pdf_trailer(context, borrowed.document()), "Root/Outlines/First");
+        });
+        outline.exists = pdf_is_dict(context, first) != 0;
+        std::vector<pdf_obj*> levels{first}; // what comes next on each
+        QSet<int> seen;
+        for (int items = 0; outline.exists && !levels.empty() && items < itemLimit; ++items) {
+            pdf_obj* dictionary = levels.back();
+            const int number = pdf_to_num(context, dictionary);
+            if (!pdf_is_dict(context, dictionary) || number == 0 || seen.contains(number)) {
+                levels.pop_back();
+                continue;
+            }
+            seen.insert(number);
+            const Item fetched = fetch(context, borrowed.document(), dictionary);
+            const int level = int(std::min(levels.size(), deepestLevel)) - 1;
+            outline.entries.push_back({EngineValues::text(context, fetched.title),
+                                       EngineValues::text(context, fetched.uri), fetched.count > 0, number, level, -1,
+                                       fetched.target.x, fetched.target.y, fetched.target.zoom});
+            targets.push_back(fetched.target);
+            levels.back() = fetched.next;
+            if (fetched.first)
+                levels.push_back(fetched.first);
         }
-        seen.insert(number);
-        const Item fetched = fetch(context, borrowed.document(), dictionary);
-        auto item = std::make_shared<PDFOutline>();
-        item->setLabel(EngineValues::text(context, fetched.title));
-        item->setUrl(EngineValues::text(context, fetched.uri));
-        item->setOpen(fetched.count > 0);
-        item->setDestination(document.destination(fetched.target, document.source()));
-        item->setInFile({document.source(), number, true, true});
-        level.parent->insertChild(item, level.parent->numberOfChildren());
-        level.next = fetched.next;
-        if (fetched.first)
-            levels.push_back({levels.size() < deepestLevel ? item : level.parent, fetched.first});
     }
-    return root;
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const PDFFileDestination& target = targets[i];
+        const int page = target.pageObject > 0 ? engine.pageNumberOfObject(target.pageObject) : target.pageIndex;
+        outline.entries[i].page = page < engine.pageCount() ? page : -1;
+    }
+    return outline;
 }

@@ -1,16 +1,14 @@
 #pragma once
 
-#include <memory>
+#include "PDFFileOutline.h"
 
-class PDFDocument;
-class PDFOutline;
 class SourceEngine;
 
-/// Reads the outline of a file into a live tree.
+/// Reads the outline of a file.
 namespace OutlineReader {
 
-/// Null when the file has no outline. Destinations are pages of `document`. Cycles end the branch, at most 100,000
-/// items are read, and nesting past 64 levels becomes children of the 64th. Main thread.
-[[nodiscard]] std::shared_ptr<PDFOutline> read(SourceEngine& engine, const PDFDocument& document);
+/// Cycles end the branch, at most 100,000 items are read, and nesting past 64 levels becomes children of the 64th. Any
+/// thread.
+[[nodiscard]] PDFFileOutline read(SourceEngine& engine);
 
 } // namespace OutlineReader

@@ -16,6 +16,9 @@ public:
         : m_page(page), m_x(x), m_y(y), m_zoom(zoom) {}
     PDFDestination(const std::shared_ptr<PDFPage>& page, QPointF point) : PDFDestination(page, point.x(), point.y()) {}
 
+    /// The same place on another page.
+    [[nodiscard]] PDFDestination on(const std::shared_ptr<PDFPage>& page) const { return {page, m_x, m_y, m_zoom}; }
+
     /// Null when the page is gone.
     [[nodiscard]] std::shared_ptr<PDFPage> page() const { return m_page.lock(); }
 

@@ -111,7 +111,7 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
             return std::nullopt;
     }
     if (contents.outlineChanged)
-        OutlineWriter::write(contents.outline.get(), objects, lookup);
+        OutlineWriter::write(contents.outline.get(), objects, files, lookup);
     PageLabelWriter::write(contents, objects);
     InformationWriter::write(contents, objects);
     recorder.finish();

@@ -22,9 +22,15 @@ struct DocumentContents {
     };
 
     std::shared_ptr<PDFSource> source; ///< null for a new document
+    /// The file that one written anew starts from: the source, or for a new document one that its pages come from; null
+    /// when it has none. What says something of all its pages comes along, as far as pages stay that it is about.
+    std::shared_ptr<PDFSource> base;
+    /// The file whose metadata are the document's, apart from attributes that changed; null when it has none.
+    std::shared_ptr<PDFSource> about;
     std::vector<Page> pages;
     bool outlineChanged = false;
     std::shared_ptr<PDFOutline> outline; ///< of a changed outline; null when it was removed
+    bool outlineOfAbout = false;         ///< where there is no such base: that outline, as far as it leads to the pages
     bool attributesChanged = false;
     QVariantMap attributes; ///< when they changed
     QDateTime taken;        ///< when the document was as it is here

@@ -3,8 +3,10 @@
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFDraft.h"
+#include "PDFOrigin.h"
 #include "PDFOutline.h"
 #include "PDFPage.h"
+#include "PDFSource.h"
 #include "QuilloAssert.h"
 
 #include <algorithm>
@@ -16,12 +18,48 @@ DocumentContents DocumentFreezer::freeze() {
     m_contents.source = m_document.m_source;
     m_contents.taken = QDateTime::currentDateTime();
     freezePages();
-    if (m_document.m_outlineChanged)
-        freezeOutline();
-    m_contents.attributesChanged = m_document.m_attributesChanged;
-    if (m_contents.attributesChanged)
-        m_contents.attributes = m_document.m_attributes.value_or(QVariantMap());
+    freezeWhole();
     return std::move(m_contents);
+}
+
+/// What the document says of its pages as a whole. A new document of copies takes that from the file of theirs.
+void DocumentFreezer::freezeWhole() {
+    if (m_document.m_source) {
+        m_contents.base = m_contents.about = m_document.m_source;
+        m_contents.attributesChanged = m_document.m_attributesChanged;
+        if (m_document.hasChangedOutline())
+            freezeOutline();
+    } else {
+        const std::shared_ptr<PDFOrigin> origin = m_document.copiedFrom();
+        m_contents.base = baseOfCopies(origin ? origin->source() : nullptr);
+        const bool takesOutline = !m_document.hasChangedOutline() && m_contents.about && origin->hasOutlineOfSource();
+        m_contents.outlineOfAbout = takesOutline && m_contents.base != m_contents.about;
+        if (!takesOutline)
+            freezeOutline();
+        m_contents.attributesChanged = m_document.m_attributesChanged || !m_contents.about ||
+                                       m_contents.base != m_contents.about || !origin->hasAttributesOfSource();
+    }
+    if (m_contents.attributesChanged)
+        m_contents.attributes = m_document.documentAttributes();
+}
+
+/// The file of the document that all were copied from, or else the one with the most pages. None when that is much
+/// larger than what comes from it: to look through it all would take longer than to take out what is needed.
+std::shared_ptr<PDFSource> DocumentFreezer::baseOfCopies(const std::shared_ptr<PDFSource>& original) {
+    constexpr int takenApartFrom = 200; // pages
+    constexpr int smallPart = 8;
+    std::unordered_map<const PDFSource*, int> counts;
+    for (const DocumentContents::Page& page : m_contents.pages)
+        ++counts[page.content.source.get()];
+    std::shared_ptr<PDFSource> base;
+    if (counts.count(original.get()) > 0)
+        base = m_contents.about = original;
+    for (const DocumentContents::Page& page : m_contents.pages)
+        if (!m_contents.about && (!base || counts[page.content.source.get()] > counts[base.get()]))
+            base = page.content.source;
+    const bool isSmallPart =
+        base && base->pageCount() >= takenApartFrom && counts[base.get()] * smallPart < base->pageCount();
+    return isSmallPart ? nullptr : base;
 }
 
 void DocumentFreezer::freezePages() {
@@ -33,7 +71,7 @@ void DocumentFreezer::freezePages() {
     for (std::size_t i = 0; i < contents.size(); ++i) {
         const std::shared_ptr<PDFPage>& live = m_document.m_pages[i];
         const bool modified = live && (live->isModified() || drafted.count(live.get()) > 0);
-        m_contents.pages.push_back({contents[i], modified ? live->copy() : nullptr, modified});
+        m_contents.pages.push_back({contents[i], modified ? live->plainCopy() : nullptr, modified});
         if (live)
             m_places[live.get()] = i;
     }
@@ -103,29 +141,11 @@ PDFDestination DocumentFreezer::frozen(const PDFDestination& destination) {
 
 void DocumentFreezer::freezeOutline() {
     m_contents.outlineChanged = true;
-    if (!m_document.m_outline)
+    const std::shared_ptr<PDFOutline> live = m_document.outlineRoot();
+    if (!live)
         return;
-    struct Item {
-        const PDFOutline* live;
-        std::shared_ptr<PDFOutline> copy;
-    };
-    m_contents.outline = std::make_shared<PDFOutline>();
-    std::vector<Item> pending{{m_document.m_outline.get(), m_contents.outline}};
-    while (!pending.empty()) {
-        const Item parent = pending.back();
-        pending.pop_back();
-        for (int i = 0; i < parent.live->numberOfChildren(); ++i) {
-            const std::shared_ptr<PDFOutline> child = parent.live->child(i);
-            auto copy = std::make_shared<PDFOutline>();
-            copy->setLabel(child->label());
-            copy->setUrl(child->url());
-            copy->setOpen(child->isOpen());
-            if (child->destination())
-                copy->setDestination(frozen(*child->destination()));
-            if (child->inFile().file == m_document.m_source)
-                copy->setInFile(child->inFile());
-            parent.copy->insertChild(copy, i);
-            pending.push_back({child.get(), copy});
-        }
-    }
+    m_contents.outline = live->copyWhere([this](const PDFOutline& item) {
+        PDFDestination place = frozen(*item.destination());
+        return place.page() ? std::optional(std::move(place)) : std::nullopt;
+    });
 }

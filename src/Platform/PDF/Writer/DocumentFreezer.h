@@ -2,10 +2,12 @@
 
 #include "DocumentContents.h"
 
+#include <memory>
 #include <unordered_map>
 
 class PDFDestination;
 class PDFDocument;
+class PDFSource;
 struct PDFDraft;
 
 /// Takes the contents of a live document: copies that nobody else has of what was changed, so that they can be written
@@ -22,7 +24,9 @@ private:
     void freezePages();
     void freezeDestinations(const PDFPage& live, const PDFPage& copy);
     void putDraft();
+    void freezeWhole();
     void freezeOutline();
+    [[nodiscard]] std::shared_ptr<PDFSource> baseOfCopies(const std::shared_ptr<PDFSource>& original);
     /// The same place on the copy of its page; one without a page when that is none of the document's.
     [[nodiscard]] PDFDestination frozen(const PDFDestination& destination);
 

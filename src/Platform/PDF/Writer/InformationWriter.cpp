@@ -126,7 +126,9 @@ void InformationWriter::write(const DocumentContents& contents, ObjectStore& obj
     attributes.insert(modificationDate, contents.taken);
     objects.set(information, keyName(modificationDate), PdfValues::date(contents.taken));
     changed.append(modificationDate);
-    if (contents.source && !contents.hasAllSourcePages())
+    if (contents.base && !contents.hasAllSourcePages())
         changed.append(thumbnails);
+    if (!contents.about)
+        objects.remove(objects.root(), "/Metadata");
     updateMetadata(changed, attributes, objects);
 }

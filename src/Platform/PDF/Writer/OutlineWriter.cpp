@@ -2,6 +2,7 @@
 
 #include "PDFOutline.h"
 #include "PdfValues.h"
+#include "SourceFiles.h"
 
 #include <QUrl>
 
@@ -18,10 +19,30 @@ struct Level {
     QPDFObjectHandle last = QPDFObjectHandle::newNull();
 };
 
-/// What stays of an item that was read from the file: all but its place in the tree and what was changed.
-QPDFObjectHandle keptOf(const PDFOutline& item, ObjectStore& objects) {
+/// The target of an entry of another file, whose own copy would bring more than the place.
+void importTarget(QPDFObjectHandle kept, SourceFiles::Foreign& file) {
+    QPDFObjectHandle action = kept.getKey("/A");
+    const bool isPlace = PdfValues::entry(action, "/S").isNameAndEquals("/GoTo");
+    QPDFObjectHandle place = file.names.explicitDestination(isPlace ? action.getKey("/D") : kept.getKey("/Dest"));
+    kept.removeKey("/Dest");
+    if (isPlace)
+        kept.removeKey("/A");
+    const bool isKnown = place.isArray() && place.getArrayNItems() > 0 && place.getArrayItem(0).isIndirect() &&
+                         file.copier.hasReplacement(place.getArrayItem(0));
+    if (isKnown)
+        kept.replaceKey("/Dest", place.shallowCopy());
+}
+
+/// What stays of an item that was read from a file: all but its place in the tree and what was changed.
+QPDFObjectHandle keptOf(const PDFOutline& item, ObjectStore& objects, SourceFiles& files) {
     const PDFOutline::InFile& inFile = item.inFile();
-    QPDFObjectHandle found = inFile.object > 0 ? objects.object(inFile.object) : QPDFObjectHandle::newNull();
+    const bool isMain = files.isMain(inFile.file);
+    SourceFiles::Foreign* foreign = inFile.file && !isMain ? files.known(inFile.file) : nullptr;
+    QPDFObjectHandle found = QPDFObjectHandle::newNull();
+    if (isMain && inFile.object > 0)
+        found = objects.object(inFile.object);
+    else if (foreign && inFile.object > 0)
+        found = foreign->file.pdf().getObject(inFile.object, 0);
     if (!found.isDictionary() || !found.hasKey("/Title"))
         return QPDFObjectHandle::newDictionary();
     QPDFObjectHandle kept = found.shallowCopy();
@@ -32,7 +53,11 @@ QPDFObjectHandle keptOf(const PDFOutline& item, ObjectStore& objects) {
     for (const char* key : {"/Dest", "/A"})
         if (!inFile.hasTarget)
             kept.removeKey(key);
-    return kept;
+    if (!foreign)
+        return kept;
+    kept.removeKey("/SE"); // an element of a structure tree that stays behind
+    importTarget(kept, *foreign);
+    return foreign->copier.copy(kept);
 }
 
 void setTarget(QPDFObjectHandle object, const PDFOutline& item, const AnnotationDictionary::PageLookup& pages) {
@@ -56,7 +81,8 @@ void setCount(const Level& level, bool open) {
 
 } // namespace
 
-void OutlineWriter::write(const PDFOutline* root, ObjectStore& objects, const AnnotationDictionary::PageLookup& pages) {
+void OutlineWriter::write(const PDFOutline* root, ObjectStore& objects, SourceFiles& files,
+                          const AnnotationDictionary::PageLookup& pages) {
     if (!root || root->numberOfChildren() == 0) {
         objects.remove(objects.root(), "/Outlines");
         return;
@@ -77,7 +103,7 @@ void OutlineWriter::write(const PDFOutline* root, ObjectStore& objects, const An
         }
         Level& parent = levels.back();
         ++parent.next;
-        QPDFObjectHandle object = objects.add(keptOf(*child, objects));
+        QPDFObjectHandle object = objects.add(keptOf(*child, objects, files));
         if (!object.hasKey("/Title"))
             object.replaceKey("/Title", PdfValues::text(child->label()));
         object.replaceKey("/Parent", parent.object);

@@ -8,6 +8,7 @@
 #include "PDFAnnotation.h"
 #include "PDFPage.h"
 #include "PdfValues.h"
+#include "Signatures.h"
 #include "SourceFiles.h"
 #include "StructureLinks.h"
 
@@ -193,6 +194,8 @@ QPDFObjectHandle PageAnnotations::copyFromElsewhere(const PDFAnnotation& annotat
         for (const char* key : {"/FT", "/Ff", "/V", "/DV", "/DA", "/Q", "/MaxLen", "/Opt"})
             if (QPDFObjectHandle inherited = FormTree::inherited(found, key); !inherited.isNull())
                 value.replaceKey(key, inherited);
+    if (widget && Signatures::isField(found))
+        value.removeKey("/V"); // it signed what is there
     for (const char* key : {"/P", "/Popup", "/IRT", "/RT", "/StructParent", "/Parent", "/Kids", "/NM", "/Dest"})
         value.removeKey(key);
     if (PdfValues::entry(value.getKey("/A"), "/S").isNameAndEquals("/GoTo"))

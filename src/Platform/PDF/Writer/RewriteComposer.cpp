@@ -7,10 +7,12 @@
 #include "InformationWriter.h"
 #include "LayerImporter.h"
 #include "Logging.h"
+#include "NameImporter.h"
 #include "OutlinePages.h"
 #include "OutlineWriter.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
+#include "PDFOutline.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
 #include "PageAnnotations.h"
@@ -78,23 +80,27 @@ public:
 
 private:
     void findPages();
+    void separatePages();
+    void bringAbout(const AnnotationDictionary::PageLookup& lookup);
     void writePages(PageAnnotations& annotations);
     void arrangePages();
     [[nodiscard]] bool wereOnlyRemoved(std::size_t count) const;
+    [[nodiscard]] bool areMostOfMain() const;
     void write(QIODevice& device);
     [[nodiscard]] QPDFObjectHandle pageObject(const PDFPage& page) const;
 
     const DocumentContents& m_contents;
     const PDFWriteOptions& m_options;
     const SourceFile::Base m_base;
-    std::unique_ptr<SourceFile> m_main; // null for a new document
-    std::unique_ptr<QPDF> m_empty;      // a new document
+    std::unique_ptr<SourceFile> m_main; // the base, null without one
+    std::unique_ptr<QPDF> m_empty;      // where there is no base
     bool m_hasSoundTree = false;        // of the main file
     std::unique_ptr<FileObjects> m_objects;
     std::unique_ptr<FormFields> m_form;
     std::unique_ptr<FieldImporter> m_fields;
     std::unique_ptr<SourceFiles> m_files;
     std::unique_ptr<PageImporter> m_importer;
+    std::unique_ptr<NameImporter> m_names;
 
     struct OutputPage {
         QPDFObjectHandle object;
@@ -105,11 +111,11 @@ private:
 };
 
 void Rewriting::compose(QIODevice& device) {
-    if (m_contents.source) {
-        m_main = std::make_unique<SourceFile>(m_contents.source, m_base);
-        if (!Signatures::valuesIn(m_main->pdf()).empty() && m_options.keepsSignatures)
+    if (m_contents.base) {
+        m_main = std::make_unique<SourceFile>(m_contents.base, m_base);
+        if (m_contents.source && m_options.keepsSignatures && !Signatures::valuesIn(m_main->pdf()).empty())
             throw PDFError(PDFError::Kind::breaksSignatures, QStringLiteral("That would break a digital signature."));
-        m_hasSoundTree = !m_contents.source->wasRepaired() && m_main->findAllPages();
+        m_hasSoundTree = !m_contents.base->wasRepaired() && m_main->findAllPages();
     } else {
         m_empty = std::make_unique<QPDF>();
         m_empty->emptyPDF();
@@ -124,18 +130,23 @@ void Rewriting::compose(QIODevice& device) {
     if (m_main && !m_contents.hasSourceOrder())
         OutlinePages::pin(*m_main, *m_objects);
     findPages();
+    separatePages();
     const AnnotationDictionary::PageLookup lookup = [this](const PDFPage& page) { return pageObject(page); };
     AppearanceRecorder recorder(*m_objects);
     PageAnnotations annotations(*m_objects, *m_form, recorder, *m_files, lookup);
     writePages(annotations);
-    if (m_contents.outlineChanged)
-        OutlineWriter::write(m_contents.outline.get(), *m_objects, lookup);
+    bringAbout(lookup);
     PageLabelWriter::write(m_contents, *m_objects);
     InformationWriter::write(m_contents, *m_objects);
     recorder.finish();
     for (SourceFiles::Foreign* file : m_files->opened())
         LayerImporter::bringOver(file->file.pdf(), file->copier, *m_objects);
+    m_names->write();
+    m_fields->finish();
     arrangePages();
+    if (m_main && !m_contents.source) // what was signed is another file
+        for (const OutputPage& page : m_pages)
+            Signatures::removeFromPage(page.object);
     write(device);
 }
 
@@ -181,8 +192,42 @@ void Rewriting::findPages() {
     for (std::size_t i = 0; i < m_pages.size(); ++i)
         if (m_pages[i].imported)
             m_importer->announce(m_contents.pages[i].content, m_pages[i].object);
-    for (const auto& [source, numbers] : m_importer->announced())
-        Pruner::separateFromOthers(m_files->foreign(source), numbers);
+}
+
+void Rewriting::separatePages() {
+    m_names = std::make_unique<NameImporter>(*m_objects);
+    for (const auto& [source, numbers] : m_importer->announced()) {
+        SourceFiles::Foreign& file = m_files->foreign(source);
+        if (!m_files->isMain(source)) // whose names are there already
+            m_names->announce(file, source == m_contents.about || int(numbers.size()) == source->pageCount());
+        Pruner::separateFromOthers(file, numbers, *m_names);
+    }
+}
+
+/// What the document says of its pages as a whole, as far as the base doesn't.
+void Rewriting::bringAbout(const AnnotationDictionary::PageLookup& lookup) {
+    if (m_contents.outlineChanged)
+        OutlineWriter::write(m_contents.outline.get(), *m_objects, *m_files, lookup);
+    if (!m_contents.about || m_contents.about == m_contents.base)
+        return;
+    SourceFiles::Foreign& file = m_files->foreign(m_contents.about);
+    QPDFObjectHandle root = file.file.pdf().getRoot();
+    for (const char* key : {"/Metadata", "/Lang", "/ViewerPreferences", "/PageLayout"})
+        if (QPDFObjectHandle value = file.copier.copy(root.getKey(key)); !value.isNull())
+            m_objects->set(m_objects->root(), key, value);
+    if (!m_contents.outlineOfAbout)
+        return;
+    std::vector<std::shared_ptr<PDFPage>> pages; // for as long as the outline leads to them
+    const auto outline = PDFOutline::partOf(m_contents.about, [&](int number) -> std::shared_ptr<PDFPage> {
+        for (std::size_t i = 0; i < m_pages.size(); ++i)
+            if (m_contents.pages[i].content == PDFPageContent{m_contents.about, number}) {
+                pages.push_back(std::make_shared<PDFPage>(m_contents.pages[i].content));
+                m_places[pages.back().get()] = i;
+                return pages.back();
+            }
+        return nullptr;
+    });
+    OutlineWriter::write(outline.get(), *m_objects, *m_files, lookup);
 }
 
 void Rewriting::writePages(PageAnnotations& annotations) {
@@ -215,7 +260,7 @@ void Rewriting::arrangePages() {
         kept.insert(page.object.getObjGen());
     }
     std::vector<QPDFObjectHandle> gone;
-    for (int number = 0; m_main && number < m_contents.source->pageCount(); ++number) {
+    for (int number = 0; m_main && number < m_contents.base->pageCount(); ++number) {
         QPDFObjectHandle page = m_main->page(number);
         if (page.isDictionary() && page.isIndirect() && kept.count(page.getObjGen()) == 0)
             gone.push_back(page);
@@ -232,7 +277,7 @@ void Rewriting::arrangePages() {
 
 /// True when all pages are those of the main file and its sound tree, in its order, apart from so many that are gone.
 bool Rewriting::wereOnlyRemoved(std::size_t count) const {
-    if (!m_hasSoundTree || m_pages.size() + count != std::size_t(m_contents.source->pageCount()))
+    if (!m_hasSoundTree || m_pages.size() + count != std::size_t(m_contents.base->pageCount()))
         return false;
     int last = -1;
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
@@ -244,9 +289,17 @@ bool Rewriting::wereOnlyRemoved(std::size_t count) const {
     return true;
 }
 
+/// What keeps the numbers of its objects pays for those that it doesn't use.
+bool Rewriting::areMostOfMain() const {
+    return m_pages.size() * 2 >= std::size_t(m_contents.base->pageCount());
+}
+
 void Rewriting::write(QIODevice& device) {
     const bool isPlain = m_options.userPassword.isEmpty() && m_options.ownerPassword.isEmpty();
-    if (isPlain && m_main && m_files->opened().empty() && !m_contents.source->wasRepaired() &&
+    const bool isCopy = !m_contents.source;
+    if (isCopy)
+        m_objects->pdf().getTrailer().removeKey("/ID"); // it is another document
+    if (isPlain && m_main && m_files->opened().empty() && !m_contents.base->wasRepaired() && areMostOfMain() &&
         ReachableWriter::write(m_objects->pdf(), device))
         return;
     // The writer corrects the size, but only one that is there.
@@ -254,7 +307,8 @@ void Rewriting::write(QIODevice& device) {
     DevicePipeline pipeline(device);
     QPDFWriter writer(m_objects->pdf());
     writer.setOutputPipeline(&pipeline);
-    writer.setObjectStreamMode(m_main ? qpdf_o_preserve : qpdf_o_generate);
+    writer.setObjectStreamMode(isCopy ? qpdf_o_generate : qpdf_o_preserve);
+    writer.setPreserveEncryption(!isCopy);
     // Streams are written as they are: to pack them again would take most of the time and gain little.
     writer.setStreamDataMode(qpdf_s_preserve);
     writer.setDecodeLevel(qpdf_dl_none);
@@ -270,7 +324,7 @@ void Rewriting::write(QIODevice& device) {
         const std::string& ownerOrUser = owner.empty() ? user : owner;
         writer.setR6EncryptionParameters(user.c_str(), ownerOrUser.c_str(), true, true, true, true, true, true,
                                          qpdf_r3p_full, true);
-    } else if (!m_objects->pdf().isEncrypted()) {
+    } else if (isCopy || !m_objects->pdf().isEncrypted()) {
         writer.setDeterministicID(true);
     }
     writer.write();

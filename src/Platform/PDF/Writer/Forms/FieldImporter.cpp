@@ -1,14 +1,16 @@
 #include "FieldImporter.h"
 
+#include "FieldScripts.h"
 #include "FormFields.h"
 #include "FormTree.h"
 #include "PdfValues.h"
 #include "Signatures.h"
 
-#include <utility>
+#include <algorithm>
 
 void FieldImporter::adopt(QPDFObjectHandle widget, QPDFObjectHandle copy, ObjectCopier& copier) {
     const std::vector<QPDFObjectHandle> chain = FormTree::chain(widget);
+    m_origins[&copier].all.push_back({widget, copy});
     // It signed the file that it comes from, not this one.
     if (Signatures::isField(widget))
         copy.removeKey("/V");
@@ -37,6 +39,7 @@ QPDFObjectHandle FieldImporter::fieldCopy(const std::vector<QPDFObjectHandle>& c
     QPDFObjectHandle copy = copier.reserveFor(original);
     m_objects.fill(copy, copier.copy(value));
     fields[original.getObjGen()] = copy;
+    m_origins[&copier].all.push_back({original, copy});
     if (place + 1 < chain.size()) {
         QPDFObjectHandle parent = fieldCopy(chain, place + 1, copier);
         copy.replaceKey("/Parent", parent);
@@ -49,17 +52,82 @@ QPDFObjectHandle FieldImporter::fieldCopy(const std::vector<QPDFObjectHandle>& c
 }
 
 void FieldImporter::addToForm(QPDFObjectHandle original, QPDFObjectHandle copy, ObjectCopier& copier) {
+    Origin& origin = m_origins[&copier];
+    if (!origin.form.isInitialized())
+        bringForm(origin, original, copier);
+    // What the fields took from their form they now carry themselves.
+    for (const char* key : {"/DA", "/Q"})
+        if (QPDFObjectHandle value = PdfValues::entry(origin.form, key); !copy.hasKey(key) && !value.isNull())
+            copy.replaceKey(key, copier.copy(value));
+    const QString name = PdfValues::toText(original.getKey("/T"));
+    if (m_form.addTopField(copy, name) != name)
+        origin.renamed.insert(original.getObjGen());
+}
+
+/// What belongs to all fields of a form; once.
+void FieldImporter::bringForm(Origin& origin, QPDFObjectHandle original, ObjectCopier& copier) {
+    m_form.dropOtherForm();
     QPDF* file = original.getOwningQPDF();
-    QPDFObjectHandle form = file ? file->getRoot().getKey("/AcroForm") : QPDFObjectHandle::newNull();
-    if (form.isDictionary()) {
-        // What the fields took from their form they now carry themselves.
-        for (const char* key : {"/DA", "/Q"})
-            if (!copy.hasKey(key) && form.hasKey(key))
-                copy.replaceKey(key, copier.copy(form.getKey(key)));
-        QPDFObjectHandle fonts = PdfValues::entry(form.getKey("/DR"), "/Font");
-        const bool isFirst = !std::exchange(m_origins[&copier].resourcesCopied, true);
-        if (isFirst && fonts.isDictionary())
-            m_form.addFonts(copier.copy(fonts.isIndirect() ? fonts.shallowCopy() : fonts));
+    origin.form = file ? file->getRoot().getKey("/AcroForm") : QPDFObjectHandle::newNull();
+    QPDFObjectHandle fonts = PdfValues::entry(PdfValues::entry(origin.form, "/DR"), "/Font");
+    if (fonts.isDictionary())
+        m_form.addFonts(copier.copy(fonts.isIndirect() ? fonts.shallowCopy() : fonts));
+    QPDFObjectHandle asks = PdfValues::entry(origin.form, "/NeedAppearances");
+    if (asks.isBool() && asks.getBoolValue())
+        m_objects.set(m_form.form(true), "/NeedAppearances", asks);
+}
+
+void FieldImporter::finish() {
+    std::set<QString> namesHere;
+    if (!m_origins.empty())
+        FormTree::forEach(m_form.form(false),
+                          [&namesHere](QPDFObjectHandle, const QString& name) { namesHere.insert(name); });
+    for (auto& [copier, origin] : m_origins)
+        finish(origin, namesHere);
+}
+
+/// The names of all fields of the file, and whether each still means the same field, or the same fields.
+std::map<QString, bool> FieldImporter::namesThatStay(const Origin& origin) {
+    std::map<QString, bool> names;
+    bool isRenamed = false; // the field at the top above the one that is visited
+    FormTree::forEach(origin.form, [&](QPDFObjectHandle field, const QString& name) {
+        if (!field.getKey("/Parent").isDictionary())
+            isRenamed = origin.renamed.count(field.getObjGen()) > 0;
+        if (!field.hasKey("/T"))
+            return;
+        const bool stays = origin.came.count(field.getObjGen()) > 0 && !isRenamed;
+        names[name] = stays;
+        for (qsizetype dot = name.lastIndexOf(QLatin1Char('.')); dot > 0 && !stays;
+             dot = name.lastIndexOf(QLatin1Char('.'), dot - 1))
+            names[name.left(dot)] = false;
+    });
+    return names;
+}
+
+void FieldImporter::finish(Origin& origin, const std::set<QString>& namesHere) {
+    std::map<QPDFObjGen, QPDFObjectHandle> copies;
+    for (const Field& field : origin.all) {
+        origin.came.insert(field.original.getObjGen());
+        copies[field.original.getObjGen()] = field.copy;
     }
-    m_form.addTopField(copy, PdfValues::toText(original.getKey("/T")));
+    const std::map<QString, bool> names = namesThatStay(origin);
+    const bool haveChanged = std::any_of(names.begin(), names.end(), [](const auto& name) { return !name.second; });
+    const auto isOther = [&](const QString& name) {
+        const auto known = names.find(name);
+        return known == names.end() ? namesHere.count(name) > 0 : !known->second;
+    };
+    for (const Field& field : origin.all)
+        FieldScripts::dropAbout(field.copy, isOther, haveChanged);
+    QPDFObjectHandle order = PdfValues::entry(origin.form, "/CO");
+    if (!order.isArray())
+        return;
+    QPDFObjectHandle form = m_form.form(true);
+    QPDFObjectHandle ours =
+        form.getKey("/CO").isArray() ? form.getKey("/CO").shallowCopy() : QPDFObjectHandle::newArray();
+    for (const QPDFObjectHandle& field : order.aitems())
+        if (const auto copy = copies.find(field.getObjGen());
+            copy != copies.end() && PdfValues::entry(copy->second.getKey("/AA"), "/C").isDictionary())
+            ours.appendItem(copy->second);
+    if (ours.getArrayNItems() > 0)
+        m_objects.set(form, "/CO", ours);
 }

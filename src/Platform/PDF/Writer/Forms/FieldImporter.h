@@ -3,7 +3,11 @@
 #include "ObjectCopier.h"
 #include "ObjectStore.h"
 
+#include <QString>
+
 #include <map>
+#include <set>
+#include <vector>
 
 class FormFields;
 
@@ -17,14 +21,28 @@ public:
     /// the same.
     void adopt(QPDFObjectHandle widget, QPDFObjectHandle copy, ObjectCopier& copier);
 
+    /// To be called when all have come. Leaves out scripts that name fields which have another name here, aren't here,
+    /// or are others here, and adds the fields that calculate to the form's order of calculation.
+    void finish();
+
 private:
+    struct Field {
+        QPDFObjectHandle original;
+        QPDFObjectHandle copy;
+    };
     /// What has come from one file.
     struct Origin {
         std::map<QPDFObjGen, QPDFObjectHandle> fields; ///< copies by the number of the original
-        bool resourcesCopied = false;
+        QPDFObjectHandle form;                         ///< not initialized where the file has none
+        std::vector<Field> all = {};                   ///< fields and widgets
+        std::set<QPDFObjGen> came = {};
+        std::set<QPDFObjGen> renamed = {}; ///< of the fields at the top
     };
     QPDFObjectHandle fieldCopy(const std::vector<QPDFObjectHandle>& chain, std::size_t place, ObjectCopier& copier);
     void addToForm(QPDFObjectHandle original, QPDFObjectHandle copy, ObjectCopier& copier);
+    void bringForm(Origin& origin, QPDFObjectHandle original, ObjectCopier& copier);
+    static std::map<QString, bool> namesThatStay(const Origin& origin);
+    void finish(Origin& origin, const std::set<QString>& namesHere);
 
     ObjectStore& m_objects;
     FormFields& m_form;

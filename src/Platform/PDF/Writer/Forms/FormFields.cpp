@@ -57,9 +57,10 @@ QString FormFields::freeName(const QString& wished) {
     return name;
 }
 
-void FormFields::addTopField(QPDFObjectHandle field, const QString& name) {
+QString FormFields::addTopField(QPDFObjectHandle field, const QString& name) {
     QPDFObjectHandle dictionary = form(true);
-    field.replaceKey("/T", PdfValues::text(freeName(name)));
+    QString own = freeName(name);
+    field.replaceKey("/T", PdfValues::text(own));
     QPDFObjectHandle fields = dictionary.getKey("/Fields");
     if (!fields.isArray()) {
         fields = QPDFObjectHandle::newArray();
@@ -68,6 +69,7 @@ void FormFields::addTopField(QPDFObjectHandle field, const QString& name) {
     fields.appendItem(field);
     m_objects.noteChange(fields.isIndirect() ? fields : dictionary);
     m_objects.noteChange(dictionary);
+    return own;
 }
 
 void FormFields::addFonts(QPDFObjectHandle fonts) {

@@ -34,8 +34,11 @@ public:
     /// that become empty.
     void remove(QPDFObjectHandle widget);
 
-    /// Adds a field to the top of the form with a name of its own.
-    void addTopField(QPDFObjectHandle field, const QString& name);
+    /// Adds a field to the top of the form with a name of its own, which is returned.
+    QString addTopField(QPDFObjectHandle field, const QString& name);
+
+    /// Removes the form in XML (XFA) that may stand beside this one: it would go on showing the old fields and values.
+    void dropOtherForm();
 
     /// Adds fonts that the form's default resources lack, for new fields or for those of another form.
     void addFonts(QPDFObjectHandle fonts);
@@ -52,8 +55,6 @@ private:
     Look setText(QPDFObjectHandle widget, const PDFAnnotationValues& now);
     void setChosen(QPDFObjectHandle field, const PDFAnnotationValues& now);
     void writeValue(QPDFObjectHandle field, const PDFAnnotationValues& now);
-    /// Removes the form in XML (XFA) that may stand beside this one: it would go on showing the old values.
-    void dropOtherForm();
 
     ObjectStore& m_objects;
     std::map<QPDFObjGen, QStringList> m_written; // values of fields whose widgets all show them

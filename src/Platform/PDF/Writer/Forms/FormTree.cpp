@@ -2,11 +2,33 @@
 
 #include "PdfValues.h"
 
+#include <set>
+
 namespace {
 
 constexpr int deepest = 64;
 
+using Visit = std::function<void(QPDFObjectHandle, const QString&)>;
+
+void visitAll(QPDFObjectHandle list, const QString& above, const Visit& visit, std::set<QPDFObjGen>& seen, int depth) {
+    if (!list.isArray() || depth > deepest)
+        return;
+    for (QPDFObjectHandle field : list.aitems()) {
+        if (!field.isDictionary() || (field.isIndirect() && !seen.insert(field.getObjGen()).second))
+            continue;
+        const QString own = PdfValues::toText(field.getKey("/T"));
+        const QString name = above.isEmpty() || own.isEmpty() ? above + own : above + QLatin1Char('.') + own;
+        visit(field, name);
+        visitAll(field.getKey("/Kids"), name, visit, seen, depth + 1);
+    }
+}
+
 } // namespace
+
+void FormTree::forEach(QPDFObjectHandle form, const Visit& visit) {
+    std::set<QPDFObjGen> seen;
+    visitAll(PdfValues::entry(form, "/Fields"), {}, visit, seen, 0);
+}
 
 std::vector<QPDFObjectHandle> FormTree::chain(QPDFObjectHandle dictionary) {
     std::vector<QPDFObjectHandle> all;

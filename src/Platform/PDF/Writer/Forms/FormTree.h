@@ -2,6 +2,9 @@
 
 #include <qpdf/QPDFObjectHandle.hh>
 
+#include <QString>
+
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,6 +20,9 @@ namespace FormTree {
 
 /// The dictionary and all above it, the nearest first.
 [[nodiscard]] std::vector<QPDFObjectHandle> chain(QPDFObjectHandle dictionary);
+
+/// Calls `visit` for each field and widget that the form lists, with the full name of its field, those above first.
+void forEach(QPDFObjectHandle form, const std::function<void(QPDFObjectHandle field, const QString& name)>& visit);
 
 /// The widgets of a field: itself when it is one, or its kids that aren't fields of their own.
 [[nodiscard]] std::vector<QPDFObjectHandle> widgets(QPDFObjectHandle field);

@@ -47,10 +47,21 @@ std::vector<QPDFObjectHandle> Signatures::valuesIn(QPDF& pdf) {
 }
 
 void Signatures::removeFrom(ObjectStore& objects) {
-    objects.remove(objects.root(), "/Perms");
+    for (const char* key : {"/Perms", "/DSS"})
+        objects.remove(objects.root(), key);
     const std::vector<QPDFObjectHandle> fields = signedFields(objects.pdf());
     for (QPDFObjectHandle field : fields)
         field.removeKey("/V");
     if (!fields.empty())
         objects.root().getKey("/AcroForm").removeKey("/SigFlags");
+}
+
+void Signatures::removeFromPage(QPDFObjectHandle page) {
+    QPDFObjectHandle annotations = page.getKey("/Annots");
+    if (!annotations.isArray())
+        return;
+    for (QPDFObjectHandle annotation : annotations.aitems())
+        if (annotation.isDictionary() && isField(annotation))
+            for (QPDFObjectHandle field : FormTree::chain(annotation))
+                field.removeKey("/V");
 }

@@ -14,9 +14,12 @@ namespace Signatures {
 /// The signatures of the fields of the file's form that are signed, and of the author who has certified it.
 [[nodiscard]] std::vector<QPDFObjectHandle> valuesIn(QPDF& pdf);
 
-/// Leaves the form's fields as they look but unsigned, and the file without the rights that a signature grants: for one
-/// that is written anew, where no signature can hold.
+/// Leaves the form's fields as they look but unsigned, and the file without the rights that a signature grants and what
+/// proves signatures: for one that is written anew, where no signature can hold.
 void removeFrom(ObjectStore& objects);
+
+/// The same for the fields that a page shows, of which the form need not know.
+void removeFromPage(QPDFObjectHandle page);
 
 /// True when the dictionary, of a field or of a widget, belongs to a field for signatures.
 [[nodiscard]] bool isField(QPDFObjectHandle dictionary);

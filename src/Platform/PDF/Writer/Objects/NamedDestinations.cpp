@@ -17,19 +17,30 @@ void NamedDestinations::read() {
             m_byName.emplace(name, value);
 }
 
+std::string NamedDestinations::text(QPDFObjectHandle name) {
+    return name.isString() ? name.getStringValue() : name.getName().substr(1);
+}
+
+void NamedDestinations::forEach(const std::function<void(const std::string&, QPDFObjectHandle)>& visit) {
+    if (!m_read)
+        read();
+    for (const auto& [name, value] : m_byString)
+        visit(name, value);
+    for (const auto& [name, value] : m_byName)
+        if (m_byString.count(name.substr(1)) == 0)
+            visit(name.substr(1), value);
+}
+
 QPDFObjectHandle NamedDestinations::explicitDestination(QPDFObjectHandle destination) {
     if (destination.isString() || destination.isName()) {
         if (!m_read)
             read();
-        const std::string text = destination.isString() ? destination.getStringValue() : destination.getName();
-        const std::string other = destination.isString() ? "/" + text : text.substr(1);
         // Either kind of name is looked up in either place, as readers do.
+        const std::string name = text(destination);
         QPDFObjectHandle found = QPDFObjectHandle::newNull();
-        const std::string& string = destination.isString() ? text : other;
-        const std::string& name = destination.isString() ? other : text;
-        if (const auto place = m_byString.find(string); place != m_byString.end())
+        if (const auto place = m_byString.find(name); place != m_byString.end())
             found = place->second;
-        else if (const auto old = m_byName.find(name); old != m_byName.end())
+        else if (const auto old = m_byName.find("/" + name); old != m_byName.end())
             found = old->second;
         destination = found;
     }

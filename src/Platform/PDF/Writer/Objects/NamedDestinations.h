@@ -2,6 +2,7 @@
 
 #include <qpdf/QPDF.hh>
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -14,6 +15,12 @@ public:
     /// The array of an explicit destination, for a destination of any kind: an array, a dictionary with one, or a name
     /// as string or name object. A null object for a name that the file doesn't know.
     [[nodiscard]] QPDFObjectHandle explicitDestination(QPDFObjectHandle destination);
+
+    /// Every name with what it stands for; of one that is in both places, that of the tree.
+    void forEach(const std::function<void(const std::string& name, QPDFObjectHandle value)>& visit);
+
+    /// The text of a name, without a slash, for a string or a name object.
+    [[nodiscard]] static std::string text(QPDFObjectHandle name);
 
 private:
     void read();

@@ -20,6 +20,11 @@ SourceFiles::Foreign& SourceFiles::foreign(const std::shared_ptr<PDFSource>& sou
     return *known;
 }
 
+SourceFiles::Foreign* SourceFiles::known(const std::shared_ptr<PDFSource>& source) const {
+    const auto found = m_foreign.find(source.get());
+    return found == m_foreign.end() ? nullptr : found->second.get();
+}
+
 void SourceFiles::shareWithMain(Foreign& second) {
     // What the main file has already isn't stored a second time.
     QPDF& main = m_main->pdf();

@@ -30,6 +30,8 @@ public:
     [[nodiscard]] bool isMain(const std::shared_ptr<PDFSource>& source) const;
     /// Opened on first use; the main source too, as a second file, for what is used a second time.
     [[nodiscard]] Foreign& foreign(const std::shared_ptr<PDFSource>& source);
+    /// Null for one that wasn't asked for yet.
+    [[nodiscard]] Foreign* known(const std::shared_ptr<PDFSource>& source) const;
     /// Those opened so far, apart from the main source's second opening.
     [[nodiscard]] std::vector<Foreign*> opened() const;
 

@@ -64,18 +64,8 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
                 value.removeKey(key);
         value.removeKey("/Kids");
         value.removeKey("/P");
-        QPDFObjectHandle target = value.getKey("/Dest");
-        value.removeKey("/Dest");
-        QPDFObjectHandle action = value.getKey("/A");
-        const bool leadsInside = action.isDictionary() && action.getKey("/S").isNameAndEquals("/GoTo");
-        if (leadsInside) {
-            target = action.getKey("/D");
-            value.removeKey("/A");
-        }
         m_objects.fill(copy, file.copier.copy(value));
         copy.replaceKey("/P", page);
-        if (QPDFObjectHandle imported = importTarget(file, target); !imported.isNull())
-            copy.replaceKey("/Dest", imported);
         if (isWidget)
             m_adoptWidget(item, copy, file.copier);
         all.appendItem(copy);
@@ -83,10 +73,4 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
     if (!places.empty())
         page.replaceKey("/Annots", all);
     return copies;
-}
-
-QPDFObjectHandle PageImporter::importTarget(SourceFiles::Foreign& file, QPDFObjectHandle destination) {
-    QPDFObjectHandle place = file.names.explicitDestination(destination);
-    // A copy of the array itself, since one that is named may be referred to by several links.
-    return place.isNull() ? place : file.copier.copy(place.shallowCopy());
 }

@@ -35,7 +35,6 @@ public:
 private:
     std::vector<QPDFObjectHandle> importAnnotations(SourceFiles::Foreign& file, QPDFObjectHandle original,
                                                     const IsWanted& isWanted, QPDFObjectHandle page);
-    QPDFObjectHandle importTarget(SourceFiles::Foreign& file, QPDFObjectHandle destination);
 
     ObjectStore& m_objects;
     SourceFiles& m_files;

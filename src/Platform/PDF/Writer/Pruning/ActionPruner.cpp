@@ -6,8 +6,18 @@ constexpr int longestChain = 64;
 
 } // namespace
 
+bool ActionPruner::isGoneTarget(QPDFObjectHandle owner, const char* key) {
+    QPDFObjectHandle destination = owner.getKey(key);
+    if (m_isGone(destination))
+        return true;
+    if (m_replace)
+        if (QPDFObjectHandle replacement = m_replace(destination); !replacement.isNull())
+            owner.replaceKey(key, replacement);
+    return false;
+}
+
 bool ActionPruner::leadsToGone(QPDFObjectHandle action) {
-    return action.getKey("/S").isNameAndEquals("/GoTo") && m_isGone(action.getKey("/D"));
+    return action.getKey("/S").isNameAndEquals("/GoTo") && isGoneTarget(action, "/D");
 }
 
 /// What resets, submits or hides fields names them at these keys.
@@ -29,8 +39,9 @@ bool ActionPruner::isGoneAction(QPDFObjectHandle action, int depth) {
     if (!action.isDictionary())
         return false;
     // Each once, since the branches of a chain may meet again.
-    if (action.isIndirect() && !m_seen.insert(action.getObjGen()).second)
-        return leadsToGone(action);
+    if (action.isIndirect())
+        if (const auto [known, isNew] = m_seen.emplace(action.getObjGen(), false); !isNew)
+            return known->second;
     QPDFObjectHandle kind = action.getKey("/S");
     if (kind.isNameAndEquals("/ResetForm") || kind.isNameAndEquals("/SubmitForm") || kind.isNameAndEquals("/Hide"))
         pruneFields(action);
@@ -45,14 +56,17 @@ bool ActionPruner::isGoneAction(QPDFObjectHandle action, int depth) {
             if (isGoneAction(next.getArrayItem(i), depth + 1))
                 next.eraseItem(i);
     }
-    return leadsToGone(action);
+    const bool isGone = leadsToGone(action);
+    if (action.isIndirect())
+        m_seen[action.getObjGen()] = isGone;
+    return isGone;
 }
 
 void ActionPruner::pruneTarget(QPDFObjectHandle owner, const char* destinationKey, const char* actionKey) {
     if (isGoneAction(owner.getKey(actionKey)))
         owner.removeKey(actionKey);
     QPDFObjectHandle destination = owner.getKey(destinationKey);
-    if (!destination.isNull() && !destination.isDictionary() && m_isGone(destination))
+    if (!destination.isNull() && !destination.isDictionary() && isGoneTarget(owner, destinationKey))
         owner.removeKey(destinationKey);
 }
 
@@ -71,7 +85,8 @@ void ActionPruner::prunePage(QPDFObjectHandle page) {
     if (!annotations.isArray())
         return;
     for (QPDFObjectHandle annotation : annotations.aitems()) {
-        if (!annotation.isDictionary())
+        if (!annotation.isDictionary() ||
+            (annotation.isIndirect() && !m_seenAnnotations.insert(annotation.getObjGen()).second))
             continue;
         pruneTarget(annotation, "/Dest", "/A");
         pruneTriggers(annotation);

@@ -3,7 +3,9 @@
 #include <qpdf/QPDFObjectHandle.hh>
 
 #include <functional>
+#include <map>
 #include <set>
+#include <utility>
 
 /// Takes destinations, actions that go to them, and what actions do to fields, out of what may carry them: links,
 /// outline entries, triggers.
@@ -11,9 +13,13 @@ class ActionPruner {
 public:
     using Test = std::function<bool(QPDFObjectHandle object)>;
 
+    /// What takes the place of a destination that stays; a null object for one that stays as it is.
+    using Replace = std::function<QPDFObjectHandle(QPDFObjectHandle destination)>;
+
     /// `isGone` is given destinations of any kind: arrays, names, strings. `isGoneField` is given what actions name
     /// fields and annotations by: references, and full names as strings.
-    ActionPruner(Test isGone, Test isGoneField) : m_isGone(std::move(isGone)), m_isGoneField(std::move(isGoneField)) {}
+    ActionPruner(Test isGone, Test isGoneField, Replace replace = {})
+        : m_isGone(std::move(isGone)), m_isGoneField(std::move(isGoneField)), m_replace(std::move(replace)) {}
 
     /// The destination and the action at these keys of a dictionary, which may be the same key.
     void pruneTarget(QPDFObjectHandle owner, const char* destinationKey, const char* actionKey);
@@ -25,9 +31,12 @@ public:
 private:
     bool isGoneAction(QPDFObjectHandle action, int depth = 0);
     bool leadsToGone(QPDFObjectHandle action);
+    bool isGoneTarget(QPDFObjectHandle owner, const char* key);
     void pruneFields(QPDFObjectHandle action);
 
     Test m_isGone;
     Test m_isGoneField;
-    std::set<QPDFObjGen> m_seen;
+    Replace m_replace;
+    std::map<QPDFObjGen, bool> m_seen; // actions, and whether they are gone
+    std::set<QPDFObjGen> m_seenAnnotations;
 };

@@ -6,24 +6,6 @@
 #include "PdfValues.h"
 #include "RemovedPages.h"
 
-namespace {
-
-void pruneOutline(QPDFObjectHandle outline, ActionPruner& actions) {
-    std::set<QPDFObjGen> seen;
-    std::vector<QPDFObjectHandle> todo{PdfValues::entry(outline, "/First")};
-    while (!todo.empty()) {
-        QPDFObjectHandle item = todo.back();
-        todo.pop_back();
-        if (!item.isDictionary() || !item.isIndirect() || !seen.insert(item.getObjGen()).second)
-            continue;
-        actions.pruneTarget(item, "/Dest", "/A");
-        todo.push_back(item.getKey("/First"));
-        todo.push_back(item.getKey("/Next"));
-    }
-}
-
-} // namespace
-
 void Pruner::pruneDestinations(const RemovedPages& gone, ObjectStore& objects) {
     NamedDestinations destinations(objects.pdf());
     // Anything but a place on a removed page, odd things too, is left alone.
@@ -33,7 +15,7 @@ void Pruner::pruneDestinations(const RemovedPages& gone, ObjectStore& objects) {
     };
     ActionPruner actions(isGone, [&gone](QPDFObjectHandle named) { return gone.hasField(named); });
     QPDFObjectHandle root = objects.root();
-    pruneOutline(root.getKey("/Outlines"), actions);
+    pruneOutline(actions, objects);
     actions.pruneTarget(root, "/OpenAction", "/OpenAction");
     actions.pruneTriggers(root);
     for (const QPDFObjectHandle& page : gone.remaining)

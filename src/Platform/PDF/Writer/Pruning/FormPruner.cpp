@@ -1,5 +1,6 @@
 #include "Pruner.h"
 
+#include "FieldScripts.h"
 #include "PdfValues.h"
 #include "RemovedPages.h"
 
@@ -17,10 +18,14 @@ public:
             pruneList(fields, {}, 0);
         for (const QPDFObjectHandle& page : m_gone.removed)
             dropUnlisted(page);
+        pruneScripts();
         QPDFObjectHandle order = form.getKey("/CO");
-        for (int i = order.isArray() ? order.getArrayNItems() - 1 : -1; i >= 0; --i)
-            if (m_gone.fields.count(order.getArrayItem(i).getObjGen()) > 0)
+        for (int i = order.isArray() ? order.getArrayNItems() - 1 : -1; i >= 0; --i) {
+            QPDFObjectHandle field = order.getArrayItem(i);
+            const bool calculates = PdfValues::entry(PdfValues::entry(field, "/AA"), "/C").isDictionary();
+            if (m_gone.fields.count(field.getObjGen()) > 0 || (m_hasDropped && !calculates))
                 order.eraseItem(i);
+        }
         // XFA describes the whole form a second time, in XML, with the values of all fields: those of the dropped ones
         // could still be read there.
         if (m_hasDropped)
@@ -52,7 +57,17 @@ private:
             if (!own.isEmpty())
                 m_gone.fieldNames.insert(name);
         }
+        if (!isGone)
+            m_kept.push_back(field);
         return !isGone;
+    }
+
+    /// What names a dropped field would look for it in vain, or find another one that takes its name later.
+    void pruneScripts() {
+        const auto isGone = [this](const QString& name) { return m_gone.fieldNames.count(name) > 0; };
+        if (!m_gone.fieldNames.empty())
+            for (const QPDFObjectHandle& field : m_kept)
+                FieldScripts::dropAbout(field, isGone, false);
     }
 
     void drop(QPDFObjectHandle field) {
@@ -88,6 +103,7 @@ private:
 
     RemovedPages& m_gone;
     std::set<QPDFObjGen> m_seen;
+    std::vector<QPDFObjectHandle> m_kept; // fields and widgets
     bool m_hasDropped = false;
 };
 

@@ -1,6 +1,7 @@
 #include "Pruner.h"
 
 #include "ActionPruner.h"
+#include "NameImporter.h"
 #include "PDFSource.h"
 #include "PageTree.h"
 #include "PdfValues.h"
@@ -59,7 +60,8 @@ void Pruner::prune(RemovedPages gone, ObjectStore& objects) {
         objects.pdf().replaceObject(id, QPDFObjectHandle::newNull());
 }
 
-void Pruner::separateFromOthers(SourceFiles::Foreign& file, const std::set<int>& pageNumbers) {
+void Pruner::separateFromOthers(SourceFiles::Foreign& file, const std::set<int>& pageNumbers,
+                                const NameImporter& names) {
     FileObjects objects(file.file.pdf());
     std::vector<QPDFObjectHandle> pages;
     for (const int number : pageNumbers)
@@ -73,13 +75,18 @@ void Pruner::separateFromOthers(SourceFiles::Foreign& file, const std::set<int>&
     ActionPruner actions(
         [&file](QPDFObjectHandle destination) {
             QPDFObjectHandle place = file.names.explicitDestination(destination);
-            return place.isNull() || place.getArrayNItems() == 0 || !place.getArrayItem(0).isIndirect() ||
-                   !file.copier.hasReplacement(place.getArrayItem(0));
+            if (place.isNull() || place.getArrayNItems() == 0)
+                return true;
+            QPDFObjectHandle page = place.getArrayItem(0);
+            if (page.isInteger())
+                page = file.file.page(int(PdfValues::toNumber(page)));
+            return !page.isIndirect() || !file.copier.hasReplacement(page);
         },
         [&](QPDFObjectHandle named) {
             return named.isString() ? fieldNames.count(PdfValues::toText(named)) == 0
                                     : !file.copier.hasReplacement(named);
-        });
+        },
+        [&](QPDFObjectHandle destination) { return names.renamed(destination, file); });
     for (const QPDFObjectHandle& page : pages)
         actions.prunePage(page);
     if (int(pageNumbers.size()) < file.file.source()->pageCount())

@@ -6,6 +6,8 @@
 #include <set>
 #include <vector>
 
+class ActionPruner;
+class NameImporter;
 struct RemovedPages;
 
 /// Takes out of a file all that only removed pages needed, so that nothing of them can be found in the file again.
@@ -17,6 +19,9 @@ void prune(RemovedPages gone, ObjectStore& objects);
 /// Destinations: names of them, outline entries, links and the action at opening that lead to a removed page. What
 /// actions do to fields that are gone goes, too.
 void pruneDestinations(const RemovedPages& gone, ObjectStore& objects);
+
+/// Entries of the outline that `actions` takes the target of; those that have others below them stay without it.
+void pruneOutline(ActionPruner& actions, ObjectStore& objects);
 
 /// Widgets of removed pages, with the fields that only they show, of which `gone` is told.
 void pruneForm(RemovedPages& gone, ObjectStore& objects);
@@ -35,8 +40,9 @@ void pruneResources(const RemovedPages& gone, ObjectStore& objects);
 void dropUnusedResources(const std::vector<QPDFObjectHandle>& pages);
 
 /// Cuts what the pages share with others of their file down to what these pages need: names of resources, and links and
-/// actions that lead to pages which don't come along. For pages of `file` that are about to be copied, each with its
-/// replacement announced to the file's copier. `pageNumbers` are zero-based.
-void separateFromOthers(SourceFiles::Foreign& file, const std::set<int>& pageNumbers);
+/// actions that lead to pages which don't come along. Those that stay get the names that `names` tells. For pages of
+/// `file` that are about to be copied, each with its replacement announced to the file's copier. `pageNumbers` are
+/// zero-based.
+void separateFromOthers(SourceFiles::Foreign& file, const std::set<int>& pageNumbers, const NameImporter& names);
 
 } // namespace Pruner

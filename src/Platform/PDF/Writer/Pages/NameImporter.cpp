@@ -1,0 +1,125 @@
+#include "NameImporter.h"
+
+#include "NameTree.h"
+#include "PdfValues.h"
+
+#include <vector>
+
+namespace {
+
+constexpr const char* places = "/Dests";
+constexpr const char* attachments = "/EmbeddedFiles";
+/// Readers look a name up by the limits of the nodes, so neither long leaves nor deep trees are good.
+constexpr std::size_t mostInNode = 64;
+
+struct Node {
+    QPDFObjectHandle object;
+    std::string first;
+    std::string last;
+};
+
+void setLimits(const Node& node) {
+    QPDFObjectHandle(node.object)
+        .replaceKey("/Limits", QPDFObjectHandle::newArray(
+                                   {QPDFObjectHandle::newString(node.first), QPDFObjectHandle::newString(node.last)}));
+}
+
+/// The root of a tree with these pairs.
+QPDFObjectHandle treeOf(const std::map<std::string, QPDFObjectHandle>& pairs, ObjectStore& objects) {
+    std::vector<Node> level;
+    for (auto next = pairs.begin(); next != pairs.end();) {
+        QPDFObjectHandle names = QPDFObjectHandle::newArray();
+        Node node{QPDFObjectHandle::newDictionary(), next->first, {}};
+        for (std::size_t i = 0; i < mostInNode && next != pairs.end(); ++i, ++next) {
+            names.appendItem(QPDFObjectHandle::newString(next->first));
+            names.appendItem(next->second);
+            node.last = next->first;
+        }
+        node.object.replaceKey("/Names", names);
+        level.push_back(std::move(node));
+    }
+    while (level.size() > 1) {
+        std::vector<Node> above;
+        for (std::size_t i = 0; i < level.size(); ++i) {
+            setLimits(level[i]);
+            if (i % mostInNode == 0) {
+                above.push_back({QPDFObjectHandle::newDictionary(), level[i].first, {}});
+                above.back().object.replaceKey("/Kids", QPDFObjectHandle::newArray());
+            }
+            above.back().object.getKey("/Kids").appendItem(objects.add(level[i].object));
+            above.back().last = level[i].last;
+        }
+        level = std::move(above);
+    }
+    return objects.add(level.front().object);
+}
+
+} // namespace
+
+void NameImporter::readPresent(const char* key, Tree& tree) {
+    tree.isRead = true;
+    NameTree::forEach(PdfValues::entry(m_objects.root().getKey("/Names"), key), "/Names",
+                      [&tree](QPDFObjectHandle name, QPDFObjectHandle value) {
+                          if (name.isString())
+                              tree.present.emplace(name.getStringValue(), value);
+                      });
+}
+
+std::string NameImporter::add(const char* key, const std::string& name, QPDFObjectHandle value,
+                              SourceFiles::Foreign& file) {
+    Tree& tree = m_trees[key];
+    if (!tree.isRead)
+        readPresent(key, tree);
+    std::string free = name;
+    for (int number = 2; tree.present.count(free) + tree.added.count(free) > 0; ++number)
+        free = name + "_" + std::to_string(number);
+    tree.added.emplace(free, Added{value, &file});
+    return free;
+}
+
+void NameImporter::announce(SourceFiles::Foreign& file, bool isWhole) {
+    std::map<std::string, std::string>& renamed = m_places[&file];
+    file.names.forEach([&](const std::string& name, QPDFObjectHandle value) {
+        QPDFObjectHandle place = file.names.explicitDestination(value);
+        if (place.isArray() && place.getArrayNItems() > 0 && place.getArrayItem(0).isIndirect() &&
+            file.copier.hasReplacement(place.getArrayItem(0)))
+            renamed.emplace(name, add(places, name, place, file));
+    });
+    if (isWhole)
+        NameTree::forEach(PdfValues::entry(file.file.pdf().getRoot().getKey("/Names"), attachments), "/Names",
+                          [&](QPDFObjectHandle name, QPDFObjectHandle value) {
+                              if (name.isString() && value.isDictionary())
+                                  add(attachments, name.getStringValue(), value, file);
+                          });
+}
+
+QPDFObjectHandle NameImporter::renamed(QPDFObjectHandle destination, SourceFiles::Foreign& file) const {
+    if (destination.isArray() && destination.getArrayNItems() > 0 && destination.getArrayItem(0).isInteger()) {
+        QPDFObjectHandle page = file.file.page(int(PdfValues::toNumber(destination.getArrayItem(0))));
+        QPDFObjectHandle place = destination.shallowCopy();
+        place.setArrayItem(0, page);
+        return place;
+    }
+    if (!destination.isString() && !destination.isName())
+        return QPDFObjectHandle::newNull();
+    const std::string name = NamedDestinations::text(destination);
+    const auto known = m_places.find(&file);
+    if (known != m_places.end())
+        if (const auto now = known->second.find(name); now != known->second.end())
+            return now->second == name && destination.isString() ? QPDFObjectHandle::newNull()
+                                                                 : QPDFObjectHandle::newString(now->second);
+    // Of the file that is being written itself: its own names may lead elsewhere, so the copy says where.
+    QPDFObjectHandle place = file.names.explicitDestination(destination);
+    return place.isArray() ? place.shallowCopy() : place;
+}
+
+void NameImporter::write() {
+    for (auto& [key, tree] : m_trees) {
+        if (tree.added.empty())
+            continue;
+        std::map<std::string, QPDFObjectHandle> all = std::move(tree.present);
+        for (auto& [name, added] : tree.added)
+            all.emplace(name, added.file->copier.copy(added.value));
+        m_objects.set(m_objects.dictionaryAt(m_objects.root(), "/Names"), key, treeOf(all, m_objects));
+    }
+}
