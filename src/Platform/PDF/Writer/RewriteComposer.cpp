@@ -141,8 +141,11 @@ void Rewriting::compose(QIODevice& device) {
     recorder.finish();
     for (SourceFiles::Foreign* file : m_files->opened())
         LayerImporter::bringOver(file->file.pdf(), file->copier, *m_objects);
-    m_names->write();
     m_fields->finish();
+    for (SourceFiles::Foreign* file : m_files->opened())
+        for (const ImportedScripts::Script& script : m_fields->scriptsOf(file->copier))
+            m_names->addScript(script.name, script.action, *file);
+    m_names->write();
     arrangePages();
     if (m_main && !m_contents.source) // what was signed is another file
         for (const OutputPage& page : m_pages)
@@ -163,7 +166,12 @@ QPDFObjectHandle Rewriting::pageObject(const PDFPage& page) const {
 }
 
 void Rewriting::findPages() {
-    const auto adopt = [this](QPDFObjectHandle widget, QPDFObjectHandle copy, ObjectCopier& copier) {
+    const auto adopt = [this, knowsNames = false](QPDFObjectHandle widget, QPDFObjectHandle copy,
+                                                  ObjectCopier& copier) mutable {
+        for (const OutputPage& page : m_pages)
+            if (!knowsNames && !page.imported)
+                m_form->keepNamesOf(page.object);
+        knowsNames = true;
         m_fields->adopt(widget, copy, copier);
     };
     m_importer = std::make_unique<PageImporter>(*m_objects, *m_files, adopt);

@@ -67,8 +67,8 @@ void FieldImporter::addToForm(QPDFObjectHandle original, QPDFObjectHandle copy, 
 /// What belongs to all fields of a form; once.
 void FieldImporter::bringForm(Origin& origin, QPDFObjectHandle original, ObjectCopier& copier) {
     m_form.dropOtherForm();
-    QPDF* file = original.getOwningQPDF();
-    origin.form = file ? file->getRoot().getKey("/AcroForm") : QPDFObjectHandle::newNull();
+    origin.file = original.getOwningQPDF();
+    origin.form = origin.file ? origin.file->getRoot().getKey("/AcroForm") : QPDFObjectHandle::newNull();
     QPDFObjectHandle fonts = PdfValues::entry(PdfValues::entry(origin.form, "/DR"), "/Font");
     if (fonts.isDictionary())
         m_form.addFonts(copier.copy(fonts.isIndirect() ? fonts.shallowCopy() : fonts));
@@ -82,8 +82,15 @@ void FieldImporter::finish() {
     if (!m_origins.empty())
         FormTree::forEach(m_form.form(false),
                           [&namesHere](QPDFObjectHandle, const QString& name) { namesHere.insert(name); });
+    ImportedScripts scripts(m_objects);
     for (auto& [copier, origin] : m_origins)
-        finish(origin, namesHere);
+        finish(origin, namesHere, scripts);
+}
+
+const std::vector<ImportedScripts::Script>& FieldImporter::scriptsOf(const ObjectCopier& copier) const {
+    static const std::vector<ImportedScripts::Script> none;
+    const auto origin = m_origins.find(&copier);
+    return origin == m_origins.end() ? none : origin->second.scripts;
 }
 
 /// The names of all fields of the file, and whether each still means the same field, or the same fields.
@@ -104,7 +111,7 @@ std::map<QString, bool> FieldImporter::namesThatStay(const Origin& origin) {
     return names;
 }
 
-void FieldImporter::finish(Origin& origin, const std::set<QString>& namesHere) {
+void FieldImporter::finish(Origin& origin, const std::set<QString>& namesHere, ImportedScripts& scripts) {
     std::map<QPDFObjGen, QPDFObjectHandle> copies;
     for (const Field& field : origin.all) {
         origin.came.insert(field.original.getObjGen());
@@ -116,8 +123,19 @@ void FieldImporter::finish(Origin& origin, const std::set<QString>& namesHere) {
         const auto known = names.find(name);
         return known == names.end() ? namesHere.count(name) > 0 : !known->second;
     };
+    const auto tellsOfOther = [&](const FieldScripts::Names& script) {
+        return (haveChanged && script.computes) || std::any_of(script.texts.begin(), script.texts.end(), isOther);
+    };
+    ImportedScripts::Taken taken;
+    if (origin.file)
+        taken = scripts.take(*origin.file, tellsOfOther);
     for (const Field& field : origin.all)
-        FieldScripts::dropAbout(field.copy, isOther, haveChanged);
+        FieldScripts::dropWhere(field.copy, [&](const FieldScripts::Names& script) {
+            return tellsOfOther(script) ||
+                   std::any_of(taken.missing.begin(), taken.missing.end(),
+                               [&](const QString& word) { return script.words.count(word) > 0; });
+        });
+    origin.scripts = std::move(taken.scripts);
     QPDFObjectHandle order = PdfValues::entry(origin.form, "/CO");
     if (!order.isArray())
         return;

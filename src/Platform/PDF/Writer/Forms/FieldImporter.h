@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ImportedScripts.h"
 #include "ObjectCopier.h"
 #include "ObjectStore.h"
 
@@ -25,6 +26,9 @@ public:
     /// or are others here, and adds the fields that calculate to the form's order of calculation.
     void finish();
 
+    /// The scripts of the whole file that come along with its fields, once all is finished.
+    [[nodiscard]] const std::vector<ImportedScripts::Script>& scriptsOf(const ObjectCopier& copier) const;
+
 private:
     struct Field {
         QPDFObjectHandle original;
@@ -33,16 +37,18 @@ private:
     /// What has come from one file.
     struct Origin {
         std::map<QPDFObjGen, QPDFObjectHandle> fields; ///< copies by the number of the original
-        QPDFObjectHandle form;                         ///< not initialized where the file has none
+        QPDF* file = nullptr;                          ///< null until a field has come
+        QPDFObjectHandle form;                         ///< not initialized until then
         std::vector<Field> all = {};                   ///< fields and widgets
         std::set<QPDFObjGen> came = {};
         std::set<QPDFObjGen> renamed = {}; ///< of the fields at the top
+        std::vector<ImportedScripts::Script> scripts = {};
     };
     QPDFObjectHandle fieldCopy(const std::vector<QPDFObjectHandle>& chain, std::size_t place, ObjectCopier& copier);
     void addToForm(QPDFObjectHandle original, QPDFObjectHandle copy, ObjectCopier& copier);
     void bringForm(Origin& origin, QPDFObjectHandle original, ObjectCopier& copier);
     static std::map<QString, bool> namesThatStay(const Origin& origin);
-    void finish(Origin& origin, const std::set<QString>& namesHere);
+    void finish(Origin& origin, const std::set<QString>& namesHere, ImportedScripts& scripts);
 
     ObjectStore& m_objects;
     FormFields& m_form;

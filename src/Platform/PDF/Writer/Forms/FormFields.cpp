@@ -37,7 +37,7 @@ QPDFObjectHandle FormFields::form(bool make) {
     return m_objects.dictionaryAt(root, "/AcroForm");
 }
 
-QString FormFields::freeName(const QString& wished) {
+std::set<QString>& FormFields::names() {
     if (!m_names) {
         m_names.emplace();
         QPDFObjectHandle fields = form(true).getKey("/Fields");
@@ -46,14 +46,26 @@ QString FormFields::freeName(const QString& wished) {
                 if (field.isDictionary())
                     m_names->insert(PdfValues::toText(field.getKey("/T")));
     }
+    return *m_names;
+}
+
+void FormFields::keepNamesOf(QPDFObjectHandle page) {
+    QPDFObjectHandle annotations = page.getKey("/Annots");
+    if (!annotations.isArray())
+        return;
+    for (const QPDFObjectHandle& annotation : annotations.aitems())
+        if (PdfValues::entry(annotation, "/Subtype").isNameAndEquals("/Widget"))
+            names().insert(PdfValues::toText(FormTree::chain(annotation).back().getKey("/T")));
+}
+
+QString FormFields::freeName(const QString& wished) {
     // A dot would say that the field is part of another.
     QString base = QString(wished).replace(QLatin1Char('.'), QLatin1Char('_'));
     if (base.isEmpty())
         base = QStringLiteral("field");
     QString name = base;
-    for (int number = 2; m_names->count(name) > 0; ++number)
+    for (int number = 2; !names().insert(name).second; ++number)
         name = base + QLatin1Char('_') + QString::number(number);
-    m_names->insert(name);
     return name;
 }
 

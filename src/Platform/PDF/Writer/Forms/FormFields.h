@@ -37,6 +37,9 @@ public:
     /// Adds a field to the top of the form with a name of its own, which is returned.
     QString addTopField(QPDFObjectHandle field, const QString& name);
 
+    /// Gives to no other field the names of those that a page shows, of which the form need not know.
+    void keepNamesOf(QPDFObjectHandle page);
+
     /// Removes the form in XML (XFA) that may stand beside this one: it would go on showing the old fields and values.
     void dropOtherForm();
 
@@ -47,6 +50,7 @@ public:
     [[nodiscard]] QPDFObjectHandle form(bool make);
 
 private:
+    std::set<QString>& names();
     QString freeName(const QString& wished);
     /// The name, in the form's resources, of the standard font that is nearest; added to them.
     QByteArray standardFont(const QFont& font);

@@ -9,6 +9,7 @@ namespace {
 
 constexpr const char* places = "/Dests";
 constexpr const char* attachments = "/EmbeddedFiles";
+constexpr const char* scripts = "/JavaScript";
 /// Readers look a name up by the limits of the nodes, so neither long leaves nor deep trees are good.
 constexpr std::size_t mostInNode = 64;
 
@@ -111,6 +112,10 @@ QPDFObjectHandle NameImporter::renamed(QPDFObjectHandle destination, SourceFiles
     // Of the file that is being written itself: its own names may lead elsewhere, so the copy says where.
     QPDFObjectHandle place = file.names.explicitDestination(destination);
     return place.isArray() ? place.shallowCopy() : place;
+}
+
+void NameImporter::addScript(const std::string& name, QPDFObjectHandle action, SourceFiles::Foreign& file) {
+    add(scripts, name, action, file);
 }
 
 void NameImporter::write() {

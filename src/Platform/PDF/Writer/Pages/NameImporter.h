@@ -7,9 +7,9 @@
 #include <set>
 #include <string>
 
-/// Brings the names that other files give to places on their pages, and to files attached to them, into the name trees
-/// of the file that is being written (ISO 32000-1, 7.7.4). A name that is in use there gets the first free number:
-/// "intro", "intro_2".
+/// Brings the names that other files give to places on their pages, to files attached to them, and to their scripts,
+/// into the name trees of the file that is being written (ISO 32000-1, 7.7.4). A name that is in use there gets the
+/// first free number: "intro", "intro_2".
 class NameImporter {
 public:
     explicit NameImporter(ObjectStore& objects) : m_objects(objects) {}
@@ -21,6 +21,9 @@ public:
     /// What a destination of the file is to be once it is copied: by the new name, or by the page itself where it was
     /// given by its number. A null object when it can stay as it is.
     [[nodiscard]] QPDFObjectHandle renamed(QPDFObjectHandle destination, SourceFiles::Foreign& file) const;
+
+    /// For a script of the file as a whole.
+    void addScript(const std::string& name, QPDFObjectHandle action, SourceFiles::Foreign& file);
 
     /// Writes the trees that have new names. Once, when all files were announced.
     void write();

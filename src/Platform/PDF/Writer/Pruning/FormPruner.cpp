@@ -4,6 +4,8 @@
 #include "PdfValues.h"
 #include "RemovedPages.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr int deepest = 64;
@@ -64,10 +66,13 @@ private:
 
     /// What names a dropped field would look for it in vain, or find another one that takes its name later.
     void pruneScripts() {
-        const auto isGone = [this](const QString& name) { return m_gone.fieldNames.count(name) > 0; };
+        const auto namesGone = [this](const FieldScripts::Names& names) {
+            return std::any_of(names.texts.begin(), names.texts.end(),
+                               [this](const QString& name) { return m_gone.fieldNames.count(name) > 0; });
+        };
         if (!m_gone.fieldNames.empty())
             for (const QPDFObjectHandle& field : m_kept)
-                FieldScripts::dropAbout(field, isGone, false);
+                FieldScripts::dropWhere(field, namesGone);
     }
 
     void drop(QPDFObjectHandle field) {

@@ -46,6 +46,7 @@ void expectFields(QPDFObjectHandle page, ObjectCopier& copier, std::set<QString>
 
 void Pruner::prune(RemovedPages gone, ObjectStore& objects) {
     pruneResources(gone, objects);
+    pruneLayers(gone, objects);
     pruneForm(gone, objects);
     pruneDestinations(gone, objects);
     pruneThreads(gone, objects);

@@ -32,6 +32,9 @@ void pruneStructure(const RemovedPages& gone, ObjectStore& objects);
 /// The parts of articles that ran over removed pages.
 void pruneThreads(const RemovedPages& gone, ObjectStore& objects);
 
+/// Layers that only removed pages used, out of the lists of the file's layers.
+void pruneLayers(const RemovedPages& gone, ObjectStore& objects);
+
 /// Entries of resource dictionaries that removed pages used and no remaining page uses, though it could.
 void pruneResources(const RemovedPages& gone, ObjectStore& objects);
 
