@@ -35,6 +35,8 @@ void fill(PdfFixture& pdf, const QStringList& words) {
         entries.push_back({QStringLiteral("named ") + word, -1, {}, "place " + bytes});
         pdf.addLink(page, {0, 0, 20, 20}, next);
         pdf.addNamedLink(page, {0, 30, 20, 20}, "place " + QByteArray::number(next));
+        pdf.addAnnotation(page,
+                          "<< /Subtype /Link /Rect [0 120 20 140] /Dest [" + QByteArray::number(next) + " /Fit] >>");
         pdf.addAnnotation(page, "<< /Subtype /Link /Rect [0 60 20 80] /A << /S /GoTo /D (place " +
                                     words[next].toLatin1() + ") /Next << /S /Named /N /Print >> >> >>");
         pdf.addTextField(page, QStringLiteral("own ") + word, {40, 40, 90, 20}, QStringLiteral("value ") + word);

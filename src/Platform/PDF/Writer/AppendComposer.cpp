@@ -6,8 +6,8 @@
 #include "IncrementalUpdate.h"
 #include "InformationWriter.h"
 #include "Logging.h"
+#include "NumberedDestinations.h"
 #include "ObjectStore.h"
-#include "OutlinePages.h"
 #include "OutlineWriter.h"
 #include "PDFPage.h"
 #include "PDFSource.h"
@@ -103,7 +103,8 @@ std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentCont
     if (!writePages(contents, *file, objects, form, recorder, files, lookup))
         return std::nullopt;
     if (!contents.hasSourceOrder()) {
-        OutlinePages::pin(*file, objects);
+        if (NumberedDestinations::mayBeIn(*file))
+            return std::nullopt; // many objects may have to change
         std::vector<int> order;
         for (const DocumentContents::Page& page : contents.pages)
             order.push_back(page.content.pageNumber);

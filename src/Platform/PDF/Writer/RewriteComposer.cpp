@@ -8,7 +8,7 @@
 #include "LayerImporter.h"
 #include "Logging.h"
 #include "NameImporter.h"
-#include "OutlinePages.h"
+#include "NumberedDestinations.h"
 #include "OutlineWriter.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
@@ -127,8 +127,8 @@ void Rewriting::compose(QIODevice& device) {
     m_fields = std::make_unique<FieldImporter>(*m_objects, *m_form);
     m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get(), m_base);
 
-    if (m_main && !m_contents.hasSourceOrder())
-        OutlinePages::pin(*m_main, *m_objects);
+    if (m_main && !m_contents.hasSourceOrder() && NumberedDestinations::mayBeIn(*m_main))
+        NumberedDestinations::pin(*m_main, *m_objects);
     findPages();
     separatePages();
     const AnnotationDictionary::PageLookup lookup = [this](const PDFPage& page) { return pageObject(page); };
