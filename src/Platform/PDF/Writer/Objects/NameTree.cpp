@@ -80,6 +80,21 @@ private:
     std::set<QPDFObjGen> m_seen;
 };
 
+/// Readers look a name up by the limits of the nodes, so neither long leaves nor deep trees are good.
+constexpr std::size_t mostInNode = 64;
+
+struct Node {
+    QPDFObjectHandle object;
+    std::string first;
+    std::string last;
+};
+
+void setLimits(const Node& node) {
+    QPDFObjectHandle(node.object)
+        .replaceKey("/Limits", QPDFObjectHandle::newArray(
+                                   {QPDFObjectHandle::newString(node.first), QPDFObjectHandle::newString(node.last)}));
+}
+
 } // namespace
 
 void NameTree::forEach(QPDFObjectHandle root, const std::string& leafKey,
@@ -94,4 +109,33 @@ void NameTree::forEach(QPDFObjectHandle root, const std::string& leafKey,
 void NameTree::removeIf(QPDFObjectHandle root, const std::string& leafKey,
                         const std::function<bool(QPDFObjectHandle, QPDFObjectHandle)>& isGone) {
     Walker(leafKey, isGone, true).walk(root);
+}
+
+QPDFObjectHandle NameTree::make(const std::map<std::string, QPDFObjectHandle>& pairs, ObjectStore& objects) {
+    std::vector<Node> level;
+    for (auto next = pairs.begin(); next != pairs.end();) {
+        QPDFObjectHandle names = QPDFObjectHandle::newArray();
+        Node node{QPDFObjectHandle::newDictionary(), next->first, {}};
+        for (std::size_t i = 0; i < mostInNode && next != pairs.end(); ++i, ++next) {
+            names.appendItem(QPDFObjectHandle::newString(next->first));
+            names.appendItem(next->second);
+            node.last = next->first;
+        }
+        node.object.replaceKey("/Names", names);
+        level.push_back(std::move(node));
+    }
+    while (level.size() > 1) {
+        std::vector<Node> above;
+        for (std::size_t i = 0; i < level.size(); ++i) {
+            setLimits(level[i]);
+            if (i % mostInNode == 0) {
+                above.push_back({QPDFObjectHandle::newDictionary(), level[i].first, {}});
+                above.back().object.replaceKey("/Kids", QPDFObjectHandle::newArray());
+            }
+            above.back().object.getKey("/Kids").appendItem(objects.add(level[i].object));
+            above.back().last = level[i].last;
+        }
+        level = std::move(above);
+    }
+    return objects.add(level.front().object);
 }

@@ -10,50 +10,6 @@ namespace {
 constexpr const char* places = "/Dests";
 constexpr const char* attachments = "/EmbeddedFiles";
 constexpr const char* scripts = "/JavaScript";
-/// Readers look a name up by the limits of the nodes, so neither long leaves nor deep trees are good.
-constexpr std::size_t mostInNode = 64;
-
-struct Node {
-    QPDFObjectHandle object;
-    std::string first;
-    std::string last;
-};
-
-void setLimits(const Node& node) {
-    QPDFObjectHandle(node.object)
-        .replaceKey("/Limits", QPDFObjectHandle::newArray(
-                                   {QPDFObjectHandle::newString(node.first), QPDFObjectHandle::newString(node.last)}));
-}
-
-/// The root of a tree with these pairs.
-QPDFObjectHandle treeOf(const std::map<std::string, QPDFObjectHandle>& pairs, ObjectStore& objects) {
-    std::vector<Node> level;
-    for (auto next = pairs.begin(); next != pairs.end();) {
-        QPDFObjectHandle names = QPDFObjectHandle::newArray();
-        Node node{QPDFObjectHandle::newDictionary(), next->first, {}};
-        for (std::size_t i = 0; i < mostInNode && next != pairs.end(); ++i, ++next) {
-            names.appendItem(QPDFObjectHandle::newString(next->first));
-            names.appendItem(next->second);
-            node.last = next->first;
-        }
-        node.object.replaceKey("/Names", names);
-        level.push_back(std::move(node));
-    }
-    while (level.size() > 1) {
-        std::vector<Node> above;
-        for (std::size_t i = 0; i < level.size(); ++i) {
-            setLimits(level[i]);
-            if (i % mostInNode == 0) {
-                above.push_back({QPDFObjectHandle::newDictionary(), level[i].first, {}});
-                above.back().object.replaceKey("/Kids", QPDFObjectHandle::newArray());
-            }
-            above.back().object.getKey("/Kids").appendItem(objects.add(level[i].object));
-            above.back().last = level[i].last;
-        }
-        level = std::move(above);
-    }
-    return objects.add(level.front().object);
-}
 
 } // namespace
 
@@ -125,6 +81,6 @@ void NameImporter::write() {
         std::map<std::string, QPDFObjectHandle> all = std::move(tree.present);
         for (auto& [name, added] : tree.added)
             all.emplace(name, added.file->copier.copy(added.value));
-        m_objects.set(m_objects.dictionaryAt(m_objects.root(), "/Names"), key, treeOf(all, m_objects));
+        m_objects.set(m_objects.dictionaryAt(m_objects.root(), "/Names"), key, NameTree::make(all, m_objects));
     }
 }

@@ -10,11 +10,11 @@ namespace {
 
 using Layers = std::set<QPDFObjGen>;
 
-constexpr int deepest = 32;
+constexpr int deepestList = 32;
 
 /// The layers that a membership names (ISO 32000-1, 8.11.2.2), or the one that it is itself.
 void addLayers(QPDFObjectHandle membership, Layers& layers, int depth = 0) {
-    if (depth > deepest)
+    if (depth > deepestList)
         return;
     if (membership.isArray()) { // of layers, or an expression of them
         for (const QPDFObjectHandle& item : membership.aitems())
@@ -51,7 +51,7 @@ Layers layersOf(const std::vector<QPDFObjectHandle>& pages) {
 /// Takes layers out of an array, and out of those within it that nothing is left of. What stood below a layer in the
 /// list for people takes its place.
 void removeFrom(QPDFObjectHandle array, const Layers& gone, int depth = 0) {
-    if (!array.isArray() || depth > deepest)
+    if (!array.isArray() || depth > deepestList)
         return;
     std::vector<QPDFObjectHandle> kept;
     bool isBelowGone = false;
