@@ -35,6 +35,7 @@ QImage PDFPageRasterizer::render(const PDFPage& page, double scale, const std::f
     painter.save();
     page.draw(PDFDisplayBox::mediaBox, painter);
     painter.restore();
+    painter.translate(-mediaBox.topLeft());
     if (overlay)
         overlay(painter);
     painter.end();

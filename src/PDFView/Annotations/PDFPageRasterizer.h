@@ -15,8 +15,7 @@ inline constexpr qint64 maximumPixelCount = qint64(128) * 1024 * 1024;
 
 /// Draws the page with its annotations on opaque white, `scale` pixels for one unit of page coordinates, not turned by
 /// its rotation. The bitmap has the media box's size times `scale`, fractions of a pixel cut off. Then `overlay`, which
-/// may be empty, draws over it: its painter has its origin at the lower left corner of the media box, y up, and is
-/// scaled by `scale`.
+/// may be empty, draws over it: in page coordinates, y up.
 ///
 /// Null when the media box is empty, when a side would be below one pixel, or when the bitmap would be larger than
 /// `maximumPixelCount` or than the memory holds.

@@ -138,6 +138,14 @@ int PDFDocument::index(const PDFPage* page) const {
     return found == m_pages.end() ? -1 : int(found - m_pages.begin());
 }
 
+/// The page that took the place of the one with that content; -1 for none.
+int PDFDocument::indexOfReplacing(const PDFPageContent& place) const {
+    const auto found = std::find_if(m_pages.begin(), m_pages.end(), [&place](const auto& page) {
+        return page && page->replacesAnother() && page->place() == place;
+    });
+    return found == m_pages.end() ? -1 : int(found - m_pages.begin());
+}
+
 std::shared_ptr<PDFPage> PDFDocument::removePage(int index) {
     std::shared_ptr<PDFPage> removed = page(index);
     if (!removed)
@@ -160,6 +168,28 @@ void PDFDocument::insert(const std::shared_ptr<PDFPage>& page, int index) {
     page->m_document = this;
     followInOutline(*page);
     Q_EMIT pagesChanged();
+}
+
+std::shared_ptr<PDFPage> PDFDocument::replacePage(int index, const std::shared_ptr<PDFPage>& page) {
+    if (!page || page->m_document)
+        return nullptr;
+    std::shared_ptr<PDFPage> replaced = removePage(index);
+    if (!replaced)
+        return nullptr;
+    page->setImport(replaced->import());
+    insert(page, index);
+    std::vector<std::shared_ptr<PDFOutline>> pending;
+    if (m_outlineLoaded && m_outline)
+        pending.push_back(m_outline);
+    while (!pending.empty()) {
+        const std::shared_ptr<PDFOutline> item = std::move(pending.back());
+        pending.pop_back();
+        if (item->destination() && item->destination()->page() == replaced)
+            item->setDestination(item->destination()->on(page));
+        for (int i = 0; i < item->numberOfChildren(); ++i)
+            pending.push_back(item->child(i));
+    }
+    return replaced;
 }
 
 quint64 PDFDocument::identityOfPage(int index) const {
@@ -206,12 +236,16 @@ std::vector<PDFPageContent> PDFDocument::pageContents() const {
 std::shared_ptr<PDFPage> PDFDocument::pageOfContent(const PDFPageContent& content) const {
     if (content.source == m_source) {
         const auto found = std::find(m_sourceNumbers.begin(), m_sourceNumbers.end(), content.pageNumber);
-        return found == m_sourceNumbers.end() ? nullptr : page(int(found - m_sourceNumbers.begin()));
+        if (found != m_sourceNumbers.end())
+            return page(int(found - m_sourceNumbers.begin()));
+    } else {
+        const auto found = std::find_if(m_pages.begin(), m_pages.end(), [&content](const auto& candidate) {
+            return candidate && candidate->content() == content;
+        });
+        if (found != m_pages.end())
+            return *found;
     }
-    const auto found = std::find_if(m_pages.begin(), m_pages.end(), [&content](const auto& candidate) {
-        return candidate && candidate->content() == content;
-    });
-    return found == m_pages.end() ? nullptr : *found;
+    return page(indexOfReplacing(content));
 }
 
 std::optional<PDFDestination> PDFDocument::destination(const PDFFileDestination& place,

@@ -78,6 +78,9 @@ public:
     /// entry of its own, which goes and comes back with them. In a new document, copies bring what their document says
     /// of them as a whole: a single one its outline and its attributes, several an entry each.
     void insert(const std::shared_ptr<PDFPage>& page, int index);
+    /// Puts a page in the place of another, which is returned and leads nowhere any more: what led to it, outline and
+    /// links, leads to `page`. Null, and nothing happens, when `index` is outside the document or `page` is in one.
+    std::shared_ptr<PDFPage> replacePage(int index, const std::shared_ptr<PDFPage>& page);
     /// The page's geometry without making its page object; for layout.
     [[nodiscard]] PDFPageGeometry geometry(int index) const;
     /// What the page's file calls it (`PDFPage::label`), without making its page object.
@@ -154,6 +157,7 @@ private:
     explicit PDFDocument(std::shared_ptr<PDFSource> source);
     bool unlocked(bool authenticated);
     void adoptPages();
+    int indexOfReplacing(const PDFPageContent& place) const;
     std::shared_ptr<PDFPage> pageOfContent(const PDFPageContent& content) const;
     void followInOutline(PDFPage& page);
     /// The outline's root, made where there is none; without a claim that somebody set it.

@@ -35,11 +35,18 @@ PDFPage::PDFPage(PDFPageContent content) : m_identity(newIdentity()), m_content(
 PDFPage::~PDFPage() = default;
 
 std::shared_ptr<PDFPage> PDFPage::fromImage(const QImage& image, QSizeF size) {
-    return pageOfBytes(ImagePage::fromImage(image, size));
+    return pageOfBytes(ImagePage::fromImage(image, ImagePage::sized(size)));
+}
+
+std::shared_ptr<PDFPage> PDFPage::fromImage(const QImage& image, const PDFPage& replaced) {
+    std::shared_ptr<PDFPage> page = pageOfBytes(ImagePage::fromImage(image, replaced.geometry()));
+    if (page)
+        page->m_place = replaced.place();
+    return page;
 }
 
 std::shared_ptr<PDFPage> PDFPage::fromJpeg(const QByteArray& jpeg, QSizeF size) {
-    return pageOfBytes(ImagePage::fromJpeg(jpeg, size));
+    return pageOfBytes(ImagePage::fromJpeg(jpeg, ImagePage::sized(size)));
 }
 
 std::shared_ptr<PDFPage> PDFPage::copy() const {
@@ -51,6 +58,7 @@ std::shared_ptr<PDFPage> PDFPage::copy() const {
 
 std::shared_ptr<PDFPage> PDFPage::plainCopy() const {
     auto copied = std::make_shared<PDFPage>(m_content);
+    copied->m_place = m_place;
     copied->m_rotation = m_rotation;
     if (m_annotationsLoaded) {
         copied->m_annotationsLoaded = true;
@@ -65,7 +73,7 @@ std::shared_ptr<PDFPage> PDFPage::plainCopy() const {
 }
 
 QString PDFPage::label() const {
-    const auto label = m_content.source->pageLabels().of(m_content.pageNumber);
+    const auto label = place().source->pageLabels().of(place().pageNumber);
     return label ? label->text() : QString();
 }
 

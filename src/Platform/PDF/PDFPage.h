@@ -39,6 +39,10 @@ public:
     /// or a size that isn't above zero.
     [[nodiscard]] static std::shared_ptr<PDFPage> fromImage(const QImage& image, QSizeF size);
 
+    /// A picture of another page's media box that is to take that page's place: with the same boxes, rotation and
+    /// label, and what leads to the other leads to it. Null for a null picture.
+    [[nodiscard]] static std::shared_ptr<PDFPage> fromImage(const QImage& image, const PDFPage& replaced);
+
     /// The same from the bytes of a JPEG file, which are stored as they are. Null when they are no JPEG.
     [[nodiscard]] static std::shared_ptr<PDFPage> fromJpeg(const QByteArray& jpeg, QSizeF size);
 
@@ -59,6 +63,9 @@ public:
     [[nodiscard]] PDFDocument* document() const { return m_document; }
 
     [[nodiscard]] const PDFPageContent& content() const { return m_content; }
+    /// What it is for those who lead to it: its content, or that of the page whose place it takes.
+    [[nodiscard]] const PDFPageContent& place() const { return m_place ? *m_place : m_content; }
+    [[nodiscard]] bool replacesAnother() const { return m_place.has_value(); }
 
     /// What its file calls the page: "iv", "12", "A-3". Empty where the file gives its pages no labels.
     [[nodiscard]] QString label() const;
@@ -158,7 +165,8 @@ private:
     quint64 m_original = 0;
     std::shared_ptr<PDFImport> m_import;
     PDFPageContent m_content;
-    PDFDocument* m_document = nullptr; // set and cleared by the document
+    std::optional<PDFPageContent> m_place; // of the page that it replaces
+    PDFDocument* m_document = nullptr;     // set and cleared by the document
     mutable bool m_annotationsLoaded = false;
     mutable std::vector<std::shared_ptr<PDFAnnotation>> m_annotations;
     mutable std::vector<int> m_fileAnnotations; // the readable places of the file's list, ascending

@@ -17,6 +17,7 @@ class PDFSource;
 struct DocumentContents {
     struct Page {
         PDFPageContent content;
+        PDFPageContent place;          ///< the content, or that of the page whose place this one takes
         std::shared_ptr<PDFPage> page; ///< null for one that is as its source has it and that no destination needs
         bool modified = false;         ///< annotations or rotation differ from the source
     };

@@ -71,7 +71,8 @@ void DocumentFreezer::freezePages() {
     for (std::size_t i = 0; i < contents.size(); ++i) {
         const std::shared_ptr<PDFPage>& live = m_document.m_pages[i];
         const bool modified = live && (live->isModified() || drafted.count(live.get()) > 0);
-        m_contents.pages.push_back({contents[i], modified ? live->plainCopy() : nullptr, modified});
+        m_contents.pages.push_back(
+            {contents[i], live ? live->place() : contents[i], modified ? live->plainCopy() : nullptr, modified});
         if (live)
             m_places[live.get()] = i;
     }
@@ -128,10 +129,13 @@ void DocumentFreezer::freezeDestinations(const PDFPage& live, const PDFPage& cop
 
 PDFDestination DocumentFreezer::frozen(const PDFDestination& destination) {
     const std::shared_ptr<PDFPage> live = destination.page();
-    const auto place = m_places.find(live.get());
+    const auto known = m_places.find(live.get());
+    const int index = known != m_places.end() ? int(known->second)
+                      : live                  ? m_document.indexOfReplacing(live->place())
+                                              : -1;
     std::shared_ptr<PDFPage> copy;
-    if (place != m_places.end()) {
-        DocumentContents::Page& page = m_contents.pages[place->second];
+    if (index >= 0) {
+        DocumentContents::Page& page = m_contents.pages[std::size_t(index)];
         if (!page.page)
             page.page = std::make_shared<PDFPage>(page.content);
         copy = page.page;

@@ -49,7 +49,7 @@ void PageLabelWriter::write(const DocumentContents& contents, ObjectStore& objec
     QPDFObjectHandle pairs = QPDFObjectHandle::newArray();
     std::optional<Label> expected;
     for (std::size_t i = 0; i < contents.pages.size(); ++i) {
-        const PDFPageContent& content = contents.pages[i].content;
+        const PDFPageContent& content = contents.pages[i].place;
         const std::optional<Label> own = content.source->pageLabels().of(content.pageNumber);
         hasAny = hasAny || own;
         const Label label = own.value_or(Label{.number = int(i) + 1});

@@ -200,6 +200,13 @@ void Rewriting::findPages() {
     for (std::size_t i = 0; i < m_pages.size(); ++i)
         if (m_pages[i].imported)
             m_importer->announce(m_contents.pages[i].content, m_pages[i].object);
+    // And those to a page in whose place another stands lead to that one.
+    for (std::size_t i = 0; i < m_pages.size(); ++i)
+        if (const PDFPageContent& place = m_contents.pages[i].place; place != m_contents.pages[i].content)
+            if (SourceFiles::Foreign* file = m_files->known(place.source))
+                if (QPDFObjectHandle page = file->file.page(place.pageNumber);
+                    page.isIndirect() && !file->copier.hasReplacement(page))
+                    file->copier.setReplacement(page, m_pages[i].object);
 }
 
 void Rewriting::separatePages() {
@@ -228,7 +235,7 @@ void Rewriting::bringAbout(const AnnotationDictionary::PageLookup& lookup) {
     std::vector<std::shared_ptr<PDFPage>> pages; // for as long as the outline leads to them
     const auto outline = PDFOutline::partOf(m_contents.about, [&](int number) -> std::shared_ptr<PDFPage> {
         for (std::size_t i = 0; i < m_pages.size(); ++i)
-            if (m_contents.pages[i].content == PDFPageContent{m_contents.about, number}) {
+            if (m_contents.pages[i].place == PDFPageContent{m_contents.about, number}) {
                 pages.push_back(std::make_shared<PDFPage>(m_contents.pages[i].content));
                 m_places[pages.back().get()] = i;
                 return pages.back();
@@ -279,8 +286,15 @@ void Rewriting::arrangePages() {
                 PageTree::keepInherited(page.object, *m_objects);
         PageTree::write(pages, *m_objects);
     }
-    if (!gone.empty())
-        Pruner::prune(RemovedPages(std::move(gone), std::move(pages)), *m_objects);
+    if (gone.empty())
+        return;
+    RemovedPages removed(std::move(gone), std::move(pages));
+    for (std::size_t i = 0; i < m_pages.size(); ++i)
+        if (const PDFPageContent& place = m_contents.pages[i].place;
+            place != m_contents.pages[i].content && m_files->isMain(place.source))
+            if (QPDFObjectHandle page = m_main->page(place.pageNumber); removed.hasPage(page))
+                removed.replaced.emplace(page.getObjGen(), m_pages[i].object);
+    Pruner::prune(std::move(removed), *m_objects);
 }
 
 /// True when all pages are those of the main file and its sound tree, in its order, apart from so many that are gone.

@@ -8,6 +8,7 @@
 #include <QTransform>
 
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -39,22 +40,52 @@ private:
     std::vector<qsizetype> m_offsets;
 };
 
-/// `place` maps the unit square, in which a picture stands upright, to the page.
-QByteArray pageFile(QSizeF points, const QTransform& place, const std::function<void(SmallFile&)>& addImage) {
+QByteArray array(const QRectF& box) {
+    QByteArray numbers;
+    for (const double value : {box.left(), box.top(), box.right(), box.bottom()})
+        numbers += PdfValues::real(value) + ' ';
+    return '[' + numbers.chopped(1) + ']';
+}
+
+/// The media box, and what differs from what a page has that says no more.
+QByteArray keysOf(const PDFPageGeometry& page) {
+    constexpr std::pair<const char*, PDFDisplayBox> others[] = {{"/CropBox ", PDFDisplayBox::cropBox},
+                                                                {"/BleedBox ", PDFDisplayBox::bleedBox},
+                                                                {"/TrimBox ", PDFDisplayBox::trimBox},
+                                                                {"/ArtBox ", PDFDisplayBox::artBox}};
+    const QRectF media = page.box(PDFDisplayBox::mediaBox);
+    QByteArray keys = "/MediaBox " + array(media);
+    for (const auto& [key, box] : others)
+        if (page.box(box) != media)
+            keys += ' ' + QByteArray(key) + array(page.box(box));
+    if (page.rotation != 0)
+        keys += " /Rotate " + QByteArray::number(page.rotation);
+    if (page.userUnit != 1)
+        keys += " /UserUnit " + PdfValues::real(page.userUnit);
+    return keys;
+}
+
+/// `upright` turns and mirrors the unit square, in which the picture is, to what is to be shown in the media box.
+QByteArray pageFile(const PDFPageGeometry& page, const QTransform& upright,
+                    const std::function<void(SmallFile&)>& addImage) {
+    const QRectF media = page.box(PDFDisplayBox::mediaBox);
+    const QTransform place = upright * QTransform::fromScale(media.width(), media.height()) *
+                             QTransform::fromTranslate(media.left(), media.top());
     const auto number = [](double value) { return PdfValues::real(value); };
     SmallFile file;
     file.add("<< /Type /Catalog /Pages 2 0 R >>");
     file.add("<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
-    file.add("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 " + number(points.width()) + ' ' + number(points.height()) +
-             "] /Contents 4 0 R /Resources << /XObject << /Im0 5 0 R >> >> >>");
+    file.add("<< /Type /Page /Parent 2 0 R " + keysOf(page) +
+             " /Contents 4 0 R /Resources << /XObject << /Im0 5 0 R >> >> >>");
     file.addStream({}, "q " + number(place.m11()) + ' ' + number(place.m12()) + ' ' + number(place.m21()) + ' ' +
                            number(place.m22()) + ' ' + number(place.dx()) + ' ' + number(place.dy()) + " cm /Im0 Do Q");
     addImage(file);
     return file.finish();
 }
 
-bool isUsable(QSizeF points) {
-    return points.width() > 0 && points.height() > 0;
+bool isUsable(const PDFPageGeometry& page) {
+    const QRectF media = page.box(PDFDisplayBox::mediaBox);
+    return media.width() > 0 && media.height() > 0;
 }
 
 /// Rows of samples, packed; each row says how it differs from the one above, which packs pictures of pages far better.
@@ -96,8 +127,14 @@ bool isTranslucent(const QImage& image) {
 
 } // namespace
 
-QByteArray ImagePage::fromImage(const QImage& image, QSizeF points) {
-    if (image.isNull() || !isUsable(points))
+PDFPageGeometry ImagePage::sized(QSizeF points) {
+    PDFPageGeometry page;
+    page.boxes.fill({QPointF(), points});
+    return page;
+}
+
+QByteArray ImagePage::fromImage(const QImage& image, const PDFPageGeometry& page) {
+    if (image.isNull() || !isUsable(page))
         return {};
     QImage source = image;
     if (source.colorSpace().isValid() && source.colorSpace() != QColorSpace(QColorSpace::SRgb))
@@ -107,8 +144,7 @@ QByteArray ImagePage::fromImage(const QImage& image, QSizeF points) {
     const bool grey = source.isGrayscale();
     const QImage colors = source.convertToFormat(QImage::Format_RGB888);
     const QImage shown = grey ? colors.convertToFormat(QImage::Format_Grayscale8) : colors;
-    const QTransform place = QTransform::fromScale(points.width(), points.height());
-    return pageFile(points, place, [&](SmallFile& file) {
+    return pageFile(page, {}, [&](SmallFile& file) {
         QByteArray keys = imageKeys(shown, grey ? "DeviceGray" : "DeviceRGB", grey ? 1 : 3);
         if (translucent)
             keys += " /SMask 6 0 R";
@@ -120,9 +156,9 @@ QByteArray ImagePage::fromImage(const QImage& image, QSizeF points) {
     });
 }
 
-QByteArray ImagePage::fromJpeg(const QByteArray& jpeg, QSizeF points) {
+QByteArray ImagePage::fromJpeg(const QByteArray& jpeg, const PDFPageGeometry& page) {
     const std::optional<JpegHeader> header = JpegHeader::read(jpeg);
-    if (!header || !isUsable(points))
+    if (!header || !isUsable(page))
         return {};
     const char* colorSpace = header->components == 1   ? "DeviceGray"
                              : header->components == 3 ? "DeviceRGB"
@@ -132,6 +168,5 @@ QByteArray ImagePage::fromJpeg(const QByteArray& jpeg, QSizeF points) {
                       " /BitsPerComponent 8 /Filter /DCTDecode";
     if (header->isInverted)
         keys += " /Decode [1 0 1 0 1 0 1 0]";
-    const QTransform place = header->uprightTransform() * QTransform::fromScale(points.width(), points.height());
-    return pageFile(points, place, [&](SmallFile& file) { file.addStream(keys, jpeg); });
+    return pageFile(page, header->uprightTransform(), [&](SmallFile& file) { file.addStream(keys, jpeg); });
 }

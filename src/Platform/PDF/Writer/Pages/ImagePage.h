@@ -1,17 +1,22 @@
 #pragma once
 
+#include "PDFPageGeometry.h"
+
 #include <QByteArray>
-#include <QSizeF>
 
 class QImage;
 
 /// Makes the bytes of a one-page PDF that shows one picture. Any thread.
 namespace ImagePage {
 
-/// The picture without loss; `points` is the page's size. Empty for a null picture or a size that isn't above zero.
-[[nodiscard]] QByteArray fromImage(const QImage& image, QSizeF points);
+/// A page of that size, not turned.
+[[nodiscard]] PDFPageGeometry sized(QSizeF points);
+
+/// The picture without loss. It fills the media box of a page with these boxes, and stands upright where that isn't
+/// turned. Empty for a null picture or a media box without a size.
+[[nodiscard]] QByteArray fromImage(const QImage& image, const PDFPageGeometry& page);
 
 /// The bytes of a JPEG file, stored as they are. Empty when they are no JPEG.
-[[nodiscard]] QByteArray fromJpeg(const QByteArray& jpeg, QSizeF points);
+[[nodiscard]] QByteArray fromJpeg(const QByteArray& jpeg, const PDFPageGeometry& page);
 
 } // namespace ImagePage
