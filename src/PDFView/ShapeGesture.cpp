@@ -11,6 +11,7 @@
 #include "RectangleAnnotation.h"
 #include "RedactionMarkerAnnotation.h"
 #include "ToolState.h"
+#include "UndoManager.h"
 
 #include <algorithm>
 #include <cmath>
@@ -101,8 +102,11 @@ void ShapeGesture::finish() {
         if (const auto line = std::dynamic_pointer_cast<LineAnnotation>(m_currentAnnotation))
             line->fitBounds(); // with those of the whole page it would be in the way of all that lies below it
         AnnotationUndo::registerAdding(m_view.docUndoManager().get(), m_dragPage, m_currentAnnotation);
-        if (m_tool == AnnotationTool::redact && m_view.onRedactionDrawn)
+        if (m_tool == AnnotationTool::redact && m_view.onRedactionDrawn) {
+            if (const auto undoManager = m_view.docUndoManager())
+                undoManager->endUndoGrouping(); // what becomes of the marker is a step of its own
             m_view.onRedactionDrawn();
+        }
     }
     clear();
 }

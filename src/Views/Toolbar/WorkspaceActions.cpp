@@ -29,8 +29,8 @@ struct Row {
 };
 
 /// Every command once, in the order of the enumeration.
-const std::array<Row, 14>& rows() {
-    static const std::array<Row, 14> table = {{
+const std::array<Row, 15>& rows() {
+    static const std::array<Row, 15> table = {{
         {Command::copy, QStringLiteral("copy"), QStringLiteral("&Copy"), {}, PDFViewCommand::copy},
         {Command::selectAll, QStringLiteral("selectAll"), QStringLiteral("Select &All"), {}, PDFViewCommand::selectAll},
         {Command::zoomIn,
@@ -66,6 +66,11 @@ const std::array<Row, 14>& rows() {
          QStringLiteral("Page &Sidebar"),
          QStringLiteral("sidebar.left"),
          {}},
+        {Command::applyRedactions,
+         QStringLiteral("applyRedactions"),
+         QStringLiteral("Apply"),
+         QStringLiteral("eye.slash"),
+         {}},
         {Command::askAssistant, QStringLiteral("askAssistant"), QStringLiteral("&Ask"), QStringLiteral("sparkles"), {}},
     }};
     return table;
@@ -100,6 +105,9 @@ WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<Tool
     QAction* sidebar = action(Command::toggleSidebar);
     sidebar->setCheckable(true);
     sidebar->setToolTip(QStringLiteral("Toggle Page Sidebar (%1)").arg(Shortcuts::text(sidebar->objectName())));
+    QAction* apply = action(Command::applyRedactions);
+    apply->setToolTip(QStringLiteral("Apply redactions: replace each marked page by a picture without what is marked"));
+    apply->setVisible(false);
     action(Command::zoomToFit)->setCheckable(true);
     addScales();
     if (!view)

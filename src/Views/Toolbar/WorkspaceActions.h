@@ -30,9 +30,10 @@ public:
         lastPage,
         back,
         forward,
-        print,         ///< the workspace connects it
-        toggleSidebar, ///< shows the page sidebar, or hides it; the workspace connects it
-        askAssistant,  ///< shows the assistant, or hides it; the workspace connects it
+        print,           ///< the workspace connects it
+        toggleSidebar,   ///< shows the page sidebar, or hides it; the workspace connects it
+        applyRedactions, ///< visible while pages have markers of redactions; the workspace connects it
+        askAssistant,    ///< shows the assistant, or hides it; the workspace connects it
     };
 
     /// What "Zoom In" and "Zoom Out" add to the scale factor and take from it.
@@ -60,6 +61,6 @@ private:
 
     QPointer<AnnotatingPDFView> m_view;
     ToolActions* m_tools;
-    std::array<QPointer<QAction>, 14> m_actions;
+    std::array<QPointer<QAction>, 15> m_actions;
     QList<QAction*> m_scales; ///< the whole page is the last
 };

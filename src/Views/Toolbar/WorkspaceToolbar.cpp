@@ -68,6 +68,12 @@ ToolbarGroup* WorkspaceToolbar::makeRightGroup(const WorkspaceActions& actions) 
     settings->setToolTip(QStringLiteral("Settings…"));
     connect(settings, &QAction::triggered, this, &WorkspaceToolbar::settingsRequested);
     auto* group = new ToolbarGroup(QStringLiteral("Document"));
+    QAction* apply = actions.action(Command::applyRedactions);
+    ToolbarButton* applyButton = group->addButton(apply);
+    applyButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    applyButton->setVisible(apply->isVisible());
+    connect(apply, &QAction::changed, applyButton,
+            [apply, applyButton] { applyButton->setVisible(apply->isVisible()); });
     group->addButton(actions.tools().editText())->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     group->addButton(actions.action(Command::askAssistant))->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     group->addButton(settings);

@@ -8,14 +8,17 @@
 #include "LineStyleHoverModifier.h"
 #include "LineStylePicker.h"
 #include "OpenPanel.h"
+#include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFKitRepresentedView.h"
+#include "PDFPage.h"
 #include "PDFViewCoordinator.h"
 #include "PageField.h"
 #include "Palette.h"
 #include "PassingNotice.h"
 #include "PlainMessage.h"
 #include "PrintPanel.h"
+#include "RedactionApplier.h"
 #include "Shortcuts.h"
 #include "SignaturePickerView.h"
 #include "ThumbnailSidebar.h"
@@ -29,6 +32,7 @@
 
 #include <QAction>
 #include <QEvent>
+#include <QKeySequence>
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressDialog>
@@ -69,6 +73,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     representation.fileURL = fileURL;
     representation.onAskAI = [this](const QString& prompt, bool send) { askAI(prompt, send); };
     representation.onTextExtracted = [this](const QString& text) { handleExtractedText(text); };
+    representation.onRedactionDrawn = [this] { confirmApplyRedactions(); };
     representation.undoManager = m_document->undoManager();
     m_pdfView = representation.makeView(viewerArea);
     m_pdfView->setObjectName(QStringLiteral("viewer"));
@@ -94,6 +99,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     layout->addLayout(content, 1);
     m_lineStylePicker = new LineStylePicker(m_toolState, this);
     connectTools();
+    connectRedactions();
     connectSidebar();
     connectAssistant();
     connectPanes();
@@ -138,6 +144,28 @@ void PDFEditorWorkspaceView::connectTools() {
     new LineStyleHoverModifier(*m_toolbar->toolButton(AnnotationTool::line), *m_lineStylePicker);
     connect(m_toolbar, &WorkspaceToolbar::lineEndStylesRequested, this,
             [this](const QWidget* button) { m_lineStylePicker->popUpWithFocus(*button); });
+}
+
+void PDFEditorWorkspaceView::connectRedactions() {
+    QAction* apply = m_actions->action(WorkspaceActions::Command::applyRedactions);
+    connect(apply, &QAction::triggered, this, &PDFEditorWorkspaceView::confirmApplyRedactions);
+    m_redactionsChanged.setSingleShot(true);
+    m_redactionsChanged.setInterval(0);
+    connect(&m_redactionsChanged, &QTimer::timeout, this,
+            [this, apply] { apply->setVisible(RedactionApplier::arePending(*m_document->pdfDocument())); });
+    const PDFDocument* pdf = m_document->pdfDocument().get();
+    const auto changed = [this] { m_redactionsChanged.start(); };
+    connect(pdf, &PDFDocument::pagesChanged, this, changed);
+    connect(pdf, &PDFDocument::pageContentChanged, this, changed);
+    // Markers that came with the file are known once their page has been shown.
+    connect(m_coordinator, &PDFViewCoordinator::pageIndicatorChanged, this, changed);
+}
+
+void PDFEditorWorkspaceView::confirmApplyRedactions() {
+    RedactionApplier::apply(*m_document, m_document->undoManager().get());
+    m_pdfView->layoutDocumentView();
+    m_notice->announce(QStringLiteral("Redacted — text is now permanently removed. %1 to undo")
+                           .arg(QKeySequence(QKeySequence::Undo).toString(QKeySequence::NativeText)));
 }
 
 void PDFEditorWorkspaceView::selectTool(AnnotationTool tool) {

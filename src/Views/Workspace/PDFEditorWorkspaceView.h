@@ -54,6 +54,8 @@ public:
     void toggleTextEditingMode();
     /// Marks the selected text. With nothing selected it turns marking of each next selection on, or off again.
     void toggleMarkup(MarkupAction action);
+    /// Burns in what the markers of redactions cover, and says so.
+    void confirmApplyRedactions();
     /// Shows the text of a page, which was recognized, among the assistant's replies.
     void handleExtractedText(const QString& text);
     /// Puts a prompt into the assistant's input field, and sends it if `send` says so.
@@ -82,6 +84,7 @@ protected:
 
 private:
     void connectTools();
+    void connectRedactions();
     void connectSidebar();
     void connectAssistant();
     void connectPanes();
@@ -108,5 +111,6 @@ private:
     ThumbnailSidebar* m_sidebar;
     bool m_sidebarGaveWay = false; ///< it comes back with the room
     bool m_isNarrow = false;
-    QTimer m_sidebarRest; ///< runs out when the sidebar's width has rested for a moment
+    QTimer m_redactionsChanged; ///< runs out when the turn that changed pages is over
+    QTimer m_sidebarRest;       ///< runs out when the sidebar's width has rested for a moment
 };
