@@ -1,5 +1,6 @@
 #include "DocumentWriter.h"
 
+#include "DesktopThumbnails.h"
 #include "DocumentSnapshot.h"
 #include "FileError.h"
 
@@ -13,7 +14,9 @@ static DocumentWriter::Result written(const DocumentSnapshot& snapshot, const QS
         const std::optional<FileStamp> found = FileStamp::of(path);
         if (found && expected && found != expected)
             throw DocumentError(FileChangedError(*found));
-        return {std::nullopt, snapshot.write(path, found)};
+        const FileStamp stamp = snapshot.write(path, found);
+        DesktopThumbnails::forget(path);
+        return {std::nullopt, stamp};
     } catch (const std::exception& error) {
         return {DocumentError::from(error), std::nullopt};
     }

@@ -3,8 +3,10 @@
 #include "FileStamp.h"
 #include "RestrictedRuns.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <csignal>
@@ -49,6 +51,25 @@ TEST_F(DocumentSavingTest, SavingWritesTheFileOrAsksForOne) {
     EXPECT_EQ(contentOf("new.txt"), "++");
     EXPECT_EQ(m_presenter.takeCalls(), "“new.txt” couldn't be saved. It can't be represented.");
     EXPECT_EQ(saved.count(), 2);
+}
+
+TEST_F(DocumentSavingTest, TheDesktopsPictureOfTheOldContentGoes) {
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+                      QStringLiteral("/thumbnails/large"));
+    ASSERT_TRUE(folder.mkpath(QStringLiteral(".")));
+    const auto pictureOf = [&folder](const QByteArray& address) {
+        QFile picture(folder.filePath(
+            QString::fromLatin1(QCryptographicHash::hash(address, QCryptographicHash::Md5).toHex() + ".png")));
+        EXPECT_TRUE(picture.open(QFile::WriteOnly));
+        return picture.fileName();
+    };
+    m_presenter.location = path("Über #1.txt");
+    const QString base = QFileInfo(*m_presenter.location).path();
+    const QString old = pictureOf("file://" + base.toUtf8() + "/%C3%9Cber%20%231.txt");
+    const QString others = pictureOf("file:///elsewhere.txt");
+    EXPECT_TRUE(save(edit(m_controller->newDocument())));
+    EXPECT_FALSE(QFile::exists(old));
+    EXPECT_TRUE(QFile::exists(others));
 }
 
 TEST_F(DocumentSavingTest, SavingAsMovesOnToTheOtherFile) {
