@@ -14,7 +14,8 @@ namespace RestrictedRuns {
 void withoutPrivileges(const std::function<void()>& code);
 
 /// Runs `code` in a child process that sees a disk of 64 KiB at `folder`, and returns what `code` returns. `code` can
-/// make that disk read-only. None if the system does not let the child mount a disk.
+/// make that disk read-only. The whole test is run once more for that, alone. None if the system does not let the child
+/// mount a disk.
 std::optional<QStringList>
 onSmallDisk(const QString& folder, const std::function<QStringList(const std::function<void()>& makeReadOnly)>& code);
 
