@@ -4,12 +4,12 @@
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
 #include "PDFPageRasterizer.h"
-#include "PageReplacement.h"
 #include "RedactionMarkerAnnotation.h"
 
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -41,18 +41,32 @@ bool RedactionApplier::arePending(const PDFDocument& document) {
     });
 }
 
-int RedactionApplier::apply(PDFEditorDocument& document, UndoManager* undoManager) {
-    std::vector<PageReplacement> replacements;
+RedactionApplier::Run::Run(PDFEditorDocument& document) : m_document(document) {
     const std::shared_ptr<PDFDocument> pdf = document.pdfDocument();
-    for (int index = 0; index < pdf->pageCount(); ++index) {
-        const std::shared_ptr<PDFPage> page = pdf->page(index);
-        const std::vector<QRectF> boxes = pendingBoxes(*page);
-        if (boxes.empty())
-            continue;
-        if (std::shared_ptr<PDFPage> picture = flattened(*page, boxes))
-            replacements.push_back({index, page, std::move(picture)});
-    }
-    const int count = static_cast<int>(replacements.size());
-    PageReplacement::apply(std::move(replacements), document, undoManager);
+    for (int index = 0; index < pdf->pageCount(); ++index)
+        if (!pendingBoxes(*pdf->page(index)).empty())
+            m_marked.push_back(index);
+}
+
+bool RedactionApplier::Run::drawNext() {
+    if (m_drawn >= pageCount())
+        return false;
+    const int index = m_marked[static_cast<std::size_t>(m_drawn++)];
+    const std::shared_ptr<PDFPage> page = m_document.pdfDocument()->page(index);
+    if (std::shared_ptr<PDFPage> picture = flattened(*page, pendingBoxes(*page)))
+        m_replacements.push_back({index, page, std::move(picture)});
+    return true;
+}
+
+int RedactionApplier::Run::finish(UndoManager* undoManager) {
+    const int count = static_cast<int>(m_replacements.size());
+    PageReplacement::apply(std::exchange(m_replacements, {}), m_document, undoManager);
     return count;
+}
+
+int RedactionApplier::apply(PDFEditorDocument& document, UndoManager* undoManager) {
+    Run run(document);
+    while (run.drawNext()) {
+    }
+    return run.finish(undoManager);
 }

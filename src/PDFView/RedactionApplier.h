@@ -1,14 +1,12 @@
 #pragma once
 
+#include "PageReplacement.h"
+
 #include <QRectF>
 
-#include <memory>
 #include <vector>
 
 class PDFDocument;
-class PDFEditorDocument;
-class PDFPage;
-class UndoManager;
 
 /// Burns what redaction markers cover: a page with markers is replaced by a picture of itself with black boxes in their
 /// places, so that nothing of its text is left. Main thread only.
@@ -26,5 +24,24 @@ inline constexpr double renderScale = 3.0;
 /// Replaces every page with markers and returns how many these were. A page that can't be drawn keeps its text and its
 /// markers. One undo step; none when nothing was replaced.
 int apply(PDFEditorDocument& document, UndoManager* undoManager);
+
+/// The same in steps, a page each, for many pages. The document must not change before the end.
+class Run {
+public:
+    /// Looks for the markers on all pages.
+    explicit Run(PDFEditorDocument& document);
+    [[nodiscard]] int pageCount() const { return static_cast<int>(m_marked.size()); }
+    [[nodiscard]] int pagesDrawn() const { return m_drawn; }
+    /// Draws the next page; false, and nothing happens, when all are drawn.
+    bool drawNext();
+    /// Replaces those that were drawn, once, and returns how many these were.
+    int finish(UndoManager* undoManager);
+
+private:
+    PDFEditorDocument& m_document;
+    std::vector<int> m_marked; ///< zero-based
+    int m_drawn = 0;
+    std::vector<PageReplacement> m_replacements;
+};
 
 } // namespace RedactionApplier

@@ -8,7 +8,6 @@
 #include "LineStyleHoverModifier.h"
 #include "LineStylePicker.h"
 #include "OpenPanel.h"
-#include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFKitRepresentedView.h"
 #include "PDFPage.h"
@@ -18,7 +17,7 @@
 #include "PassingNotice.h"
 #include "PlainMessage.h"
 #include "PrintPanel.h"
-#include "RedactionApplier.h"
+#include "RedactionCommand.h"
 #include "Shortcuts.h"
 #include "SignaturePickerView.h"
 #include "ThumbnailSidebar.h"
@@ -147,25 +146,25 @@ void PDFEditorWorkspaceView::connectTools() {
 }
 
 void PDFEditorWorkspaceView::connectRedactions() {
-    QAction* apply = m_actions->action(WorkspaceActions::Command::applyRedactions);
-    connect(apply, &QAction::triggered, this, &PDFEditorWorkspaceView::confirmApplyRedactions);
-    m_redactionsChanged.setSingleShot(true);
-    m_redactionsChanged.setInterval(0);
-    connect(&m_redactionsChanged, &QTimer::timeout, this,
-            [this, apply] { apply->setVisible(RedactionApplier::arePending(*m_document->pdfDocument())); });
-    const PDFDocument* pdf = m_document->pdfDocument().get();
-    const auto changed = [this] { m_redactionsChanged.start(); };
-    connect(pdf, &PDFDocument::pagesChanged, this, changed);
-    connect(pdf, &PDFDocument::pageContentChanged, this, changed);
-    // Markers that came with the file are known once their page has been shown.
-    connect(m_coordinator, &PDFViewCoordinator::pageIndicatorChanged, this, changed);
+    const auto done = [this] {
+        m_pdfView->layoutDocumentView();
+        m_notice->announce(QStringLiteral("Redacted — text is now permanently removed. %1 to undo")
+                               .arg(QKeySequence(QKeySequence::Undo).toString(QKeySequence::NativeText)));
+    };
+    m_redactions =
+        new RedactionCommand(*m_actions->action(WorkspaceActions::Command::applyRedactions), m_document, done, this);
+    // Markers that came with the file are known once their page is seen.
+    const auto look = [this] {
+        if (const std::shared_ptr<PDFPage> page = m_pdfView->currentPage())
+            (void)page->annotations();
+        m_redactions->update();
+    };
+    connect(m_coordinator, &PDFViewCoordinator::pageIndicatorChanged, m_redactions, look);
+    look();
 }
 
 void PDFEditorWorkspaceView::confirmApplyRedactions() {
-    RedactionApplier::apply(*m_document, m_document->undoManager().get());
-    m_pdfView->layoutDocumentView();
-    m_notice->announce(QStringLiteral("Redacted — text is now permanently removed. %1 to undo")
-                           .arg(QKeySequence(QKeySequence::Undo).toString(QKeySequence::NativeText)));
+    m_redactions->run();
 }
 
 void PDFEditorWorkspaceView::selectTool(AnnotationTool tool) {

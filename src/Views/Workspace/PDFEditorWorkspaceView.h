@@ -19,6 +19,7 @@ class PDFEditorDocument;
 class PDFViewCoordinator;
 class PassingNotice;
 class QSplitter;
+class RedactionCommand;
 class ThumbnailSidebar;
 class ToolState;
 class UserDefaults;
@@ -109,8 +110,8 @@ private:
     AssistantDock* m_assistantDock;
     QSplitter* m_splitter;
     ThumbnailSidebar* m_sidebar;
+    RedactionCommand* m_redactions = nullptr;
     bool m_sidebarGaveWay = false; ///< it comes back with the room
     bool m_isNarrow = false;
-    QTimer m_redactionsChanged; ///< runs out when the turn that changed pages is over
-    QTimer m_sidebarRest;       ///< runs out when the sidebar's width has rested for a moment
+    QTimer m_sidebarRest; ///< runs out when the sidebar's width has rested for a moment
 };

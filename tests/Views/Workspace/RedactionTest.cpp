@@ -11,6 +11,8 @@
 
 #include <QAction>
 #include <QFile>
+#include <QPointer>
+#include <QProgressDialog>
 
 #include <cstdlib>
 
@@ -137,4 +139,28 @@ TEST_F(RedactionTest, markersOfAFileArePendingAndGoWithTheNext) {
     EXPECT_EQ(RedactionApplier::apply(*m_document, &undoManager()), 0);
     EXPECT_FALSE(undoManager().canUndo());
     EXPECT_EQ(m_document->pdfDocument()->string(), QStringLiteral("First\f\fThird\f"));
+}
+
+TEST_F(RedactionTest, manyPagesShowHowFarTheyAreAndCanBeCancelled) {
+    PdfFixture pdf;
+    for (int page = 0; page < 4; ++page) {
+        pdf.addPage({QStringLiteral("Words")});
+        pdf.addAnnotation(page, "<< /Subtype /Square /Rect [60 700 200 740] /Contents (" +
+                                    RedactionMarkerAnnotation::marker.toLatin1() + ") >>");
+    }
+    openFile(pdf.bytes());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return button(QStringLiteral("applyRedactions"))->isVisible(); }));
+    for (const bool cancels : {true, false}) {
+        press(QStringLiteral("applyRedactions"));
+        const QPointer progress(find<QProgressDialog>(*m_workspace, QStringLiteral("redactionProgress")));
+        ASSERT_TRUE(progress);
+        EXPECT_EQ(progress->labelText(), QStringLiteral("Redacting page 1 of 4"));
+        m_workspace->confirmApplyRedactions(); // it runs already
+        if (cancels)
+            progress->cancel();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !progress; }, 20'000));
+        EXPECT_EQ(undoManager().canUndo(), !cancels);
+        EXPECT_EQ(page()->string(), cancels ? QStringLiteral("Words") : QString());
+    }
+    EXPECT_EQ(m_document->pdfDocument()->string(), QStringLiteral("\f\f\f\f"));
 }
