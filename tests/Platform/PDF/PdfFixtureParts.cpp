@@ -149,12 +149,14 @@ void PdfFixture::addNamedDestination(const QByteArray& name, int page, bool oldD
         m_objects->nameTree = addObject("<< /Names [] >>");
         setNamesKey("/Dests", m_objects->nameTree);
     }
+    // A place may stand in the tree or be an object of its own.
+    const QByteArray value = page % 2 == 0 ? target : addObject(target);
     // In order, since readers look it up by halves.
     QPDFObjectHandle names = m_objects->parse(m_objects->nameTree).getKey("/Names");
     int at = 0;
     while (at < names.getArrayNItems() && names.getArrayItem(at).getStringValue() < name.toStdString())
         at += 2;
-    names.insertItem(at, m_objects->parse(target));
+    names.insertItem(at, m_objects->parse(value));
     names.insertItem(at, QPDFObjectHandle::newString(name.toStdString()));
 }
 

@@ -1,4 +1,5 @@
 #include "PDFAnnotation.h"
+#include "PDFDestination.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PdfFixtures.h"
@@ -171,6 +172,33 @@ TEST(WriterTakingOverTest, MostOfALargeFileStaysAsItIs) {
     EXPECT_TRUE(updated.startsWith(after));
     EXPECT_EQ(PdfPrograms::complaints(updated), "");
     EXPECT_EQ(PDFDocument::fromData(updated)->page(3)->annotations().size(), 6U);
+}
+
+TEST(WriterTakingOverTest, WholeFilesThatArePutTogetherKeepTheirOwnLinks) {
+    const QByteArray link = "<< /Type /Annot /Subtype /Link /Rect [0 0 9 9] /A 11 0 R /P 3 0 R /StructParent 3 >>";
+    const QByteArray file = fileWith({{{{10, link},
+                                        {11, "<< /S /GoTo /D [4 0 R /Fit] /Next 12 0 R /Back 10 0 R >>"},
+                                        {12, "<< /S /URI /URI (4 0 R\\)2 0 R) /StructParents 1 >>"}}}});
+    PDFDocument merged;
+    for (int copy = 0; copy < 2; ++copy) {
+        const auto document = PDFDocument::fromData(file);
+        for (int i = 0; i < 2; ++i)
+            merged.insert(document->page(i)->copy(), merged.pageCount());
+    }
+    const QByteArray after = merged.dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(after), "");
+    EXPECT_LE(after.count("/GoTo"), 1) << "what is brought in is packed";
+    const QByteArray all = PdfPrograms::unpacked(after);
+    EXPECT_EQ(all.count("(4 0 R\\)2 0 R)"), 2);
+    EXPECT_EQ(all.count("/StructParent"), 2) << "those of the file that the copy starts from";
+    const auto reopened = PDFDocument::fromData(after);
+    ASSERT_EQ(reopened->pageCount(), 4);
+    for (int i = 0; i < 4; ++i) {
+        const auto annotations = reopened->page(i)->annotations();
+        ASSERT_EQ(annotations.size(), 1U);
+        ASSERT_TRUE(annotations[0]->destination());
+        EXPECT_EQ(annotations[0]->destination()->page(), reopened->page(i / 2 * 2 + 1)) << i;
+    }
 }
 
 // What the tree says about its pages may be wrong, and its nodes may keep what only the removed page had.

@@ -12,8 +12,9 @@ constexpr std::size_t mostNewObjects = 100000;
 
 } // namespace
 
-std::optional<ReachableObjects> ReachableObjects::from(QPDF& pdf, QPDFObjectHandle trailer) {
-    ReachableObjects objects;
+std::optional<ReachableObjects> ReachableObjects::from(QPDF& pdf, QPDFObjectHandle trailer,
+                                                       const FileObjects::Texts& texts) {
+    ReachableObjects objects(texts);
     return objects.gather(pdf, trailer) ? std::optional(std::move(objects)) : std::nullopt;
 }
 
@@ -21,7 +22,7 @@ bool ReachableObjects::gather(QPDF& pdf, QPDFObjectHandle trailer) {
     const auto table = pdf.getXRefTable();
     if (table.empty() || std::size_t(table.rbegin()->first.getObj()) > table.size() * gapsForEach + gapsAtLeast)
         return false;
-    m_limit = int(std::size_t(table.rbegin()->first.getObj()) + mostNewObjects);
+    m_limit = int(std::size_t(table.rbegin()->first.getObj()) + mostNewObjects + m_texts->size());
     const auto note = [this](QPDFObjGen id) { m_pending.push_back(id); };
     ObjectSyntax::forEachReference(trailer.unparse(), note);
     while (!m_pending.empty()) {
@@ -44,6 +45,12 @@ bool ReachableObjects::add(QPDF& pdf, QPDFObjGen id) {
     Object& object = m_objects[std::size_t(number)];
     if (m_seen[std::size_t(number)])
         return object.value.empty() || object.generation == id.getGen();
+    if (const auto text = m_texts->find(number); text != m_texts->end() && id.getGen() == 0) {
+        m_seen[std::size_t(number)] = true;
+        object.value = text->second;
+        ObjectSyntax::forEachReference(object.value, [this](QPDFObjGen next) { m_pending.push_back(next); });
+        return true;
+    }
     QPDFObjectHandle handle = pdf.getObject(id);
     if (handle.isNull())
         return true; // perhaps of a generation that is gone

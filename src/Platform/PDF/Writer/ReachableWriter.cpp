@@ -56,11 +56,14 @@ private:
 class Writing {
 public:
     Writing(QPDF& pdf, const ReachableObjects& objects, QIODevice& device)
-        : m_pdf(pdf), m_objects(objects), m_output(device), m_next(objects.end()) {}
+        : m_pdf(pdf), m_objects(objects), m_output(device), m_lastOfFile(pdf.getXRefTable().rbegin()->first.getObj()),
+          m_next(objects.end()) {}
 
-    void write(const std::vector<ObjectStreams::Stream>& streams, QPDFObjectHandle trailer) {
+    void write(const std::vector<ObjectStreams::Stream>& streams, QPDFObjectHandle trailer,
+               const std::string& version) {
         // Objects in streams need a reader of 1.5.
-        m_output.write("%PDF-" + QByteArray::fromStdString(std::max(m_pdf.getPDFVersion(), std::string("1.5"))) +
+        m_output.write("%PDF-" +
+                       QByteArray::fromStdString(std::max({m_pdf.getPDFVersion(), version, std::string("1.5")})) +
                        "\n%\xBF\xF7\xA2\xFE\n");
         for (const ObjectStreams::Stream& stream : streams)
             m_next = std::max(m_next, stream.number + 1);
@@ -108,7 +111,8 @@ private:
             const bool isStream = object.stream.isInitialized();
             if (object.value.empty() || m_places.count(number) > 0)
                 continue;
-            if (!isStream && object.generation == 0 && m_repacked.count(number) > 0) {
+            const bool isNew = number > m_lastOfFile;
+            if (!isStream && object.generation == 0 && (isNew || m_repacked.count(number) > 0)) {
                 m_toPack.push_back(number);
                 continue;
             }
@@ -166,7 +170,8 @@ private:
     QPDF& m_pdf;
     const ReachableObjects& m_objects;
     Output m_output;
-    int m_next; // number of the next new object
+    const int m_lastOfFile; // the highest number that the file had before
+    int m_next;             // number of the next new object
     CrossReferences::Places m_places;
     std::set<int> m_repacked; // objects of streams that don't stay
     std::vector<int> m_toPack;
@@ -174,17 +179,18 @@ private:
 
 } // namespace
 
-bool ReachableWriter::write(QPDF& pdf, QIODevice& device) {
+bool ReachableWriter::write(const FileObjects& file, const std::string& version, QIODevice& device) {
+    QPDF& pdf = file.pdf();
     if (pdf.isEncrypted() || pdf.anyWarnings())
         return false;
     const std::vector<ObjectStreams::Stream> streams = ObjectStreams::of(pdf);
     if (streams.empty())
         return false;
     QPDFObjectHandle trailer = CrossReferences::plainTrailer(pdf);
-    const std::optional<ReachableObjects> objects = ReachableObjects::from(pdf, trailer);
+    const std::optional<ReachableObjects> objects = ReachableObjects::from(pdf, trailer, file.texts());
     // By now all is read, and if something was damaged it is known.
     if (!objects || pdf.anyWarnings())
         return false;
-    Writing(pdf, *objects, device).write(streams, trailer);
+    Writing(pdf, *objects, device).write(streams, trailer, version);
     return true;
 }

@@ -34,6 +34,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <future>
+#include <map>
 #include <memory>
 #include <new>
 #include <set>
@@ -75,17 +77,24 @@ public:
     Rewriting(const DocumentContents& contents, const PDFWriteOptions& options, SourceFile::Base base)
         : m_contents(contents), m_options(options), m_base(base) {}
 
+    /// Frees the files at the same time, which for large ones takes a while.
+    ~Rewriting();
+    Rewriting(const Rewriting&) = delete;
+    Rewriting& operator=(const Rewriting&) = delete;
+
     void compose(QIODevice& device);
     [[nodiscard]] bool isInDoubt() const;
 
 private:
+    [[nodiscard]] SourceFiles::Ahead openAhead() const;
     void findPages();
     void separatePages();
     void bringAbout(const AnnotationDictionary::PageLookup& lookup);
     void writePages(PageAnnotations& annotations);
     void arrangePages();
+    [[nodiscard]] bool isPlain() const { return m_options.userPassword.isEmpty() && m_options.ownerPassword.isEmpty(); }
+    [[nodiscard]] bool areTextsEnough() const;
     [[nodiscard]] bool wereOnlyRemoved(std::size_t count) const;
-    [[nodiscard]] bool areMostOfMain() const;
     void write(QIODevice& device);
     [[nodiscard]] QPDFObjectHandle pageObject(const PDFPage& page) const;
 
@@ -110,12 +119,22 @@ private:
     std::unordered_map<const PDFPage*, std::size_t> m_places;
 };
 
+Rewriting::~Rewriting() {
+    m_names.reset();
+    m_importer.reset();
+    m_fields.reset();
+    m_form.reset();
+    const auto freed = std::async([main = std::move(m_main)]() mutable { main.reset(); });
+    m_files.reset();
+}
+
 void Rewriting::compose(QIODevice& device) {
+    SourceFiles::Ahead ahead = openAhead();
     if (m_contents.base) {
-        m_main = std::make_unique<SourceFile>(m_contents.base, m_base);
+        m_main = std::make_unique<SourceFile>(ahead.take(m_contents.base, m_base));
         if (m_contents.source && m_options.keepsSignatures && !Signatures::valuesIn(m_main->pdf()).empty())
             throw PDFError(PDFError::Kind::breaksSignatures, QStringLiteral("That would break a digital signature."));
-        m_hasSoundTree = !m_contents.base->wasRepaired() && m_main->findAllPages();
+        m_hasSoundTree = m_main->knowsAllPages();
     } else {
         m_empty = std::make_unique<QPDF>();
         m_empty->emptyPDF();
@@ -125,11 +144,13 @@ void Rewriting::compose(QIODevice& device) {
         Signatures::removeFrom(*m_objects);
     m_form = std::make_unique<FormFields>(*m_objects);
     m_fields = std::make_unique<FieldImporter>(*m_objects, *m_form);
-    m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get(), m_base);
+    m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get(), m_base, std::move(ahead));
 
     if (m_main && !m_contents.hasSourceOrder() && NumberedDestinations::mayBeIn(*m_main))
         NumberedDestinations::pin(*m_main, *m_objects);
     findPages();
+    if (areTextsEnough())
+        m_objects->keepTexts();
     separatePages();
     const AnnotationDictionary::PageLookup lookup = [this](const PDFPage& page) { return pageObject(page); };
     AppearanceRecorder recorder(*m_objects);
@@ -151,6 +172,20 @@ void Rewriting::compose(QIODevice& device) {
         for (const OutputPage& page : m_pages)
             Signatures::removeFromPage(page.object);
     write(device);
+}
+
+/// The base, and files that most of their pages come from, so that they are going to be read as a whole.
+SourceFiles::Ahead Rewriting::openAhead() const {
+    SourceFiles::Ahead ahead;
+    if (m_contents.base)
+        ahead.open(m_contents.base, m_base);
+    std::map<std::shared_ptr<PDFSource>, int> counts;
+    for (const DocumentContents::Page& page : m_contents.pages)
+        ++counts[page.content.source];
+    for (const auto& [source, count] : counts)
+        if (source && source != m_contents.base && count * 2 > source->pageCount())
+            ahead.open(source, m_base);
+    return ahead;
 }
 
 bool Rewriting::isInDoubt() const {
@@ -209,12 +244,23 @@ void Rewriting::findPages() {
                     file->copier.setReplacement(page, m_pages[i].object);
 }
 
+/// True when whole files are put together, so that nothing is going to look into what is brought in: no page of the
+/// main file goes, and none has changed.
+bool Rewriting::areTextsEnough() const {
+    const auto own =
+        std::count_if(m_pages.begin(), m_pages.end(), [](const OutputPage& page) { return !page.imported; });
+    return m_main && isPlain() && !m_contents.base->wasRepaired() && !m_main->pdf().isEncrypted() &&
+           int(own) == m_contents.base->pageCount() && m_importer->announced().count(m_contents.base) == 0 &&
+           std::none_of(m_contents.pages.begin(), m_contents.pages.end(),
+                        [](const DocumentContents::Page& page) { return page.modified; });
+}
+
 void Rewriting::separatePages() {
     m_names = std::make_unique<NameImporter>(*m_objects);
     for (const auto& [source, numbers] : m_importer->announced()) {
         SourceFiles::Foreign& file = m_files->foreign(source);
         if (!m_files->isMain(source)) // whose names are there already
-            m_names->announce(file, source == m_contents.about || int(numbers.size()) == source->pageCount());
+            m_names->announce(file, numbers, source == m_contents.about || int(numbers.size()) == source->pageCount());
         Pruner::separateFromOthers(file, numbers, *m_names);
     }
 }
@@ -311,19 +357,16 @@ bool Rewriting::wereOnlyRemoved(std::size_t count) const {
     return true;
 }
 
-/// What keeps the numbers of its objects pays for those that it doesn't use.
-bool Rewriting::areMostOfMain() const {
-    return m_pages.size() * 2 >= std::size_t(m_contents.base->pageCount());
-}
-
 void Rewriting::write(QIODevice& device) {
-    const bool isPlain = m_options.userPassword.isEmpty() && m_options.ownerPassword.isEmpty();
     const bool isCopy = !m_contents.source;
     if (isCopy)
         m_objects->pdf().getTrailer().removeKey("/ID"); // it is another document
-    if (isPlain && m_main && m_files->opened().empty() && !m_contents.base->wasRepaired() && areMostOfMain() &&
-        ReachableWriter::write(m_objects->pdf(), device))
+    std::string version;
+    for (SourceFiles::Foreign* file : m_files->opened())
+        version = std::max(version, file->file.pdf().getPDFVersion());
+    if (isPlain() && m_main && !m_contents.base->wasRepaired() && ReachableWriter::write(*m_objects, version, device))
         return;
+    m_objects->buildTexts();
     // The writer corrects the size, but only one that is there.
     m_objects->pdf().getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     DevicePipeline pipeline(device);

@@ -1,5 +1,7 @@
 #include "ObjectCopier.h"
 
+#include "ObjectSyntax.h"
+
 namespace {
 
 /// An annotation, or a field of the form that may be one at the same time.
@@ -56,6 +58,19 @@ bool ObjectCopier::isLeftOut(QPDFObjectHandle foreign) const {
 
 QPDFObjectHandle ObjectCopier::copy(QPDFObjectHandle foreign) {
     QPDFObjectHandle result = translate(foreign);
+    finish();
+    return result;
+}
+
+void ObjectCopier::copyInto(QPDFObjectHandle copy, QPDFObjectHandle dictionary, QPDF& file) {
+    if (m_target.keepsTexts())
+        fillText(copy, dictionary, file);
+    else
+        m_target.fill(copy, translateDictionary(dictionary));
+    finish();
+}
+
+void ObjectCopier::finish() {
     while (!m_pending.empty()) {
         Pending next = m_pending.front();
         m_pending.pop_front();
@@ -63,6 +78,8 @@ QPDFObjectHandle ObjectCopier::copy(QPDFObjectHandle foreign) {
             QPDFObjectHandle dictionary = translateDictionary(next.foreign.getDict());
             dictionary.removeKey("/Length");
             m_target.fillStream(next.copy, dictionary, next.foreign);
+        } else if (m_target.keepsTexts()) {
+            fillText(next.copy, next.foreign, *next.foreign.getOwningQPDF());
         } else if (next.foreign.isDictionary()) {
             m_target.fill(next.copy, translateDictionary(next.foreign));
         } else if (next.foreign.isArray()) {
@@ -74,7 +91,14 @@ QPDFObjectHandle ObjectCopier::copy(QPDFObjectHandle foreign) {
             m_target.fill(next.copy, next.foreign.shallowCopy());
         }
     }
-    return result;
+}
+
+void ObjectCopier::fillText(QPDFObjectHandle copy, QPDFObjectHandle foreign, QPDF& file) {
+    const std::string text = foreign.unparseResolved();
+    const bool leavesOut = text.find("/StructParent") != std::string::npos;
+    m_target.fillText(copy, leavesOut ? translate(foreign.shallowCopy()).unparse()
+                                      : ObjectSyntax::withReferences(
+                                            text, [&](QPDFObjGen id) { return reference(file.getObject(id)); }));
 }
 
 QPDFObjectHandle ObjectCopier::reference(QPDFObjectHandle foreign) {

@@ -48,6 +48,9 @@ public:
     /// The object's copy: a reference to it when the object is an indirect one, and otherwise its value.
     [[nodiscard]] QPDFObjectHandle copy(QPDFObjectHandle foreign);
 
+    /// Fills `copy`, an object that was reserved for it, with the copy of a dictionary of `file`, the other file.
+    void copyInto(QPDFObjectHandle copy, QPDFObjectHandle dictionary, QPDF& file);
+
     /// True for a page, a template page or a node of the page tree, also when its type is missing.
     [[nodiscard]] static bool isPageObject(QPDFObjectHandle object);
 
@@ -59,6 +62,8 @@ private:
     QPDFObjectHandle translate(QPDFObjectHandle value);
     QPDFObjectHandle translateDictionary(QPDFObjectHandle dictionary);
     QPDFObjectHandle reference(QPDFObjectHandle foreign);
+    void finish();
+    void fillText(QPDFObjectHandle copy, QPDFObjectHandle foreign, QPDF& file);
     [[nodiscard]] bool isLeftOut(QPDFObjectHandle foreign) const;
 
     ObjectStore& m_target;

@@ -80,6 +80,10 @@ QPDFObjectHandle ObjectStore::dictionaryAt(QPDFObjectHandle owner, const std::st
     return value;
 }
 
+void ObjectStore::fillText(QPDFObjectHandle reserved, const std::string& value) {
+    fill(reserved, QPDFObjectHandle::parse(&m_pdf, value));
+}
+
 // FileObjects
 
 // A dictionary drops a reference to a null object, so what stands there meanwhile is none.
@@ -89,6 +93,20 @@ QPDFObjectHandle FileObjects::reserve() {
 
 void FileObjects::fill(QPDFObjectHandle reserved, QPDFObjectHandle value) {
     pdf().replaceObject(reserved.getObjGen(), value);
+}
+
+void FileObjects::fillText(QPDFObjectHandle reserved, const std::string& value) {
+    if (m_keepsTexts)
+        m_texts[reserved.getObjectID()] = value;
+    else
+        ObjectStore::fillText(reserved, value);
+}
+
+void FileObjects::buildTexts() {
+    m_keepsTexts = false;
+    for (const auto& [number, value] : m_texts)
+        ObjectStore::fillText(object(number), value);
+    m_texts.clear();
 }
 
 QPDFObjectHandle FileObjects::reserveStream() {

@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <variant>
 
 /// The bytes of a stream: encoded as the stream's dictionary says, or those of a stream of another file, which must
@@ -31,6 +32,12 @@ public:
     /// A number for an object that is filled later, so that others may refer to it before.
     [[nodiscard]] virtual QPDFObjectHandle reserve() = 0;
     virtual void fill(QPDFObjectHandle reserved, QPDFObjectHandle value) = 0;
+    /// Fills it with a value as QPDF writes it. Where `keepsTexts` such an object can be referred to, but not be looked
+    /// into.
+    virtual void fillText(QPDFObjectHandle reserved, const std::string& value);
+    [[nodiscard]] virtual bool keepsTexts() const { return false; }
+    /// Makes objects of all texts, and of those to come, so that they can be looked into.
+    virtual void buildTexts() {}
     [[nodiscard]] virtual QPDFObjectHandle reserveStream() = 0;
     virtual void fillStream(QPDFObjectHandle reserved, QPDFObjectHandle dictionary, const StreamContent& content) = 0;
 
@@ -63,11 +70,25 @@ private:
 class FileObjects : public ObjectStore {
 public:
     using ObjectStore::ObjectStore;
+    using Texts = std::unordered_map<int, std::string>; // by object number
+
     [[nodiscard]] QPDFObjectHandle reserve() override;
     void fill(QPDFObjectHandle reserved, QPDFObjectHandle value) override;
+    void fillText(QPDFObjectHandle reserved, const std::string& value) override;
+    [[nodiscard]] bool keepsTexts() const override { return m_keepsTexts; }
     [[nodiscard]] QPDFObjectHandle reserveStream() override;
     void fillStream(QPDFObjectHandle reserved, QPDFObjectHandle dictionary, const StreamContent& content) override;
     void noteChange(QPDFObjectHandle object) override;
+
+    /// From now on objects that are filled with texts stay texts, which spares the time to build them: what QPDF has of
+    /// them are empty dictionaries.
+    void keepTexts() { m_keepsTexts = true; }
+    [[nodiscard]] const Texts& texts() const { return m_texts; }
+    void buildTexts() override;
+
+private:
+    bool m_keepsTexts = false;
+    Texts m_texts;
 };
 
 /// New and changed objects, to be appended to the file that they belong to. Nothing but the objects asked for is read:

@@ -27,6 +27,12 @@ bool isInteger(std::string_view token) {
     return !token.empty() && std::all_of(token.begin(), token.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+int toInt(std::string_view digits) {
+    int value = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    return value;
+}
+
 /// Where the string ends that starts at `at` with its bracket; the end of the bytes when it doesn't end.
 std::size_t endOfString(std::string_view bytes, std::size_t at) {
     if (bytes[at] == '<')
@@ -70,6 +76,19 @@ public:
     bool isAtEnd() {
         skipSpace();
         return m_at == m_bytes.size();
+    }
+
+    std::optional<QPDFObjGen> pageOfPlace() {
+        if ((skip("<<") && !skip("/D")) || !skip("["))
+            return std::nullopt;
+        skipSpace();
+        const std::string_view number = regular();
+        skipSpace();
+        const std::string_view generation = regular();
+        skipSpace();
+        if (!isInteger(number) || !isInteger(generation) || regular() != "R")
+            return std::nullopt;
+        return QPDFObjGen(toInt(number), toInt(generation));
     }
 
 private:
@@ -166,27 +185,9 @@ private:
     std::size_t m_at = 0;
 };
 
-int toInt(std::string_view digits) {
-    int value = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    return value;
-}
-
-} // namespace
-
-std::optional<std::string> ObjectSyntax::canonical(std::string_view bytes) {
-    try {
-        Copy copy(bytes);
-        std::string text;
-        text.reserve(bytes.size() + bytes.size() / 4);
-        return copy.value(text) && copy.isAtEnd() ? std::optional(std::move(text)) : std::nullopt;
-    } catch (const std::exception& error) {
-        qCWarning(Logging::pdf) << "reading a string of a file failed:" << Logging::causes(error);
-        return std::nullopt;
-    }
-}
-
-void ObjectSyntax::forEachReference(std::string_view value, const std::function<void(QPDFObjGen)>& visit) {
+/// Calls `visit` for each reference in the value, with where it starts and ends.
+template <typename Visit>
+void scanReferences(std::string_view value, Visit visit) {
     std::string_view last[2]; // the tokens before this one
     for (std::size_t at = 0; at < value.size();) {
         const char c = value[at];
@@ -205,10 +206,44 @@ void ObjectSyntax::forEachReference(std::string_view value, const std::function<
                 ++at;
             const std::string_view token = value.substr(start, at - start);
             if (token == "R" && isInteger(last[0]) && isInteger(last[1]))
-                visit(QPDFObjGen(toInt(last[0]), toInt(last[1])));
+                visit(QPDFObjGen(toInt(last[0]), toInt(last[1])), std::size_t(last[0].data() - value.data()), at);
             last[0] = std::exchange(last[1], token);
             continue;
         }
         last[0] = last[1] = {};
     }
+}
+
+} // namespace
+
+std::optional<std::string> ObjectSyntax::canonical(std::string_view bytes) {
+    try {
+        Copy copy(bytes);
+        std::string text;
+        text.reserve(bytes.size() + bytes.size() / 4);
+        return copy.value(text) && copy.isAtEnd() ? std::optional(std::move(text)) : std::nullopt;
+    } catch (const std::exception& error) {
+        qCWarning(Logging::pdf) << "reading a string of a file failed:" << Logging::causes(error);
+        return std::nullopt;
+    }
+}
+
+std::optional<QPDFObjGen> ObjectSyntax::pageOfPlace(std::string_view bytes) {
+    return Copy(bytes).pageOfPlace();
+}
+
+void ObjectSyntax::forEachReference(std::string_view value, const std::function<void(QPDFObjGen)>& visit) {
+    scanReferences(value, [&visit](QPDFObjGen id, std::size_t, std::size_t) { visit(id); });
+}
+
+std::string ObjectSyntax::withReferences(std::string_view value,
+                                         const std::function<QPDFObjectHandle(QPDFObjGen)>& replacement) {
+    std::string text;
+    text.reserve(value.size() + value.size() / 8);
+    std::size_t done = 0;
+    scanReferences(value, [&](QPDFObjGen id, std::size_t start, std::size_t end) {
+        text.append(value, done, start - done).append(replacement(id).unparse());
+        done = end;
+    });
+    return text.append(value, done);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qpdf/QPDFObjGen.hh>
+#include <qpdf/QPDFObjectHandle.hh>
 
 #include <functional>
 #include <optional>
@@ -15,7 +16,15 @@ namespace ObjectSyntax {
 /// write in another way may come out as something that it would never write, but never as another value.
 [[nodiscard]] std::optional<std::string> canonical(std::string_view bytes);
 
+/// The page that `bytes` begin with when they are a place on a page, or a dictionary that begins with one at its `/D`.
+/// None for anything else, and for what may be one in another way.
+[[nodiscard]] std::optional<QPDFObjGen> pageOfPlace(std::string_view bytes);
+
 /// Calls `visit` for each reference to an indirect object in a value as QPDF writes it.
 void forEachReference(std::string_view value, const std::function<void(QPDFObjGen)>& visit);
+
+/// A value as QPDF writes it, with others in place of its references.
+[[nodiscard]] std::string withReferences(std::string_view value,
+                                         const std::function<QPDFObjectHandle(QPDFObjGen)>& replacement);
 
 } // namespace ObjectSyntax

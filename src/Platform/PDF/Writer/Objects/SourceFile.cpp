@@ -115,7 +115,7 @@ bool SourceFile::findAllPages() {
         int(pages.size()) != m_source->pageCount())
         return false;
     m_pages = std::move(pages);
-    return true;
+    return m_knowsPages = true;
 }
 
 QPDFObjectHandle SourceFile::page(int pageNumber) {

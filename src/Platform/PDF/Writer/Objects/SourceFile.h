@@ -32,6 +32,8 @@ public:
     /// costs less than to have the source look up one after the other. False, and nothing changes, where the tree isn't
     /// as it should be, so that its pages might be counted in another way.
     bool findAllPages();
+    /// True once that has found them.
+    [[nodiscard]] bool knowsAllPages() const { return m_knowsPages; }
 
     /// The dictionary of a page; a null object for a page that can't be read. `pageNumber` is zero-based.
     [[nodiscard]] QPDFObjectHandle page(int pageNumber);
@@ -56,4 +58,5 @@ private:
     std::unique_ptr<QPDF> m_pdf;
     std::unordered_map<int, int> m_generations; // by object number, where it isn't zero
     std::vector<QPDFObjectHandle> m_pages;      // empty until all are found
+    bool m_knowsPages = false;
 };

@@ -3,6 +3,26 @@
 #include "PDFSource.h"
 #include "PdfValues.h"
 
+void SourceFiles::Ahead::open(const std::shared_ptr<PDFSource>& source, SourceFile::Base base) {
+    m_opening.try_emplace(source.get(), std::async([source, base] {
+                              SourceFile file(source, base);
+                              if (!source->wasRepaired())
+                                  file.findAllPages();
+                              return file;
+                          }));
+}
+
+SourceFile SourceFiles::Ahead::take(const std::shared_ptr<PDFSource>& source, SourceFile::Base base) {
+    auto opening = m_opening.extract(source.get());
+    return opening ? opening.mapped().get() : SourceFile(source, base);
+}
+
+SourceFiles::~SourceFiles() {
+    std::vector<std::future<void>> done;
+    for (auto& [source, file] : m_foreign)
+        done.push_back(std::async([freed = std::move(file)]() mutable { freed.reset(); }));
+}
+
 bool SourceFiles::isMain(const std::shared_ptr<PDFSource>& source) const {
     return m_main && m_main->source() == source;
 }
@@ -11,7 +31,7 @@ SourceFiles::Foreign& SourceFiles::foreign(const std::shared_ptr<PDFSource>& sou
     std::unique_ptr<Foreign>& known = m_foreign[source.get()];
     if (known)
         return *known;
-    SourceFile file(source, m_base);
+    SourceFile file = m_ahead.take(source, m_base);
     QPDF& pdf = file.pdf();
     known = std::make_unique<Foreign>(Foreign{std::move(file), ObjectCopier(m_objects), NamedDestinations(pdf)});
     known->copier.setPageTest([source](int number) { return source->pageNumberOfObject(number).has_value(); });

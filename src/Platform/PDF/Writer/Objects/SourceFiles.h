@@ -4,8 +4,10 @@
 #include "ObjectCopier.h"
 #include "SourceFile.h"
 
+#include <future>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class PDFSource;
@@ -21,9 +23,26 @@ public:
         NamedDestinations names;
     };
 
+    /// Opening a large file takes as long as all else, so that several are opened at a time. Ends when all are open.
+    class Ahead {
+    public:
+        /// Begins on a thread of its own to open the file and to find all its pages.
+        void open(const std::shared_ptr<PDFSource>& source, SourceFile::Base base);
+        /// Waits for one that was begun, and opens any other. Throws what opening throws.
+        [[nodiscard]] SourceFile take(const std::shared_ptr<PDFSource>& source, SourceFile::Base base);
+
+    private:
+        std::map<PDFSource*, std::future<SourceFile>> m_opening;
+    };
+
     /// `main` is the file whose objects `objects` changes; null when a new file is made.
-    SourceFiles(ObjectStore& objects, SourceFile* main, SourceFile::Base base = SourceFile::Base::repaired)
-        : m_objects(objects), m_main(main), m_base(base) {}
+    SourceFiles(ObjectStore& objects, SourceFile* main, SourceFile::Base base = SourceFile::Base::repaired,
+                Ahead ahead = {})
+        : m_objects(objects), m_main(main), m_base(base), m_ahead(std::move(ahead)) {}
+    /// Frees the files, each on a thread of its own.
+    ~SourceFiles();
+    SourceFiles(const SourceFiles&) = delete;
+    SourceFiles& operator=(const SourceFiles&) = delete;
 
     [[nodiscard]] SourceFile* main() const { return m_main; }
     /// True for the source of the file that is being changed.
@@ -41,5 +60,6 @@ private:
     ObjectStore& m_objects;
     SourceFile* m_main;
     SourceFile::Base m_base; // of the others
+    Ahead m_ahead;
     std::map<PDFSource*, std::unique_ptr<Foreign>> m_foreign;
 };

@@ -1,8 +1,11 @@
 #include "NameImporter.h"
 
 #include "NameTree.h"
+#include "ObjectStreams.h"
+#include "PDFSource.h"
 #include "PdfValues.h"
 
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -34,15 +37,25 @@ std::string NameImporter::add(const char* key, const std::string& name, QPDFObje
     return free;
 }
 
-void NameImporter::announce(SourceFiles::Foreign& file, bool isWhole) {
+void NameImporter::announce(SourceFiles::Foreign& file, const std::set<int>& pageNumbers, bool withAttachments) {
     std::map<std::string, std::string>& renamed = m_places[&file];
+    // Where few pages come, most names lead to others. Those aren't even read as objects.
+    QPDF& pdf = file.file.pdf();
+    const bool isPart = int(pageNumbers.size()) < file.file.source()->pageCount();
+    const auto pages = isPart ? ObjectStreams::pagesOfPlaces(pdf) : std::unordered_map<int, QPDFObjGen>();
+    const auto leadsElsewhere = [&](QPDFObjectHandle value) {
+        const auto page = pages.find(value.getObjectID());
+        return page != pages.end() && !file.copier.hasReplacement(pdf.getObject(page->second));
+    };
     file.names.forEach([&](const std::string& name, QPDFObjectHandle value) {
+        if (leadsElsewhere(value))
+            return;
         QPDFObjectHandle place = file.names.explicitDestination(value);
         if (place.isArray() && place.getArrayNItems() > 0 && place.getArrayItem(0).isIndirect() &&
             file.copier.hasReplacement(place.getArrayItem(0)))
             renamed.emplace(name, add(places, name, place, file));
     });
-    if (isWhole)
+    if (withAttachments)
         NameTree::forEach(PdfValues::entry(file.file.pdf().getRoot().getKey("/Names"), attachments), "/Names",
                           [&](QPDFObjectHandle name, QPDFObjectHandle value) {
                               if (name.isString() && value.isDictionary())

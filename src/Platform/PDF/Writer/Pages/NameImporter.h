@@ -14,9 +14,9 @@ class NameImporter {
 public:
     explicit NameImporter(ObjectStore& objects) : m_objects(objects) {}
 
-    /// Takes the names of places on pages that the file's copier has replacements for, and with `isWhole` its
-    /// attachments. Before anything is copied from the file.
-    void announce(SourceFiles::Foreign& file, bool isWhole);
+    /// Takes the names of places on pages that the file's copier has replacements for, and `withAttachments` the files
+    /// attached to it. Before anything is copied from the file. `pageNumbers` are zero-based, of all those pages.
+    void announce(SourceFiles::Foreign& file, const std::set<int>& pageNumbers, bool withAttachments);
 
     /// What a destination of the file is to be once it is copied: by the new name, or by the page itself where it was
     /// given by its number. A null object when it can stay as it is.

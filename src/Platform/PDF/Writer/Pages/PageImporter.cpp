@@ -53,6 +53,8 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
         if (item.isIndirect())
             here.insert(item.getObjGen());
     }
+    // Of a page that comes twice the first copy is what references lead to.
+    const bool isFirstCopy = original.isIndirect() && file.copier.replacement(original).getObjGen() == page.getObjGen();
     QPDFObjectHandle all = QPDFObjectHandle::newArray();
     for (const int place : places) {
         QPDFObjectHandle item = items[std::size_t(place)];
@@ -63,9 +65,16 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
             if (isWidget || here.count(value.getKey(key).getObjGen()) == 0)
                 value.removeKey(key);
         value.removeKey("/Kids");
-        value.removeKey("/P");
-        m_objects.fill(copy, file.copier.copy(value));
-        copy.replaceKey("/P", page);
+        if (isWidget)
+            m_objects.buildTexts();
+        if (m_objects.keepsTexts() && isFirstCopy) {
+            value.replaceKey("/P", original);
+            file.copier.copyInto(copy, value, file.file.pdf());
+        } else {
+            value.removeKey("/P");
+            m_objects.fill(copy, file.copier.copy(value));
+            copy.replaceKey("/P", page);
+        }
         if (isWidget)
             m_adoptWidget(item, copy, file.copier);
         all.appendItem(copy);

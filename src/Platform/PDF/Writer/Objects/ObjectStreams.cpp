@@ -44,15 +44,20 @@ std::optional<Header> headerOf(std::string_view bytes, std::size_t count) {
     return bytes.find_first_not_of(" \r\n\t", at) == std::string_view::npos ? std::optional(header) : std::nullopt;
 }
 
+/// The bytes of the objects; empty for a header that doesn't fit.
+std::string_view bytesOf(std::string_view objects, const Header& header, std::size_t i) {
+    const bool isLast = i + 1 == header.numbers.size();
+    const std::size_t start = header.offsets[i];
+    const std::size_t end = isLast ? objects.size() : header.offsets[i + 1];
+    return start <= end && end <= objects.size() ? objects.substr(start, end - start) : std::string_view();
+}
+
 /// True when the objects follow one another without anything between them, each with the value that it should have.
 bool holdsValues(std::string_view objects, const Header& header, const Value& value) {
     for (std::size_t i = 0; i < header.numbers.size(); ++i) {
-        const bool isLast = i + 1 == header.numbers.size();
-        const std::size_t start = header.offsets[i];
-        const std::size_t end = isLast ? objects.size() : header.offsets[i + 1];
-        if ((i == 0 && start != 0) || start > end || end > objects.size())
+        if (i == 0 && header.offsets[i] != 0)
             return false;
-        const auto text = ObjectSyntax::canonical(objects.substr(start, end - start));
+        const auto text = ObjectSyntax::canonical(bytesOf(objects, header, i));
         if (!text || *text != value(header.numbers[i]))
             return false;
     }
@@ -82,6 +87,33 @@ std::vector<ObjectStreams::Stream> ObjectStreams::of(QPDF& pdf) {
             stream.members.push_back(member);
     }
     return streams;
+}
+
+std::unordered_map<int, QPDFObjGen> ObjectStreams::pagesOfPlaces(QPDF& pdf) {
+    std::unordered_map<int, QPDFObjGen> pages;
+    for (const Stream& stream : of(pdf)) {
+        try {
+            QPDFObjectHandle object = pdf.getObject(stream.number, 0);
+            int count = 0;
+            int first = 0;
+            if (!object.isStream() || !object.getDict().getKey("/N").getValueAsInt(count) ||
+                !object.getDict().getKey("/First").getValueAsInt(first) || count <= 0 || first <= 0)
+                continue;
+            const auto buffer = object.getStreamData(qpdf_dl_generalized);
+            const std::string_view bytes(reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize());
+            if (std::size_t(first) > bytes.size())
+                continue;
+            const auto header = headerOf(bytes.substr(0, std::size_t(first)), std::size_t(count));
+            if (!header || header->numbers != stream.members)
+                continue;
+            for (std::size_t i = 0; i < header->numbers.size(); ++i)
+                if (const auto page = ObjectSyntax::pageOfPlace(bytesOf(bytes.substr(std::size_t(first)), *header, i)))
+                    pages[header->numbers[i]] = *page;
+        } catch (const std::exception& error) {
+            qCWarning(Logging::pdf) << "reading packed objects failed:" << Logging::causes(error);
+        }
+    }
+    return pages;
 }
 
 QByteArray ObjectStreams::unchanged(QPDF& pdf, const Stream& stream, const Value& value) {
