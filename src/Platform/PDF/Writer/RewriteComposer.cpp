@@ -134,7 +134,7 @@ void Rewriting::compose(QIODevice& device) {
         m_main = std::make_unique<SourceFile>(ahead.take(m_contents.base, m_base));
         if (m_contents.source && m_options.keepsSignatures && !Signatures::valuesIn(m_main->pdf()).empty())
             throw PDFError(PDFError::Kind::breaksSignatures, QStringLiteral("That would break a digital signature."));
-        m_hasSoundTree = m_main->knowsAllPages();
+        m_hasSoundTree = !m_contents.base->wasRepaired() && (m_main->knowsAllPages() || m_main->findAllPages());
     } else {
         m_empty = std::make_unique<QPDF>();
         m_empty->emptyPDF();
@@ -174,16 +174,21 @@ void Rewriting::compose(QIODevice& device) {
     write(device);
 }
 
-/// The base, and files that most of their pages come from, so that they are going to be read as a whole.
+/// A few of the large files that most of their pages come from, so that they are going to be read as a whole.
 SourceFiles::Ahead Rewriting::openAhead() const {
+    constexpr int largeFile = 100; // pages
+    constexpr int mostAhead = 3;   // files: each takes a thread and its memory
     SourceFiles::Ahead ahead;
-    if (m_contents.base)
-        ahead.open(m_contents.base, m_base);
     std::map<std::shared_ptr<PDFSource>, int> counts;
     for (const DocumentContents::Page& page : m_contents.pages)
         ++counts[page.content.source];
+    if (counts.size() < 2)
+        return ahead;
+    if (m_contents.base && m_contents.base->pageCount() >= largeFile)
+        ahead.open(m_contents.base, m_base);
     for (const auto& [source, count] : counts)
-        if (source && source != m_contents.base && count * 2 > source->pageCount())
+        if (source && source != m_contents.base && count >= largeFile && count * 2 > source->pageCount() &&
+            ahead.count() < mostAhead)
             ahead.open(source, m_base);
     return ahead;
 }

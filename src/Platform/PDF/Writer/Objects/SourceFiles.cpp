@@ -18,9 +18,11 @@ SourceFile SourceFiles::Ahead::take(const std::shared_ptr<PDFSource>& source, So
 }
 
 SourceFiles::~SourceFiles() {
+    constexpr std::size_t mostFreedAtOnce = 4;
     std::vector<std::future<void>> done;
     for (auto& [source, file] : m_foreign)
-        done.push_back(std::async([freed = std::move(file)]() mutable { freed.reset(); }));
+        if (file->file.knowsAllPages() && done.size() < mostFreedAtOnce)
+            done.push_back(std::async([freed = std::move(file)]() mutable { freed.reset(); }));
 }
 
 bool SourceFiles::isMain(const std::shared_ptr<PDFSource>& source) const {

@@ -28,6 +28,7 @@ public:
     public:
         /// Begins on a thread of its own to open the file and to find all its pages.
         void open(const std::shared_ptr<PDFSource>& source, SourceFile::Base base);
+        [[nodiscard]] int count() const { return int(m_opening.size()); }
         /// Waits for one that was begun, and opens any other. Throws what opening throws.
         [[nodiscard]] SourceFile take(const std::shared_ptr<PDFSource>& source, SourceFile::Base base);
 
@@ -39,7 +40,7 @@ public:
     SourceFiles(ObjectStore& objects, SourceFile* main, SourceFile::Base base = SourceFile::Base::repaired,
                 Ahead ahead = {})
         : m_objects(objects), m_main(main), m_base(base), m_ahead(std::move(ahead)) {}
-    /// Frees the files, each on a thread of its own.
+    /// Frees the large files at the same time, which takes a while.
     ~SourceFiles();
     SourceFiles(const SourceFiles&) = delete;
     SourceFiles& operator=(const SourceFiles&) = delete;
