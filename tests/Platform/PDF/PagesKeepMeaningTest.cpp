@@ -260,6 +260,9 @@ TEST_P(PagesKeepMeaningTest, FewOfManyPages) {
     expected.removeOne(QStringLiteral("signature"));
     EXPECT_EQ(text(meaning(copy->dataRepresentation(), pages)), text(expected));
     EXPECT_LT(copy->dataRepresentation().size(), 20'000);
+    const QByteArray all = PdfPrograms::unpacked(copy->dataRepresentation());
+    for (int page = 0; page < 4; ++page)
+        EXPECT_EQ(all.contains("(place " + greek[page].toLatin1() + ')'), page % 2 == 1) << "the names of places";
 }
 
 TEST_P(PagesKeepMeaningTest, InAnotherDocument) {
