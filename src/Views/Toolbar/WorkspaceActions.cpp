@@ -68,7 +68,7 @@ const std::array<Row, 15>& rows() {
          {}},
         {Command::applyRedactions,
          QStringLiteral("applyRedactions"),
-         QStringLiteral("Apply"),
+         QStringLiteral("Apply &Redactions"),
          QStringLiteral("eye.slash"),
          {}},
         {Command::askAssistant, QStringLiteral("askAssistant"), QStringLiteral("&Ask"), QStringLiteral("sparkles"), {}},
@@ -107,6 +107,7 @@ WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<Tool
     sidebar->setToolTip(QStringLiteral("Toggle Page Sidebar (%1)").arg(Shortcuts::text(sidebar->objectName())));
     QAction* apply = action(Command::applyRedactions);
     apply->setToolTip(QStringLiteral("Apply redactions: replace each marked page by a picture without what is marked"));
+    apply->setIconText(QStringLiteral("Apply")); // on its button
     apply->setVisible(false);
     action(Command::zoomToFit)->setCheckable(true);
     addScales();

@@ -65,8 +65,8 @@ TEST(PDFPageRasterizer, drawsThePageThenTheOverlayOnWhite) {
     int calls = 0;
     const QImage image = PDFPageRasterizer::render(*document->page(0), 2.0, [&calls](QPainter& painter) {
         ++calls;
-        painter.fillRect(QRectF(80, 80, 20, 20), Qt::green);
-        painter.fillRect(QRectF(0, 0, 10, 10), Qt::black); // over the page's red
+        painter.fillRect(QRectF(130, 180, 20, 20), Qt::green); // in page coordinates
+        painter.fillRect(QRectF(50, 100, 10, 10), Qt::black);  // over the page's red
     });
     ASSERT_EQ(image.size(), QSize(400, 200));
     EXPECT_EQ(calls, 1);
