@@ -1,10 +1,11 @@
 #include "PdfPrograms.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QTemporaryFile>
 
 PdfPrograms::Result PdfPrograms::run(const QString& program, QStringList arguments, const QByteArray& file) {
-    QTemporaryFile copy;
+    QTemporaryFile copy(QDir::temp().filePath(QStringLiteral("XXXXXX.pdf"))); // some go by the ending
     if (!copy.open() || copy.write(file) != file.size() || !copy.flush())
         return {};
     arguments.replaceInStrings(QStringLiteral("FILE"), copy.fileName());

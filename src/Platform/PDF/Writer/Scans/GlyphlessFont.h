@@ -1,0 +1,34 @@
+#pragma once
+
+#include <qpdf/QPDF.hh>
+
+#include <QByteArray>
+#include <QString>
+
+#include <unordered_map>
+#include <vector>
+
+/// A font whose letters show nothing, for text that lies over a picture of itself: any character of Unicode can be
+/// written with it and is read again by whoever takes text out of the file. Letters are as wide as Helvetica's.
+class GlyphlessFont {
+public:
+    /// How far a line reaches above its baseline, for one unit of font size. Nothing reaches below it.
+    static constexpr double ascent = 1 / 0.85;
+
+    /// The text as a hexadecimal string of the font's codes, with its brackets. Characters that no text has (controls,
+    /// halves of a pair) are left out. Empty when nothing is left, or when the font has no codes left.
+    [[nodiscard]] QByteArray encoded(const QString& text);
+
+    /// True while nothing has been written with it.
+    [[nodiscard]] bool isUnused() const { return m_characters.empty(); }
+
+    /// The font's dictionary with all that it needs for what has been written, in `file`.
+    [[nodiscard]] QPDFObjectHandle dictionary(QPDF& file) const;
+
+private:
+    [[nodiscard]] QByteArray toUnicode() const;
+    [[nodiscard]] QPDFObjectHandle widths() const;
+
+    std::vector<char32_t> m_characters; // by code, the first of which is 1
+    std::unordered_map<char32_t, int> m_codes;
+};
