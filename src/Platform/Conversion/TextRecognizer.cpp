@@ -138,6 +138,16 @@ std::vector<TextRecognizer::Line> TextRecognizer::recognize(const QImage& image,
     }
 }
 
+bool TextRecognizer::hasData() {
+    silenceEngine();
+    try {
+        tesseract::TessBaseAPI engine;
+        return load(engine);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 QStringList TextRecognizer::languages(const QStringList& uiLanguages) {
     QStringList names;
     for (const QString& language : uiLanguages)

@@ -34,6 +34,10 @@ struct Line {
 /// the languages, not enough memory.
 [[nodiscard]] std::vector<Line> recognize(const QImage& image, int dotsPerInch, const std::stop_token& stop = {});
 
+/// False when no data is installed for any of the languages that are read, so that no picture has lines. Any thread;
+/// takes up to a tenth of a second.
+[[nodiscard]] bool hasData();
+
 /// The names of the language data for a person who reads `uiLanguages` ("de-AT", "en", as `QLocale` gives them), the
 /// most wanted first and English always among them: "deu", "eng". Those that aren't installed are passed over when
 /// reading.

@@ -39,9 +39,13 @@ std::shared_ptr<PDFPage> PDFPage::fromImage(const QImage& image, QSizeF size) {
 }
 
 std::shared_ptr<PDFPage> PDFPage::fromImage(const QImage& image, const PDFPage& replaced) {
-    std::shared_ptr<PDFPage> page = pageOfBytes(ImagePage::fromImage(image, replaced.geometry()));
-    if (page)
-        page->m_place = replaced.place();
+    const QByteArray bytes = ImagePage::fromImage(image, replaced.geometry());
+    return bytes.isEmpty() ? nullptr : replacing(replaced, PDFSource::open(bytes));
+}
+
+std::shared_ptr<PDFPage> PDFPage::replacing(const PDFPage& replaced, const std::shared_ptr<PDFSource>& source) {
+    auto page = std::make_shared<PDFPage>(PDFPageContent{source, 0});
+    page->m_place = replaced.place();
     return page;
 }
 

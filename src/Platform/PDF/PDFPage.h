@@ -18,6 +18,7 @@ class PDFAnnotation;
 class PDFDocument;
 class PDFOrigin;
 class PDFSelection;
+class PDFSource;
 class QFont;
 class QPainter;
 struct PDFImport;
@@ -43,7 +44,12 @@ public:
     /// label, and what leads to the other leads to it. Null for a null picture.
     [[nodiscard]] static std::shared_ptr<PDFPage> fromImage(const QImage& image, const PDFPage& replaced);
 
-    /// The same from the bytes of a JPEG file, which are stored as they are. Null when they are no JPEG.
+    /// The first page of a file, which is to take another page's place in the same way.
+    [[nodiscard]] static std::shared_ptr<PDFPage> replacing(const PDFPage& replaced,
+                                                            const std::shared_ptr<PDFSource>& source);
+
+    /// A page that shows one picture, from the bytes of a JPEG file, which are stored as they are. Null when they are
+    /// no JPEG.
     [[nodiscard]] static std::shared_ptr<PDFPage> fromJpeg(const QByteArray& jpeg, QSizeF size);
 
     /// A new page with the same content and copies of the annotations, in no document. Costs nothing while the

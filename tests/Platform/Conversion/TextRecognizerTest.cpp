@@ -179,6 +179,7 @@ TEST(TextRecognizer, WithoutLanguageDataNothingIsRead) {
     qputenv("TESSDATA_PREFIX", empty.path().toLocal8Bit());
     testing::internal::CaptureStderr();
     EXPECT_EQ(textsOf(image), QStringList());
+    EXPECT_FALSE(TextRecognizer::hasData());
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 

@@ -1,0 +1,83 @@
+#include "UprightPage.h"
+
+#include "Logging.h"
+#include "PDFAnnotation.h"
+#include "PDFPage.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <new>
+
+static constexpr PDFDisplayBox wholeBox = PDFDisplayBox::mediaBox;
+
+UprightPage::UprightPage(const PDFPage& page) : m_geometry(page.geometry()), m_revision(page.revision()) {
+    m_request.content = page.content();
+    m_request.hiddenAnnotations = page.hiddenFileAnnotations();
+}
+
+std::optional<double> UprightPage::fitting(double scale, qint64 mostPixels) const {
+    constexpr double longestSide = 32767; // a QPainter reaches no farther, and no recognizer
+    const QSizeF size = m_geometry.displaySize(wholeBox);
+    const double fits = std::min({scale, longestSide / std::max(size.width(), size.height()),
+                                  std::sqrt(double(mostPixels) / (size.width() * size.height()))});
+    return size.width() * fits >= 1 && size.height() * fits >= 1 ? std::optional(fits) : std::nullopt;
+}
+
+QTransform UprightPage::pageToDevice(QSize pixels) const {
+    const QSizeF size = m_geometry.displaySize(wholeBox);
+    return m_geometry.displayTransform(wholeBox) *
+           QTransform::fromScale(pixels.width() / size.width(), pixels.height() / size.height());
+}
+
+void UprightPage::noteLiveAnnotations(const PDFPage& page) {
+    m_liveAnnotations.reset();
+    const auto annotations = page.liveAnnotations();
+    if (annotations.empty())
+        return;
+    const auto recorded = std::make_shared<QPicture>();
+    QPainter recorder(recorded.get());
+    PDFAnnotation::drawAll(annotations, wholeBox, recorder);
+    recorder.end();
+    m_liveAnnotations = recorded;
+}
+
+void UprightPage::drawLiveAnnotations(QImage& image) const {
+    if (!m_liveAnnotations)
+        return;
+    QPainter painter(&image);
+    painter.setTransform(pageToDevice(image.size()));
+    painter.drawPicture(0, 0, *m_liveAnnotations);
+}
+
+QImage UprightPage::image(double scale, const std::stop_token& stop) const {
+    constexpr int pieceSide = 4096; // below the most that the renderer draws at once
+    std::atomic<bool> cancelled = false;
+    const std::stop_callback cancel(stop, [&cancelled] { cancelled = true; });
+    const QSizeF pixels = m_geometry.displaySize(wholeBox) * scale;
+    try {
+        QImage image(static_cast<int>(pixels.width()), static_cast<int>(pixels.height()), QImage::Format_RGB32);
+        QPainter painter;
+        if (image.isNull() || !painter.begin(&image))
+            return {};
+        PageRenderRequest piece = m_request;
+        piece.pageToDevice = pageToDevice(image.size());
+        for (int y = 0; y < image.height(); y += pieceSide) {
+            for (int x = 0; x < image.width(); x += pieceSide) {
+                piece.deviceRect = QRect(x, y, pieceSide, pieceSide) & image.rect();
+                const QImage drawn = PageRenderer::render(piece, &cancelled);
+                if (drawn.isNull())
+                    return {};
+                painter.drawImage(x, y, drawn);
+            }
+        }
+        painter.end();
+        drawLiveAnnotations(image);
+        return image;
+    } catch (const std::bad_alloc&) {
+        qCWarning(Logging::document) << "not enough memory for the picture of a page to recognize";
+        return {};
+    }
+}

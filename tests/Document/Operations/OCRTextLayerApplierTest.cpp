@@ -1,0 +1,286 @@
+#include "OCRTextLayerApplier.h"
+
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFEditorDocument.h"
+#include "PDFPage.h"
+#include "PDFSource.h"
+#include "PageOperations.h"
+#include "PageText.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+#include "ThumbnailCache.h"
+#include "UndoManager.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QPainter>
+#include <QScopeGuard>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr auto media = PDFDisplayBox::mediaBox;
+constexpr int dotsPerInch = 300;
+constexpr QSizeF paper(360, 240); // points
+
+/// A scan of `paper` with the line's baseline 90 points from the left and 100 from the top.
+QImage scanOf(const QString& line) {
+    QImage image((paper * dotsPerInch / 72).toSize(), QImage::Format_Grayscale8);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QFont font(QStringLiteral("DejaVu Serif"));
+    font.setPixelSize(12 * dotsPerInch / 72);
+    painter.setFont(font);
+    painter.drawText(QPointF(90, 100) * dotsPerInch / 72, line);
+    return image;
+}
+
+QByteArray jpegOf(const QImage& image) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "JPEG", 85);
+    return bytes;
+}
+
+/// A page on which the scan stands upright once it is shown, with `more` content. The boxes may be any.
+int addScan(PdfFixture& fixture, const QString& line, int rotation = 0, const QByteArray& mediaBox = "[0 0 360 240]",
+            const QByteArray& more = {}) {
+    const QImage scan = scanOf(line);
+    const QByteArray image = fixture.addStream(
+        "<< /Type /XObject /Subtype /Image /BitsPerComponent 8 /ColorSpace /DeviceGray /Filter /DCTDecode /Width " +
+            QByteArray::number(scan.width()) + " /Height " + QByteArray::number(scan.height()) + " >>",
+        jpegOf(scan));
+    const QList<QByteArray> box = mediaBox.mid(1).chopped(1).split(' ');
+    const double left = box[0].toDouble();
+    const double low = box[1].toDouble();
+    const double width = box[2].toDouble() - left;
+    const double height = box[3].toDouble() - low;
+    const QTransform turns[] = {{1, 0, 0, 1, 0, 0}, {0, 1, -1, 0, 1, 0}, {-1, 0, 0, -1, 1, 1}, {0, -1, 1, 0, 0, 1}};
+    const QTransform place = turns[rotation / 90] * QTransform(width, 0, 0, height, left, low);
+    QByteArray matrix;
+    for (const double value : {place.m11(), place.m12(), place.m21(), place.m22(), place.dx(), place.dy()})
+        matrix += QByteArray::number(value) + ' ';
+    const int page =
+        fixture.addPageWithContent("q " + matrix + "cm /Scan Do Q " + more, "<< /XObject << /Scan " + image + " >> >>");
+    fixture.setPageKey(page, "/MediaBox", mediaBox);
+    fixture.setPageKey(page, "/Rotate", QByteArray::number(rotation));
+    return page;
+}
+
+struct Editor {
+    explicit Editor(const QByteArray& bytes) { document.setPdfDocument(PDFDocument::fromData(bytes)); }
+
+    [[nodiscard]] std::string texts() const {
+        QStringList all;
+        for (int i = 0; i < document.pdfDocument()->pageCount(); ++i)
+            all.append(document.pdfDocument()->page(i)->string().simplified());
+        return all.join(QLatin1Char('|')).toStdString();
+    }
+
+    PDFEditorDocument document;
+    UndoManager undo;
+};
+
+std::optional<OCRTextLayerApplier::Recognition> recognized(const std::shared_ptr<PDFPage>& page) {
+    return QCoro::waitFor(OCRTextLayerApplier::recognizeAndFlatten(page));
+}
+
+/// The sentence of a run that has nothing to recognize with.
+QCoro::Task<std::string> failure(Editor& editor) {
+    try {
+        co_await OCRTextLayerApplier::apply(editor.document, &editor.undo);
+    } catch (const OCRTextLayerApplier::DataMissing& error) {
+        co_return error.what();
+    }
+    co_return "none";
+}
+
+} // namespace
+
+TEST(OCRTextLayerApplier, PagesBelowTwentyCharactersNeedIt) {
+    PdfFixture fixture;
+    for (const QString& text :
+         {QStringLiteral("1234567890123456789"), QStringLiteral("12345678901234567890"),
+          QStringLiteral("                      "), QString(), QStringLiteral("    3456789012    ")})
+        fixture.addPage({text});
+    Editor editor(fixture.bytes());
+    EXPECT_EQ(OCRTextLayerApplier::pagesNeedingOCR(*editor.document.pdfDocument()), (std::vector<int>{0, 2, 3, 4}));
+}
+
+TEST(OCRTextLayerApplier, ANewPageShowsTheSameAndIsReadWhereItIsShown) {
+    const QString line = QStringLiteral("The mountain railway opens in June");
+    const struct {
+        int rotation;
+        QByteArray mediaBox;
+        std::vector<std::pair<QByteArray, QByteArray>> keys = {};
+        QByteArray more = {};
+        bool keepsBytes = true;
+    } cases[] = {
+        {0, "[0 0 360 240]"},
+        {90, "[-30 40 210 400]", {{"/CropBox", "[-20 50 200 390]"}}},
+        {180, "[0 0 360 240]", {{"/TrimBox", "[10 10 300 200]"}, {"/BleedBox", "[5 5 350 230]"}}},
+        {270, "[100 -50 220 130]", {{"/UserUnit", "2"}}},
+        {90, "[-30 40 210 400]", {{"/CropBox", "[-20 50 200 390]"}}, "0 0 1 rg 150 350 40 30 re f", false},
+    };
+    for (const auto& [rotation, mediaBox, keys, more, keepsBytes] : cases) {
+        SCOPED_TRACE(mediaBox.toStdString() + more.toStdString());
+        PdfFixture fixture;
+        addScan(fixture, line, rotation, mediaBox, more);
+        for (const auto& [key, value] : keys)
+            fixture.setPageKey(0, key, value);
+        Editor editor(fixture.bytes());
+        const auto before = editor.document.pdfDocument()->page(0);
+        const QImage shownBefore = before->thumbnail({720, 720}, media);
+        EXPECT_EQ(QCoro::waitFor(OCRTextLayerApplier::applyToCurrentPage(0, editor.document, &editor.undo)), line);
+        const auto page = editor.document.pdfDocument()->page(0);
+        ASSERT_NE(page, before);
+        EXPECT_EQ(page->geometry(), before->geometry());
+        EXPECT_EQ(page->string(), line);
+        EXPECT_EQ(page->content().source->bytes().contains(jpegOf(scanOf(line))), keepsBytes);
+        const QImage shown = page->thumbnail({720, 720}, media);
+        double difference = 0;
+        for (int y = 0; y < shown.height(); ++y)
+            for (int x = 0; x < shown.width(); ++x)
+                difference += std::abs(qGray(shown.pixel(x, y)) - qGray(shownBefore.pixel(x, y)));
+        EXPECT_LT(difference / (shown.width() * shown.height()), 2);
+
+        // Letters without and with descenders: their box is what the scan says, 9 of 12 points above the baseline.
+        const auto text = page->text();
+        ASSERT_EQ(text->lines.size(), 1U);
+        QRectF marked;
+        for (const PDFQuad& quad : text->lineQuads(0, int(line.size())))
+            marked |= page->displayTransform(media).mapRect(quad.boundingRect());
+        EXPECT_NEAR(marked.left(), 90, 3);
+        EXPECT_NEAR(marked.bottom(), 103, 3);
+        EXPECT_NEAR(marked.top(), 91, 3);
+
+        const QByteArray saved = editor.document.pdfDocument()->dataRepresentation();
+        EXPECT_EQ(PdfPrograms::complaints(saved), "");
+        EXPECT_EQ(PdfPrograms::text(saved).simplified(), line);
+    }
+}
+
+TEST(OCRTextLayerApplier, WhatAnnotationsShowStaysInThePicture) {
+    PdfFixture fixture;
+    addScan(fixture, QStringLiteral("Delivered on Monday"));
+    fixture.addTextField(0, QStringLiteral("name"), {60, 60, 220, 20}, QStringLiteral("Checked by Marianne"));
+    addScan(fixture, QStringLiteral("Nothing over it"));
+    fixture.addLink(1, {10, 10, 50, 20}, 0);
+    fixture.addPageWithContent({}, fixture.defaultResources(), {360, 240});
+    fixture.addPageWithContent({}, "<< >>", {200'000, 0.01});
+    Editor editor(fixture.bytes());
+    const auto pdf = editor.document.pdfDocument();
+    auto note = std::make_shared<PDFAnnotation>(QRectF(60, 20, 200, 24), PDFAnnotationSubtype::freeText);
+    note->setFont(QFont(QStringLiteral("DejaVu Sans"), 14));
+    note->setFontColor(QColor(Qt::black));
+    note->setContents(QStringLiteral("Paid in full"));
+    pdf->page(0)->addAnnotation(note);
+
+    const auto noted = recognized(pdf->page(0));
+    ASSERT_TRUE(noted);
+    EXPECT_EQ(noted->text, QStringLiteral("Delivered on Monday\nChecked by Marianne\nPaid in full"));
+    EXPECT_TRUE(noted->page->annotations().empty());
+    EXPECT_TRUE(PdfPrograms::unpacked(noted->page->content().source->bytes()).contains("/Width 1500"))
+        << "as sharp as the scan";
+    const auto blank = recognized(pdf->page(2));
+    ASSERT_TRUE(blank);
+    EXPECT_EQ(blank->text, QString());
+    EXPECT_TRUE(PdfPrograms::unpacked(blank->page->content().source->bytes()).contains("/Width 720"));
+    EXPECT_FALSE(recognized(pdf->page(3))) << "narrower than a pixel";
+    EXPECT_TRUE(pdf->page(0)->string().isEmpty()) << "the document is as it was";
+}
+
+TEST(OCRTextLayerApplier, ARunReplacesWhatNobodyHasChangedAndIsOneStep) {
+    PdfFixture fixture;
+    for (const char* name : {"Alpha", "Bravo", "Charlie", "Delta"})
+        addScan(fixture, QStringLiteral("This is page ") + QLatin1String(name));
+    fixture.addPage({QStringLiteral("A page that has its own text")});
+    Editor editor(fixture.bytes());
+    const auto pdf = editor.document.pdfDocument();
+    std::vector<std::shared_ptr<PDFPage>> before;
+    for (int i = 0; i < pdf->pageCount(); ++i)
+        before.push_back(pdf->page(i));
+    OCRTextLayerApplier::Options options;
+    QStringList progress;
+    options.progress = [&](int page, int count) {
+        progress.append(QStringLiteral("%1/%2").arg(page).arg(count));
+        if (progress.size() > 1)
+            return;
+        PageOperations::movePage(editor.document, 0, 4, nullptr);
+        PageOperations::deletePages(editor.document, {0}, nullptr); // Bravo
+        before[2]->setRotation(180);
+    };
+    const auto told = std::make_unique<QSignalSpy>(&editor.document, &PDFEditorDocument::objectWillChange);
+    auto run = OCRTextLayerApplier::apply(editor.document, &editor.undo, options);
+    EXPECT_EQ(QCoro::waitFor(std::move(run)), 2);
+    const std::string after = "|This is page Delta|A page that has its own text|This is page Alpha";
+    EXPECT_EQ(editor.texts(), after);
+    EXPECT_EQ(pdf->page(0), before[2]);
+    EXPECT_EQ(progress, QStringList({QStringLiteral("1/4"), QStringLiteral("2/4"), QStringLiteral("3/4"),
+                                     QStringLiteral("4/4")}));
+    EXPECT_EQ(told->count(), 3);
+
+    QCoreApplication::processEvents();
+    ThumbnailCache::insert(QStringLiteral("any"), QImage(1, 1, QImage::Format_RGB32));
+    editor.undo.undo();
+    EXPECT_EQ(editor.texts(), "||A page that has its own text|");
+    EXPECT_EQ(pdf->page(1), before[3]);
+    EXPECT_EQ(pdf->page(3), before[0]);
+    EXPECT_EQ(ThumbnailCache::count(), 0);
+    EXPECT_FALSE(editor.undo.canUndo());
+    editor.undo.redo();
+    EXPECT_EQ(editor.texts(), after);
+    EXPECT_EQ(told->count(), 5);
+    EXPECT_FALSE(editor.undo.canUndo()) << "a redo is the end of the line";
+}
+
+TEST(OCRTextLayerApplier, ARunThatEndsEarlyLeavesEverythingAsItWas) {
+    PdfFixture fixture;
+    fixture.addPage({QStringLiteral("A page that has its own text")});
+    for (int i = 0; i < 3; ++i)
+        addScan(fixture, QStringLiteral("One of several scans"));
+    Editor editor(fixture.bytes());
+    const auto expectUntouched = [&editor](const char* what) {
+        EXPECT_EQ(editor.texts(), "A page that has its own text|||") << what;
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(editor.undo.canUndo()) << what;
+    };
+    EXPECT_EQ(QCoro::waitFor(OCRTextLayerApplier::applyToCurrentPage(0, editor.document, &editor.undo)),
+              QStringLiteral("A page that has its own text"));
+    EXPECT_FALSE(QCoro::waitFor(OCRTextLayerApplier::applyToCurrentPage(4, editor.document, &editor.undo)));
+    expectUntouched("text that was there already");
+
+    std::stop_source stop;
+    OCRTextLayerApplier::Options stopped;
+    stopped.stop = stop.get_token();
+    stopped.progress = [&stop](int page, int) {
+        if (page == 2)
+            stop.request_stop();
+    };
+    EXPECT_EQ(QCoro::waitFor(OCRTextLayerApplier::apply(editor.document, &editor.undo, stopped)), 0);
+    expectUntouched("stopped after a page");
+
+    OCRTextLayerApplier::Options hasty;
+    hasty.limit = std::chrono::milliseconds(1);
+    EXPECT_EQ(QCoro::waitFor(OCRTextLayerApplier::apply(editor.document, &editor.undo, hasty)), 0);
+    expectUntouched("workers that take too long");
+
+    const QTemporaryDir empty;
+    const QByteArray before = qgetenv("TESSDATA_PREFIX");
+    const auto restore = qScopeGuard([&before] {
+        if (before.isNull())
+            qunsetenv("TESSDATA_PREFIX");
+        else
+            qputenv("TESSDATA_PREFIX", before);
+    });
+    qputenv("TESSDATA_PREFIX", empty.path().toLocal8Bit());
+    const std::string sentence = QCoro::waitFor(failure(editor));
+    EXPECT_NE(sentence.find("tesseract-ocr-eng"), std::string::npos) << sentence;
+    expectUntouched("no language data");
+}
