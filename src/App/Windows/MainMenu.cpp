@@ -166,7 +166,7 @@ void MainMenu::fillWorkspaceMenus() {
     m_toolsMenu->addActions(tools.markup());
     m_toolsMenu->addSeparator();
     m_toolsMenu->addAction(tools.editText());
-    fill(m_toolsMenu, {Command::applyRedactions});
+    fill(m_toolsMenu, {Command::ocrPage, Command::applyRedactions});
 }
 
 void MainMenu::setDocument(const std::shared_ptr<PDFEditorDocument>& document, WorkspaceActions* workspace) {

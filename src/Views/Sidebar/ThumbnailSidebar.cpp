@@ -85,6 +85,9 @@ QWidget* ThumbnailSidebar::makeHeader() {
                                [this] { mergeMultipleFiles(); }));
     menu->addAction(
         addCommand(QStringLiteral("splitDocument"), QStringLiteral("Split Document…"), [this] { splitDocument(); }));
+    menu->addSection(QStringLiteral("Optimize"));
+    menu->addAction(addCommand(QStringLiteral("recognizeText"), QStringLiteral("Recognize Text (OCR)…"),
+                               [this] { recognizeText(); }));
 
     auto* title = new QLabel(QStringLiteral("Pages"));
     QFont bold = title->font();

@@ -3,6 +3,7 @@
 #include "PageAlert.h"
 #include "PageOperations.h"
 
+#include <QCoroTask>
 #include <QPersistentModelIndex>
 #include <QPointer>
 #include <QUrl>
@@ -21,6 +22,7 @@ class QAction;
 class QLabel;
 class QMessageBox;
 class QMimeData;
+class RecognitionProgress;
 class ThumbnailList;
 
 /// Every page of the document as a numbered thumbnail, with what can be done to pages: they are selected, moved by
@@ -55,6 +57,8 @@ public:
     void mergeMultipleFiles();
     /// Makes two files of the document, the second from the first selected page, or from the page that is shown.
     void splitDocument();
+    /// Adds a layer of text to all pages that have none, beside the work in the window.
+    void recognizeText();
     void extractPages(const PageIndices& indices);
     void deletePages(const PageIndices& indices);
     /// Into the gap before the page at `gap`, from 0 to the number of pages.
@@ -96,6 +100,7 @@ private:
     };
     void writeFiles(const std::vector<NewFile>& files, const QString& sentence, const PageAlert& success,
                     const QString& failure);
+    static QCoro::Task<> recognize(QPointer<ThumbnailSidebar> self, QPointer<RecognitionProgress> progress);
     void saveMerged(const Documents& documents);
     void showAlert(const PageAlert& alert, const QString& symbolName = QStringLiteral("exclamationmark.triangle"));
     /// After a command has changed pages.
@@ -110,4 +115,5 @@ private:
     QPersistentModelIndex m_lastClicked; ///< where a selection with Shift begins
     std::optional<PageAlert> m_alert;
     QPointer<QMessageBox> m_alertBox;
+    QPointer<RecognitionProgress> m_recognition; ///< null unless one runs
 };

@@ -29,8 +29,8 @@ struct Row {
 };
 
 /// Every command once, in the order of the enumeration.
-const std::array<Row, 15>& rows() {
-    static const std::array<Row, 15> table = {{
+const std::array<Row, 16>& rows() {
+    static const std::array<Row, 16> table = {{
         {Command::copy, QStringLiteral("copy"), QStringLiteral("&Copy"), {}, PDFViewCommand::copy},
         {Command::selectAll, QStringLiteral("selectAll"), QStringLiteral("Select &All"), {}, PDFViewCommand::selectAll},
         {Command::zoomIn,
@@ -65,6 +65,11 @@ const std::array<Row, 15>& rows() {
          QStringLiteral("toggleSidebar"),
          QStringLiteral("Page &Sidebar"),
          QStringLiteral("sidebar.left"),
+         {}},
+        {Command::ocrPage,
+         QStringLiteral("ocrPage"),
+         QStringLiteral("&OCR Page"),
+         QStringLiteral("text.viewfinder"),
          {}},
         {Command::applyRedactions,
          QStringLiteral("applyRedactions"),
@@ -105,6 +110,9 @@ WorkspaceActions::WorkspaceActions(AnnotatingPDFView* view, std::shared_ptr<Tool
     QAction* sidebar = action(Command::toggleSidebar);
     sidebar->setCheckable(true);
     sidebar->setToolTip(QStringLiteral("Toggle Page Sidebar (%1)").arg(Shortcuts::text(sidebar->objectName())));
+    action(Command::ocrPage)
+        ->setToolTip(QStringLiteral("Recognize text on the current page, copy it out, and make it selectable if it "
+                                    "wasn't already"));
     QAction* apply = action(Command::applyRedactions);
     apply->setToolTip(QStringLiteral("Apply redactions: replace each marked page by a picture without what is marked"));
     apply->setIconText(QStringLiteral("Apply")); // on its button

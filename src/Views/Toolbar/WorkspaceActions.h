@@ -32,6 +32,7 @@ public:
         forward,
         print,           ///< the workspace connects it
         toggleSidebar,   ///< shows the page sidebar, or hides it; the workspace connects it
+        ocrPage,         ///< reads the text of the page that is shown; the workspace connects it
         applyRedactions, ///< visible while pages have markers of redactions; the workspace connects it
         askAssistant,    ///< shows the assistant, or hides it; the workspace connects it
     };
@@ -61,6 +62,6 @@ private:
 
     QPointer<AnnotatingPDFView> m_view;
     ToolActions* m_tools;
-    std::array<QPointer<QAction>, 15> m_actions;
+    std::array<QPointer<QAction>, 16> m_actions;
     QList<QAction*> m_scales; ///< the whole page is the last
 };

@@ -75,6 +75,7 @@ ToolbarGroup* WorkspaceToolbar::makeRightGroup(const WorkspaceActions& actions) 
     connect(apply, &QAction::changed, applyButton,
             [apply, applyButton] { applyButton->setVisible(apply->isVisible()); });
     group->addButton(actions.tools().editText())->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    group->addButton(actions.action(Command::ocrPage))->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     group->addButton(actions.action(Command::askAssistant))->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     group->addButton(settings);
     return group;

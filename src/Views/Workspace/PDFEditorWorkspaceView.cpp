@@ -99,6 +99,8 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     m_lineStylePicker = new LineStylePicker(m_toolState, this);
     connectTools();
     connectRedactions();
+    connect(m_actions->action(WorkspaceActions::Command::ocrPage), &QAction::triggered, this,
+            &PDFEditorWorkspaceView::ocrCurrentPageTapped);
     connectSidebar();
     connectAssistant();
     connectPanes();

@@ -3,6 +3,8 @@
 #include "AnnotationTool.h"
 #include "MarkupAction.h"
 
+#include <QCoroTask>
+#include <QPointer>
 #include <QTimer>
 #include <QUrl>
 #include <QWidget>
@@ -19,6 +21,7 @@ class PDFEditorDocument;
 class PDFViewCoordinator;
 class PassingNotice;
 class QSplitter;
+class RecognitionProgress;
 class RedactionCommand;
 class ThumbnailSidebar;
 class ToolState;
@@ -55,6 +58,9 @@ public:
     void toggleTextEditingMode();
     /// Marks the selected text. With nothing selected it turns marking of each next selection on, or off again.
     void toggleMarkup(MarkupAction action);
+    /// Reads the text of the page that is shown, out of its picture where it has none and then into the page, copies it
+    /// and shows it among the assistant's replies. Does nothing while that runs.
+    void ocrCurrentPageTapped();
     /// Burns in what the markers of redactions cover, and says so.
     void confirmApplyRedactions();
     /// Shows the text of a page, which was recognized, among the assistant's replies.
@@ -86,6 +92,8 @@ protected:
 private:
     void connectTools();
     void connectRedactions();
+    static QCoro::Task<> ocrPage(QPointer<PDFEditorWorkspaceView> self, int index,
+                                 QPointer<RecognitionProgress> progress);
     void connectSidebar();
     void connectAssistant();
     void connectPanes();
@@ -111,7 +119,8 @@ private:
     QSplitter* m_splitter;
     ThumbnailSidebar* m_sidebar;
     RedactionCommand* m_redactions = nullptr;
-    bool m_sidebarGaveWay = false; ///< it comes back with the room
+    QPointer<RecognitionProgress> m_recognition; ///< null unless a page is being recognized
+    bool m_sidebarGaveWay = false;               ///< it comes back with the room
     bool m_isNarrow = false;
     QTimer m_sidebarRest; ///< runs out when the sidebar's width has rested for a moment
 };

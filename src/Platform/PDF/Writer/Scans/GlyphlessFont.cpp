@@ -4,6 +4,7 @@
 #include "PackedStream.h"
 
 #include <QChar>
+#include <QList>
 #include <QtEndian>
 
 #include <algorithm>

@@ -16,7 +16,7 @@ constexpr int invisible = 3; // the mode of text
 /// Follows a content stream for as long as it may still be that of a scanned page.
 class ScanParser : public QPDFObjectHandle::ParserCallbacks {
 public:
-    ScanParser(QPDFObjectHandle resources, const QRectF& shown) : m_resources(std::move(resources)), m_shown(shown) {}
+    ScanParser(const QPDFObjectHandle& resources, const QRectF& shown) : m_resources(resources), m_shown(shown) {}
 
     [[nodiscard]] std::optional<OnlyPicture::Picture> picture() const { return m_isScan ? m_picture : std::nullopt; }
 
