@@ -42,7 +42,7 @@ bool RedactionApplier::arePending(const PDFDocument& document) {
 }
 
 RedactionApplier::Run::Run(PDFEditorDocument& document) : m_document(document) {
-    const std::shared_ptr<PDFDocument> pdf = document.pdfDocument();
+    const std::shared_ptr<PDFDocument>& pdf = document.pdfDocument();
     for (int index = 0; index < pdf->pageCount(); ++index)
         if (!pendingBoxes(*pdf->page(index)).empty())
             m_marked.push_back(index);

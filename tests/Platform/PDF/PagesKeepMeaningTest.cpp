@@ -61,7 +61,7 @@ void fill(PdfFixture& pdf, const QStringList& words) {
 }
 
 void addOutline(const QJsonArray& items, const QStringList& pages, QStringList& lines) {
-    for (const QJsonValue& item : items) {
+    for (const QJsonValue item : items) {
         const int page = item[QLatin1String("destpageposfrom1")].toInt();
         lines += item[QLatin1String("title")].toString() + QStringLiteral(" > ") + pages.value(page - 1);
         addOutline(item[QLatin1String("kids")].toArray(), pages, lines);
@@ -99,7 +99,7 @@ QStringList meaning(const QByteArray& file, QStringList& pages) {
         {QStringLiteral("--json=1"), QStringLiteral("--password=") + given, QStringLiteral("FILE")}, file);
     const QJsonObject told = QJsonDocument::fromJson(json.output).object();
     addOutline(told[QLatin1String("outlines")].toArray(), pages, lines);
-    for (const QJsonValue& field : told[QLatin1String("acroform")][QLatin1String("fields")].toArray())
+    for (const QJsonValue field : told[QLatin1String("acroform")][QLatin1String("fields")].toArray())
         lines += field[QLatin1String("fullname")].toString() + QStringLiteral(" = ") +
                  field[QLatin1String("value")].toString() + QStringLiteral(" on ") +
                  pages.value(field[QLatin1String("pageposfrom1")].toInt() - 1);
@@ -148,12 +148,12 @@ protected:
         const std::string kind = GetParam();
         PdfFixture pdf;
         fill(pdf, greek);
-        file = kind == "encrypted"        ? pdf.encrypted(password.toLatin1(), "owner", PdfFixture::Encryption::aes256)
-               : kind == "object streams" ? pdf.bytes(PdfFixture::Style::objectStreams)
-                                          : pdf.bytes();
-        document = opened(QStringLiteral("greek.pdf"), file);
+        m_file = kind == "encrypted" ? pdf.encrypted(password.toLatin1(), "owner", PdfFixture::Encryption::aes256)
+                 : kind == "object streams" ? pdf.bytes(PdfFixture::Style::objectStreams)
+                                            : pdf.bytes();
+        m_document = opened(QStringLiteral("greek.pdf"), m_file);
         QStringList pages;
-        before = meaning(file, pages);
+        m_before = meaning(m_file, pages);
         ASSERT_EQ(pages, greek);
     }
     static std::shared_ptr<PDFDocument> opened(const QString& name, const QByteArray& bytes) {
@@ -165,9 +165,9 @@ protected:
         return result;
     }
 
-    QByteArray file;
-    std::shared_ptr<PDFDocument> document;
-    QStringList before;
+    QByteArray m_file;
+    std::shared_ptr<PDFDocument> m_document;
+    QStringList m_before;
 };
 
 } // namespace
@@ -226,7 +226,7 @@ TEST_P(PagesKeepMeaningTest, InTheirDocumentAndInCopies) {
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.what);
-        auto live = opened(QStringLiteral("greek.pdf"), file);
+        auto live = opened(QStringLiteral("greek.pdf"), m_file);
         Document changed = each.change(live);
         if (each.isCopy)
             live.reset(); // what copies need of it outlives it
@@ -234,11 +234,11 @@ TEST_P(PagesKeepMeaningTest, InTheirDocumentAndInCopies) {
         QStringList pages;
         QStringList now = meaning(after, pages);
         EXPECT_EQ(pages, each.pages);
-        QStringList expected = about(before, greek, each.pages);
+        QStringList expected = about(m_before, greek, each.pages);
         if (each.isCopy)
             expected.removeOne(QStringLiteral("signature"));
         EXPECT_EQ(text(now), text(expected));
-        const QByteArray all = PdfPrograms::unpacked(after, document->isEncrypted() ? password : QString());
+        const QByteArray all = PdfPrograms::unpacked(after, m_document->isEncrypted() ? password : QString());
         for (const QString& word : greek)
             // The first stands in the title.
             EXPECT_TRUE(each.pages.contains(word) || word == greek[0] || !all.contains(word.toLatin1()))
@@ -251,12 +251,12 @@ TEST_P(PagesKeepMeaningTest, FewOfManyPages) {
     fill(pdf, greek);
     for (int i = 0; i < 220; ++i)
         pdf.addPage({QStringLiteral("Rest")});
-    const bool isProtected = document->isEncrypted();
+    const bool isProtected = m_document->isEncrypted();
     const QByteArray many = isProtected ? pdf.encrypted(password.toLatin1(), "owner", PdfFixture::Encryption::rc4)
                                         : pdf.bytes(PdfFixture::Style::objectStreams);
     const auto copy = copyOf(*opened(QStringLiteral("many.pdf"), many), {1, 3});
     QStringList pages;
-    QStringList expected = about(before, greek, {greek[1], greek[3]});
+    QStringList expected = about(m_before, greek, {greek[1], greek[3]});
     expected.removeOne(QStringLiteral("signature"));
     EXPECT_EQ(text(meaning(copy->dataRepresentation(), pages)), text(expected));
     EXPECT_LT(copy->dataRepresentation().size(), 20'000);
@@ -274,16 +274,16 @@ TEST_P(PagesKeepMeaningTest, InAnotherDocument) {
     const QStringList latinBefore = meaning(theirs, pages);
     const auto target = opened(QStringLiteral("latin.pdf"), theirs);
     const int entries = target->outlineRoot()->numberOfChildren();
-    for (int i = 0; i < document->pageCount(); ++i)
-        target->insert(document->page(i)->copy(), i + 1);
-    document.reset();
+    for (int i = 0; i < m_document->pageCount(); ++i)
+        target->insert(m_document->page(i)->copy(), i + 1);
+    m_document.reset();
     const auto entry = target->outlineRoot()->child(2);
     ASSERT_EQ(target->outlineRoot()->numberOfChildren(), entries + 1) << "one for the whole of the other file";
     EXPECT_EQ(entry->label(), QStringLiteral("greek.pdf"));
     EXPECT_EQ(entry->numberOfChildren(), 8);
     EXPECT_EQ(target->index(entry->destination()->page().get()), 1);
 
-    QStringList expected = latinBefore + before;
+    QStringList expected = latinBefore + m_before;
     for (const char* ofThem : {"Title Alpha", "signature", "attachment"})
         expected.removeOne(QLatin1String(ofThem));
     expected += QStringLiteral("greek.pdf > Alpha");
@@ -310,7 +310,7 @@ TEST_P(PagesKeepMeaningTest, InAnotherDocument) {
 
     // Both in a file of their own, of which neither is the document that it describes. It starts from the larger one.
     PDFDocument both;
-    for (const auto& each : {opened(QStringLiteral("latin.pdf"), theirs), opened(QStringLiteral("greek.pdf"), file)})
+    for (const auto& each : {opened(QStringLiteral("latin.pdf"), theirs), opened(QStringLiteral("greek.pdf"), m_file)})
         for (int i = 0; i < each->pageCount(); ++i)
             both.insert(each->page(i)->copy(), both.pageCount());
     EXPECT_EQ(both.outlineRoot()->numberOfChildren(), 2);

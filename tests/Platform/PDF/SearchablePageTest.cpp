@@ -214,7 +214,7 @@ TEST(SearchablePage, APageThatIsOnePictureKeepsThePicturesBytes) {
                 continue;
             EXPECT_EQ(PdfPrograms::complaints(bytes), "");
             EXPECT_TRUE(bytes.contains(jpeg));
-            EXPECT_LT(bytes.size(), jpeg.size() + 10 * 1024);
+            EXPECT_LT(bytes.size(), jpeg.size() + 10'240);
             const auto page = opened(bytes);
             EXPECT_EQ(page->string(), QStringLiteral("Found"));
             EXPECT_EQ(page->geometry(), before->geometry());
