@@ -36,7 +36,7 @@ std::shared_ptr<PDFOutline> theirOutline(const PDFOrigin& origin, const std::vec
 
 /// The same below an entry under the document's name, which leads to the first of the pages.
 std::shared_ptr<PDFOutline> entryFor(const PDFOrigin& origin, const std::vector<std::shared_ptr<PDFPage>>& pages) {
-    const std::shared_ptr<PDFOutline> entry = theirOutline(origin, pages);
+    std::shared_ptr<PDFOutline> entry = theirOutline(origin, pages);
     if (!entry)
         return nullptr;
     entry->setLabel(origin.name());

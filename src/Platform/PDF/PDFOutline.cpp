@@ -30,7 +30,7 @@ std::shared_ptr<PDFOutline> treeOf(const std::shared_ptr<PDFSource>& file, const
 } // namespace
 
 std::shared_ptr<PDFOutline> PDFOutline::of(const std::shared_ptr<PDFSource>& file, const PageOf& pageOf) {
-    const std::shared_ptr<PDFOutline> root = treeOf(file, pageOf);
+    std::shared_ptr<PDFOutline> root = treeOf(file, pageOf);
     std::vector<PDFOutline*> pending{root.get()};
     while (root && !pending.empty()) {
         PDFOutline* item = pending.back();
