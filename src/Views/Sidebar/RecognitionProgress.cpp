@@ -20,6 +20,12 @@ RecognitionProgress::~RecognitionProgress() {
     delete m_dialog;
 }
 
+bool RecognitionProgress::end(const QPointer<RecognitionProgress>& progress) {
+    const bool isWanted = progress && !progress->isCancelled();
+    delete progress;
+    return isWanted;
+}
+
 void RecognitionProgress::tell(int page, int count) {
     m_hasBegun = true;
     if (!m_dialog || isCancelled())

@@ -19,6 +19,9 @@ public:
     [[nodiscard]] bool isCancelled() const { return m_stop.stop_requested(); }
     /// True once `tell` has been called.
     [[nodiscard]] bool hasBegun() const { return m_hasBegun; }
+    /// For who comes back from a recognition: ends the progress, and is false when it was cancelled or is gone with its
+    /// window.
+    [[nodiscard]] static bool end(const QPointer<RecognitionProgress>& progress);
     /// The page from 1 to `count` is being recognized.
     void tell(int page, int count);
 

@@ -32,11 +32,7 @@ QCoro::Task<> ThumbnailSidebar::recognize(QPointer<ThumbnailSidebar> self, QPoin
     } catch (...) {
         alert = {QStringLiteral("Couldn't Recognize Text"), sentenceOfCurrentError("recognizing text")};
     }
-    if (!self || !progress)
-        co_return;
-    const bool isCancelled = progress->isCancelled();
-    delete progress;
-    if (isCancelled)
+    if (!RecognitionProgress::end(progress) || !self)
         co_return;
     self->pagesHaveChanged();
     self->showAlert(alert, QStringLiteral("text.viewfinder"));

@@ -10,7 +10,6 @@
 #include "OpenPanel.h"
 #include "PDFEditorDocument.h"
 #include "PDFKitRepresentedView.h"
-#include "PDFPage.h"
 #include "PDFViewCoordinator.h"
 #include "PageField.h"
 #include "Palette.h"
@@ -153,16 +152,11 @@ void PDFEditorWorkspaceView::connectRedactions() {
         m_notice->announce(QStringLiteral("Redacted — text is now permanently removed. %1 to undo")
                                .arg(QKeySequence(QKeySequence::Undo).toString(QKeySequence::NativeText)));
     };
-    m_redactions =
-        new RedactionCommand(*m_actions->action(WorkspaceActions::Command::applyRedactions), m_document, done, this);
-    // Markers that came with the file are known once their page is seen.
-    const auto look = [this] {
-        if (const std::shared_ptr<PDFPage> page = m_pdfView->currentPage())
-            (void)page->annotations();
-        m_redactions->update();
-    };
-    connect(m_coordinator, &PDFViewCoordinator::pageIndicatorChanged, m_redactions, look);
-    look();
+    const auto seen = [this] { return m_pdfView->currentPage(); };
+    m_redactions = new RedactionCommand(*m_actions->action(WorkspaceActions::Command::applyRedactions), m_document,
+                                        seen, done, this);
+    connect(m_coordinator, &PDFViewCoordinator::pageIndicatorChanged, m_redactions, &RedactionCommand::update);
+    m_redactions->update();
 }
 
 void PDFEditorWorkspaceView::confirmApplyRedactions() {

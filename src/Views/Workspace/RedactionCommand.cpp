@@ -8,19 +8,30 @@
 #include <QAction>
 #include <QProgressDialog>
 
+#include <chrono>
 #include <utility>
 
+static constexpr std::chrono::milliseconds rest{200};
+
 RedactionCommand::RedactionCommand(QAction& action, std::shared_ptr<PDFEditorDocument> document,
-                                   std::function<void()> done, QWidget* window)
-    : QObject(window), m_action(action), m_document(std::move(document)), m_done(std::move(done)), m_window(window) {
+                                   std::function<std::shared_ptr<PDFPage>()> seen, std::function<void()> done,
+                                   QWidget* window)
+    : QObject(window), m_action(action), m_document(std::move(document)), m_seen(std::move(seen)),
+      m_done(std::move(done)), m_window(window) {
     m_changed.setSingleShot(true);
-    connect(&m_changed, &QTimer::timeout, this,
-            [this] { m_action.setVisible(RedactionApplier::arePending(*m_document->pdfDocument())); });
+    m_changed.setInterval(rest);
+    connect(&m_changed, &QTimer::timeout, this, &RedactionCommand::look);
     connect(&m_steps, &QTimer::timeout, this, &RedactionCommand::step);
     connect(&m_action, &QAction::triggered, this, &RedactionCommand::run);
     const PDFDocument* pdf = m_document->pdfDocument().get();
     connect(pdf, &PDFDocument::pagesChanged, this, &RedactionCommand::update);
     connect(pdf, &PDFDocument::pageContentChanged, this, &RedactionCommand::update);
+}
+
+void RedactionCommand::look() {
+    const std::shared_ptr<PDFPage> page = m_seen();
+    m_action.setVisible((page && !RedactionApplier::pendingBoxes(*page).empty()) ||
+                        RedactionApplier::arePending(*m_document->pdfDocument()));
 }
 
 void RedactionCommand::run() {

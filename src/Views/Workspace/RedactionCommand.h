@@ -17,22 +17,26 @@ class QWidget;
 /// several pages are to be drawn. Cancelled, or gone with its window, it leaves the document as it was.
 class RedactionCommand : public QObject {
 public:
-    /// `window` is where progress is shown, and owns the command. `done` is told when all is over, whether or not a
-    /// page was replaced.
-    RedactionCommand(QAction& action, std::shared_ptr<PDFEditorDocument> document, std::function<void()> done,
-                     QWidget* window);
+    /// `seen` gives the page that is shown, or null: markers that came with the file are known once their page is.
+    /// `done` is told when all is over, whether or not a page was replaced. `window` is where progress is shown, and
+    /// owns the command.
+    RedactionCommand(QAction& action, std::shared_ptr<PDFEditorDocument> document,
+                     std::function<std::shared_ptr<PDFPage>()> seen, std::function<void()> done, QWidget* window);
 
     /// Does nothing while it runs.
     void run();
-    /// Looks whether there are markers once the turn is over that changed something.
+    /// Looks whether there are markers as soon as nothing has changed for a moment: neither a stroke that is drawn nor
+    /// scrolling waits for that.
     void update() { m_changed.start(); }
 
 private:
+    void look();
     void step();
     void finish();
 
     QAction& m_action;
     const std::shared_ptr<PDFEditorDocument> m_document;
+    const std::function<std::shared_ptr<PDFPage>()> m_seen;
     const std::function<void()> m_done;
     QWidget* m_window;
     QTimer m_changed;

@@ -113,14 +113,13 @@ TEST_F(RedactionTest, markerAndRedactionAreTwoStepsAndARedoIsTheLastWord) {
     mark({100, 300, 50, 40});
     EXPECT_NE(page(), original);
     undoManager().undo();
-    QTest::qWait(10);
     EXPECT_EQ(page(), original);
     ASSERT_EQ(page()->annotations().size(), 1U) << "the marker is pending again";
-    EXPECT_TRUE(button(QStringLiteral("applyRedactions"))->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return button(QStringLiteral("applyRedactions"))->isVisible(); }));
     undoManager().undo();
-    QTest::qWait(10);
     EXPECT_TRUE(page()->annotations().empty());
-    EXPECT_FALSE(apply->isVisible() || button(QStringLiteral("applyRedactions"))->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !apply->isVisible(); }));
+    EXPECT_FALSE(button(QStringLiteral("applyRedactions"))->isVisible());
     undoManager().redo();
     undoManager().redo();
     EXPECT_NE(page(), original);

@@ -25,11 +25,7 @@ QCoro::Task<> PDFEditorWorkspaceView::ocrPage(QPointer<PDFEditorWorkspaceView> s
     } catch (...) {
         failure = sentenceOfCurrentError("recognizing text");
     }
-    if (!self || !progress)
-        co_return;
-    const bool isCancelled = progress->isCancelled();
-    delete progress;
-    if (isCancelled)
+    if (!RecognitionProgress::end(progress) || !self)
         co_return;
     self->m_pdfView->layoutDocumentView();
     const bool isFound = text && !text->isEmpty();
