@@ -180,7 +180,11 @@ QCoro::Task<std::optional<QString>> OCRTextLayerApplier::applyToCurrentPage(int 
     const std::shared_ptr<PDFPage> page = document.pdfDocument()->page(index);
     if (!page)
         co_return std::nullopt;
-    if (pageAlreadyHasText(*page))
+    const std::vector<PDFPageContent> contents{page->content()};
+    const std::vector<int> needed = co_await withoutText(contents, stop);
+    if (stop.stop_requested())
+        co_return std::nullopt;
+    if (needed.empty())
         co_return page->string().trimmed();
     const bool canRead = co_await hasData(stop);
     if (!canRead)
