@@ -12,7 +12,6 @@
 #include "ThumbnailCache.h"
 #include "UndoManager.h"
 
-#include <QBuffer>
 #include <QCoreApplication>
 #include <QPainter>
 #include <QScopeGuard>
@@ -40,14 +39,6 @@ QImage scanOf(const QString& line) {
     return image;
 }
 
-QByteArray jpegOf(const QImage& image) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "JPEG", 85);
-    return bytes;
-}
-
 /// A page on which the scan stands upright once it is shown, with `more` content. The boxes may be any.
 int addScan(PdfFixture& fixture, const QString& line, int rotation = 0, const QByteArray& mediaBox = "[0 0 360 240]",
             const QByteArray& more = {}) {
@@ -55,7 +46,7 @@ int addScan(PdfFixture& fixture, const QString& line, int rotation = 0, const QB
     const QByteArray image = fixture.addStream(
         "<< /Type /XObject /Subtype /Image /BitsPerComponent 8 /ColorSpace /DeviceGray /Filter /DCTDecode /Width " +
             QByteArray::number(scan.width()) + " /Height " + QByteArray::number(scan.height()) + " >>",
-        jpegOf(scan));
+        PdfFixture::jpegOf(scan));
     const QList<QByteArray> box = mediaBox.mid(1).chopped(1).split(' ');
     const double left = box[0].toDouble();
     const double low = box[1].toDouble();
@@ -142,7 +133,7 @@ TEST(OCRTextLayerApplier, ANewPageShowsTheSameAndIsReadWhereItIsShown) {
         ASSERT_NE(page, before);
         EXPECT_EQ(page->geometry(), before->geometry());
         EXPECT_EQ(page->string(), line);
-        EXPECT_EQ(page->content().source->bytes().contains(jpegOf(scanOf(line))), keepsBytes);
+        EXPECT_EQ(page->content().source->bytes().contains(PdfFixture::jpegOf(scanOf(line))), keepsBytes);
         const QImage shown = page->thumbnail({720, 720}, media);
         double difference = 0;
         for (int y = 0; y < shown.height(); ++y)

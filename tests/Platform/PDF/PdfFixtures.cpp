@@ -4,6 +4,9 @@
 
 #include <qpdf/QPDFWriter.hh>
 
+#include <QBuffer>
+#include <QImage>
+
 namespace {
 
 QByteArray formAppearance(const QRectF& rect) {
@@ -33,6 +36,15 @@ QByteArray PdfFixture::textContent(const QStringList& lines, QSizeF size) {
         content += QByteArray::fromStdString(shown) + " Tj T*\n";
     }
     return content + "ET\n";
+}
+
+QByteArray PdfFixture::jpegOf(const QImage& image) {
+    constexpr int quality = 90;
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "JPEG", quality);
+    return bytes;
 }
 
 QByteArray PdfFixture::defaultResources() {

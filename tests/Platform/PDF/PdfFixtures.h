@@ -10,6 +10,8 @@
 #include <memory>
 #include <vector>
 
+class QImage;
+
 /// Builds a PDF file for a test, part by part. Values are given in the file's own syntax ("[0 0 10 10]", "(text)",
 /// "12 0 R"), so that a test can say exactly what it wants, broken things included. Page indices are zero-based.
 class PdfFixture {
@@ -57,6 +59,8 @@ public:
     /// A text string in the file's syntax.
     [[nodiscard]] static QByteArray textString(const QString& text);
     [[nodiscard]] static QByteArray rectArray(const QRectF& rect);
+    /// The bytes of a JPEG file, for a stream.
+    [[nodiscard]] static QByteArray jpegOf(const QImage& image);
 
     // Parts of a document
 

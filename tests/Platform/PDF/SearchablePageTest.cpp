@@ -7,7 +7,6 @@
 #include "PdfFixtures.h"
 #include "PdfPrograms.h"
 
-#include <QBuffer>
 #include <QImage>
 #include <QPainter>
 #include <QRandomGenerator>
@@ -44,14 +43,6 @@ double difference(const QImage& one, const QImage& other) {
 
 QImage shown(const std::shared_ptr<PDFPage>& page) {
     return page->thumbnail({400, 400}, PDFDisplayBox::cropBox);
-}
-
-QByteArray jpegOf(const QImage& image) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "JPEG", 90);
-    return bytes;
 }
 
 QByteArray imageKeys(const QImage& image, const QByteArray& more) {
@@ -174,7 +165,7 @@ TEST(SearchablePage, APictureIsStoredAsSmallAsItGoes) {
 
 TEST(SearchablePage, APageThatIsOnePictureKeepsThePicturesBytes) {
     const QImage scan = barred({600, 800});
-    const QByteArray jpeg = jpegOf(scan);
+    const QByteArray jpeg = PdfFixture::jpegOf(scan);
     const QByteArray place = "q 300 0 0 400 0 0 cm /Scan Do Q";
     const struct {
         QByteArray content;

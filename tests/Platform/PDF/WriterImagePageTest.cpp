@@ -1,5 +1,6 @@
 #include "PDFPage.h"
 #include "PDFSource.h"
+#include "PdfFixtures.h"
 #include "PdfPrograms.h"
 
 #include <QBuffer>
@@ -38,14 +39,6 @@ QList<QByteArray> extracted(const QByteArray& file, const char* format) {
         images += image.readAll();
     }
     return images;
-}
-
-QByteArray jpegOf(const QImage& image) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "JPEG", 90);
-    return bytes;
 }
 
 /// The bytes of the file that holds the page; empty without a page.
@@ -104,7 +97,7 @@ TEST(ImagePageTest, GreyAndTranslucentPicturesAreStoredAsSuch) {
 TEST(ImagePageTest, JpegBytesStayAsTheyAre) {
     const QImage picture = colourful({64, 32});
     const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
-    for (const QByteArray& jpeg : {jpegOf(picture), jpegOf(grey)}) {
+    for (const QByteArray& jpeg : {PdfFixture::jpegOf(picture), PdfFixture::jpegOf(grey)}) {
         const QByteArray file = fileOf(PDFPage::fromJpeg(jpeg, {300, 150}));
         EXPECT_EQ(PdfPrograms::complaints(file), "");
         EXPECT_EQ(extracted(file, "-all"), QList<QByteArray>{jpeg});
@@ -132,7 +125,7 @@ TEST(ImagePageTest, TurnedJpegsStandUpright) {
                 const QImage stored = upright.transformed(QTransform().rotate(90 * turn)).mirrored(mirrored, false);
                 const QByteArray exif = QByteArray("Exif\0\0MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0", 25) +
                                         char(orientation) + QByteArray("\0\0\0\0\0\0", 6);
-                const QByteArray jpeg = withSegment(jpegOf(stored), '\xE1', exif);
+                const QByteArray jpeg = withSegment(PdfFixture::jpegOf(stored), '\xE1', exif);
                 QBuffer buffer;
                 buffer.setData(jpeg);
                 QImageReader reader(&buffer, "JPEG");
@@ -154,7 +147,7 @@ TEST(ImagePageTest, WhatIsNoPictureGivesNothing) {
     EXPECT_TRUE(fileOf(PDFPage::fromImage(QImage(), {10, 10})).isEmpty());
     EXPECT_TRUE(fileOf(PDFPage::fromImage(colourful({5, 5}), {0, 10})).isEmpty());
     EXPECT_FALSE(PDFPage::fromImage(QImage(), {10, 10}));
-    const QByteArray jpeg = jpegOf(colourful({32, 32}));
+    const QByteArray jpeg = PdfFixture::jpegOf(colourful({32, 32}));
     EXPECT_TRUE(fileOf(PDFPage::fromJpeg(jpeg, {10, -1})).isEmpty());
     EXPECT_TRUE(fileOf(PDFPage::fromJpeg("GIF89a", {10, 10})).isEmpty());
     EXPECT_TRUE(fileOf(PDFPage::fromJpeg({}, {10, 10})).isEmpty());
