@@ -92,12 +92,20 @@ struct Case {
 
 const QByteArray note = "<< /Type /Annot /Subtype /Text /Rect [0 0 9 9] /Contents (StaysNote) >>";
 
+const QByteArray linkToStaying =
+    "<< /Type /Annot /Subtype /Link /Rect [0 0 9 9] /Contents (StaysLink) /Dest [3 0 R /Fit] >>";
+const QByteArray linkToGone =
+    "<< /Type /Annot /Subtype /Link /P 3 0 R /Rect [0 0 9 9] /A << /S /GoTo /D [4 0 R /XYZ 7 7 null] "
+    ">> /NM (StaysLink) >>";
+
 const std::vector<Case> cases{
+    {"plain links", {{{{10, linkToStaying}, {11, "<< /StaysReply 10 0 R >>"}, {12, "/StaysName"}}}}, true},
+    {"a plain link to the page", {{{{10, linkToGone}, {11, "<< /StaysReply 10 0 R >>"}, {12, "/StaysName"}}}}, false},
     {"values in any order", {{{{10, note}, {11, "<< /B<</D/E/C 1>>/A[1 .5(x)]>>"}, {12, "(StaysString)"}}}}, true},
     {"strings of all kinds", {{{{10, note}, {11, "[(a\\)\\(b)<464F>(\\376\\377\\0A)(a(b)c)]"}, {12, "/N#20x"}}}}, true},
     {"references", {{{{10, note}, {11, "[10 0 R 12  0\nR 1 2 3 4 0 R]"}, {12, "-1.50"}}}}, true},
     {"a reference to nothing", {{{{10, note}, {11, "[25 0 R 30 0 R 4 0 R]"}, {12, "2"}}}}, true},
-    {"a reference far beyond", {{{{10, note}, {11, "[8000000 0 R]"}, {12, "2"}}}}, false},
+    {"a reference far beyond", {{{{10, linkToStaying}, {11, "[8000000 0 R]"}, {12, "2"}}}}, false},
     {"a reference to the stream itself", {{{{10, note}, {11, "[20 0 R]"}, {12, "2"}}}}, false},
     {"a comment", {{{{10, note}, {11, "[1 % GoneComment\n2]"}, {12, "2"}}}}, false},
     {"a key that refers to the page", {{{{10, note}, {11, "<< /A 1 /GoneKey 4 0 R >>"}, {12, "2"}}}}, false},
@@ -133,6 +141,7 @@ TEST(WriterTakingOverTest, StreamsOfObjectsStayOnlyWithoutAnythingThatIsGone) {
         EXPECT_FALSE(all.contains("Gone")) << all.mid(all.indexOf("Gone") - 40, 80).toStdString();
         EXPECT_EQ(all.count("Stays"), PdfFixture::withStreamsInflated(before).count("Stays"));
         EXPECT_EQ(PdfPrograms::text(after).simplified(), QStringLiteral("StaysText"));
+        EXPECT_FALSE(PdfPrograms::unpacked(after).contains("/XYZ"));
         EXPECT_EQ(PDFDocument::fromData(after)->page(0)->annotations().size(), 1U);
     }
 }
@@ -175,29 +184,44 @@ TEST(WriterTakingOverTest, MostOfALargeFileStaysAsItIs) {
 }
 
 TEST(WriterTakingOverTest, WholeFilesThatArePutTogetherKeepTheirOwnLinks) {
-    const QByteArray link = "<< /Type /Annot /Subtype /Link /Rect [0 0 9 9] /A 11 0 R /P 3 0 R /StructParent 3 >>";
-    const QByteArray file = fileWith({{{{10, link},
-                                        {11, "<< /S /GoTo /D [4 0 R /Fit] /Next 12 0 R /Back 10 0 R >>"},
-                                        {12, "<< /S /URI /URI (4 0 R\\)2 0 R) /StructParents 1 >>"}}}});
-    PDFDocument merged;
-    for (int copy = 0; copy < 2; ++copy) {
-        const auto document = PDFDocument::fromData(file);
-        for (int i = 0; i < 2; ++i)
-            merged.insert(document->page(i)->copy(), merged.pageCount());
-    }
-    const QByteArray after = merged.dataRepresentation();
-    EXPECT_EQ(PdfPrograms::complaints(after), "");
-    EXPECT_LE(after.count("/GoTo"), 1) << "what is brought in is packed";
-    const QByteArray all = PdfPrograms::unpacked(after);
-    EXPECT_EQ(all.count("(4 0 R\\)2 0 R)"), 2);
-    EXPECT_EQ(all.count("/StructParent"), 2) << "those of the file that the copy starts from";
-    const auto reopened = PDFDocument::fromData(after);
-    ASSERT_EQ(reopened->pageCount(), 4);
-    for (int i = 0; i < 4; ++i) {
-        const auto annotations = reopened->page(i)->annotations();
-        ASSERT_EQ(annotations.size(), 1U);
-        ASSERT_TRUE(annotations[0]->destination());
-        EXPECT_EQ(annotations[0]->destination()->page(), reopened->page(i / 2 * 2 + 1)) << i;
+    struct {
+        const char* name;
+        QByteArray link;
+        QByteArray action;
+        int strings;    ///< of the whole copy
+        int structures; ///< those of the file that it starts from
+    } const kinds[] = {
+        {"an action of its own", "<< /Type /Annot /Subtype /Link /Rect [0 0 9 9] /A 11 0 R /P 3 0 R /StructParent 3 >>",
+         "<< /S /GoTo /D [4 0 R /Fit] /Next 12 0 R /Back 10 0 R >>", 2, 2},
+        // Each of the pages that are brought in has its own, and the file itself refers to one more.
+        {"a plain one",
+         "<< /Type /Annot /Subtype /Link /Rect [0 0 9 9] /A << /D [4 0 R /Fit] /S /GoTo >> /NM (4 0 R\\)2 0 R) >>",
+         "<< /Back 10 0 R >>", 4, 1},
+    };
+    for (const auto& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        const QByteArray file = fileWith(
+            {{{{10, kind.link}, {11, kind.action}, {12, "<< /S /URI /URI (4 0 R\\)2 0 R) /StructParents 1 >>"}}}});
+        PDFDocument merged;
+        for (int copy = 0; copy < 2; ++copy) {
+            const auto document = PDFDocument::fromData(file);
+            for (int i = 0; i < 2; ++i)
+                merged.insert(document->page(i)->copy(), merged.pageCount());
+        }
+        const QByteArray after = merged.dataRepresentation();
+        EXPECT_EQ(PdfPrograms::complaints(after), "");
+        EXPECT_LE(after.count("/GoTo"), 1) << "what is brought in is packed";
+        const QByteArray all = PdfPrograms::unpacked(after);
+        EXPECT_EQ(all.count("(4 0 R\\)2 0 R)"), kind.strings);
+        EXPECT_EQ(all.count("/StructParent"), kind.structures);
+        const auto reopened = PDFDocument::fromData(after);
+        ASSERT_EQ(reopened->pageCount(), 4);
+        for (int i = 0; i < 4; ++i) {
+            const auto annotations = reopened->page(i)->annotations();
+            ASSERT_EQ(annotations.size(), 1U);
+            ASSERT_TRUE(annotations[0]->destination());
+            EXPECT_EQ(annotations[0]->destination()->page(), reopened->page(i / 2 * 2 + 1)) << i;
+        }
     }
 }
 

@@ -12,29 +12,28 @@ constexpr std::size_t mostNewObjects = 100000;
 
 } // namespace
 
-std::optional<ReachableObjects> ReachableObjects::from(QPDF& pdf, QPDFObjectHandle trailer,
-                                                       const FileObjects::Texts& texts) {
-    ReachableObjects objects(texts);
-    return objects.gather(pdf, trailer) ? std::optional(std::move(objects)) : std::nullopt;
+std::optional<ReachableObjects> ReachableObjects::from(const FileObjects& file, QPDFObjectHandle trailer) {
+    ReachableObjects objects;
+    return objects.gather(file, trailer) ? std::optional(std::move(objects)) : std::nullopt;
 }
 
-bool ReachableObjects::gather(QPDF& pdf, QPDFObjectHandle trailer) {
-    const auto table = pdf.getXRefTable();
+bool ReachableObjects::gather(const FileObjects& file, QPDFObjectHandle trailer) {
+    const auto table = file.pdf().getXRefTable();
     if (table.empty() || std::size_t(table.rbegin()->first.getObj()) > table.size() * gapsForEach + gapsAtLeast)
         return false;
-    m_limit = int(std::size_t(table.rbegin()->first.getObj()) + mostNewObjects + m_texts->size());
+    m_limit = int(std::size_t(table.rbegin()->first.getObj()) + mostNewObjects + file.texts().size());
     const auto note = [this](QPDFObjGen id) { m_pending.push_back(id); };
     ObjectSyntax::forEachReference(trailer.unparse(), note);
     while (!m_pending.empty()) {
         const QPDFObjGen id = m_pending.back();
         m_pending.pop_back();
-        if (!add(pdf, id))
+        if (!add(file, id))
             return false;
     }
     return true;
 }
 
-bool ReachableObjects::add(QPDF& pdf, QPDFObjGen id) {
+bool ReachableObjects::add(const FileObjects& file, QPDFObjGen id) {
     const int number = id.getObj();
     if (number <= 0 || number > m_limit)
         return number == 0;
@@ -45,13 +44,13 @@ bool ReachableObjects::add(QPDF& pdf, QPDFObjGen id) {
     Object& object = m_objects[std::size_t(number)];
     if (m_seen[std::size_t(number)])
         return object.value.empty() || object.generation == id.getGen();
-    if (const auto text = m_texts->find(number); text != m_texts->end() && id.getGen() == 0) {
+    if (const std::string* text = file.text(id)) {
         m_seen[std::size_t(number)] = true;
-        object.value = text->second;
+        object.value = *text;
         ObjectSyntax::forEachReference(object.value, [this](QPDFObjGen next) { m_pending.push_back(next); });
         return true;
     }
-    QPDFObjectHandle handle = pdf.getObject(id);
+    QPDFObjectHandle handle = file.pdf().getObject(id);
     if (handle.isNull())
         return true; // perhaps of a generation that is gone
     m_seen[std::size_t(number)] = true;

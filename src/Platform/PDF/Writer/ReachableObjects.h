@@ -17,12 +17,9 @@ public:
         QPDFObjectHandle stream; ///< not initialized for other objects
     };
 
-    /// `texts` are values of objects that the file doesn't have itself.
-    ///
     /// None when two generations of one number are in use, or numbers far beyond the count of the file's objects, or a
     /// stream whose content is part of the file's own structure.
-    [[nodiscard]] static std::optional<ReachableObjects> from(QPDF& pdf, QPDFObjectHandle trailer,
-                                                              const FileObjects::Texts& texts);
+    [[nodiscard]] static std::optional<ReachableObjects> from(const FileObjects& file, QPDFObjectHandle trailer);
 
     /// An empty value for a number that isn't reachable, and for an object that is null.
     [[nodiscard]] const Object& operator[](int number) const {
@@ -33,13 +30,12 @@ public:
     [[nodiscard]] int end() const { return int(m_objects.size()); }
 
 private:
-    explicit ReachableObjects(const FileObjects::Texts& texts) : m_texts(&texts) {}
-    bool gather(QPDF& pdf, QPDFObjectHandle trailer);
-    bool add(QPDF& pdf, QPDFObjGen id);
+    ReachableObjects() = default;
+    bool gather(const FileObjects& file, QPDFObjectHandle trailer);
+    bool add(const FileObjects& file, QPDFObjGen id);
 
     std::vector<Object> m_objects; // by number
     std::vector<bool> m_seen;
     std::vector<QPDFObjGen> m_pending;
     int m_limit = 0;
-    const FileObjects::Texts* m_texts;
 };

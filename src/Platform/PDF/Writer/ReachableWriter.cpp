@@ -2,6 +2,7 @@
 
 #include "CrossReferences.h"
 #include "ObjectStreams.h"
+#include "PackedLinks.h"
 #include "ReachableObjects.h"
 
 #include <qpdf/Buffer.hh>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <future>
 #include <optional>
 #include <set>
 #include <string>
@@ -55,9 +57,9 @@ private:
 
 class Writing {
 public:
-    Writing(QPDF& pdf, const ReachableObjects& objects, QIODevice& device)
-        : m_pdf(pdf), m_objects(objects), m_output(device), m_lastOfFile(pdf.getXRefTable().rbegin()->first.getObj()),
-          m_next(objects.end()) {}
+    Writing(const FileObjects& file, const ReachableObjects& objects, QIODevice& device)
+        : m_pdf(file.pdf()), m_links(file.links()), m_objects(objects), m_output(device),
+          m_lastOfFile(file.pdf().getXRefTable().rbegin()->first.getObj()), m_next(objects.end()) {}
 
     void write(const std::vector<ObjectStreams::Stream>& streams, QPDFObjectHandle trailer,
                const std::string& version) {
@@ -86,6 +88,14 @@ private:
             m_places[stream.members[std::size_t(i)]] = {Place::Kind::inObjectStream, stream.number, i};
     }
 
+    /// Empty for one that may not stay.
+    [[nodiscard]] QByteArray unchanged(const ObjectStreams::Stream& stream) const {
+        if (const ObjectStreams::Content* original = m_links ? m_links->original(stream.number) : nullptr)
+            return ObjectStreams::unchanged(stream, *original, value());
+        const std::optional<ObjectStreams::Content> content = ObjectStreams::read(m_pdf, stream);
+        return content ? ObjectStreams::unchanged(stream, *content, value()) : QByteArray();
+    }
+
     /// Writes the streams of packed objects that stay; the others' objects are left to be packed anew.
     void takeOver(const std::vector<ObjectStreams::Stream>& streams) {
         for (const ObjectStreams::Stream& stream : streams) {
@@ -96,8 +106,7 @@ private:
                 });
             // An object that took the number of such a stream is in the way.
             const bool isFree = m_objects[stream.number].value.empty();
-            const QByteArray object =
-                isWanted && isFree ? ObjectStreams::unchanged(m_pdf, stream, value()) : QByteArray();
+            const QByteArray object = isWanted && isFree ? unchanged(stream) : QByteArray();
             if (object.isEmpty())
                 m_repacked.insert(stream.members.begin(), stream.members.end());
             else
@@ -136,13 +145,24 @@ private:
         m_output.write("\nendstream");
     }
 
+    /// Compressing takes most of the time, so two threads do it.
     void writePacked() {
+        std::vector<ObjectStreams::Stream> streams;
         for (std::size_t first = 0; first < m_toPack.size(); first += packedTogether) {
             const std::size_t last = std::min(first + packedTogether, m_toPack.size());
-            const ObjectStreams::Stream stream{
-                m_next++, {m_toPack.begin() + std::ptrdiff_t(first), m_toPack.begin() + std::ptrdiff_t(last)}};
-            putStream(stream, ObjectStreams::packed(stream, value()));
+            streams.push_back(
+                {m_next++, {m_toPack.begin() + std::ptrdiff_t(first), m_toPack.begin() + std::ptrdiff_t(last)}});
         }
+        std::vector<QByteArray> objects(streams.size());
+        const auto packEverySecond = [&](std::size_t first) {
+            for (std::size_t i = first; i < streams.size(); i += 2)
+                objects[i] = ObjectStreams::packed(streams[i], value());
+        };
+        std::future<void> others = std::async(std::launch::async, packEverySecond, std::size_t(1));
+        packEverySecond(0);
+        others.get();
+        for (std::size_t i = 0; i < streams.size(); ++i)
+            putStream(streams[i], objects[i]);
     }
 
     void writeEnd(QPDFObjectHandle trailer) {
@@ -168,6 +188,7 @@ private:
     }
 
     QPDF& m_pdf;
+    const PackedLinks* m_links;
     const ReachableObjects& m_objects;
     Output m_output;
     const int m_lastOfFile; // the highest number that the file had before
@@ -187,10 +208,10 @@ bool ReachableWriter::write(const FileObjects& file, const std::string& version,
     if (streams.empty())
         return false;
     QPDFObjectHandle trailer = CrossReferences::plainTrailer(pdf);
-    const std::optional<ReachableObjects> objects = ReachableObjects::from(pdf, trailer, file.texts());
+    const std::optional<ReachableObjects> objects = ReachableObjects::from(file, trailer);
     // By now all is read, and if something was damaged it is known.
     if (!objects || pdf.anyWarnings())
         return false;
-    Writing(pdf, *objects, device).write(streams, trailer, version);
+    Writing(file, *objects, device).write(streams, trailer, version);
     return true;
 }

@@ -93,6 +93,7 @@ private:
     void writePages(PageAnnotations& annotations);
     void arrangePages();
     [[nodiscard]] bool isPlain() const { return m_options.userPassword.isEmpty() && m_options.ownerPassword.isEmpty(); }
+    [[nodiscard]] bool takesLinks() const;
     [[nodiscard]] bool areTextsEnough() const;
     [[nodiscard]] bool wereOnlyRemoved(std::size_t count) const;
     void write(QIODevice& device);
@@ -131,7 +132,7 @@ Rewriting::~Rewriting() {
 void Rewriting::compose(QIODevice& device) {
     SourceFiles::Ahead ahead = openAhead();
     if (m_contents.base) {
-        m_main = std::make_unique<SourceFile>(ahead.take(m_contents.base, m_base));
+        m_main = std::make_unique<SourceFile>(ahead.take(m_contents.base, m_base, takesLinks()));
         if (m_contents.source && m_options.keepsSignatures && !Signatures::valuesIn(m_main->pdf()).empty())
             throw PDFError(PDFError::Kind::breaksSignatures, QStringLiteral("That would break a digital signature."));
         m_hasSoundTree = !m_contents.base->wasRepaired() && (m_main->knowsAllPages() || m_main->findAllPages());
@@ -140,8 +141,10 @@ void Rewriting::compose(QIODevice& device) {
         m_empty->emptyPDF();
     }
     m_objects = std::make_unique<FileObjects>(m_main ? m_main->pdf() : *m_empty);
-    if (m_main)
+    if (m_main) {
+        m_objects->setLinks(m_main->links());
         Signatures::removeFrom(*m_objects);
+    }
     m_form = std::make_unique<FormFields>(*m_objects);
     m_fields = std::make_unique<FieldImporter>(*m_objects, *m_form);
     m_files = std::make_unique<SourceFiles>(*m_objects, m_main.get(), m_base, std::move(ahead));
@@ -185,12 +188,18 @@ SourceFiles::Ahead Rewriting::openAhead() const {
     if (counts.size() < 2)
         return ahead;
     if (m_contents.base && m_contents.base->pageCount() >= largeFile)
-        ahead.open(m_contents.base, m_base);
+        ahead.open(m_contents.base, m_base, takesLinks());
     for (const auto& [source, count] : counts)
         if (source && source != m_contents.base && count >= largeFile && count * 2 > source->pageCount() &&
             ahead.count() < mostAhead)
-            ahead.open(source, m_base);
+            ahead.open(source, m_base, takesLinks());
     return ahead;
+}
+
+/// True when nothing is going to look into the links of a file one by one.
+bool Rewriting::takesLinks() const {
+    return isPlain() && std::none_of(m_contents.pages.begin(), m_contents.pages.end(),
+                                     [](const auto& page) { return page.modified && page.page->annotationsLoaded(); });
 }
 
 bool Rewriting::isInDoubt() const {
@@ -372,6 +381,7 @@ void Rewriting::write(QIODevice& device) {
     if (isPlain() && m_main && !m_contents.base->wasRepaired() && ReachableWriter::write(*m_objects, version, device))
         return;
     m_objects->buildTexts();
+    m_objects->buildLinks();
     // The writer corrects the size, but only one that is there.
     m_objects->pdf().getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     DevicePipeline pipeline(device);

@@ -1,6 +1,7 @@
 #include "ObjectCopier.h"
 
 #include "ObjectSyntax.h"
+#include "PackedLinks.h"
 
 namespace {
 
@@ -50,7 +51,8 @@ QPDFObjectHandle ObjectCopier::reserveFor(QPDFObjectHandle foreign) {
 }
 
 bool ObjectCopier::isLeftOut(QPDFObjectHandle foreign) const {
-    if (foreign.isNull() || isPageObject(foreign) || isAnnotationOrField(foreign))
+    if (foreign.isNull() || (m_links && m_links->find(foreign.getObjGen())) || isPageObject(foreign) ||
+        isAnnotationOrField(foreign))
         return true;
     const bool mayBePage = foreign.isDictionary() && (foreign.hasKey("/Contents") || foreign.hasKey("/MediaBox"));
     return mayBePage && m_isPage && m_isPage(foreign.getObjectID());
@@ -67,6 +69,12 @@ void ObjectCopier::copyInto(QPDFObjectHandle copy, QPDFObjectHandle dictionary, 
         fillText(copy, dictionary, file);
     else
         m_target.fill(copy, translateDictionary(dictionary));
+    finish();
+}
+
+void ObjectCopier::copyText(QPDFObjectHandle copy, const std::string& dictionary, QPDF& file) {
+    m_target.fillText(
+        copy, ObjectSyntax::withReferences(dictionary, [&](QPDFObjGen id) { return reference(file.getObject(id)); }));
     finish();
 }
 

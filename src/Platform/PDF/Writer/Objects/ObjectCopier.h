@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <string>
 
 /// Copies objects of another file with all that they refer to, each object once. The other file must stay open until
 /// the new one is written.
@@ -27,6 +28,9 @@ public:
 
     /// Tells for an object's number whether it is a page, for those that don't look like one.
     void setPageTest(std::function<bool(int number)> isPage) { m_isPage = std::move(isPage); }
+
+    /// Those of the other file that are texts.
+    void setLinks(const PackedLinks& links) { m_links = &links; }
 
     [[nodiscard]] bool hasReplacement(QPDFObjectHandle foreign) const {
         const auto known = m_copies.find(foreign.getObjGen());
@@ -51,6 +55,9 @@ public:
     /// Fills `copy`, an object that was reserved for it, with the copy of a dictionary of `file`, the other file.
     void copyInto(QPDFObjectHandle copy, QPDFObjectHandle dictionary, QPDF& file);
 
+    /// The same for a dictionary that is a text of that file.
+    void copyText(QPDFObjectHandle copy, const std::string& dictionary, QPDF& file);
+
     /// True for a page, a template page or a node of the page tree, also when its type is missing.
     [[nodiscard]] static bool isPageObject(QPDFObjectHandle object);
 
@@ -68,6 +75,7 @@ private:
 
     ObjectStore& m_target;
     QPDF* m_same = nullptr;
+    const PackedLinks* m_links = nullptr;
     std::map<QPDFObjGen, QPDFObjectHandle> m_copies;
     std::set<QPDFObjGen> m_expected; // those of the copies that are still empty
     std::function<bool(int)> m_isPage;

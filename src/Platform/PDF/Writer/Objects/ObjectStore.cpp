@@ -1,10 +1,12 @@
 #include "ObjectStore.h"
 
+#include "PackedLinks.h"
 #include "QuilloAssert.h"
 
 #include <qpdf/Buffer.hh>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -92,6 +94,9 @@ QPDFObjectHandle FileObjects::reserve() {
 }
 
 void FileObjects::fill(QPDFObjectHandle reserved, QPDFObjectHandle value) {
+    m_texts.erase(reserved.getObjectID());
+    if (links())
+        links()->remove(reserved.getObjGen());
     pdf().replaceObject(reserved.getObjGen(), value);
 }
 
@@ -104,9 +109,23 @@ void FileObjects::fillText(QPDFObjectHandle reserved, const std::string& value) 
 
 void FileObjects::buildTexts() {
     m_keepsTexts = false;
-    for (const auto& [number, value] : m_texts)
+    for (const auto& [number, value] : std::exchange(m_texts, {}))
         ObjectStore::fillText(object(number), value);
-    m_texts.clear();
+}
+
+void FileObjects::buildLinks() {
+    if (!links())
+        return;
+    for (const auto& [number, link] : links()->all())
+        pdf().replaceObject(QPDFObjGen(number, 0), QPDFObjectHandle::parse(&pdf(), link.text));
+    links()->clear();
+}
+
+const std::string* FileObjects::text(QPDFObjGen id) const {
+    if (const auto text = m_texts.find(id.getObj()); text != m_texts.end() && id.getGen() == 0)
+        return &text->second;
+    const PackedLinks::Link* link = links() ? std::as_const(*links()).find(id) : nullptr;
+    return link ? &link->text : nullptr;
 }
 
 QPDFObjectHandle FileObjects::reserveStream() {

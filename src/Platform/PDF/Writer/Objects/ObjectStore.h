@@ -15,6 +15,8 @@
 /// stay open until the new file is written.
 using StreamContent = std::variant<QByteArray, QPDFObjectHandle>;
 
+class PackedLinks;
+
 /// Where the objects of a file go that is being composed. The objects that the file has already are changed in place
 /// through their handles; `noteChange` tells of it.
 class ObjectStore {
@@ -26,6 +28,9 @@ public:
 
     [[nodiscard]] QPDF& pdf() const { return m_pdf; }
     [[nodiscard]] QPDFObjectHandle root() const { return m_pdf.getRoot(); }
+    /// Links of the file that are texts; null for none. They stay owned by what opened the file.
+    [[nodiscard]] PackedLinks* links() const { return m_links; }
+    void setLinks(PackedLinks& links) { m_links = &links; }
     /// The file's object of that number with whichever generation it has there.
     [[nodiscard]] QPDFObjectHandle object(int number);
 
@@ -63,6 +68,7 @@ public:
 
 private:
     QPDF& m_pdf;
+    PackedLinks* m_links = nullptr;
     std::optional<std::map<int, int>> m_generations; // of the file's objects, where it isn't zero
 };
 
@@ -83,8 +89,12 @@ public:
     /// From now on objects that are filled with texts stay texts, which spares the time to build them: what QPDF has of
     /// them are empty dictionaries.
     void keepTexts() { m_keepsTexts = true; }
-    [[nodiscard]] const Texts& texts() const { return m_texts; }
     void buildTexts() override;
+    /// Makes objects of the file's links, too.
+    void buildLinks();
+    [[nodiscard]] const Texts& texts() const { return m_texts; }
+    /// The text that stands for an object, a link's too; null for one that QPDF has itself.
+    [[nodiscard]] const std::string* text(QPDFObjGen id) const;
 
 private:
     bool m_keepsTexts = false;

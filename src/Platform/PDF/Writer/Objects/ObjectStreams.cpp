@@ -3,13 +3,10 @@
 #include "Logging.h"
 #include "ObjectSyntax.h"
 
-#include <qpdf/Buffer.hh>
-
 #include <charconv>
 #include <exception>
 #include <map>
-#include <optional>
-#include <string_view>
+#include <new>
 
 namespace {
 
@@ -44,21 +41,17 @@ std::optional<Header> headerOf(std::string_view bytes, std::size_t count) {
     return bytes.find_first_not_of(" \r\n\t", at) == std::string_view::npos ? std::optional(header) : std::nullopt;
 }
 
-/// The bytes of the objects; empty for a header that doesn't fit.
-std::string_view bytesOf(std::string_view objects, const Header& header, std::size_t i) {
-    const bool isLast = i + 1 == header.numbers.size();
-    const std::size_t start = header.offsets[i];
-    const std::size_t end = isLast ? objects.size() : header.offsets[i + 1];
-    return start <= end && end <= objects.size() ? objects.substr(start, end - start) : std::string_view();
+std::string_view view(const Buffer& buffer) {
+    return {reinterpret_cast<const char*>(buffer.getBuffer()), buffer.getSize()};
 }
 
 /// True when the objects follow one another without anything between them, each with the value that it should have.
-bool holdsValues(std::string_view objects, const Header& header, const Value& value) {
-    for (std::size_t i = 0; i < header.numbers.size(); ++i) {
-        if (i == 0 && header.offsets[i] != 0)
-            return false;
-        const auto text = ObjectSyntax::canonical(bytesOf(objects, header, i));
-        if (!text || *text != value(header.numbers[i]))
+bool holdsValues(const ObjectStreams::Stream& stream, const ObjectStreams::Content& content, const Value& value) {
+    if (!content.offsets.empty() && content.offsets.front() != 0)
+        return false;
+    for (std::size_t i = 0; i < stream.members.size(); ++i) {
+        const auto text = ObjectSyntax::canonical(content.bytes(i));
+        if (!text || *text != value(stream.members[i]))
             return false;
     }
     return true;
@@ -73,6 +66,13 @@ QByteArray streamObject(const ObjectStreams::Stream& stream, std::size_t first, 
 }
 
 } // namespace
+
+std::string_view ObjectStreams::Content::bytes(std::size_t index) const {
+    const std::string_view objects = view(*unpacked).substr(first);
+    const std::size_t start = offsets[index];
+    const std::size_t end = index + 1 == offsets.size() ? objects.size() : offsets[index + 1];
+    return start <= end && end <= objects.size() ? objects.substr(start, end - start) : std::string_view();
+}
 
 std::vector<ObjectStreams::Stream> ObjectStreams::of(QPDF& pdf) {
     constexpr int inObjectStream = 2;
@@ -89,68 +89,61 @@ std::vector<ObjectStreams::Stream> ObjectStreams::of(QPDF& pdf) {
     return streams;
 }
 
+std::optional<ObjectStreams::Content> ObjectStreams::read(QPDF& pdf, const Stream& stream) {
+    try {
+        QPDFObjectHandle object = pdf.getObject(stream.number, 0);
+        long long count = 0;
+        long long first = 0;
+        if (!object.isStream() || !object.getDict().getKey("/N").getValueAsInt(count) ||
+            count != static_cast<long long>(stream.members.size()) ||
+            !object.getDict().getKey("/First").getValueAsInt(first) || first <= 0)
+            return std::nullopt;
+        Content content{object.getDict().shallowCopy(),
+                        object.getRawStreamData(),
+                        object.getStreamData(qpdf_dl_generalized),
+                        std::size_t(first),
+                        {}};
+        if (content.first > content.unpacked->getSize())
+            return std::nullopt;
+        std::optional<Header> header = headerOf(view(*content.unpacked).substr(0, content.first), std::size_t(count));
+        if (!header || header->numbers != stream.members)
+            return std::nullopt;
+        content.offsets = std::move(header->offsets);
+        return content;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        qCWarning(Logging::pdf) << "reading packed objects failed:" << Logging::causes(error);
+        return std::nullopt;
+    }
+}
+
 std::unordered_map<int, QPDFObjGen> ObjectStreams::pagesOfPlaces(QPDF& pdf) {
     std::unordered_map<int, QPDFObjGen> pages;
-    for (const Stream& stream : of(pdf)) {
-        try {
-            QPDFObjectHandle object = pdf.getObject(stream.number, 0);
-            int count = 0;
-            int first = 0;
-            if (!object.isStream() || !object.getDict().getKey("/N").getValueAsInt(count) ||
-                !object.getDict().getKey("/First").getValueAsInt(first) || count <= 0 || first <= 0)
-                continue;
-            const auto buffer = object.getStreamData(qpdf_dl_generalized);
-            const std::string_view bytes(reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize());
-            if (std::size_t(first) > bytes.size())
-                continue;
-            const auto header = headerOf(bytes.substr(0, std::size_t(first)), std::size_t(count));
-            if (!header || header->numbers != stream.members)
-                continue;
-            for (std::size_t i = 0; i < header->numbers.size(); ++i)
-                if (const auto page = ObjectSyntax::pageOfPlace(bytesOf(bytes.substr(std::size_t(first)), *header, i)))
-                    pages[header->numbers[i]] = *page;
-        } catch (const std::exception& error) {
-            qCWarning(Logging::pdf) << "reading packed objects failed:" << Logging::causes(error);
-        }
-    }
+    for (const Stream& stream : of(pdf))
+        if (const std::optional<Content> content = read(pdf, stream))
+            for (std::size_t i = 0; i < stream.members.size(); ++i)
+                if (const auto page = ObjectSyntax::pageOfPlace(content->bytes(i)))
+                    pages[stream.members[i]] = *page;
     return pages;
 }
 
-QByteArray ObjectStreams::unchanged(QPDF& pdf, const Stream& stream, const Value& value) {
-    try {
-        QPDFObjectHandle object = pdf.getObject(stream.number, 0);
-        if (!object.isStream())
-            return {};
-        QPDFObjectHandle dictionary = object.getDict();
-        int first = 0;
-        if (!dictionary.getKey("/N").isInteger() || !dictionary.getKey("/First").getValueAsInt(first) || first <= 0)
-            return {};
-        const auto buffer = object.getStreamData(qpdf_dl_generalized);
-        const std::string_view bytes(reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize());
-        if (std::size_t(first) > bytes.size())
-            return {};
-        // One more pair than members are in use would show here as something that doesn't belong.
-        const std::optional<Header> header = headerOf(bytes.substr(0, std::size_t(first)), stream.members.size());
-        if (!header || header->numbers != stream.members ||
-            !holdsValues(bytes.substr(std::size_t(first)), *header, value))
-            return {};
-        QByteArray rest;
-        for (const char* key : {"/Filter", "/DecodeParms"}) {
-            const QByteArray entry = QByteArray::fromStdString(dictionary.getKey(key).unparseResolved());
-            if (entry != "null")
-                rest += QByteArray(" ") + key + ' ' + entry;
-        }
-        bool refers = false;
-        ObjectSyntax::forEachReference(rest.toStdString(), [&refers](QPDFObjGen) { refers = true; });
-        if (refers)
-            return {};
-        const auto raw = object.getRawStreamData();
-        return streamObject(stream, std::size_t(first), rest,
-                            {reinterpret_cast<const char*>(raw->getBuffer()), qsizetype(raw->getSize())});
-    } catch (const std::exception& error) {
-        qCWarning(Logging::pdf) << "reading packed objects failed:" << Logging::causes(error);
+QByteArray ObjectStreams::unchanged(const Stream& stream, const Content& content, const Value& value) {
+    if (!holdsValues(stream, content, value))
         return {};
+    QByteArray rest;
+    for (const char* key : {"/Filter", "/DecodeParms"}) {
+        const QByteArray entry =
+            QByteArray::fromStdString(QPDFObjectHandle(content.dictionary).getKey(key).unparseResolved());
+        if (entry != "null")
+            rest += QByteArray(" ") + key + ' ' + entry;
     }
+    bool refers = false;
+    ObjectSyntax::forEachReference(rest.toStdString(), [&refers](QPDFObjGen) { refers = true; });
+    if (refers)
+        return {};
+    const std::string_view bytes = view(*content.packed);
+    return streamObject(stream, content.first, rest, {bytes.data(), qsizetype(bytes.size())});
 }
 
 QByteArray ObjectStreams::packed(const Stream& stream, const Value& value) {

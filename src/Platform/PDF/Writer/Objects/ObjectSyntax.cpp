@@ -5,6 +5,7 @@
 #include <qpdf/QPDFObjectHandle.hh>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
 #include <exception>
@@ -19,8 +20,16 @@ bool isSpace(char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t' || c == '\f' || c == '\0';
 }
 
+/// By the byte, since this is asked for each of the millions that a file's objects have.
+constexpr std::array<bool, 256> irregular = [] {
+    std::array<bool, 256> table{};
+    for (const char c : std::string_view(" \n\r\t\f\0()<>[]{}/%", 16))
+        table[static_cast<unsigned char>(c)] = true;
+    return table;
+}();
+
 bool isRegular(char c) {
-    return !isSpace(c) && std::string_view("()<>[]{}/%").find(c) == std::string_view::npos;
+    return !irregular[static_cast<unsigned char>(c)];
 }
 
 bool isInteger(std::string_view token) {
@@ -71,6 +80,22 @@ public:
         default:
             return numberOrKeyword(text);
         }
+    }
+
+    /// Those of a dictionary, in the order of their keys.
+    bool entries(std::vector<ObjectSyntax::Entry>& entries, int depth = 0) {
+        if (!skip("<<"))
+            return false;
+        while (!skip(">>")) {
+            if (m_at >= m_bytes.size() || m_bytes[m_at] != '/')
+                return false;
+            auto& [key, entry] = entries.emplace_back(name(), std::string());
+            if (!value(entry, depth + 1))
+                return false;
+        }
+        std::stable_sort(entries.begin(), entries.end(),
+                         [](const auto& one, const auto& other) { return one.first < other.first; });
+        return true;
     }
 
     bool isAtEnd() {
@@ -130,19 +155,11 @@ private:
     }
 
     bool dictionary(std::string& text, int depth) {
-        m_at += 2;
-        std::vector<std::pair<std::string_view, std::string>> entries;
-        while (!skip(">>")) {
-            if (m_at >= m_bytes.size() || m_bytes[m_at] != '/')
-                return false;
-            auto& [key, entry] = entries.emplace_back(name(), std::string());
-            if (!value(entry, depth + 1))
-                return false;
-        }
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const auto& one, const auto& other) { return one.first < other.first; });
+        std::vector<ObjectSyntax::Entry> all;
+        if (!entries(all, depth))
+            return false;
         text += "<< ";
-        for (const auto& [key, entry] : entries)
+        for (const auto& [key, entry] : all)
             text.append(key).append(1, ' ').append(entry).append(1, ' ');
         text += ">>";
         return true;
@@ -214,18 +231,34 @@ void scanReferences(std::string_view value, Visit visit) {
     }
 }
 
+/// True when `read` took all of the bytes.
+template <typename Read>
+bool copies(std::string_view bytes, Read read) {
+    try {
+        Copy copy(bytes);
+        return read(copy) && copy.isAtEnd();
+    } catch (const std::exception& error) {
+        qCWarning(Logging::pdf) << "reading a string of a file failed:" << Logging::causes(error);
+        return false;
+    }
+}
+
 } // namespace
 
 std::optional<std::string> ObjectSyntax::canonical(std::string_view bytes) {
-    try {
-        Copy copy(bytes);
-        std::string text;
-        text.reserve(bytes.size() + bytes.size() / 4);
-        return copy.value(text) && copy.isAtEnd() ? std::optional(std::move(text)) : std::nullopt;
-    } catch (const std::exception& error) {
-        qCWarning(Logging::pdf) << "reading a string of a file failed:" << Logging::causes(error);
+    std::string text;
+    text.reserve(bytes.size() + bytes.size() / 4);
+    return copies(bytes, [&text](Copy& copy) { return copy.value(text); }) ? std::optional(std::move(text))
+                                                                           : std::nullopt;
+}
+
+std::optional<std::vector<ObjectSyntax::Entry>> ObjectSyntax::entries(std::string_view bytes) {
+    std::vector<Entry> found;
+    const auto isSameKey = [](const Entry& one, const Entry& other) { return one.first == other.first; };
+    if (!copies(bytes, [&found](Copy& copy) { return copy.entries(found); }) ||
+        std::adjacent_find(found.begin(), found.end(), isSameKey) != found.end())
         return std::nullopt;
-    }
+    return found;
 }
 
 std::optional<QPDFObjGen> ObjectSyntax::pageOfPlace(std::string_view bytes) {

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 /// The syntax of objects as it stands in files (ISO 32000-1, 7.3), without the objects' being built.
 namespace ObjectSyntax {
@@ -15,6 +17,13 @@ namespace ObjectSyntax {
 /// in order. None where there is something else, or where that can't be told (comments, deep nesting). What QPDF would
 /// write in another way may come out as something that it would never write, but never as another value.
 [[nodiscard]] std::optional<std::string> canonical(std::string_view bytes);
+
+/// A key of a dictionary, with its slash, and the value as `canonical` gives it.
+using Entry = std::pair<std::string_view, std::string>;
+
+/// The entries of a dictionary in the order of their keys, which are views into `bytes`. None where `canonical` has
+/// none, for anything but a dictionary, and for one that has a key twice.
+[[nodiscard]] std::optional<std::vector<Entry>> entries(std::string_view bytes);
 
 /// The page that `bytes` begin with when they are a place on a page, or a dictionary that begins with one at its `/D`.
 /// None for anything else, and for what may be one in another way.

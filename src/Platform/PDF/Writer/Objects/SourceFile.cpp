@@ -107,6 +107,11 @@ void SourceFile::openCopy() {
     }
 }
 
+void SourceFile::takeLinks() {
+    if (!m_source->wasRepaired() && m_bytes.isEmpty() && !m_pdf->isEncrypted() && !m_pdf->anyWarnings())
+        m_links = PackedLinks(*m_pdf);
+}
+
 bool SourceFile::findAllPages() {
     std::vector<QPDFObjectHandle> pages;
     std::set<QPDFObjGen> seen;

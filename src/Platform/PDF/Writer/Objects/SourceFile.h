@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PackedLinks.h"
+
 #include <qpdf/QPDF.hh>
 
 #include <QByteArray>
@@ -27,6 +29,11 @@ public:
     /// True when damage was found that the drawing engine may have read in another way. Ask again after reading.
     [[nodiscard]] bool isInDoubt() const { return m_bytes.isEmpty() && m_pdf->anyWarnings(); }
     [[nodiscard]] const std::shared_ptr<PDFSource>& source() const { return m_source; }
+
+    /// Lets the links be texts, for a file that is going to be copied as a whole and of which nothing was asked yet.
+    /// Nothing changes for one that isn't sound, or is encrypted.
+    void takeLinks();
+    [[nodiscard]] PackedLinks& links() { return m_links; }
 
     /// To be called before most of the pages are asked for: finds them all by one walk through the page tree, which
     /// costs less than to have the source look up one after the other. False, and nothing changes, where the tree isn't
@@ -56,6 +63,7 @@ private:
     std::shared_ptr<PDFSource> m_source; // keeps the bytes that the file reads from
     QByteArray m_bytes;                  // that are read instead: the engine's copy of a damaged file
     std::unique_ptr<QPDF> m_pdf;
+    PackedLinks m_links;
     std::unordered_map<int, int> m_generations; // by object number, where it isn't zero
     std::vector<QPDFObjectHandle> m_pages;      // empty until all are found
     bool m_knowsPages = false;

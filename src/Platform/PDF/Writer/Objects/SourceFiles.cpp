@@ -3,18 +3,26 @@
 #include "PDFSource.h"
 #include "PdfValues.h"
 
-void SourceFiles::Ahead::open(const std::shared_ptr<PDFSource>& source, SourceFile::Base base) {
-    m_opening.try_emplace(source.get(), std::async([source, base] {
-                              SourceFile file(source, base);
+SourceFile SourceFiles::Ahead::opened(const std::shared_ptr<PDFSource>& source, SourceFile::Base base,
+                                      bool takesLinks) {
+    SourceFile file(source, base);
+    if (takesLinks)
+        file.takeLinks();
+    return file;
+}
+
+void SourceFiles::Ahead::open(const std::shared_ptr<PDFSource>& source, SourceFile::Base base, bool takesLinks) {
+    m_opening.try_emplace(source.get(), std::async([source, base, takesLinks] {
+                              SourceFile file = opened(source, base, takesLinks);
                               if (!source->wasRepaired())
                                   file.findAllPages();
                               return file;
                           }));
 }
 
-SourceFile SourceFiles::Ahead::take(const std::shared_ptr<PDFSource>& source, SourceFile::Base base) {
+SourceFile SourceFiles::Ahead::take(const std::shared_ptr<PDFSource>& source, SourceFile::Base base, bool takesLinks) {
     auto opening = m_opening.extract(source.get());
-    return opening ? opening.mapped().get() : SourceFile(source, base);
+    return opening ? opening.mapped().get() : opened(source, base, takesLinks);
 }
 
 SourceFiles::~SourceFiles() {
@@ -33,10 +41,11 @@ SourceFiles::Foreign& SourceFiles::foreign(const std::shared_ptr<PDFSource>& sou
     std::unique_ptr<Foreign>& known = m_foreign[source.get()];
     if (known)
         return *known;
-    SourceFile file = m_ahead.take(source, m_base);
+    SourceFile file = m_ahead.take(source, m_base, false);
     QPDF& pdf = file.pdf();
     known = std::make_unique<Foreign>(Foreign{std::move(file), ObjectCopier(m_objects), NamedDestinations(pdf)});
     known->copier.setPageTest([source](int number) { return source->pageNumberOfObject(number).has_value(); });
+    known->copier.setLinks(known->file.links());
     if (isMain(source))
         shareWithMain(*known);
     return *known;

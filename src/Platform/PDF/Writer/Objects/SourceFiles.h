@@ -26,13 +26,17 @@ public:
     /// Opening a large file takes as long as all else, so that several are opened at a time. Ends when all are open.
     class Ahead {
     public:
-        /// Begins on a thread of its own to open the file and to find all its pages.
-        void open(const std::shared_ptr<PDFSource>& source, SourceFile::Base base);
+        /// Begins on a thread of its own to open the file and to find all its pages. Where `takesLinks` its links are
+        /// texts.
+        void open(const std::shared_ptr<PDFSource>& source, SourceFile::Base base, bool takesLinks);
         [[nodiscard]] int count() const { return int(m_opening.size()); }
         /// Waits for one that was begun, and opens any other. Throws what opening throws.
-        [[nodiscard]] SourceFile take(const std::shared_ptr<PDFSource>& source, SourceFile::Base base);
+        [[nodiscard]] SourceFile take(const std::shared_ptr<PDFSource>& source, SourceFile::Base base, bool takesLinks);
 
     private:
+        [[nodiscard]] static SourceFile opened(const std::shared_ptr<PDFSource>& source, SourceFile::Base base,
+                                               bool takesLinks);
+
         std::map<PDFSource*, std::future<SourceFile>> m_opening;
     };
 

@@ -38,11 +38,13 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
     QPDFObjectHandle list = original.getKey("/Annots");
     if (!list.isArray())
         return {};
+    const PackedLinks& links = file.file.links();
     const std::vector<QPDFObjectHandle> items = list.getArrayAsVector();
     std::vector<QPDFObjectHandle> copies(items.size(), QPDFObjectHandle::newNull());
     std::vector<int> places;
     for (int place = 0; place < int(items.size()); ++place)
-        if (isWanted(place) && QPDFObjectHandle(items[std::size_t(place)]).isDictionary())
+        if (QPDFObjectHandle item = items[std::size_t(place)];
+            isWanted(place) && (item.isDictionary() || links.find(item.getObjGen())))
             places.push_back(place);
 
     // All get their numbers first, since they refer to each other.
@@ -59,7 +61,13 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
     for (const int place : places) {
         QPDFObjectHandle item = items[std::size_t(place)];
         QPDFObjectHandle copy = copies[std::size_t(place)];
-        QPDFObjectHandle value = item.shallowCopy();
+        all.appendItem(copy);
+        const PackedLinks::Link* link = links.find(item.getObjGen());
+        if (link && isFirstCopy) {
+            file.copier.copyText(copy, link->text, file.file.pdf());
+            continue;
+        }
+        QPDFObjectHandle value = link ? QPDFObjectHandle::parse(&file.file.pdf(), link->text) : item.shallowCopy();
         const bool isWidget = value.getKey("/Subtype").isNameAndEquals("/Widget");
         for (const char* key : {"/Parent", "/IRT", "/Popup"})
             if (isWidget || here.count(value.getKey(key).getObjGen()) == 0)
@@ -77,7 +85,6 @@ std::vector<QPDFObjectHandle> PageImporter::importAnnotations(SourceFiles::Forei
         }
         if (isWidget)
             m_adoptWidget(item, copy, file.copier);
-        all.appendItem(copy);
     }
     if (!places.empty())
         page.replaceKey("/Annots", all);

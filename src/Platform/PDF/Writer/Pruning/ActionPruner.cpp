@@ -79,14 +79,35 @@ void ActionPruner::pruneTriggers(QPDFObjectHandle owner) {
             triggers.removeKey(trigger);
 }
 
+void ActionPruner::pruneLink(PackedLinks::Link& link, QPDF& file) {
+    if (link.destination.size == 0)
+        return;
+    const auto [known, isNew] = m_targets.try_emplace(link.destinationText());
+    Target& target = known->second;
+    if (isNew) {
+        QPDFObjectHandle destination = QPDFObjectHandle::parse(&file, known->first);
+        target.isGone = m_isGone(destination);
+        if (!target.isGone && m_replace)
+            if (QPDFObjectHandle replacement = m_replace(destination); !replacement.isNull())
+                target.replacement = replacement.unparse();
+    }
+    if (target.isGone)
+        link.leadNowhere();
+    else if (!target.replacement.empty())
+        link.leadTo(target.replacement);
+}
+
 void ActionPruner::prunePage(QPDFObjectHandle page) {
     pruneTriggers(page);
     QPDFObjectHandle annotations = page.getKey("/Annots");
     if (!annotations.isArray())
         return;
     for (QPDFObjectHandle annotation : annotations.aitems()) {
-        if (!annotation.isDictionary() ||
-            (annotation.isIndirect() && !m_seenAnnotations.insert(annotation.getObjGen()).second))
+        if (annotation.isIndirect() && !m_seenAnnotations.insert(annotation.getObjGen()).second)
+            continue;
+        if (PackedLinks::Link* link = m_links ? m_links->find(annotation.getObjGen()) : nullptr)
+            pruneLink(*link, *page.getOwningQPDF());
+        if (!annotation.isDictionary())
             continue;
         pruneTarget(annotation, "/Dest", "/A");
         pruneTriggers(annotation);

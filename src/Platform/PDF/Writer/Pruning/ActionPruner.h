@@ -1,10 +1,14 @@
 #pragma once
 
+#include "PackedLinks.h"
+
 #include <qpdf/QPDFObjectHandle.hh>
 
 #include <functional>
 #include <map>
 #include <set>
+#include <string>
+#include <unordered_map>
 #include <utility>
 
 /// Takes destinations, actions that go to them, and what actions do to fields, out of what may carry them: links,
@@ -21,6 +25,9 @@ public:
     ActionPruner(Test isGone, Test isGoneField, Replace replace = {})
         : m_isGone(std::move(isGone)), m_isGoneField(std::move(isGoneField)), m_replace(std::move(replace)) {}
 
+    /// Those of the pages' annotations that are texts. Without them these are left alone.
+    void setLinks(PackedLinks* links) { m_links = links; }
+
     /// The destination and the action at these keys of a dictionary, which may be the same key.
     void pruneTarget(QPDFObjectHandle owner, const char* destinationKey, const char* actionKey);
     /// The actions that events set off.
@@ -29,6 +36,7 @@ public:
     void prunePage(QPDFObjectHandle page);
 
 private:
+    void pruneLink(PackedLinks::Link& link, QPDF& file);
     bool isGoneAction(QPDFObjectHandle action, int depth = 0);
     bool leadsToGone(QPDFObjectHandle action);
     bool isGoneTarget(QPDFObjectHandle owner, const char* key);
@@ -37,6 +45,13 @@ private:
     Test m_isGone;
     Test m_isGoneField;
     Replace m_replace;
+    PackedLinks* m_links = nullptr;
     std::map<QPDFObjGen, bool> m_seen; // actions, and whether they are gone
     std::set<QPDFObjGen> m_seenAnnotations;
+
+    struct Target {
+        bool isGone = false;
+        std::string replacement; ///< empty for one that stays as it is
+    };
+    std::unordered_map<std::string, Target> m_targets; // of links that are texts, by their destinations
 };

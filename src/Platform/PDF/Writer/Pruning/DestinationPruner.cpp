@@ -26,6 +26,7 @@ void Pruner::pruneDestinations(const RemovedPages& gone, ObjectStore& objects) {
     };
     ActionPruner actions(
         isGone, [&gone](QPDFObjectHandle named) { return gone.hasField(named); }, onReplacement);
+    actions.setLinks(objects.links());
     QPDFObjectHandle root = objects.root();
     pruneOutline(actions, objects);
     actions.pruneTarget(root, "/OpenAction", "/OpenAction");

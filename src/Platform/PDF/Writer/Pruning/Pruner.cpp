@@ -14,7 +14,7 @@ namespace {
 constexpr int deepestField = 64;
 
 /// Announces the annotations of a page and their fields to the copier. `names` gets the fields' full names.
-void expectFields(QPDFObjectHandle page, ObjectCopier& copier, std::set<QString>& names) {
+void expectFields(QPDFObjectHandle page, const PackedLinks& links, ObjectCopier& copier, std::set<QString>& names) {
     // The main file's own page, of which there is a copy: its annotations are there.
     QPDFObjectHandle known = copier.replacement(page);
     const bool isMains = copier.same() && known.getObjGen() == page.getObjGen();
@@ -31,8 +31,10 @@ void expectFields(QPDFObjectHandle page, ObjectCopier& copier, std::set<QString>
                 break;
             field = field.getKey("/Parent");
         }
+        if (chain.empty() && links.find(annotation.getObjGen()))
+            chain.push_back(annotation);
         for (auto each = chain.rbegin(); each != chain.rend(); ++each) {
-            if (const QString part = PdfValues::toText(each->getKey("/T")); !part.isEmpty())
+            if (const QString part = PdfValues::toText(PdfValues::entry(*each, "/T")); !part.isEmpty())
                 names.insert((parts += part).join(QLatin1Char('.')));
             if (isMains && each->isIndirect())
                 copier.setReplacement(*each, copier.same()->getObject(each->getObjGen()));
@@ -53,17 +55,15 @@ void Pruner::prune(RemovedPages gone, ObjectStore& objects) {
     pruneStructure(gone, objects);
     objects.remove(objects.root(), "/PieceInfo"); // programs keep whole documents there, in ways of their own
     // Whatever still refers to them, which may be anything, now refers to nothing.
-    for (const QPDFObjGen& id : gone.fields)
-        objects.pdf().replaceObject(id, QPDFObjectHandle::newNull());
-    for (const QPDFObjGen& id : gone.annotations)
-        objects.pdf().replaceObject(id, QPDFObjectHandle::newNull());
-    for (const QPDFObjGen& id : gone.pages)
-        objects.pdf().replaceObject(id, QPDFObjectHandle::newNull());
+    for (const std::set<QPDFObjGen>* ids : {&gone.fields, &gone.annotations, &gone.pages})
+        for (const QPDFObjGen& id : *ids)
+            objects.erase(objects.pdf().getObject(id));
 }
 
 void Pruner::separateFromOthers(SourceFiles::Foreign& file, const std::set<int>& pageNumbers,
                                 const NameImporter& names) {
     FileObjects objects(file.file.pdf());
+    objects.setLinks(file.file.links());
     std::vector<QPDFObjectHandle> pages;
     for (const int number : pageNumbers)
         if (QPDFObjectHandle page = file.file.page(number); page.isDictionary() && page.isIndirect())
@@ -72,7 +72,7 @@ void Pruner::separateFromOthers(SourceFiles::Foreign& file, const std::set<int>&
         PageTree::keepInherited(page, objects);
     std::set<QString> fieldNames;
     for (const QPDFObjectHandle& page : pages)
-        expectFields(page, file.copier, fieldNames);
+        expectFields(page, file.file.links(), file.copier, fieldNames);
     ActionPruner actions(
         [&file](QPDFObjectHandle destination) {
             QPDFObjectHandle place = file.names.explicitDestination(destination);
@@ -88,6 +88,7 @@ void Pruner::separateFromOthers(SourceFiles::Foreign& file, const std::set<int>&
                                     : !file.copier.hasReplacement(named);
         },
         [&](QPDFObjectHandle destination) { return names.renamed(destination, file); });
+    actions.setLinks(objects.links());
     for (const QPDFObjectHandle& page : pages)
         actions.prunePage(page);
     if (int(pageNumbers.size()) < file.file.source()->pageCount())
