@@ -12,6 +12,11 @@ static constexpr PDFDisplayBox shownBox = PDFDisplayBox::cropBox;
 // The topmost ones. More would take longer of the main thread than a small picture is worth.
 static constexpr std::size_t maximumAnnotationCount = 500;
 
+/// The same picture in as few bytes as it takes: hundreds are kept, and many pages are black on white.
+static QImage compact(const QImage& image) {
+    return image.convertToFormat(image.allGray() ? QImage::Format_Grayscale8 : QImage::Format_RGB888);
+}
+
 PagePicture::PagePicture(const PDFPage& page, QSize size) {
     const QSizeF shown = page.displaySize(shownBox);
     const QSize pixels = shown.scaled(size, Qt::KeepAspectRatio).toSize().expandedTo(QSize(1, 1));
@@ -34,5 +39,6 @@ QImage PagePicture::image(const std::atomic<bool>& cancelled) const {
     QPainter painter(&image);
     painter.setTransform(m_request.pageToDevice);
     painter.drawPicture(0, 0, m_liveAnnotations);
-    return image;
+    painter.end();
+    return compact(image);
 }

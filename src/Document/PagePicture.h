@@ -16,7 +16,7 @@ public:
     /// Takes note of what the page shows; main thread. `size`, in pixels, is what the picture is to fit into.
     PagePicture(const PDFPage& page, QSize size);
 
-    /// Any thread. Null when the page can't be drawn, or when `cancelled` became true meanwhile.
+    /// Any thread, and opaque. Null when the page can't be drawn, or when `cancelled` became true meanwhile.
     [[nodiscard]] QImage image(const std::atomic<bool>& cancelled) const;
 
 private:
