@@ -4,11 +4,13 @@
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
 #include "PDFPageRasterizer.h"
+#include "PDFSource.h"
 #include "RedactionMarkerAnnotation.h"
 
 #include <QPainter>
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -23,6 +25,11 @@ std::shared_ptr<PDFPage> flattened(const PDFPage& page, const std::vector<QRectF
     return PDFPage::fromImage(picture, page);
 }
 
+/// Whether only the page's file knows the page's annotations.
+bool isUnread(const PDFDocument& document, int index) {
+    return document.identityOfPage(index) == 0 || !document.page(index)->annotationsLoaded();
+}
+
 } // namespace
 
 std::vector<QRectF> RedactionApplier::pendingBoxes(const PDFPage& page) {
@@ -34,19 +41,43 @@ std::vector<QRectF> RedactionApplier::pendingBoxes(const PDFPage& page) {
     return boxes;
 }
 
-bool RedactionApplier::arePending(const PDFDocument& document) {
-    const std::vector<std::shared_ptr<PDFPage>> pages = document.knownPages();
-    return std::any_of(pages.begin(), pages.end(), [](const std::shared_ptr<PDFPage>& page) {
-        return page->annotationsLoaded() && !pendingBoxes(*page).empty();
-    });
+std::vector<int> RedactionApplier::markedPages(const PDFDocument& document) {
+    const std::vector<PDFPageContent> contents = document.pageContents();
+    std::vector<int> marked;
+    for (int index = 0; index < document.pageCount(); ++index) {
+        if (isUnread(document, index)) {
+            const PDFPageContent& content = contents[static_cast<std::size_t>(index)];
+            const auto found = content.source->pagesWithContents(RedactionMarkerAnnotation::marker);
+            if (!std::binary_search(found->begin(), found->end(), content.pageNumber))
+                continue;
+        }
+        if (!pendingBoxes(*document.page(index)).empty())
+            marked.push_back(index);
+    }
+    return marked;
 }
 
-RedactionApplier::Run::Run(PDFEditorDocument& document) : m_document(document) {
-    const std::shared_ptr<PDFDocument>& pdf = document.pdfDocument();
-    for (int index = 0; index < pdf->pageCount(); ++index)
-        if (!pendingBoxes(*pdf->page(index)).empty())
-            m_marked.push_back(index);
+std::vector<std::shared_ptr<PDFSource>> RedactionApplier::unsearchedFiles(const PDFDocument& document) {
+    std::stop_source only;
+    only.request_stop(); // asks for what is known
+    std::unordered_set<const PDFSource*> seen;
+    std::vector<std::shared_ptr<PDFSource>> files;
+    const std::vector<PDFPageContent> contents = document.pageContents();
+    for (int index = 0; index < document.pageCount(); ++index) {
+        const std::shared_ptr<PDFSource>& file = contents[static_cast<std::size_t>(index)].source;
+        if (isUnread(document, index) && seen.insert(file.get()).second &&
+            !file->pagesWithContents(RedactionMarkerAnnotation::marker, only.get_token()))
+            files.push_back(file);
+    }
+    return files;
 }
+
+void RedactionApplier::search(const PDFSource& file, const std::stop_token& stop) {
+    (void)file.pagesWithContents(RedactionMarkerAnnotation::marker, stop);
+}
+
+RedactionApplier::Run::Run(PDFEditorDocument& document)
+    : m_document(document), m_marked(markedPages(*document.pdfDocument())) {}
 
 bool RedactionApplier::Run::drawNext() {
     if (m_drawn >= pageCount())

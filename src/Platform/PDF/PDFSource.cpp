@@ -1,5 +1,6 @@
 #include "PDFSource.h"
 
+#include "AnnotationReader.h"
 #include "EngineBudget.h"
 #include "EngineCopy.h"
 #include "OutlineReader.h"
@@ -103,6 +104,28 @@ std::shared_ptr<const PageText> PDFSource::text(int pageNumber, const std::stop_
 
 std::shared_ptr<const PageText> PDFSource::readText(int pageNumber, const std::stop_token& stop) const {
     return TextReader::read(*m_engine, pageNumber, stop);
+}
+
+std::shared_ptr<const std::vector<int>> PDFSource::pagesWithContents(const QString& contents,
+                                                                     const std::stop_token& stop) const {
+    const auto known = [&]() -> std::shared_ptr<const std::vector<int>> {
+        const std::lock_guard guard(m_cacheMutex);
+        return m_soughtContents == contents ? m_pagesFound : nullptr;
+    };
+    auto pages = known();
+    if (pages || stop.stop_requested())
+        return pages;
+    const std::lock_guard searching(m_searching);
+    pages = known(); // somebody else searched meanwhile
+    if (pages)
+        return pages;
+    pages = std::make_shared<const std::vector<int>>(AnnotationReader::pagesWithContents(*m_engine, contents, stop));
+    if (stop.stop_requested())
+        return nullptr;
+    const std::lock_guard guard(m_cacheMutex);
+    m_soughtContents = contents;
+    m_pagesFound = pages;
+    return pages;
 }
 
 QByteArray PDFSource::repairedBytes() const {

@@ -70,6 +70,12 @@ public:
     /// Memory is short: what the engine can read again of any open file is given up.
     static void releaseAllCaches();
 
+    /// The pages, zero-based and ascending, on which an annotation has exactly these contents. Looks at all annotations
+    /// of the file, once for the contents asked for last. Null when `stop` was requested before that was done; one that
+    /// is stopped from the beginning costs nothing and tells whether it has been done.
+    [[nodiscard]] std::shared_ptr<const std::vector<int>> pagesWithContents(const QString& contents,
+                                                                            const std::stop_token& stop = {}) const;
+
     /// For the parts of this folder that talk to the drawing engine.
     [[nodiscard]] SourceEngine& engine() const { return *m_engine; }
 
@@ -84,6 +90,9 @@ private:
     mutable PageLabels m_labels;
     mutable std::once_flag m_outlineRead;
     mutable PDFFileOutline m_outline;
-    mutable std::mutex m_cacheMutex;
+    mutable std::mutex m_searching;  // held for as long as a search for contents takes
+    mutable std::mutex m_cacheMutex; // guards what follows
+    mutable QString m_soughtContents;
+    mutable std::shared_ptr<const std::vector<int>> m_pagesFound;                      // with these contents
     mutable std::vector<std::pair<int, std::shared_ptr<const PageText>>> m_recentText; // most recent last
 };

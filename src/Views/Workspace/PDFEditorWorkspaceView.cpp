@@ -152,10 +152,8 @@ void PDFEditorWorkspaceView::connectRedactions() {
         m_notice->announce(QStringLiteral("Redacted — text is now permanently removed. %1 to undo")
                                .arg(QKeySequence(QKeySequence::Undo).toString(QKeySequence::NativeText)));
     };
-    const auto seen = [this] { return m_pdfView->currentPage(); };
-    m_redactions = new RedactionCommand(*m_actions->action(WorkspaceActions::Command::applyRedactions), m_document,
-                                        seen, done, this);
-    connect(m_coordinator, &PDFViewCoordinator::pageIndicatorChanged, m_redactions, &RedactionCommand::update);
+    m_redactions =
+        new RedactionCommand(*m_actions->action(WorkspaceActions::Command::applyRedactions), m_document, done, this);
     m_redactions->update();
 }
 

@@ -3,6 +3,7 @@
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
+#include "PDFSource.h"
 #include "UndoManager.h"
 
 #include <QAction>
@@ -14,10 +15,8 @@
 static constexpr std::chrono::milliseconds rest{200};
 
 RedactionCommand::RedactionCommand(QAction& action, std::shared_ptr<PDFEditorDocument> document,
-                                   std::function<std::shared_ptr<PDFPage>()> seen, std::function<void()> done,
-                                   QWidget* window)
-    : QObject(window), m_action(action), m_document(std::move(document)), m_seen(std::move(seen)),
-      m_done(std::move(done)), m_window(window) {
+                                   std::function<void()> done, QWidget* window)
+    : QObject(window), m_action(action), m_document(std::move(document)), m_done(std::move(done)), m_window(window) {
     m_changed.setSingleShot(true);
     m_changed.setInterval(rest);
     connect(&m_changed, &QTimer::timeout, this, &RedactionCommand::look);
@@ -29,9 +28,23 @@ RedactionCommand::RedactionCommand(QAction& action, std::shared_ptr<PDFEditorDoc
 }
 
 void RedactionCommand::look() {
-    const std::shared_ptr<PDFPage> page = m_seen();
-    m_action.setVisible((page && !RedactionApplier::pendingBoxes(*page).empty()) ||
-                        RedactionApplier::arePending(*m_document->pdfDocument()));
+    if (m_isSearching)
+        return; // and looks again at its end
+    const PDFDocument& pdf = *m_document->pdfDocument();
+    std::vector<std::shared_ptr<PDFSource>> files = RedactionApplier::unsearchedFiles(pdf);
+    if (files.empty()) {
+        m_action.setVisible(!RedactionApplier::markedPages(pdf).empty());
+        return;
+    }
+    m_isSearching = true;
+    m_search.start([this, files = std::move(files)](const std::stop_token& stop) {
+        for (const std::shared_ptr<PDFSource>& file : files)
+            RedactionApplier::search(*file, stop);
+        QMetaObject::invokeMethod(this, [this] {
+            m_isSearching = false;
+            look();
+        });
+    });
 }
 
 void RedactionCommand::run() {

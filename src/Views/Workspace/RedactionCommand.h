@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BackgroundTask.h"
 #include "RedactionApplier.h"
 
 #include <QObject>
@@ -17,16 +18,15 @@ class QWidget;
 /// several pages are to be drawn. Cancelled, or gone with its window, it leaves the document as it was.
 class RedactionCommand : public QObject {
 public:
-    /// `seen` gives the page that is shown, or null: markers that came with the file are known once their page is.
     /// `done` is told when all is over, whether or not a page was replaced. `window` is where progress is shown, and
     /// owns the command.
-    RedactionCommand(QAction& action, std::shared_ptr<PDFEditorDocument> document,
-                     std::function<std::shared_ptr<PDFPage>()> seen, std::function<void()> done, QWidget* window);
+    RedactionCommand(QAction& action, std::shared_ptr<PDFEditorDocument> document, std::function<void()> done,
+                     QWidget* window);
 
     /// Does nothing while it runs.
     void run();
     /// Looks whether there are markers as soon as nothing has changed for a moment: neither a stroke that is drawn nor
-    /// scrolling waits for that.
+    /// scrolling waits for that. Files that weren't searched yet are, beside everything else.
     void update() { m_changed.start(); }
 
 private:
@@ -36,11 +36,12 @@ private:
 
     QAction& m_action;
     const std::shared_ptr<PDFEditorDocument> m_document;
-    const std::function<std::shared_ptr<PDFPage>()> m_seen;
     const std::function<void()> m_done;
     QWidget* m_window;
     QTimer m_changed;
     QTimer m_steps;
     std::unique_ptr<RedactionApplier::Run> m_run; ///< null unless running
     QProgressDialog* m_progress = nullptr;        ///< null unless several pages are drawn
+    bool m_isSearching = false;
+    BackgroundTask m_search; // last: it ends first
 };

@@ -129,15 +129,27 @@ TEST_F(RedactionTest, markerAndRedactionAreTwoStepsAndARedoIsTheLastWord) {
 
 TEST_F(RedactionTest, markersOfAFileArePendingAndGoWithTheNext) {
     PdfFixture pdf;
-    for (const char* words : {"First", "Second", "Third"})
+    for (const char* words : {"First", "Second", "Third", "Fourth"})
         pdf.addPage({QLatin1String(words)});
-    pdf.addAnnotation(1, "<< /Subtype /Square /Rect [60 700 200 740] /Contents (" +
-                             RedactionMarkerAnnotation::marker.toLatin1() + ") >>");
+    QByteArray wide("feff"); // UTF-16
+    for (const QChar character : RedactionMarkerAnnotation::marker)
+        wide += QByteArray::number(character.unicode(), 16).rightJustified(4, '0');
+    const QByteArray marker = "(" + RedactionMarkerAnnotation::marker.toLatin1() + ")";
+    const std::vector<std::pair<int, QByteArray>> contents{
+        {0, "(" + RedactionMarkerAnnotation::marker.toLatin1() + "s)"}, {1, marker}, {3, "<" + wide + ">"}};
+    for (const auto& [page, text] : contents)
+        pdf.addAnnotation(page, "<< /Subtype /Square /Rect [60 700 200 740] /Contents " + text + " >>");
+    pdf.addAnnotation(2, "<< /Rect [60 700 200 740] /Contents " + marker + " >>"); // no annotation without a kind
     openFile(pdf.bytes());
-    EXPECT_EQ(RedactionApplier::apply(*m_document, nullptr), 1);
+    EXPECT_EQ(RedactionApplier::unsearchedFiles(*m_document->pdfDocument()).size(), 1U);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return button(QStringLiteral("applyRedactions"))->isVisible(); }))
+        << "although nobody has seen these pages";
+    EXPECT_TRUE(RedactionApplier::unsearchedFiles(*m_document->pdfDocument()).empty());
+    EXPECT_EQ(RedactionApplier::markedPages(*m_document->pdfDocument()), (std::vector<int>{1, 3}));
+    EXPECT_EQ(RedactionApplier::apply(*m_document, nullptr), 2);
     EXPECT_EQ(RedactionApplier::apply(*m_document, &undoManager()), 0);
     EXPECT_FALSE(undoManager().canUndo());
-    EXPECT_EQ(m_document->pdfDocument()->string(), QStringLiteral("First\f\fThird\f"));
+    EXPECT_EQ(m_document->pdfDocument()->string(), QStringLiteral("First\f\fThird\f\f"));
 }
 
 TEST_F(RedactionTest, manyPagesShowHowFarTheyAreAndCanBeCancelled) {

@@ -318,6 +318,34 @@ QRectF AnnotationReader::bounds(SourceEngine& engine, int pageNumber, int index)
     return fromEngine(rect);
 }
 
+std::vector<int> AnnotationReader::pagesWithContents(SourceEngine& engine, const QString& contents,
+                                                     const std::stop_token& stop) {
+    std::vector<int> pages;
+    const SourceEngine::Lease borrowed = engine.lease();
+    if (!borrowed)
+        return pages;
+    fz_context* context = borrowed.context();
+    const bool hasTree = engineTry(context, [&] { pdf_load_page_tree(context, borrowed.document()); });
+    for (int page = 0; page < engine.pageCount() && !stop.stop_requested(); ++page) {
+        pdf_obj* annots = annotsOf(context, borrowed.document(), page);
+        const int count = pdf_array_len(context, annots);
+        for (int i = std::max(0, count - annotationLimit); i < count; ++i) {
+            pdf_obj* found = nullptr;
+            engineTry(context, [&] {
+                found = pdf_dict_get(context, pdf_array_get(context, annots, i), PDF_NAME(Contents));
+                found = pdf_resolve_indirect(context, found);
+            });
+            if (found && EngineValues::text(context, found) == contents) {
+                pages.push_back(page);
+                break;
+            }
+        }
+    }
+    if (hasTree)
+        engineTry(context, [&] { pdf_drop_page_tree(context, borrowed.document()); });
+    return pages;
+}
+
 PDFFileDestination AnnotationReader::target(SourceEngine& engine, int pageNumber, int index) {
     PDFFileDestination target;
     const SourceEngine::Lease borrowed = engine.lease();

@@ -4,6 +4,8 @@
 #include "PDFFileDestination.h"
 
 #include <map>
+#include <stop_token>
+#include <vector>
 
 class SourceEngine;
 
@@ -16,6 +18,11 @@ namespace AnnotationReader {
 
 /// The rectangle of one annotation as the file has it; empty when it can't be read.
 [[nodiscard]] QRectF bounds(SourceEngine& engine, int pageNumber, int index);
+
+/// The pages, zero-based and ascending, on which an annotation has exactly these contents. Reads no more of the others
+/// than that, and ends early once `stop` is requested.
+[[nodiscard]] std::vector<int> pagesWithContents(SourceEngine& engine, const QString& contents,
+                                                 const std::stop_token& stop);
 
 /// Where a link leads inside its file; invalid when it doesn't.
 [[nodiscard]] PDFFileDestination target(SourceEngine& engine, int pageNumber, int index);
