@@ -3,12 +3,14 @@
 #include "DocumentController.h"
 #include "EditedPdf.h"
 #include "LostDocuments.h"
+#include "PageReplacement.h"
 #include "RecoveryRecord.h"
 #include "RecoveryStore.h"
 #include "SilentPresenter.h"
 #include "UserDefaults.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -138,6 +140,39 @@ TEST_F(DocumentRecoveryTest, thereIsARecordWhileSomethingIsUnsaved) {
     // Closed, and the changes given up.
     session.controller.closeDocument(document);
     expectNoRecordSoon();
+}
+
+TEST_F(DocumentRecoveryTest, aPageThatAPictureReplacedLeavesNothingInRecords) {
+    Session session(m_folder);
+    const auto document = session.open(m_pdf);
+    const auto recorded = [this] {
+        QByteArray all;
+        QDirIterator files(m_folder.filePath(QStringLiteral("recovery")), QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            EXPECT_TRUE(file.open(QFile::ReadOnly));
+            all += PdfFixture::withStreamsInflated(file.readAll());
+        }
+        return all;
+    };
+    session.record([&] { EditedPdf::addSquare(*document); });
+    EXPECT_TRUE(recorded().contains("Page 1"));
+
+    const std::shared_ptr<PDFPage> page = document->pdfDocument()->page(0);
+    QImage picture(60, 80, QImage::Format_Grayscale8);
+    picture.fill(Qt::gray);
+    QCoreApplication::processEvents(); // a step of its own
+    session.record([&] {
+        PageReplacement::apply({{0, page, PDFPage::fromImage(picture, *page)}}, *document,
+                               document->undoManager().get());
+    });
+    EXPECT_FALSE(recorded().contains("Page 1"));
+    session.controller.saveDocument(document);
+    expectNoRecordSoon();
+
+    session.record([&] { EditedPdf::addSquare(*document); });
+    EXPECT_TRUE(recorded().contains("Page 2"));
+    EXPECT_FALSE(recorded().contains("Page 1"));
 }
 
 TEST_F(DocumentRecoveryTest, changesThatComeTogetherAreWrittenTogetherAndLaterOnesLater) {

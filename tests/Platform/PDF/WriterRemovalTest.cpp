@@ -13,10 +13,11 @@ namespace {
 
 // What must disappear with the second page, each word in one place of the file.
 const QByteArrayList secrets{
-    "GoneText",     "GoneNote",      "GonePopup",       "GoneField",  "GoneValue",       "GoneGroup",    "GoneActual",
-    "GoneTitle",    "GoneName",      "GoneOldName",     "GoneThread", "GonePicture",     "GoneProperty", "GonePiece",
-    "GoneTemplate", "GoneElementId", "GoneLinkElement", "GoneSpan",   "GoneRadioChoice", "GoneShared",   "GoneXfa",
-    "GoneTrigger",  "GoneOrphan",    "GoneUnlisted",    "GoneThumb",  "GoneAppData",     "GoneEntry",    "GonePart",
+    "GoneText",     "GoneNote",      "GonePopup",       "GoneField",    "GoneValue",       "GoneGroup",    "GoneActual",
+    "GoneTitle",    "GoneName",      "GoneOldName",     "GoneThread",   "GonePicture",     "GoneProperty", "GonePiece",
+    "GoneTemplate", "GoneElementId", "GoneLinkElement", "GoneSpan",     "GoneRadioChoice", "GoneShared",   "GoneXfa",
+    "GoneTrigger",  "GoneOrphan",    "GoneUnlisted",    "GoneThumb",    "GoneAppData",     "GoneEntry",    "GonePart",
+    "GoneMap",      "GoneRich",      "GoneLook",        "GoneAttached", "GoneMiniature",   "GoneWide",
 };
 
 // What must stay, though it stands close to what goes.
@@ -27,8 +28,17 @@ const QByteArrayList keepers{
     "StaysSection", "StaysGroup", "StaysReset",   "StaysHeading",
 };
 
+/// Page by page; the second is the one that goes.
+const QByteArrayList contents{"/P1  /P1 DP\r/Im1 Do % kept\nBT /F1 12. Tf 72 720 Td (StaysText1)Tj ET ",
+                              "/P2 /P2 DP /Im2 Do /Im1 Do BT /F1 12 Tf 72 720 Td (GoneText) Tj /F2 9 Tf (x) Tj ET",
+                              "/Im1 Do BT /F1 +12 Tf 72 0720 Td\t(StaysText3) Tj ET"};
+
 bool contains(const QByteArray& file, const QByteArray& word) {
-    return file.contains(word) || file.toLower().contains(word.toHex());
+    QByteArray wide; // UTF-16
+    for (const char letter : word)
+        wide.append('\0').append(letter);
+    const QByteArray lower = file.toLower();
+    return file.contains(word) || file.contains(wide) || lower.contains(word.toHex()) || lower.contains(wide.toHex());
 }
 
 /// Three pages with everything that a page can leave its traces in.
@@ -39,11 +49,12 @@ void fill(PdfFixture& pdf) {
     const QByteArray resources = pdf.addObject(
         "<< /XObject << /Im1 " + stays + " /Im2 " + gone +
         " >> /Properties << /P1 << /Mine (StaysProperty) >> /P2 << /Mine (GoneProperty) >> >> /Font << /F1 "
-        "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >> >> >>");
-    for (const char* content : {"/P1 /P1 DP /Im1 Do BT /F1 12 Tf 72 720 Td (StaysText1) Tj ET",
-                                "/P2 /P2 DP /Im2 Do /Im1 Do BT /F1 12 Tf 72 720 Td (GoneText) Tj ET",
-                                "/Im1 Do BT /F1 12 Tf 72 720 Td (StaysText3) Tj ET"})
+        "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >> /F2 "
+        "<< /Type /Font /Subtype /Type1 /BaseFont /Courier /ToUnicode " +
+        pdf.addStream("<< >>", "% GoneMap") + " >> >> >>");
+    for (const QByteArray& content : contents)
         pdf.addPageWithContent(content, resources);
+    pdf.setPageKey(1, "/Thumb", pdf.addStream("<< /Width 1 /Height 1 >>", "GoneMiniature"));
 
     // Annotations.
     pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Text /Rect [10 10 30 30] /Contents (StaysNote) >>");
@@ -54,6 +65,11 @@ void fill(PdfFixture& pdf) {
                              "/Parent " +
                                  note + " >>");
     pdf.setKey(note, "/Popup", popup);
+    pdf.setKey(note, "/RC", "(<body><p>GoneRich</p></body>)");
+    pdf.setKey(note, "/Subj", "<feff0047006f006e00650057006900640065>"); // GoneWide
+    pdf.setKey(note, "/AP", "<< /N " + pdf.addStream("<< /Subtype /Form /BBox [0 0 9 9] >>", "% GoneLook") + " >>");
+    pdf.addAnnotation(1, "<< /Subtype /FileAttachment /Rect [0 0 9 9] /FS << /F (a.txt) /EF << /F " +
+                             pdf.addStream("<< >>", "GoneAttached") + " >> >> >>");
 
     // The form.
     pdf.addTextField(0, QStringLiteral("StaysField"), {10, 100, 100, 20}, QStringLiteral("StaysValue"));
@@ -196,7 +212,12 @@ TEST_P(RemovalTest, LeavesNothingOfAPageThatAPictureReplaces) {
     pdf.setPageKey(1, "/CropBox", "[0 40 500 700]");
     pdf.setPageKey(1, "/Rotate", "90");
     pdf.setPageKey(1, "/UserUnit", "2");
-    const auto document = PDFDocument::fromData(pdf.bytes(GetParam()));
+    const QByteArray first = pdf.bytes(GetParam());
+    const auto earlier = PDFDocument::fromData(first);
+    earlier->page(1)->annotations().front()->setContents(QStringLiteral("GoneLater"));
+    const QByteArray before = earlier->dataRepresentation();
+    ASSERT_TRUE(before.startsWith(first) && contains(before.mid(first.size()), "GoneLater"));
+    const auto document = PDFDocument::fromData(before);
     const auto original = document->page(1);
     EXPECT_FALSE(original->annotations().empty());
     const auto entry = document->outlineRoot()->child(1);
@@ -209,8 +230,11 @@ TEST_P(RemovalTest, LeavesNothingOfAPageThatAPictureReplaces) {
     const QByteArray after = document->dataRepresentation();
     EXPECT_EQ(PdfPrograms::complaints(after), "");
     expectNothingLeft(after, {"GoneName", "GoneOldName", "GoneTrigger", "GoneEntry", "GonePart"});
+    const QByteArray raw = PdfFixture::withStreamsInflated(after);
+    EXPECT_FALSE(contains(raw, "GoneLater"));
+    EXPECT_TRUE(raw.contains(contents[0]) && raw.contains(contents[2])) << "byte for byte";
     const auto reopened = PDFDocument::fromData(after);
-    EXPECT_EQ(reopened->page(1)->string(), QString());
+    EXPECT_EQ(reopened->string(), QStringLiteral("StaysText1\f\fStaysText3\f"));
     EXPECT_EQ(reopened->page(1)->geometry(), original->geometry());
     EXPECT_EQ(reopened->page(1)->label(), QStringLiteral("StaysLabel2"));
     EXPECT_EQ(pagesLinkedFrom(*reopened, 0), (std::vector{1, 1, 2, 1, 2}));
@@ -223,7 +247,7 @@ TEST_P(RemovalTest, LeavesNothingOfAPageThatAPictureReplaces) {
     // Taken back, the document is the old one again.
     document->replacePage(1, original);
     EXPECT_EQ(entry->destination()->page(), original);
-    EXPECT_EQ(document->dataRepresentation(), pdf.bytes(GetParam()));
+    EXPECT_EQ(document->dataRepresentation(), before);
 }
 
 TEST_P(RemovalTest, ExtractedPagesBringNothingOfTheOthers) {

@@ -47,6 +47,7 @@ void expectFields(QPDFObjectHandle page, const PackedLinks& links, ObjectCopier&
 } // namespace
 
 void Pruner::prune(RemovedPages gone, ObjectStore& objects) {
+    pruneFonts(gone, objects); // while the removed pages still have theirs
     pruneResources(gone, objects);
     pruneLayers(gone, objects);
     pruneForm(gone, objects);

@@ -38,6 +38,10 @@ void pruneLayers(const RemovedPages& gone, ObjectStore& objects);
 /// Entries of resource dictionaries that removed pages used and no remaining page uses, though it could.
 void pruneResources(const RemovedPages& gone, ObjectStore& objects);
 
+/// Fonts that removed pages used and no remaining page uses, though it lists them: their maps to text tell which
+/// letters were on the page.
+void pruneFonts(const RemovedPages& gone, ObjectStore& objects);
+
 /// Entries of the pages' resource dictionaries that none of these pages uses. For pages that are taken out of a file,
 /// which would bring along what they share with others.
 void dropUnusedResources(const std::vector<QPDFObjectHandle>& pages);
