@@ -125,6 +125,15 @@ bool mergeTwo(const PDFDocument& document, const QString& out) {
     return true;
 }
 
+/// With the passwords that compare.sh gives the reference program.
+bool encrypt(const PDFDocument& document, const QString& out) {
+    PDFWriteOptions options;
+    options.userPassword = options.ownerPassword = QStringLiteral("secret");
+    document.write(out, options);
+    const auto copy = PDFDocument::fromFile(out);
+    return copy->isLocked() && copy->unlock(options.userPassword) && copy->pageCount() == document.pageCount();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -138,6 +147,7 @@ int main(int argc, char** argv) {
         {QStringLiteral("save-annotation"), saveAnnotation},
         {QStringLiteral("save-move"), saveMove},
         {QStringLiteral("save-delete"), saveDelete},
+        {QStringLiteral("encrypt"), encrypt},
         {QStringLiteral("extract"), extract},
         {QStringLiteral("split-half"), splitHalf},
         {QStringLiteral("merge-two"), mergeTwo},

@@ -23,7 +23,8 @@ class PDFSource;
 
 /// How a document is written.
 struct PDFWriteOptions {
-    // Passwords for a protected copy. Empty strings leave that password out; both empty writes no protection.
+    // Passwords for a protected copy. Empty strings leave that password out; both empty writes no protection. One that
+    // is longer than `longestPassword` bytes fails, with `PDFError::Kind::unusablePassword`.
     QString userPassword;
     QString ownerPassword;
     /// Fail, with `PDFError::Kind::breaksSignatures`, rather than write a file in which a digital signature that the

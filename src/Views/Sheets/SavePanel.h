@@ -11,6 +11,18 @@ namespace SavePanel {
 
 /// Blocks until the user has answered, starting from `suggestedPath`; whether a file that is there may be replaced has
 /// been asked. None when the user gives up, or when `parent` goes meanwhile.
+/// The name ends with ".pdf".
 [[nodiscard]] std::optional<QString> choose(QWidget* parent, const QString& suggestedPath);
+
+/// The same for a copy of the document in the window of `parent`, whose own file (`QWidget::windowFilePath`) is
+/// refused. Starts in the folder of the last copy, or else in `startFolder`.
+[[nodiscard]] std::optional<QString> chooseForCopy(QWidget* parent, const QString& suggestedName);
+
+/// A copy has been stored at `path`.
+void noteCopy(const QString& path);
+
+/// Where panels for the document in the window of `parent` begin: the folder of its file; for a document without one,
+/// where documents are.
+[[nodiscard]] QString startFolder(const QWidget* parent);
 
 } // namespace SavePanel

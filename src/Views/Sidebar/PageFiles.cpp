@@ -6,25 +6,13 @@
 #include "PDFDocument.h"
 #include "SavePanel.h"
 
-#include <QDir>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QMimeData>
-#include <QStandardPaths>
 #include <QWidget>
-
-/// Where the window's file is; for a document without one, where documents are.
-static QString startFolder(const QWidget* parent) {
-    const QString file = parent->window()->windowFilePath();
-    if (!file.isEmpty())
-        return QFileInfo(file).path();
-    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return QFileInfo(documents).isDir() ? documents : QDir::homePath();
-}
 
 static QFileDialog* makePanel(QWidget* parent, const QString& name, const QString& title,
                               QFileDialog::FileMode fileMode) {
-    auto* panel = new QFileDialog(parent->window(), title, startFolder(parent));
+    auto* panel = new QFileDialog(parent->window(), title, SavePanel::startFolder(parent));
     panel->setObjectName(name);
     panel->setFileMode(fileMode);
     if (fileMode == QFileDialog::Directory)
@@ -48,10 +36,6 @@ std::optional<QUrl> PageFiles::runOpenPanel(QWidget* parent) {
 QList<QUrl> PageFiles::runMultiOpenPanel(QWidget* parent) {
     return chosen(makePanel(parent, QStringLiteral("mergeFilesPanel"), QStringLiteral("Merge Multiple Files"),
                             QFileDialog::ExistingFiles));
-}
-
-std::optional<QString> PageFiles::runSavePanel(QWidget* parent, const QString& suggestedName) {
-    return SavePanel::choose(parent->window(), QDir(startFolder(parent)).filePath(suggestedName));
 }
 
 std::optional<QString> PageFiles::runFolderPanel(QWidget* parent) {

@@ -18,8 +18,6 @@ namespace PageFiles {
 
 [[nodiscard]] std::optional<QUrl> runOpenPanel(QWidget* parent);
 [[nodiscard]] QList<QUrl> runMultiOpenPanel(QWidget* parent);
-/// The path of the file to write. Begins in the folder of the window's file.
-[[nodiscard]] std::optional<QString> runSavePanel(QWidget* parent, const QString& suggestedName);
 /// The path of a folder.
 [[nodiscard]] std::optional<QString> runFolderPanel(QWidget* parent);
 

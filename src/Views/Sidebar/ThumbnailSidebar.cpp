@@ -88,6 +88,14 @@ QWidget* ThumbnailSidebar::makeHeader() {
     menu->addSection(QStringLiteral("Optimize"));
     menu->addAction(addCommand(QStringLiteral("recognizeText"), QStringLiteral("Recognize Text (OCR)…"),
                                [this] { recognizeText(); }));
+    menu->addSection(QStringLiteral("Security"));
+    menu->addAction(addCommand(QStringLiteral("setPassword"), QStringLiteral("Set Password (Encrypt)…"),
+                               [this] { setPassword(); }));
+    QAction* removal = addCommand(QStringLiteral("removePassword"), QStringLiteral("Remove Password (Decrypt)…"),
+                                  [this] { removePassword(); });
+    removal->setEnabled(m_document->wasPasswordProtected());
+    connect(m_document.get(), &PDFEditorDocument::wasPasswordProtectedChanged, removal, &QAction::setEnabled);
+    menu->addAction(removal);
 
     auto* title = new QLabel(QStringLiteral("Pages"));
     QFont bold = title->font();

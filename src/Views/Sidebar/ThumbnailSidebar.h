@@ -18,6 +18,7 @@ class PDFDocument;
 class PDFEditorDocument;
 class PDFSource;
 class PDFViewCoordinator;
+class CopySheet;
 class QAction;
 class QLabel;
 class QMessageBox;
@@ -59,6 +60,9 @@ public:
     void splitDocument();
     /// Adds a layer of text to all pages that have none, beside the work in the window.
     void recognizeText();
+    // Copies, which leave the document as it is.
+    void setPassword();
+    void removePassword();
     void extractPages(const PageIndices& indices);
     void deletePages(const PageIndices& indices);
     /// Into the gap before the page at `gap`, from 0 to the number of pages.
@@ -101,6 +105,9 @@ private:
     void writeFiles(const std::vector<NewFile>& files, const QString& sentence, const PageAlert& success,
                     const QString& failure);
     static QCoro::Task<> recognize(QPointer<ThumbnailSidebar> self, QPointer<RecognitionProgress> progress);
+    /// What the names of its copies begin with.
+    [[nodiscard]] QString baseName() const;
+    void showSheet(CopySheet* sheet);
     void saveMerged(const Documents& documents);
     void showAlert(const PageAlert& alert, const QString& symbolName = QStringLiteral("exclamationmark.triangle"));
     /// After a command has changed pages.

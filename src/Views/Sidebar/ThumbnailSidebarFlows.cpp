@@ -9,6 +9,7 @@
 #include "PageFiles.h"
 #include "PageMimeData.h"
 #include "PasswordPrompt.h"
+#include "SavePanel.h"
 #include "SlowWork.h"
 #include "ThumbnailList.h"
 #include "ThumbnailModel.h"
@@ -184,7 +185,7 @@ void ThumbnailSidebar::mergeMultipleFiles() {
 void ThumbnailSidebar::saveMerged(const Documents& documents) {
     const auto merged = PageOperations::mergeFiles(documents);
     const QPointer<ThumbnailSidebar> self(this);
-    const std::optional<QString> path = PageFiles::runSavePanel(this, QStringLiteral("Merged.pdf"));
+    const std::optional<QString> path = SavePanel::chooseForCopy(this, QStringLiteral("Merged.pdf"));
     if (!self || !path)
         return;
     const QString message =
@@ -221,7 +222,9 @@ void ThumbnailSidebar::writeFiles(const std::vector<NewFile>& files, const QStri
                 return false;
             }
         },
-        [this, success, failed](bool isWritten) {
+        [this, success, failed, path = files.front().path](bool isWritten) {
+            if (isWritten)
+                SavePanel::noteCopy(path);
             if (!isWritten)
                 showAlert(failed);
             else if (!success.title.isEmpty())
@@ -235,7 +238,7 @@ void ThumbnailSidebar::extractPages(const PageIndices& indices) {
     m_document->commitEditing();
     const auto extracted = PageOperations::extractPages(indices, *m_document->pdfDocument());
     const QPointer<ThumbnailSidebar> self(this);
-    const std::optional<QString> path = PageFiles::runSavePanel(this, QStringLiteral("Extracted Pages.pdf"));
+    const std::optional<QString> path = SavePanel::chooseForCopy(this, QStringLiteral("Extracted Pages.pdf"));
     if (self && path)
         writeFiles({{extracted, *path}}, QStringLiteral("Extracting pages…"), {},
                    QStringLiteral("The extracted pages couldn't be written to that location."));
@@ -262,9 +265,7 @@ void ThumbnailSidebar::splitDocument() {
         (i < splitPoint ? front : back).insert(i);
     const auto first = PageOperations::extractPages(front, *pdf);
     const auto second = PageOperations::extractPages(back, *pdf);
-    const QString base = m_document->fileURL().isEmpty()
-                             ? QStringLiteral("Document")
-                             : QFileInfo(m_document->fileURL().toLocalFile()).completeBaseName();
+    const QString base = baseName();
     const QPointer<ThumbnailSidebar> self(this);
     const std::optional<QString> folder = PageFiles::runFolderPanel(this);
     if (!self || !folder)

@@ -3,59 +3,16 @@
 #include "SlowWork.h"
 
 #include <QContextMenuEvent>
-#include <QFileDialog>
-#include <QLineEdit>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QThread>
-#include <QTimer>
 
 #include <atomic>
 
 class PageFilesTest : public SidebarTest {
 protected:
-    /// Answers the dialog of that name when it comes up.
-    template <typename Dialog, typename Answer>
-    static void answer(const QString& name, Answer answer) {
-        auto* timer = new QTimer(qApp);
-        QObject::connect(timer, &QTimer::timeout, timer, [timer, name, answer] {
-            auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-            if (!dialog || dialog->objectName() != name)
-                return;
-            timer->deleteLater();
-            timer->stop();
-            answer(*dialog);
-        });
-        timer->start(5);
-    }
-    static void choose(const QString& name, const QStringList& paths) {
-        answer<QFileDialog>(name, [paths](QFileDialog& dialog) {
-            if (paths.isEmpty()) {
-                dialog.reject();
-                return;
-            }
-            dialog.setDirectory(QFileInfo(paths.constFirst()).path());
-            QStringList names;
-            for (const QString& path : paths)
-                names.append(u'"' + path + u'"');
-            find<QLineEdit>(dialog, QStringLiteral("fileNameEdit"))
-                ->setText(paths.size() == 1 ? paths.constFirst() : names.join(u' '));
-            static_cast<QDialog&>(dialog).accept();
-        });
-    }
-    /// What the next alert says, which is then dismissed.
-    std::string alert() const {
-        EXPECT_TRUE(QTest::qWaitFor([this] { return m_sidebar->pendingAlert().has_value(); }));
-        const auto alert = m_sidebar->pendingAlert().value_or(PageAlert());
-        for (auto* box : m_workspace->window()->findChildren<QMessageBox*>(QStringLiteral("pageAlert")))
-            box->accept();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        EXPECT_FALSE(m_sidebar->pendingAlert());
-        return (alert.title + QStringLiteral(": ") + alert.message).toStdString();
-    }
     void write(const TestPdf& pdf, const QString& name) const { static_cast<void>(pdf.write(m_folder.path(), name)); }
 };
 

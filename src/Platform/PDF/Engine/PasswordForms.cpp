@@ -12,7 +12,6 @@
 namespace {
 
 constexpr int firstRevisionWithUtf8 = 5;
-constexpr qsizetype longestUtf8 = 127; // bytes that count (ISO 32000-2, 7.6.4.3.3)
 
 std::optional<QByteArray> inDocumentEncoding(const QString& password) {
     QByteArray bytes;
@@ -49,10 +48,8 @@ std::vector<PasswordForm> PasswordForm::all(const QString& password, int securit
             forms.push_back({taken, *given});
     };
     if (securityRevision >= firstRevisionWithUtf8) {
-        for (const QString& text : {saslPrepared(password).value_or(password), password}) {
-            const QByteArray utf8 = text.toUtf8().left(longestUtf8);
-            add(utf8, utf8);
-        }
+        for (const QByteArray& utf8 : {passwordBytes(password), password.toUtf8()})
+            add(utf8.left(longestPassword), utf8.left(longestPassword));
         return forms;
     }
     if (const auto bytes = inDocumentEncoding(password.normalized(QString::NormalizationForm_C)))

@@ -15,6 +15,7 @@ public:
         unsupportedEncryption, ///< protected by a handler or an algorithm that the engine doesn't know
         locked,                ///< the operation needs the document's password first
         breaksSignatures,      ///< writing would invalidate a digital signature that was to be kept
+        unusablePassword,      ///< no file can be protected with that password
         writeFailed,           ///< the new file couldn't be composed or stored
     };
 

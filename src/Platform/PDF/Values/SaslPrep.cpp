@@ -66,3 +66,7 @@ std::optional<QString> saslPrepared(const QString& password) {
     const bool isFramed = isRightToLeft(characters.front()) && isRightToLeft(characters.back());
     return isFramed && !hasOther ? std::optional(prepared) : std::nullopt;
 }
+
+QByteArray passwordBytes(const QString& password) {
+    return saslPrepared(password).value_or(password).toUtf8();
+}

@@ -65,10 +65,13 @@ private:
     QByteArray m_piece;
 };
 
-/// In the form that AES-256 files take (ISO 32000-2, 7.6.4.3.3).
-std::string passwordBytes(const QString& password) {
-    constexpr qsizetype longest = 127;
-    return saslPrepared(password).value_or(password).toUtf8().left(longest).toStdString();
+/// Empty for none. A password that would have to be cut, or of which nothing is left, is refused: the file would open
+/// with another one than was given, or with none.
+std::string checkedPassword(const QString& password) {
+    const QByteArray bytes = passwordBytes(password);
+    if (bytes.size() > longestPassword || bytes.contains('\0') || bytes.isEmpty() != password.isEmpty())
+        throw PDFError(PDFError::Kind::unusablePassword, QStringLiteral("No file can have that password."));
+    return bytes.toStdString();
 }
 
 /// One run, from the objects of the source to the bytes.
@@ -397,8 +400,8 @@ void Rewriting::write(QIODevice& device) {
     // What is recorded or marked with a highlighter is transparent.
     writer.setMinimumPDFVersion("1.4");
 
-    const std::string user = passwordBytes(m_options.userPassword);
-    const std::string owner = passwordBytes(m_options.ownerPassword);
+    const std::string user = checkedPassword(m_options.userPassword);
+    const std::string owner = checkedPassword(m_options.ownerPassword);
     if (!user.empty() || !owner.empty()) {
         // Without an owner's password anybody would be taken for the owner.
         const std::string& ownerOrUser = owner.empty() ? user : owner;

@@ -53,9 +53,9 @@ public:
 
     /// Calls `work` with a `Course&` on another thread, and `done` with its value on this one, unless it is cancelled
     /// or `owner`, in whose window the dialog appears, goes first. `sentence` says what is being done. `work` must not
-    /// throw; see `FileWork::run`.
+    /// throw; see `FileWork::run`. What is returned goes once it has ended in any way.
     template <typename Work, typename Done>
-    static void run(QWidget* owner, const QString& sentence, Work work, Done done) {
+    static QObject* run(QWidget* owner, const QString& sentence, Work work, Done done) {
         auto* slow = new SlowWork(owner, sentence);
         FileWork::run(
             slow, [work = std::move(work), course = slow->m_course]() mutable { return work(*course); },
@@ -66,6 +66,7 @@ public:
                 slow->stopShowing();
                 done(std::forward<decltype(value)>(value));
             });
+        return slow;
     }
     ~SlowWork() override;
 

@@ -9,7 +9,11 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QTimer>
 
 /// A workspace with its page sidebar, and what a person does there.
 class SidebarTest : public WorkspaceTest {
@@ -78,6 +82,50 @@ protected:
     }
 
     QString path(const QString& name) const { return m_folder.filePath(name); }
+
+    /// Answers the dialog of that name when it comes up.
+    template <typename Dialog, typename Answer>
+    static void answer(const QString& name, Answer answer) {
+        auto* timer = new QTimer(qApp);
+        QObject::connect(timer, &QTimer::timeout, timer, [timer, name, answer] {
+            auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+            if (!dialog || dialog->objectName() != name)
+                return;
+            timer->deleteLater();
+            timer->stop();
+            answer(*dialog);
+        });
+        timer->start(5);
+    }
+    static void accept(QFileDialog& dialog, const QString& typed) {
+        auto* field = find<QLineEdit>(dialog, QStringLiteral("fileNameEdit"));
+        field->selectAll();
+        field->insert(typed); // as by hand, which drops what is selected in the list
+        static_cast<QDialog&>(dialog).accept();
+    }
+    static void choose(const QString& name, const QStringList& paths) {
+        answer<QFileDialog>(name, [paths](QFileDialog& dialog) {
+            if (paths.isEmpty()) {
+                dialog.reject();
+                return;
+            }
+            dialog.setDirectory(QFileInfo(paths.constFirst()).path());
+            QStringList names;
+            for (const QString& path : paths)
+                names.append(u'"' + path + u'"');
+            accept(dialog, paths.size() == 1 ? paths.constFirst() : names.join(u' '));
+        });
+    }
+    /// What the next alert says, which is then dismissed.
+    std::string alert() const {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return m_sidebar->pendingAlert().has_value(); }));
+        const auto alert = m_sidebar->pendingAlert().value_or(PageAlert());
+        for (auto* box : m_workspace->window()->findChildren<QMessageBox*>(QStringLiteral("pageAlert")))
+            box->accept();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_FALSE(m_sidebar->pendingAlert());
+        return (alert.title + QStringLiteral(": ") + alert.message).toStdString();
+    }
 
     ThumbnailSidebar* m_sidebar = nullptr;
     ThumbnailList* m_list = nullptr;

@@ -1,0 +1,143 @@
+#include "CopyProtection.h"
+
+#include "FileError.h"
+#include "FrozenCopies.h"
+#include "PDFDocument.h"
+#include "PDFError.h"
+#include "PDFOutline.h"
+#include "PDFPage.h"
+#include "PageOperations.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+#include "RestrictedRuns.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+class CopyProtectionTest : public testing::Test {
+protected:
+    /// With everything that a copy is to keep.
+    void SetUp() override {
+        for (const QString& word : {QStringLiteral("First"), QStringLiteral("Second")})
+            m_fixture.addPage({word});
+        m_fixture.setOutline({{QStringLiteral("Chapter"), 1}});
+        m_fixture.addLink(0, {72, 600, 100, 20}, 1);
+        m_fixture.addTextField(1, QStringLiteral("name"), {72, 500, 200, 24}, QStringLiteral("Ada"));
+        m_fixture.setPageLabels("0 << /S /r >>");
+        m_fixture.attach(QStringLiteral("note.txt"), "hidden words");
+        m_fixture.setInfo("/Title", QStringLiteral("A title"));
+        m_fixture.setMetadata("<x>packet</x>");
+    }
+    /// The bytes of the copy.
+    [[nodiscard]] QByteArray written(const PDFDocument& document, const QString& password) const {
+        FrozenCopies copies;
+        copies.add(document, m_path, password);
+        EXPECT_TRUE(copies.write([] { return true; }));
+        QFile file(m_path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+    static bool opens(const QByteArray& file, const QString& program, QStringList arguments, const QString& password) {
+        arguments.replaceInStrings(QStringLiteral("PASSWORD"), password);
+        return PdfPrograms::run(program, arguments, file).exitCode == 0;
+    }
+
+    PdfFixture m_fixture;
+    QTemporaryDir m_folder;
+    QString m_path = m_folder.filePath(QStringLiteral("copy.pdf"));
+};
+
+TEST_F(CopyProtectionTest, copiesOpenByTheirPasswordInOtherProgramsAndNotWithout) {
+    const auto document = PDFDocument::fromData(m_fixture.bytes(PdfFixture::Style::objectStreams));
+    const struct {
+        QString typed;
+        QString prepared;
+    } cases[] = {{QStringLiteral("secret"), QStringLiteral("secret")},
+                 {QStringLiteral("Pa\u0308ss\u00A0\uFB01"), QStringLiteral("P\u00E4ss fi")},
+                 {QStringLiteral("סיסמה 1"), QStringLiteral("סיסמה 1")},
+                 {QStringLiteral("🔑 鍵"), QStringLiteral("🔑 鍵")},
+                 {QString(127, u'x'), QString(127, u'x')}};
+    for (const auto& [typed, prepared] : cases) {
+        SCOPED_TRACE(typed.toStdString());
+        ASSERT_EQ(CopyProtection::refusal(typed), QString());
+        const QByteArray copy = written(*document, typed);
+        EXPECT_TRUE(CopyProtection::isProtected(copy, typed, 2));
+        EXPECT_FALSE(CopyProtection::isProtected(copy, typed + u'x', 2) && typed.size() < 127);
+        const QStringList check{QStringLiteral("--check"), QStringLiteral("--password=PASSWORD"),
+                                QStringLiteral("FILE")};
+        const QStringList draw{QStringLiteral("draw"),  QStringLiteral("-p"), QStringLiteral("PASSWORD"),
+                               QStringLiteral("-Fpam"), QStringLiteral("-o"), QStringLiteral("/dev/null"),
+                               QStringLiteral("FILE")};
+        for (const auto& [program, arguments] :
+             {std::pair(QStringLiteral("qpdf"), check), std::pair(QStringLiteral("mutool"), draw)}) {
+            EXPECT_TRUE(opens(copy, program, arguments, prepared)) << program.toStdString();
+            EXPECT_FALSE(opens(copy, program, arguments, QStringLiteral("wrong"))) << program.toStdString();
+        }
+        const QByteArray seen = PdfFixture::withStreamsInflated(copy);
+        for (const char* secret : {"hidden words", "packet", "A title", "note.txt", "Chapter", "(First)"})
+            EXPECT_FALSE(seen.contains(secret)) << secret;
+        EXPECT_TRUE(PdfPrograms::unpacked(copy, prepared).contains("hidden words"));
+    }
+    EXPECT_FALSE(document->isEncrypted());
+}
+
+TEST_F(CopyProtectionTest, passwordsThatNoFileCanHaveAreRefusedAndReplaceNothing) {
+    const auto document = PDFDocument::fromData(m_fixture.bytes());
+    const QByteArray before = written(*document, {});
+    for (const QString& bad :
+         {QString(128, u'x'), QString(64, u'ä'), QStringLiteral("\u00AD\u200D"), QStringLiteral("a") + QChar(0)}) {
+        EXPECT_FALSE(CopyProtection::refusal(bad).isEmpty());
+        FrozenCopies copies;
+        copies.add(*document, m_path, bad);
+        EXPECT_THROW(copies.write([] { return true; }), PDFError);
+    }
+    EXPECT_TRUE(CopyProtection::refusal(QString(128, u'x')).contains(QStringLiteral("127 bytes")));
+    QFile file(m_path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), before);
+}
+
+TEST_F(CopyProtectionTest, nothingIsLeftOnADiskThatIsFull) {
+    const auto report = RestrictedRuns::onSmallDisk(m_folder.path(), [this](const std::function<void()>&) {
+        QByteArray noise(100'000, '\0');
+        QRandomGenerator(1).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
+        m_fixture.attach(QStringLiteral("large"), noise);
+        FrozenCopies copies;
+        copies.add(*PDFDocument::fromData(m_fixture.bytes()), m_path, QStringLiteral("secret"));
+        QStringList lines = QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden);
+        try {
+            copies.write([] { return true; });
+        } catch (const FileError& error) {
+            lines.append(error.sentence());
+        }
+        return lines + QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden);
+    });
+    if (!report)
+        GTEST_SKIP() << "The system doesn't let a test mount a disk.";
+    EXPECT_EQ(*report, QStringList{QStringLiteral("There isn't enough space on the disk.")});
+}
+
+TEST_F(CopyProtectionTest, unlockedCopiesKeepAllButTheProtection) {
+    for (const auto encryption :
+         {PdfFixture::Encryption::rc4, PdfFixture::Encryption::aes128, PdfFixture::Encryption::aes256}) {
+        const auto document = PDFDocument::fromData(m_fixture.encrypted("secret", "owner", encryption));
+        ASSERT_TRUE(document->unlock(QStringLiteral("secret")));
+        const QByteArray copy = written(*PageOperations::mergeFiles({document}), {});
+        EXPECT_EQ(PdfPrograms::complaints(copy), "");
+        const auto read = PDFDocument::fromData(copy);
+        EXPECT_FALSE(read->isEncrypted());
+        ASSERT_EQ(read->pageCount(), 2);
+        EXPECT_EQ(read->label(1), QStringLiteral("ii"));
+        ASSERT_TRUE(read->outlineRoot());
+        EXPECT_EQ(read->outlineRoot()->child(0)->label(), QStringLiteral("Chapter"));
+        EXPECT_EQ(read->documentAttributes().value(QStringLiteral("Title")), QStringLiteral("A title"));
+        EXPECT_EQ(read->page(0)->annotations().size(), 1U);
+        const QByteArray text = PdfPrograms::unpacked(copy);
+        for (const char* kept : {"hidden words", "packet", "(Ada)", "/Dest", "/AcroForm"})
+            EXPECT_TRUE(text.contains(kept)) << kept;
+    }
+}
