@@ -3,6 +3,7 @@
 #include "Logging.h"
 #include "PDFAnnotation.h"
 #include "PDFPage.h"
+#include "PDFSource.h"
 
 #include <QPainter>
 
@@ -13,22 +14,37 @@
 
 static constexpr PDFDisplayBox wholeBox = PDFDisplayBox::mediaBox;
 
-UprightPage::UprightPage(const PDFPage& page) : m_geometry(page.geometry()), m_revision(page.revision()) {
+static PDFPageGeometry wanted(PDFPageGeometry page, UprightPage::View view) {
+    if (view == UprightPage::View::asStored) {
+        page.rotation = 0;
+        page.userUnit = 1;
+    }
+    return page;
+}
+
+UprightPage::UprightPage(const PDFPage& page, View view)
+    : m_geometry(page.geometry()), m_drawn(wanted(m_geometry, view)), m_revision(page.revision()) {
     m_request.content = page.content();
     m_request.hiddenAnnotations = page.hiddenFileAnnotations();
 }
 
+UprightPage::UprightPage(const PDFPageContent& content, View view)
+    : m_geometry(content.source->geometry(content.pageNumber)), m_drawn(wanted(m_geometry, view)), m_revision(0) {
+    m_request.content = content;
+    m_request.bareAnnotations = true;
+}
+
 std::optional<double> UprightPage::fitting(double scale, qint64 mostPixels) const {
     constexpr double longestSide = 32767; // a QPainter reaches no farther, and no recognizer
-    const QSizeF size = m_geometry.displaySize(wholeBox);
+    const QSizeF size = m_drawn.displaySize(wholeBox);
     const double fits = std::min({scale, longestSide / std::max(size.width(), size.height()),
                                   std::sqrt(double(mostPixels) / (size.width() * size.height()))});
     return size.width() * fits >= 1 && size.height() * fits >= 1 ? std::optional(fits) : std::nullopt;
 }
 
 QTransform UprightPage::pageToDevice(QSize pixels) const {
-    const QSizeF size = m_geometry.displaySize(wholeBox);
-    return m_geometry.displayTransform(wholeBox) *
+    const QSizeF size = m_drawn.displaySize(wholeBox);
+    return m_drawn.displayTransform(wholeBox) *
            QTransform::fromScale(pixels.width() / size.width(), pixels.height() / size.height());
 }
 
@@ -56,7 +72,7 @@ QImage UprightPage::image(double scale, const std::stop_token& stop) const {
     constexpr int pieceSide = 4096; // below the most that the renderer draws at once
     std::atomic<bool> cancelled = false;
     const std::stop_callback cancel(stop, [&cancelled] { cancelled = true; });
-    const QSizeF pixels = m_geometry.displaySize(wholeBox) * scale;
+    const QSizeF pixels = m_drawn.displaySize(wholeBox) * scale;
     try {
         QImage image(static_cast<int>(pixels.width()), static_cast<int>(pixels.height()), QImage::Format_RGB32);
         QPainter painter;
@@ -77,7 +93,7 @@ QImage UprightPage::image(double scale, const std::stop_token& stop) const {
         drawLiveAnnotations(image);
         return image;
     } catch (const std::bad_alloc&) {
-        qCWarning(Logging::document) << "not enough memory for the picture of a page to recognize";
+        qCWarning(Logging::document) << "not enough memory for the picture of a page";
         return {};
     }
 }

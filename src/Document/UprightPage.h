@@ -13,12 +13,19 @@
 
 class PDFPage;
 
-/// All of a page as it is shown at one moment, upright, out to its media box: for workers that draw it for the text
-/// recognizer. No live object is in it.
+/// All of a page as it is at one moment, out to its media box: for workers that draw it whole. It stands upright, as it
+/// is shown, unless it is wanted as it is stored. No live object is in it.
 class UprightPage {
 public:
+    enum class View {
+        asShown, ///< turned, in points
+        asStored ///< not turned, one unit of page coordinates for each point that is spoken of
+    };
+
     /// Takes note of what the page shows; main thread.
-    explicit UprightPage(const PDFPage& page);
+    explicit UprightPage(const PDFPage& page, View view = View::asShown);
+    /// A page that nobody has changed, with all annotations of its file; any thread.
+    UprightPage(const PDFPageContent& content, View view);
 
     /// Of the page when it was noted (`PDFPage::revision`).
     [[nodiscard]] quint64 revision() const { return m_revision; }
@@ -44,6 +51,7 @@ private:
 
     PageRenderRequest m_request; // but for its transform and its part
     PDFPageGeometry m_geometry;
+    PDFPageGeometry m_drawn; // the same as it is wanted
     quint64 m_revision;
     std::shared_ptr<const QPicture> m_liveAnnotations; // in page coordinates; null for none
 };

@@ -12,16 +12,17 @@ static int pixelCount(double length, double scale) {
     return pixels >= 1 && pixels <= maximumSide ? static_cast<int>(pixels) : 0;
 }
 
+QSize PDFPageRasterizer::pixelSize(const QRectF& mediaBox, double scale) {
+    const QSize size(pixelCount(mediaBox.width(), scale), pixelCount(mediaBox.height(), scale));
+    return size.isEmpty() || qint64(size.width()) * size.height() > maximumPixelCount ? QSize() : size;
+}
+
 QImage PDFPageRasterizer::render(const PDFPage& page, double scale, const std::function<void(QPainter&)>& overlay) {
     const QRectF mediaBox = page.bounds(PDFDisplayBox::mediaBox);
-    if (!(mediaBox.width() > 0 && mediaBox.height() > 0))
+    const QSize size = pixelSize(mediaBox, scale);
+    if (size.isEmpty())
         return {};
-    const int width = pixelCount(mediaBox.width(), scale);
-    const int height = pixelCount(mediaBox.height(), scale);
-    if (width < 1 || height < 1 || qint64(width) * height > maximumPixelCount)
-        return {};
-
-    QImage image(width, height, QImage::Format_RGBA8888_Premultiplied);
+    QImage image(size, QImage::Format_RGBA8888_Premultiplied);
     if (image.isNull())
         return {};
     image.fill(Qt::white);
@@ -30,7 +31,7 @@ QImage PDFPageRasterizer::render(const PDFPage& page, double scale, const std::f
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
     // Page coordinates have their origin at the lower edge: that of the page, which truncation may put a fraction of a
     // pixel below that of the bitmap.
-    painter.translate(0, height);
+    painter.translate(0, size.height());
     painter.scale(scale, -scale);
     painter.save();
     page.draw(PDFDisplayBox::mediaBox, painter);

@@ -86,6 +86,8 @@ QWidget* ThumbnailSidebar::makeHeader() {
     menu->addAction(
         addCommand(QStringLiteral("splitDocument"), QStringLiteral("Split Document…"), [this] { splitDocument(); }));
     menu->addSection(QStringLiteral("Optimize"));
+    menu->addAction(addCommand(QStringLiteral("compressDocument"), QStringLiteral("Compress PDF…"),
+                               [this] { compressDocument(); }));
     menu->addAction(addCommand(QStringLiteral("recognizeText"), QStringLiteral("Recognize Text (OCR)…"),
                                [this] { recognizeText(); }));
     menu->addSection(QStringLiteral("Security"));

@@ -61,6 +61,7 @@ public:
     /// Adds a layer of text to all pages that have none, beside the work in the window.
     void recognizeText();
     // Copies, which leave the document as it is.
+    void compressDocument();
     void setPassword();
     void removePassword();
     void extractPages(const PageIndices& indices);

@@ -1,3 +1,4 @@
+#include "CompressPDFSheetView.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "SavePanel.h"
@@ -17,6 +18,11 @@ void ThumbnailSidebar::showSheet(CopySheet* sheet) {
         Q_EMIT announced(QStringLiteral("Saved “%1”").arg(QFileInfo(path).fileName()));
     });
     sheet->open();
+}
+
+void ThumbnailSidebar::compressDocument() {
+    m_document->commitEditing();
+    showSheet(new CompressPDFSheetView(m_document->pdfDocument(), baseName(), window()));
 }
 
 void ThumbnailSidebar::setPassword() {

@@ -1,3 +1,4 @@
+#include "CompressPDFSheetView.h"
 #include "SetPasswordSheetView.h"
 #include "SidebarTest.h"
 
@@ -5,6 +6,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QRadioButton>
 
 class CopySheetsTest : public SidebarTest {
 protected:
@@ -103,4 +105,37 @@ TEST_F(CopySheetsTest, theCopyOfAProtectedDocumentIsOpen) {
     choose(QStringLiteral("savePanel"), {QStringLiteral("/sys/copy.pdf")});
     m_sidebar->removePassword();
     EXPECT_EQ(alert(), "Couldn't Save: The unlocked copy couldn't be written to that location.");
+}
+
+TEST_F(CopySheetsTest, theDocumentIsCompressedIntoACopy) {
+    openPages(40);
+    const auto sheet = opened<CompressPDFSheetView>(QStringLiteral("compressDocument"));
+    ASSERT_TRUE(sheet);
+    EXPECT_EQ(sheet->quality(), PDFCompressor::Quality::better);
+    const auto* size = SidebarTest::find<QLabel>(*sheet, QStringLiteral("size1"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return size->text().startsWith(QStringLiteral("About ")); }));
+    EXPECT_TRUE(size->text().contains(QStringLiteral(" (now "))) << size->text().toStdString();
+    EXPECT_TRUE(SidebarTest::find<QLabel>(*sheet, QStringLiteral("growthWarning"))->isVisible());
+
+    // Cancel stops the work first.
+    const auto* progress = SidebarTest::find<QWidget>(*sheet, QStringLiteral("progress"));
+    press(*sheet, QStringLiteral("makeCopy"));
+    EXPECT_TRUE(progress->isVisible());
+    press(*sheet, QStringLiteral("cancel"));
+    EXPECT_FALSE(progress->isVisible());
+
+    SidebarTest::find<QRadioButton>(*sheet, QStringLiteral("quality0"))->click();
+    choose(QStringLiteral("savePanel"), {QStringLiteral("/sys/copy.pdf")});
+    press(*sheet, QStringLiteral("makeCopy"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !sheet->errorMessage().isEmpty(); }));
+    EXPECT_EQ(sheet->errorMessage(), QStringLiteral("Couldn't write the compressed copy to that location."));
+    EXPECT_EQ(SidebarTest::find<QLabel>(*sheet, QStringLiteral("progressText"))->text(), QStringLiteral("Saving…"));
+    // The copy is there already and only wants another place.
+    answer<QFileDialog>(QStringLiteral("savePanel"), [](QFileDialog& panel) { static_cast<QDialog&>(panel).accept(); });
+    press(*sheet, QStringLiteral("makeCopy"));
+    EXPECT_TRUE(goes(sheet));
+    const auto copy = PDFDocument::fromFile(path(QStringLiteral("paper (Compressed).pdf")));
+    EXPECT_EQ(copy->pageCount(), 40);
+    EXPECT_FALSE(m_document->isDocumentEdited());
+    EXPECT_EQ(m_document->pdfDocument()->page(0)->string().trimmed(), QStringLiteral("Page 1"));
 }

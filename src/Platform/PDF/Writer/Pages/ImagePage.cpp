@@ -1,86 +1,25 @@
 #include "ImagePage.h"
 
 #include "JpegHeader.h"
-#include "PdfValues.h"
+#include "PictureFile.h"
 
+#include <QBuffer>
 #include <QColorSpace>
 #include <QImage>
-#include <QTransform>
 
-#include <functional>
-#include <utility>
+#include <algorithm>
+#include <optional>
 
 namespace {
 
-/// A file of a few objects, numbered in the order in which they are added; the first is the catalogue.
-class SmallFile {
-public:
-    void add(const QByteArray& value) {
-        m_offsets.push_back(m_bytes.size());
-        m_bytes += QByteArray::number(qsizetype(m_offsets.size())) + " 0 obj\n" + value + "\nendobj\n";
-    }
-
-    void addStream(const QByteArray& keys, const QByteArray& data) {
-        add("<< " + keys + " /Length " + QByteArray::number(data.size()) + " >>\nstream\n" + data + "\nendstream");
-    }
-
-    [[nodiscard]] QByteArray finish() {
-        const qsizetype table = m_bytes.size();
-        const QByteArray size = QByteArray::number(qsizetype(m_offsets.size()) + 1);
-        m_bytes += "xref\n0 " + size + "\n0000000000 65535 f \n";
-        for (const qsizetype offset : m_offsets)
-            m_bytes += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
-        m_bytes +=
-            "trailer\n<< /Size " + size + " /Root 1 0 R >>\nstartxref\n" + QByteArray::number(table) + "\n%%EOF\n";
-        return m_bytes;
-    }
-
-private:
-    QByteArray m_bytes = "%PDF-1.5\n%\xE2\xE3\xCF\xD3\n";
-    std::vector<qsizetype> m_offsets;
-};
-
-QByteArray array(const QRectF& box) {
-    QByteArray numbers;
-    for (const double value : {box.left(), box.top(), box.right(), box.bottom()})
-        numbers += PdfValues::real(value) + ' ';
-    return '[' + numbers.chopped(1) + ']';
-}
-
-/// The media box, and what differs from what a page has that says no more.
-QByteArray keysOf(const PDFPageGeometry& page) {
-    constexpr std::pair<const char*, PDFDisplayBox> others[] = {{"/CropBox ", PDFDisplayBox::cropBox},
-                                                                {"/BleedBox ", PDFDisplayBox::bleedBox},
-                                                                {"/TrimBox ", PDFDisplayBox::trimBox},
-                                                                {"/ArtBox ", PDFDisplayBox::artBox}};
-    const QRectF media = page.box(PDFDisplayBox::mediaBox);
-    QByteArray keys = "/MediaBox " + array(media);
-    for (const auto& [key, box] : others)
-        if (page.box(box) != media)
-            keys += ' ' + QByteArray(key) + array(page.box(box));
-    if (page.rotation != 0)
-        keys += " /Rotate " + QByteArray::number(page.rotation);
-    if (page.userUnit != 1)
-        keys += " /UserUnit " + PdfValues::real(page.userUnit);
-    return keys;
-}
-
-/// `upright` turns and mirrors the unit square, in which the picture is, to what is to be shown in the media box.
-QByteArray pageFile(const PDFPageGeometry& page, const QTransform& upright,
-                    const std::function<void(SmallFile&)>& addImage) {
-    const QRectF media = page.box(PDFDisplayBox::mediaBox);
-    const QTransform place = upright * QTransform::fromScale(media.width(), media.height()) *
-                             QTransform::fromTranslate(media.left(), media.top());
-    const auto number = [](double value) { return PdfValues::real(value); };
-    SmallFile file;
-    file.add("<< /Type /Catalog /Pages 2 0 R >>");
-    file.add("<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
-    file.add("<< /Type /Page /Parent 2 0 R " + keysOf(page) +
-             " /Contents 4 0 R /Resources << /XObject << /Im0 5 0 R >> >> >>");
-    file.addStream({}, "q " + number(place.m11()) + ' ' + number(place.m12()) + ' ' + number(place.m21()) + ' ' +
-                           number(place.m22()) + ' ' + number(place.dx()) + ' ' + number(place.dy()) + " cm /Im0 Do Q");
-    addImage(file);
-    return file.finish();
+QByteArray pageFile(const PDFPageGeometry& page, const QTransform& upright, const PictureFile::Image& picture,
+                    const std::optional<PictureFile::Image>& transparency = std::nullopt) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    PictureFile file(buffer);
+    file.addPage(0, page, upright, picture, transparency);
+    file.finish();
+    return buffer.data();
 }
 
 bool isUsable(const PDFPageGeometry& page) {
@@ -144,22 +83,21 @@ QByteArray ImagePage::fromImage(const QImage& image, const PDFPageGeometry& page
     const bool grey = source.isGrayscale();
     const QImage colors = source.convertToFormat(QImage::Format_RGB888);
     const QImage shown = grey ? colors.convertToFormat(QImage::Format_Grayscale8) : colors;
-    return pageFile(page, {}, [&](SmallFile& file) {
-        QByteArray keys = imageKeys(shown, grey ? "DeviceGray" : "DeviceRGB", grey ? 1 : 3);
-        if (translucent)
-            keys += " /SMask 6 0 R";
-        file.addStream(keys, packedRows(shown, grey ? 1 : 3));
-        if (translucent) {
-            const QImage alpha = source.convertToFormat(QImage::Format_Alpha8);
-            file.addStream(imageKeys(alpha, "DeviceGray", 1), packedRows(alpha, 1));
-        }
-    });
+    std::optional<PictureFile::Image> transparency;
+    if (translucent) {
+        const QImage alpha = source.convertToFormat(QImage::Format_Alpha8);
+        transparency = {imageKeys(alpha, "DeviceGray", 1), packedRows(alpha, 1)};
+    }
+    const int components = grey ? 1 : 3;
+    return pageFile(page, {},
+                    {imageKeys(shown, grey ? "DeviceGray" : "DeviceRGB", components), packedRows(shown, components)},
+                    transparency);
 }
 
-QByteArray ImagePage::fromJpeg(const QByteArray& jpeg, const PDFPageGeometry& page) {
+bool ImagePage::addJpeg(PictureFile& file, int place, const QByteArray& jpeg, const PDFPageGeometry& page) {
     const std::optional<JpegHeader> header = JpegHeader::read(jpeg);
     if (!header || !isUsable(page))
-        return {};
+        return false;
     const char* colorSpace = header->components == 1   ? "DeviceGray"
                              : header->components == 3 ? "DeviceRGB"
                                                        : "DeviceCMYK";
@@ -168,5 +106,16 @@ QByteArray ImagePage::fromJpeg(const QByteArray& jpeg, const PDFPageGeometry& pa
                       " /BitsPerComponent 8 /Filter /DCTDecode";
     if (header->isInverted)
         keys += " /Decode [1 0 1 0 1 0 1 0]";
-    return pageFile(page, header->uprightTransform(), [&](SmallFile& file) { file.addStream(keys, jpeg); });
+    file.addPage(place, page, header->uprightTransform(), {keys, jpeg});
+    return true;
+}
+
+QByteArray ImagePage::fromJpeg(const QByteArray& jpeg, const PDFPageGeometry& page) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    PictureFile file(buffer);
+    if (!addJpeg(file, 0, jpeg, page))
+        return {};
+    file.finish();
+    return buffer.data();
 }

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+class PictureFile;
 class QImage;
 
 /// Makes the bytes of a one-page PDF that shows one picture. Any thread.
@@ -18,5 +19,8 @@ namespace ImagePage {
 
 /// The bytes of a JPEG file, stored as they are. Empty when they are no JPEG.
 [[nodiscard]] QByteArray fromJpeg(const QByteArray& jpeg, const PDFPageGeometry& page);
+
+/// The same as one of many pages of a file. False, with nothing written, when they are no JPEG.
+bool addJpeg(PictureFile& file, int place, const QByteArray& jpeg, const PDFPageGeometry& page);
 
 } // namespace ImagePage

@@ -1,0 +1,141 @@
+#include "PDFCompressor.h"
+
+#include "CompressedCopy.h"
+#include "CompressionEstimate.h"
+#include "FileError.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PDFPageRasterizer.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+#include "RectangleAnnotation.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using Quality = PDFCompressor::Quality;
+
+class PDFCompressorTest : public testing::Test {
+protected:
+    /// The copy as a file; empty when none could be made.
+    QByteArray compressed(const PDFDocument& document, Quality quality) const {
+        const QString path = m_folder.filePath(QStringLiteral("copy.pdf"));
+        const auto copy = CompressedCopy::of(PDFCompressor(document), quality, {}, [](int) {});
+        if (!copy)
+            return {};
+        EXPECT_TRUE(copy->write(path, {}));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+    /// "page: width x height, components, encoding" of the pictures.
+    static QStringList pictures(const QByteArray& file) {
+        QStringList all;
+        const QByteArray listed =
+            PdfPrograms::run(QStringLiteral("pdfimages"), {QStringLiteral("-list"), QStringLiteral("FILE")}, file)
+                .output;
+        for (const QByteArray& line : listed.split('\n').mid(2))
+            if (const QByteArrayList words = line.simplified().split(' '); words.size() > 8)
+                all.append(
+                    QString::fromLatin1(words[0] + ": " + words[3] + 'x' + words[4] + ' ' + words[5] + ' ' + words[8]));
+        return all;
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(PDFCompressorTest, pagesBecomePicturesOfTheirSize) {
+    PdfFixture fixture;
+    fixture.addPage({QStringLiteral("Text")});
+    fixture.addPageWithContent("1 0 0 rg 100 100 200 200 re f", "<< >>", {300.7, 200.9});
+    fixture.addPageWithContent("0 0 1 rg 30 40 10 10 re f", "<< >>", {400, 300});
+    fixture.setPageKey(2, "/MediaBox", "[20 30 420 330]");
+    fixture.setPageKey(2, "/CropBox", "[30 40 320 330]");
+    fixture.setPageKey(2, "/Rotate", "90");
+    fixture.addAnnotation(
+        2, "<< /Type /Annot /Subtype /Square /Rect [200 200 260 260] /C [0 1 0] /IC [0 1 0] >>"); // without a look
+    fixture.setOutline({{QStringLiteral("Chapter"), 1}});
+    fixture.setInfo("/Title", QStringLiteral("A title"));
+    const auto document = PDFDocument::fromData(fixture.bytes());
+    const auto drawn = std::make_shared<RectangleAnnotation>(QRectF(100, 100, 100, 100));
+    drawn->setColor(Qt::red);
+    const struct {
+        Quality quality;
+        QStringList pictures;
+    } cases[] = {{Quality::good,
+                  {QStringLiteral("1: 612x792 gray jpeg"), QStringLiteral("2: 300x200 rgb jpeg"),
+                   QStringLiteral("3: 400x300 rgb jpeg")}},
+                 {Quality::better,
+                  {QStringLiteral("1: 918x1188 gray jpeg"), QStringLiteral("2: 451x301 rgb jpeg"),
+                   QStringLiteral("3: 600x450 rgb jpeg")}},
+                 {Quality::best,
+                  {QStringLiteral("1: 1224x1584 rgb jpeg"), QStringLiteral("2: 601x401 rgb jpeg"),
+                   QStringLiteral("3: 800x600 rgb jpeg")}}};
+    for (const auto& each : cases) {
+        if (each.quality == Quality::best)
+            document->page(0)->addAnnotation(drawn); // which makes a gray page a coloured one
+        const QByteArray file = compressed(*document, each.quality);
+        EXPECT_EQ(PdfPrograms::complaints(file), "");
+        EXPECT_EQ(pictures(file).join(u'\n').toStdString(), each.pictures.join(u'\n').toStdString());
+        const auto copy = PDFDocument::fromData(file);
+        ASSERT_EQ(copy->pageCount(), 3);
+        EXPECT_FALSE(copy->outlineRoot());
+        EXPECT_TRUE(copy->documentAttributes().isEmpty());
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(copy->geometry(i), document->geometry(i));
+            EXPECT_TRUE(copy->page(i)->string().isEmpty() && copy->page(i)->annotations().empty());
+            // What is seen is what the page shows, up to what the JPEG loses.
+            const QImage before =
+                PDFPageRasterizer::render(*document->page(i), 0.25).convertToFormat(QImage::Format_RGB32);
+            const QImage after = PDFPageRasterizer::render(*copy->page(i), 0.25).convertToFormat(QImage::Format_RGB32);
+            qint64 difference = 0;
+            for (int y = 0; y < before.height(); ++y)
+                for (int x = 0; x < before.width(); ++x)
+                    difference += std::abs(qGreen(before.pixel(x, y)) - qGreen(after.pixel(x, y))) +
+                                  std::abs(qRed(before.pixel(x, y)) - qRed(after.pixel(x, y)));
+            EXPECT_LT(double(difference) / before.width() / before.height(), 4) << i;
+        }
+    }
+    EXPECT_EQ(document->page(0)->string().trimmed(), QStringLiteral("Text"));
+}
+
+TEST_F(PDFCompressorTest, pagesThatCannotBeDrawnAreLeftOutAndNothingIsLeftOfAStop) {
+    PdfFixture fixture;
+    fixture.addPageWithContent("", "<< >>", {999999, 999999});
+    fixture.addPageWithContent("", "<< >>", {500, 0.5});
+    const QByteArray hopeless = fixture.bytes();
+    EXPECT_EQ(compressed(*PDFDocument::fromData(hopeless), Quality::good), QByteArray());
+    fixture.addPage({QStringLiteral("Text")});
+    const auto document = PDFDocument::fromData(fixture.bytes());
+    EXPECT_EQ(PDFDocument::fromData(compressed(*document, Quality::good))->pageCount(), 1);
+
+    const PDFCompressor compressor(*document);
+    std::stop_source stop;
+    EXPECT_FALSE(
+        CompressedCopy::of(compressor, Quality::good, stop.get_token(), [&stop](int) { stop.request_stop(); }));
+    const auto copy = CompressedCopy::of(compressor, Quality::good, {}, [](int) {});
+    const QString path = m_folder.filePath(QStringLiteral("stopped.pdf"));
+    EXPECT_FALSE(copy->write(path, stop.get_token()));
+    EXPECT_THROW(static_cast<void>(copy->write(QStringLiteral("/proc/copy.pdf"), {})), FileError);
+    EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST_F(PDFCompressorTest, theSizeIsToldInAdvance) {
+    PdfFixture fixture;
+    for (int i = 0; i < 40; ++i)
+        fixture.addPage(QStringList(10 + i * 7 % 30, QStringLiteral("Some words in a line of text, page %1").arg(i)));
+    const auto document = PDFDocument::fromData(fixture.bytes());
+    const auto sizes = CompressionEstimate::of(PDFCompressor(*document), {}, std::chrono::minutes(1));
+    ASSERT_TRUE(sizes);
+    for (const Quality quality : PDFCompressor::qualities) {
+        const double size = double(compressed(*document, quality).size());
+        EXPECT_NEAR(double(sizes->at(std::size_t(quality))) / size, 1, 0.02) << int(quality);
+    }
+    // Of a few pages, when there is no time for more.
+    const auto soon = CompressionEstimate::of(PDFCompressor(*document), {}, std::chrono::milliseconds(0));
+    ASSERT_TRUE(soon);
+    EXPECT_NEAR(double(soon->at(1)) / double(sizes->at(1)), 1, 0.4);
+    EXPECT_EQ(CompressionEstimate::sentence(2'140'000, 12'340'000), QStringLiteral("About 2.1 MB (now 12.3 MB)"));
+}
