@@ -95,6 +95,25 @@ if [ "$pages" -ge 2 ]; then
         printf "{\"job\": \"rewrite-size\", \"bytes\": %d, \"ratio\": %.3f, \"aim\": \"ratio <= 1.05\", \"to_aim\": %.3f}\n", o, o / r, o / r - 1.05 }'
 fi
 
+compare encrypt 1.0 "qpdf --encrypt" "$jobs" encrypt "$file" "$work/out.pdf" -- \
+    qpdf --encrypt secret secret 256 -- "$file" "$work/reference.pdf"
+sizes encrypt
+
+# Pages as pictures, by two threads and by two processes.
+pictured=$((pages < 200 ? pages : 200))
+pictures_by_two() {
+    pdftoppm -jpeg -r 108 -l $((pictured / 2)) "$file" "$work/picture" &
+    pdftoppm -jpeg -r 108 -f $((pictured / 2 + 1)) -l "$pictured" "$file" "$work/picture"
+    wait
+}
+compressing=$build/bench/Document/compress_bench
+if [ "$pages" -ge 2 ]; then
+    compare compress 0.7 "2 x pdftoppm -jpeg -r 108" "$compressing" "$file" "$pictured" "$work/out.pdf" -- pictures_by_two
+    cat "$work"/picture*.jpg >"$work/reference.pdf"
+    sizes compress
+fi
+"$compressing" "$file"
+
 # Process start to the first sharp page in a window, beside drawing that page: 300 ms more is the aim.
 start=$build/bench/App/start_bench
 : >"$work/reference"

@@ -14,6 +14,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -27,7 +28,7 @@ CompressPDFSheetView::CompressPDFSheetView(std::shared_ptr<PDFDocument> pdfDocum
                                "untouched."),
                 QStringLiteral("Compress…"), parent),
       m_pdfDocument(std::move(pdfDocument)), m_suggestedName(std::move(suggestedName)), m_choices(new QWidget),
-      m_warning(new QLabel), m_progress(new QWidget), m_progressText(new QLabel), m_bar(new QProgressBar),
+      m_below(new QStackedWidget), m_warning(new QLabel), m_progressText(new QLabel), m_bar(new QProgressBar),
       m_clock(new QTimer(this)) {
     setObjectName(QStringLiteral("compressSheet"));
     if (m_pdfDocument->source())
@@ -53,7 +54,7 @@ void CompressPDFSheetView::makeChoices() {
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setColumnStretch(1, 1);
     auto* title = new QLabel(QStringLiteral("Quality"));
-    grid->addWidget(title, 0, 0, Qt::AlignTop);
+    grid->addWidget(title, 0, 0);
     m_choices->setAccessibleName(title->text());
     for (std::size_t i = 0; i < PDFCompressor::qualities.size(); ++i) {
         const Quality quality = PDFCompressor::qualities.at(i);
@@ -74,17 +75,15 @@ void CompressPDFSheetView::makeChoices() {
     }
     content().addWidget(m_choices);
     m_warning->setObjectName(QStringLiteral("growthWarning"));
-    m_warning->setText(QStringLiteral("At this quality the copy would be larger than the document."));
-    // Keeps its place, so that nothing moves under the pointer when another quality is chosen.
-    QSizePolicy policy = m_warning->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    m_warning->setSizePolicy(policy);
-    m_warning->hide();
-    content().addWidget(m_warning);
+    m_warning->setAlignment(Qt::AlignTop);
+    m_below->addWidget(m_warning);
+    content().addWidget(m_below);
+    m_buttons.at(static_cast<std::size_t>(Quality::better))->setFocus();
 }
 
 void CompressPDFSheetView::makeProgress() {
-    auto* layout = new QVBoxLayout(m_progress);
+    auto* progress = new QWidget;
+    auto* layout = new QVBoxLayout(progress);
     layout->setContentsMargins(0, 0, 0, 0);
     m_progressText->setObjectName(QStringLiteral("progressText"));
     m_bar->setObjectName(QStringLiteral("progress"));
@@ -92,11 +91,7 @@ void CompressPDFSheetView::makeProgress() {
     m_bar->setTextVisible(false);
     layout->addWidget(m_progressText);
     layout->addWidget(m_bar);
-    QSizePolicy policy = m_progress->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    m_progress->setSizePolicy(policy);
-    m_progress->hide();
-    content().addWidget(m_progress);
+    m_below->addWidget(progress);
 }
 
 CompressPDFSheetView::Quality CompressPDFSheetView::quality() const {
@@ -135,8 +130,10 @@ void CompressPDFSheetView::showEstimate(const std::optional<CompressionEstimate:
 }
 
 void CompressPDFSheetView::updateWarning() {
-    m_warning->setVisible(m_estimate && m_presentSize &&
-                          m_estimate->at(static_cast<std::size_t>(quality())) > *m_presentSize);
+    const bool grows =
+        m_estimate && m_presentSize && m_estimate->at(static_cast<std::size_t>(quality())) > *m_presentSize;
+    m_warning->setText(grows ? QStringLiteral("At this quality the copy would be larger than the document.")
+                             : QString());
 }
 
 // Making it
@@ -147,7 +144,7 @@ void CompressPDFSheetView::begin(const QString& sentence, int pageCount) {
     m_progressText->setText(sentence);
     m_bar->setRange(0, pageCount);
     m_bar->setValue(0);
-    m_progress->show();
+    m_below->setCurrentIndex(1);
     m_choices->setEnabled(false);
     actionButton().setEnabled(false);
     constexpr int betweenLooks = 100; // milliseconds
@@ -157,7 +154,7 @@ void CompressPDFSheetView::begin(const QString& sentence, int pageCount) {
 void CompressPDFSheetView::end() {
     m_clock->stop();
     m_course.reset();
-    m_progress->hide();
+    m_below->setCurrentIndex(0);
     m_choices->setEnabled(true);
     actionButton().setEnabled(true);
 }

@@ -15,6 +15,7 @@ class PDFDocument;
 class QLabel;
 class QProgressBar;
 class QRadioButton;
+class QStackedWidget;
 class QTimer;
 
 /// Asks for a quality, tells how large a copy in pictures would be, makes it while a bar shows how far it is, and then
@@ -64,8 +65,8 @@ private:
     QWidget* m_choices;
     std::array<QRadioButton*, PDFCompressor::qualities.size()> m_buttons{};
     std::array<QLabel*, PDFCompressor::qualities.size()> m_sizes{};
+    QStackedWidget* m_below; ///< the warning, or the progress in its place
     QLabel* m_warning;
-    QWidget* m_progress;
     QLabel* m_progressText;
     QProgressBar* m_bar;
     QTimer* m_clock;

@@ -9,7 +9,6 @@
 
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -36,7 +35,9 @@ SetPasswordSheetView::SetPasswordSheetView(std::shared_ptr<PDFDocument> pdfDocum
     update();
 }
 
-SetPasswordSheetView::~SetPasswordSheetView() = default;
+SetPasswordSheetView::~SetPasswordSheetView() {
+    delete m_work; // which tells its end, as long as there is somebody to tell
+}
 
 QLineEdit* SetPasswordSheetView::addField(const QString& label, const QString& name) {
     auto* field = new QLineEdit;
@@ -89,7 +90,7 @@ void SetPasswordSheetView::save() {
     }
     m_isSaving = true;
     update();
-    auto* work = SlowWork::run(
+    m_work = SlowWork::run(
         this, QStringLiteral("Saving the protected copy…"),
         [copies](SlowWork::Course& course) {
             try {
@@ -106,7 +107,7 @@ void SetPasswordSheetView::save() {
             else
                 setErrorMessage(failure);
         });
-    connect(work, &QObject::destroyed, this, [this] {
+    connect(m_work, &QObject::destroyed, this, [this] {
         m_isSaving = false;
         update();
     });

@@ -2,6 +2,8 @@
 
 #include "CopySheet.h"
 
+#include <QPointer>
+
 #include <memory>
 
 class PDFDocument;
@@ -34,4 +36,5 @@ private:
     QLineEdit* m_confirmPassword;
     QLabel* m_mismatch;
     bool m_isSaving = false;
+    QPointer<QObject> m_work; ///< null unless it saves
 };

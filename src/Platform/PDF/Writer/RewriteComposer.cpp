@@ -3,6 +3,7 @@
 #include "AppearanceRecorder.h"
 #include "DocumentContents.h"
 #include "FieldImporter.h"
+#include "FileEncryption.h"
 #include "FormFields.h"
 #include "InformationWriter.h"
 #include "LayerImporter.h"
@@ -38,6 +39,7 @@
 #include <map>
 #include <memory>
 #include <new>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <vector>
@@ -201,8 +203,8 @@ SourceFiles::Ahead Rewriting::openAhead() const {
 
 /// True when nothing is going to look into the links of a file one by one.
 bool Rewriting::takesLinks() const {
-    return isPlain() && std::none_of(m_contents.pages.begin(), m_contents.pages.end(),
-                                     [](const auto& page) { return page.modified && page.page->annotationsLoaded(); });
+    return std::none_of(m_contents.pages.begin(), m_contents.pages.end(),
+                        [](const auto& page) { return page.modified && page.page->annotationsLoaded(); });
 }
 
 bool Rewriting::isInDoubt() const {
@@ -266,7 +268,7 @@ void Rewriting::findPages() {
 bool Rewriting::areTextsEnough() const {
     const auto own =
         std::count_if(m_pages.begin(), m_pages.end(), [](const OutputPage& page) { return !page.imported; });
-    return m_main && isPlain() && !m_contents.base->wasRepaired() && !m_main->pdf().isEncrypted() &&
+    return m_main && !m_contents.base->wasRepaired() && !m_main->pdf().isEncrypted() &&
            int(own) == m_contents.base->pageCount() && m_importer->announced().count(m_contents.base) == 0 &&
            std::none_of(m_contents.pages.begin(), m_contents.pages.end(),
                         [](const DocumentContents::Page& page) { return page.modified; });
@@ -381,7 +383,15 @@ void Rewriting::write(QIODevice& device) {
     std::string version;
     for (SourceFiles::Foreign* file : m_files->opened())
         version = std::max(version, file->file.pdf().getPDFVersion());
-    if (isPlain() && m_main && !m_contents.base->wasRepaired() && ReachableWriter::write(*m_objects, version, device))
+    const std::string user = checkedPassword(m_options.userPassword);
+    const std::string owner = checkedPassword(m_options.ownerPassword);
+    // Without an owner's password anybody would be taken for the owner.
+    const std::string& ownerOrUser = owner.empty() ? user : owner;
+    std::optional<FileEncryption> encryption;
+    if (!isPlain())
+        encryption.emplace(user, ownerOrUser);
+    if (m_main && !m_contents.base->wasRepaired() &&
+        ReachableWriter::write(*m_objects, version, encryption ? &*encryption : nullptr, device))
         return;
     m_objects->buildTexts();
     m_objects->buildLinks();
@@ -400,11 +410,7 @@ void Rewriting::write(QIODevice& device) {
     // What is recorded or marked with a highlighter is transparent.
     writer.setMinimumPDFVersion("1.4");
 
-    const std::string user = checkedPassword(m_options.userPassword);
-    const std::string owner = checkedPassword(m_options.ownerPassword);
-    if (!user.empty() || !owner.empty()) {
-        // Without an owner's password anybody would be taken for the owner.
-        const std::string& ownerOrUser = owner.empty() ? user : owner;
+    if (encryption) {
         writer.setR6EncryptionParameters(user.c_str(), ownerOrUser.c_str(), true, true, true, true, true, true,
                                          qpdf_r3p_full, true);
     } else if (isCopy || !m_objects->pdf().isEncrypted()) {

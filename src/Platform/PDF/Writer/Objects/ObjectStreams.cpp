@@ -59,7 +59,8 @@ bool holdsValues(const ObjectStreams::Stream& stream, const ObjectStreams::Conte
 
 /// Of a stream with `rest` as the other keys of its dictionary.
 QByteArray streamObject(const ObjectStreams::Stream& stream, std::size_t first, const QByteArray& rest,
-                        const QByteArray& bytes) {
+                        const QByteArray& content, const ObjectStreams::Encode& encode) {
+    const QByteArray bytes = encode ? encode(content) : content;
     return QByteArray::number(stream.number) + " 0 obj\n<< /Type /ObjStm /N " +
            QByteArray::number(qsizetype(stream.members.size())) + " /First " + QByteArray::number(qsizetype(first)) +
            rest + " /Length " + QByteArray::number(bytes.size()) + " >>\nstream\n" + bytes + "\nendstream\nendobj\n";
@@ -128,7 +129,8 @@ std::unordered_map<int, QPDFObjGen> ObjectStreams::pagesOfPlaces(QPDF& pdf) {
     return pages;
 }
 
-QByteArray ObjectStreams::unchanged(const Stream& stream, const Content& content, const Value& value) {
+QByteArray ObjectStreams::unchanged(const Stream& stream, const Content& content, const Value& value,
+                                    const Encode& encode) {
     if (!holdsValues(stream, content, value))
         return {};
     QByteArray rest;
@@ -143,10 +145,10 @@ QByteArray ObjectStreams::unchanged(const Stream& stream, const Content& content
     if (refers)
         return {};
     const std::string_view bytes = view(*content.packed);
-    return streamObject(stream, content.first, rest, {bytes.data(), qsizetype(bytes.size())});
+    return streamObject(stream, content.first, rest, {bytes.data(), qsizetype(bytes.size())}, encode);
 }
 
-QByteArray ObjectStreams::packed(const Stream& stream, const Value& value) {
+QByteArray ObjectStreams::packed(const Stream& stream, const Value& value, const Encode& encode) {
     QByteArray header;
     QByteArray objects;
     for (const int number : stream.members) {
@@ -154,5 +156,5 @@ QByteArray ObjectStreams::packed(const Stream& stream, const Value& value) {
         objects += QByteArray::fromStdString(value(number)) + '\n';
     }
     const QByteArray bytes = qCompress(header + objects).mid(4); // Qt puts the length before the zlib data
-    return streamObject(stream, std::size_t(header.size()), " /Filter /FlateDecode", bytes);
+    return streamObject(stream, std::size_t(header.size()), " /Filter /FlateDecode", bytes, encode);
 }

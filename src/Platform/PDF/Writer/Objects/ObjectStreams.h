@@ -44,12 +44,16 @@ struct Content {
 /// it takes to read the objects.
 [[nodiscard]] std::unordered_map<int, QPDFObjGen> pagesOfPlaces(QPDF& pdf);
 
+/// What becomes of the content of a stream when it is written; none leaves it.
+using Encode = std::function<QByteArray(const QByteArray& content)>;
+
 /// The bytes of the stream's object when they may be taken over: they hold the members, each with the value that
 /// `value` gives for its number, one after the other. Empty otherwise.
 [[nodiscard]] QByteArray unchanged(const Stream& stream, const Content& content,
-                                   const std::function<const std::string&(int number)>& value);
+                                   const std::function<const std::string&(int number)>& value, const Encode& encode);
 
 /// The bytes of a new one.
-[[nodiscard]] QByteArray packed(const Stream& stream, const std::function<const std::string&(int number)>& value);
+[[nodiscard]] QByteArray packed(const Stream& stream, const std::function<const std::string&(int number)>& value,
+                                const Encode& encode);
 
 } // namespace ObjectStreams

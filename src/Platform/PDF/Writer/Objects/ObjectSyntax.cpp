@@ -280,3 +280,22 @@ std::string ObjectSyntax::withReferences(std::string_view value,
     });
     return text.append(value, done);
 }
+
+std::string ObjectSyntax::withStrings(std::string_view value,
+                                      const std::function<std::string(const std::string& string)>& replacement) {
+    std::string text;
+    text.reserve(value.size());
+    for (std::size_t at = 0; at < value.size();) {
+        if (value.substr(at, 2) == "<<") {
+            text += "<<";
+            at += 2;
+        } else if (value[at] == '(' || value[at] == '<') {
+            const std::size_t end = endOfString(value, at);
+            text += replacement(QPDFObjectHandle::parse(std::string(value.substr(at, end - at))).getStringValue());
+            at = end;
+        } else {
+            text += value[at++];
+        }
+    }
+    return text;
+}

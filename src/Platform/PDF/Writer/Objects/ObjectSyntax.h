@@ -36,4 +36,8 @@ void forEachReference(std::string_view value, const std::function<void(QPDFObjGe
 [[nodiscard]] std::string withReferences(std::string_view value,
                                          const std::function<QPDFObjectHandle(QPDFObjGen)>& replacement);
 
+/// A value as QPDF writes it, with what `replacement` gives for the bytes of each of its strings in their places.
+[[nodiscard]] std::string withStrings(std::string_view value,
+                                      const std::function<std::string(const std::string& string)>& replacement);
+
 } // namespace ObjectSyntax
