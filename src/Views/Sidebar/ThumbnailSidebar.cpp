@@ -85,6 +85,11 @@ QWidget* ThumbnailSidebar::makeHeader() {
                                [this] { mergeMultipleFiles(); }));
     menu->addAction(
         addCommand(QStringLiteral("splitDocument"), QStringLiteral("Split Document…"), [this] { splitDocument(); }));
+    menu->addSection(QStringLiteral("Document"));
+    menu->addAction(
+        addCommand(QStringLiteral("editMetadata"), QStringLiteral("Edit Metadata…"), [this] { editMetadata(); }));
+    menu->addAction(
+        addCommand(QStringLiteral("editBookmarks"), QStringLiteral("Edit Bookmarks…"), [this] { editBookmarks(); }));
     menu->addSection(QStringLiteral("Optimize"));
     menu->addAction(addCommand(QStringLiteral("compressDocument"), QStringLiteral("Compress PDF…"),
                                [this] { compressDocument(); }));

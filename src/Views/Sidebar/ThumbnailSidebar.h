@@ -20,6 +20,7 @@ class PDFSource;
 class PDFViewCoordinator;
 class CopySheet;
 class QAction;
+class QDialog;
 class QLabel;
 class QMessageBox;
 class QMimeData;
@@ -64,6 +65,9 @@ public:
     void compressDocument();
     void setPassword();
     void removePassword();
+    // Each opens its sheet over the window.
+    void editMetadata();
+    void editBookmarks();
     void extractPages(const PageIndices& indices);
     void deletePages(const PageIndices& indices);
     /// Into the gap before the page at `gap`, from 0 to the number of pages.
@@ -109,6 +113,7 @@ private:
     /// What the names of its copies begin with.
     [[nodiscard]] QString baseName() const;
     void showSheet(CopySheet* sheet);
+    void openSheet(QDialog* sheet);
     void saveMerged(const Documents& documents);
     void showAlert(const PageAlert& alert, const QString& symbolName = QStringLiteral("exclamationmark.triangle"));
     /// After a command has changed pages.
@@ -123,5 +128,6 @@ private:
     QPersistentModelIndex m_lastClicked; ///< where a selection with Shift begins
     std::optional<PageAlert> m_alert;
     QPointer<QMessageBox> m_alertBox;
+    QPointer<QDialog> m_activeSheet;             ///< null unless one is open
     QPointer<RecognitionProgress> m_recognition; ///< null unless one runs
 };

@@ -18,12 +18,15 @@ struct Property {
     QLatin1String container; ///< the kind of list around the value; empty for plain text
 };
 
+/// All of them in one text, beside the list of them or alone; often an attribute of the description.
+const Property keywords{QLatin1String("Keywords"), QLatin1String("pdf:Keywords"), QLatin1String()};
+
 const Property properties[] = {
     {QLatin1String("Title"), QLatin1String("dc:title"), QLatin1String("rdf:Alt")},
     {QLatin1String("Author"), QLatin1String("dc:creator"), QLatin1String("rdf:Seq")},
     {QLatin1String("Subject"), QLatin1String("dc:description"), QLatin1String("rdf:Alt")},
     {QLatin1String("Keywords"), QLatin1String("dc:subject"), QLatin1String("rdf:Bag")},
-    {QLatin1String("Keywords"), QLatin1String("pdf:Keywords"), QLatin1String()},
+    keywords,
     {QLatin1String("ModDate"), QLatin1String("xmp:ModifyDate"), QLatin1String()},
     {QLatin1String("ModDate"), QLatin1String("xmp:MetadataDate"), QLatin1String()},
     {QLatin1String("Thumbnails"), QLatin1String("xmp:Thumbnails"), QLatin1String()},
@@ -96,7 +99,7 @@ QStringList textsOf(QXmlStreamReader& reader) {
 void addAttribute(QVariantMap& attributes, const Property& property, const QStringList& texts) {
     if (texts.isEmpty() || attributes.contains(property.attribute))
         return;
-    if (property.attribute == QLatin1String("Keywords"))
+    if (property.attribute == keywords.attribute)
         attributes.insert(property.attribute, texts);
     else
         attributes.insert(property.attribute, property.container == QLatin1String("rdf:Alt")
@@ -104,10 +107,20 @@ void addAttribute(QVariantMap& attributes, const Property& property, const QStri
                                                   : texts.join(QStringLiteral(", ")));
 }
 
+/// Keywords in one text, as the information dictionary has them.
+QStringList partsOf(const QString& text) {
+    QStringList parts;
+    for (const QString& part : QString(text).replace(u';', u',').split(u','))
+        if (!part.trimmed().isEmpty())
+            parts.append(part.trimmed());
+    return parts;
+}
+
 } // namespace
 
 QVariantMap XmpPacket::attributes(const QByteArray& packet) {
     QVariantMap attributes;
+    QStringList keywordTexts;
     if (packet.size() > largestPacket)
         return attributes;
     QXmlStreamReader reader(packet);
@@ -117,6 +130,11 @@ QVariantMap XmpPacket::attributes(const QByteArray& packet) {
             return {};
         if (!reader.isStartElement())
             continue;
+        keywordTexts += partsOf(reader.attributes().value(keywords.name).toString());
+        if (reader.qualifiedName() == keywords.name) {
+            keywordTexts += partsOf(textsOf(reader).join(u','));
+            continue;
+        }
         const auto* const property =
             std::find_if(std::begin(properties), std::end(properties), [&reader](const Property& each) {
                 return reader.qualifiedName() == each.name && !each.container.isEmpty();
@@ -124,6 +142,7 @@ QVariantMap XmpPacket::attributes(const QByteArray& packet) {
         if (property != std::end(properties))
             addAttribute(attributes, *property, textsOf(reader));
     }
+    addAttribute(attributes, keywords, keywordTexts);
     return reader.hasError() ? QVariantMap() : attributes;
 }
 

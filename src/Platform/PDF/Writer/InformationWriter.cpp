@@ -103,10 +103,7 @@ QStringList writeAttributes(const QVariantMap& attributes, QPDFObjectHandle info
         objects.set(information, key, object(attribute.value()));
         changed.append(attribute.key());
     }
-    for (const QString& key : XmpPacket::keys())
-        if (!attributes.contains(key))
-            changed.append(key); // the metadata may have it alone
-    return changed;
+    return changed + XmpPacket::keys(); // of which the metadata may have said something else all along
 }
 
 } // namespace

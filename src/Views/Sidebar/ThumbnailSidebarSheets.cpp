@@ -1,0 +1,26 @@
+#include "BookmarksEditorView.h"
+#include "MetadataEditorView.h"
+#include "PDFEditorDocument.h"
+#include "ThumbnailSidebar.h"
+
+#include <QDialog>
+
+void ThumbnailSidebar::openSheet(QDialog* sheet) {
+    m_activeSheet = sheet;
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    sheet->open();
+}
+
+void ThumbnailSidebar::editMetadata() {
+    if (m_activeSheet)
+        return;
+    m_document->commitEditing();
+    openSheet(new MetadataEditorView(m_document, window()));
+}
+
+void ThumbnailSidebar::editBookmarks() {
+    if (m_activeSheet)
+        return;
+    m_document->commitEditing();
+    openSheet(new BookmarksEditorView(m_document, m_coordinator, window()));
+}
