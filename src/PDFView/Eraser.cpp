@@ -8,6 +8,10 @@
 #include "ToolState.h"
 #include "UndoManager.h"
 
+#include <QImage>
+#include <QPainter>
+#include <QPainterPath>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -69,14 +73,37 @@ void Eraser::eraseAnnotation(QPointF viewPoint) {
     const bool isPrecise = state && state->eraserMode() == EraserMode::precise;
     const auto before = page->annotations(); // the pieces of a stroke are not looked at again
     for (const std::shared_ptr<PDFAnnotation>& annotation : before) {
-        const double r = circle.radius;
-        if (!annotation->bounds().adjusted(-r, -r, r, r).contains(circle.center))
+        if (!isTouched(annotation, circle))
             continue;
         if (isPrecise && annotation->type() == PDFAnnotationSubtype::ink)
             splitInkAnnotation(annotation, page, circle);
         else
             remove(annotation, page);
     }
+}
+
+bool Eraser::isTouched(const std::shared_ptr<PDFAnnotation>& annotation, const Circle& circle) {
+    const double r = circle.radius;
+    if (!annotation->bounds().adjusted(-r, -r, r, r).contains(circle.center))
+        return false;
+    if (!annotation->coversPage())
+        return true;
+    const int side = int(std::ceil(2 * r)); // pixels, of a picture of what is beneath the eraser
+    QImage picture(side, side, QImage::Format_Alpha8);
+    picture.fill(0);
+    QPainter painter(&picture);
+    QPainterPath touched;
+    touched.addEllipse(picture.rect());
+    painter.setClipPath(touched);
+    painter.translate(side / 2.0, side / 2.0);
+    painter.scale(1, -1);
+    painter.translate(-circle.center);
+    PDFAnnotation::drawAll({&annotation, 1}, PDFDisplayBox::cropBox, painter);
+    painter.end();
+    for (int y = 0; y < side; ++y)
+        if (const uchar* row = picture.constScanLine(y); std::any_of(row, row + side, [](uchar a) { return a > 0; }))
+            return true;
+    return false;
 }
 
 void Eraser::splitInkAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, const std::shared_ptr<PDFPage>& page,

@@ -10,7 +10,8 @@ class PDFPage;
 class UndoManager;
 
 /// Takes annotations off the page where the pointer touches them, or cuts strokes apart. What counts is the bounds of
-/// an annotation, and it may be one that was in the file already. Main thread only.
+/// an annotation, and it may be one that was in the file already; what covers the whole page, such as a watermark, goes
+/// where its letters are touched. Main thread only.
 class Eraser {
 public:
     /// `view` must outlive the eraser.
@@ -32,6 +33,8 @@ private:
     };
     void splitInkAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, const std::shared_ptr<PDFPage>& page,
                             const Circle& circle);
+    /// Whether it is to be erased there: a stamp over the whole page only where it shows something.
+    [[nodiscard]] static bool isTouched(const std::shared_ptr<PDFAnnotation>& annotation, const Circle& circle);
     void remove(const std::shared_ptr<PDFAnnotation>& annotation, const std::shared_ptr<PDFPage>& page);
 
     AnnotatingPDFView& m_view;

@@ -2,6 +2,7 @@
 #include "InkPath.h"
 #include "PdfPrograms.h"
 #include "ViewerTest.h"
+#include "WatermarkAnnotation.h"
 
 #include <QPointingDevice>
 #include <QTabletEvent>
@@ -61,6 +62,23 @@ TEST_F(EraserTest, wholeStrokesGoWhereTheirBoundsAreTouched) {
     EXPECT_EQ(annotations().size(), 3U) << "the radius is never below 1";
     erase(1, EraserMode::wholeStroke, {399.5, 620});
     EXPECT_EQ(annotations().size(), 2U);
+}
+
+TEST_F(EraserTest, aWatermarkLeavesWhatIsBeneathToTheEraserAndGoesWhereItsLettersAre) {
+    for (const bool isOfTheFile : {false, true}) {
+        const QRectF seen = page()->bounds(PDFDisplayBox::cropBox);
+        page()->addAnnotation(std::make_shared<WatermarkAnnotation>(QStringLiteral("HHHH"), 0.1, seen));
+        if (isOfTheFile)
+            show(PDFDocument::fromData(m_document->dataRepresentation()));
+        const auto watermark = annotations().back();
+        addStroke({{100, 500}, {200, 500}});
+        erase(10, EraserMode::wholeStroke, {150, 500});
+        EXPECT_EQ(annotations(), std::vector{watermark});
+        erase(10, EraserMode::precise, seen.center() + QPointF(100, -100));
+        EXPECT_EQ(annotations(), std::vector{watermark});
+        erase(40, EraserMode::precise, seen.center() + QPointF(20, 20));
+        EXPECT_TRUE(annotations().empty());
+    }
 }
 
 TEST_F(EraserTest, aStrokeIsCutWhereTheCirclePasses) {

@@ -264,6 +264,14 @@ void PDFAnnotation::setDestination(const std::optional<PDFDestination>& destinat
     noteChange(drawnArea());
 }
 
+bool PDFAnnotation::coversPage() const {
+    constexpr double rounding = 1; // page units, of boxes in files
+    const auto holder = page();
+    return holder && m_values.type == PDFAnnotationSubtype::stamp &&
+           m_values.bounds.adjusted(-rounding, -rounding, rounding, rounding)
+               .contains(holder->bounds(PDFDisplayBox::cropBox));
+}
+
 bool PDFAnnotation::shouldDisplay() const {
     return (m_values.flags & (hiddenFlag | noViewFlag)) == 0;
 }

@@ -4,6 +4,8 @@
 #include "PDFAnnotationSubtype.h"
 #include "PDFAnnotationValues.h"
 
+#include <QByteArray>
+
 #include <memory>
 #include <optional>
 #include <span>
@@ -137,6 +139,13 @@ public:
     /// True for a kind whose look must be recorded from `draw` when it is saved, since no hand-made appearance of the
     /// standard subtype would match it.
     [[nodiscard]] virtual bool hasCustomAppearance() const { return false; }
+
+    /// For a kind that is put on many pages: two of them with the same text here, which isn't empty, draw the same
+    /// within bounds of the same size, and share one appearance in the file.
+    [[nodiscard]] virtual QByteArray sharedLook() const { return {}; }
+
+    /// True for a stamp over all that is seen of its page, such as a watermark: a pointer there means what is beneath.
+    [[nodiscard]] bool coversPage() const;
 
     /// A new annotation with the same values and origin, on no page. It shares nothing that drawing changes, so that
     /// the copy may be drawn on one thread while this one is drawn on another.

@@ -223,7 +223,7 @@ std::shared_ptr<PDFAnnotation> PDFPage::annotation(QPointF point) const {
     const auto& all = annotations();
     const auto found = std::find_if(all.rbegin(), all.rend(), [point](const auto& candidate) {
         return candidate->shouldDisplay() && candidate->type() != PDFAnnotationSubtype::popup &&
-               candidate->bounds().contains(point);
+               candidate->bounds().contains(point) && !candidate->coversPage();
     });
     return found == all.rend() ? nullptr : *found;
 }

@@ -126,7 +126,8 @@ public:
     void insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, int index);
     /// Does nothing when the annotation isn't on this page. Returns the place that it had, or -1.
     int removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation);
-    /// The topmost annotation whose bounds hold the point and that isn't hidden; null when there is none.
+    /// The topmost annotation whose bounds hold the point and that neither is hidden nor covers the page; null when
+    /// there is none.
     [[nodiscard]] std::shared_ptr<PDFAnnotation> annotation(QPointF point) const;
 
     /// True once annotations have been read, so that asking for them costs nothing.

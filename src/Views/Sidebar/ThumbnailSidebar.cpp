@@ -90,6 +90,8 @@ QWidget* ThumbnailSidebar::makeHeader() {
         addCommand(QStringLiteral("editMetadata"), QStringLiteral("Edit Metadata…"), [this] { editMetadata(); }));
     menu->addAction(
         addCommand(QStringLiteral("editBookmarks"), QStringLiteral("Edit Bookmarks…"), [this] { editBookmarks(); }));
+    menu->addAction(
+        addCommand(QStringLiteral("addWatermark"), QStringLiteral("Add Watermark…"), [this] { addWatermark(); }));
     menu->addSection(QStringLiteral("Optimize"));
     menu->addAction(addCommand(QStringLiteral("compressDocument"), QStringLiteral("Compress PDF…"),
                                [this] { compressDocument(); }));

@@ -68,6 +68,7 @@ public:
     // Each opens its sheet over the window.
     void editMetadata();
     void editBookmarks();
+    void addWatermark();
     void extractPages(const PageIndices& indices);
     void deletePages(const PageIndices& indices);
     /// Into the gap before the page at `gap`, from 0 to the number of pages.

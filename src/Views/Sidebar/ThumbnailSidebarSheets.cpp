@@ -2,6 +2,8 @@
 #include "MetadataEditorView.h"
 #include "PDFEditorDocument.h"
 #include "ThumbnailSidebar.h"
+#include "UndoManager.h"
+#include "WatermarkSheetView.h"
 
 #include <QDialog>
 
@@ -23,4 +25,11 @@ void ThumbnailSidebar::editBookmarks() {
         return;
     m_document->commitEditing();
     openSheet(new BookmarksEditorView(m_document, m_coordinator, window()));
+}
+
+void ThumbnailSidebar::addWatermark() {
+    if (m_activeSheet)
+        return;
+    m_document->commitEditing();
+    openSheet(new WatermarkSheetView(m_document, m_document->undoManager().get(), window()));
 }

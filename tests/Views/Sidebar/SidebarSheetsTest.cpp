@@ -6,6 +6,8 @@
 #include "PDFTools.h"
 #include "PDFViewCoordinator.h"
 #include "SidebarTest.h"
+#include "WatermarkAnnotation.h"
+#include "WatermarkSheetView.h"
 
 #include <QAction>
 #include <QJsonObject>
@@ -13,6 +15,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QSlider>
 
 #include <algorithm>
 
@@ -142,5 +145,32 @@ TEST_F(SidebarSheetsTest, bookmarksAreAddedRenamedMovedDeletedAndUndone) {
     for (int step = 0; step < 6; ++step)
         undo();
     EXPECT_EQ(bookmarks(), QString());
+    EXPECT_FALSE(m_document->isDocumentEdited());
+}
+
+TEST_F(SidebarSheetsTest, aWatermarkIsAppliedUnlessItsTextIsBlank) {
+    openPages(3);
+    const QPointer sheet = openSheet<WatermarkSheetView>("addWatermark");
+    auto* text = find<QLineEdit>(*sheet, QStringLiteral("watermarkText"));
+    EXPECT_EQ(text->text(), QStringLiteral("CONFIDENTIAL"));
+    text->setText(QStringLiteral(" \t "));
+    EXPECT_FALSE(find<QPushButton>(*sheet, QStringLiteral("applyWatermark"))->isEnabled());
+    QTest::keyClick(text, Qt::Key_Return);
+    ASSERT_TRUE(sheet);
+    text->setText(QStringLiteral(" DRAFT "));
+    auto* opacity = find<QSlider>(*sheet, QStringLiteral("watermarkOpacity"));
+    EXPECT_EQ(opacity->value(), 25);
+    opacity->setValue(40);
+    QTest::keyClick(text, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !sheet; }));
+    for (int i = 0; i < 3; ++i) {
+        const auto stamp =
+            std::dynamic_pointer_cast<WatermarkAnnotation>(m_document->pdfDocument()->page(i)->annotations().at(0));
+        ASSERT_TRUE(stamp);
+        EXPECT_EQ(stamp->text(), QStringLiteral(" DRAFT "));
+        EXPECT_EQ(stamp->opacity(), 0.4);
+    }
+    undo();
+    EXPECT_EQ(annotationCount(), 0U);
     EXPECT_FALSE(m_document->isDocumentEdited());
 }

@@ -2,11 +2,14 @@
 
 #include "CrossReferences.h"
 #include "ObjectStore.h"
+#include "ObjectStreams.h"
 
 #include <QCryptographicHash>
 #include <QRegularExpression>
 
 #include <set>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -53,6 +56,24 @@ qint64 firstVersionEnd(const QByteArray& file, qint64 lastOffset) {
     // A file for fast web view has two sections from the start, the older of them at its end.
     const qsizetype end = file.indexOf("%%EOF", oldest);
     return end < 0 ? file.size() : end + 5;
+}
+
+/// Few objects take more room packed than as they are.
+constexpr std::size_t fewestPacked = 16;
+constexpr std::size_t packedTogether = 100;
+
+/// Streams to pack the objects in that may stand in one, numbered from `number` on.
+std::vector<ObjectStreams::Stream> packable(const UpdateObjects& objects, int number) {
+    std::vector<ObjectStreams::Stream> streams;
+    std::size_t count = 0;
+    for (const auto& [id, entry] : objects.entries()) {
+        if (entry.bytes || id.getGen() != 0)
+            continue;
+        if (count++ % packedTogether == 0)
+            streams.push_back({number++, {}});
+        streams.back().members.push_back(id.getObj());
+    }
+    return count < fewestPacked ? std::vector<ObjectStreams::Stream>() : streams;
 }
 
 QByteArray serialized(QPDFObjGen id, const UpdateObjects::Entry& entry) {
@@ -111,13 +132,29 @@ QByteArray IncrementalUpdate::compose(const QByteArray& file, const Sections& se
     using enum CrossReferences::Place::Kind;
     QByteArray update = file.endsWith('\n') || file.endsWith('\r') ? "" : "\n";
     CrossReferences::Places places;
+    int number = objects.size();
+    if (sections.isStream) {
+        std::string text;
+        const auto value = [&](int member) -> const std::string& {
+            QPDFObjectHandle object = objects.entries().at(QPDFObjGen(member, 0)).object;
+            return text = object.unparseResolved();
+        };
+        for (const ObjectStreams::Stream& stream : packable(objects, number)) {
+            places[stream.number] = {inFile, file.size() + update.size(), 0};
+            for (std::size_t i = 0; i < stream.members.size(); ++i)
+                places[stream.members[i]] = {inObjectStream, stream.number, int(i)};
+            update += ObjectStreams::packed(stream, value);
+            number = stream.number + 1;
+        }
+    }
     for (const auto& [id, entry] : objects.entries()) {
+        if (places.count(id.getObj()) > 0)
+            continue; // packed
         places[id.getObj()] = {inFile, file.size() + update.size(), id.getGen()};
         update += serialized(id, entry);
     }
     const QByteArray fingerprint = QCryptographicHash::hash(update, QCryptographicHash::Md5);
     const qint64 offset = file.size() + update.size();
-    const int number = objects.size();
     if (sections.isStream) {
         places[number] = {inFile, offset, 0};
         update += CrossReferences::streamObject(places, number,

@@ -54,6 +54,17 @@ void AppearanceRecorder::record(const PDFAnnotation& annotation, QPDFObjectHandl
 }
 
 void AppearanceRecorder::record(const PDFAnnotation& annotation, QPDFObjectHandle dictionary, const QRectF& bounds) {
+    const std::optional<PDFAnnotationFrame>& frame = annotation.values().frame;
+    const int turn = frame ? frame->turn : 0;
+    if (QByteArray look = annotation.sharedLook(); !look.isEmpty()) {
+        for (const double part : {bounds.width(), bounds.height(), double(turn)})
+            look += ' ' + PdfValues::real(part);
+        const auto [known, isNew] = m_shared.try_emplace(look, m_recordings.size());
+        if (!isNew) {
+            m_recordings[known->second].dictionaries.push_back(dictionary);
+            return;
+        }
+    }
     const QSize page = pageSizeFor(bounds.size());
     const QPageSize pageSize(page, QPageSize::Point, QString(), QPageSize::ExactMatch);
     if (!m_writer) {
@@ -72,8 +83,7 @@ void AppearanceRecorder::record(const PDFAnnotation& annotation, QPDFObjectHandl
                                       (page.height() + bounds.top()) * dotsPerPoint));
     annotation.draw(PDFDisplayBox::mediaBox, m_painter);
     m_painter.restore();
-    const std::optional<PDFAnnotationFrame>& frame = annotation.values().frame;
-    m_recordings.push_back({dictionary, bounds.size(), frame ? frame->turn : 0});
+    m_recordings.push_back({{dictionary}, bounds.size(), turn});
 }
 
 void AppearanceRecorder::finish() {
@@ -106,9 +116,12 @@ void AppearanceRecorder::finish() {
             form.replaceKey("/Resources", QPDFObjectHandle::newDictionary());
             look = m_objects.addStream(form, {});
         }
-        QPDFObjectHandle appearances = QPDFObjectHandle::newDictionary();
-        appearances.replaceKey("/N", look);
-        recording.dictionary.replaceKey("/AP", appearances);
+        for (QPDFObjectHandle& dictionary : recording.dictionaries) {
+            QPDFObjectHandle appearances = QPDFObjectHandle::newDictionary();
+            appearances.replaceKey("/N", look);
+            dictionary.replaceKey("/AP", appearances);
+        }
     }
     m_recordings.clear();
+    m_shared.clear();
 }

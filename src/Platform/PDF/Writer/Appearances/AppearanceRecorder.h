@@ -5,6 +5,7 @@
 #include <QBuffer>
 #include <QPainter>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -31,7 +32,7 @@ public:
 
 private:
     struct Recording {
-        QPDFObjectHandle dictionary;
+        std::vector<QPDFObjectHandle> dictionaries; ///< more than one where they share a look
         QSizeF size;
         int turn; // degrees anticlockwise against the page
     };
@@ -41,5 +42,6 @@ private:
     std::unique_ptr<QPdfWriter> m_writer;
     QPainter m_painter;
     std::vector<Recording> m_recordings;
-    QPDF m_recorded; // open until the file is written, since streams are copied then
+    std::map<QByteArray, std::size_t> m_shared; // recordings by `PDFAnnotation::sharedLook`, size and turn
+    QPDF m_recorded;                            // open until the file is written, since streams are copied then
 };

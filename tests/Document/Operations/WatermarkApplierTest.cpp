@@ -1,0 +1,196 @@
+#include "WatermarkApplier.h"
+
+#include "PDFAnnotation.h"
+#include "PDFDocument.h"
+#include "PDFEditorDocument.h"
+#include "PDFPage.h"
+#include "PdfFixtures.h"
+#include "PdfPrograms.h"
+#include "ThumbnailCache.h"
+#include "UndoManager.h"
+#include "WatermarkAnnotation.h"
+
+#include <QCoreApplication>
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+struct PageKind {
+    const char* name;
+    QSizeF seen; ///< points, as the page is shown
+    std::vector<std::pair<const char*, const char*>> keys;
+};
+const PageKind pageKinds[] = {
+    {"plain", {612, 792}, {}},
+    {"turned", {792, 612}, {{"/Rotate", "90"}}},
+    {"a box elsewhere", {400, 300}, {{"/MediaBox", "[-500 2000 -100 2300]"}}},
+    {"cropped", {300, 500}, {{"/MediaBox", "[-50 20 562 812]"}, {"/CropBox", "[200 300 500 800]"}}},
+    {"cropped and turned",
+     {500, 300},
+     {{"/MediaBox", "[-50 20 562 812]"}, {"/CropBox", "[200 300 500 800]"}, {"/Rotate", "270"}}},
+    {"large units", {600, 400}, {{"/MediaBox", "[0 0 200 300]"}, {"/UserUnit", "2"}, {"/Rotate", "90"}}},
+    {"no box", {612, 792}, {{"/MediaBox", "null"}}},
+    {"small", {100, 100}, {{"/MediaBox", "[0 0 100 100]"}}},
+};
+
+/// Where the dark parts of a picture are, as shares of its sides, and how they run: below zero for what rises to the
+/// right.
+struct Mark {
+    double pixels = 0;
+    QPointF middle;
+    double run = 0;
+
+    static Mark in(const QImage& picture) {
+        Mark mark;
+        std::vector<QPointF> dark;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (qGray(picture.pixel(x, y)) < 200)
+                    dark.emplace_back(x, y);
+        mark.pixels = double(dark.size());
+        for (const QPointF& point : dark)
+            mark.middle += point / mark.pixels;
+        for (const QPointF& point : dark)
+            mark.run += (point.x() - mark.middle.x()) * (point.y() - mark.middle.y()) / mark.pixels;
+        mark.middle = {mark.middle.x() / picture.width(), mark.middle.y() / picture.height()};
+        return mark;
+    }
+};
+
+/// A page as another program sees it, a pixel for a point; `number` from 1.
+QImage seenBy(const QString& program, const QByteArray& file, int number) {
+    const QString page = QString::number(number);
+    QStringList arguments{QStringLiteral("-cropbox"),
+                          QStringLiteral("-r"),
+                          QStringLiteral("72"),
+                          QStringLiteral("-f"),
+                          page,
+                          QStringLiteral("-l"),
+                          page,
+                          QStringLiteral("-singlefile"),
+                          QStringLiteral("FILE")};
+    if (program == QLatin1String("mutool"))
+        arguments = {QStringLiteral("draw"), QStringLiteral("-r"),   QStringLiteral("72"),
+                     QStringLiteral("-F"),   QStringLiteral("ppm"),  QStringLiteral("-o"),
+                     QStringLiteral("-"),    QStringLiteral("FILE"), page};
+    return QImage::fromData(PdfPrograms::run(program, arguments, file).output, "PPM");
+}
+
+qsizetype countOf(const QByteArray& bytes, const char* part) {
+    return bytes.count(part);
+}
+
+class WatermarkApplierTest : public testing::Test {
+protected:
+    void open(const QByteArray& file) { m_document.setPdfDocument(PDFDocument::fromData(file)); }
+    [[nodiscard]] PDFDocument& pdf() const { return *m_document.pdfDocument(); }
+    [[nodiscard]] std::size_t stamps() const {
+        std::size_t count = 0;
+        for (int i = 0; i < pdf().pageCount(); ++i)
+            count += pdf().page(i)->annotations().size();
+        return count;
+    }
+
+    PDFEditorDocument m_document;
+};
+
+} // namespace
+
+TEST_F(WatermarkApplierTest, risesToTheRightInTheMiddleOfWhatIsSeenInEveryProgram) {
+    PdfFixture fixture;
+    for (int i = 0; i < int(std::size(pageKinds)); ++i) {
+        fixture.addPageWithContent("", "<< >>", {612, 792});
+        for (const auto& [key, value] : pageKinds[i].keys)
+            fixture.setPageKey(i, key, value);
+    }
+    open(fixture.bytes());
+    WatermarkApplier::apply(QStringLiteral("NÑM"), 1, m_document, nullptr);
+    const QByteArray saved = pdf().dataRepresentation();
+    EXPECT_EQ(PdfPrograms::complaints(saved), "");
+    for (int i = 0; i < int(std::size(pageKinds)); ++i) {
+        const PageKind& kind = pageKinds[i];
+        const QSizeF size = pdf().page(i)->displaySize(PDFDisplayBox::cropBox);
+        ASSERT_EQ(size, kind.seen) << kind.name;
+        const Mark ours = Mark::in(pdf().page(i)->thumbnail(size.toSize(), PDFDisplayBox::cropBox));
+        const double letters = WatermarkAnnotation::fontSize(size);
+        EXPECT_GT(ours.pixels, letters * letters * 0.5) << kind.name;
+        for (const char* program : {"here", "mutool", "pdftoppm"}) {
+            const bool isHere = qstrcmp(program, "here") == 0;
+            const QImage picture = isHere ? QImage() : seenBy(QLatin1String(program), saved, i + 1);
+            const Mark mark = isHere ? ours : Mark::in(picture);
+            const std::string where = std::string(kind.name) + ", " + program;
+            const bool knowsUnits = isHere || picture.size() == size.toSize();
+            EXPECT_TRUE(knowsUnits || qstrcmp(kind.name, "large units") == 0) << where;
+            EXPECT_NEAR(mark.middle.x(), 0.5, 0.04) << where;
+            EXPECT_NEAR(mark.middle.y(), 0.5, 0.04) << where;
+            EXPECT_LT(mark.run, 0) << where;
+            EXPECT_NEAR(std::sqrt(mark.pixels / ours.pixels), knowsUnits ? 1 : 0.5, 0.06) << where;
+        }
+    }
+}
+
+TEST_F(WatermarkApplierTest, pagesOfOneSizeShareOneLookThatIsPrinted) {
+    constexpr int pageCount = 60;
+    for (const bool packs : {false, true}) {
+        PdfFixture fixture;
+        for (int i = 0; i < pageCount; ++i)
+            fixture.addPage({QStringLiteral("Words")});
+        fixture.setPageKey(3, "/Rotate", "90");
+        fixture.setPageKey(4, "/MediaBox", "[0 0 300 300]");
+        fixture.attach(QStringLiteral("much.bin"), QByteArray(100'000, 'x')); // small files are written anew
+        const QByteArray before = fixture.bytes(packs ? PdfFixture::Style::objectStreams : PdfFixture::Style::classic);
+        open(before);
+        WatermarkApplier::apply(QStringLiteral("DRAFT"), 0.25, m_document, nullptr);
+        const QByteArray saved = pdf().dataRepresentation();
+        EXPECT_EQ(PdfPrograms::complaints(saved), "");
+        EXPECT_EQ(PDFDocument::fromData(saved)->page(59)->annotations().size(), 1U);
+        const QByteArray all = PdfPrograms::unpacked(saved);
+        EXPECT_EQ(countOf(all, "/Subtype /Stamp"), pageCount);
+        EXPECT_EQ(countOf(all, "/F 4\n"), pageCount);
+        EXPECT_EQ(countOf(all, "/Subtype /Form"), 3) << "one for each size and turn";
+        EXPECT_EQ(countOf(all, "/Subtype /Image"), 0);
+        if (packs) {
+            const QByteArray update = saved.mid(before.size());
+            EXPECT_TRUE(saved.startsWith(before));
+            EXPECT_LT(update.size(), qsizetype(pageCount) * 200 + 3 * 4096);
+        }
+    }
+}
+
+TEST_F(WatermarkApplierTest, allGoInOneStepAndARedoIsTheLastWord) {
+    UndoManager& undoManager = *m_document.undoManager();
+    WatermarkApplier::apply(QStringLiteral("DRAFT"), 0.25, m_document, &undoManager);
+    EXPECT_FALSE(undoManager.canUndo()) << "there are no pages";
+    PdfFixture fixture;
+    for (int i = 0; i < 3; ++i)
+        fixture.addPage({QStringLiteral("Words")});
+    open(fixture.bytes());
+    const QByteArray before = pdf().dataRepresentation();
+    int told = 0;
+    QObject::connect(&m_document, &PDFEditorDocument::objectWillChange, [&told] { ++told; });
+    for (const int times : {1, 2}) {
+        ThumbnailCache::insert(QStringLiteral("picture"), QImage(1, 1, QImage::Format_RGB32));
+        WatermarkApplier::apply(QStringLiteral(" DRAFT "), 0.25, m_document, &undoManager);
+        QCoreApplication::processEvents(); // the step ends
+        EXPECT_TRUE(ThumbnailCache::image(QStringLiteral("picture")).isNull());
+        EXPECT_EQ(stamps(), 3U * unsigned(times)) << "a second one comes on top of the first";
+    }
+    undoManager.undo();
+    undoManager.undo();
+    EXPECT_EQ(pdf().dataRepresentation(), before);
+    undoManager.redo();
+    EXPECT_EQ(stamps(), 3U);
+    EXPECT_EQ(told, 5);
+    undoManager.undo();
+    EXPECT_EQ(stamps(), 3U) << "no way back";
+    const auto stamp = std::dynamic_pointer_cast<WatermarkAnnotation>(pdf().page(0)->annotations().front());
+    ASSERT_TRUE(stamp);
+    EXPECT_EQ(stamp->text(), QStringLiteral(" DRAFT "));
+    EXPECT_EQ(pdf().page(0)->annotation({300, 400}), nullptr) << "a pointer means what is beneath";
+    EXPECT_DOUBLE_EQ(WatermarkAnnotation::fontSize({612, 792}), 73.44);
+    EXPECT_DOUBLE_EQ(WatermarkAnnotation::fontSize({100, 792}), 24);
+}
