@@ -124,7 +124,7 @@ TEST_F(PDFCompressorTest, pagesThatCannotBeDrawnAreLeftOutAndNothingIsLeftOfASto
 
 TEST_F(PDFCompressorTest, theSizeIsToldInAdvance) {
     PdfFixture fixture;
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < 16; ++i)
         fixture.addPage(QStringList(10 + i * 7 % 30, QStringLiteral("Some words in a line of text, page %1").arg(i)));
     const auto document = PDFDocument::fromData(fixture.bytes());
     const auto sizes = CompressionEstimate::of(PDFCompressor(*document), {}, std::chrono::minutes(1));
