@@ -1,6 +1,7 @@
 #include "CopySheet.h"
 
 #include "SavePanel.h"
+#include "SheetParts.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>
@@ -8,8 +9,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-static constexpr int margin = 20;
-static constexpr int spacing = 14;
 static constexpr int textWidth = 420;
 
 static QLabel* makeText(const QString& text) {
@@ -20,40 +19,22 @@ static QLabel* makeText(const QString& text) {
     return label;
 }
 
-static QPushButton* makeButton(const QString& title, const QString& name) {
-    auto* button = new QPushButton(title);
-    button->setObjectName(name);
-    button->setAccessibleName(title);
-    button->setAutoDefault(false);
-    return button;
-}
-
 CopySheet::CopySheet(const QString& title, const QString& note, const QString& action, QWidget* parent)
     : QDialog(parent), m_content(new QVBoxLayout), m_error(makeText({})),
-      m_action(makeButton(action, QStringLiteral("makeCopy"))) {
-    setWindowTitle(title);
+      m_action(SheetParts::button(action, QStringLiteral("makeCopy"))) {
     setAccessibleDescription(note);
-    setWindowModality(Qt::WindowModal);
-    setAttribute(Qt::WA_DeleteOnClose);
-    QLabel* heading = makeText(title);
-    QFont bold = heading->font();
-    bold.setBold(true);
-    heading->setFont(bold);
     m_error->setObjectName(QStringLiteral("errorMessage"));
     m_error->hide();
-    auto* cancel = makeButton(QStringLiteral("Cancel"), QStringLiteral("cancel"));
+    auto* cancel = SheetParts::button(QStringLiteral("Cancel"), QStringLiteral("cancel"));
     m_action->setDefault(true);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(cancel);
     buttons->addWidget(m_action);
-    m_content->setSpacing(spacing);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(margin, margin, margin, margin);
-    layout->setSpacing(spacing);
+    QVBoxLayout* layout = SheetParts::begin(*this, title);
+    m_content->setSpacing(layout->spacing());
     layout->setSizeConstraint(QLayout::SetFixedSize);
-    layout->addWidget(heading);
     layout->addWidget(makeText(note));
     layout->addLayout(m_content);
     layout->addWidget(m_error);

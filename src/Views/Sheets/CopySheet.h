@@ -7,8 +7,7 @@ class QPushButton;
 class QVBoxLayout;
 
 /// What the sheets have in common that make a copy of the document and leave the document alone: a title, a note, room
-/// for what is to be chosen, a line for what went wrong, and two buttons. It belongs to a window, which it blocks, and
-/// deletes itself when it is closed. Main thread only.
+/// for what is to be chosen, a line for what went wrong, and two buttons. Main thread only.
 class CopySheet : public QDialog {
     Q_OBJECT
 

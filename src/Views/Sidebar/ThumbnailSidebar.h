@@ -113,8 +113,9 @@ private:
     static QCoro::Task<> recognize(QPointer<ThumbnailSidebar> self, QPointer<RecognitionProgress> progress);
     /// What the names of its copies begin with.
     [[nodiscard]] QString baseName() const;
-    void showSheet(CopySheet* sheet);
+    /// Over the window, which it blocks; it deletes itself when it is closed.
     void openSheet(QDialog* sheet);
+    void openCopySheet(CopySheet* sheet);
     void saveMerged(const Documents& documents);
     void showAlert(const PageAlert& alert, const QString& symbolName = QStringLiteral("exclamationmark.triangle"));
     /// After a command has changed pages.

@@ -13,21 +13,25 @@ QString ThumbnailSidebar::baseName() const {
                                            : QFileInfo(m_document->fileURL().toLocalFile()).completeBaseName();
 }
 
-void ThumbnailSidebar::showSheet(CopySheet* sheet) {
+void ThumbnailSidebar::openCopySheet(CopySheet* sheet) {
     connect(sheet, &CopySheet::saved, this, [this](const QString& path) {
         Q_EMIT announced(QStringLiteral("Saved “%1”").arg(QFileInfo(path).fileName()));
     });
-    sheet->open();
+    openSheet(sheet);
 }
 
 void ThumbnailSidebar::compressDocument() {
+    if (m_activeSheet)
+        return;
     m_document->commitEditing();
-    showSheet(new CompressPDFSheetView(m_document->pdfDocument(), baseName(), window()));
+    openCopySheet(new CompressPDFSheetView(m_document->pdfDocument(), baseName(), window()));
 }
 
 void ThumbnailSidebar::setPassword() {
+    if (m_activeSheet)
+        return;
     m_document->commitEditing();
-    showSheet(new SetPasswordSheetView(m_document->pdfDocument(), baseName(), window()));
+    openCopySheet(new SetPasswordSheetView(m_document->pdfDocument(), baseName(), window()));
 }
 
 void ThumbnailSidebar::removePassword() {
