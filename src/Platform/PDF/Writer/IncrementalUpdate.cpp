@@ -143,7 +143,7 @@ QByteArray IncrementalUpdate::compose(const QByteArray& file, const Sections& se
             places[stream.number] = {inFile, file.size() + update.size(), 0};
             for (std::size_t i = 0; i < stream.members.size(); ++i)
                 places[stream.members[i]] = {inObjectStream, stream.number, int(i)};
-            update += ObjectStreams::packed(stream, value);
+            update += ObjectStreams::packed(stream, value, {});
             number = stream.number + 1;
         }
     }
