@@ -14,6 +14,10 @@ static QUrl fileURL(const QString& argument, const QString& folder) {
 
 CommandLine CommandLine::parse(const QStringList& arguments, const QString& folder) {
     CommandLine line;
+    if (arguments == QStringList{recognizerOption}) {
+        line.kind = Kind::recognizer;
+        return line;
+    }
     bool onlyFiles = false;
     for (const QString& argument : arguments) {
         if (onlyFiles || !argument.startsWith(QLatin1Char('-'))) {

@@ -6,7 +6,11 @@
 
 /// What the program was started with: `quillo [FILE…]`, `--version` or `--help`.
 struct CommandLine {
-    enum class Kind { run, version, help, mistake };
+    /// `recognizer`: what the program starts for itself, see `RecognizerServer`.
+    enum class Kind { run, version, help, mistake, recognizer };
+
+    /// The only argument of a recognizer.
+    inline static const QString recognizerOption = QStringLiteral("--recognizer");
 
     Kind kind = Kind::run;
     QList<QUrl> files; ///< in the order given, local files absolute

@@ -3,6 +3,8 @@
 #include "CommandLine.h"
 #include "InstanceChannel.h"
 #include "QuilloApp.h"
+#include "RecognizerProcess.h"
+#include "RecognizerServer.h"
 #include "UnixSignals.h"
 
 #include <QApplication>
@@ -26,7 +28,7 @@ static void nameApplication() {
     QGuiApplication::setDesktopFileName(QStringLiteral("org.quillo.Quillo"));
 }
 
-/// The program without a window: texts for the terminal.
+/// The program without a window: texts for the terminal, or for the program that started it.
 static int printed(const CommandLine& line) {
     switch (line.kind) {
     case CommandLine::Kind::version:
@@ -35,6 +37,8 @@ static int printed(const CommandLine& line) {
     case CommandLine::Kind::help:
         std::fputs(qUtf8Printable(CommandLine::usage()), stdout);
         return 0;
+    case CommandLine::Kind::recognizer:
+        return RecognizerServer::run();
     default:
         std::fprintf(stderr, "quillo: %s\n%s", qUtf8Printable(line.mistake), qUtf8Printable(CommandLine::usage()));
         return mistakeExitCode;
@@ -47,6 +51,7 @@ int main(int argc, char** argv) {
     if (line.kind != CommandLine::Kind::run)
         return printed(line);
 
+    RecognizerProcess::setCommand({"/proc/self/exe", CommandLine::recognizerOption.toLatin1()});
     ActivationToken::makeRoom();
     // Qt must not look for options of its own among the files.
     int onlyTheName = 1;

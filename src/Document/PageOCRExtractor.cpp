@@ -2,7 +2,7 @@
 
 #include "PDFPage.h"
 #include "PDFPageRasterizer.h"
-#include "TextRecognizer.h"
+#include "RecognizerProcess.h"
 #include "UprightPage.h"
 
 #include <QCoreApplication>
@@ -21,8 +21,9 @@ std::optional<double> scaleOf(const PDFPage& page, const UprightPage& upright) {
 /// Any thread.
 std::optional<QString> textOf(const QImage& image, double dotsPerUnit, const std::stop_token& stop) {
     QStringList lines;
-    for (const TextRecognizer::Line& line : TextRecognizer::recognize(image, static_cast<int>(72 * dotsPerUnit), stop))
-        lines.append(line.text);
+    if (const auto found = RecognizerProcess::recognize(image, static_cast<int>(72 * dotsPerUnit), stop))
+        for (const TextRecognizer::Line& line : *found)
+            lines.append(line.text);
     if (lines.isEmpty())
         return std::nullopt;
     return lines.join(QLatin1Char('\n'));

@@ -1,3 +1,4 @@
+#include "CommandLine.h"
 #include "InstanceChannel.h"
 #include "TestPdf.h"
 #include "UserDefaults.h"
@@ -72,6 +73,15 @@ TEST_F(ProgramTest, textsForTheTerminalNeedNoDisplay) {
     qputenv("QT_QPA_PLATFORM", "no-such-platform");
     EXPECT_TRUE(run({QStringLiteral("--version")}).output.startsWith("Quillo "));
     EXPECT_TRUE(run({QStringLiteral("--help")}).output.contains("quillo [FILE…]"));
+    QProcess recognizer;
+    start(recognizer, {CommandLine::recognizerOption});
+    const qint32 header[] = {0x51524331, 1, 1, 300}; // a picture of one pixel, in which nothing can be read
+    recognizer.write(reinterpret_cast<const char*>(header), sizeof header);
+    recognizer.write("\xff", 1);
+    recognizer.closeWriteChannel();
+    EXPECT_TRUE(recognizer.waitForFinished(startTimeLimitInMilliseconds));
+    EXPECT_EQ(recognizer.exitCode(), 0);
+    EXPECT_EQ(recognizer.readAllStandardOutput(), QByteArray(4, '\0')) << "no line";
     const Ended mistaken = run({QStringLiteral("--loud")});
     EXPECT_EQ(mistaken.exitCode, 2);
     EXPECT_TRUE(mistaken.errors.contains("--loud"));

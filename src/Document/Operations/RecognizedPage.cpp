@@ -6,8 +6,8 @@
 #include "PDFPage.h"
 #include "PDFPageRasterizer.h"
 #include "PDFSource.h"
+#include "RecognizerProcess.h"
 #include "SearchablePage.h"
-#include "TextRecognizer.h"
 
 #include <QStringList>
 
@@ -59,10 +59,14 @@ QImage RecognizedPage::pictureToKeep(const std::stop_token& stop) const {
 void RecognizedPage::read(const std::stop_token& stop) {
     constexpr double pointsPerInch = 72;
     m_page.drawLiveAnnotations(m_picture);
+    if (m_picture.allGray())
+        m_picture = m_picture.convertToFormat(QImage::Format_Grayscale8); // a quarter of the memory while it is read
     std::vector<SearchablePage::Line> lines;
     QStringList texts;
-    for (TextRecognizer::Line& line :
-         TextRecognizer::recognize(m_picture, static_cast<int>(m_scale * pointsPerInch), stop)) {
+    auto found = RecognizerProcess::recognize(m_picture, static_cast<int>(m_scale * pointsPerInch), stop);
+    if (!found)
+        return;
+    for (TextRecognizer::Line& line : *found) {
         texts.append(line.text);
         lines.push_back({std::move(line.text), line.box});
     }

@@ -27,7 +27,7 @@ public:
     /// they don't fit what was drawn. Main thread.
     [[nodiscard]] bool noteAnnotations(const PDFPage& page);
 
-    /// Recognizes the lines and makes the new page. Any thread.
+    /// Recognizes the lines and makes the new page; none when the recognizer fails. Any thread.
     void read(const std::stop_token& stop);
 
     /// The lines, joined with "\n".

@@ -30,21 +30,6 @@ void silenceEngine() {
     });
 }
 
-QImage grayOnWhite(const QImage& image) {
-    if (!image.hasAlphaChannel())
-        return image.convertToFormat(QImage::Format_Grayscale8);
-    QImage gray(image.size(), QImage::Format_Grayscale8);
-    if (gray.isNull())
-        return gray;
-    gray.fill(Qt::white);
-    QPainter painter(&gray);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    QImage opaque = image;
-    opaque.setDevicePixelRatio(1);
-    painter.drawImage(0, 0, opaque);
-    return gray;
-}
-
 /// The engine's own name of the data for a language of `QLocale`; empty for a language that has no code.
 QString dataName(const QLocale& locale) {
     switch (locale.language()) {
@@ -105,7 +90,7 @@ std::vector<TextRecognizer::Line> linesOf(tesseract::TessBaseAPI& engine, QSize 
 }
 
 std::vector<TextRecognizer::Line> read(const QImage& image, int dotsPerInch, const std::stop_token& stop) {
-    const QImage gray = PaperLight::evenOut(grayOnWhite(image));
+    const QImage gray = PaperLight::evenOut(TextRecognizer::grayOnWhite(image));
     tesseract::TessBaseAPI engine;
     if (gray.isNull() || stop.stop_requested() || !load(engine))
         return {};
@@ -122,10 +107,29 @@ std::vector<TextRecognizer::Line> read(const QImage& image, int dotsPerInch, con
 
 } // namespace
 
+bool TextRecognizer::isReadable(const QImage& image) {
+    return !image.isNull() && image.width() <= maximumSide && image.height() <= maximumSide &&
+           qint64(image.width()) * image.height() <= maximumPixelCount;
+}
+
+QImage TextRecognizer::grayOnWhite(const QImage& image) {
+    if (!image.hasAlphaChannel())
+        return image.convertToFormat(QImage::Format_Grayscale8);
+    QImage gray(image.size(), QImage::Format_Grayscale8);
+    if (gray.isNull())
+        return gray;
+    gray.fill(Qt::white);
+    QPainter painter(&gray);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    QImage opaque = image;
+    opaque.setDevicePixelRatio(1);
+    painter.drawImage(0, 0, opaque);
+    return gray;
+}
+
 std::vector<TextRecognizer::Line> TextRecognizer::recognize(const QImage& image, int dotsPerInch,
                                                             const std::stop_token& stop) {
-    if (image.isNull() || image.width() > maximumSide || image.height() > maximumSide ||
-        qint64(image.width()) * image.height() > maximumPixelCount || stop.stop_requested())
+    if (!isReadable(image) || stop.stop_requested())
         return {};
     silenceEngine();
     // The engine would share each of its many short steps among four threads, which then wait for each other: on two

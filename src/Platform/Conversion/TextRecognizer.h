@@ -34,6 +34,12 @@ struct Line {
 /// the languages, not enough memory.
 [[nodiscard]] std::vector<Line> recognize(const QImage& image, int dotsPerInch, const std::stop_token& stop = {});
 
+/// Neither null nor larger than the above.
+[[nodiscard]] bool isReadable(const QImage& image);
+
+/// The picture as the engine takes it (`Format_Grayscale8`). Null for want of memory.
+[[nodiscard]] QImage grayOnWhite(const QImage& image);
+
 /// False when no data is installed for any of the languages that are read, so that no picture has lines. Any thread;
 /// takes up to a tenth of a second.
 [[nodiscard]] bool hasData();

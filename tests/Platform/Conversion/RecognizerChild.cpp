@@ -1,0 +1,7 @@
+// The program of RecognizerProcessTest.cpp.
+
+#include "RecognizerServer.h"
+
+int main() {
+    return RecognizerServer::run();
+}
