@@ -19,7 +19,7 @@ using Sizes = std::array<qint64, PDFCompressor::qualities.size()>;
 /// `patience`, or until the first page is drawn; none when no page could be drawn, or when `stop` was requested.
 /// Draws on this thread's time and on two others. Any thread.
 [[nodiscard]] std::optional<Sizes> of(const PDFCompressor& compressor, const std::stop_token& stop,
-                                      std::chrono::milliseconds patience = std::chrono::milliseconds(850));
+                                      std::chrono::milliseconds patience = std::chrono::milliseconds(700));
 
 /// "About 2.1 MB (now 12.3 MB)"; without what it is now when `present`, in bytes, isn't known.
 [[nodiscard]] QString sentence(qint64 size, std::optional<qint64> present);

@@ -157,6 +157,7 @@ void CompressPDFSheetView::end() {
     m_below->setCurrentIndex(0);
     m_choices->setEnabled(true);
     actionButton().setEnabled(true);
+    m_buttons.at(static_cast<std::size_t>(quality()))->setFocus(); // which went when it couldn't be chosen
 }
 
 void CompressPDFSheetView::showCourse() {

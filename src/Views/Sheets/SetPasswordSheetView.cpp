@@ -110,5 +110,6 @@ void SetPasswordSheetView::save() {
     connect(m_work, &QObject::destroyed, this, [this] {
         m_isSaving = false;
         update();
+        m_password->setFocus();
     });
 }
