@@ -26,7 +26,7 @@ void tellChange(PDFEditorDocument& document) {
 
 void put(const AllStamped& all, PDFEditorDocument& document) {
     for (const Stamped& each : *all)
-        each.page->addAnnotation(each.annotation);
+        each.page->putOnTop(each.annotation);
     tellChange(document);
 }
 
@@ -49,7 +49,7 @@ void WatermarkApplier::apply(const QString& text, double opacity, PDFEditorDocum
         return;
     undoManager->registerUndo(&document, [&document, all, undoManager] {
         for (const Stamped& each : *all)
-            each.page->removeAnnotation(each.annotation);
+            each.page->takeOff(each.annotation);
         tellChange(document);
         undoManager->registerUndo(&document, [&document, all] { put(all, document); });
     });

@@ -14,6 +14,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <iterator>
+#include <utility>
 
 namespace {
 
@@ -64,14 +66,12 @@ std::shared_ptr<PDFPage> PDFPage::plainCopy() const {
     auto copied = std::make_shared<PDFPage>(m_content);
     copied->m_place = m_place;
     copied->m_rotation = m_rotation;
-    if (m_annotationsLoaded) {
-        copied->m_annotationsLoaded = true;
-        copied->m_fileAnnotations = m_fileAnnotations;
-        copied->m_fileLooks = m_fileLooks;
-        for (const auto& annotation : m_annotations) {
-            copied->m_annotations.push_back(annotation->copy());
-            copied->m_annotations.back()->m_page = copied;
-        }
+    copied->m_annotationsLoaded = m_annotationsLoaded;
+    copied->m_fileAnnotations = m_fileAnnotations;
+    copied->m_fileLooks = m_fileLooks;
+    for (const auto& annotation : m_annotations) {
+        copied->m_annotations.push_back(annotation->copy());
+        copied->m_annotations.back()->m_page = copied;
     }
     return copied;
 }
@@ -176,6 +176,7 @@ void PDFPage::loadAnnotations() const {
     m_annotationsLoaded = true;
     auto values = AnnotationReader::read(m_content.source->engine(), m_content.pageNumber);
     const std::weak_ptr<PDFPage> self = std::const_pointer_cast<PDFPage>(shared_from_this());
+    const std::vector<std::shared_ptr<PDFAnnotation>> onTop = std::exchange(m_annotations, {});
     for (auto& [place, read] : values) {
         auto annotation = std::make_shared<PDFAnnotation>(std::move(read), PDFAnnotationOrigin{m_content, place});
         annotation->m_page = self;
@@ -184,6 +185,8 @@ void PDFPage::loadAnnotations() const {
             m_fileLooks.push_back(place);
         m_annotations.push_back(std::move(annotation));
     }
+    m_annotations.insert(m_annotations.end(), onTop.begin(), onTop.end());
+    m_hiddenFileAnnotations.reset();
 }
 
 const std::vector<std::shared_ptr<PDFAnnotation>>& PDFPage::annotations() const {
@@ -196,8 +199,16 @@ void PDFPage::addAnnotation(const std::shared_ptr<PDFAnnotation>& annotation) {
 }
 
 void PDFPage::insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, int index) {
-    QUILLO_ASSERT(annotation, "an annotation to add");
     loadAnnotations();
+    put(annotation, index);
+}
+
+void PDFPage::putOnTop(const std::shared_ptr<PDFAnnotation>& annotation) {
+    put(annotation, int(m_annotations.size()));
+}
+
+void PDFPage::put(const std::shared_ptr<PDFAnnotation>& annotation, int index) {
+    QUILLO_ASSERT(annotation, "an annotation to add");
     if (annotation->page())
         return;
     m_annotations.insert(m_annotations.begin() + std::clamp(index, 0, int(m_annotations.size())), annotation);
@@ -208,6 +219,15 @@ void PDFPage::insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation,
 
 int PDFPage::removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation) {
     loadAnnotations();
+    return takeOut(annotation);
+}
+
+void PDFPage::takeOff(const std::shared_ptr<PDFAnnotation>& annotation) {
+    takeOut(annotation);
+}
+
+/// Of those that are known; returns the place among them, or -1.
+int PDFPage::takeOut(const std::shared_ptr<PDFAnnotation>& annotation) {
     const auto found = std::find(m_annotations.begin(), m_annotations.end(), annotation);
     if (found == m_annotations.end())
         return -1;
@@ -236,7 +256,7 @@ bool PDFPage::isModified() const {
     if (m_rotation && *m_rotation != m_content.source->geometry(m_content.pageNumber).rotation)
         return true;
     if (!m_annotationsLoaded)
-        return false;
+        return !m_annotations.empty();
     return m_annotations.size() != m_fileAnnotations.size() ||
            !std::equal(m_annotations.begin(), m_annotations.end(), m_fileAnnotations.begin(),
                        [this](const auto& annotation, int place) {
@@ -264,9 +284,8 @@ std::vector<int> PDFPage::hiddenFileAnnotations() const {
 
 std::vector<std::shared_ptr<PDFAnnotation>> PDFPage::liveAnnotations() const {
     // Reading annotations takes its time on a page full of links, of which none draws itself.
-    if (!m_annotationsLoaded && !m_content.source->engine().hasBareAnnotations(m_content.pageNumber))
-        return {};
-    loadAnnotations();
+    if (m_annotationsLoaded || m_content.source->engine().hasBareAnnotations(m_content.pageNumber))
+        loadAnnotations();
     std::vector<std::shared_ptr<PDFAnnotation>> live;
     std::copy_if(m_annotations.begin(), m_annotations.end(), std::back_inserter(live), [this](const auto& annotation) {
         return annotation->shouldDisplay() && (annotation->drawsItself() || !isFromHere(*annotation));

@@ -126,12 +126,18 @@ public:
     void insertAnnotation(const std::shared_ptr<PDFAnnotation>& annotation, int index);
     /// Does nothing when the annotation isn't on this page. Returns the place that it had, or -1.
     int removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation);
+    /// `addAnnotation`, and `removeAnnotation` of what was added so, for many pages at once: those of the file are read
+    /// no sooner than somebody asks for them.
+    void putOnTop(const std::shared_ptr<PDFAnnotation>& annotation);
+    void takeOff(const std::shared_ptr<PDFAnnotation>& annotation);
     /// The topmost annotation whose bounds hold the point and that neither is hidden nor covers the page; null when
     /// there is none.
     [[nodiscard]] std::shared_ptr<PDFAnnotation> annotation(QPointF point) const;
 
     /// True once annotations have been read, so that asking for them costs nothing.
     [[nodiscard]] bool annotationsLoaded() const { return m_annotationsLoaded; }
+    /// False as long as they are certainly those of the file.
+    [[nodiscard]] bool annotationsMayDiffer() const { return m_annotationsLoaded || !m_annotations.empty(); }
     /// True when annotations were added, removed, moved or changed since the file was opened, or the rotation was.
     [[nodiscard]] bool isModified() const;
     /// Counts changes of what the page shows.
@@ -162,6 +168,8 @@ private:
     /// A copy that knows nothing of where it comes from.
     [[nodiscard]] std::shared_ptr<PDFPage> plainCopy() const;
     void loadAnnotations() const;
+    void put(const std::shared_ptr<PDFAnnotation>& annotation, int index);
+    int takeOut(const std::shared_ptr<PDFAnnotation>& annotation);
     /// `area` in page coordinates; the whole page when it is null.
     void noteChange(const QRectF& area = {});
     [[nodiscard]] bool isFromHere(const PDFAnnotation& annotation) const;
@@ -175,7 +183,7 @@ private:
     std::optional<PDFPageContent> m_place; // of the page that it replaces
     PDFDocument* m_document = nullptr;     // set and cleared by the document
     mutable bool m_annotationsLoaded = false;
-    mutable std::vector<std::shared_ptr<PDFAnnotation>> m_annotations;
+    mutable std::vector<std::shared_ptr<PDFAnnotation>> m_annotations; // until loaded those on top of the file's
     mutable std::vector<int> m_fileAnnotations; // the readable places of the file's list, ascending
     mutable std::vector<int> m_fileLooks;       // of them those whose appearance the file brings
     mutable std::optional<std::vector<int>> m_hiddenFileAnnotations; // as of the last change

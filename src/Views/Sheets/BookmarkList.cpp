@@ -53,6 +53,15 @@ BookmarkList::BookmarkList(BookmarkModel& model, QWidget* parent) : QTreeView(pa
     header()->setSectionResizeMode(BookmarkModel::pageColumn, QHeaderView::Fixed);
     header()->resizeSection(BookmarkModel::pageColumn,
                             fontMetrics().horizontalAdvance(QStringLiteral("Page 000000")) + 12);
+    // Where the rows were sorted or undone, the current one isn't lost.
+    connect(&model, &QAbstractItemModel::layoutChanged, this, [this] { scrollTo(currentIndex()); });
+    connect(&model, &QAbstractItemModel::modelAboutToBeReset, this,
+            [this] { m_rowBeforeReset = currentIndex().row(); });
+    connect(&model, &QAbstractItemModel::modelReset, this, [this] {
+        if (m_rowBeforeReset >= 0 && m_model.rowCount() > 0)
+            setCurrentIndex(
+                m_model.index(std::min(m_rowBeforeReset, m_model.rowCount() - 1), BookmarkModel::titleColumn));
+    });
     connect(this, &QAbstractItemView::clicked, this, [this](const QModelIndex& index) {
         if (index.column() == BookmarkModel::pageColumn)
             Q_EMIT goRequested(index.row());
@@ -115,7 +124,8 @@ void BookmarkList::keyPressEvent(QKeyEvent* event) {
         moveSelected(event->key() == Qt::Key_Up ? -1 : 1);
     else if (isAlone && event->key() == Qt::Key_Delete)
         removeSelected();
-    else if (isAlone && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid())
+    else if (isAlone && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid() &&
+             state() != EditingState) // a title that is being typed passes the key on
         Q_EMIT goRequested(currentIndex().row());
     else
         QTreeView::keyPressEvent(event);

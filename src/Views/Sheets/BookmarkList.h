@@ -42,4 +42,5 @@ private:
     [[nodiscard]] int gapFor(const std::vector<int>& rows, int step) const;
 
     BookmarkModel& m_model;
+    int m_rowBeforeReset = -1;
 };

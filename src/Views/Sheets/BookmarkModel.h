@@ -39,7 +39,7 @@ public:
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
     /// Takes titles that aren't blank.
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
-    [[nodiscard]] Qt::DropActions supportedDragActions() const override { return Qt::CopyAction | Qt::MoveAction; }
+    [[nodiscard]] Qt::DropActions supportedDropActions() const override { return Qt::CopyAction | Qt::MoveAction; }
 
 private:
     using Bookmarks = std::vector<BookmarkOperations::Bookmark>;

@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -135,27 +136,36 @@ TEST_F(WatermarkApplierTest, risesToTheRightInTheMiddleOfWhatIsSeenInEveryProgra
 
 TEST_F(WatermarkApplierTest, pagesOfOneSizeShareOneLookThatIsPrinted) {
     constexpr int pageCount = 60;
-    for (const bool packs : {false, true}) {
+    for (const auto& [packs, appends] : {std::pair(false, true), {true, true}, {true, false}}) {
         PdfFixture fixture;
         for (int i = 0; i < pageCount; ++i)
             fixture.addPage({QStringLiteral("Words")});
+        fixture.addLink(0, {72, 600, 100, 20}, 9);
         fixture.setPageKey(3, "/Rotate", "90");
         fixture.setPageKey(4, "/MediaBox", "[0 0 300 300]");
         fixture.attach(QStringLiteral("much.bin"), QByteArray(100'000, 'x')); // small files are written anew
         const QByteArray before = fixture.bytes(packs ? PdfFixture::Style::objectStreams : PdfFixture::Style::classic);
         open(before);
         WatermarkApplier::apply(QStringLiteral("DRAFT"), 0.25, m_document, nullptr);
+        EXPECT_FALSE(pdf().page(0)->annotationsLoaded()) << "that would take long for many pages";
+        if (!appends)
+            pdf().removePage(pageCount - 1);
         const QByteArray saved = pdf().dataRepresentation();
         EXPECT_EQ(PdfPrograms::complaints(saved), "");
-        EXPECT_EQ(PDFDocument::fromData(saved)->page(59)->annotations().size(), 1U);
+        const auto first = PDFDocument::fromData(saved)->page(0)->annotations();
+        ASSERT_EQ(first.size(), 2U);
+        EXPECT_EQ(first[0]->type(), PDFAnnotationSubtype::link) << "beneath";
+        EXPECT_EQ(pdf().page(0)->annotations().front()->type(), PDFAnnotationSubtype::link);
+        EXPECT_EQ(pdf().page(0)->annotations().size(), 2U);
         const QByteArray all = PdfPrograms::unpacked(saved);
-        EXPECT_EQ(countOf(all, "/Subtype /Stamp"), pageCount);
-        EXPECT_EQ(countOf(all, "/F 4\n"), pageCount);
+        EXPECT_EQ(countOf(all, "/Subtype /Stamp"), pdf().pageCount());
+        EXPECT_EQ(countOf(all, "/F 4\n"), pdf().pageCount()) << "printed";
         EXPECT_EQ(countOf(all, "/Subtype /Form"), 3) << "one for each size and turn";
         EXPECT_EQ(countOf(all, "/Subtype /Image"), 0);
-        if (packs) {
+        EXPECT_EQ(countOf(all, "/Subtype /Link"), 1);
+        EXPECT_EQ(saved.startsWith(before), appends);
+        if (packs && appends) {
             const QByteArray update = saved.mid(before.size());
-            EXPECT_TRUE(saved.startsWith(before));
             EXPECT_LT(update.size(), qsizetype(pageCount) * 200 + 3 * 4096);
         }
     }

@@ -132,17 +132,22 @@ TEST_F(SidebarSheetsTest, bookmarksAreAddedRenamedMovedDeletedAndUndone) {
     EXPECT_EQ(list->model()->rowCount(), 3);
     key(Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(bookmarks(), QStringLiteral("Page 1, Page 3"));
+    m_view->goToPage(m_document->pdfDocument()->page(3));
+    list->editRow(0);
+    type(QStringLiteral("Cover"), Qt::Key_Return);
+    EXPECT_EQ(bookmarks(), QStringLiteral("Cover, Page 3"));
+    EXPECT_EQ(m_workspace->coordinator().currentPageIndex(), 3) << "the key went to the field alone";
     list->editRow(1);
     openTitle()->setText(QStringLiteral("Last words"));
     click(*sheet, "bookmarksDone");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !sheet; }));
-    EXPECT_EQ(bookmarks(), QStringLiteral("Page 1, Last words"));
+    EXPECT_EQ(bookmarks(), QStringLiteral("Cover, Last words"));
 
     sheet = openSheet<BookmarksEditorView>("editBookmarks");
     list = find<BookmarkList>(*sheet, QStringLiteral("bookmarkList"));
     key(Qt::ControlModifier);
-    EXPECT_EQ(bookmarks(), QStringLiteral("Page 1, Last words")) << "what was done before isn't undone here";
-    for (int step = 0; step < 6; ++step)
+    EXPECT_EQ(bookmarks(), QStringLiteral("Cover, Last words")) << "what was done before isn't undone here";
+    for (int step = 0; step < 7; ++step)
         undo();
     EXPECT_EQ(bookmarks(), QString());
     EXPECT_FALSE(m_document->isDocumentEdited());

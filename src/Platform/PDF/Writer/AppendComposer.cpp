@@ -48,7 +48,7 @@ bool writePages(const DocumentContents& contents, SourceFile& file, UpdateObject
             return false;
         if (page.page->rotation() != contents.source->geometry(page.content.pageNumber).rotation)
             objects.set(object, "/Rotate", QPDFObjectHandle::newInteger(page.page->rotation()));
-        if (!page.page->annotationsLoaded())
+        if (!page.page->annotationsMayDiffer())
             continue;
         QPDFObjectHandle list = object.getKey("/Annots");
         annotations.write(*page.page, object,

@@ -59,7 +59,7 @@ qint64 firstVersionEnd(const QByteArray& file, qint64 lastOffset) {
 }
 
 /// Few objects take more room packed than as they are.
-constexpr std::size_t fewestPacked = 16;
+constexpr std::size_t fewestPacked = 8;
 constexpr std::size_t packedTogether = 100;
 
 /// Streams to pack the objects in that may stand in one, numbered from `number` on.

@@ -34,6 +34,12 @@ bool isFromHere(const PDFAnnotation& annotation, const PDFPage& page) {
     return annotation.origin() && annotation.origin()->content == page.content();
 }
 
+/// True when the object can go on standing for the annotation. One that isn't to be changed needn't be read for that,
+/// which takes most of the time where a page is full of links.
+bool stays(const PDFAnnotation& annotation, QPDFObjectHandle object) {
+    return (!annotation.isModified() && object.isIndirect()) || object.isDictionary();
+}
+
 bool isWidget(QPDFObjectHandle object) {
     return object.getKey("/Subtype").isNameAndEquals("/Widget");
 }
@@ -70,7 +76,7 @@ void PageAnnotations::write(const PDFPage& page, QPDFObjectHandle pageObject,
     for (const auto& annotation : page.annotations()) {
         const int place = isFromHere(*annotation, page) ? annotation->origin()->index : -1;
         const bool inPlace = place >= 0 && place < int(original.size()) && before.count(place) > 0 &&
-                             QPDFObjectHandle(original[std::size_t(place)]).isDictionary() && used.insert(place).second;
+                             stays(*annotation, original[std::size_t(place)]) && used.insert(place).second;
         if (inPlace) {
             QPDFObjectHandle object = original[std::size_t(place)];
             if (annotation->isModified()) {
@@ -125,6 +131,8 @@ void PageAnnotations::write(const PDFPage& page, QPDFObjectHandle pageObject,
 
 void PageAnnotations::dropRemoved(std::vector<Entry>& entries, const std::vector<QPDFObjectHandle>& removed,
                                   QPDFObjectHandle pageObject) {
+    if (removed.empty())
+        return;
     const auto isRemoved = [&removed](QPDFObjectHandle object) {
         return object.isIndirect() &&
                std::any_of(removed.begin(), removed.end(), [&object](const QPDFObjectHandle& gone) {

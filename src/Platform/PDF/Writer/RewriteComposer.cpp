@@ -315,7 +315,7 @@ void Rewriting::writePages(PageAnnotations& annotations) {
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
         const DocumentContents::Page& page = m_contents.pages[i];
         QPDFObjectHandle object = m_pages[i].object;
-        const PDFPage* changed = page.modified && page.page->annotationsLoaded() ? page.page.get() : nullptr;
+        const PDFPage* changed = page.modified && page.page->annotationsMayDiffer() ? page.page.get() : nullptr;
         std::vector<QPDFObjectHandle> original;
         if (m_pages[i].imported)
             original = m_importer->fill(page.content, changed ? PageAnnotations::placesInUse(*changed) : all, object);
