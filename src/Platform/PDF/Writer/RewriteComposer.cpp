@@ -204,7 +204,7 @@ SourceFiles::Ahead Rewriting::openAhead() const {
 /// True when nothing is going to look into the links of a file one by one.
 bool Rewriting::takesLinks() const {
     return std::none_of(m_contents.pages.begin(), m_contents.pages.end(),
-                        [](const auto& page) { return page.modified && page.page->annotationsLoaded(); });
+                        [](const auto& page) { return page.modified && page.page->annotationsMayDiffer(); });
 }
 
 bool Rewriting::isInDoubt() const {
