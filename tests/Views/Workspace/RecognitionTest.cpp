@@ -72,6 +72,13 @@ TEST_F(RecognitionTest, theTextOfThePageIsCopiedAndShownAndPutIntoThePage) {
     ASSERT_TRUE(QTest::qWaitFor([this] { return m_workspace->assistant()->turns().size() == 2; }, 60'000));
     EXPECT_EQ(said(), QStringLiteral("Extracted text:\n\nNo text could be recognized on this page."));
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("The invoice number is 4711"));
+
+    const QByteArray before = qgetenv("TESSDATA_PREFIX");
+    qputenv("TESSDATA_PREFIX", m_folder.path().toLocal8Bit());
+    press(QStringLiteral("ocrPage"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_workspace->assistant()->turns().size() == 3; }, 60'000));
+    EXPECT_TRUE(said().contains(QStringLiteral("Install the package “tesseract-ocr-eng”"))) << said().toStdString();
+    before.isNull() ? qunsetenv("TESSDATA_PREFIX") : qputenv("TESSDATA_PREFIX", before);
 }
 
 TEST_F(RecognitionTest, allPagesWithoutTextGetOneUnlessCancelled) {

@@ -2,6 +2,7 @@
 
 #include "FontTables.h"
 #include "PackedStream.h"
+#include "VisualOrder.h"
 
 #include <QChar>
 #include <QList>
@@ -121,24 +122,58 @@ double widthOf(char32_t character, double ofHelvetica) {
     return isSquare ? 1000 : 556;
 }
 
+std::vector<int> widthsOf(const std::vector<char32_t>& characters) {
+    const std::vector<double> ofHelvetica = FontTables::widths("Helvetica", characters);
+    std::vector<int> widths;
+    for (std::size_t i = 0; i < characters.size(); ++i)
+        widths.push_back(qRound(widthOf(characters[i], ofHelvetica[i])));
+    return widths;
+}
+
 } // namespace
 
-QByteArray GlyphlessFont::encoded(const QString& text) {
+int GlyphlessFont::codeOf(char32_t character) {
     constexpr std::size_t mostCharacters = 0xFFFE;
+    if (QChar::category(character) == QChar::Other_Control || QChar::isSurrogate(character))
+        return 0;
+    const auto known = m_codes.find(character);
+    if (known != m_codes.end())
+        return known->second;
+    if (m_characters.size() == mostCharacters)
+        return 0;
+    m_characters.push_back(character);
+    return m_codes[character] = int(m_characters.size());
+}
+
+QByteArray GlyphlessFont::shown(const QString& text) {
+    std::vector<char32_t> line;
     QByteArray codes;
     for (const char32_t character : text.toUcs4()) {
-        if (QChar::category(character) == QChar::Other_Control || QChar::isSurrogate(character))
-            continue;
-        auto code = m_codes.find(character);
-        if (code == m_codes.end()) {
-            if (m_characters.size() == mostCharacters)
-                continue;
-            m_characters.push_back(character);
-            code = m_codes.emplace(character, int(m_characters.size())).first;
+        if (const int code = codeOf(character)) {
+            line.push_back(character);
+            codes += hex16(code);
         }
-        codes += hex16(code->second);
     }
-    return codes.isEmpty() ? QByteArray() : '<' + codes + '>';
+    const std::vector<int> order = VisualOrder::of(line);
+    if (line.empty() || order.empty())
+        return line.empty() ? QByteArray() : '<' + codes + "> Tj";
+
+    const std::vector<int> widths = widthsOf(line);
+    std::vector<int> starts(line.size()); // from the left edge
+    int right = 0;
+    for (const int place : order) {
+        starts[std::size_t(place)] = right;
+        right += widths[std::size_t(place)];
+    }
+    QByteArray parts;
+    int pen = 0;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (pen != starts[i])
+            parts += QByteArray::number(pen - starts[i]);
+        parts += '<' + codes.mid(4 * qsizetype(i), 4) + '>';
+        pen = starts[i] + widths[i];
+    }
+    return '[' + parts + "] TJ";
 }
 
 QByteArray GlyphlessFont::toUnicode() const {
@@ -157,10 +192,9 @@ QByteArray GlyphlessFont::toUnicode() const {
 }
 
 QPDFObjectHandle GlyphlessFont::widths() const {
-    const std::vector<double> ofHelvetica = FontTables::widths("Helvetica", m_characters);
     QPDFObjectHandle list = QPDFObjectHandle::newArray();
-    for (std::size_t i = 0; i < m_characters.size(); ++i)
-        list.appendItem(QPDFObjectHandle::newInteger(qRound(widthOf(m_characters[i], ofHelvetica[i]))));
+    for (const int width : widthsOf(m_characters))
+        list.appendItem(QPDFObjectHandle::newInteger(width));
     QPDFObjectHandle all = QPDFObjectHandle::newArray();
     all.appendItem(QPDFObjectHandle::newInteger(1)); // the first code
     all.appendItem(list);

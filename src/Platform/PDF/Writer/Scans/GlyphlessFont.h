@@ -15,9 +15,11 @@ public:
     /// How far a line reaches above its baseline, for one unit of font size. Nothing reaches below it.
     static constexpr double ascent = 1 / 0.85;
 
-    /// The text as a hexadecimal string of the font's codes, with its brackets. Characters that no text has (controls,
-    /// halves of a pair) are left out. Empty when nothing is left, or when the font has no codes left.
-    [[nodiscard]] QByteArray encoded(const QString& text);
+    /// The operator that shows the text, with its operand, in the order in which it is read. Words that run from the
+    /// right to the left do so on the page as well, since readers put what they find there in order by its place.
+    /// Characters that no text has (controls, halves of a pair) are left out. Empty when nothing is left, or when the
+    /// font has no codes left.
+    [[nodiscard]] QByteArray shown(const QString& text);
 
     /// True while nothing has been written with it.
     [[nodiscard]] bool isUnused() const { return m_characters.empty(); }
@@ -26,6 +28,8 @@ public:
     [[nodiscard]] QPDFObjectHandle dictionary(QPDF& file) const;
 
 private:
+    /// 0 for a character that gets none.
+    int codeOf(char32_t character);
     [[nodiscard]] QByteArray toUnicode() const;
     [[nodiscard]] QPDFObjectHandle widths() const;
 

@@ -12,8 +12,8 @@ QByteArray InvisibleText::line(const QString& text, const QRectF& box, const PDF
     const double height = box.height() * shown.height();
     if (!(height > 0))
         return {};
-    const QByteArray codes = font.encoded(text);
-    if (codes.isEmpty())
+    const QByteArray shownText = font.shown(text);
+    if (shownText.isEmpty())
         return {};
     const QTransform toPage = page.displayTransform(media).inverted();
     const QPointF start(box.left() * shown.width(), (1 - box.top()) * shown.height());
@@ -23,5 +23,5 @@ QByteArray InvisibleText::line(const QString& text, const QRectF& box, const PDF
     QByteArray object = "BT 3 Tr /F0 " + PdfValues::real(height * sizeOfHeight) + " Tf ";
     for (const QPointF& part : {along, up, origin})
         object += PdfValues::real(part.x()) + ' ' + PdfValues::real(part.y()) + ' ';
-    return object + "Tm " + codes + " Tj ET\n";
+    return object + "Tm " + shownText + " ET\n";
 }
