@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <ctime>
+#include <sys/resource.h>
 
 /// What benchmarks that measure themselves have in common.
 namespace Measurement {
@@ -32,6 +33,13 @@ inline double threadCpu() {
     timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
+/// The most memory that this process had so far.
+inline double peakMegabytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return double(usage.ru_maxrss) / 1024;
 }
 
 } // namespace Measurement

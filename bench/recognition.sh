@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # bench/recognition.sh: recognizing a scan of 20 pages (300 dots per inch, light noise, every third page turned by one
 # degree) beside ocrmypdf with two jobs, in turn. Prints one JSON object a line: pages a minute, of RUNS (3) the median,
-# and the share of the known words that were read. Needs the packages ocrmypdf and tesseract-ocr-eng.
+# and the share of the known words that were read; then, of 100 pages, what a frame takes while they are scrolled
+# through, and the memory. Needs the packages ocrmypdf and tesseract-ocr-eng.
 set -euo pipefail
 
 runs=${RUNS:-3}
@@ -40,3 +41,5 @@ awk -v o="$(median <"$work/ours")" -v r="$(median <"$work/reference")" 'BEGIN {
            1200 / o, 1200 / r, r / o, 1.2 - r / o }'
 awk -v o="$("$bench" accuracy "$work/text.txt" "$work/ours.pdf")" -v r="$("$bench" accuracy "$work/text.txt" "$work/reference.pdf")" \
     'BEGIN { printf "{\"job\": \"recognize-accuracy\", \"words\": %.4f, \"reference_words\": %.4f, \"aim\": \">= reference\", \"to_aim\": %.4f}\n", o, r, r - o }'
+PAGES=100 "$bench" make "$work/long.pdf" "$work/long.txt"
+"$bench" scroll "$work/long.pdf"

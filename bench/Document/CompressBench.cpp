@@ -16,7 +16,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <sys/resource.h>
 
 namespace {
 
@@ -24,12 +23,6 @@ bool compress(const PDFDocument& document, PDFCompressor::Quality quality, const
     const PDFCompressor compressor(document);
     const auto copy = CompressedCopy::of(compressor, quality, {}, [](int) {});
     return copy && copy->write(out, {});
-}
-
-double peakMegabytes() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_maxrss) / 1024;
 }
 
 int report(const PDFDocument& document) {
@@ -55,7 +48,7 @@ int report(const PDFDocument& document) {
     }
     std::printf(
         "{\"job\": \"compress-memory\", \"pages\": %d, \"mb\": %.0f, \"aim\": \"< 300 MB\", \"to_aim\": %.0f}\n",
-        document.pageCount(), peakMegabytes(), peakMegabytes() - 300);
+        document.pageCount(), Measurement::peakMegabytes(), Measurement::peakMegabytes() - 300);
     return 0;
 }
 

@@ -1,35 +1,56 @@
-// recognition_bench make SCAN.pdf TEXT.txt    draws known text to a scan of 20 pages
+// recognition_bench make SCAN.pdf TEXT.txt    draws known text to a scan of 20 pages, or PAGES of the environment
 // recognition_bench apply SCAN.pdf OUT.pdf    recognizes it, as "Recognize Text (OCR)…" does, and saves
 // recognition_bench accuracy TEXT.txt OUT.pdf prints the share of the known words that are in the file's text
+// recognition_bench scroll SCAN.pdf           scrolls up and down through it while it is recognized; prints a JSON
+//                                             object about the frames and the memory
 //
 // For recognition.sh, which times them beside another program.
 
+#include "MeasuredView.h"
+#include "Measurement.h"
 #include "OCRTextLayerApplier.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
+#include "RecognizerProcess.h"
+#include "RecognizerServer.h"
 #include "UndoManager.h"
 
+#include <QApplication>
 #include <QBuffer>
 #include <QCoroTask>
+#include <QElapsedTimer>
 #include <QFile>
-#include <QGuiApplication>
+#include <QFileInfo>
 #include <QHash>
 #include <QImage>
 #include <QPainter>
+#include <QScrollBar>
+#include <QTimer>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <map>
 #include <random>
+#include <utility>
 
 namespace {
 
-constexpr int pageCount = 20;
 constexpr double dotsPerInch = 300;
 constexpr QSizeF paper(612, 792); // points
 constexpr int linesOnPage = 40;
 constexpr int wordsInLine = 10;
 constexpr double skew = 1;  // degrees, of every third page
 constexpr double noise = 6; // standard deviation, of 255
+
+constexpr double frameAim = 16;   // milliseconds, for 99 of 100 frames
+constexpr double memoryAim = 600; // MB
+
+int pagesToMake() {
+    constexpr int usual = 20;
+    return qEnvironmentVariableIsSet("PAGES") ? qEnvironmentVariableIntValue("PAGES") : usual;
+}
 
 const QStringList& vocabulary() {
     static const QStringList words =
@@ -73,7 +94,7 @@ bool make(const QString& scan, const QString& text) {
     std::mt19937 random(5);
     PDFDocument document;
     QStringList all;
-    for (int page = 0; page < pageCount; ++page) {
+    for (int page = 0; page < pagesToMake(); ++page) {
         QStringList lines;
         for (int i = 0; i < linesOnPage; ++i)
             lines.append(line(random));
@@ -95,6 +116,47 @@ bool apply(const QString& scan, const QString& out) {
     const int count = QCoro::waitFor(
         OCRTextLayerApplier::apply(document, document.undoManager().get(), OCRTextLayerApplier::Options()));
     document.pdfDocument()->write(out);
+    return count == document.pdfDocument()->pageCount();
+}
+
+/// As who holds the scroll bar: a page in 100 ms, back from the end.
+bool scroll(const QString& scan, const QString& /*unused*/) {
+    constexpr double pagesPerMillisecond = 1.0 / 100;
+    constexpr int frameInterval = 16; // milliseconds
+    PDFEditorDocument document;
+    document.setPdfDocument(PDFDocument::fromFile(scan));
+    const int pageCount = document.pdfDocument()->pageCount();
+    MeasuredView view;
+    view.resize(1200, 900);
+    view.setAutoScales(true);
+    view.setDocument(document.pdfDocument());
+    view.show();
+    QElapsedTimer sinceStart;
+    sinceStart.start();
+    QTimer frames;
+    frames.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&frames, &QTimer::timeout, &view, [&] {
+        QScrollBar* bar = view.verticalScrollBar();
+        const double there = double(sinceStart.elapsed()) * pagesPerMillisecond / pageCount;
+        const double share = std::abs(std::remainder(there, 2.0)); // 0 to 1 and back
+        view.beginFrame();
+        bar->setValue(static_cast<int>(share * bar->maximum()));
+    });
+    frames.start(frameInterval);
+    OCRTextLayerApplier::Options options;
+    const int count =
+        QCoro::waitFor(OCRTextLayerApplier::apply(document, document.undoManager().get(), std::move(options)));
+    const double p99 = Measurement::percentile(view.frames, 0.99);
+    std::printf("{\"job\": \"scroll-while-recognizing\", \"pages\": %d, \"seconds\": %.1f, \"frames\": %zu, "
+                "\"p50_ms\": %.1f, \"p99_ms\": %.1f, \"max_ms\": %.1f, \"p99_cpu_ms\": %.1f, "
+                "\"aim\": \"p99_ms < %.0f\", \"to_aim\": %.1f}\n",
+                count, double(sinceStart.elapsed()) / 1000, view.frames.size(),
+                Measurement::percentile(view.frames, 0.5), p99, Measurement::percentile(view.frames, 1),
+                Measurement::percentile(view.frameCpu, 0.99), frameAim, p99 - frameAim);
+    const double memory = Measurement::peakMegabytes();
+    std::printf("{\"job\": \"recognize-memory\", \"pages\": %d, \"file_mb\": %.0f, \"peak_mb\": %.0f, "
+                "\"aim\": \"< %.0f MB\", \"to_aim\": %.0f}\n",
+                count, double(QFileInfo(scan).size()) / 1e6, memory, memoryAim, memory - memoryAim);
     return count == pageCount;
 }
 
@@ -116,11 +178,17 @@ bool accuracy(const QString& text, const QString& out) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const QGuiApplication application(argc, argv);
+    if (argc == 2)
+        return RecognizerServer::run();
+    RecognizerProcess::setCommand({"/proc/self/exe", "--recognizer"});
+    const QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 4)
+    const std::map<QString, bool (*)(const QString&, const QString&)> jobs{{QStringLiteral("make"), make},
+                                                                           {QStringLiteral("apply"), apply},
+                                                                           {QStringLiteral("scroll"), scroll},
+                                                                           {QStringLiteral("accuracy"), accuracy}};
+    const auto job = jobs.find(arguments.value(1));
+    if (arguments.size() < 3 || job == jobs.end())
         return 2;
-    const QString& job = arguments[1];
-    const auto run = job == QLatin1String("make") ? make : job == QLatin1String("apply") ? apply : accuracy;
-    return run(arguments[2], arguments[3]) ? 0 : 1;
+    return job->second(arguments[2], arguments.value(3)) ? 0 : 1;
 }

@@ -73,8 +73,18 @@ QImage UprightPage::image(double scale, const std::stop_token& stop) const {
     std::atomic<bool> cancelled = false;
     const std::stop_callback cancel(stop, [&cancelled] { cancelled = true; });
     const QSizeF pixels = m_drawn.displaySize(wholeBox) * scale;
+    const QSize size(static_cast<int>(pixels.width()), static_cast<int>(pixels.height()));
     try {
-        QImage image(static_cast<int>(pixels.width()), static_cast<int>(pixels.height()), QImage::Format_RGB32);
+        if (size.width() <= pieceSide && size.height() <= pieceSide) {
+            PageRenderRequest whole = m_request; // needs no second picture of some ten megabytes
+            whole.pageToDevice = pageToDevice(size);
+            whole.deviceRect = QRect(QPoint(), size);
+            QImage image = PageRenderer::render(whole, &cancelled);
+            if (!image.isNull())
+                drawLiveAnnotations(image);
+            return image;
+        }
+        QImage image(size, QImage::Format_RGB32);
         QPainter painter;
         if (image.isNull() || !painter.begin(&image))
             return {};

@@ -43,6 +43,8 @@ public:
     /// At a scale that fits, with the live annotations that were noted. Null when the page can't be drawn or nobody
     /// wants it any more. Any thread, one at a time.
     [[nodiscard]] QImage image(double scale, const std::stop_token& stop) const;
+    /// Whether some were noted.
+    [[nodiscard]] bool hasLiveAnnotations() const { return m_liveAnnotations != nullptr; }
     /// Draws the live annotations over a picture at a scale that fits. One thread at a time.
     void drawLiveAnnotations(QImage& image) const;
 

@@ -4,11 +4,11 @@
 // does who holds the scroll bar. Prints one JSON object about what the main thread took for each frame, from the
 // timer's event to the end of painting. Its exit code tells only whether the measuring was possible.
 
+#include "MeasuredView.h"
 #include "Measurement.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
 #include "PDFPage.h"
-#include "PDFView.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -20,10 +20,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
 #include <vector>
-
-#include <sys/resource.h>
 
 using namespace Measurement;
 
@@ -34,43 +31,6 @@ constexpr double pagesPerMillisecond = 1.0 / 100;
 constexpr int frameInterval = 16; // milliseconds
 constexpr double frameAim = 16;   // milliseconds, for 99 of 100 frames
 constexpr double memoryAim = 300; // MB
-
-double peakMegabytes() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_maxrss) / 1024;
-}
-
-class MeasuredView : public PDFView {
-public:
-    void beginFrame() {
-        if (m_frame)
-            return;
-        m_frame.emplace().start();
-        m_cpuStart = threadCpu();
-    }
-
-    std::vector<double> frames;   // milliseconds on the clock
-    std::vector<double> frameCpu; // milliseconds of the processor, which other programs don't lengthen
-    int framesWithStandIn = 0;
-
-protected:
-    bool event(QEvent* event) override {
-        const bool handled = PDFView::event(event);
-        if (event->type() == QEvent::UpdateRequest && m_frame) {
-            frames.push_back(milliseconds(m_frame->nsecsElapsed()));
-            frameCpu.push_back(threadCpu() - m_cpuStart);
-            m_frame.reset();
-            if (!isSharp())
-                ++framesWithStandIn;
-        }
-        return handled;
-    }
-
-private:
-    std::optional<QElapsedTimer> m_frame;
-    double m_cpuStart = 0;
-};
 
 /// Measures what each event takes of the main thread.
 class MeasuredApplication : public QApplication {

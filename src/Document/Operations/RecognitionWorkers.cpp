@@ -16,6 +16,8 @@
 #include <mutex>
 #include <vector>
 
+#include <malloc.h>
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -64,6 +66,8 @@ public:
         } catch (const std::exception& error) {
             qCWarning(Logging::document) << "recognizing a page failed:" << Logging::causes(error);
         }
+        // Pictures of pages leave the heap in pieces, of which the next thread may use none.
+        malloc_trim(0);
         end(isDone);
     }
 

@@ -12,6 +12,8 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <chrono>
+#include <mutex>
 #include <utility>
 
 namespace {
@@ -30,10 +32,23 @@ bool isInvisible(const PDFAnnotation& annotation) {
 RecognizedPage::RecognizedPage(const PDFPage& page) : m_page(page) {}
 
 void RecognizedPage::draw(const std::stop_token& stop) {
-    if (const auto scale = m_page.fitting(OCRTextLayerApplier::readingScale, mostPixelsToRead)) {
-        m_scale = *scale;
-        m_picture = m_page.image(m_scale, stop);
-    }
+    const auto scale = m_page.fitting(OCRTextLayerApplier::readingScale, mostPixelsToRead);
+    if (!scale)
+        return;
+    m_scale = *scale;
+    // One page after the other: drawing is quick beside reading, and takes several times the memory.
+    static std::timed_mutex drawing;
+    std::unique_lock turn(drawing, std::defer_lock);
+    while (!turn.try_lock_for(std::chrono::milliseconds(20)))
+        if (stop.stop_requested())
+            return;
+    m_picture = m_page.image(m_scale, stop);
+    keepGray();
+}
+
+void RecognizedPage::keepGray() {
+    if (m_picture.allGray())
+        m_picture = m_picture.convertToFormat(QImage::Format_Grayscale8); // a quarter of the memory
 }
 
 bool RecognizedPage::noteAnnotations(const PDFPage& page) {
@@ -58,9 +73,11 @@ QImage RecognizedPage::pictureToKeep(const std::stop_token& stop) const {
 
 void RecognizedPage::read(const std::stop_token& stop) {
     constexpr double pointsPerInch = 72;
-    m_page.drawLiveAnnotations(m_picture);
-    if (m_picture.allGray())
-        m_picture = m_picture.convertToFormat(QImage::Format_Grayscale8); // a quarter of the memory while it is read
+    if (m_page.hasLiveAnnotations()) {
+        m_picture = m_picture.convertToFormat(QImage::Format_RGB32);
+        m_page.drawLiveAnnotations(m_picture);
+        keepGray();
+    }
     std::vector<SearchablePage::Line> lines;
     QStringList texts;
     auto found = RecognizerProcess::recognize(m_picture, static_cast<int>(m_scale * pointsPerInch), stop);

@@ -36,6 +36,7 @@ public:
     [[nodiscard]] const std::shared_ptr<PDFSource>& source() const { return m_source; }
 
 private:
+    void keepGray();
     [[nodiscard]] QImage pictureToKeep(const std::stop_token& stop) const;
 
     UprightPage m_page;

@@ -6,7 +6,7 @@
 #include <QScopeGuard>
 
 #include <cmath>
-#include <csignal>
+#include <functional>
 #include <thread>
 
 #include <gtest/gtest.h>
