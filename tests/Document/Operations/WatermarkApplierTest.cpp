@@ -166,7 +166,7 @@ TEST_F(WatermarkApplierTest, pagesOfOneSizeShareOneLookThatIsPrinted) {
         EXPECT_EQ(saved.startsWith(before), appends);
         if (packs && appends) {
             const QByteArray update = saved.mid(before.size());
-            EXPECT_LT(update.size(), qsizetype(pageCount) * 200 + 3 * 4096);
+            EXPECT_LT(update.size(), qsizetype(pageCount) * 200 + qsizetype(3) * 4096);
         }
     }
 }
