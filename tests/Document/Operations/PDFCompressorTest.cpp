@@ -133,9 +133,9 @@ TEST_F(PDFCompressorTest, theSizeIsToldInAdvance) {
         const double size = double(compressed(*document, quality).size());
         EXPECT_NEAR(double(sizes->at(std::size_t(quality))) / size, 1, 0.02) << int(quality);
     }
-    // Of a few pages, when there is no time for more.
+    // Of a few pages when there is no time for more, or of one, which may have between 0.4 and 1.7 times the words.
     const auto soon = CompressionEstimate::of(PDFCompressor(*document), {}, std::chrono::milliseconds(0));
     ASSERT_TRUE(soon);
-    EXPECT_NEAR(double(soon->at(1)) / double(sizes->at(1)), 1, 0.4);
+    EXPECT_NEAR(double(soon->at(1)) / double(sizes->at(1)), 1, 0.75);
     EXPECT_EQ(CompressionEstimate::sentence(2'140'000, 12'340'000), QStringLiteral("About 2.1 MB (now 12.3 MB)"));
 }
