@@ -27,6 +27,7 @@
 #include <QScrollBar>
 #include <QTemporaryDir>
 
+#include <cmath>
 #include <cstdio>
 #include <functional>
 
@@ -148,9 +149,15 @@ int main(int argc, char** argv) {
     waitFor([&] { return workspace.list().isDrawn() && workspace.view.pdfView()->isSharp(); });
 
     // The viewer goes on drawing around what it shows; that memory isn't the sidebar's.
-    QElapsedTimer settling;
-    settling.start();
-    waitFor([&settling] { return settling.elapsed() > 2000; });
+    double settled = 0;
+    for (int quiet = 0; quiet < 4;) {
+        QElapsedTimer waited;
+        waited.start();
+        waitFor([&waited] { return waited.elapsed() > 1000; });
+        const double now = residentMegabytes();
+        quiet = std::abs(now - settled) < 1 ? quiet + 1 : 0;
+        settled = now;
+    }
     ThumbnailCache::removeAll();
     const double before = residentMegabytes();
     scroll(workspace);
