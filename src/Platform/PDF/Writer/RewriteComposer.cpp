@@ -3,7 +3,6 @@
 #include "AppearanceRecorder.h"
 #include "DocumentContents.h"
 #include "FieldImporter.h"
-#include "FileEncryption.h"
 #include "FormFields.h"
 #include "InformationWriter.h"
 #include "LayerImporter.h"
@@ -22,16 +21,10 @@
 #include "PageMover.h"
 #include "PageTree.h"
 #include "Pruner.h"
-#include "ReachableWriter.h"
 #include "RemovedPages.h"
-#include "SaslPrep.h"
+#include "RewriteOutput.h"
 #include "Signatures.h"
 #include "SourceFiles.h"
-
-#include <qpdf/Pipeline.hh>
-#include <qpdf/QPDFWriter.hh>
-
-#include <QIODevice>
 
 #include <algorithm>
 #include <exception>
@@ -39,42 +32,11 @@
 #include <map>
 #include <memory>
 #include <new>
-#include <optional>
 #include <set>
 #include <unordered_map>
 #include <vector>
 
 namespace {
-
-/// Passes what is written on in large pieces.
-class DevicePipeline : public Pipeline {
-public:
-    explicit DevicePipeline(QIODevice& device) : Pipeline("document", nullptr), m_device(device) {}
-    void write(const unsigned char* data, std::size_t size) override {
-        m_piece.append(reinterpret_cast<const char*>(data), qsizetype(size));
-        if (m_piece.size() >= pieceSize)
-            finish();
-    }
-    void finish() override {
-        m_device.write(m_piece);
-        m_piece.resize(0); // keeps its memory
-    }
-
-private:
-    static constexpr qsizetype pieceSize = 1 << 20;
-
-    QIODevice& m_device;
-    QByteArray m_piece;
-};
-
-/// Empty for none. A password that would have to be cut, or of which nothing is left, is refused: the file would open
-/// with another one than was given, or with none.
-std::string checkedPassword(const QString& password) {
-    const QByteArray bytes = passwordBytes(password);
-    if (bytes.size() > longestPassword || bytes.contains('\0') || bytes.isEmpty() != password.isEmpty())
-        throw PDFError(PDFError::Kind::unusablePassword, QStringLiteral("No file can have that password."));
-    return bytes.toStdString();
-}
 
 /// One run, from the objects of the source to the bytes.
 class Rewriting {
@@ -97,7 +59,6 @@ private:
     void bringAbout(const AnnotationDictionary::PageLookup& lookup);
     void writePages(PageAnnotations& annotations);
     void arrangePages();
-    [[nodiscard]] bool isPlain() const { return m_options.userPassword.isEmpty() && m_options.ownerPassword.isEmpty(); }
     [[nodiscard]] bool takesLinks() const;
     [[nodiscard]] bool areTextsEnough() const;
     [[nodiscard]] bool wereOnlyRemoved(std::size_t count) const;
@@ -377,47 +338,12 @@ bool Rewriting::wereOnlyRemoved(std::size_t count) const {
 }
 
 void Rewriting::write(QIODevice& device) {
-    const bool isCopy = !m_contents.source;
-    if (isCopy)
-        m_objects->pdf().getTrailer().removeKey("/ID"); // it is another document
-    std::string version;
+    RewriteOutput output{*m_objects, m_options};
+    output.isCopy = !m_contents.source;
+    output.isSound = m_main && !m_contents.base->wasRepaired();
     for (SourceFiles::Foreign* file : m_files->opened())
-        version = std::max(version, file->file.pdf().getPDFVersion());
-    const std::string user = checkedPassword(m_options.userPassword);
-    const std::string owner = checkedPassword(m_options.ownerPassword);
-    // Without an owner's password anybody would be taken for the owner.
-    const std::string& ownerOrUser = owner.empty() ? user : owner;
-    std::optional<FileEncryption> encryption;
-    if (!isPlain())
-        encryption.emplace(user, ownerOrUser);
-    if (m_main && !m_contents.base->wasRepaired() &&
-        ReachableWriter::write(*m_objects, version, encryption ? &*encryption : nullptr, device))
-        return;
-    m_objects->buildTexts();
-    m_objects->buildLinks();
-    // The writer corrects the size, but only one that is there.
-    m_objects->pdf().getTrailer().replaceKey("/Size", QPDFObjectHandle::newInteger(0));
-    DevicePipeline pipeline(device);
-    QPDFWriter writer(m_objects->pdf());
-    writer.setOutputPipeline(&pipeline);
-    writer.setObjectStreamMode(isCopy ? qpdf_o_generate : qpdf_o_preserve);
-    writer.setPreserveEncryption(!isCopy);
-    // Streams are written as they are: to pack them again would take most of the time and gain little.
-    writer.setStreamDataMode(qpdf_s_preserve);
-    writer.setDecodeLevel(qpdf_dl_none);
-    for (SourceFiles::Foreign* file : m_files->opened())
-        writer.setMinimumPDFVersion(file->file.pdf().getVersionAsPDFVersion());
-    // What is recorded or marked with a highlighter is transparent.
-    writer.setMinimumPDFVersion("1.4");
-
-    if (encryption) {
-        writer.setR6EncryptionParameters(user.c_str(), ownerOrUser.c_str(), true, true, true, true, true, true,
-                                         qpdf_r3p_full, true);
-    } else if (isCopy || !m_objects->pdf().isEncrypted()) {
-        writer.setDeterministicID(true);
-    }
-    writer.write();
-    pipeline.finish();
+        output.versions.push_back(file->file.pdf().getVersionAsPDFVersion());
+    output.write(device);
 }
 
 } // namespace
