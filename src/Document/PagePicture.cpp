@@ -1,5 +1,6 @@
 #include "PagePicture.h"
 
+#include "GrayPicture.h"
 #include "PDFAnnotation.h"
 #include "PDFPage.h"
 
@@ -12,9 +13,10 @@ static constexpr PDFDisplayBox shownBox = PDFDisplayBox::cropBox;
 // The topmost ones. More would take longer of the main thread than a small picture is worth.
 static constexpr std::size_t maximumAnnotationCount = 500;
 
-/// The same picture in as few bytes as it takes: hundreds are kept, and many pages are black on white.
+/// The same picture in as few bytes as it takes: hundreds are kept.
 static QImage compact(const QImage& image) {
-    return image.convertToFormat(image.allGray() ? QImage::Format_Grayscale8 : QImage::Format_RGB888);
+    const QImage gray = GrayPicture::of(image);
+    return gray.isNull() ? image.convertToFormat(QImage::Format_RGB888) : gray;
 }
 
 PagePicture::PagePicture(const PDFPage& page, QSize size) {

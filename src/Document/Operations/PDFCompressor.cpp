@@ -1,6 +1,7 @@
 #include "PDFCompressor.h"
 
 #include "FileError.h"
+#include "GrayPicture.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PDFPageRasterizer.h"
@@ -33,9 +34,8 @@ QByteArray jpegOf(const QImage& picture, double compressionFactor) {
     QBuffer buffer(&bytes);
     QImageWriter writer(&buffer, "jpeg");
     writer.setQuality(qRound(compressionFactor * 100));
-    const bool isWritten =
-        writer.write(picture.isGrayscale() ? picture.convertToFormat(QImage::Format_Grayscale8) : picture);
-    return isWritten ? bytes : QByteArray();
+    const QImage gray = GrayPicture::of(picture);
+    return writer.write(gray.isNull() ? picture : gray) ? bytes : QByteArray();
 }
 
 } // namespace

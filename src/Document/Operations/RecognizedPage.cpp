@@ -1,5 +1,6 @@
 #include "RecognizedPage.h"
 
+#include "GrayPicture.h"
 #include "OCRTextLayerApplier.h"
 #include "PDFAnnotation.h"
 #include "PDFAnnotationSubtype.h"
@@ -47,8 +48,8 @@ void RecognizedPage::draw(const std::stop_token& stop) {
 }
 
 void RecognizedPage::keepGray() {
-    if (m_picture.allGray())
-        m_picture = m_picture.convertToFormat(QImage::Format_Grayscale8); // a quarter of the memory
+    if (QImage gray = GrayPicture::of(m_picture); !gray.isNull())
+        m_picture = std::move(gray);
 }
 
 bool RecognizedPage::noteAnnotations(const PDFPage& page) {
