@@ -15,6 +15,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <exception>
 
 namespace {
 
@@ -60,8 +61,13 @@ int main(int argc, char** argv) {
         std::fputs("usage: compress_bench FILE [OUT]\n", stderr);
         return 2;
     }
-    const auto document = PDFDocument::fromFile(arguments[1]);
-    if (arguments.size() == 2)
-        return report(*document);
-    return compress(*document, PDFCompressor::Quality::better, arguments[2]) ? 0 : 1;
+    try {
+        const auto document = PDFDocument::fromFile(arguments[1]);
+        if (arguments.size() == 2)
+            return report(*document);
+        return compress(*document, PDFCompressor::Quality::better, arguments[2]) ? 0 : 1;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
 }
