@@ -73,34 +73,33 @@ QImage UprightPage::image(double scale, const std::stop_token& stop) const {
     std::atomic<bool> cancelled = false;
     const std::stop_callback cancel(stop, [&cancelled] { cancelled = true; });
     const QSizeF pixels = m_drawn.displaySize(wholeBox) * scale;
-    const QSize size(static_cast<int>(pixels.width()), static_cast<int>(pixels.height()));
+    const QRect whole(0, 0, static_cast<int>(pixels.width()), static_cast<int>(pixels.height()));
+    PageRenderRequest piece = m_request;
+    piece.pageToDevice = pageToDevice(whole.size());
+    const auto drawn = [&](const QRect& part) {
+        piece.deviceRect = part;
+        return PageRenderer::render(piece, &cancelled);
+    };
     try {
-        if (size.width() <= pieceSide && size.height() <= pieceSide) {
-            PageRenderRequest whole = m_request; // needs no second picture of some ten megabytes
-            whole.pageToDevice = pageToDevice(size);
-            whole.deviceRect = QRect(QPoint(), size);
-            QImage image = PageRenderer::render(whole, &cancelled);
-            if (!image.isNull())
-                drawLiveAnnotations(image);
-            return image;
-        }
-        QImage image(size, QImage::Format_RGB32);
-        QPainter painter;
-        if (image.isNull() || !painter.begin(&image))
-            return {};
-        PageRenderRequest piece = m_request;
-        piece.pageToDevice = pageToDevice(image.size());
-        for (int y = 0; y < image.height(); y += pieceSide) {
-            for (int x = 0; x < image.width(); x += pieceSide) {
-                piece.deviceRect = QRect(x, y, pieceSide, pieceSide) & image.rect();
-                const QImage drawn = PageRenderer::render(piece, &cancelled);
-                if (drawn.isNull())
-                    return {};
-                painter.drawImage(x, y, drawn);
+        QImage image;
+        if (whole.width() <= pieceSide && whole.height() <= pieceSide) {
+            image = drawn(whole); // needs no second picture of some ten megabytes
+        } else {
+            image = QImage(whole.size(), QImage::Format_RGB32);
+            QPainter painter;
+            if (image.isNull() || !painter.begin(&image))
+                return {};
+            for (int y = 0; y < whole.height(); y += pieceSide) {
+                for (int x = 0; x < whole.width(); x += pieceSide) {
+                    const QImage part = drawn(QRect(x, y, pieceSide, pieceSide) & whole);
+                    if (part.isNull())
+                        return {};
+                    painter.drawImage(x, y, part);
+                }
             }
         }
-        painter.end();
-        drawLiveAnnotations(image);
+        if (!image.isNull())
+            drawLiveAnnotations(image);
         return image;
     } catch (const std::bad_alloc&) {
         qCWarning(Logging::document) << "not enough memory for the picture of a page";
