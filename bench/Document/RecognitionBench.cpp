@@ -29,10 +29,13 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <map>
 #include <random>
+#include <stop_token>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -143,6 +146,12 @@ bool scroll(const QString& scan, const QString& /*unused*/) {
         bar->setValue(static_cast<int>(share * bar->maximum()));
     });
     frames.start(frameInterval);
+    double memory = 0; // with the programs that recognize
+    std::jthread looks([&memory](const std::stop_token& stop) {
+        constexpr std::chrono::milliseconds pause(250);
+        for (; !stop.stop_requested(); std::this_thread::sleep_for(pause))
+            memory = std::max(memory, Measurement::familyMegabytes());
+    });
     OCRTextLayerApplier::Options options;
     const int count =
         QCoro::waitFor(OCRTextLayerApplier::apply(document, document.undoManager().get(), std::move(options)));
@@ -153,10 +162,12 @@ bool scroll(const QString& scan, const QString& /*unused*/) {
                 count, double(sinceStart.elapsed()) / 1000, view.frames.size(),
                 Measurement::percentile(view.frames, 0.5), p99, Measurement::percentile(view.frames, 1),
                 Measurement::percentile(view.frameCpu, 0.99), frameAim, p99 - frameAim);
-    const double memory = Measurement::peakMegabytes();
+    looks.request_stop();
+    looks.join();
     std::printf("{\"job\": \"recognize-memory\", \"pages\": %d, \"file_mb\": %.0f, \"peak_mb\": %.0f, "
-                "\"aim\": \"< %.0f MB\", \"to_aim\": %.0f}\n",
-                count, double(QFileInfo(scan).size()) / 1e6, memory, memoryAim, memory - memoryAim);
+                "\"own_peak_mb\": %.0f, \"aim\": \"peak_mb < %.0f\", \"to_aim\": %.0f}\n",
+                count, double(QFileInfo(scan).size()) / 1e6, memory, Measurement::peakMegabytes(), memoryAim,
+                memory - memoryAim);
     return count == pageCount;
 }
 

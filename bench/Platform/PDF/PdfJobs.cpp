@@ -116,7 +116,7 @@ bool splitHalf(const PDFDocument& document, const QString& out) {
 
 /// The file and once more the same.
 bool mergeTwo(const PDFDocument& document, const QString& out) {
-    const auto again = PDFDocument::fromData(document.source()->bytes());
+    const auto again = PDFDocument::fromData(document.source()->sharedBytes());
     PDFDocument merged;
     for (const PDFDocument* each : {&document, static_cast<const PDFDocument*>(again.get())})
         for (int i = 0; i < each->pageCount(); ++i)

@@ -32,6 +32,9 @@ QPointer<QThreadPool>& currentThreads() {
 QThreadPool& threads() {
     QPointer<QThreadPool>& current = currentThreads();
     if (!current) {
+        // Pictures of whole pages get memory of their own, and give it back; the heap would grow around them instead.
+        constexpr int leastOwnMemory = 1 << 21; // bytes
+        mallopt(M_MMAP_THRESHOLD, leastOwnMemory);
         current = new QThreadPool(QCoreApplication::instance());
         current->setMaxThreadCount(RecognitionWorkers::count());
     }

@@ -98,5 +98,5 @@ void RecognizedPage::read(const std::stop_token& stop) {
         bytes = SearchablePage::fromPicture(pictureToKeep(stop), m_page.geometry(), lines);
     m_picture = {};
     if (!bytes.isEmpty() && !stop.stop_requested())
-        m_source = PDFSource::open(bytes);
+        m_source = PDFSource::openMadePage(bytes);
 }

@@ -47,7 +47,7 @@ FileStamp PDFDocumentSnapshot::write(const QString& path, const PDFWriteOptions&
 }
 
 QByteArray PDFDocumentSnapshot::sourceBytes() const {
-    return m_contents->source ? m_contents->source->bytes() : QByteArray();
+    return m_contents->source ? m_contents->source->sharedBytes() : QByteArray();
 }
 
 std::optional<QByteArray> PDFDocumentSnapshot::update() const {

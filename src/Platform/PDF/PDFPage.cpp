@@ -25,7 +25,7 @@ quint64 newIdentity() {
 }
 
 std::shared_ptr<PDFPage> pageOfBytes(const QByteArray& bytes) {
-    return bytes.isEmpty() ? nullptr : std::make_shared<PDFPage>(PDFPageContent{PDFSource::open(bytes), 0});
+    return bytes.isEmpty() ? nullptr : std::make_shared<PDFPage>(PDFPageContent{PDFSource::openMadePage(bytes), 0});
 }
 
 } // namespace
@@ -42,7 +42,7 @@ std::shared_ptr<PDFPage> PDFPage::fromImage(const QImage& image, QSizeF size) {
 
 std::shared_ptr<PDFPage> PDFPage::fromImage(const QImage& image, const PDFPage& replaced) {
     const QByteArray bytes = ImagePage::fromImage(image, replaced.geometry());
-    return bytes.isEmpty() ? nullptr : replacing(replaced, PDFSource::open(bytes));
+    return bytes.isEmpty() ? nullptr : replacing(replaced, PDFSource::openMadePage(bytes));
 }
 
 std::shared_ptr<PDFPage> PDFPage::replacing(const PDFPage& replaced, const std::shared_ptr<PDFSource>& source) {

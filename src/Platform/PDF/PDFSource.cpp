@@ -3,6 +3,7 @@
 #include "AnnotationReader.h"
 #include "EngineBudget.h"
 #include "EngineCopy.h"
+#include "HeldBytes.h"
 #include "OutlineReader.h"
 #include "PDFError.h"
 #include "PageLabelReader.h"
@@ -22,14 +23,27 @@ constexpr std::size_t recentTextLimit = 48;
 std::shared_ptr<PDFSource> PDFSource::open(const QByteArray& bytes, const QString& fileName) {
     if (bytes.isEmpty())
         throw PDFError(PDFError::Kind::empty, QStringLiteral("The file is empty."));
-    return std::shared_ptr<PDFSource>(new PDFSource(bytes, fileName));
+    return std::shared_ptr<PDFSource>(
+        new PDFSource(std::make_unique<HeldBytes>(bytes, HeldBytes::Place::memory), fileName));
 }
 
-PDFSource::PDFSource(QByteArray bytes, QString fileName)
-    : m_bytes(std::move(bytes)), m_fileName(std::move(fileName)), m_engine(std::make_unique<SourceEngine>(m_bytes)),
-      m_encrypted(m_engine->isEncrypted()) {}
+std::shared_ptr<PDFSource> PDFSource::openMadePage(const QByteArray& bytes) {
+    return std::shared_ptr<PDFSource>(new PDFSource(std::make_unique<HeldBytes>(bytes, HeldBytes::Place::disk), {}));
+}
+
+PDFSource::PDFSource(std::unique_ptr<const HeldBytes> bytes, QString fileName)
+    : m_bytes(std::move(bytes)), m_fileName(std::move(fileName)),
+      m_engine(std::make_unique<SourceEngine>(m_bytes->view())), m_encrypted(m_engine->isEncrypted()) {}
 
 PDFSource::~PDFSource() = default;
+
+QByteArrayView PDFSource::bytes() const {
+    return m_bytes->view();
+}
+
+QByteArray PDFSource::sharedBytes() const {
+    return m_bytes->bytes();
+}
 
 bool PDFSource::needsPassword() const {
     return m_engine->needsPassword();

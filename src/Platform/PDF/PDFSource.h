@@ -5,6 +5,7 @@
 #include "PageLabels.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 #include <memory>
@@ -13,6 +14,7 @@
 #include <stop_token>
 #include <vector>
 
+class HeldBytes;
 class PageText;
 class SourceEngine;
 
@@ -23,11 +25,16 @@ public:
     /// Throws `PDFError`. A protected file opens; `needsPassword` tells whether it can be read yet. `fileName` is for
     /// those who are to know what it was.
     [[nodiscard]] static std::shared_ptr<PDFSource> open(const QByteArray& bytes, const QString& fileName = {});
+    /// The same for a page that was made from pictures. It may be one of many, so its bytes wait on the disk.
+    [[nodiscard]] static std::shared_ptr<PDFSource> openMadePage(const QByteArray& bytes);
     ~PDFSource();
     PDFSource(const PDFSource&) = delete;
     PDFSource& operator=(const PDFSource&) = delete;
 
-    [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }
+    /// Valid as long as this.
+    [[nodiscard]] QByteArrayView bytes() const;
+    /// The same for whoever outlives this.
+    [[nodiscard]] QByteArray sharedBytes() const;
     /// Without its folder; empty for bytes that came from no file.
     [[nodiscard]] const QString& fileName() const { return m_fileName; }
 
@@ -80,9 +87,9 @@ public:
     [[nodiscard]] SourceEngine& engine() const { return *m_engine; }
 
 private:
-    PDFSource(QByteArray bytes, QString fileName);
+    PDFSource(std::unique_ptr<const HeldBytes> bytes, QString fileName);
 
-    const QByteArray m_bytes;
+    const std::unique_ptr<const HeldBytes> m_bytes;
     const QString m_fileName;
     std::unique_ptr<SourceEngine> m_engine;
     bool m_encrypted = false;

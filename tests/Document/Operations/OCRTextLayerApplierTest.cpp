@@ -177,12 +177,12 @@ TEST(OCRTextLayerApplier, WhatAnnotationsShowStaysInThePicture) {
     ASSERT_TRUE(noted);
     EXPECT_EQ(noted->text, QStringLiteral("Delivered on Monday\nChecked by Marianne\nPaid in full"));
     EXPECT_TRUE(noted->page->annotations().empty());
-    EXPECT_TRUE(PdfPrograms::unpacked(noted->page->content().source->bytes()).contains("/Width 1500"))
+    EXPECT_TRUE(PdfPrograms::unpacked(noted->page->content().source->sharedBytes()).contains("/Width 1500"))
         << "as sharp as the scan";
     const auto blank = recognized(pdf->page(2));
     ASSERT_TRUE(blank);
     EXPECT_EQ(blank->text, QString());
-    EXPECT_TRUE(PdfPrograms::unpacked(blank->page->content().source->bytes()).contains("/Width 720"));
+    EXPECT_TRUE(PdfPrograms::unpacked(blank->page->content().source->sharedBytes()).contains("/Width 720"));
     EXPECT_FALSE(recognized(pdf->page(3))) << "narrower than a pixel";
     EXPECT_TRUE(pdf->page(0)->string().isEmpty()) << "the document is as it was";
 }

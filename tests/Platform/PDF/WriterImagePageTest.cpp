@@ -43,7 +43,7 @@ QList<QByteArray> extracted(const QByteArray& file, const char* format) {
 
 /// The bytes of the file that holds the page; empty without a page.
 QByteArray fileOf(const std::shared_ptr<PDFPage>& page) {
-    return page ? page->content().source->bytes() : QByteArray();
+    return page ? page->content().source->sharedBytes() : QByteArray();
 }
 
 /// Puts a segment behind the start of a JPEG file.

@@ -16,26 +16,26 @@ constexpr std::size_t recordingLimit = 8;
 constexpr std::size_t stateLookLimit = 4096; // some hundred bytes each
 constexpr int lookupsBeforeTable = 64;
 
-PDFError openFailure(const QByteArray& bytes, const std::string& reason) {
+PDFError openFailure(QByteArrayView bytes, const std::string& reason) {
     const QString message = QString::fromStdString(reason);
     if (message.contains(QLatin1String("crypt")))
         return {PDFError::Kind::unsupportedEncryption,
                 QStringLiteral("It is protected in a way that isn't supported.")};
-    if (!bytes.left(1024).contains("%PDF-"))
+    if (!bytes.first(std::min<qsizetype>(bytes.size(), 1024)).contains("%PDF-"))
         return {PDFError::Kind::notPDF, QStringLiteral("It isn't a PDF file.")};
     return {PDFError::Kind::notPDF, QStringLiteral("It is damaged beyond repair.")};
 }
 
 } // namespace
 
-bool OpenedDocument::open(const QByteArray& bytes, const QByteArray& password, std::string* error) {
+bool OpenedDocument::open(QByteArrayView bytes, const QByteArray& password, std::string* error) {
     if (!m_context)
         return false;
     fz_stream* stream = nullptr;
     engineTry(
         m_context,
         [&] {
-            stream = fz_open_memory(m_context, reinterpret_cast<const unsigned char*>(bytes.constData()),
+            stream = fz_open_memory(m_context, reinterpret_cast<const unsigned char*>(bytes.data()),
                                     std::size_t(bytes.size()));
             m_document = pdf_open_document_with_stream(m_context, stream);
             if (!password.isEmpty())
@@ -46,7 +46,7 @@ bool OpenedDocument::open(const QByteArray& bytes, const QByteArray& password, s
     return m_document != nullptr;
 }
 
-SourceEngine::SourceEngine(QByteArray bytes) : m_bytes(std::move(bytes)) {
+SourceEngine::SourceEngine(QByteArrayView bytes) : m_bytes(bytes) {
     auto opened = std::make_unique<OpenedDocument>();
     std::string error;
     if (!opened->open(m_bytes, {}, &error))

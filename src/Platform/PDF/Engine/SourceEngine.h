@@ -4,6 +4,7 @@
 #include "PDFPageGeometry.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 
 #include <atomic>
 #include <map>
@@ -51,7 +52,7 @@ public:
     OpenedDocument& operator=(const OpenedDocument&) = delete;
 
     /// `bytes` must outlive this. False when the engine can't open them.
-    bool open(const QByteArray& bytes, const QByteArray& password, std::string* error);
+    bool open(QByteArrayView bytes, const QByteArray& password, std::string* error);
 
     [[nodiscard]] const std::shared_ptr<const EngineInstance>& instance() const { return m_instance; }
     [[nodiscard]] fz_context* context() const { return m_context; }
@@ -95,8 +96,8 @@ public:
         bool m_isAbandoned = false;
     };
 
-    /// Throws `PDFError` when the engine can't open the bytes.
-    explicit SourceEngine(QByteArray bytes);
+    /// `bytes` must outlive this. Throws `PDFError` when the engine can't open them.
+    explicit SourceEngine(QByteArrayView bytes);
     ~SourceEngine();
     SourceEngine(const SourceEngine&) = delete;
     SourceEngine& operator=(const SourceEngine&) = delete;
@@ -171,7 +172,7 @@ private:
     /// True when enough single pages were looked up to make the table worth its time.
     bool countLookup();
 
-    const QByteArray m_bytes;
+    const QByteArrayView m_bytes;
     QString m_password;
     QByteArray m_passwordBytes;
     QByteArray m_enginePassword; // what the engine is given

@@ -71,7 +71,7 @@ SignatureTerms::Extent extentOf(const DocumentContents& contents) {
 std::optional<AppendComposer::Update> AppendComposer::compose(const DocumentContents& contents) {
     if (!contents.hasAllSourcePages() || contents.source->isEncrypted() || contents.source->wasRepaired())
         return std::nullopt;
-    const QByteArray& bytes = contents.source->bytes();
+    const QByteArray bytes = contents.source->sharedBytes();
     const auto sections = IncrementalUpdate::inspect(bytes);
     if (!sections)
         return std::nullopt;

@@ -68,7 +68,7 @@ QByteArray DocumentComposer::compose(const DocumentContents& contents, const PDF
     return withErrors([&] {
         const std::optional<QByteArray> update = savedUpdate(contents, options);
         if (update)
-            return update->isEmpty() ? contents.source->bytes() : contents.source->bytes() + *update;
+            return update->isEmpty() ? contents.source->sharedBytes() : contents.source->sharedBytes() + *update;
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
         rewrite(contents, options, buffer, [&buffer] {
@@ -85,7 +85,7 @@ FileStamp DocumentComposer::write(const DocumentContents& contents, const PDFWri
         const std::optional<QByteArray> update = savedUpdate(contents, options);
         const auto writeContents = [&](QFile& file) {
             if (update) {
-                file.write(contents.source->bytes());
+                file.write(contents.source->sharedBytes());
                 file.write(*update);
             } else {
                 rewrite(contents, options, file, [&file] {

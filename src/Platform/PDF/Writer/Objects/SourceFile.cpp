@@ -34,11 +34,11 @@ bool collectPages(QPDFObjectHandle node, std::vector<QPDFObjectHandle>& pages, s
     return count >= 0 && pages.size() - before == std::size_t(count);
 }
 
-std::unique_ptr<QPDF> opened(const QByteArray& bytes, const QByteArray& password, bool repair) {
+std::unique_ptr<QPDF> opened(QByteArrayView bytes, const QByteArray& password, bool repair) {
     auto pdf = std::make_unique<QPDF>();
     pdf->setSuppressWarnings(true);
     pdf->setAttemptRecovery(repair);
-    pdf->processMemoryFile("document", bytes.constData(), std::size_t(bytes.size()), password.constData());
+    pdf->processMemoryFile("document", bytes.data(), std::size_t(bytes.size()), password.constData());
     if (QPDFObjectHandle ids = pdf->getTrailer().getKey("/ID"); repair && ids.isArray())
         for (QPDFObjectHandle id : ids.getArrayAsVector())
             if (!id.isString())

@@ -56,8 +56,8 @@ QPDFObjectHandle pageOf(QPDFObjectHandle place, SourceFile& file) {
 } // namespace
 
 bool NumberedDestinations::mayBeIn(SourceFile& file) {
-    const QByteArray& bytes = file.source()->bytes();
-    if (file.source()->wasRepaired() || hasNumberedPlace({bytes.constData(), std::size_t(bytes.size())}))
+    const QByteArrayView bytes = file.source()->bytes();
+    if (file.source()->wasRepaired() || hasNumberedPlace({bytes.data(), std::size_t(bytes.size())}))
         return true;
     constexpr int inObjectStream = 2;
     std::set<int> packed;
