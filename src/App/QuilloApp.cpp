@@ -8,6 +8,7 @@
 #include "PDFEditorDocument.h"
 #include "RecentPageStore.h"
 #include "RecentScaleStore.h"
+#include "SavePanel.h"
 
 #include <QGuiApplication>
 
@@ -33,6 +34,7 @@ QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
         RecentPageStore::clear(m_defaults);
         RecentScaleStore::clear(m_defaults);
     });
+    SavePanel::rememberIn(m_defaults);
     connectActions();
     setFileDestinations();
 }

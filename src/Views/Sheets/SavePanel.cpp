@@ -4,6 +4,7 @@
 #include "FilePath.h"
 #include "FileStamp.h"
 #include "PlainMessage.h"
+#include "UserDefaults.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -102,11 +103,18 @@ std::optional<QString> ask(QWidget* parent, const QString& suggestedPath, const 
     return std::nullopt;
 }
 
-/// Of the last copy, as long as the program runs.
-QString& lastFolder() {
-    static QString folder;
-    return folder;
-}
+/// Of the last copy.
+struct LastFolder {
+    static constexpr const char* key = "SavePanel.folder";
+
+    QString path;
+    QPointer<UserDefaults> defaults;
+
+    static LastFolder& shared() {
+        static LastFolder folder;
+        return folder;
+    }
+};
 
 } // namespace
 
@@ -115,12 +123,20 @@ std::optional<QString> SavePanel::choose(QWidget* parent, const QString& suggest
 }
 
 std::optional<QString> SavePanel::chooseForCopy(QWidget* parent, const QString& suggestedName) {
-    const QString folder = QFileInfo(lastFolder()).isDir() ? lastFolder() : startFolder(parent);
+    const QString& last = LastFolder::shared().path;
+    const QString folder = QFileInfo(last).isDir() ? last : startFolder(parent);
     return ask(parent->window(), QDir(folder).filePath(suggestedName), documentFile(parent));
 }
 
 void SavePanel::noteCopy(const QString& path) {
-    lastFolder() = QFileInfo(path).path();
+    LastFolder& folder = LastFolder::shared();
+    folder.path = QFileInfo(path).path();
+    if (folder.defaults)
+        folder.defaults->setString(QString::fromLatin1(LastFolder::key), folder.path);
+}
+
+void SavePanel::rememberIn(UserDefaults& defaults) {
+    LastFolder::shared() = {defaults.stringForKey(QString::fromLatin1(LastFolder::key)).value_or(QString()), &defaults};
 }
 
 QString SavePanel::startFolder(const QWidget* parent) {

@@ -5,6 +5,7 @@
 #include <optional>
 
 class QWidget;
+class UserDefaults;
 
 /// The dialog in which the user says where a PDF file is to be saved. Main thread only.
 namespace SavePanel {
@@ -20,6 +21,10 @@ namespace SavePanel {
 
 /// A copy has been stored at `path`.
 void noteCopy(const QString& path);
+
+/// Keeps the folder of the last copy in the settings, and takes it from there; otherwise it is known as long as the
+/// program runs.
+void rememberIn(UserDefaults& defaults);
 
 /// Where panels for the document in the window of `parent` begin: the folder of its file; for a document without one,
 /// where documents are.

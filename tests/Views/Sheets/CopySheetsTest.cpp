@@ -1,8 +1,10 @@
 #include "CompressPDFSheetView.h"
+#include "SavePanel.h"
 #include "SetPasswordSheetView.h"
 #include "SidebarTest.h"
 
 #include <QAction>
+#include <QDir>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -95,13 +97,24 @@ TEST_F(CopySheetsTest, theCopyOfAProtectedDocumentIsOpen) {
     ASSERT_TRUE(m_document->pdfDocument()->unlock(QStringLiteral("secret")));
     showWorkspace();
     adopt();
-    const QString name = QStringLiteral("locked (Unlocked).pdf");
+    const QString name = QStringLiteral("copies/locked (Unlocked).pdf");
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("copies")));
+    SavePanel::rememberIn(m_defaults);
     EXPECT_TRUE(find<QAction>(QStringLiteral("removePassword"))->isEnabled());
     choose(QStringLiteral("savePanel"), {path(name)});
     m_sidebar->removePassword();
     EXPECT_EQ(alert(), "Password Removed: Saved an unprotected copy to locked (Unlocked).pdf.");
     EXPECT_FALSE(PDFDocument::fromFile(path(name))->isEncrypted());
     EXPECT_EQ(order(path(name)), QStringLiteral("12"));
+    // The next start of the program begins where the last copy went.
+    m_defaults.synchronize();
+    UserDefaults next(m_defaults.filePath());
+    SavePanel::rememberIn(next);
+    answer<QFileDialog>(QStringLiteral("savePanel"), [this](QFileDialog& panel) {
+        EXPECT_EQ(panel.directory().path(), path(QStringLiteral("copies")));
+        panel.reject();
+    });
+    m_sidebar->removePassword();
     choose(QStringLiteral("savePanel"), {QStringLiteral("/sys/copy.pdf")});
     m_sidebar->removePassword();
     EXPECT_EQ(alert(), "Couldn't Save: The unlocked copy couldn't be written to that location.");
