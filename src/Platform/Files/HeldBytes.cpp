@@ -61,6 +61,11 @@ HeldBytes::HeldBytes(QByteArray bytes, Place place) : m_bytes(std::move(bytes)) 
         m_bytes = {};
 }
 
+void HeldBytes::rest() const {
+    if (!isInMemory())
+        madvise(const_cast<char*>(m_mapped.data()), std::size_t(m_mapped.size()), MADV_DONTNEED);
+}
+
 HeldBytes::~HeldBytes() {
     if (!isInMemory())
         munmap(const_cast<char*>(m_mapped.data()), std::size_t(m_mapped.size()));

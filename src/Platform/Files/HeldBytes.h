@@ -20,6 +20,8 @@ public:
     /// Valid as long as this.
     [[nodiscard]] QByteArrayView view() const { return m_mapped.isNull() ? QByteArrayView(m_bytes) : m_mapped; }
     [[nodiscard]] bool isInMemory() const { return m_mapped.isNull(); }
+    /// What was read so far counts as memory no more, until it is read again.
+    void rest() const;
     /// For whoever outlives this: shares what is in memory, and copies what isn't.
     [[nodiscard]] QByteArray bytes() const { return isInMemory() ? m_bytes : m_mapped.toByteArray(); }
 

@@ -28,7 +28,10 @@ std::shared_ptr<PDFSource> PDFSource::open(const QByteArray& bytes, const QStrin
 }
 
 std::shared_ptr<PDFSource> PDFSource::openMadePage(const QByteArray& bytes) {
-    return std::shared_ptr<PDFSource>(new PDFSource(std::make_unique<HeldBytes>(bytes, HeldBytes::Place::disk), {}));
+    std::shared_ptr<PDFSource> page(new PDFSource(std::make_unique<HeldBytes>(bytes, HeldBytes::Place::disk), {}));
+    page->m_engine->rest();
+    page->m_bytes->rest();
+    return page;
 }
 
 PDFSource::PDFSource(std::unique_ptr<const HeldBytes> bytes, QString fileName)

@@ -122,6 +122,13 @@ void SourceEngine::releaseCaches() {
         opened->instance()->emptyStore();
 }
 
+void SourceEngine::rest() {
+    std::vector<std::unique_ptr<OpenedDocument>> closed; // dropped after the lock
+    releaseCaches();
+    const std::lock_guard guard(m_mutex);
+    closed.swap(m_idle);
+}
+
 bool SourceEngine::authenticate(const QString& password) {
     const Lease borrowed = lease();
     if (!borrowed)

@@ -106,6 +106,8 @@ public:
     /// Gives up what can be read again: decoded fonts and pictures, recorded pages, documents beyond the first that
     /// wait for a borrower. Any thread.
     void releaseCaches();
+    /// The same for a file that isn't read for a while: it is opened anew when it is.
+    void rest();
 
     [[nodiscard]] bool needsPassword() const { return m_needsPassword; }
     /// Main thread, before any page is read.
