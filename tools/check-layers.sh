@@ -23,7 +23,7 @@ only_in() {
 }
 
 only_in 'src/Platform/PDF/Engine' 'mupdf/'
-only_in 'src/Platform/PDF/Writer|tests/Platform/PDF' 'qpdf/'
+only_in 'src/Platform/(Conversion/Pages|PDF/Writer)|tests/Platform/PDF' 'qpdf/'
 only_in '(src|tests|bench|fuzz)/Platform/Conversion' 'tesseract/|leptonica/'
 only_in '(src|tests|bench|fuzz)/(Platform/PDF|MathRender|MathBundle)' 'hb[-.]|ft2build|freetype'
 

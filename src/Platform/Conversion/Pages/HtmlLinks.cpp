@@ -1,0 +1,109 @@
+#include "HtmlLinks.h"
+
+#include "HtmlFormats.h"
+#include "LetterPages.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QTextBlock>
+#include <QTextFragment>
+#include <QTextLayout>
+#include <QUrl>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// What a reader of PDFs may be asked to open. Relative addresses stay relative: to the folder where the PDF will be.
+QString addressOf(const QString& link) {
+    const QUrl url(link.trimmed());
+    static const QStringList schemes{QString(),
+                                     QStringLiteral("http"),
+                                     QStringLiteral("https"),
+                                     QStringLiteral("ftp"),
+                                     QStringLiteral("mailto"),
+                                     QStringLiteral("tel")};
+    if (!url.isValid() || !schemes.contains(url.scheme()))
+        return {};
+    return QString::fromLatin1(url.toEncoded());
+}
+
+class Collecting {
+public:
+    Collecting(const QTextDocument& document, qreal pageHeight, qreal scale, LetterPages& pages)
+        : document_(document), pageHeight_(pageHeight), scale_(scale), pages_(pages) {}
+
+    void run() {
+        for (QTextBlock block = document_.begin(); block.isValid(); block = block.next())
+            for (auto it = block.begin(); !it.atEnd(); ++it)
+                for (const QString& name :
+                     it.fragment().charFormat().property(HtmlFormats::namesProperty).toStringList())
+                    if (!places_.contains(name))
+                        places_.insert(name, topOf(block, it.fragment().position() - block.position()));
+        for (QTextBlock block = document_.begin(); block.isValid(); block = block.next())
+            for (auto it = block.begin(); !it.atEnd(); ++it)
+                if (const QString link = it.fragment().charFormat().stringProperty(HtmlFormats::linkProperty);
+                    !link.isEmpty())
+                    addLink(link, block, it.fragment());
+    }
+
+private:
+    [[nodiscard]] QPointF originOf(const QTextBlock& block) const {
+        return document_.documentLayout()->blockBoundingRect(block).topLeft() -
+               block.layout()->boundingRect().topLeft();
+    }
+
+    [[nodiscard]] qreal topOf(const QTextBlock& block, int position) const {
+        const QTextLine line = block.layout()->lineForTextPosition(position);
+        return originOf(block).y() + (line.isValid() ? line.y() : 0);
+    }
+
+    [[nodiscard]] int pageOf(qreal top) const {
+        return std::clamp(int(std::floor(top / pageHeight_)), 0, pages_.pageCount() - 1);
+    }
+
+    void addLink(const QString& link, const QTextBlock& block, const QTextFragment& fragment) {
+        LetterPages::Link added;
+        if (link.startsWith(QLatin1Char('#'))) {
+            const auto place = places_.constFind(QUrl::fromPercentEncoding(link.mid(1).toUtf8()));
+            if (place == places_.constEnd())
+                return;
+            added.targetPage = pageOf(*place);
+            added.targetTop = (*place - added.targetPage * pageHeight_) * scale_;
+        } else if (added.address = addressOf(link); added.address.isEmpty()) {
+            return;
+        }
+        const int start = fragment.position() - block.position();
+        const int end = start + fragment.length();
+        const QPointF origin = originOf(block);
+        for (int i = 0; i < block.layout()->lineCount(); ++i) {
+            const QTextLine line = block.layout()->lineAt(i);
+            const int from = std::max(start, line.textStart());
+            const int to = std::min(end, line.textStart() + line.textLength());
+            if (from >= to)
+                continue;
+            const qreal one = line.cursorToX(from);
+            const qreal other = line.cursorToX(to);
+            added.page = pageOf(origin.y() + line.y() + line.height() / 2);
+            const QRectF area(origin.x() + std::min(one, other), origin.y() + line.y() - added.page * pageHeight_,
+                              std::abs(other - one), line.height());
+            added.area = {area.topLeft() * scale_, area.size() * scale_};
+            pages_.addLink(added);
+        }
+    }
+
+    const QTextDocument& document_;
+    qreal pageHeight_;
+    qreal scale_;
+    LetterPages& pages_;
+    QHash<QString, qreal> places_; ///< from the document's top
+};
+
+} // namespace
+
+void HtmlLinks::add(const QTextDocument& document, qreal pageHeight, qreal scale, LetterPages& pages) {
+    Collecting(document, pageHeight, scale, pages).run();
+}

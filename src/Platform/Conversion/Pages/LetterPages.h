@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QFont>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QRectF>
+#include <QSizeF>
+#include <QString>
+#include <QTemporaryFile>
+
+#include <vector>
+
+/// A PDF of US Letter pages that is being written, with a margin of 54 points on each side. Lengths are in the pixels
+/// of web pages, of which 96 make an inch; the origin is the upper left corner of the frame inside of the margins. The
+/// text is real text in embedded fonts. One thread at a time; needs a QGuiApplication.
+class LetterPages {
+public:
+    /// 504 by 684 points.
+    static constexpr QSizeF frame{672, 912};
+
+    /// What can be clicked, on one page (zero-based) within the frame.
+    struct Link {
+        int page = 0;
+        QRectF area;
+        QString address;     ///< where it leads outside of this document, percent-encoded; empty for a place within
+        int targetPage = 0;  ///< the place within
+        qreal targetTop = 0; ///< from the frame's top
+    };
+
+    /// Pages for a file at `destination`, which isn't touched before `finish`. The first page is there at once.
+    explicit LetterPages(const QString& destination);
+    ~LetterPages();
+    LetterPages(const LetterPages&) = delete;
+    LetterPages& operator=(const LetterPages&) = delete;
+
+    /// False when there is no writing in the folder of the destination; then there is no painter either.
+    [[nodiscard]] bool isOpen() const { return painter_.isActive(); }
+
+    /// The title among the file's information; without one, readers show the file's name.
+    void setTitle(const QString& title) { title_ = title; }
+    [[nodiscard]] QPaintDevice* device() { return &writer_; }
+    [[nodiscard]] QPainter& painter() { return painter_; }
+    [[nodiscard]] int pageCount() const { return pageCount_; }
+    void startPage();
+    void addLink(const Link& link) { links_.push_back(link); }
+
+    /// Writes the file. False, with nothing left at `destination`, when it can't be written.
+    [[nodiscard]] bool finish();
+
+private:
+    QString destination_;
+    QTemporaryFile drawn_; ///< what Qt writes; without links
+    QPdfWriter writer_;
+    QPainter painter_;
+    QString title_;
+    std::vector<Link> links_;
+    int pageCount_ = 1;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QFont>
+#include <QString>
+#include <QStringView>
+#include <QTextOption>
+
+class LetterPages;
+
+/// Lays text out in lines and draws them, page after page. The lines of a text file stand apart; a long one is broken
+/// at spaces, or anywhere when there are none. Takes time in proportion to the text, however long its lines are, since
+/// these are laid out in pieces. One thread at a time.
+class TextFlow {
+public:
+    /// `pages` has to outlive the flow.
+    explicit TextFlow(LetterPages& pages);
+
+    void add(QStringView text);
+
+    /// Draws what is left, at the end of the text.
+    void end();
+
+private:
+    void addToLine(QStringView text);
+    void endLine();
+    void layOut(qsizetype length);
+    [[nodiscard]] qreal placeOf(qreal height);
+
+    LetterPages& pages_;
+    QFont font_;
+    QTextOption options_;
+    qreal blankHeight_;         ///< of a line without characters
+    qreal top_ = 0;             ///< of the next line within the frame
+    QString line_;              ///< what of the file's current line isn't drawn yet
+    qsizetype pieceLength_;     ///< how much of a line is laid out at once
+    bool hasDirection_ = false; ///< whether `options_` tells the direction of the current line
+    bool endedByReturn_ = false;
+};
