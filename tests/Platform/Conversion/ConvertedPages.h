@@ -4,7 +4,10 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -45,6 +48,30 @@ protected:
         for (const char16_t mark : {0x202A, 0x202B, 0x202C})
             text.remove(QChar(mark));
         return text.simplified();
+    }
+
+    /// Whether each word is once in the file, in this order, and within the margins of a page of US Letter.
+    static void expectWholeWords(const QByteArray& pdf, QStringList expected) {
+        EXPECT_EQ(words(pdf).split(QLatin1Char(' ')), expected);
+        const QString boxes = QString::fromUtf8(
+            PdfPrograms::run(QStringLiteral("pdftotext"),
+                             {QStringLiteral("-bbox"), QStringLiteral("FILE"), QStringLiteral("-")}, pdf)
+                .output);
+        static const QRegularExpression box(QStringLiteral(
+            "xMin=\"([\\d.-]+)\" yMin=\"([\\d.-]+)\" xMax=\"([\\d.-]+)\" yMax=\"([\\d.-]+)\">(.*)</word>"));
+        QStringList inBoxes;
+        for (auto found = box.globalMatch(boxes); found.hasNext();) {
+            const QRegularExpressionMatch word = found.next();
+            inBoxes += word.captured(5);
+            EXPECT_GE(word.captured(1).toDouble(), 53.9);
+            EXPECT_GE(word.captured(2).toDouble(), 53.9);
+            EXPECT_LE(word.captured(3).toDouble(), 558.1);
+            EXPECT_LE(word.captured(4).toDouble(), 738.1);
+        }
+        inBoxes.sort();
+        expected.sort();
+        EXPECT_EQ(inBoxes, expected);
+        EXPECT_GT(boxes.count(QStringLiteral("<page width=\"612.000000\" height=\"792.000000\">")), 5);
     }
 
     QTemporaryDir folder;

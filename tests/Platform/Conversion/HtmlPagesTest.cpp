@@ -2,7 +2,10 @@
 #include "ConvertedPages.h"
 
 #include <QBuffer>
+#include <QGuiApplication>
 #include <QImage>
+#include <QPalette>
+#include <QSet>
 
 class HtmlPagesTest : public ConvertedPages {
 protected:
@@ -28,6 +31,10 @@ TEST_F(HtmlPagesTest, TextComesBackInItsOrder) {
         {"<p>An <b>office</b></p><ol><li>one<li>two</ol><table cellpadding=9><tr><td>a<td>b</table>",
          "An office 1. one 2. two a b"},
         {"<style>p { color: red }</style><script>if (1 < 2) document.write('<p>no</p>')</script><p>yes", "yes"},
+        {"<template><p>no</template><p hidden>no<p>no</p></p><p style='color:red; DISPLAY : none'>no</p><!-- > no -->"
+         "<select><option>no</select><section>a</section><summary>b</summary><i>1</i> < 2 "
+         "<q>c</q><textarea><b></textarea>",
+         "a b 1 < 2 “c” <b>"},
         {"<p>\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D</p><p>\xCE\x95\xCE\xBB\xCE\xBB</p>", "שלום Ελλ"},
         {"<meta charset='windows-1251'><p>\xDE\xE3", "Юг"},
         {"<meta charset='iso-8859-1'><p>caf\xE9", "café"},
@@ -35,17 +42,28 @@ TEST_F(HtmlPagesTest, TextComesBackInItsOrder) {
     };
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(words(html(text)), QString::fromUtf8(expected)) << text.constData();
+    QStringList expected;
+    QByteArray text;
+    for (int i = 0; i < 300; ++i) {
+        text += "<p style='font-size:" + QByteArray::number(8 + i % 29) + "px'>";
+        for (int word = 0; word <= i % 41; ++word) {
+            expected += QStringLiteral("w%1").arg(i * 100 + word);
+            text += expected.last().toLatin1() + ' ';
+        }
+    }
+    expectWholeWords(html(text), expected);
     EXPECT_EQ(html(QByteArray("<p>\0</p>", 8)), "");
 }
 
 TEST_F(HtmlPagesTest, LinksCanBeClickedAndTheTitleIsTheDocuments) {
-    const QByteArray pdf = PdfPrograms::unpacked(
-        html("<title>A title</title><p><a href='https://example.org/a(b?c=1&d=2'>out</a> <a href='#there'>in</a> "
-             "<a href='javascript:alert(1)'>no</a></p><h2 id='there'>There</h2>"));
+    const QByteArray pdf = PdfPrograms::unpacked(html(
+        "<title>A <i>title</title><p><a href='https://example.org/a(b?c=1&amp;d=2'>out</a> <a href='#there'>in</a> "
+        "<a href=javascript:alert(1)>no</a> <a href=b.html?x=1>beside</a></p><h2 id='there'>There</h2>"));
     EXPECT_TRUE(pdf.contains("/URI (https://example.org/a\\(b?c=1&d=2)"));
-    EXPECT_EQ(pdf.count("/Subtype /Link"), 2);
+    EXPECT_TRUE(pdf.contains("/URI (b.html?x=1)"));
+    EXPECT_EQ(pdf.count("/Subtype /Link"), 3);
     EXPECT_EQ(pdf.count("/XYZ"), 1);
-    EXPECT_TRUE(pdf.contains("/Title (A title)")) << pdf.left(2000).constData();
+    EXPECT_TRUE(pdf.contains("/Title (A <i>title)")) << pdf.left(2000).constData();
 }
 
 TEST_F(HtmlPagesTest, PicturesComeFromTheFolderOfTheFileOnly) {
@@ -74,4 +92,38 @@ TEST_F(HtmlPagesTest, PicturesComeFromTheFolderOfTheFileOnly) {
     };
     for (const auto& [address, count] : cases)
         EXPECT_EQ(pictures(html("<p>a <img src='" + address + "'> b")), count) << address.constData();
+}
+
+/// The desktop's colours and the page's must not leave text that can't be read on paper.
+TEST_F(HtmlPagesTest, TextIsDarkOnWhiteAndWideThingsFit) {
+    const QPalette before = QGuiApplication::palette();
+    QGuiApplication::setPalette(QPalette(Qt::white, Qt::black));
+    file(QStringLiteral("web/wide.png"), picture(QColor(255, 0, 255), QSize(3000, 400)));
+    const QByteArray pdf =
+        html("<body bgcolor='#ff0000' text='#ffffff'><h1>Title</h1><p style='background:#00ff00'>text "
+             "<span style='background:#0000ff'>marked</span></p><img src=wide.png><table width=2000>"
+             "<tr><td width=1900>cell<td bgcolor='#00ffff'>other</table><ul><li>" +
+             QByteArray(200, 'x') + "</ul>");
+    QGuiApplication::setPalette(before);
+    const QByteArray drawn =
+        PdfPrograms::run(QStringLiteral("pdftoppm"),
+                         {QStringLiteral("-png"), QStringLiteral("-r"), QStringLiteral("72"), QStringLiteral("FILE")},
+                         pdf)
+            .output;
+    const QImage page = QImage::fromData(drawn, "PNG");
+    ASSERT_EQ(page.size(), QSize(612, 792));
+    QSet<QRgb> colors;
+    int dark = 0;
+    for (int y = 0; y < page.height(); ++y)
+        for (int x = 0; x < page.width(); ++x) {
+            const QRgb color = page.pixel(x, y);
+            colors.insert(color);
+            dark += qGray(color) < 64 ? 1 : 0;
+            EXPECT_TRUE(color == qRgb(255, 255, 255) || QRect(53, 53, 506, 686).contains(x, y)) << x << ' ' << y;
+        }
+    EXPECT_GT(dark, 500);
+    for (const QRgb background : {qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255)})
+        EXPECT_FALSE(colors.contains(background)) << background;
+    EXPECT_TRUE(colors.contains(qRgb(0, 255, 255)));    // a cell keeps its background
+    EXPECT_LT(page.pixelColor(555, 160).greenF(), 0.1); // the picture reaches from margin to margin
 }

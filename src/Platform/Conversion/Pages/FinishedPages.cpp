@@ -1,11 +1,13 @@
 #include "FinishedPages.h"
 
 #include "GlyphText.h"
+#include "VisibleText.h"
 
 #include <QByteArray>
 #include <QFile>
 
 #include <map>
+#include <optional>
 #include <ranges>
 #include <set>
 #include <string>
@@ -33,6 +35,15 @@ double x(qreal pixels) {
 
 double y(qreal pixels) {
     return pageHeight - margin - pixels * pointsPerPixel;
+}
+
+QByteArray bytesOf(QPDFObjectHandle stream) {
+    const auto bytes = stream.getStreamData();
+    return {reinterpret_cast<const char*>(bytes->getBuffer()), qsizetype(bytes->getSize())};
+}
+
+void replaceBytes(QPDFObjectHandle stream, const QByteArray& bytes) {
+    stream.replaceStreamData(bytes.toStdString(), QPDFObjectHandle::newNull(), QPDFObjectHandle::newNull());
 }
 
 QPDFObjectHandle annotationOf(const LetterPages::Link& link, const Pages& pages) {
@@ -76,14 +87,19 @@ void makeTextSearchable(const Pages& pages) {
             QPDFObjectHandle map = font.getKey("/ToUnicode");
             if (!map.isStream() || !seen.insert(map.getObjGen()).second)
                 continue;
-            const auto bytes = map.getStreamData();
-            GlyphText::Texts texts = GlyphText::read(
-                QByteArray(reinterpret_cast<const char*>(bytes->getBuffer()), qsizetype(bytes->getSize())));
+            GlyphText::Texts texts = GlyphText::read(bytesOf(map));
             for (QString& text : texts)
                 text = GlyphText::typed(text);
-            map.replaceStreamData(GlyphText::written(texts).toStdString(), QPDFObjectHandle::newNull(),
-                                  QPDFObjectHandle::newNull());
+            replaceBytes(map, GlyphText::written(texts));
         }
+    }
+}
+
+void dropHiddenText(const Pages& pages) {
+    for (const QPDFObjectHandle& page : pages) {
+        const QPDFObjectHandle content = QPDFObjectHandle(page).getKey("/Contents");
+        if (const std::optional<QByteArray> visible = VisibleText::only(bytesOf(content)))
+            replaceBytes(content, *visible);
     }
 }
 
@@ -100,16 +116,17 @@ void setInformation(QPDF& pdf, const QString& title) {
 
 } // namespace
 
-void FinishedPages::write(const QString& drawn, const QString& finished, const QString& title,
-                          const std::vector<LetterPages::Link>& links) {
+void FinishedPages::write(const QString& drawn, const QString& finished, const Changes& changes) {
     QPDF pdf;
     pdf.processFile(QFile::encodeName(drawn).constData());
     const Pages pages = pdf.getAllPages();
-    addLinks(pdf, links, pages);
+    addLinks(pdf, changes.links, pages);
     makeTextSearchable(pages);
-    setInformation(pdf, title);
+    setInformation(pdf, changes.title);
+    if (changes.dropsHiddenText)
+        dropHiddenText(pages);
     QPDFWriter writer(pdf, QFile::encodeName(finished).constData());
     writer.setObjectStreamMode(qpdf_o_preserve);
-    writer.setStreamDataMode(qpdf_s_preserve);
+    writer.setDecodeLevel(qpdf_dl_none); // what is packed already stays as it is
     writer.write();
 }

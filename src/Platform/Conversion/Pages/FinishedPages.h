@@ -9,10 +9,14 @@
 /// What Qt's writer of PDFs leaves out.
 namespace FinishedPages {
 
-/// Copies the pages that Qt wrote to `drawn` to the file `finished` and adds the title, unless it is empty, and what
-/// can be clicked. The characters behind glyphs become those that a person types: letters of ligatures, letters in
-/// Arabic words. Throws std::exception.
-void write(const QString& drawn, const QString& finished, const QString& title,
-           const std::vector<LetterPages::Link>& links);
+struct Changes {
+    QString title; ///< none when it is empty
+    std::vector<LetterPages::Link> links;
+    bool dropsHiddenText = false; ///< text outside of the frames goes
+};
+
+/// Copies the pages that Qt wrote to `drawn` to the file `finished` with these changes. The characters behind glyphs
+/// become those that a person types: letters of ligatures, letters in Arabic words. Throws std::exception.
+void write(const QString& drawn, const QString& finished, const Changes& changes);
 
 } // namespace FinishedPages

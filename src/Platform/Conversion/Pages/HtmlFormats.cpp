@@ -1,5 +1,7 @@
 #include "HtmlFormats.h"
 
+#include "LetterPages.h"
+
 #include <QColor>
 #include <QStringList>
 #include <QTextBlock>
@@ -8,8 +10,11 @@
 #include <QTextDocument>
 #include <QTextFragment>
 #include <QTextFrame>
+#include <QTextLength>
 #include <QTextTable>
+#include <QTextTableFormat>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -57,6 +62,25 @@ QTextCharFormat onPaper(QTextCharFormat format, bool isOnBackground) {
     return format;
 }
 
+/// Takes the widths from tables that are said to be wider than the page, which then get what their content needs.
+void letTablesFit(QTextFrame& frame) { // NOLINT(misc-no-recursion): as deep as Qt's reader has made it
+    for (QTextFrame* child : frame.childFrames()) {
+        if (auto* table = qobject_cast<QTextTable*>(child)) {
+            QTextTableFormat format = table->format();
+            qreal columns = 0;
+            for (const QTextLength& column : format.columnWidthConstraints())
+                columns += column.type() == QTextLength::FixedLength ? column.rawValue() : 0;
+            const bool isFixed = format.width().type() == QTextLength::FixedLength;
+            if (std::max(columns, isFixed ? format.width().rawValue() : 0) > LetterPages::frame.width()) {
+                format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
+                format.clearColumnWidthConstraints();
+                table->setFormat(format);
+            }
+        }
+        letTablesFit(*child);
+    }
+}
+
 } // namespace
 
 QString HtmlFormats::defaultStyles() {
@@ -67,6 +91,7 @@ void HtmlFormats::prepare(QTextDocument& document) {
     QTextFrameFormat page = document.rootFrame()->frameFormat();
     page.clearBackground();
     document.rootFrame()->setFrameFormat(page);
+    letTablesFit(*document.rootFrame());
     QTextCursor cursor(&document);
     cursor.beginEditBlock();
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {

@@ -4,6 +4,7 @@
 #include "HtmlFormats.h"
 #include "HtmlLinks.h"
 #include "HtmlPictureObject.h"
+#include "HtmlSource.h"
 #include "LetterPages.h"
 #include "TextFileReader.h"
 
@@ -11,12 +12,16 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QFont>
+#include <QList>
 #include <QPalette>
 #include <QRegularExpression>
 #include <QStringDecoder>
+#include <QTextFrame>
 #include <QTextOption>
+#include <QTextTable>
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 namespace {
@@ -58,16 +63,43 @@ QPalette paper() {
     return palette;
 }
 
-/// Lays the document out for pages of the frame's shape, wide enough for its widest table, and returns their size.
+/// Pages of the frame's shape that are at least so wide. The height is whole: Qt calculates with whole pages.
+QSizeF pageOf(qreal width) {
+    const qreal height = std::ceil(width * LetterPages::frame.height() / LetterPages::frame.width());
+    return {height * LetterPages::frame.width() / LetterPages::frame.height(), height};
+}
+
+/// How wide the document gets on pages of that width: wider, if it has words or tables that can't be narrower.
+qreal widthOn(QTextDocument& document, qreal width, QTextOption::WrapMode wrapping) {
+    QTextOption options = document.defaultTextOption();
+    options.setWrapMode(wrapping);
+    document.setDefaultTextOption(options);
+    document.setPageSize(pageOf(width));
+    return document.documentLayout()->documentSize().width();
+}
+
+bool hasTables(const QTextDocument& document) {
+    const QList<QTextFrame*> frames = document.rootFrame()->childFrames();
+    return std::any_of(frames.begin(), frames.end(),
+                       [](const QTextFrame* frame) { return qobject_cast<const QTextTable*>(frame) != nullptr; });
+}
+
+/// Lays the document out and returns the size of its pages, which are scaled to the frame. A table that is a little too
+/// wide makes all of it smaller; in a wider one, as in text without tables, long words are broken.
 QSizeF layOut(QTextDocument& document) {
-    QSizeF size = LetterPages::frame;
-    document.setPageSize(size);
-    const qreal width = document.documentLayout()->documentSize().width();
-    if (width > size.width() + 1) {
-        size *= width / size.width();
-        document.setPageSize(size);
+    const qreal frame = LetterPages::frame.width();
+    constexpr qreal rounding = 1;
+    constexpr qreal mostShrinking = 1.5; // still readable
+    qreal width = widthOn(document, frame, QTextOption::WordWrap);
+    if (width > frame + rounding) {
+        const bool breaksWords = width > frame * mostShrinking || !hasTables(document);
+        const auto wrapping = breaksWords ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::WordWrap;
+        if (breaksWords)
+            width = widthOn(document, frame, wrapping);
+        if (width > frame + rounding)
+            widthOn(document, width, wrapping);
     }
-    return size;
+    return document.pageSize();
 }
 
 void draw(const QTextDocument& document, QSizeF pageSize, LetterPages& pages) {
@@ -75,17 +107,20 @@ void draw(const QTextDocument& document, QSizeF pageSize, LetterPages& pages) {
     QPainter& painter = pages.painter();
     QAbstractTextDocumentLayout::PaintContext context;
     context.palette = paper();
+    constexpr qreal touching = 0.5; // the first line of the next page touches this one, and would be drawn on both
     for (int page = 0; page < std::max(document.pageCount(), 1); ++page) {
         if (page > 0)
             pages.startPage();
-        context.clip = QRectF(QPointF(0, page * pageSize.height()), pageSize);
+        const QRectF area(QPointF(0, page * pageSize.height()), pageSize);
+        context.clip = area.adjusted(0, touching, 0, -touching);
         painter.save();
         painter.scale(scale, scale);
-        painter.translate(0, -context.clip.top());
-        painter.setClipRect(context.clip);
+        painter.translate(0, -area.top());
+        painter.setClipRect(area.adjusted(0, 0, 0, -touching));
         document.documentLayout()->draw(&painter, context);
         painter.restore();
     }
+    pages.dropHiddenText();
     HtmlLinks::add(document, pageSize.height(), scale, pages);
 }
 
@@ -105,16 +140,13 @@ bool HtmlPages::write(const QString& source, const QString& destination) {
     document.documentLayout()->registerHandler(QTextFormat::ImageObject, &pictures);
     document.setUseDesignMetrics(true);
     document.setDocumentMargin(0);
-    QTextOption options;
-    options.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    document.setDefaultTextOption(options);
     QFont font;
     font.setFamilies({QStringLiteral("DejaVu Serif"), QStringLiteral("serif")});
     font.setPointSizeF(12);
     font.setHintingPreference(QFont::PreferNoHinting);
     document.setDefaultFont(font);
     document.setDefaultStyleSheet(HtmlFormats::defaultStyles());
-    document.setHtml(*html);
+    document.setHtml(HtmlSource::simplified(*html));
     HtmlFormats::prepare(document);
     pages.setTitle(document.metaInformation(QTextDocument::DocumentTitle));
     draw(document, layOut(document), pages);

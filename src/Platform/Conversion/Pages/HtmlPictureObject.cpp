@@ -5,8 +5,11 @@
 
 #include <QPainter>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <QTextList>
+#include <QTextTable>
+#include <QTextTableFormat>
 #include <QUrl>
 #include <QVariant>
 
@@ -18,12 +21,20 @@ QImage pictureOf(const QTextFormat& format, const QTextDocument* document) {
     return document->resource(QTextDocument::ImageResource, QUrl(format.toImageFormat().name())).value<QImage>();
 }
 
-/// How far the text at a position is from the left edge of its page or of its cell.
+/// How far the text at a position is from the edges of its page, with room for the other columns of its table.
 qreal indentOf(const QTextDocument* document, int position) {
     const QTextBlock block = document->findBlock(position);
     const int lists = block.textList() ? block.textList()->format().indent() : 0;
     const QTextBlockFormat format = block.blockFormat();
-    return format.leftMargin() + format.rightMargin() + (format.indent() + lists) * document->indentWidth();
+    const qreal indent =
+        format.leftMargin() + format.rightMargin() + (format.indent() + lists) * document->indentWidth();
+    const QTextTable* table = QTextCursor(block).currentTable();
+    if (!table)
+        return indent;
+    constexpr qreal otherColumn = 96; // an inch, for words
+    const QTextTableFormat ofTable = table->format();
+    return indent + (table->columns() - 1) * otherColumn + ofTable.cellSpacing() * (table->columns() + 1) +
+           2 * table->columns() * (ofTable.cellPadding() + ofTable.border());
 }
 
 } // namespace

@@ -38,7 +38,7 @@ bool LetterPages::finish() {
         return false;
     try {
         writeFileAtomically(destination_, [this](QFile& file) {
-            FinishedPages::write(drawn_.fileName(), file.fileName(), title_, links_);
+            FinishedPages::write(drawn_.fileName(), file.fileName(), {title_, links_, dropsHiddenText_});
         });
         return true;
     } catch (const std::exception& error) {

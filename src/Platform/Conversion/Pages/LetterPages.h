@@ -42,6 +42,8 @@ public:
     [[nodiscard]] QPainter& painter() { return painter_; }
     [[nodiscard]] int pageCount() const { return pageCount_; }
     void startPage();
+    /// For drawing that hides lines by clipping at the ends of pages: their text won't be in the file.
+    void dropHiddenText() { dropsHiddenText_ = true; }
     void addLink(const Link& link) { links_.push_back(link); }
 
     /// Writes the file. False, with nothing left at `destination`, when it can't be written.
@@ -55,4 +57,5 @@ private:
     QString title_;
     std::vector<Link> links_;
     int pageCount_ = 1;
+    bool dropsHiddenText_ = false;
 };
