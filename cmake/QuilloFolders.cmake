@@ -6,6 +6,7 @@ set(QUILLO_FOLDERS
     Platform/PDF
     Platform/Services
     Platform/Conversion
+    Platform/Conversion/Office
     Platform/Viewer/Column
     Platform/Viewer/Tiles
     Platform/Viewer/Selection

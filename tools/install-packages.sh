@@ -13,12 +13,17 @@ fail() {
     exit 1
 }
 
-# Prints those of the arguments that are not installed, one a line.
+# Prints those of the arguments of which no alternative is installed, one a line.
 missing_of() {
     {
-        dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' "$@" 2>/dev/null || true
+        # shellcheck disable=SC2046 # package names
+        dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' $(printf '%s\n' "$@" | tr '|' ' ') 2>/dev/null ||
+            true
         printf 'wanted %s\n' "$@"
-    } | awk '$1 == "installed" { there[$2] = 1 } $1 == "wanted" && !there[$2] { print $2 }'
+    } | awk '$1 == "installed" { there[$2] = 1 }
+             $1 == "wanted" { n = split($2, names, "|"); found = 0
+                              for (i = 1; i <= n; ++i) found = found || there[names[i]]
+                              if (!found) print $2 }'
 }
 
 is_debian_12() {
@@ -62,7 +67,15 @@ apt_get() {
 echo "Quillo: installing ${missing[*]}" >&2
 # Out-of-date lists may still do, so only the installation itself decides.
 apt_get update || true
-apt_get -y --no-install-recommends install "${missing[@]}" || true
+chosen=()
+for entry in "${missing[@]}"; do
+    for name in ${entry//|/ }; do
+        [[ $entry != *"|"* ]] || apt-get -s --no-remove --no-install-recommends install "$name" &>/dev/null || continue
+        chosen+=("$name")
+        break
+    done
+done
+apt_get -y --no-install-recommends install "${chosen[@]}" || true
 
 mapfile -t missing < <(missing_of "${missing[@]}")
 ((${#missing[@]} == 0)) || fail "these packages could not be installed: ${missing[*]}."
