@@ -4,6 +4,7 @@
 #include "OfficeFormat.h"
 #include "OfficeProgram.h"
 #include "PDFDocument.h"
+#include "PDFSource.h"
 #include "RichText.h"
 
 #include <QFile>
@@ -14,7 +15,7 @@ namespace {
 
 bool opens(const QString& path) {
     try {
-        return PDFDocument::fromFile(path)->pageCount() > 0;
+        return PDFDocument::openSource(path)->pageCount() > 0;
     } catch (const std::exception& error) {
         qCWarning(Logging::pdf) << "what LibreOffice wrote can't be opened:" << Logging::causes(error);
         return false;
