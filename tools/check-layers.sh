@@ -24,7 +24,7 @@ only_in() {
 
 only_in 'src/Platform/PDF/Engine' 'mupdf/'
 only_in 'src/Platform/(Conversion/Pages|PDF/Writer)|tests/Platform/PDF' 'qpdf/'
-only_in '(src|tests|bench|fuzz)/Platform/Conversion' 'tesseract/|leptonica/'
+only_in '(src|tests|bench|fuzz)/Platform/Conversion' 'tesseract/|leptonica/|libheif/'
 only_in '(src|tests|bench|fuzz)/(Platform/PDF|MathRender|MathBundle)' 'hb[-.]|ft2build|freetype'
 
 # A path would lead past the folders that the build lets a room see.

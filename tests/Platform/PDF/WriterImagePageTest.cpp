@@ -76,6 +76,7 @@ TEST(ImagePageTest, GreyAndTranslucentPicturesAreStoredAsSuch) {
     QImage grey(20, 20, QImage::Format_ARGB32);
     grey.fill(Qt::white);
     QPainter(&grey).fillRect(5, 5, 10, 10, QColor(90, 90, 90));
+    grey.setPixelColor(1, 1, Qt::black); // more than two colours
     const QByteArray greyFile = fileOf(PDFPage::fromImage(grey, {20, 20}));
     EXPECT_EQ(PdfPrograms::complaints(greyFile), "");
     EXPECT_TRUE(greyFile.contains("/DeviceGray"));

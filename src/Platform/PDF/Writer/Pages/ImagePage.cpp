@@ -1,10 +1,12 @@
 #include "ImagePage.h"
 
+#include "ImageKeys.h"
 #include "JpegHeader.h"
+#include "PackedPicture.h"
 #include "PictureFile.h"
+#include "PngFile.h"
 
 #include <QBuffer>
-#include <QColorSpace>
 #include <QImage>
 
 #include <algorithm>
@@ -12,44 +14,21 @@
 
 namespace {
 
-QByteArray pageFile(const PDFPageGeometry& page, const QTransform& upright, const PictureFile::Image& picture,
-                    const std::optional<PictureFile::Image>& transparency = std::nullopt) {
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    PictureFile file(buffer);
-    file.addPage(0, page, upright, picture, transparency);
-    file.finish();
-    return buffer.data();
-}
-
 bool isUsable(const PDFPageGeometry& page) {
     const QRectF media = page.box(PDFDisplayBox::mediaBox);
     return media.width() > 0 && media.height() > 0;
 }
 
-/// Rows of samples, packed; each row says how it differs from the one above, which packs pictures of pages far better.
-QByteArray packedRows(const QImage& image, int bytesPerPixel) {
-    const qsizetype rowSize = qsizetype(image.width()) * bytesPerPixel;
-    QByteArray rows;
-    rows.reserve((rowSize + 1) * image.height());
-    QByteArray above(rowSize, '\0');
-    for (int y = 0; y < image.height(); ++y) {
-        const char* line = reinterpret_cast<const char*>(image.constScanLine(y));
-        rows += '\x02'; // the predictor "up"
-        const qsizetype start = rows.size();
-        rows.resize(start + rowSize);
-        for (qsizetype i = 0; i < rowSize; ++i)
-            rows[start + i] = char(line[i] - above[i]);
-        above = QByteArray(line, rowSize);
-    }
-    return qCompress(rows).mid(4);
-}
-
-QByteArray imageKeys(const QImage& image, const char* colorSpace, int components) {
-    return "/Type /XObject /Subtype /Image /Width " + QByteArray::number(image.width()) + " /Height " +
-           QByteArray::number(image.height()) + " /ColorSpace /" + colorSpace +
-           " /BitsPerComponent 8 /Filter /FlateDecode /DecodeParms << /Predictor 15 /Colors " +
-           QByteArray::number(components) + " /Columns " + QByteArray::number(image.width()) + " >>";
+/// Empty when `add` adds no page.
+template <typename Add>
+QByteArray fileOfPage(Add add) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    PictureFile file(buffer);
+    if (!add(file))
+        return {};
+    file.finish();
+    return buffer.data();
 }
 
 bool isTranslucent(const QImage& image) {
@@ -72,50 +51,50 @@ PDFPageGeometry ImagePage::sized(QSizeF points) {
     return page;
 }
 
-QByteArray ImagePage::fromImage(const QImage& image, const PDFPageGeometry& page) {
+bool ImagePage::addImage(PictureFile& file, int place, const QImage& image, const PDFPageGeometry& page) {
     if (image.isNull() || !isUsable(page))
-        return {};
-    QImage source = image;
-    if (source.colorSpace().isValid() && source.colorSpace() != QColorSpace(QColorSpace::SRgb))
-        source.convertToColorSpace(QColorSpace::SRgb);
-    const bool translucent = isTranslucent(source);
-    // Opaque or not, colours are those without the alpha worked in.
-    const bool grey = source.isGrayscale();
-    const QImage colors = source.convertToFormat(QImage::Format_RGB888);
-    const QImage shown = grey ? colors.convertToFormat(QImage::Format_Grayscale8) : colors;
+        return false;
     std::optional<PictureFile::Image> transparency;
-    if (translucent) {
-        const QImage alpha = source.convertToFormat(QImage::Format_Alpha8);
-        transparency = {imageKeys(alpha, "DeviceGray", 1), packedRows(alpha, 1)};
-    }
-    const int components = grey ? 1 : 3;
-    return pageFile(page, {},
-                    {imageKeys(shown, grey ? "DeviceGray" : "DeviceRGB", components), packedRows(shown, components)},
-                    transparency);
+    if (isTranslucent(image))
+        transparency = PackedPicture::opacity(image);
+    file.addPage(place, page, {}, PackedPicture::of(image), transparency);
+    return true;
 }
 
 bool ImagePage::addJpeg(PictureFile& file, int place, const QByteArray& jpeg, const PDFPageGeometry& page) {
     const std::optional<JpegHeader> header = JpegHeader::read(jpeg);
     if (!header || !isUsable(page))
         return false;
-    const char* colorSpace = header->components == 1   ? "DeviceGray"
-                             : header->components == 3 ? "DeviceRGB"
-                                                       : "DeviceCMYK";
-    QByteArray keys = "/Type /XObject /Subtype /Image /Width " + QByteArray::number(header->width) + " /Height " +
-                      QByteArray::number(header->height) + " /ColorSpace /" + colorSpace +
-                      " /BitsPerComponent 8 /Filter /DCTDecode";
+    const QByteArray colorSpace = header->components == 1   ? "/DeviceGray"
+                                  : header->components == 3 ? "/DeviceRGB"
+                                                            : "/DeviceCMYK";
+    QByteArray keys =
+        ImageKeys::of({header->width, header->height}, 8, header->iccProfile.isEmpty() ? colorSpace : QByteArray()) +
+        " /Filter /DCTDecode";
     if (header->isInverted)
         keys += " /Decode [1 0 1 0 1 0 1 0]";
-    file.addPage(place, page, header->uprightTransform(), {keys, jpeg});
+    file.addPage(place, page, header->uprightTransform(), {keys, jpeg, header->iccProfile, header->components});
     return true;
 }
 
+bool ImagePage::addPng(PictureFile& file, int place, const QByteArray& png, const PDFPageGeometry& page) {
+    const std::optional<PngFile> picture = PngFile::read(png);
+    if (!picture || !isUsable(page))
+        return false;
+    const QByteArray plainSpace = picture->components == 1 ? "/DeviceGray" : "/DeviceRGB";
+    const QByteArray colorSpace = picture->palette.isEmpty() ? plainSpace : ImageKeys::palette(picture->palette);
+    file.addPage(place, page, {},
+                 {ImageKeys::of({picture->width, picture->height}, picture->bitDepth, colorSpace) +
+                      " /Filter /FlateDecode" +
+                      ImageKeys::predictor(picture->width, picture->components, picture->bitDepth),
+                  picture->data});
+    return true;
+}
+
+QByteArray ImagePage::fromImage(const QImage& image, const PDFPageGeometry& page) {
+    return fileOfPage([&](PictureFile& file) { return addImage(file, 0, image, page); });
+}
+
 QByteArray ImagePage::fromJpeg(const QByteArray& jpeg, const PDFPageGeometry& page) {
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    PictureFile file(buffer);
-    if (!addJpeg(file, 0, jpeg, page))
-        return {};
-    file.finish();
-    return buffer.data();
+    return fileOfPage([&](PictureFile& file) { return addJpeg(file, 0, jpeg, page); });
 }

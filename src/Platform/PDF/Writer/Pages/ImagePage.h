@@ -20,7 +20,12 @@ namespace ImagePage {
 /// The bytes of a JPEG file, stored as they are. Empty when they are no JPEG.
 [[nodiscard]] QByteArray fromJpeg(const QByteArray& jpeg, const PDFPageGeometry& page);
 
-/// The same as one of many pages of a file. False, with nothing written, when they are no JPEG.
+// The same as one of many pages of a file. False, with nothing written, where the others give nothing.
+
+bool addImage(PictureFile& file, int place, const QImage& image, const PDFPageGeometry& page);
 bool addJpeg(PictureFile& file, int place, const QByteArray& jpeg, const PDFPageGeometry& page);
+
+/// The compressed rows of a PNG file, stored as they are. False also for a PNG that `PngFile` doesn't read.
+bool addPng(PictureFile& file, int place, const QByteArray& png, const PDFPageGeometry& page);
 
 } // namespace ImagePage

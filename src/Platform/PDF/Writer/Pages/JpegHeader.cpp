@@ -1,6 +1,11 @@
 #include "JpegHeader.h"
 
+#include "PictureProfile.h"
+
 #include <QtEndian>
+
+#include <algorithm>
+#include <map>
 
 namespace {
 
@@ -30,12 +35,39 @@ int orientationFromExif(QByteArrayView segment) {
     return 1;
 }
 
+/// A colour profile comes in numbered parts, since a segment holds 64 KB.
+class ProfileParts {
+public:
+    void add(QByteArrayView segment) {
+        constexpr QByteArrayView mark("ICC_PROFILE\0", 12);
+        constexpr qsizetype start = 14; // behind the mark, the part's number and how many there are
+        if (!segment.startsWith(mark) || segment.size() < start)
+            return;
+        m_parts[static_cast<unsigned char>(segment[12])] = segment.sliced(start);
+        m_count = static_cast<unsigned char>(segment[13]);
+    }
+
+    /// Empty when some are missing.
+    [[nodiscard]] QByteArray whole() const {
+        QByteArray profile;
+        if (m_parts.size() == m_count)
+            for (const auto& [number, part] : m_parts)
+                profile += part;
+        return profile;
+    }
+
+private:
+    std::map<int, QByteArrayView> m_parts;
+    std::size_t m_count = 0;
+};
+
 } // namespace
 
 std::optional<JpegHeader> JpegHeader::read(const QByteArray& bytes) {
     if (!bytes.startsWith("\xFF\xD8"))
         return std::nullopt;
     JpegHeader header;
+    ProfileParts profile;
     bool byAdobe = false;
     qsizetype at = 2;
     while (at + 4 <= bytes.size()) {
@@ -57,6 +89,8 @@ std::optional<JpegHeader> JpegHeader::read(const QByteArray& bytes) {
         const QByteArrayView segment = QByteArrayView(bytes).sliced(at + 4, length - 2);
         if (marker == 0xE1)
             header.orientation = std::max(header.orientation, orientationFromExif(segment));
+        if (marker == 0xE2)
+            profile.add(segment);
         if (marker == 0xEE && segment.startsWith("Adobe"))
             byAdobe = true;
         const bool isFrame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
@@ -67,6 +101,7 @@ std::optional<JpegHeader> JpegHeader::read(const QByteArray& bytes) {
             header.width = byte(at + 7) << 8 | byte(at + 8);
             header.components = byte(at + 9);
             header.isInverted = header.components == 4 && byAdobe;
+            header.iccProfile = PictureProfile::fitting(profile.whole(), header.components);
             const bool known = header.components == 1 || header.components == 3 || header.components == 4;
             return known && header.width > 0 && header.height > 0 ? std::optional(header) : std::nullopt;
         }

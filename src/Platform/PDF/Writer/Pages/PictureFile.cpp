@@ -71,12 +71,21 @@ void PictureFile::writeStream(int number, const QByteArray& keys, const QByteArr
     write("\nendstream\nendobj\n");
 }
 
+QByteArray PictureFile::completeKeys(const Image& image) {
+    if (image.iccProfile.isEmpty())
+        return image.keys;
+    const int profile = reserve();
+    writeStream(profile, "/Filter /FlateDecode /N " + QByteArray::number(image.components),
+                qCompress(image.iccProfile).mid(4));
+    return image.keys + " /ColorSpace [/ICCBased " + reference(profile) + ']';
+}
+
 void PictureFile::addPage(int place, const PDFPageGeometry& page, const QTransform& upright, const Image& picture,
                           const std::optional<Image>& transparency) {
-    QByteArray keys = picture.keys;
+    QByteArray keys = completeKeys(picture);
     if (transparency) {
         const int mask = reserve();
-        writeStream(mask, transparency->keys, transparency->data);
+        writeStream(mask, completeKeys(*transparency), transparency->data);
         keys += " /SMask " + reference(mask);
     }
     const int image = reserve();

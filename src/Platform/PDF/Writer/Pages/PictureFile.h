@@ -19,6 +19,8 @@ public:
     struct Image {
         QByteArray keys;
         QByteArray data;
+        QByteArray iccProfile = {}; ///< takes the place of a colour space among the keys
+        int components = 0;         ///< that the profile is for
     };
 
     /// Begins the file. The device outlives it.
@@ -36,6 +38,8 @@ private:
     void write(const QByteArray& bytes);
     void writeObject(int number, const QByteArray& value);
     void writeStream(int number, const QByteArray& keys, const QByteArray& data);
+    /// The keys of the image with those that lead to what stands in objects of its own.
+    QByteArray completeKeys(const Image& image);
 
     QIODevice& m_device;
     qint64 m_position = 0;

@@ -1,0 +1,174 @@
+#include "PicturePages.h"
+
+#include "PDFDocument.h"
+#include "PDFPage.h"
+#include "PdfPrograms.h"
+
+#include <QColorSpace>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QColor red(255, 0, 0);
+
+QByteArray bytesOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool store(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+/// Columns 4 and 6 to 9 of what another program lists of the file's pictures, one picture a line.
+QString picturesIn(const QByteArray& pdf) {
+    QStringList found;
+    const QString list = QString::fromUtf8(
+        PdfPrograms::run(QStringLiteral("pdfimages"), {QStringLiteral("-list"), QStringLiteral("FILE")}, pdf).output);
+    for (const QString& line : list.split(u'\n').mid(2))
+        if (const QStringList words = line.simplified().split(u' '); words.size() > 9)
+            found << QStringList(words.mid(3, 2) + words.mid(5, 4)).join(u' ');
+    return found.join(u'\n');
+}
+
+class PicturePagesTest : public testing::Test {
+protected:
+    [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
+
+    /// Four quarters, red at the upper left, with what `arguments` ask for.
+    [[nodiscard]] bool make(const QString& name, const QStringList& arguments) const {
+        const QStringList quarters{
+            QStringLiteral("("),          QStringLiteral("xc:#ff0000"), QStringLiteral("xc:#00a000"),
+            QStringLiteral("+append"),    QStringLiteral(")"),          QStringLiteral("("),
+            QStringLiteral("xc:#0000ff"), QStringLiteral("xc:#ffc000"), QStringLiteral("+append"),
+            QStringLiteral(")"),          QStringLiteral("-append")};
+        return QProcess::execute(QStringLiteral("convert"),
+                                 QStringList{QStringLiteral("-size"), QStringLiteral("30x20")} + quarters + arguments +
+                                     QStringList{path(name)}) == 0;
+    }
+
+    /// The PDF of it; empty when there is none.
+    [[nodiscard]] QByteArray converted(const QString& name) const {
+        const QString destination = path(QStringLiteral("page.pdf"));
+        QFile::remove(destination);
+        const bool isWritten = PicturePages::write(path(name), destination);
+        EXPECT_EQ(QFile::exists(destination), isWritten);
+        return bytesOf(destination);
+    }
+
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST_F(PicturePagesTest, EveryKindOfPictureBecomesAPageThatLooksLikeIt) {
+    const auto list = [](const char* words) { return QString::fromLatin1(words).split(u' ', Qt::SkipEmptyParts); };
+    const struct {
+        const char* name;
+        const char* arguments;
+        QSizeF page;
+        const char* stored; ///< width, height, colours, components, bits, packing
+        QColor corner;
+    } kinds[] = {
+        {"photo.jpg", "-quality 95 -sampling-factor 1x1", {60, 40}, "60 40 rgb 3 8 jpeg", red},
+        {"gray.jpeg", "-colorspace Gray -quality 95", {60, 40}, "60 40 gray 1 8 jpeg", "#363636"},
+        {"inks.jpg", "-colorspace CMYK -quality 95", {60, 40}, "60 40 cmyk 4 8 jpeg", red},
+        {"wide.jpg", "-scale 6000x3000! -quality 90", {3000, 1500}, "6000 3000 rgb 3 8 jpeg", red},
+        {"true.png", "-depth 8 -define png:color-type=2", {60, 40}, "60 40 rgb 3 8 image", red},
+        {"deep.png", "-depth 16 -type TrueColor -evaluate subtract 1", {60, 40}, "60 40 rgb 3 16 image", red},
+        {"palette.png", "-type Palette", {60, 40}, "60 40 index 1 4 image", red},
+        {"bilevel.png", "-threshold 50%", {60, 40}, "60 40 gray 1 1 image", Qt::black},
+        {"interlaced.png", "-interlace PNG -define png:color-type=2", {60, 40}, "60 40 index 1 8 image", red},
+        {"clear.png", "-transparent #ff0000", {60, 40}, "60 40 index 1 8 image", Qt::white},
+        {"haze.png", "-alpha set -channel A -evaluate set 60%", {60, 40}, "60 40 index 1 8 image", "#ff6666"},
+        {"frames.gif", "xc:blue", {60, 40}, "60 40 index 1 8 image", red},
+        {"plain.BMP", "", {60, 40}, "60 40 index 1 8 image", red},
+        {"fax.tif", "-threshold 50% -compress Group4 xc:white", {60, 40}, "60 40 index 1 1 image", Qt::black},
+        {"inks.tiff", "-colorspace CMYK -depth 8", {60, 40}, "60 40 index 1 8 image", red},
+        {"deep.tiff", "-depth 16", {60, 40}, "60 40 index 1 8 image", red},
+        {"phone.heic", "-quality 100", {60, 40}, "60 40 index 1 8 image", red},
+    };
+    for (const auto& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        const QString name = QString::fromLatin1(kind.name);
+        ASSERT_TRUE(make(name, list(kind.arguments)));
+        const QByteArray pdf = converted(name);
+        ASSERT_FALSE(pdf.isEmpty());
+        EXPECT_EQ(PdfPrograms::complaints(pdf), "");
+        EXPECT_EQ(picturesIn(pdf).toStdString(), kind.stored);
+        const auto document = PDFDocument::fromData(pdf);
+        ASSERT_EQ(document->pageCount(), 1);
+        EXPECT_EQ(document->page(0)->bounds(PDFDisplayBox::mediaBox).size(), kind.page);
+        const QColor corner = document->page(0)->thumbnail({60, 40}, PDFDisplayBox::mediaBox).pixelColor(8, 8);
+        const auto away = [&](auto part) { return std::abs((corner.*part)() - (kind.corner.*part)()); };
+        EXPECT_LT(std::max({away(&QColor::red), away(&QColor::green), away(&QColor::blue)}), 24)
+            << corner.name().toStdString();
+        EXPECT_EQ(pdf.contains(bytesOf(path(name))), QLatin1String(kind.stored).endsWith(QLatin1String("jpeg")));
+    }
+}
+
+TEST_F(PicturePagesTest, ATurnedPhotoStandsUprightAndKeepsItsColours) {
+    const QString profile = path(QStringLiteral("wide.icc"));
+    ASSERT_TRUE(store(profile, QColorSpace(QColorSpace::DisplayP3).iccProfile()));
+    const QStringList arguments{QStringLiteral("-quality"), QStringLiteral("95"), QStringLiteral("-profile"), profile};
+    ASSERT_TRUE(make(QStringLiteral("turned.jpg"), arguments) && make(QStringLiteral("wide.png"), arguments));
+    const QByteArray turnedClockwise("\xFF\xE1\0\x22"
+                                     "Exif\0\0MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0",
+                                     36);
+    ASSERT_TRUE(store(path(QStringLiteral("turned.jpg")),
+                      bytesOf(path(QStringLiteral("turned.jpg"))).insert(2, turnedClockwise)));
+    for (const auto& [name, size] : {std::pair("turned.jpg", QSizeF(40, 60)), {"wide.png", QSizeF(60, 40)}}) {
+        SCOPED_TRACE(name);
+        const QByteArray pdf = converted(QString::fromLatin1(name));
+        EXPECT_TRUE(pdf.contains("/ICCBased"));
+        EXPECT_EQ(PdfPrograms::complaints(pdf), "");
+        const auto page = PDFDocument::fromData(pdf)->page(0);
+        EXPECT_EQ(page->bounds(PDFDisplayBox::mediaBox).size(), size);
+        const QImage shown = page->thumbnail(size.toSize(), PDFDisplayBox::mediaBox);
+        const QColor corner = shown.pixelColor(name == std::string_view("wide.png") ? 6 : 34, 6);
+        EXPECT_TRUE(corner.red() > 240 && corner.green() < 12) << corner.name().toStdString();
+    }
+}
+
+TEST_F(PicturePagesTest, WhatCantBeShownGivesNothing) {
+    ASSERT_TRUE(make(QStringLiteral("sound.png"), {}) && make(QStringLiteral("sound.jpg"), {}) &&
+                make(QStringLiteral("sound.heic"), {}));
+    const QByteArray png = bytesOf(path(QStringLiteral("sound.png")));
+    QByteArray jpeg = bytesOf(path(QStringLiteral("sound.jpg")));
+    const qsizetype frame = jpeg.indexOf(QByteArray("\xFF\xC0", 2));
+    QByteArray huge = jpeg;
+    huge.replace(frame + 5, 4, QByteArray("\x4E\x20\x4E\x20", 4)); // 20,000 by 20,000
+    QImage wall(20'000, 20'000, QImage::Format_Mono);
+    wall.fill(0);
+    ASSERT_TRUE(wall.save(path(QStringLiteral("wall.png"))));
+    ASSERT_LT(bytesOf(path(QStringLiteral("wall.png"))).size(), 100'000);
+    const struct {
+        const char* name;
+        QByteArray bytes;
+    } files[] = {{"words.jpg", "Dear reader, this is no picture."},
+                 {"empty.png", ""},
+                 {"cut.png", png.chopped(40)},
+                 {"cut.jpg", jpeg.left(frame + 20)},
+                 {"cut.heic", bytesOf(path(QStringLiteral("sound.heic"))).left(300)},
+                 {"huge.jpg", huge},
+                 {"drawing.png", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><rect/></svg>"},
+                 {"wall.png", bytesOf(path(QStringLiteral("wall.png")))},
+                 {"frame.gif", QByteArray("GIF89a\xFF\xFF\xFF\xFF\x80\0\0", 13)}};
+    for (const auto& [name, bytes] : files) {
+        ASSERT_TRUE(store(path(QString::fromLatin1(name)), bytes));
+        EXPECT_TRUE(converted(QString::fromLatin1(name)).isEmpty()) << name;
+    }
+    EXPECT_TRUE(converted(QStringLiteral("missing.png")).isEmpty());
+    EXPECT_FALSE(PicturePages::write(path(QStringLiteral("sound.png")), path(QStringLiteral("no/such/folder.pdf"))));
+}
