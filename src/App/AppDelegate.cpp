@@ -77,7 +77,7 @@ void AppDelegate::handleReopen() {
 }
 
 void AppDelegate::showLandingPageIfNoWindowsVisible() {
-    if (m_isTerminating || !visibleWindows().isEmpty())
+    if (m_isTerminating || !visibleWindows().isEmpty() || (m_isOpening && m_isOpening()))
         return;
     m_welcomeWindowController = std::make_unique<WelcomeWindowController>(m_services);
     m_welcomeWindowController->showWindow();

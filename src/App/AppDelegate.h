@@ -6,6 +6,10 @@
 #include <QObject>
 #include <QUrl>
 
+#include <functional>
+#include <memory>
+#include <utility>
+
 class DefaultPDFHandler;
 class WelcomeWindowController;
 
@@ -36,6 +40,9 @@ public:
     /// Null while there is none. Stays set after the user closed the landing window.
     [[nodiscard]] WelcomeWindowController* welcomeWindowController() const { return m_welcomeWindowController.get(); }
 
+    /// Tells whether a window is about to come up, so that no landing window takes its place for a moment.
+    void setIsOpening(std::function<bool()> isOpening) { m_isOpening = std::move(isOpening); }
+
     /// While true, no landing window takes the place of windows that close.
     void setTerminating(bool terminating) { m_isTerminating = terminating; }
 
@@ -50,5 +57,6 @@ private:
     WindowServices& m_services;
     DefaultPDFHandler& m_defaultHandler;
     std::unique_ptr<WelcomeWindowController> m_welcomeWindowController;
+    std::function<bool()> m_isOpening;
     bool m_isTerminating = false;
 };

@@ -5,6 +5,7 @@
 #include "FileOpenRouter.h"
 #include "FileRefusal.h"
 #include "OpenPanel.h"
+#include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "RecentPageStore.h"
 #include "RecentScaleStore.h"
@@ -16,7 +17,7 @@ QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
     : m_defaults(UserDefaults::standardFilePath(QStringLiteral("Quillo"), QStringLiteral("Quillo"))),
       m_dialogs(std::move(dialogs)), m_presenter(*m_dialogs),
       m_controller([] { return std::make_shared<PDFEditorDocument>(); }, m_presenter, m_defaults),
-      m_services{m_controller, m_defaults, m_actions, *m_dialogs},
+      m_importer(m_controller), m_services{m_controller, m_defaults, m_actions, *m_dialogs},
       m_defaultHandler(
           m_defaults,
           [this](DocumentDialogs::Answered answered) { m_dialogs->offerToBecomeDefault(std::move(answered)); }),
@@ -24,6 +25,7 @@ QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
       m_delegate(m_services, m_defaultHandler), m_sessionEnd(m_controller, m_delegate, *m_dialogs),
       m_crashRecovery(m_controller, m_presenter, m_defaults), m_fileMonitor(m_controller, m_presenter) {
     m_presenter.setServices(m_services);
+    m_delegate.setIsOpening([this] { return m_importer.isConverting(); });
     connect(&m_presenter, &WindowPresenter::documentPresented, &m_delegate, &AppDelegate::closeWelcomeWindow,
             Qt::QueuedConnection);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, &m_fileMonitor, [this](Qt::ApplicationState state) {
@@ -65,9 +67,19 @@ void QuilloApp::setFileDestinations() {
         const FileRefusal refusal = FileRefusal::of(url);
         m_presenter.presentError(refusal.title, refusal.sentence);
     };
-    destinations.openImport = refuse;
+    destinations.openImport = [this](const QUrl& url, const std::shared_ptr<Document>& emptyTab) {
+        importFile(url, emptyTab);
+    };
     destinations.openPreview = [refuse](const QUrl& url, bool) { refuse(url); };
     FileOpenRouter::setDestinations(std::move(destinations));
+}
+
+void QuilloApp::importFile(const QUrl& url, const std::weak_ptr<Document>& emptyTab) {
+    m_importer.open(url, [this, emptyTab](const std::shared_ptr<Document>& imported, bool alreadyOpen, const QString&) {
+        const auto empty = std::dynamic_pointer_cast<PDFEditorDocument>(emptyTab.lock());
+        if (imported && !alreadyOpen && empty && empty->pdfDocument()->pageCount() == 0 && !empty->isDocumentEdited())
+            m_controller.closeDocument(empty);
+    });
 }
 
 void QuilloApp::launch(const QList<QUrl>& files) {

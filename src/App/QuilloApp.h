@@ -8,6 +8,7 @@
 #include "DocumentController.h"
 #include "DocumentDialogs.h"
 #include "DocumentFileMonitor.h"
+#include "DocumentImporter.h"
 #include "SessionEnd.h"
 #include "SettingsWindow.h"
 #include "UserDefaults.h"
@@ -33,6 +34,7 @@ public:
     void reopenFromOtherStart(const QString& activationToken);
 
     [[nodiscard]] DocumentController& controller() { return m_controller; }
+    [[nodiscard]] DocumentImporter& importer() { return m_importer; }
     [[nodiscard]] SessionEnd& sessionEnd() { return m_sessionEnd; }
     [[nodiscard]] AppDelegate& delegate() { return m_delegate; }
     [[nodiscard]] WindowPresenter& presenter() { return m_presenter; }
@@ -43,12 +45,14 @@ public:
 private:
     void connectActions();
     void setFileDestinations();
+    void importFile(const QUrl& url, const std::weak_ptr<Document>& emptyTab);
     void showOpenPanel();
 
     UserDefaults m_defaults;
     std::unique_ptr<DocumentDialogs> m_dialogs;
     WindowPresenter m_presenter;
     DocumentController m_controller;
+    DocumentImporter m_importer;
     AppActions m_actions;
     WindowServices m_services;
     DefaultPDFHandler m_defaultHandler;

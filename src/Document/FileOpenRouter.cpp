@@ -61,6 +61,10 @@ FileOpenRouter::Kind FileOpenRouter::classify(const QUrl& url) {
 }
 
 void FileOpenRouter::open(const QUrl& url) {
+    openInPlaceOf(nullptr, url);
+}
+
+void FileOpenRouter::openInPlaceOf(const std::shared_ptr<Document>& emptyTab, const QUrl& url) {
     // A copy: a destination may run an event loop, and the destinations may be set anew meanwhile.
     const Destinations destinations = currentDestinations();
     switch (const Kind kind = classify(url)) {
@@ -70,7 +74,7 @@ void FileOpenRouter::open(const QUrl& url) {
         break;
     case Kind::track1:
         if (destinations.openImport)
-            destinations.openImport(url);
+            destinations.openImport(url, emptyTab);
         break;
     case Kind::track2:
     case Kind::unsupported:

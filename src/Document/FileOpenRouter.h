@@ -5,8 +5,10 @@
 #include <QUrl>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
+class Document;
 class QMimeData;
 
 /// The one rule of where a file goes when it is opened, by the extension of its name. Main thread only.
@@ -22,7 +24,8 @@ enum class Kind {
 /// What opens a file of each kind; the application sets them at its start. One that is empty does nothing.
 struct Destinations {
     std::function<void(const QUrl& url)> openDocument;
-    std::function<void(const QUrl& url)> openImport;
+    /// `emptyTab` is the document without pages whose place the file takes; null for a place of its own.
+    std::function<void(const QUrl& url, const std::shared_ptr<Document>& emptyTab)> openImport;
     std::function<void(const QUrl& url, bool isSupported)> openPreview;
 };
 void setDestinations(Destinations destinations);
@@ -39,6 +42,8 @@ void setDestinations(Destinations destinations);
 
 /// Hands the file to the destination of its kind.
 void open(const QUrl& url);
+/// The same for one that is to take the place of a document without pages, where its kind can.
+void openInPlaceOf(const std::shared_ptr<Document>& emptyTab, const QUrl& url);
 
 /// For open panels: all supported files, then PDF alone, then all files.
 [[nodiscard]] QStringList nameFilters();

@@ -86,7 +86,7 @@ private:
 
 } // namespace
 
-Document::Reading PDFEditorDocument::reading(const QUrl& url) const {
+Document::Reading PDFEditorDocument::readingOf(const QUrl& url) {
     return [url]() -> Filling {
         if (!url.isLocalFile())
             throw DocumentError(QStringLiteral("Only files on this computer can be opened."));

@@ -29,7 +29,9 @@ public:
     [[nodiscard]] QString openNotice() const;
 
     /// Opens the PDF file. A protected one is held locked.
-    [[nodiscard]] Reading reading(const QUrl& url) const override;
+    [[nodiscard]] Reading reading(const QUrl& url) const override { return readingOf(url); }
+    /// The same for a document that isn't there yet. Any thread.
+    [[nodiscard]] static Reading readingOf(const QUrl& url);
     /// Looks for the mark at the end of the file.
     [[nodiscard]] WholeCheck wholeCheck() const override { return &looksWhole; }
     /// The whole state, annotations and page changes included. A locked document can't be saved.

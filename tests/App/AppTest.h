@@ -125,12 +125,12 @@ protected:
         settle();
     }
 
-    /// Lets everything happen that waits for the next turns of the event loop, and for what is being saved.
+    /// Lets everything happen that waits for the next turns of the event loop, and for what is being saved or imported.
     void settle() {
         for (int turn = 0; turn < 5; ++turn) {
             QCoreApplication::processEvents();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-            if (isSaving()) {
+            if (isSaving() || m_app->importer().isConverting()) {
                 QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
                 turn = 0;
             }

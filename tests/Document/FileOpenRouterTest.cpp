@@ -59,7 +59,7 @@ TEST(FileOpenRouter, handsEachKindToItsDestination) {
     QStringList log;
     FileOpenRouter::setDestinations({
         .openDocument = [&log](const QUrl& url) { log << QStringLiteral("document ") + url.fileName(); },
-        .openImport = [&log](const QUrl& url) { log << QStringLiteral("import ") + url.fileName(); },
+        .openImport = [&log](const QUrl& url, const auto&) { log << QStringLiteral("import ") + url.fileName(); },
         .openPreview =
             [&log](const QUrl& url, bool isSupported) {
                 log << (isSupported ? QStringLiteral("preview ") : QStringLiteral("refusal ")) + url.fileName();
@@ -91,6 +91,16 @@ TEST(FileOpenRouter, panelsAndDropsKnowTheSupportedKinds) {
     EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(QStringLiteral("application/octet-stream")));
     EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(QStringLiteral("no such type")));
     EXPECT_FALSE(FileOpenRouter::isSupportedMimeType(QString()));
+    // File managers offer Quillo for all of them.
+    QFile entry(QStringLiteral(DESKTOP_ENTRY));
+    ASSERT_TRUE(entry.open(QFile::ReadOnly));
+    const QStringList lines = QString::fromUtf8(entry.readAll()).split(u'\n');
+    EXPECT_TRUE(lines.contains(QStringLiteral("Exec=quillo %F")));
+    QStringList types = lines.filter(QStringLiteral("MimeType=")).value(0).mid(9).split(u';', Qt::SkipEmptyParts);
+    QStringList supported = FileOpenRouter::allSupportedMimeTypes();
+    types.sort();
+    supported.sort();
+    EXPECT_EQ(types, supported);
 }
 
 TEST(FileOpenRouter, aDropStandsForItsFirstSupportedFile) {

@@ -88,8 +88,12 @@ DocumentWindow::DocumentWindow(WindowServices& services)
     connect(&services.controller, &DocumentController::documentSavingChanged, this,
             [this](const std::shared_ptr<Document>& document, bool isSaving) { announceSaving(*document, isSaving); });
     connect(m_menu, &MainMenu::closeRequested, this, [this] { closeTab(m_tabBar->current()); });
-    connect(m_menu, &MainMenu::openRecentRequested, this,
-            [this](const QUrl& url) { m_services.controller.openDocument(url, true); });
+    connect(m_menu, &MainMenu::openRecentRequested, this, [this](const QUrl& url) {
+        if (FileOpenRouter::classify(url) == FileOpenRouter::Kind::track1)
+            FileOpenRouter::open(url);
+        else // a document, whatever its name
+            m_services.controller.openDocument(url, true);
+    });
 }
 
 DocumentWindow::~DocumentWindow() = default;
@@ -232,8 +236,8 @@ QString DocumentWindow::title(const Document& document) const {
 void DocumentWindow::updateTab(ContentView* view) {
     const Document& document = *view->document();
     m_tabBar->setTitle(view, title(document), document.isDocumentEdited(),
-                       document.fileURL().isEmpty() ? document.displayName()
-                                                    : QDir::toNativeSeparators(document.fileURL().toLocalFile()));
+                       document.originURL().isEmpty() ? document.displayName()
+                                                      : QDir::toNativeSeparators(document.originURL().toLocalFile()));
     if (view == currentContentView())
         updateTitle();
 }

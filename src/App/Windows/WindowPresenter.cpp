@@ -159,7 +159,7 @@ static QString folderForNewFiles() {
 std::optional<QString> WindowPresenter::chooseSaveLocation(const std::shared_ptr<Document>& document,
                                                            const QString& suggestedName) {
     const QString folder =
-        document->fileURL().isEmpty() ? folderForNewFiles() : QFileInfo(document->fileURL().toLocalFile()).path();
+        document->originURL().isEmpty() ? folderForNewFiles() : QFileInfo(document->originURL().toLocalFile()).path();
     return m_dialogs.chooseSaveLocation(m_window, QDir(folder).filePath(suggestedName));
 }
 

@@ -118,6 +118,8 @@ std::shared_ptr<PDFEditorDocument> LostDocuments::open(const Reading& reading) {
     if (keepsFile) {
         document->setFileURL(url);
         document->setFileStamp(FileStamp::of(description.originalPath));
+    } else if (!description.importedPath.isEmpty()) {
+        document->becomeImport(QUrl::fromLocalFile(description.importedPath));
     } else {
         document->setUntitledName(untitledName(description, original));
     }

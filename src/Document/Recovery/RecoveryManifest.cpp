@@ -75,6 +75,7 @@ QByteArray RecoveryManifest::encoded() const {
     QJsonObject object{{QStringLiteral("version"), formatVersion},
                        {QStringLiteral("name"), description.displayName},
                        {QStringLiteral("path"), description.originalPath},
+                       {QStringLiteral("imported"), description.importedPath},
                        {QStringLiteral("time"), description.writeTime.toMSecsSinceEpoch()},
                        {QStringLiteral("pageCount"), description.pageCount},
                        {QStringLiteral("pageIndex"), description.pageIndex},
@@ -103,6 +104,8 @@ std::optional<RecoveryManifest> RecoveryManifest::decoded(const QByteArray& json
     RecoveryDescription& description = manifest.description;
     description.displayName = tidyName(object.value(QStringLiteral("name")).toString());
     description.originalPath = path;
+    if (const QString imported = object.value(QStringLiteral("imported")).toString(); isPlausiblePath(imported))
+        description.importedPath = imported;
     description.originalStamp = decodedStamp(object.value(QStringLiteral("original")).toObject());
     description.writeTime = QDateTime::fromMSecsSinceEpoch(*time);
     constexpr qint64 most = std::numeric_limits<int>::max();

@@ -171,6 +171,7 @@ void RecoveryWriter::write() {
     description.displayName = m_document.displayName();
     description.originalPath =
         m_document.fileURL().isEmpty() ? QString() : QFileInfo(m_document.fileURL().toLocalFile()).absoluteFilePath();
+    description.importedPath = m_document.importedFrom().toLocalFile();
     description.originalStamp = m_document.fileStamp();
     description.writeTime = QDateTime::currentDateTime();
     description.pageCount = pages.pageCount();

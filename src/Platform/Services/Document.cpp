@@ -5,6 +5,8 @@
 #include "FileError.h"
 #include "UndoManager.h"
 
+#include <QFileInfo>
+
 #include <exception>
 #include <set>
 #include <utility>
@@ -57,6 +59,7 @@ void Document::setFileURL(const QUrl& fileURL) {
     m_fileURL = fileURL;
     m_fileStamp.reset();
     if (!m_fileURL.isEmpty()) {
+        m_importedFrom.clear();
         untitledNumbers().erase(m_untitledNumber);
         m_untitledNumber = 0;
     }
@@ -72,6 +75,12 @@ void Document::becomeFile(const QUrl& url, const std::optional<FileStamp>& stamp
     m_hasGivenUpSignatures = false;
     m_undoManager->removeAllActions();
     m_undoManager->markSaved();
+}
+
+void Document::becomeImport(const QUrl& url) {
+    becomeFile({}, std::nullopt);
+    m_importedFrom = url;
+    setUntitledName(QFileInfo(url.adjusted(QUrl::StripTrailingSlash).fileName()).completeBaseName());
 }
 
 void Document::becomeSaved(const QUrl& url, const std::optional<FileStamp>& stamp, quint64 savedState) {

@@ -33,6 +33,12 @@ public:
     /// Another file has no stamp until it is given one.
     void setFileURL(const QUrl& fileURL);
 
+    /// The file of another kind that an untitled document was made of, and which it leaves as it is; empty for none,
+    /// and once the document has a file of its own.
+    QUrl importedFrom() const { return m_importedFrom; }
+    /// The file that the user knows the document by, and what is remembered of it: its own, or what it was made of.
+    QUrl originURL() const { return m_fileURL.isEmpty() ? m_importedFrom : m_fileURL; }
+
     /// The file as this document last read or wrote it; a file with another stamp was changed by another program. None
     /// when that isn't known.
     const std::optional<FileStamp>& fileStamp() const { return m_fileStamp; }
@@ -41,6 +47,10 @@ public:
     /// The document holds what the file at `url` held when it had that stamp: it takes its name and counts as saved,
     /// and what could be undone, which belongs to what it held before, is forgotten.
     void becomeFile(const QUrl& url, const std::optional<FileStamp>& stamp);
+
+    /// The document holds what the file at `url`, of another kind, became: it is untitled, has that file's name without
+    /// the extension, counts as saved, and nothing can be undone.
+    void becomeImport(const QUrl& url);
 
     /// The document is in its file with that stamp now, as it was in the state `savedState` of its undo manager.
     void becomeSaved(const QUrl& url, const std::optional<FileStamp>& stamp, quint64 savedState);
@@ -119,6 +129,7 @@ Q_SIGNALS:
 
 private:
     QUrl m_fileURL;
+    QUrl m_importedFrom;
     std::optional<FileStamp> m_fileStamp;
     QString m_untitledName;
     std::shared_ptr<UndoManager> m_undoManager;

@@ -25,7 +25,7 @@ DocumentController::~DocumentController() = default;
 std::shared_ptr<Document> DocumentController::documentAt(const QString& path) const {
     const auto isThere = [this, &path](const std::shared_ptr<Document>& document) {
         const auto canonical = m_canonicalPaths.find(document.get());
-        return FilePath::absolute(document->fileURL()) == path ||
+        return FilePath::absolute(document->originURL()) == path ||
                (canonical != m_canonicalPaths.end() && canonical->second == path);
     };
     const auto found =
@@ -40,14 +40,14 @@ std::shared_ptr<Document> DocumentController::documentForURL(const QUrl& url) co
 
 void DocumentController::lookUpPath(const std::shared_ptr<Document>& document) {
     m_canonicalPaths.erase(document.get());
-    const QUrl url = document->fileURL();
+    const QUrl url = document->originURL();
     if (!url.isLocalFile())
         return;
     FileWork::run(
         this, [url] { return FilePath::canonical(url); },
         [this, url, which = std::weak_ptr(document)](const QString& path) {
             const std::shared_ptr<Document> open = which.lock();
-            if (open && documentFor(open.get()) && open->fileURL() == url)
+            if (open && documentFor(open.get()) && open->originURL() == url)
                 m_canonicalPaths[open.get()] = path;
         },
         FileReading::patience);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DocumentImport.h"
 #include "DocumentPresenter.h"
 #include "DocumentSaver.h"
 #include "DocumentSnapshot.h"
@@ -68,6 +69,11 @@ public:
     /// can be given up. Files come up in the order in which they were asked for, but none waits for a slow one; that
     /// doesn't take the place of one that was asked for later.
     void openDocument(const QUrl& url, bool display, const OpenCompletion& completion = {});
+
+    /// Opens the file as an untitled document of what it is converted to, with display, as `openDocument` does with a
+    /// file of the documents' kind; but no thread waits for it, however short it takes. Giving it up stops the
+    /// conversion.
+    void importDocument(const DocumentImport& import, const OpenCompletion& completion = {});
 
     /// For who fills a document of its own with a file: shown as that of `openDocument` when it takes long.
     [[nodiscard]] std::unique_ptr<FileReading> readingOf(const QUrl& url);
@@ -164,6 +170,7 @@ private:
     void lookUpPath(const std::shared_ptr<Document>& document);
 
     struct Opening;
+    void open(const std::shared_ptr<Opening>& opening);
     void startReading(const std::shared_ptr<Opening>& opening);
     void deliverOpenings();
     std::shared_ptr<Opening> takeNextOpening();

@@ -10,8 +10,10 @@
 #include "UndoManager.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <optional>
+#include <stop_token>
 #include <utility>
 
 /// A file that is being opened.
@@ -19,12 +21,16 @@ struct DocumentController::Opening {
     Opening(DocumentPresenter& presenter, QUrl file, bool isDisplayed, OpenCompletion whenDone)
         : url(std::move(file)), display(isDisplayed), completion(std::move(whenDone)),
           reading(std::make_unique<FileReading>(presenter, name())) {}
+    ~Opening() { stop.request_stop(); }
+    Q_DISABLE_COPY_MOVE(Opening)
 
     [[nodiscard]] QString name() const { return url.adjusted(QUrl::StripTrailingSlash).fileName(); }
 
     const QUrl url;
     const bool display;
     const OpenCompletion completion;
+    std::optional<DocumentImport> import; ///< for a file of another kind
+    std::stop_source stop;                ///< of the conversion
     quint64 number = 0;
     std::shared_ptr<Document> document; ///< to be filled
     std::unique_ptr<FileReading> reading;
@@ -37,8 +43,18 @@ std::unique_ptr<FileReading> DocumentController::readingOf(const QUrl& url) {
 
 void DocumentController::openDocument(const QUrl& url, bool display, const OpenCompletion& completion) {
     const auto opening = std::make_shared<Opening>(m_presenter, url, display, completion);
+    open(opening);
+}
+
+void DocumentController::importDocument(const DocumentImport& import, const OpenCompletion& completion) {
+    const auto opening = std::make_shared<Opening>(m_presenter, import.source, true, completion);
+    opening->import = import;
+    open(opening);
+}
+
+void DocumentController::open(const std::shared_ptr<Opening>& opening) {
     opening->number = ++m_openingCount;
-    const QString path = FilePath::absolute(url);
+    const QString path = FilePath::absolute(opening->url);
     std::shared_ptr<Document> holder = documentAt(path);
     if (!holder && !path.isEmpty())
         holder = m_saver.documentWritingTo(path);
@@ -53,7 +69,10 @@ void DocumentController::startReading(const std::shared_ptr<Opening>& opening) {
     try {
         opening->document = m_factory();
         QUILLO_ASSERT(opening->document, "a document factory must make a document");
-        reading = opening->document->reading(opening->url);
+        if (opening->import)
+            reading = [read = opening->import->read, stop = opening->stop.get_token()] { return read(stop); };
+        else
+            reading = opening->document->reading(opening->url);
     } catch (const std::exception& exception) {
         failOpening(*opening, exception);
         return;
@@ -70,13 +89,17 @@ void DocumentController::startReading(const std::shared_ptr<Opening>& opening) {
             givenUp->completion(nullptr, false, {});
         deliverOpenings();
     });
-    file.start([url = opening->url, reading] { return ReadDocument::from(url, reading); },
-               [this, which = std::weak_ptr(opening)](ReadDocument read) {
-                   if (const std::shared_ptr<Opening> ready = which.lock()) {
-                       ready->read = std::move(read);
-                       deliverOpenings();
-                   }
-               });
+    const auto deliver = [this, which = std::weak_ptr(opening)](ReadDocument read) {
+        if (const std::shared_ptr<Opening> ready = which.lock()) {
+            ready->read = std::move(read);
+            deliverOpenings();
+        }
+    };
+    if (opening->import)
+        file.start([url = opening->url, reading] { return ReadDocument::fromImport(url, reading); }, deliver,
+                   std::chrono::milliseconds::zero());
+    else
+        file.start([url = opening->url, reading] { return ReadDocument::from(url, reading); }, deliver);
 }
 
 /// One that is there waits for those that were asked for before, as long as they aren't slow.
@@ -108,7 +131,10 @@ void DocumentController::finishOpening(const Opening& opening) {
         return;
     }
     try {
-        opening.read->putInto(*opening.document, opening.url);
+        if (opening.import)
+            opening.read->importInto(*opening.document, opening.url);
+        else
+            opening.read->putInto(*opening.document, opening.url);
     } catch (const std::exception& exception) {
         failOpening(opening, exception);
         return;
@@ -141,7 +167,8 @@ void DocumentController::present(const std::shared_ptr<Document>& document, bool
 }
 
 void DocumentController::failOpening(const Opening& opening, const std::exception& exception) {
-    const QString title = QStringLiteral("“%1” couldn't be opened.").arg(opening.name());
+    const QString title =
+        opening.import ? opening.import->failureTitle : QStringLiteral("“%1” couldn't be opened.").arg(opening.name());
     const QString sentence = DocumentError::from(exception).sentence();
     m_presenter.presentError(title, sentence);
     if (opening.completion)

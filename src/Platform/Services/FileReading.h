@@ -30,7 +30,7 @@ public:
 
     /// As `FileWork::run`; once. `done` may delete this.
     template <typename Work, typename Done>
-    void start(Work work, Done done) {
+    void start(Work work, Done done, std::chrono::milliseconds wait = patience) {
         m_slow.start();
         FileWork::run(
             m_receiver.get(), std::move(work),
@@ -38,7 +38,7 @@ public:
                 stopShowing();
                 done(std::forward<decltype(value)>(value));
             },
-            patience);
+            wait);
     }
     [[nodiscard]] bool isSlow() const { return m_isSlow; }
 

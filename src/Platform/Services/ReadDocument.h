@@ -20,4 +20,9 @@ struct ReadDocument {
     [[nodiscard]] static ReadDocument from(const QUrl& url, const Document::Reading& reading);
     /// Main thread, once. Throws DocumentError, also when nothing was read.
     void putInto(Document& document, const QUrl& url) const;
+
+    // The same for a file of another kind, which `reading` converts. It may be a folder.
+
+    [[nodiscard]] static ReadDocument fromImport(const QUrl& url, const Document::Reading& reading);
+    void importInto(Document& document, const QUrl& url) const;
 };

@@ -30,7 +30,7 @@ QList<QUrl> RecentDocuments::urls() const {
     QList<QUrl> urls;
     for (const QString& path : paths()) {
         const auto found = m_found.find(path);
-        if (urls.size() < maximumCount && (found == m_found.end() || found->second.isFile))
+        if (urls.size() < maximumCount && (found == m_found.end() || found->second.exists))
             urls.append(QUrl::fromLocalFile(path));
     }
     return urls;
@@ -47,7 +47,7 @@ void RecentDocuments::note(const QUrl& url) {
     next = withoutRepeats(next);
     next.resize(std::min<qsizetype>(next.size(), mostStored));
     const auto known = m_found.find(path);
-    const bool wasGone = known != m_found.end() && !known->second.isFile;
+    const bool wasGone = known != m_found.end() && !known->second.exists;
     if (wasGone)
         m_found.erase(known); // whoever opens or saves it has seen it
     if (next != former)
@@ -78,7 +78,7 @@ void RecentDocuments::lookUp(const QString& path) {
         this,
         [path] {
             const QFileInfo file(path);
-            return Found{file.isFile(), file.canonicalFilePath()};
+            return Found{file.exists(), file.canonicalFilePath()};
         },
         [this, path](const Found& found) { take(path, found); });
 }

@@ -39,7 +39,7 @@ Q_SIGNALS:
 
 private:
     struct Found {
-        bool isFile = false;
+        bool exists = false;   ///< some documents are folders
         QString canonicalPath; ///< empty where there is nothing
     };
 

@@ -146,10 +146,12 @@ void LandingView::selectFile() {
 }
 
 void LandingView::openFile(const QUrl& url) {
-    if (FileOpenRouter::classify(url) != FileOpenRouter::Kind::pdf)
-        FileOpenRouter::open(url);
-    else if (m_onOpenInPlace)
+    const FileOpenRouter::Kind kind = FileOpenRouter::classify(url);
+    const bool becomesDocument = kind == FileOpenRouter::Kind::pdf || kind == FileOpenRouter::Kind::track1;
+    if (becomesDocument && m_onOpenInPlace)
         m_onOpenInPlace(url);
+    else if (kind != FileOpenRouter::Kind::pdf)
+        FileOpenRouter::open(url);
     else
         m_controller.openDocument(url, true);
 }

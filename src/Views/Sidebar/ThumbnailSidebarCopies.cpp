@@ -9,8 +9,8 @@
 #include <QPointer>
 
 QString ThumbnailSidebar::baseName() const {
-    return m_document->fileURL().isEmpty() ? QStringLiteral("Document")
-                                           : QFileInfo(m_document->fileURL().toLocalFile()).completeBaseName();
+    return m_document->originURL().isEmpty() ? QStringLiteral("Document")
+                                             : QFileInfo(m_document->originURL().toLocalFile()).completeBaseName();
 }
 
 void ThumbnailSidebar::openCopySheet(CopySheet* sheet) {

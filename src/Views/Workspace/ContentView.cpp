@@ -3,6 +3,7 @@
 #include "AnnotatingPDFView.h"
 #include "DocumentController.h"
 #include "ErrorSentence.h"
+#include "FileOpenRouter.h"
 #include "FilePath.h"
 #include "FileReading.h"
 #include "FileStamp.h"
@@ -103,7 +104,7 @@ void ContentView::decideContent() {
                            new LandingView(m_controller, [this](const QUrl& url) { openInPlace(url); }));
     } else if (m_content != Content::workspace || m_workspaceDocument.lock() != pdfDocument) {
         const auto place = m_workspace ? ReaderPlace::of(*m_workspace->pdfView()) : std::nullopt;
-        auto* workspace = new PDFEditorWorkspaceView(m_document, m_document->fileURL(), m_toolState, m_defaults);
+        auto* workspace = new PDFEditorWorkspaceView(m_document, m_document->originURL(), m_toolState, m_defaults);
         connect(workspace, &PDFEditorWorkspaceView::settingsRequested, this, &ContentView::settingsRequested);
         m_workspaceDocument = pdfDocument;
         if (m_workspace)
@@ -139,6 +140,10 @@ void ContentView::replaceContent(Content content, QWidget* view) {
 }
 
 void ContentView::openInPlace(const QUrl& url) {
+    if (FileOpenRouter::classify(url) == FileOpenRouter::Kind::track1) {
+        FileOpenRouter::openInPlaceOf(m_document, url);
+        return;
+    }
     m_reading = m_controller.readingOf(url); // a file that was chosen before is given up
     connect(m_reading.get(), &FileReading::givenUp, this, [this] { m_reading.release()->deleteLater(); });
     m_reading->start([url] { return std::pair(read(url), FilePath::canonical(url)); },

@@ -38,7 +38,8 @@ public:
     [[nodiscard]] PDFEditorWorkspaceView* workspace() const { return m_workspace; }
 
     /// Puts the file into this window's document, which takes its name. A file that is open already comes forward
-    /// instead. Nothing changes when it can't be read or the user gives up its password.
+    /// instead. Nothing changes when it can't be read or the user gives up its password. A file that is converted first
+    /// takes this window's place when it is there.
     void openInPlace(const QUrl& url);
 
 Q_SIGNALS:

@@ -304,7 +304,7 @@ const std::shared_ptr<AssistantViewModel>& PDFEditorWorkspaceView::assistant() {
 }
 
 AssistantContext PDFEditorWorkspaceView::assistantContext() const {
-    return {m_document->pdfDocument(), m_coordinator, m_document->fileURL()};
+    return {m_document->pdfDocument(), m_coordinator, m_document->originURL()};
 }
 
 void PDFEditorWorkspaceView::takePanelsOf(const PDFEditorWorkspaceView& former) {

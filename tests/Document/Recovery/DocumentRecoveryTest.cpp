@@ -344,24 +344,32 @@ TEST_F(DocumentRecoveryTest, theOriginalThatWasOpenedMeanwhileMakesRoomUnlessItI
 }
 
 TEST_F(DocumentRecoveryTest, aDocumentThatWasNeverSavedIsRecoveredWhole) {
-    {
+    for (const QUrl& source : {QUrl(), QUrl::fromLocalFile(QStringLiteral("/papers/Brief.docx"))}) {
+        {
+            Session session(m_folder);
+            const auto document = std::dynamic_pointer_cast<PDFEditorDocument>(session.controller.newDocument());
+            if (!source.isEmpty())
+                document->becomeImport(source);
+            session.record([&] {
+                const auto pages = PDFDocument::fromFile(m_pdf);
+                document->pdfDocument()->insert(pages->page(1)->copy(), 0);
+                document->undoManager()->markEdited();
+            });
+        }
         Session session(m_folder);
-        const auto document = std::dynamic_pointer_cast<PDFEditorDocument>(session.controller.newDocument());
-        session.record([&] {
-            const auto pages = PDFDocument::fromFile(m_pdf);
-            document->pdfDocument()->insert(pages->page(1)->copy(), 0);
-            document->undoManager()->markEdited();
-        });
+        EXPECT_EQ(session.lostDocuments.take().front().original, LostDocument::Original::none);
+        session.lostDocuments.release();
+        const auto document = session.recoverOnly();
+        ASSERT_TRUE(document);
+        EXPECT_TRUE(document->fileURL().isEmpty() && document->isDocumentEdited());
+        EXPECT_EQ(document->importedFrom(), source);
+        EXPECT_TRUE(document->displayName().startsWith(source.isEmpty() ? QStringLiteral("Untitled")
+                                                                        : QStringLiteral("Brief")));
+        ASSERT_EQ(document->pdfDocument()->pageCount(), 1);
+        EXPECT_TRUE(document->pdfDocument()->page(0)->string().contains(QStringLiteral("Page 2")));
+        session.controller.closeDocument(document);
+        expectNoRecordSoon();
     }
-    Session session(m_folder);
-    EXPECT_EQ(session.lostDocuments.take().front().original, LostDocument::Original::none);
-    session.lostDocuments.release();
-    const auto document = session.recoverOnly();
-    ASSERT_TRUE(document);
-    EXPECT_TRUE(document->fileURL().isEmpty());
-    EXPECT_TRUE(document->displayName().startsWith(QStringLiteral("Untitled")));
-    ASSERT_EQ(document->pdfDocument()->pageCount(), 1);
-    EXPECT_TRUE(document->pdfDocument()->page(0)->string().contains(QStringLiteral("Page 2")));
 }
 
 TEST_F(DocumentRecoveryTest, aProtectedDocumentStaysProtectedInItsRecord) {

@@ -146,23 +146,23 @@ TEST_F(LandingViewTest, aDropFromATemporaryFolderOpensACopyThatStays) {
     EXPECT_EQ(DroppedFile::keep(url), url);
 }
 
-TEST_F(LandingViewTest, whatIsNoPDFGoesToTheRouterAndWhatIsNoFileIsNotTaken) {
-    QList<QUrl> imported;
+TEST_F(LandingViewTest, whatBecomesNoDocumentGoesToTheRouterAndWhatIsNoFileIsNotTaken) {
+    QList<QUrl> previewed;
     FileOpenRouter::Destinations destinations;
-    destinations.openImport = [&imported](const QUrl& url) { imported.append(url); };
+    destinations.openPreview = [&previewed](const QUrl& url, bool) { previewed.append(url); };
     FileOpenRouter::setDestinations(std::move(destinations));
-    QFile text(m_folder.filePath(QStringLiteral("notes.txt")));
-    ASSERT_TRUE(text.open(QFile::WriteOnly));
-    text.close();
+    QFile table(m_folder.filePath(QStringLiteral("table.xlsx")));
+    ASSERT_TRUE(table.open(QFile::WriteOnly));
+    table.close();
     const auto view = landingView();
     show(*view);
 
     QMimeData file;
-    file.setUrls({QUrl::fromLocalFile(text.fileName())});
+    file.setUrls({QUrl::fromLocalFile(table.fileName())});
     hover(*view, file);
     drop(*view, file);
-    ASSERT_TRUE(QTest::qWaitFor([&imported] { return !imported.isEmpty(); }));
-    EXPECT_EQ(imported.constFirst().fileName(), QStringLiteral("notes.txt"));
+    ASSERT_TRUE(QTest::qWaitFor([&previewed] { return !previewed.isEmpty(); }));
+    EXPECT_EQ(previewed.constFirst().fileName(), QStringLiteral("table.xlsx"));
 
     QMimeData address;
     address.setUrls({QUrl(QStringLiteral("https://example.org/a.pdf"))});
@@ -171,5 +171,5 @@ TEST_F(LandingViewTest, whatIsNoPDFGoesToTheRouterAndWhatIsNoFileIsNotTaken) {
     drop(*view, address);
     QCoreApplication::processEvents();
     EXPECT_TRUE(m_openedInPlace.isEmpty());
-    EXPECT_EQ(imported.size(), 1);
+    EXPECT_EQ(previewed.size(), 1);
 }
