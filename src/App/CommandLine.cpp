@@ -18,6 +18,11 @@ CommandLine CommandLine::parse(const QStringList& arguments, const QString& fold
         line.kind = Kind::recognizer;
         return line;
     }
+    if (!arguments.isEmpty() && arguments.constFirst() == converterOption) {
+        line.kind = Kind::converter;
+        line.conversion = arguments.mid(1);
+        return line;
+    }
     bool onlyFiles = false;
     for (const QString& argument : arguments) {
         if (onlyFiles || !argument.startsWith(QLatin1Char('-'))) {

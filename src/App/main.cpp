@@ -1,6 +1,8 @@
 #include "ActivationToken.h"
 #include "ColorScheme.h"
 #include "CommandLine.h"
+#include "ConverterProcess.h"
+#include "ConverterServer.h"
 #include "InstanceChannel.h"
 #include "QuilloApp.h"
 #include "RecognizerProcess.h"
@@ -29,7 +31,7 @@ static void nameApplication() {
 }
 
 /// The program without a window: texts for the terminal, or for the program that started it.
-static int printed(const CommandLine& line) {
+static int printed(const CommandLine& line, char* program) {
     switch (line.kind) {
     case CommandLine::Kind::version:
         std::puts("Quillo " QUILLO_VERSION);
@@ -39,6 +41,8 @@ static int printed(const CommandLine& line) {
         return 0;
     case CommandLine::Kind::recognizer:
         return RecognizerServer::run();
+    case CommandLine::Kind::converter:
+        return ConverterServer::run(program, line.conversion);
     default:
         std::fprintf(stderr, "quillo: %s\n%s", qUtf8Printable(line.mistake), qUtf8Printable(CommandLine::usage()));
         return mistakeExitCode;
@@ -49,9 +53,10 @@ int main(int argc, char** argv) {
     nameApplication();
     const CommandLine line = commandLine(argc, argv);
     if (line.kind != CommandLine::Kind::run)
-        return printed(line);
+        return printed(line, argv[0]);
 
     RecognizerProcess::setCommand({"/proc/self/exe", CommandLine::recognizerOption.toLatin1()});
+    ConverterProcess::setCommand({"/proc/self/exe", CommandLine::converterOption.toLatin1()});
     ActivationToken::makeRoom();
     // Qt must not look for options of its own among the files.
     int onlyTheName = 1;

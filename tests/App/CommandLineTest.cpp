@@ -37,6 +37,10 @@ TEST(CommandLine, optionsAreVersionAndHelpOnly) {
     EXPECT_EQ(CommandLine::parse({QStringLiteral("a.pdf"), QStringLiteral("--help")}, QStringLiteral("/")).kind,
               Kind::help);
 
+    const CommandLine converter =
+        CommandLine::parse({QStringLiteral("--converter"), QStringLiteral("text"), QStringLiteral("-a")}, {});
+    EXPECT_EQ(converter.kind, Kind::converter);
+    EXPECT_EQ(converter.conversion, (QStringList{QStringLiteral("text"), QStringLiteral("-a")}));
     const CommandLine mistaken =
         CommandLine::parse({QStringLiteral("a.pdf"), QStringLiteral("-platform")}, QStringLiteral("/"));
     EXPECT_EQ(mistaken.kind, Kind::mistake);

@@ -1,10 +1,15 @@
 #include "AppTest.h"
 
 #include "AssistantViewModel.h"
+#include "ConverterProcess.h"
 #include "PDFEditorWorkspaceView.h"
 #include "RecentPageStore.h"
+#include "WindowPresenter.h"
 
 #include <QImage>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QScopeGuard>
 
 class ImportTest : public AppTest {
 protected:
@@ -75,6 +80,31 @@ TEST_F(ImportTest, manyFilesComeInTheirOrderAndOneThatFailsBothersNone) {
     EXPECT_FALSE(landingIsVisible());
 }
 
+TEST_F(ImportTest, everyKindOfTextBecomesPagesWithItsWords) {
+    const struct {
+        const char* name;
+        const char* bytes;
+    } files[] = {{"plain.txt", "Dear reader"},
+                 {"source.MD", "# Dear reader"},
+                 {"page.html", "<p>Dear <b>reader</b></p>"},
+                 {"old.htm", "Dear reader"},
+                 {"letter.rtf", "{\\rtf1\\ansi Dear reader}"},
+                 {"memo.rtfd/TXT.rtf", "{\\rtf1\\ansi Dear reader}"}};
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("memo.rtfd")));
+    QList<QUrl> urls;
+    for (const auto& [name, bytes] : files) {
+        QFile file(path(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write(bytes) > 0);
+        urls << QUrl::fromLocalFile(path(QString::fromLatin1(name).section(u'/', 0, 0)));
+    }
+    launch(urls);
+    EXPECT_EQ(m_dialogs->errors, QStringList());
+    ASSERT_EQ(m_app->controller().documents().size(), urls.size());
+    for (std::size_t i = 0; i < m_app->controller().documents().size(); ++i)
+        EXPECT_TRUE(document(i)->pdfDocument()->string().contains(QStringLiteral("Dear reader")))
+            << document(i)->displayName().toStdString();
+}
+
 TEST_F(ImportTest, aFileTakesThePlaceOfAnEmptyTab) {
     launch({file(QStringLiteral("a.pdf"))});
     m_app->controller().newDocument();
@@ -86,6 +116,27 @@ TEST_F(ImportTest, aFileTakesThePlaceOfAnEmptyTab) {
     window()->currentContentView()->openInPlace(picture(QStringLiteral("b.bmp")));
     settle();
     EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("a.pdf"), QStringLiteral("b")}));
+}
+
+TEST_F(ImportTest, aSlowFileCanBeGivenUp) {
+    const auto restore = qScopeGuard([] { ConverterProcess::setCommand({}); });
+    ConverterProcess::setCommand({"/bin/sh", "-c", "sleep 1000"});
+    m_app->launch({picture(QStringLiteral("slow.png")), picture(QStringLiteral("slower.png"))});
+    for (int file = 0; file < 2; ++file) {
+        const auto shown = [] {
+            const QWidgetList windows = QApplication::topLevelWidgets();
+            const auto found = std::find_if(windows.begin(), windows.end(), [](const QWidget* each) {
+                return each->isVisible() && each->objectName() == QLatin1String("slowReading");
+            });
+            return found != windows.end() ? qobject_cast<QProgressDialog*>(*found) : nullptr;
+        };
+        ASSERT_TRUE(QTest::qWaitFor([&shown] { return shown() != nullptr; }, 60'000));
+        EXPECT_FALSE(landingIsVisible());
+        shown()->findChild<QPushButton*>()->click();
+    }
+    settle();
+    EXPECT_TRUE(m_app->controller().documents().empty() && m_dialogs->errors.isEmpty());
+    EXPECT_TRUE(landingIsVisible());
 }
 
 TEST_F(ImportTest, temporaryFoldersGoWithTheProgramAndAfterACrash) {

@@ -1,13 +1,14 @@
 #include "DocumentImporter.h"
 
+#include "ConverterProcess.h"
 #include "Document.h"
 #include "DocumentController.h"
 #include "DocumentError.h"
 #include "DocumentImport.h"
 #include "FilePath.h"
 #include "FileWork.h"
+#include "OfficeConverter.h"
 #include "PDFEditorDocument.h"
-#include "PicturePages.h"
 #include "SessionFolder.h"
 
 #include <QDir>
@@ -37,16 +38,36 @@ enum class Outcome { converted, failed, programMissing };
 
 using Converter = Outcome (*)(const QString& source, const QString& destination, const std::stop_token& stop);
 
-Outcome convertPicture(const QString& source, const QString& destination, const std::stop_token&) {
-    return PicturePages::write(source, destination) ? Outcome::converted : Outcome::failed;
+template <ConverterProcess::Kind kind>
+Outcome inProcess(const QString& source, const QString& destination, const std::stop_token& stop) {
+    return ConverterProcess::convert(kind, source, destination, stop) ? Outcome::converted : Outcome::failed;
+}
+
+Outcome byOfficeProgram(const QString& source, const QString& destination, const std::stop_token& stop) {
+    switch (OfficeConverter::convert(source, destination, stop)) {
+    case OfficeConverter::Outcome::converted:
+        return Outcome::converted;
+    case OfficeConverter::Outcome::programMissing:
+        return Outcome::programMissing;
+    case OfficeConverter::Outcome::failed:
+    case OfficeConverter::Outcome::stopped:
+        break;
+    }
+    return Outcome::failed;
 }
 
 /// By the extension; null for one that nothing converts.
 Converter converterOf(const QString& extension) {
     static const QHash<QString, Converter> converters = [] {
         QHash<QString, Converter> made;
+        for (const char* text : {"txt", "md"})
+            made.insert(QString::fromLatin1(text), &inProcess<ConverterProcess::Kind::text>);
+        for (const char* page : {"html", "htm"})
+            made.insert(QString::fromLatin1(page), &inProcess<ConverterProcess::Kind::html>);
+        for (const char* letter : {"doc", "docx", "rtf", "rtfd"})
+            made.insert(QString::fromLatin1(letter), &byOfficeProgram);
         for (const char* picture : {"jpg", "jpeg", "png", "heic", "gif", "bmp", "tiff", "tif"})
-            made.insert(QString::fromLatin1(picture), &convertPicture);
+            made.insert(QString::fromLatin1(picture), &inProcess<ConverterProcess::Kind::picture>);
         return made;
     }();
     return converters.value(extension);
@@ -112,8 +133,7 @@ QString DocumentImporter::Workshop::convert(const QUrl& url, const std::stop_tok
     const QFileInfo source(url.toLocalFile());
     const Converter converter = converterOf(QFileInfo(fileName(url)).suffix().toLower());
     const QString folder = m_folder.makeFolder();
-    const QString result =
-        folder + QLatin1Char('/') + QFileInfo(fileName(url)).completeBaseName() + QStringLiteral(".pdf");
+    QString result = folder + QLatin1Char('/') + QFileInfo(fileName(url)).completeBaseName() + QStringLiteral(".pdf");
     const Outcome outcome =
         folder.isEmpty() || !converter ? Outcome::failed : converter(source.absoluteFilePath(), result, stop);
     if (outcome == Outcome::converted)
@@ -162,14 +182,18 @@ void DocumentImporter::startNext() {
         const Waiting next = std::move(m_waiting.front());
         m_waiting.pop_front();
         ++m_running;
-        // However the opening ends, and also when it is dropped without a word.
-        const std::shared_ptr<void> place(nullptr, [self = QPointer(this)](void*) {
-            if (!self)
-                return;
-            --self->m_running;
-            QMetaObject::invokeMethod(self, &DocumentImporter::startNext, Qt::QueuedConnection);
+        // However the opening ends. One that is dropped without a word was closed with all others.
+        const std::shared_ptr<bool> isAnswered(new bool(false), [self = QPointer(this)](const bool* answered) {
+            if (self) {
+                --self->m_running;
+                if (!*answered)
+                    self->m_waiting.clear();
+                QMetaObject::invokeMethod(self, &DocumentImporter::startNext, Qt::QueuedConnection);
+            }
+            delete answered;
         });
-        m_controller.importDocument(next.import, [place, completion = next.completion](const auto&... result) {
+        m_controller.importDocument(next.import, [isAnswered, completion = next.completion](const auto&... result) {
+            *isAnswered = true;
             if (completion)
                 completion(result...);
         });

@@ -26,7 +26,7 @@ bool readHeader(QByteArrayView header, PngFile& file) {
     const char kind = header[9];
     file.width = int(longWord(header));
     file.height = int(longWord(header, 4));
-    file.bitDepth = header[8];
+    file.bitDepth = static_cast<unsigned char>(header[8]);
     file.components = kind == colour ? 3 : 1;
     const std::array<int, 5> depths{1, 2, 4, 8, 16};
     const bool isKnown =

@@ -1,0 +1,99 @@
+#include "ConverterProcess.h"
+
+#include "ConfinedProgram.h"
+#include "ConverterServer.h"
+#include "Logging.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLibraryInfo>
+#include <QStandardPaths>
+
+#include <utility>
+
+namespace {
+
+QByteArrayList& currentCommand() {
+    static QByteArrayList command;
+    return command;
+}
+
+/// Libraries, fonts and what tells about them.
+QStringList readableByAll() {
+    QStringList paths{QStringLiteral("/usr"),
+                      QStringLiteral("/lib"),
+                      QStringLiteral("/lib64"),
+                      QStringLiteral("/etc"),
+                      QStringLiteral("/opt"),
+                      QStringLiteral("/var/cache/fontconfig"),
+                      QStringLiteral("/dev/null"),
+                      QStringLiteral("/dev/urandom"),
+                      QLibraryInfo::path(QLibraryInfo::LibrariesPath),
+                      QLibraryInfo::path(QLibraryInfo::PluginsPath)};
+    for (const QString& data : QStandardPaths::standardLocations(QStandardPaths::FontsLocation))
+        paths << data;
+    paths << QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QStringLiteral("/fontconfig")
+          << QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/fontconfig");
+    return paths;
+}
+
+/// The language and where fonts are; nothing that says more of the user.
+QByteArrayList environmentOfProgram() {
+    QByteArrayList environment{"QT_QPA_PLATFORM=offscreen", "QT_SCALE_FACTOR=1"};
+    for (const char* variable : {"PATH", "HOME", "LANG", "LC_ALL", "LC_CTYPE", "LD_LIBRARY_PATH", "QT_PLUGIN_PATH",
+                                 "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "FONTCONFIG_FILE"})
+        if (qEnvironmentVariableIsSet(variable))
+            environment << QByteArray(variable) + '=' + qgetenv(variable);
+    return environment;
+}
+
+} // namespace
+
+QString ConverterProcess::name(Kind kind) {
+    switch (kind) {
+    case Kind::text:
+        return QStringLiteral("text");
+    case Kind::html:
+        return QStringLiteral("html");
+    case Kind::picture:
+        return QStringLiteral("picture");
+    }
+    return {};
+}
+
+std::optional<ConverterProcess::Kind> ConverterProcess::kindNamed(const QString& text) {
+    for (const Kind kind : {Kind::text, Kind::html, Kind::picture})
+        if (name(kind) == text)
+            return kind;
+    return std::nullopt;
+}
+
+void ConverterProcess::setCommand(QByteArrayList command) {
+    currentCommand() = std::move(command);
+}
+
+bool ConverterProcess::convert(Kind kind, const QString& source, const QString& destination,
+                               const std::stop_token& stop, std::chrono::milliseconds limit) {
+    if (currentCommand().isEmpty())
+        return ConverterServer::convert(kind, source, destination);
+    const QFileInfo to(destination);
+    ConfinedProgram program;
+    program.command = currentCommand();
+    program.command << name(kind).toLatin1() << QFile::encodeName(QFileInfo(source).absoluteFilePath())
+                    << QFile::encodeName(to.absoluteFilePath());
+    program.environment = environmentOfProgram();
+    program.workingFolder = to.absolutePath();
+    program.readable = readableByAll();
+    program.readable << QFile::decodeName(currentCommand().constFirst())
+                     << (kind == Kind::html ? QFileInfo(source).absolutePath() : source);
+    program.writable = {to.absolutePath(), QStringLiteral("/dev/null")};
+    program.timeLimit = limit;
+    program.mostMemory = ConverterServer::mostMemory;
+    const ConfinedProgram::Result result = program.run(stop);
+    const bool isDone = result.end == ConfinedProgram::End::exited && result.exitCode == 0 && to.exists();
+    if (!isDone) {
+        qCWarning(Logging::document) << "a converter ended in the way" << int(result.end) << "with" << result.exitCode;
+        QFile::remove(destination);
+    }
+    return isDone;
+}
