@@ -4,6 +4,7 @@
 #include <QMimeData>
 #include <QMimeDatabase>
 
+#include <algorithm>
 #include <utility>
 
 /// Kinds of document that may be folders with a fixed inside.
@@ -120,15 +121,15 @@ bool FileOpenRouter::isSupportedMimeType(const QString& mimeType) {
     return type.isValid() && allSupportedMimeTypes().contains(type.name());
 }
 
+QList<QUrl> FileOpenRouter::droppedFiles(const QMimeData& data) {
+    QList<QUrl> local = data.urls();
+    local.removeIf([](const QUrl& url) { return !url.isLocalFile(); });
+    QList<QUrl> supported = local;
+    supported.removeIf([](const QUrl& url) { return classify(url) == Kind::unsupported; });
+    return supported.isEmpty() ? local.first(std::min<qsizetype>(1, local.size())) : supported;
+}
+
 std::optional<QUrl> FileOpenRouter::droppedFile(const QMimeData& data) {
-    std::optional<QUrl> firstFile;
-    for (const QUrl& url : data.urls()) {
-        if (!url.isLocalFile())
-            continue;
-        if (classify(url) != Kind::unsupported)
-            return url;
-        if (!firstFile)
-            firstFile = url;
-    }
-    return firstFile;
+    const QList<QUrl> files = droppedFiles(data);
+    return files.isEmpty() ? std::nullopt : std::optional(files.constFirst());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
@@ -52,8 +53,10 @@ void openInPlaceOf(const std::shared_ptr<Document>& emptyTab, const QUrl& url);
 [[nodiscard]] QStringList allSupportedMimeTypes();
 [[nodiscard]] bool isSupportedMimeType(const QString& mimeType);
 
-/// The one file that a drop stands for: the first local file that is supported, else the first local file that there
-/// is. None when the drop carries no local file.
+/// The files that a drop stands for: the local files that are supported, else the first local file that there is. Empty
+/// when the drop carries no local file.
+[[nodiscard]] QList<QUrl> droppedFiles(const QMimeData& data);
+/// The first of them, for a place that takes one; none when there is none.
 [[nodiscard]] std::optional<QUrl> droppedFile(const QMimeData& data);
 
 } // namespace FileOpenRouter

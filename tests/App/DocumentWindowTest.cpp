@@ -337,17 +337,18 @@ TEST_F(DocumentWindowTest, cancellingTheUnlockScreenClosesItsTab) {
     EXPECT_EQ(tabNames(), QStringList{QStringLiteral("a.pdf")});
 }
 
-TEST_F(DocumentWindowTest, aFileDroppedOnTheWindowOpensInATab) {
+TEST_F(DocumentWindowTest, filesDroppedOnTheWindowOpenInTabs) {
     launch({file(QStringLiteral("a.pdf"))});
     QMimeData data;
-    data.setUrls({file(QStringLiteral("dropped.pdf"))});
+    data.setUrls({file(QStringLiteral("dropped.pdf")), file(QStringLiteral("too.pdf"))});
     QDragEnterEvent enter(QPoint(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window(), &enter);
     EXPECT_TRUE(enter.isAccepted());
     QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window(), &drop);
     settle();
-    EXPECT_EQ(tabNames(), (QStringList{QStringLiteral("a.pdf"), QStringLiteral("dropped.pdf")}));
+    EXPECT_EQ(tabNames(),
+              (QStringList{QStringLiteral("a.pdf"), QStringLiteral("dropped.pdf"), QStringLiteral("too.pdf")}));
 }
 
 TEST_F(DocumentWindowTest, pagesDraggedOntoAnotherDocumentAreCopiedToItsEnd) {

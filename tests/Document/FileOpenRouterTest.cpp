@@ -103,7 +103,7 @@ TEST(FileOpenRouter, panelsAndDropsKnowTheSupportedKinds) {
     EXPECT_EQ(types, supported);
 }
 
-TEST(FileOpenRouter, aDropStandsForItsFirstSupportedFile) {
+TEST(FileOpenRouter, aDropStandsForItsSupportedFiles) {
     const QUrl zip = QUrl::fromLocalFile(QStringLiteral("/tmp/a.zip"));
     const QUrl text = QUrl::fromLocalFile(QStringLiteral("/tmp/b.txt"));
     const QUrl pdf = QUrl::fromLocalFile(QStringLiteral("/tmp/c.pdf"));
@@ -111,10 +111,12 @@ TEST(FileOpenRouter, aDropStandsForItsFirstSupportedFile) {
     const auto dropped = [](const QList<QUrl>& urls) {
         QMimeData data;
         data.setUrls(urls);
-        return FileOpenRouter::droppedFile(data);
+        const QList<QUrl> files = FileOpenRouter::droppedFiles(data);
+        EXPECT_EQ(FileOpenRouter::droppedFile(data).value_or(QUrl()), files.value(0));
+        return files;
     };
-    EXPECT_EQ(dropped({web, zip, text, pdf}), text);
-    EXPECT_EQ(dropped({web, zip}), zip);
-    EXPECT_EQ(dropped({web}), std::nullopt);
-    EXPECT_EQ(dropped({}), std::nullopt);
+    EXPECT_EQ(dropped({web, zip, text, pdf}), (QList<QUrl>{text, pdf}));
+    EXPECT_EQ(dropped({web, zip, zip}), QList<QUrl>{zip});
+    EXPECT_EQ(dropped({web}), QList<QUrl>());
+    EXPECT_EQ(dropped({}), QList<QUrl>());
 }

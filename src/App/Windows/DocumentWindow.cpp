@@ -357,10 +357,15 @@ void DocumentWindow::dropEvent(QDropEvent* event) {
         takePages(currentContentView(), *pages);
         return;
     }
-    const auto dropped = FileOpenRouter::droppedFile(*event->mimeData());
-    const auto kept = dropped ? DroppedFile::keep(*dropped) : std::nullopt;
-    if (!kept)
+    QList<QUrl> kept;
+    for (const QUrl& dropped : FileOpenRouter::droppedFiles(*event->mimeData()))
+        if (const auto url = DroppedFile::keep(dropped))
+            kept.append(*url);
+    if (kept.isEmpty())
         return;
     event->acceptProposedAction();
-    QTimer::singleShot(0, this, [url = *kept] { FileOpenRouter::open(url); });
+    QTimer::singleShot(0, this, [kept] {
+        for (const QUrl& url : kept)
+            FileOpenRouter::open(url);
+    });
 }
