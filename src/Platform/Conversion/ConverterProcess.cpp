@@ -29,10 +29,10 @@ QStringList readableByAll() {
                       QStringLiteral("/dev/null"),
                       QStringLiteral("/dev/urandom"),
                       QLibraryInfo::path(QLibraryInfo::LibrariesPath),
-                      QLibraryInfo::path(QLibraryInfo::PluginsPath)};
-    for (const QString& data : QStandardPaths::standardLocations(QStandardPaths::FontsLocation))
-        paths << data;
-    paths << QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QStringLiteral("/fontconfig")
+                      QLibraryInfo::path(QLibraryInfo::PluginsPath),
+                      qEnvironmentVariable("FONTCONFIG_FILE")};
+    paths << QStandardPaths::standardLocations(QStandardPaths::FontsLocation)
+          << QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QStringLiteral("/fontconfig")
           << QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/fontconfig");
     return paths;
 }
