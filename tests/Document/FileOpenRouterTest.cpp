@@ -111,7 +111,7 @@ TEST(FileOpenRouter, aDropStandsForItsSupportedFiles) {
     const auto dropped = [](const QList<QUrl>& urls) {
         QMimeData data;
         data.setUrls(urls);
-        const QList<QUrl> files = FileOpenRouter::droppedFiles(data);
+        QList<QUrl> files = FileOpenRouter::droppedFiles(data);
         EXPECT_EQ(FileOpenRouter::droppedFile(data).value_or(QUrl()), files.value(0));
         return files;
     };
