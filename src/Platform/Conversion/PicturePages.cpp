@@ -22,7 +22,7 @@ constexpr qint64 mostOfJpeg = 220'000'000;
 constexpr qint64 mostOfOthers = 128'000'000;
 
 constexpr qint64 mostBytes = 1LL << 30;
-constexpr int mostMegabytes = 1100; // of pixels, with 64 bits each
+constexpr int mostMegabytes = 700; // of pixels while they are read
 
 /// Qt's name of what the bytes are; "heic" for what it has no reader for, empty for what is none of these.
 QByteArray formatOf(const QByteArray& bytes) {
