@@ -17,7 +17,7 @@ class ConvertedPages : public testing::Test {
 protected:
     /// Writes a file and returns its path; the name may lead into folders.
     QString file(const QString& name, const QByteArray& bytes) {
-        const QString path = folder.filePath(name);
+        QString path = m_folder.filePath(name);
         QDir().mkpath(QFileInfo(path).path());
         QFile written(path);
         EXPECT_TRUE(written.open(QIODevice::WriteOnly) && written.write(bytes) == bytes.size());
@@ -27,18 +27,18 @@ protected:
     /// The PDF that `write` makes of such a file; empty, with nothing left in the folder, when it refuses.
     QByteArray converted(bool (*write)(const QString&, const QString&), const QString& name, const QByteArray& bytes) {
         const QString source = file(name, bytes);
-        const QString target = folder.filePath(QStringLiteral("pages.pdf"));
-        const QStringList before = QDir(folder.path()).entryList(QDir::Files | QDir::Hidden);
+        const QString target = m_folder.filePath(QStringLiteral("pages.pdf"));
+        const QStringList before = QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden);
         if (!write(source, target)) {
-            EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), before);
+            EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), before);
             return {};
         }
         QFile pdf(target);
         EXPECT_TRUE(pdf.open(QIODevice::ReadOnly));
-        const QByteArray pages = pdf.readAll();
+        QByteArray pages = pdf.readAll();
         EXPECT_EQ(PdfPrograms::complaints(pages), "");
         EXPECT_TRUE(pdf.remove());
-        EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), before);
+        EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), before);
         return pages;
     }
 
@@ -74,5 +74,5 @@ protected:
         EXPECT_GT(boxes.count(QStringLiteral("<page width=\"612.000000\" height=\"792.000000\">")), 5);
     }
 
-    QTemporaryDir folder;
+    QTemporaryDir m_folder;
 };

@@ -3,9 +3,11 @@
 
 #include <QBuffer>
 #include <QGuiApplication>
+#include <QHostAddress>
 #include <QImage>
 #include <QPalette>
 #include <QSet>
+#include <QTcpServer>
 
 class HtmlPagesTest : public ConvertedPages {
 protected:
@@ -18,6 +20,24 @@ protected:
         QBuffer buffer(&bytes);
         EXPECT_TRUE(buffer.open(QIODevice::WriteOnly) && image.save(&buffer, "PNG"));
         return bytes;
+    }
+
+    /// The first page with a pixel for a point.
+    static QImage drawn(const QByteArray& pdf) {
+        return QImage::fromData(PdfPrograms::run(QStringLiteral("pdftoppm"),
+                                                 {QStringLiteral("-png"), QStringLiteral("-singlefile"),
+                                                  QStringLiteral("-r"), QStringLiteral("72"), QStringLiteral("FILE")},
+                                                 pdf)
+                                    .output,
+                                "PNG");
+    }
+
+    static QSet<QRgb> colorsOf(const QImage& page) {
+        QSet<QRgb> colors;
+        for (int y = 0; y < page.height(); ++y)
+            for (int x = 0; x < page.width(); ++x)
+                colors.insert(page.pixel(x, y));
+        return colors;
     }
 
     static qsizetype pictures(const QByteArray& pdf) { return PdfPrograms::unpacked(pdf).count("/Subtype /Image"); }
@@ -66,11 +86,48 @@ TEST_F(HtmlPagesTest, LinksCanBeClickedAndTheTitleIsTheDocuments) {
     EXPECT_TRUE(pdf.contains("/Title (A <i>title)")) << pdf.left(2000).constData();
 }
 
+/// Styles, drawings and elements may name other files and the network: none of that is opened.
+TEST_F(HtmlPagesTest, NothingIsReadElsewhereAndNothingIsLoaded) {
+    QTcpServer server;
+    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+    const QByteArray network = "//127.0.0.1:" + QByteArray::number(server.serverPort()) + "/";
+    const QByteArray outside = file(QStringLiteral("outside.png"), picture(Qt::red)).toUtf8();
+    const QByteArray style = file(QStringLiteral("outside.css"), "p, text { color: red; fill: red }").toUtf8();
+    file(QStringLiteral("web/beside.css"), "@import url(../outside.css); i { color: blue; font-size: 60px }");
+    const QByteArray drawing =
+        "<svg xmlns='http://www.w3.org/2000/svg' xmlns:x='http://www.w3.org/1999/xlink' width='200' height='60'>"
+        "<style>@import url(" +
+        style +
+        ");</style><rect width='9' height='9' fill='lime'/><image width='60' height='60' "
+        "x:href='" +
+        outside + "'/><image x='99' width='60' height='60' href='http:" + network + "a.png'/><text y='50'>";
+    file(QStringLiteral("web/drawing.svg"), "<?xml version='1.0'?><?xml-stylesheet href='" + style +
+                                                "'?><!DOCTYPE svg [<!ENTITY e SYSTEM '" + style + "'>]>" + drawing +
+                                                "text</text></svg>");
+    const QByteArray pdf =
+        html("<link rel=stylesheet href=beside.css><link rel=stylesheet href='../outside.css'>"
+             "<link rel=stylesheet href='http:" +
+             network + "a.css'><style>@import url(" + style + "); body { background-image: url(http:" + network +
+             "b.png) }</style>"
+             "<body background='" +
+             outside +
+             "'><p>text <i>blue</i><img src=drawing.svg>"
+             "<iframe src='" +
+             style + "'></iframe>" + drawing + "</text></svg><table><tr><td background='" + outside +
+             "'>cell<img src='" + network + "c.png'></table>");
+    EXPECT_FALSE(server.waitForNewConnection(0));
+    EXPECT_EQ(words(pdf), QStringLiteral("text blue cell"));
+    const QSet<QRgb> colors = colorsOf(drawn(pdf));
+    EXPECT_FALSE(colors.contains(qRgb(255, 0, 0)));
+    EXPECT_TRUE(colors.contains(qRgb(0, 255, 0))); // what the drawing holds itself
+    EXPECT_TRUE(colors.contains(qRgb(0, 0, 255))); // the style beside the file
+}
+
 TEST_F(HtmlPagesTest, PicturesComeFromTheFolderOfTheFileOnly) {
     file(QStringLiteral("outside.png"), picture(Qt::red));
     file(QStringLiteral("web/beside.png"), picture(Qt::green));
     file(QStringLiteral("web/below/a b.png"), picture(Qt::blue));
-    QFile::link(folder.filePath(QStringLiteral("outside.png")), folder.filePath(QStringLiteral("web/link.png")));
+    QFile::link(m_folder.filePath(QStringLiteral("outside.png")), m_folder.filePath(QStringLiteral("web/link.png")));
     file(QStringLiteral("web/plain.svg"), "<svg xmlns='http://www.w3.org/2000/svg' width='40' height='20'>"
                                           "<rect width='40' height='20' fill='red'/></svg>");
     const QByteArray data = "data:image/png;base64," + picture(Qt::yellow).toBase64();
@@ -83,10 +140,10 @@ TEST_F(HtmlPagesTest, PicturesComeFromTheFolderOfTheFileOnly) {
         {"./below/../beside.png", 1},
         {data, 1},
         {"plain.svg", 1},
-        {"file://" + folder.filePath(QStringLiteral("web/beside.png")).toUtf8(), 1},
+        {"file://" + m_folder.filePath(QStringLiteral("web/beside.png")).toUtf8(), 1},
         {"../outside.png", 0},
         {"link.png", 0},
-        {"file://" + folder.filePath(QStringLiteral("outside.png")).toUtf8(), 0},
+        {"file://" + m_folder.filePath(QStringLiteral("outside.png")).toUtf8(), 0},
         {"http://127.0.0.1:9/a.png", 0},
         {"missing.png", 0},
     };
@@ -105,19 +162,13 @@ TEST_F(HtmlPagesTest, TextIsDarkOnWhiteAndWideThingsFit) {
              "<tr><td width=1900>cell<td bgcolor='#00ffff'>other</table><ul><li>" +
              QByteArray(200, 'x') + "</ul>");
     QGuiApplication::setPalette(before);
-    const QByteArray drawn =
-        PdfPrograms::run(QStringLiteral("pdftoppm"),
-                         {QStringLiteral("-png"), QStringLiteral("-r"), QStringLiteral("72"), QStringLiteral("FILE")},
-                         pdf)
-            .output;
-    const QImage page = QImage::fromData(drawn, "PNG");
+    const QImage page = drawn(pdf);
     ASSERT_EQ(page.size(), QSize(612, 792));
-    QSet<QRgb> colors;
+    const QSet<QRgb> colors = colorsOf(page);
     int dark = 0;
     for (int y = 0; y < page.height(); ++y)
         for (int x = 0; x < page.width(); ++x) {
             const QRgb color = page.pixel(x, y);
-            colors.insert(color);
             dark += qGray(color) < 64 ? 1 : 0;
             EXPECT_TRUE(color == qRgb(255, 255, 255) || QRect(53, 53, 506, 686).contains(x, y)) << x << ' ' << y;
         }

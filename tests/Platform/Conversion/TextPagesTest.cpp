@@ -39,8 +39,8 @@ TEST_F(TextPagesTest, TextInAnyEncodingComesBackAndOtherFilesAreRefused) {
     }
     const QString source = file(QStringLiteral("b.txt"), "text");
     EXPECT_FALSE(
-        TextPages::write(folder.filePath(QStringLiteral("missing.txt")), folder.filePath(QStringLiteral("b"))));
-    EXPECT_FALSE(TextPages::write(source, folder.filePath(QStringLiteral("missing/b.pdf"))));
+        TextPages::write(m_folder.filePath(QStringLiteral("missing.txt")), m_folder.filePath(QStringLiteral("b"))));
+    EXPECT_FALSE(TextPages::write(source, m_folder.filePath(QStringLiteral("missing/b.pdf"))));
 }
 
 TEST_F(TextPagesTest, NoWordIsLostOrCutBetweenPages) {

@@ -8,7 +8,6 @@
 
 #include <map>
 #include <optional>
-#include <ranges>
 #include <set>
 #include <string>
 
@@ -22,19 +21,17 @@ namespace {
 using Pages = std::vector<QPDFObjectHandle>;
 
 constexpr double pointsPerPixel = 0.75;
-constexpr double margin = 54;      // points
-constexpr double pageHeight = 792; // points
 
 QPDFObjectHandle real(double value) {
     return QPDFObjectHandle::newReal(value, 3);
 }
 
 double x(qreal pixels) {
-    return margin + pixels * pointsPerPixel;
+    return LetterPages::margin + pixels * pointsPerPixel;
 }
 
 double y(qreal pixels) {
-    return pageHeight - margin - pixels * pointsPerPixel;
+    return LetterPages::pageHeight - LetterPages::margin - pixels * pointsPerPixel;
 }
 
 QByteArray bytesOf(QPDFObjectHandle stream) {
@@ -83,7 +80,7 @@ void makeTextSearchable(const Pages& pages) {
         const QPDFObjectHandle fonts = QPDFObjectHandle(page).getKey("/Resources").getKey("/Font");
         if (!QPDFObjectHandle(fonts).isDictionary())
             continue;
-        for (QPDFObjectHandle font : QPDFObjectHandle(fonts).getDictAsMap() | std::views::values) {
+        for (auto& [name, font] : QPDFObjectHandle(fonts).getDictAsMap()) {
             QPDFObjectHandle map = font.getKey("/ToUnicode");
             if (!map.isStream() || !seen.insert(map.getObjGen()).second)
                 continue;

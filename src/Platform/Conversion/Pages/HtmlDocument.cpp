@@ -24,9 +24,9 @@ QByteArray embedded(const QUrl& address) {
 
 } // namespace
 
-HtmlDocument::HtmlDocument(const QString& folder) : folder_(QFileInfo(folder).canonicalFilePath()) {
-    if (!folder_.endsWith(QLatin1Char('/')))
-        folder_ += QLatin1Char('/');
+HtmlDocument::HtmlDocument(const QString& folder) : m_folder(QFileInfo(folder).canonicalFilePath()) {
+    if (!m_folder.endsWith(QLatin1Char('/')))
+        m_folder += QLatin1Char('/');
 }
 
 QVariant HtmlDocument::loadResource(int type, const QUrl& name) {
@@ -36,7 +36,10 @@ QVariant HtmlDocument::loadResource(int type, const QUrl& name) {
     if (type != QTextDocument::ImageResource)
         return bytes;
     const QImage picture = HtmlPicture::read(bytes);
-    return picture.isNull() ? QVariant() : QVariant(picture);
+    if (picture.isNull())
+        return {};
+    addResource(type, name, picture); // it is asked for at each layout and each drawing
+    return picture;
 }
 
 QByteArray HtmlDocument::bytesAt(const QUrl& address) const {
@@ -45,9 +48,9 @@ QByteArray HtmlDocument::bytesAt(const QUrl& address) const {
     const bool isFile = address.scheme().isEmpty() || address.scheme() == QLatin1String("file");
     if (!isFile || !address.host().isEmpty() || address.path().isEmpty())
         return {};
-    const QFileInfo place(QDir(folder_).absoluteFilePath(address.path(QUrl::FullyDecoded)));
+    const QFileInfo place(QDir(m_folder).absoluteFilePath(address.path(QUrl::FullyDecoded)));
     const QFileInfo target(place.canonicalFilePath()); // where links and ".." lead to
-    if (!target.filePath().startsWith(folder_) || !target.isFile() || target.size() > largestFile)
+    if (!target.filePath().startsWith(m_folder) || !target.isFile() || target.size() > largestFile)
         return {};
     QFile file(target.filePath());
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();

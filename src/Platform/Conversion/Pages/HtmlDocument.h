@@ -18,5 +18,5 @@ protected:
 private:
     [[nodiscard]] QByteArray bytesAt(const QUrl& address) const;
 
-    QString folder_; ///< without links in its path, ending with a slash
+    QString m_folder; ///< without links in its path, ending with a slash
 };

@@ -34,16 +34,16 @@ QString addressOf(const QString& link) {
 class Collecting {
 public:
     Collecting(const QTextDocument& document, qreal pageHeight, qreal scale, LetterPages& pages)
-        : document_(document), pageHeight_(pageHeight), scale_(scale), pages_(pages) {}
+        : m_document(document), m_pageHeight(pageHeight), m_scale(scale), m_pages(pages) {}
 
     void run() {
-        for (QTextBlock block = document_.begin(); block.isValid(); block = block.next())
+        for (QTextBlock block = m_document.begin(); block.isValid(); block = block.next())
             for (auto it = block.begin(); !it.atEnd(); ++it)
                 for (const QString& name :
                      it.fragment().charFormat().property(HtmlFormats::namesProperty).toStringList())
-                    if (!places_.contains(name))
-                        places_.insert(name, topOf(block, it.fragment().position() - block.position()));
-        for (QTextBlock block = document_.begin(); block.isValid(); block = block.next())
+                    if (!m_places.contains(name))
+                        m_places.insert(name, topOf(block, it.fragment().position() - block.position()));
+        for (QTextBlock block = m_document.begin(); block.isValid(); block = block.next())
             for (auto it = block.begin(); !it.atEnd(); ++it)
                 if (const QString link = it.fragment().charFormat().stringProperty(HtmlFormats::linkProperty);
                     !link.isEmpty())
@@ -52,7 +52,7 @@ public:
 
 private:
     [[nodiscard]] QPointF originOf(const QTextBlock& block) const {
-        return document_.documentLayout()->blockBoundingRect(block).topLeft() -
+        return m_document.documentLayout()->blockBoundingRect(block).topLeft() -
                block.layout()->boundingRect().topLeft();
     }
 
@@ -62,17 +62,17 @@ private:
     }
 
     [[nodiscard]] int pageOf(qreal top) const {
-        return std::clamp(int(std::floor(top / pageHeight_)), 0, pages_.pageCount() - 1);
+        return std::clamp(int(std::floor(top / m_pageHeight)), 0, m_pages.pageCount() - 1);
     }
 
     void addLink(const QString& link, const QTextBlock& block, const QTextFragment& fragment) {
         LetterPages::Link added;
         if (link.startsWith(QLatin1Char('#'))) {
-            const auto place = places_.constFind(QUrl::fromPercentEncoding(link.mid(1).toUtf8()));
-            if (place == places_.constEnd())
+            const auto place = m_places.constFind(QUrl::fromPercentEncoding(link.mid(1).toUtf8()));
+            if (place == m_places.constEnd())
                 return;
             added.targetPage = pageOf(*place);
-            added.targetTop = (*place - added.targetPage * pageHeight_) * scale_;
+            added.targetTop = (*place - added.targetPage * m_pageHeight) * m_scale;
         } else if (added.address = addressOf(link); added.address.isEmpty()) {
             return;
         }
@@ -88,18 +88,18 @@ private:
             const qreal one = line.cursorToX(from);
             const qreal other = line.cursorToX(to);
             added.page = pageOf(origin.y() + line.y() + line.height() / 2);
-            const QRectF area(origin.x() + std::min(one, other), origin.y() + line.y() - added.page * pageHeight_,
+            const QRectF area(origin.x() + std::min(one, other), origin.y() + line.y() - added.page * m_pageHeight,
                               std::abs(other - one), line.height());
-            added.area = {area.topLeft() * scale_, area.size() * scale_};
-            pages_.addLink(added);
+            added.area = {area.topLeft() * m_scale, area.size() * m_scale};
+            m_pages.addLink(added);
         }
     }
 
-    const QTextDocument& document_;
-    qreal pageHeight_;
-    qreal scale_;
-    LetterPages& pages_;
-    QHash<QString, qreal> places_; ///< from the document's top
+    const QTextDocument& m_document;
+    qreal m_pageHeight;
+    qreal m_scale;
+    LetterPages& m_pages;
+    QHash<QString, qreal> m_places; ///< from the document's top
 };
 
 } // namespace

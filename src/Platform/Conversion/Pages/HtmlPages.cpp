@@ -148,7 +148,7 @@ bool HtmlPages::write(const QString& source, const QString& destination) {
     document.setDefaultStyleSheet(HtmlFormats::defaultStyles());
     document.setHtml(HtmlSource::simplified(*html));
     HtmlFormats::prepare(document);
-    pages.setTitle(document.metaInformation(QTextDocument::DocumentTitle));
+    pages.setTitle(document.metaInformation(QTextDocument::DocumentTitle).simplified());
     draw(document, layOut(document), pages);
     return pages.finish();
 }

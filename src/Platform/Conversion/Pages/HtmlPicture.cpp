@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QImageReader>
 #include <QSet>
+#include <QSize>
 #include <QXmlStreamAttributes>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -42,6 +43,18 @@ bool refersElsewhere(const QXmlStreamAttributes& attributes) {
         if (attribute.name().compare(QLatin1String("href"), Qt::CaseInsensitive) == 0 && !isWithin(attribute.value()))
             return true;
     return false;
+}
+
+/// How many pixels a picture of that size in the pixels of web pages gets: a drawing several for one, a photograph not
+/// more than can be seen on paper.
+QSize storedSize(QSize size, bool isDrawing) {
+    constexpr int sharpness = 3;
+    constexpr QSize most(4000, 4000);
+    if (size.isEmpty())
+        return size;
+    const QSize wanted = isDrawing ? size * sharpness : size;
+    const bool isTooLarge = wanted.width() > most.width() || wanted.height() > most.height();
+    return isTooLarge ? wanted.scaled(most, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)) : wanted;
 }
 
 /// The drawing without elements that refer to anything outside, instructions and declarations; empty when it isn't well
@@ -87,12 +100,12 @@ QImage HtmlPicture::read(const QByteArray& bytes) {
     const QSize size = reader.size();
     if (size.isValid() && qint64(size.width()) * size.height() > mostPixels)
         return {};
-    constexpr int sharpness = 3; // pixels of a drawing for one of the web page
-    if (isDrawing && size.isValid() && size.width() <= 4096 && size.height() <= 4096)
-        reader.setScaledSize(size * sharpness);
+    const QSize stored = storedSize(size, isDrawing);
+    if (stored != size)
+        reader.setScaledSize(stored);
     QImage picture = reader.read();
-    if (isDrawing && !picture.isNull() && size.isValid())
-        picture.setDevicePixelRatio(qreal(picture.width()) / size.width());
+    if (!picture.isNull() && stored != size)
+        picture.setDevicePixelRatio(qreal(stored.width()) / size.width());
     if (format == "jpeg" && !picture.isNull())
         picture.setText(photographKey(), QStringLiteral("1"));
     return picture;

@@ -87,71 +87,71 @@ void setSize(HtmlTag& picture, const QString& side, qreal whole) {
 
 class Simplifying {
 public:
-    explicit Simplifying(QStringView html) : rest_(html) {}
+    explicit Simplifying(QStringView html) : m_rest(html) {}
 
     QString run() {
-        while (!rest_.isEmpty()) {
+        while (!m_rest.isEmpty()) {
             const qsizetype text = lengthTo(QLatin1Char('<'));
-            addText(rest_.left(text));
-            rest_ = rest_.mid(text);
-            if (!rest_.isEmpty())
+            addText(m_rest.left(text));
+            m_rest = m_rest.mid(text);
+            if (!m_rest.isEmpty())
                 addMarkup();
         }
-        return result_;
+        return m_result;
     }
 
 private:
     void addText(QStringView text) {
         if (!text.trimmed().isEmpty())
             startLine();
-        result_ += text;
+        m_result += text;
     }
 
     /// Text right behind a division: Qt would go on in that one's last line.
     void startLine() {
-        if (isBehindDivision_)
-            result_ += QStringLiteral("<div>");
-        isInOwnDivision_ = isInOwnDivision_ || isBehindDivision_;
-        isBehindDivision_ = false;
+        if (m_isBehindDivision)
+            m_result += QStringLiteral("<div>");
+        m_isInOwnDivision = m_isInOwnDivision || m_isBehindDivision;
+        m_isBehindDivision = false;
     }
 
     void endLineBefore(const QString& element) {
         if (!isBlock(element))
             return;
-        if (isInOwnDivision_)
-            result_ += QStringLiteral("</div>");
-        isInOwnDivision_ = false;
-        isBehindDivision_ = false;
+        if (m_isInOwnDivision)
+            m_result += QStringLiteral("</div>");
+        m_isInOwnDivision = false;
+        m_isBehindDivision = false;
     }
 
     [[nodiscard]] qsizetype lengthTo(QChar character) const {
-        const qsizetype length = rest_.indexOf(character);
-        return length < 0 ? rest_.size() : length;
+        const qsizetype length = m_rest.indexOf(character);
+        return length < 0 ? m_rest.size() : length;
     }
 
     /// Leaves out all up to and with `end`, or to the end of the document.
     void skipBehind(const QString& end) {
-        const qsizetype found = rest_.indexOf(end);
-        rest_ = found < 0 ? QStringView() : rest_.mid(found + end.size());
+        const qsizetype found = m_rest.indexOf(end);
+        m_rest = found < 0 ? QStringView() : m_rest.mid(found + end.size());
     }
 
     void addMarkup() {
-        if (rest_.startsWith(QStringLiteral("<!--")))
+        if (m_rest.startsWith(QStringLiteral("<!--")))
             return skipBehind(QStringLiteral("-->"));
-        if (rest_.startsWith(QStringLiteral("<!")) || rest_.startsWith(QStringLiteral("<?")))
+        if (m_rest.startsWith(QStringLiteral("<!")) || m_rest.startsWith(QStringLiteral("<?")))
             return skipBehind(QStringLiteral(">"));
-        const QStringView before = rest_;
-        std::optional<HtmlTag> tag = HtmlTag::read(rest_);
+        const QStringView before = m_rest;
+        std::optional<HtmlTag> tag = HtmlTag::read(m_rest);
         if (!tag) {
             addText(QStringLiteral("&lt;"));
-            rest_ = rest_.mid(1);
+            m_rest = m_rest.mid(1);
         } else if (tag->isEnd) {
             if (tag->name == QLatin1String("q"))
-                result_ += QChar(0x201D);
+                m_result += QChar(0x201D);
             const QString name = nameForQt(tag->name);
             endLineBefore(name);
-            result_ += QStringLiteral("</") + name + QLatin1Char('>');
-            isBehindDivision_ = isBehindDivision_ || name == QLatin1String("div");
+            m_result += QStringLiteral("</") + name + QLatin1Char('>');
+            m_isBehindDivision = m_isBehindDivision || name == QLatin1String("div");
         } else {
             addElement(*tag, before);
         }
@@ -166,51 +166,55 @@ private:
         }
         if (tag.name == QLatin1String("svg")) {
             skipContent(tag.name);
-            return addDrawing(tag, start.left(start.size() - rest_.size()));
+            return addDrawing(tag, start.left(start.size() - m_rest.size()));
         }
         if (tag.name == QLatin1String("img")) {
             setSize(tag, QStringLiteral("width"), LetterPages::frame.width());
             setSize(tag, QStringLiteral("height"), LetterPages::frame.height());
         }
         const QString name = tag.name;
+        if (name == QLatin1String("link") && !tag.has(QStringLiteral("type"))) // Qt takes no other for a style sheet
+            tag.set(QStringLiteral("type"), QStringLiteral("text/css"));
         tag.name = nameForQt(name);
         endLineBefore(tag.name);
         if (tag.name == QLatin1String("img"))
             startLine();
-        result_ += tag.written();
+        m_result += tag.written();
+        if (name == QLatin1String("link")) // which otherwise takes the whole document in, unless it is in the head
+            m_result += QStringLiteral("</link>");
         if (name == QLatin1String("q"))
-            result_ += QChar(0x201C);
+            m_result += QChar(0x201C);
         if (!isRaw)
             return;
         QString text = takeRawText(name).toString();
         if (name != QLatin1String("style"))
             text.replace(QLatin1Char('<'), QStringLiteral("&lt;"));
-        result_ += text + QStringLiteral("</") + tag.name + QLatin1Char('>');
-        isBehindDivision_ = tag.name == QLatin1String("div");
+        m_result += text + QStringLiteral("</") + tag.name + QLatin1Char('>');
+        m_isBehindDivision = tag.name == QLatin1String("div");
     }
 
     /// What is in front of the end of the element, behind which the rest starts then.
     QStringView takeRawText(const QString& name) {
         const QString end = QStringLiteral("</") + name;
-        const qsizetype found = rest_.indexOf(end, 0, Qt::CaseInsensitive);
-        const QStringView text = found < 0 ? rest_ : rest_.left(found);
-        rest_ = found < 0 ? QStringView() : rest_.mid(found);
+        const qsizetype found = m_rest.indexOf(end, 0, Qt::CaseInsensitive);
+        const QStringView text = found < 0 ? m_rest : m_rest.left(found);
+        m_rest = found < 0 ? QStringView() : m_rest.mid(found);
         skipBehind(QStringLiteral(">"));
         return text;
     }
 
     void skipContent(const QString& name) {
-        for (int depth = 1; depth > 0 && !rest_.isEmpty();) {
-            rest_ = rest_.mid(lengthTo(QLatin1Char('<')));
-            if (rest_.isEmpty())
+        for (int depth = 1; depth > 0 && !m_rest.isEmpty();) {
+            m_rest = m_rest.mid(lengthTo(QLatin1Char('<')));
+            if (m_rest.isEmpty())
                 return;
-            if (rest_.startsWith(QStringLiteral("<!--"))) {
+            if (m_rest.startsWith(QStringLiteral("<!--"))) {
                 skipBehind(QStringLiteral("-->"));
                 continue;
             }
-            const std::optional<HtmlTag> tag = HtmlTag::read(rest_);
+            const std::optional<HtmlTag> tag = HtmlTag::read(m_rest);
             if (!tag)
-                rest_ = rest_.mid(1);
+                m_rest = m_rest.mid(1);
             else if (tag->name == name)
                 depth += tag->isEnd ? -1 : 1;
             else if (!tag->isEnd && isRawText(tag->name))
@@ -232,13 +236,13 @@ private:
                     QStringLiteral("data:image/svg+xml;base64,") +
                         QString::fromLatin1((tag.written() + content.toString()).toUtf8().toBase64()));
         startLine();
-        result_ += picture.written();
+        m_result += picture.written();
     }
 
-    QStringView rest_;
-    QString result_;
-    bool isBehindDivision_ = false;
-    bool isInOwnDivision_ = false; ///< in one that has been added
+    QStringView m_rest;
+    QString m_result;
+    bool m_isBehindDivision = false;
+    bool m_isInOwnDivision = false; ///< in one that has been added
 };
 
 } // namespace

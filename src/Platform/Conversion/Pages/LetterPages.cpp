@@ -12,33 +12,32 @@
 #include <exception>
 
 LetterPages::LetterPages(const QString& destination)
-    : destination_(destination), drawn_(QFileInfo(destination).path() + QStringLiteral("/.pages-XXXXXX")),
-      writer_(&drawn_) {
-    constexpr qreal margin = 54; // points
+    : m_destination(destination), m_drawn(QFileInfo(destination).path() + QStringLiteral("/.pages-XXXXXX")),
+      m_writer(&m_drawn) {
     constexpr int pixelsPerInch = 96;
-    writer_.setResolution(pixelsPerInch);
-    writer_.setPageLayout(QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait,
-                                      QMarginsF(margin, margin, margin, margin), QPageLayout::Point));
-    if (drawn_.open())
-        painter_.begin(&writer_);
+    m_writer.setResolution(pixelsPerInch);
+    m_writer.setPageLayout(QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait,
+                                       QMarginsF(margin, margin, margin, margin), QPageLayout::Point));
+    if (m_drawn.open())
+        m_painter.begin(&m_writer);
 }
 
 LetterPages::~LetterPages() {
-    if (painter_.isActive())
-        painter_.end();
+    if (m_painter.isActive())
+        m_painter.end();
 }
 
 void LetterPages::startPage() {
-    writer_.newPage();
-    ++pageCount_;
+    m_writer.newPage();
+    ++m_pageCount;
 }
 
 bool LetterPages::finish() {
-    if (!painter_.isActive() || !painter_.end() || !drawn_.flush() || drawn_.error() != QFileDevice::NoError)
+    if (!m_painter.isActive() || !m_painter.end() || !m_drawn.flush() || m_drawn.error() != QFileDevice::NoError)
         return false;
     try {
-        writeFileAtomically(destination_, [this](QFile& file) {
-            FinishedPages::write(drawn_.fileName(), file.fileName(), {title_, links_, dropsHiddenText_});
+        writeFileAtomically(m_destination, [this](QFile& file) {
+            FinishedPages::write(m_drawn.fileName(), file.fileName(), {m_title, m_links, m_dropsHiddenText});
         });
         return true;
     } catch (const std::exception& error) {

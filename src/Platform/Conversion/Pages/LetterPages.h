@@ -18,6 +18,9 @@ public:
     /// 504 by 684 points.
     static constexpr QSizeF frame{672, 912};
 
+    static constexpr qreal margin = 54;      ///< points
+    static constexpr qreal pageHeight = 792; ///< points
+
     /// What can be clicked, on one page (zero-based) within the frame.
     struct Link {
         int page = 0;
@@ -34,28 +37,28 @@ public:
     LetterPages& operator=(const LetterPages&) = delete;
 
     /// False when there is no writing in the folder of the destination; then there is no painter either.
-    [[nodiscard]] bool isOpen() const { return painter_.isActive(); }
+    [[nodiscard]] bool isOpen() const { return m_painter.isActive(); }
 
     /// The title among the file's information; without one, readers show the file's name.
-    void setTitle(const QString& title) { title_ = title; }
-    [[nodiscard]] QPaintDevice* device() { return &writer_; }
-    [[nodiscard]] QPainter& painter() { return painter_; }
-    [[nodiscard]] int pageCount() const { return pageCount_; }
+    void setTitle(const QString& title) { m_title = title; }
+    [[nodiscard]] QPaintDevice* device() { return &m_writer; }
+    [[nodiscard]] QPainter& painter() { return m_painter; }
+    [[nodiscard]] int pageCount() const { return m_pageCount; }
     void startPage();
     /// For drawing that hides lines by clipping at the ends of pages: their text won't be in the file.
-    void dropHiddenText() { dropsHiddenText_ = true; }
-    void addLink(const Link& link) { links_.push_back(link); }
+    void dropHiddenText() { m_dropsHiddenText = true; }
+    void addLink(const Link& link) { m_links.push_back(link); }
 
     /// Writes the file. False, with nothing left at `destination`, when it can't be written.
     [[nodiscard]] bool finish();
 
 private:
-    QString destination_;
-    QTemporaryFile drawn_; ///< what Qt writes; without links
-    QPdfWriter writer_;
-    QPainter painter_;
-    QString title_;
-    std::vector<Link> links_;
-    int pageCount_ = 1;
-    bool dropsHiddenText_ = false;
+    QString m_destination;
+    QTemporaryFile m_drawn; ///< what Qt writes; without links
+    QPdfWriter m_writer;
+    QPainter m_painter;
+    QString m_title;
+    std::vector<Link> m_links;
+    int m_pageCount = 1;
+    bool m_dropsHiddenText = false;
 };

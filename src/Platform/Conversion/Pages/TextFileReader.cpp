@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr qint64 pieceSize = 64 * 1024;
+constexpr qint64 pieceSize = 65'536;
 
 /// The control characters of texts: bell, backspace, tab, the ends of lines and pages, escape.
 constexpr bool isControlOfText(char16_t unit) {
@@ -44,21 +44,21 @@ QString westernText(const QByteArray& bytes) {
     return text;
 }
 
-TextFileReader::TextFileReader(QIODevice& device) : device_(device), encoding_(findEncoding()) {
-    if (encoding_)
-        decoder_ = QStringDecoder(*encoding_);
-    if (!device_.seek(0))
-        encoding_.reset();
+TextFileReader::TextFileReader(QIODevice& device) : m_device(device), m_encoding(findEncoding()) {
+    if (m_encoding)
+        m_decoder = QStringDecoder(*m_encoding);
+    if (!m_device.seek(0))
+        m_encoding.reset();
 }
 
 std::optional<QStringConverter::Encoding> TextFileReader::findEncoding() {
-    const std::optional<QStringConverter::Encoding> marked = QStringConverter::encodingForData(device_.peek(4));
+    const std::optional<QStringConverter::Encoding> marked = QStringConverter::encodingForData(m_device.peek(4));
     QStringDecoder decoder(marked.value_or(QStringConverter::Utf8));
     bool hasControls = false;
     qint64 length = 0;
     qint64 broken = 0;
     while (true) {
-        const QByteArray bytes = device_.read(pieceSize);
+        const QByteArray bytes = m_device.read(pieceSize);
         if (bytes.isEmpty())
             break;
         const QString text = decoder.decode(bytes);
@@ -69,7 +69,7 @@ std::optional<QStringConverter::Encoding> TextFileReader::findEncoding() {
         if (!marked)
             hasControls = hasControls || std::any_of(bytes.cbegin(), bytes.cend(), isOfNoText);
     }
-    if (!device_.atEnd())
+    if (!m_device.atEnd())
         return std::nullopt;
     constexpr qint64 seldom = 100; // a pair may lie across two pieces
     if (marked && *marked != QStringConverter::Utf8)
@@ -83,11 +83,11 @@ std::optional<QStringConverter::Encoding> TextFileReader::findEncoding() {
 }
 
 QString TextFileReader::next() {
-    while (encoding_) {
-        const QByteArray bytes = device_.read(pieceSize);
+    while (m_encoding) {
+        const QByteArray bytes = m_device.read(pieceSize);
         if (bytes.isEmpty())
             return {};
-        const QString text = isGuess() ? westernText(bytes) : QString(decoder_.decode(bytes));
+        QString text = isGuess() ? westernText(bytes) : QString(m_decoder.decode(bytes));
         if (!text.isEmpty())
             return text;
     }

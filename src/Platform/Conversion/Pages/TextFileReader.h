@@ -16,10 +16,10 @@ public:
     explicit TextFileReader(QIODevice& device);
 
     /// Whether these are the bytes of a text, and not of a picture or a program, whatever its file is called.
-    [[nodiscard]] bool isText() const { return encoding_ != std::nullopt; }
+    [[nodiscard]] bool isText() const { return m_encoding != std::nullopt; }
 
     /// True where nothing but the lack of other signs speaks for the Western encoding.
-    [[nodiscard]] bool isGuess() const { return encoding_ == QStringConverter::Latin1; }
+    [[nodiscard]] bool isGuess() const { return m_encoding == QStringConverter::Latin1; }
 
     /// The next piece of the text, without the byte order mark; an empty one at the end.
     [[nodiscard]] QString next();
@@ -27,9 +27,9 @@ public:
 private:
     [[nodiscard]] std::optional<QStringConverter::Encoding> findEncoding();
 
-    QIODevice& device_;
-    std::optional<QStringConverter::Encoding> encoding_;
-    QStringDecoder decoder_;
+    QIODevice& m_device;
+    std::optional<QStringConverter::Encoding> m_encoding;
+    QStringDecoder m_decoder;
 };
 
 /// The text of bytes in the Western encoding. What ISO 8859-1 leaves to control characters that no text has, are the

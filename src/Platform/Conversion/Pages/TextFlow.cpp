@@ -40,23 +40,23 @@ QFont fontOfText(QPaintDevice* device) {
 } // namespace
 
 TextFlow::TextFlow(LetterPages& pages)
-    : pages_(pages), font_(fontOfText(pages.device())), blankHeight_(QFontMetricsF(font_).height()),
-      pieceLength_(usualPiece) {
+    : m_pages(pages), m_font(fontOfText(pages.device())), m_blankHeight(QFontMetricsF(m_font).height()),
+      m_pieceLength(usualPiece) {
     constexpr int columnsOfTab = 8;
-    options_.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    options_.setUseDesignMetrics(true); // no widths of a screen's pixels
-    options_.setTabStopDistance(columnsOfTab * QFontMetricsF(font_).horizontalAdvance(QLatin1Char(' ')));
+    m_options.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    m_options.setUseDesignMetrics(true); // no widths of a screen's pixels
+    m_options.setTabStopDistance(columnsOfTab * QFontMetricsF(m_font).horizontalAdvance(QLatin1Char(' ')));
 }
 
 void TextFlow::add(QStringView text) {
     qsizetype start = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
         if (!endsLine(text[i])) {
-            endedByReturn_ = false;
+            m_endedByReturn = false;
             continue;
         }
-        const bool isSecondHalf = text[i] == QLatin1Char('\n') && endedByReturn_;
-        endedByReturn_ = text[i] == QLatin1Char('\r');
+        const bool isSecondHalf = text[i] == QLatin1Char('\n') && m_endedByReturn;
+        m_endedByReturn = text[i] == QLatin1Char('\r');
         if (!isSecondHalf) {
             addToLine(text.mid(start, i - start));
             endLine();
@@ -67,59 +67,59 @@ void TextFlow::add(QStringView text) {
 }
 
 void TextFlow::end() {
-    if (!line_.isEmpty())
+    if (!m_line.isEmpty())
         endLine();
 }
 
 void TextFlow::addToLine(QStringView text) {
     for (const QChar character : text)
         if (character == QChar::Tabulation || character >= QLatin1Char(' '))
-            line_ += character == QChar::ObjectReplacementCharacter ? QChar(QChar::ReplacementCharacter) : character;
-    while (line_.size() > pieceLength_)
-        layOut(pieceLength_);
+            m_line += character == QChar::ObjectReplacementCharacter ? QChar(QChar::ReplacementCharacter) : character;
+    while (m_line.size() > m_pieceLength)
+        layOut(m_pieceLength);
 }
 
 void TextFlow::endLine() {
-    if (line_.isEmpty())
-        top_ = placeOf(blankHeight_) + blankHeight_;
-    while (!line_.isEmpty())
-        layOut(line_.size());
-    hasDirection_ = false;
-    pieceLength_ = usualPiece;
+    if (m_line.isEmpty())
+        m_top = placeOf(m_blankHeight) + m_blankHeight;
+    while (!m_line.isEmpty())
+        layOut(m_line.size());
+    m_hasDirection = false;
+    m_pieceLength = usualPiece;
 }
 
 /// Draws the lines that the first `length` characters fill, which are the rest of the file's line or a piece of it. The
 /// last line of a piece waits for what comes after it.
 void TextFlow::layOut(qsizetype length) {
-    if (!hasDirection_) {
-        options_.setTextDirection(line_.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-        hasDirection_ = true;
+    if (!m_hasDirection) {
+        m_options.setTextDirection(m_line.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+        m_hasDirection = true;
     }
-    QTextLayout layout(line_.left(length), font_, pages_.device());
-    layout.setTextOption(options_);
+    QTextLayout layout(m_line.left(length), m_font, m_pages.device());
+    layout.setTextOption(m_options);
     layout.setCacheEnabled(true);
-    const bool isRest = length == line_.size();
+    const bool isRest = length == m_line.size();
     qsizetype drawn = 0;
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(LetterPages::frame.width());
         const qsizetype end = line.textStart() + line.textLength();
-        if (end == length && !isRest && (drawn > 0 || pieceLength_ < largestPiece))
+        if (end == length && !isRest && (drawn > 0 || m_pieceLength < largestPiece))
             break;
-        top_ = placeOf(line.height());
-        line.draw(&pages_.painter(), QPointF(0, top_));
-        top_ += line.height();
+        m_top = placeOf(line.height());
+        line.draw(&m_pages.painter(), QPointF(0, m_top));
+        m_top += line.height();
         drawn = end;
     }
     layout.endLayout();
-    line_.remove(0, drawn);
+    m_line.remove(0, drawn);
     if (drawn == 0) // all of it in one line: more of the text is needed to tell where that ends
-        pieceLength_ *= 2;
+        m_pieceLength *= 2;
 }
 
 qreal TextFlow::placeOf(qreal height) {
-    if (top_ + height <= LetterPages::frame.height())
-        return top_;
-    pages_.startPage();
+    if (m_top + height <= LetterPages::frame.height())
+        return m_top;
+    m_pages.startPage();
     return 0;
 }

@@ -26,13 +26,13 @@ private:
     void layOut(qsizetype length);
     [[nodiscard]] qreal placeOf(qreal height);
 
-    LetterPages& pages_;
-    QFont font_;
-    QTextOption options_;
-    qreal blankHeight_;         ///< of a line without characters
-    qreal top_ = 0;             ///< of the next line within the frame
-    QString line_;              ///< what of the file's current line isn't drawn yet
-    qsizetype pieceLength_;     ///< how much of a line is laid out at once
-    bool hasDirection_ = false; ///< whether `options_` tells the direction of the current line
-    bool endedByReturn_ = false;
+    LetterPages& m_pages;
+    QFont m_font;
+    QTextOption m_options;
+    qreal m_blankHeight;         ///< of a line without characters
+    qreal m_top = 0;             ///< of the next line within the frame
+    QString m_line;              ///< what of the file's current line isn't drawn yet
+    qsizetype m_pieceLength;     ///< how much of a line is laid out at once
+    bool m_hasDirection = false; ///< whether `m_options` tells the direction of the current line
+    bool m_endedByReturn = false;
 };
