@@ -37,6 +37,7 @@ set(QUILLO_FOLDERS
     Views/Sheets
     Views/Sidebar
     Views/Landing
+    Views/Preview
     Views/Settings
     Views/Workspace
     Views

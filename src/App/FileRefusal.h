@@ -4,7 +4,7 @@
 
 class QUrl;
 
-/// What the user is told about a file that Quillo can't show.
+/// What the user is told about a file that isn't there, or not on this computer.
 struct FileRefusal {
     QString title;
     QString sentence;

@@ -7,10 +7,12 @@
 #include "OpenPanel.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
+#include "PreviewWindowController.h"
 #include "RecentPageStore.h"
 #include "RecentScaleStore.h"
 #include "SavePanel.h"
 
+#include <QFileInfo>
 #include <QGuiApplication>
 
 QuilloApp::QuilloApp(std::unique_ptr<DocumentDialogs> dialogs)
@@ -47,6 +49,7 @@ QuilloApp::~QuilloApp() {
     m_delegate.setTerminating(true);
     m_delegate.closeWelcomeWindow();
     m_settings.close();
+    PreviewWindowController::closeAll();
     m_presenter.closeWindow();
 }
 
@@ -70,7 +73,12 @@ void QuilloApp::setFileDestinations() {
     destinations.openImport = [this](const QUrl& url, const std::shared_ptr<Document>& emptyTab) {
         importFile(url, emptyTab);
     };
-    destinations.openPreview = [refuse](const QUrl& url, bool) { refuse(url); };
+    destinations.openPreview = [this, refuse](const QUrl& url, bool) {
+        if (url.isLocalFile() && QFileInfo::exists(url.toLocalFile()))
+            PreviewWindowController::open(url, m_services);
+        else
+            refuse(url);
+    };
     FileOpenRouter::setDestinations(std::move(destinations));
 }
 

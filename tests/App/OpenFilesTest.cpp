@@ -1,5 +1,6 @@
 #include "AppTest.h"
 
+#include "PreviewWindowController.h"
 #include "RecentPageStore.h"
 #include "RecentScaleStore.h"
 #include "UnlockDocumentView.h"
@@ -20,23 +21,17 @@ protected:
 };
 
 TEST_F(OpenFilesTest, whatCantBeOpenedGetsASentence) {
-    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("folder.pdf")));
-    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("papers")));
     const struct {
         QUrl url;
         const char* says;
     } cases[] = {
         {QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing.pdf"))), "doesn't exist"},
-        {QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("folder.pdf"))), "is a folder"},
-        {QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("papers"))), "“papers” is a folder."},
         {QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing"))), "There is no file “missing”."},
         {bytes(QStringLiteral("empty.pdf"), {}), "“empty.pdf” couldn't be opened."},
         {bytes(QStringLiteral("fake.pdf"), QByteArray("no pdf ").repeated(500)), "“fake.pdf” couldn't be opened."},
         {bytes(QStringLiteral("header.pdf"), "%PDF-1.7\n"), "“header.pdf” couldn't be opened."},
         {bytes(QStringLiteral("notes.docx"), "PK"),
          "Couldn't Open “notes.docx” This file couldn't be converted to a PDF."},
-        {bytes(QStringLiteral("table.xlsx"), "PK"), "“table.xlsx” isn't a PDF."},
-        {bytes(QStringLiteral("<b>x.zip"), "PK"), "“<b>x.zip” isn't a PDF."},
         {bytes(QStringLiteral("words.jpg"), "Dear reader"),
          "Couldn't Open “words.jpg” This file couldn't be converted to a PDF."},
         {QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("gone.png"))),
@@ -54,6 +49,32 @@ TEST_F(OpenFilesTest, whatCantBeOpenedGetsASentence) {
     }
     EXPECT_TRUE(m_app->controller().documents().empty());
     EXPECT_TRUE(landingIsVisible());
+}
+
+TEST_F(OpenFilesTest, whatIsNotConvertedGetsAWindowOfItsOwn) {
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("papers.pdf")));
+    launch({bytes(QStringLiteral("table.xlsx"), "junk"), bytes(QStringLiteral("<b>x.zip"), "PK"),
+            QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("papers.pdf")))});
+    const auto& windows = PreviewWindowController::openControllers();
+    ASSERT_EQ(windows.size(), 3U);
+    EXPECT_FALSE(landingIsVisible());
+    EXPECT_EQ(windows[0]->window()->windowTitle(), QStringLiteral("table.xlsx"));
+    EXPECT_NE(windows[0]->window()->findChild<QWidget*>(QStringLiteral("previewAskButton")), nullptr);
+    for (const std::size_t i : {1U, 2U}) {
+        EXPECT_EQ(windows[i]->window()->findChild<QWidget*>(QStringLiteral("previewAskButton")), nullptr);
+        EXPECT_EQ(windows[i]->window()->findChild<QLabel*>(QStringLiteral("reason"))->text(),
+                  QStringLiteral("Quillo doesn’t support previewing this file type yet."));
+    }
+    EXPECT_EQ(windows[1]->window()->findChild<QLabel*>(QStringLiteral("heading"))->text(),
+              QStringLiteral("Can’t Preview “<b>x.zip”"));
+    for (const std::size_t left : {2U, 1U, 0U}) {
+        windows.front()->window()->close();
+        settle();
+        EXPECT_EQ(windows.size(), left);
+        EXPECT_EQ(landingIsVisible(), left == 0);
+    }
+    open(bytes(QStringLiteral("other.zip"), "PK"));
+    EXPECT_TRUE(landingIsVisible()); // it goes for documents only
 }
 
 TEST_F(OpenFilesTest, goodFilesOpenBetweenBadOnesInTheirOrder) {

@@ -62,8 +62,6 @@ void dropDescriptors() {
     setrlimit(RLIMIT_AS, &start.memory);
     setrlimit(RLIMIT_FSIZE, &start.file);
     setrlimit(RLIMIT_CPU, &start.processorTime);
-    constexpr int behindWindows = 5;
-    setpriority(PRIO_PROCESS, 0, behindWindows);
     if (chdir(start.folder) == 0 && Confinement::enter(start.ruleset)) {
         close_range(STDERR_FILENO + 1, ~0U, 0);
         execve(start.arguments[0], start.arguments, start.environment);

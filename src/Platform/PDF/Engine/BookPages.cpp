@@ -62,7 +62,6 @@ public:
     }
 
     void addLinks() {
-        engineTry(m_context, [&] { pdf_load_page_tree(m_context, m_pages); });
         for (const Place& place : m_places)
             addLinks(place);
     }
@@ -81,9 +80,9 @@ public:
     }
 
 private:
-    /// Of a page of the pages, zero-based, in the book.
+    /// Where a page stands in the book.
     struct Place {
-        int number = 0;
+        int object = 0; ///< its number in the file of pages
         int chapter = 0;
         int page = 0;
     };
@@ -94,6 +93,7 @@ private:
         pdf_obj* resources = nullptr;
         pdf_obj* object = nullptr;
         fz_buffer* content = nullptr;
+        int objectNumber = 0;
         const bool added = engineTry(
             m_context,
             [&] {
@@ -104,6 +104,7 @@ private:
                 fz_close_device(m_context, device);
                 object = pdf_add_page(m_context, m_pages, box, 0, resources, content);
                 pdf_insert_page(m_context, m_pages, -1, object);
+                objectNumber = pdf_to_num(m_context, object);
             },
             error);
         fz_drop_device(m_context, device);
@@ -112,30 +113,32 @@ private:
         pdf_drop_obj(m_context, resources);
         fz_drop_page(m_context, page);
         if (added)
-            m_places.push_back({int(m_places.size()), chapter, number});
+            m_places.push_back({objectNumber, chapter, number});
         return added;
     }
 
     void addLinks(const Place& place) {
         fz_page* page = nullptr;
         fz_link* links = nullptr;
+        pdf_obj* object = nullptr;
         engineTry(m_context, [&] {
             page = fz_load_chapter_page(m_context, m_book, place.chapter, place.page);
             links = fz_load_links(m_context, page);
             if (!links)
                 return;
-            pdf_obj* object = pdf_lookup_page_obj(m_context, m_pages, place.number);
+            object = pdf_new_indirect(m_context, m_pages, place.object, 0);
             pdf_obj* annotations = pdf_dict_put_array(m_context, object, PDF_NAME(Annots), 4);
             for (fz_link* link = links; link; link = link->next)
                 addLink(annotations, *link);
         });
+        pdf_drop_obj(m_context, object);
         fz_drop_link(m_context, links);
         fz_drop_page(m_context, page);
     }
 
     /// May throw as the engine does.
     void addLink(pdf_obj* annotations, const fz_link& link) {
-        pdf_obj* target = nullptr;
+        int target = 0; // an object's number
         float x = 0;
         float y = 0;
         if (!fz_is_external_link(m_context, link.uri)) {
@@ -145,7 +148,7 @@ private:
             const int number = m_starts[std::size_t(location.chapter)] + location.page;
             if (location.page < 0 || std::size_t(number) >= m_places.size())
                 return;
-            target = pdf_lookup_page_obj(m_context, m_pages, number);
+            target = m_places[std::size_t(number)].object;
         }
         // What the engine throws from here on leaks no more than this book holds anyway.
         pdf_obj* annotation = pdf_array_push_dict(m_context, annotations, 5);
@@ -156,9 +159,9 @@ private:
         pdf_obj* border = pdf_dict_put_array(m_context, annotation, PDF_NAME(Border), 3);
         for (int i = 0; i < 3; ++i)
             pdf_array_push_int(m_context, border, 0);
-        if (target) {
+        if (target != 0) {
             pdf_obj* destination = pdf_dict_put_array(m_context, annotation, PDF_NAME(Dest), 5);
-            pdf_array_push(m_context, destination, target);
+            pdf_array_push_drop(m_context, destination, pdf_new_indirect(m_context, m_pages, target, 0));
             pdf_array_push(m_context, destination, PDF_NAME(XYZ));
             pdf_array_push_real(m_context, destination, 0);
             pdf_array_push_real(m_context, destination, double(pageHeight - y));

@@ -45,19 +45,6 @@ office:mimetype="application/vnd.oasis.opendocument.presentation"><office:body><
 <draw:page draw:name="a"><draw:frame svg:width="10cm" svg:height="3cm"><draw:text-box><text:p>Opening words</text:p>
 </draw:text-box></draw:frame></draw:page><draw:page draw:name="b"/></office:presentation></office:body></office:document>)";
 
-QByteArray book(const QByteArray& chapter) {
-    return OfficeFiles::package(
-        {{"mimetype", "application/epub+zip"},
-         {"META-INF/container.xml",
-          R"(<container version="1.0" xmlns="urn:oasis:names:tc:opendocument:xmlns:container"><rootfiles>
-<rootfile full-path="book.opf" media-type="application/oebps-package+xml"/></rootfiles></container>)"},
-         {"book.opf", R"(<package xmlns="http://www.idpf.org/2007/opf" version="2.0"><manifest>
-<item id="a" href="a.xhtml" media-type="application/xhtml+xml"/><item id="b" href="b.xhtml"
-media-type="application/xhtml+xml"/></manifest><spine><itemref idref="a"/><itemref idref="b"/></spine></package>)"},
-         {"a.xhtml", chapter},
-         {"b.xhtml", "<html xmlns=\"http://www.w3.org/1999/xhtml\"><body><h1>Second</h1></body></html>"}});
-}
-
 } // namespace
 
 TEST_F(FilePreviewerTest, sheetsAndSlidesBecomePages) {
@@ -81,7 +68,7 @@ TEST_F(FilePreviewerTest, sheetsAndSlidesBecomePages) {
 TEST_F(FilePreviewerTest, aBookIsLaidOutWithItsLinks) {
     const QString file =
         write(QStringLiteral("novel.epub"),
-              book(R"(<html xmlns="http://www.w3.org/1999/xhtml"><body><p>Größe, <a href="b.xhtml">there
+              OfficeFiles::book(R"(<html xmlns="http://www.w3.org/1999/xhtml"><body><p>Größe, <a href="b.xhtml">there
 </a> and <a href="https://example.org/there">elsewhere</a></p></body></html>)"));
     EXPECT_EQ(preview(file), Outcome::written);
     EXPECT_EQ(pageCount(), 2);

@@ -89,6 +89,12 @@ TEST_F(OfficeConverterTest, documentsOfEveryFormatBecomeTheirPages) {
         EXPECT_TRUE(text().contains(QStringLiteral("Größe und Maß"))) << text().toStdString();
         EXPECT_TRUE(OfficeFiles::bytesOf(path(QStringLiteral("pages.pdf"))).contains("https://example.org/there"));
     }
+    // The head of the text says that it is protected by a password.
+    QByteArray locked = OfficeFiles::bytesOf(doc);
+    const qsizetype head = locked.indexOf("\xec\xa5\x01\x01");
+    ASSERT_GT(head, 0);
+    locked[head + 11] = char(locked.at(head + 11) | 1);
+    EXPECT_EQ(convert(write(QStringLiteral("locked.doc"), locked)), Outcome::failed);
 }
 
 TEST_F(OfficeConverterTest, aFolderOfRichTextKeepsItsPictures) {

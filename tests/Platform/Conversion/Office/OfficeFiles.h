@@ -52,6 +52,20 @@ inline QByteArray package(const std::vector<std::pair<QByteArray, QByteArray>>& 
            number(0, 2);
 }
 
+/// A book of two chapters; the second one says “Second”.
+inline QByteArray book(const QByteArray& chapter) {
+    return package({{"mimetype", "application/epub+zip"},
+                    {"META-INF/container.xml",
+                     R"(<container version="1.0" xmlns="urn:oasis:names:tc:opendocument:xmlns:container"><rootfiles>
+<rootfile full-path="book.opf" media-type="application/oebps-package+xml"/></rootfiles></container>)"},
+                    {"book.opf", R"(<package xmlns="http://www.idpf.org/2007/opf" version="2.0"><manifest>
+<item id="a" href="a.xhtml" media-type="application/xhtml+xml"/><item id="b" href="b.xhtml"
+media-type="application/xhtml+xml"/></manifest><spine><itemref idref="a"/><itemref idref="b"/></spine></package>)"},
+                    {"a.xhtml", chapter},
+                    {"b.xhtml", "<html xmlns=\"http://www.w3.org/1999/xhtml\"><body><h1>Second</h1><p><a "
+                                "href=\"a.xhtml\">back</a></p></body></html>"}});
+}
+
 /// What another program says; empty when it isn't there or fails.
 inline QString output(const QString& program, const QStringList& arguments) {
     QProcess process;
