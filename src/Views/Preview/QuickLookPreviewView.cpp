@@ -14,7 +14,7 @@
 
 static constexpr int progressWidth = 260;
 static constexpr double zoomStep = 1.25;
-static constexpr double largestFirstScale = 1.5; // a narrow sheet needn't fill the window
+static constexpr double largestFittingScale = 1.5;
 
 QuickLookPreviewView::QuickLookPreviewView(QUrl url, QWidget* parent) : QStackedWidget(parent), m_url(std::move(url)) {
     setObjectName(QStringLiteral("preview"));
@@ -52,15 +52,34 @@ void QuickLookPreviewView::showPages(const std::shared_ptr<PDFDocument>& pages) 
     m_pages->setAutoScales(true);
     m_pages->setDocument(pages);
     connect(m_pages, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
+    connect(m_pages, &PDFView::scaleChanged, this, [this] {
+        if (!m_isFitting && !m_pages->autoScales())
+            m_followsWidth = false;
+    });
     addZoom();
     const bool hadFocus = isAncestorOf(window()->focusWidget()) || !window()->focusWidget();
     addWidget(m_pages);
     setCurrentWidget(m_pages);
-    if (m_pages->scaleFactorForSizeToFit() > largestFirstScale)
-        m_pages->setScaleFactor(largestFirstScale);
+    fitWidth();
     setFocusProxy(m_pages);
     if (hadFocus)
         m_pages->setFocus();
+}
+
+/// As wide as the view, unless that makes the letters of a narrow sheet huge.
+void QuickLookPreviewView::fitWidth() {
+    m_isFitting = true;
+    if (m_pages->scaleFactorForSizeToFit() > largestFittingScale)
+        m_pages->setScaleFactor(largestFittingScale);
+    else
+        m_pages->setAutoScales(true);
+    m_isFitting = false;
+}
+
+void QuickLookPreviewView::resizeEvent(QResizeEvent* event) {
+    QStackedWidget::resizeEvent(event);
+    if (m_pages && m_followsWidth)
+        QMetaObject::invokeMethod(this, &QuickLookPreviewView::fitWidth, Qt::QueuedConnection); // once the pages fit
 }
 
 /// There is no tool for it, but the keys of every window.

@@ -25,10 +25,16 @@ public:
     /// Null until there are pages.
     [[nodiscard]] PDFView* pdfView() const { return m_pages; }
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     QWidget* makeProgress();
+    void fitWidth();
     void addZoom();
 
     const QUrl m_url;
     PDFView* m_pages = nullptr;
+    bool m_isFitting = false;
+    bool m_followsWidth = true; ///< until the reader sets a scale
 };
