@@ -1,6 +1,5 @@
 #include "QuickLookPreviewView.h"
 
-#include "ElidedLabel.h"
 #include "PDFDocument.h"
 #include "PDFView.h"
 #include "Shortcuts.h"
@@ -9,6 +8,7 @@
 
 #include <QAction>
 #include <QFrame>
+#include <QLabel>
 #include <QProgressBar>
 #include <QVBoxLayout>
 
@@ -26,7 +26,9 @@ QuickLookPreviewView::~QuickLookPreviewView() = default;
 QWidget* QuickLookPreviewView::makeProgress() {
     auto* progress = new QWidget(this);
     progress->setObjectName(QStringLiteral("previewProgress"));
-    auto* line = new ElidedLabel(QStringLiteral("Preparing the preview of “%1”…").arg(m_url.fileName()), progress);
+    auto* line = new QLabel(QStringLiteral("Preparing the preview of “%1”…").arg(m_url.fileName()), progress);
+    line->setTextFormat(Qt::PlainText);
+    line->setWordWrap(true);
     line->setAlignment(Qt::AlignCenter);
     auto* bar = new QProgressBar(progress);
     bar->setRange(0, 0);
