@@ -57,12 +57,14 @@ QString ConverterProcess::name(Kind kind) {
         return QStringLiteral("html");
     case Kind::picture:
         return QStringLiteral("picture");
+    case Kind::book:
+        return QStringLiteral("book");
     }
     return {};
 }
 
 std::optional<ConverterProcess::Kind> ConverterProcess::kindNamed(const QString& text) {
-    for (const Kind kind : {Kind::text, Kind::html, Kind::picture})
+    for (const Kind kind : {Kind::text, Kind::html, Kind::picture, Kind::book})
         if (name(kind) == text)
             return kind;
     return std::nullopt;

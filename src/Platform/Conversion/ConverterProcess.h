@@ -12,7 +12,7 @@
 /// one that it converts; of a web page also those beside it. The other end is `ConverterServer`.
 namespace ConverterProcess {
 
-enum class Kind { text, html, picture };
+enum class Kind { text, html, picture, book };
 
 /// For how long a file may take.
 inline constexpr std::chrono::milliseconds timeLimit(120'000);

@@ -1,5 +1,6 @@
 #include "ConverterServer.h"
 
+#include "BookPages.h"
 #include "HtmlPages.h"
 #include "PicturePages.h"
 #include "TextPages.h"
@@ -24,6 +25,8 @@ bool ConverterServer::convert(ConverterProcess::Kind kind, const QString& source
         return HtmlPages::write(source, destination);
     case ConverterProcess::Kind::picture:
         return PicturePages::write(source, destination);
+    case ConverterProcess::Kind::book:
+        return BookPages::write(source, destination);
     }
     return false;
 }

@@ -1,25 +1,22 @@
 #include "FilePreviewer.h"
 
-#include "BookPages.h"
+#include "ConverterProcess.h"
+#include "Logging.h"
 #include "OfficeConverter.h"
-#include "PDFDocument.h"
-#include "PDFPage.h"
 #include "PDFSource.h"
 #include "ZipPackage.h"
 
-#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
+#include <QTemporaryDir>
 
-#include <memory>
+#include <exception>
 #include <optional>
 
 namespace {
 
 constexpr qsizetype largestMember = qsizetype(64) << 20U; // bytes
-constexpr int mostMegabytes = 256;                        // of an unpacked picture
 
 QString suffixOf(const QString& path) {
     return QFileInfo(path).suffix().toLower();
@@ -44,33 +41,23 @@ bool writeBytes(const QString& path, const QByteArray& bytes) {
     return false;
 }
 
-QImage picture(QByteArray bytes) {
-    QBuffer buffer(&bytes);
-    QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    if (size.isEmpty() || qint64(size.width()) * size.height() * 4 > qint64(mostMegabytes) << 20U)
-        return {};
-    return reader.read();
-}
-
 /// What the program that wrote the file has put into it for such as cannot read it.
-bool writeOwnPreview(const QString& source, const QString& destination) {
+bool writeOwnPreview(const QString& source, const QString& destination, const std::stop_token& stop) {
     if (const auto pages = member(source, QStringLiteral("QuickLook/Preview.pdf"))) {
         try {
             if (PDFSource::open(*pages)->pageCount() > 0)
                 return writeBytes(destination, *pages);
-        } catch (const std::exception&) {
-            // The picture may be sound.
+        } catch (const std::exception& error) { // the picture may be sound
+            qCWarning(Logging::pdf) << "a file's own preview can't be read:" << Logging::causes(error);
         }
     }
     for (const char* name : {"preview.jpg", "QuickLook/Thumbnail.jpg"}) {
         const auto bytes = member(source, QString::fromLatin1(name));
-        const QImage image = bytes ? picture(*bytes) : QImage();
-        if (image.isNull())
-            continue;
-        const auto document = std::make_shared<PDFDocument>();
-        document->insert(PDFPage::fromImage(image, image.size()), 0);
-        return writeBytes(destination, document->dataRepresentation());
+        const QTemporaryDir folder;
+        const QString picture = folder.filePath(QStringLiteral("preview.jpg"));
+        if (bytes && folder.isValid() && writeBytes(picture, *bytes) &&
+            ConverterProcess::convert(ConverterProcess::Kind::picture, picture, destination, stop))
+            return true;
     }
     return false;
 }
@@ -83,7 +70,10 @@ FilePreviewer::Outcome FilePreviewer::writePages(const QString& source, const QS
     if (suffix == u"epub") {
         const auto package = ZipPackage::open(source);
         const bool isBook = package && package->contains("META-INF/container.xml");
-        return isBook && BookPages::write(source, destination) ? Outcome::written : Outcome::failed;
+        return isBook && ConverterProcess::convert(ConverterProcess::Kind::book, source, destination, stop)
+                   ? Outcome::written
+               : stop.stop_requested() ? Outcome::stopped
+                                       : Outcome::failed;
     }
     const OfficeConverter::Outcome outcome = OfficeConverter::convert(source, destination, stop);
     const bool isApples = suffix == u"pages" || suffix == u"numbers" || suffix == u"key";
@@ -96,7 +86,7 @@ FilePreviewer::Outcome FilePreviewer::writePages(const QString& source, const QS
     case OfficeConverter::Outcome::programMissing:
         break;
     }
-    if (isApples && writeOwnPreview(source, destination))
+    if (isApples && writeOwnPreview(source, destination, stop))
         return Outcome::written;
     return outcome == OfficeConverter::Outcome::programMissing ? Outcome::programMissing : Outcome::failed;
 }
