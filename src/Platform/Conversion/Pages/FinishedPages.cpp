@@ -122,7 +122,8 @@ void FinishedPages::write(const QString& drawn, const QString& finished, const C
     setInformation(pdf, changes.title);
     if (changes.dropsHiddenText)
         dropHiddenText(pages);
-    QPDFWriter writer(pdf, QFile::encodeName(finished).constData());
+    const QByteArray path = QFile::encodeName(finished); // which the writer looks at until the end
+    QPDFWriter writer(pdf, path.constData());
     writer.setObjectStreamMode(qpdf_o_preserve);
     writer.setDecodeLevel(qpdf_dl_none); // what is packed already stays as it is
     writer.write();
