@@ -26,10 +26,10 @@ inline QByteArray bytesOf(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-inline QByteArray number(quint32 value, int bytes) {
+inline QByteArray number(quint64 value, int bytes) {
     QByteArray text;
-    for (int i = 0; i < bytes; ++i)
-        text += char(value >> (8 * i));
+    for (; bytes > 0; --bytes, value >>= 8)
+        text += char(value);
     return text;
 }
 
