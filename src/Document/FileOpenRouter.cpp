@@ -85,6 +85,14 @@ void FileOpenRouter::openInPlaceOf(const std::shared_ptr<Document>& emptyTab, co
     }
 }
 
+void FileOpenRouter::openRecent(const QUrl& url) {
+    const Destinations destinations = currentDestinations();
+    if (classify(url) == Kind::track1)
+        open(url);
+    else if (destinations.openDocument)
+        destinations.openDocument(url);
+}
+
 /// "*.pdf *.PDF": file panels compare letter by letter where the file system does.
 static QString patterns(const QStringList& extensions) {
     QStringList patterns;

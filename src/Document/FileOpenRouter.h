@@ -45,6 +45,8 @@ void setDestinations(Destinations destinations);
 void open(const QUrl& url);
 /// The same for one that is to take the place of a document without pages, where its kind can.
 void openInPlaceOf(const std::shared_ptr<Document>& emptyTab, const QUrl& url);
+/// The same for one of the recent files: they were documents, whatever their names, or were converted.
+void openRecent(const QUrl& url);
 
 /// For open panels: all supported files, then PDF alone, then all files.
 [[nodiscard]] QStringList nameFilters();

@@ -69,12 +69,16 @@ TEST(FileOpenRouter, handsEachKindToItsDestination) {
                                 QStringLiteral("d.zip"), QStringLiteral("e")})
         FileOpenRouter::open(QUrl::fromLocalFile(QStringLiteral("/") + name));
     EXPECT_EQ(log.join(u','), QStringLiteral("document a.pdf,import b.txt,preview c.pptx,refusal d.zip,refusal e"));
+    log.clear();
+    for (const QString& name : {QStringLiteral("a.pdf"), QStringLiteral("b.txt"), QStringLiteral("e")})
+        FileOpenRouter::openRecent(QUrl::fromLocalFile(QStringLiteral("/") + name));
+    EXPECT_EQ(log.join(u','), QStringLiteral("document a.pdf,import b.txt,document e"));
 
     FileOpenRouter::setDestinations({});
     for (const QString& name :
          {QStringLiteral("a.pdf"), QStringLiteral("b.txt"), QStringLiteral("c.pptx"), QStringLiteral("d.zip")})
         FileOpenRouter::open(QUrl::fromLocalFile(QStringLiteral("/") + name));
-    EXPECT_EQ(log.size(), 5);
+    EXPECT_EQ(log.size(), 3);
 }
 
 TEST(FileOpenRouter, panelsAndDropsKnowTheSupportedKinds) {

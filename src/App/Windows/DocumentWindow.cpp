@@ -88,12 +88,7 @@ DocumentWindow::DocumentWindow(WindowServices& services)
     connect(&services.controller, &DocumentController::documentSavingChanged, this,
             [this](const std::shared_ptr<Document>& document, bool isSaving) { announceSaving(*document, isSaving); });
     connect(m_menu, &MainMenu::closeRequested, this, [this] { closeTab(m_tabBar->current()); });
-    connect(m_menu, &MainMenu::openRecentRequested, this, [this](const QUrl& url) {
-        if (FileOpenRouter::classify(url) == FileOpenRouter::Kind::track1)
-            FileOpenRouter::open(url);
-        else // a document, whatever its name
-            m_services.controller.openDocument(url, true);
-    });
+    connect(m_menu, &MainMenu::openRecentRequested, this, &FileOpenRouter::openRecent);
 }
 
 DocumentWindow::~DocumentWindow() = default;

@@ -2,7 +2,6 @@
 
 #include "AppActions.h"
 #include "AssistantViewModel.h"
-#include "DocumentController.h"
 #include "FileOpenRouter.h"
 #include "MainMenu.h"
 #include "PreviewContentView.h"
@@ -47,8 +46,7 @@ PreviewWindowController::PreviewWindowController(const QUrl& url, WindowServices
     m_window->resize(windowSize);
     auto* menu = new MainMenu(*m_window, services.actions, services.controller);
     connect(menu, &MainMenu::closeRequested, m_window.get(), &QWidget::close);
-    connect(menu, &MainMenu::openRecentRequested, this,
-            [&controller = services.controller](const QUrl& recent) { controller.openDocument(recent, true); });
+    connect(menu, &MainMenu::openRecentRequested, this, &FileOpenRouter::openRecent);
     auto* content = new PreviewContentView(url, isSupported, [&defaults = services.defaults](const auto& context) {
         return AssistantViewModel::create(context, defaults);
     });

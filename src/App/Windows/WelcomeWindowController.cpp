@@ -1,6 +1,6 @@
 #include "WelcomeWindowController.h"
 
-#include "DocumentController.h"
+#include "FileOpenRouter.h"
 #include "LandingView.h"
 #include "MainMenu.h"
 
@@ -12,8 +12,7 @@ WelcomeWindowController::WelcomeWindowController(WindowServices& services, QObje
     m_window->setMinimumSize(480, 360);
     auto* menu = new MainMenu(*m_window, services.actions, services.controller);
     connect(menu, &MainMenu::closeRequested, m_window.get(), &QWidget::close);
-    connect(menu, &MainMenu::openRecentRequested, this,
-            [&controller = services.controller](const QUrl& url) { controller.openDocument(url, true); });
+    connect(menu, &MainMenu::openRecentRequested, this, &FileOpenRouter::openRecent);
     auto* landing = new LandingView(services.controller, {});
     m_window->setCentralWidget(landing);
     landing->setFocus();
