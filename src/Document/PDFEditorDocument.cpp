@@ -7,6 +7,7 @@
 #include "PDFDraft.h"
 #include "PDFError.h"
 #include "QuilloAssert.h"
+#include "ThumbnailCache.h"
 
 #include <QFile>
 
@@ -18,6 +19,11 @@ PDFEditorDocument::PDFEditorDocument(QObject* parent)
     : Document(parent), m_pdfDocument(std::make_shared<PDFDocument>()) {}
 
 PDFEditorDocument::~PDFEditorDocument() = default;
+
+void PDFEditorDocument::tellPagesChanged() {
+    ThumbnailCache::removeAll();
+    Q_EMIT objectWillChange();
+}
 
 void PDFEditorDocument::setPdfDocument(const std::shared_ptr<PDFDocument>& pdfDocument) {
     QUILLO_ASSERT(pdfDocument, "A document always holds a PDFDocument.");

@@ -43,6 +43,10 @@ public:
     /// "pdf".
     [[nodiscard]] QString fileNameExtension() const override;
 
+    /// For whoever has changed which pages there are, or what they show: empties the `ThumbnailCache` and tells
+    /// `objectWillChange`.
+    void tellPagesChanged();
+
 Q_SIGNALS:
     /// The `PDFDocument`, its pages or its lock state changed: views look at it anew. Whoever changes the pages or the
     /// lock state of `pdfDocument()` emits this once the change is complete.

@@ -3,7 +3,6 @@
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
-#include "ThumbnailCache.h"
 #include "UndoManager.h"
 
 #include <algorithm>
@@ -16,18 +15,13 @@ struct DeletedPage {
     std::shared_ptr<PDFPage> page;
 };
 
-void tellChange(PDFEditorDocument& document) {
-    ThumbnailCache::removeAll();
-    Q_EMIT document.objectWillChange();
-}
-
 /// `deleted` in ascending order.
 void restorePages(PDFEditorDocument& document, const std::vector<DeletedPage>& deleted, const PageIndices& indices,
                   UndoManager* undoManager) {
     const std::shared_ptr<PDFDocument> pdf = document.pdfDocument();
     for (const DeletedPage& each : deleted)
         pdf->insert(each.page, each.index);
-    tellChange(document);
+    document.tellPagesChanged();
     if (undoManager)
         undoManager->registerUndo(&document, [&document, indices, undoManager] {
             PageOperations::deletePages(document, indices, undoManager);
@@ -45,7 +39,7 @@ void PageOperations::movePage(PDFEditorDocument& document, int from, int to, Und
     if (destination == from)
         return;
     pdf->insert(pdf->removePage(from), destination);
-    tellChange(document);
+    document.tellPagesChanged();
     if (undoManager)
         undoManager->registerUndo(&document, [&document, destination, from, undoManager] {
             movePage(document, destination, from, undoManager);
@@ -76,7 +70,7 @@ void PageOperations::deletePages(PDFEditorDocument& document, const PageIndices&
             deleted.push_back({*index, std::move(page)});
     if (deleted.empty())
         return;
-    tellChange(document);
+    document.tellPagesChanged();
     if (!undoManager)
         return;
     std::reverse(deleted.begin(), deleted.end());
@@ -99,7 +93,7 @@ void PageOperations::merge(PDFEditorDocument& document, const PDFDocument& sourc
         pdf->insert(copy, at);
         indices.insert(at++);
     }
-    tellChange(document);
+    document.tellPagesChanged();
     if (undoManager)
         undoManager->registerUndo(&document,
                                   [&document, indices, undoManager] { deletePages(document, indices, undoManager); });

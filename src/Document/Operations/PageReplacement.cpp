@@ -3,7 +3,6 @@
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
-#include "ThumbnailCache.h"
 #include "UndoManager.h"
 
 namespace {
@@ -14,8 +13,7 @@ void put(std::shared_ptr<PDFPage> PageReplacement::*page, const Replacements& al
     const std::shared_ptr<PDFDocument> pdf = document.pdfDocument();
     for (const PageReplacement& each : *all)
         pdf->replacePage(each.index, each.*page);
-    ThumbnailCache::removeAll();
-    Q_EMIT document.objectWillChange();
+    document.tellPagesChanged();
 }
 
 } // namespace

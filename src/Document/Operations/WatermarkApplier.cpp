@@ -3,7 +3,6 @@
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
-#include "ThumbnailCache.h"
 #include "UndoManager.h"
 #include "WatermarkAnnotation.h"
 
@@ -19,15 +18,10 @@ struct Stamped {
 };
 using AllStamped = std::shared_ptr<const std::vector<Stamped>>; // of all steps of one chain
 
-void tellChange(PDFEditorDocument& document) {
-    ThumbnailCache::removeAll();
-    Q_EMIT document.objectWillChange();
-}
-
 void put(const AllStamped& all, PDFEditorDocument& document) {
     for (const Stamped& each : *all)
         each.page->putOnTop(each.annotation);
-    tellChange(document);
+    document.tellPagesChanged();
 }
 
 } // namespace
@@ -50,7 +44,7 @@ void WatermarkApplier::apply(const QString& text, double opacity, PDFEditorDocum
     undoManager->registerUndo(&document, [&document, all, undoManager] {
         for (const Stamped& each : *all)
             each.page->takeOff(each.annotation);
-        tellChange(document);
+        document.tellPagesChanged();
         undoManager->registerUndo(&document, [&document, all] { put(all, document); });
     });
 }

@@ -13,7 +13,7 @@
 
 namespace {
 
-QByteArrayList& currentCommand() {
+QByteArrayList& converterCommand() {
     static QByteArrayList command;
     return command;
 }
@@ -71,22 +71,22 @@ std::optional<ConverterProcess::Kind> ConverterProcess::kindNamed(const QString&
 }
 
 void ConverterProcess::setCommand(QByteArrayList command) {
-    currentCommand() = std::move(command);
+    converterCommand() = std::move(command);
 }
 
 bool ConverterProcess::convert(Kind kind, const QString& source, const QString& destination,
                                const std::stop_token& stop, std::chrono::milliseconds limit) {
-    if (currentCommand().isEmpty())
+    if (converterCommand().isEmpty())
         return ConverterServer::convert(kind, source, destination);
     const QFileInfo to(destination);
     ConfinedProgram program;
-    program.command = currentCommand();
+    program.command = converterCommand();
     program.command << name(kind).toLatin1() << QFile::encodeName(QFileInfo(source).absoluteFilePath())
                     << QFile::encodeName(to.absoluteFilePath());
     program.environment = environmentOfProgram();
     program.workingFolder = to.absolutePath();
     program.readable = readableByAll();
-    program.readable << QFile::decodeName(currentCommand().constFirst())
+    program.readable << QFile::decodeName(converterCommand().constFirst())
                      << (kind == Kind::html ? QFileInfo(source).absolutePath() : source);
     program.writable = {to.absolutePath(), QStringLiteral("/dev/null")};
     program.timeLimit = limit;

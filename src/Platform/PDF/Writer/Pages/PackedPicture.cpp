@@ -95,7 +95,7 @@ PictureFile::Image stored(const QImage& image, const Form& form, const QByteArra
 QImage withPalette(const QImage& image) {
     if (image.format() == QImage::Format_Indexed8 || image.format() == QImage::Format_Mono)
         return image;
-    QHash<QRgb, int> places;
+    QHash<QRgb, int> numbers;
     QList<QRgb> colors;
     QImage indexed(image.size(), QImage::Format_Indexed8);
     if (indexed.isNull())
@@ -109,13 +109,13 @@ QImage withPalette(const QImage& image) {
         for (int x = 0; x < image.width(); ++x) {
             if (place < 0 || from[x] != last) {
                 last = from[x];
-                place = places.value(last, -1);
+                place = numbers.value(last, -1);
             }
             if (place < 0) {
                 if (colors.size() == mostColors)
                     return {};
                 place = int(colors.size());
-                places.insert(last, place);
+                numbers.insert(last, place);
                 colors.append(last);
             }
             to[x] = uchar(place);
