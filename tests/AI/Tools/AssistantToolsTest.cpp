@@ -174,8 +174,8 @@ TEST_F(PDFToolsTest, OutlivesItsWindow) {
 }
 
 TEST_F(PDFToolsTest, CutsALongDocumentOnlyBetweenPages) {
-    const QString line(700, u'a');
-    const QStringList lines(100, line); // 70,099 characters with the newlines
+    const QString line(601, u'a');
+    const QStringList lines(100, line); // 60,199 characters with the newlines
     const QString whole = lines.join(u'\n');
     EXPECT_EQ(documentTextOf({lines}), QStringLiteral("--- Page 1 of 1 ---\n") + whole + QStringLiteral("\n\n"));
     const QString note =
