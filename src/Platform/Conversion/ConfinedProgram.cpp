@@ -3,7 +3,9 @@
 #include "Confinement.h"
 #include "Descriptor.h"
 
+#include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 
 #include <cerrno>
 #include <csignal>
@@ -134,6 +136,30 @@ private:
 };
 
 } // namespace
+
+QStringList ConfinedProgram::commonPlaces() {
+    QStringList places;
+    for (const char* place : {"/usr", "/bin", "/lib", "/lib32", "/lib64", "/opt", "/nix/store", "/etc/fonts",
+                              "/etc/ld.so.cache", "/var/cache/fontconfig"})
+        places << QString::fromLatin1(place);
+    const QString home = QDir::homePath();
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    places << home + QStringLiteral("/.fonts") << home + QStringLiteral("/.fontconfig")
+           << cache + QStringLiteral("/fontconfig") << config + QStringLiteral("/fontconfig")
+           << QStandardPaths::standardLocations(QStandardPaths::FontsLocation);
+    for (const char* variable : {"FONTCONFIG_FILE", "FONTCONFIG_PATH"})
+        places << QFile::decodeName(qgetenv(variable));
+    return places;
+}
+
+QByteArrayList ConfinedProgram::inherited(std::initializer_list<const char*> names) {
+    QByteArrayList variables;
+    for (const char* name : names)
+        if (qEnvironmentVariableIsSet(name))
+            variables << QByteArray(name) + '=' + qgetenv(name);
+    return variables;
+}
 
 ConfinedProgram::Result ConfinedProgram::run(const std::stop_token& stop) const {
     if (stop.stop_requested())

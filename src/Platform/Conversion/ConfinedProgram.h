@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <initializer_list>
 #include <stop_token>
 
 /// Another program that works on a file that nobody vouches for. It reaches no network, and, where the kernel can see
@@ -33,6 +34,11 @@ struct ConfinedProgram {
     std::uint64_t mostMemory = std::uint64_t(4) << 30U;  ///< address space, bytes
     std::uint64_t largestFile = std::uint64_t(1) << 30U; ///< that it may write, bytes
     std::uint64_t mostProcessorTime = 240;               ///< seconds
+
+    /// Where programs, libraries and fonts are, and what tells about fonts; nothing of anybody's documents.
+    [[nodiscard]] static QStringList commonPlaces();
+    /// For `environment`: those of Quillo's own variables that are set.
+    [[nodiscard]] static QByteArrayList inherited(std::initializer_list<const char*> names);
 
     /// Waits for the end. What the program prints is lost. Any thread, several at once.
     [[nodiscard]] Result run(const std::stop_token& stop) const;

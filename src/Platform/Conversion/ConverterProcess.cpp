@@ -7,7 +7,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLibraryInfo>
-#include <QStandardPaths>
 
 #include <utility>
 
@@ -18,33 +17,20 @@ QByteArrayList& converterCommand() {
     return command;
 }
 
-/// Libraries, fonts and what tells about them.
+/// Beside what is told here, the file itself.
 QStringList readableByAll() {
-    QStringList paths{QStringLiteral("/usr"),
-                      QStringLiteral("/lib"),
-                      QStringLiteral("/lib64"),
-                      QStringLiteral("/etc"),
-                      QStringLiteral("/opt"),
-                      QStringLiteral("/var/cache/fontconfig"),
-                      QStringLiteral("/dev/null"),
-                      QStringLiteral("/dev/urandom"),
-                      QLibraryInfo::path(QLibraryInfo::LibrariesPath),
-                      QLibraryInfo::path(QLibraryInfo::PluginsPath),
-                      qEnvironmentVariable("FONTCONFIG_FILE")};
-    paths << QStandardPaths::standardLocations(QStandardPaths::FontsLocation)
-          << QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QStringLiteral("/fontconfig")
-          << QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/fontconfig");
-    return paths;
+    return ConfinedProgram::commonPlaces()
+           << QStringLiteral("/etc") << QStringLiteral("/dev/null") << QStringLiteral("/dev/urandom")
+           << QLibraryInfo::path(QLibraryInfo::LibrariesPath) << QLibraryInfo::path(QLibraryInfo::PluginsPath);
 }
 
 /// The language and where fonts are; nothing that says more of the user.
 QByteArrayList environmentOfProgram() {
-    QByteArrayList environment{"QT_QPA_PLATFORM=offscreen", "QT_SCALE_FACTOR=1"};
-    for (const char* variable : {"PATH", "HOME", "LANG", "LC_ALL", "LC_CTYPE", "LD_LIBRARY_PATH", "QT_PLUGIN_PATH",
-                                 "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "FONTCONFIG_FILE"})
-        if (qEnvironmentVariableIsSet(variable))
-            environment << QByteArray(variable) + '=' + qgetenv(variable);
-    return environment;
+    return ConfinedProgram::inherited({"PATH", "HOME", "LANG", "LC_ALL", "LC_CTYPE", "LD_LIBRARY_PATH",
+                                       "QT_PLUGIN_PATH", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
+                                       "FONTCONFIG_FILE", "FONTCONFIG_PATH"})
+           << "QT_QPA_PLATFORM=offscreen"
+           << "QT_SCALE_FACTOR=1";
 }
 
 } // namespace

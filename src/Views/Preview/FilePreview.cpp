@@ -59,7 +59,8 @@ void FilePreview::work(QPromise<Step>& promise, const QString& path, bool withPa
     }
     promise.addResult(source ? Step{source, {}, false, {}} : Step{{}, outcome, false, {}});
     if (!text)
-        promise.addResult(Step{{}, {}, true, source ? SpotlightTextExtractor::textOfPages(pages, stop) : std::nullopt});
+        promise.addResult(
+            Step{{}, {}, true, source ? SpotlightTextExtractor::textOfPages(*source, stop) : std::nullopt});
 }
 
 void FilePreview::report(const Step& step) {

@@ -49,52 +49,25 @@ QString exportFilter(OfficeComponent component) {
     return QStringLiteral("pdf:impress_pdf_Export");
 }
 
-/// Programs, libraries and fonts; nothing of anybody's documents.
+/// Of the system; the program's own folder, too.
 QStringList readablePlaces(const QString& program) {
-    QStringList places;
-    for (const char* place : {"/usr",
-                              "/bin",
-                              "/lib",
-                              "/lib32",
-                              "/lib64",
-                              "/opt",
-                              "/nix/store",
-                              "/etc/alternatives",
-                              "/etc/fonts",
-                              "/etc/ld.so.cache",
-                              "/etc/libreoffice",
-                              "/etc/locale.alias",
-                              "/etc/localtime",
-                              "/etc/papersize",
-                              "/etc/paper.config",
-                              "/etc/nsswitch.conf",
-                              "/var/cache/fontconfig",
-                              "/var/lib/libreoffice",
-                              "/var/spool/libreoffice",
-                              "/proc",
-                              "/sys/devices/system/cpu"})
+    QStringList places = ConfinedProgram::commonPlaces();
+    for (const char* place : {"/etc/alternatives", "/etc/libreoffice", "/etc/locale.alias", "/etc/localtime",
+                              "/etc/papersize", "/etc/paper.config", "/etc/nsswitch.conf", "/var/lib/libreoffice",
+                              "/var/spool/libreoffice", "/proc", "/sys/devices/system/cpu"})
         places << QString::fromLatin1(place);
-    const QString home = QDir::homePath();
-    places << home + QStringLiteral("/.fonts") << home + QStringLiteral("/.fontconfig");
-    using Paths = QStandardPaths;
-    places << Paths::writableLocation(Paths::GenericDataLocation) + QStringLiteral("/fonts")
-           << Paths::writableLocation(Paths::GenericConfigLocation) + QStringLiteral("/fontconfig")
-           << Paths::writableLocation(Paths::GenericCacheLocation) + QStringLiteral("/fontconfig");
-    for (const char* variable : {"FONTCONFIG_FILE", "FONTCONFIG_PATH"})
-        places << QFile::decodeName(qgetenv(variable));
     places << QFileInfo(QFileInfo(program).path()).path();
     return places;
 }
 
 /// What finds programs, fonts and the language; nothing that leads to a desktop, a bus or a proxy.
 QByteArrayList environment(const QString& folder) {
-    QByteArrayList variables{"SAL_USE_VCLPLUGIN=svp", "DBUS_SESSION_BUS_ADDRESS=disabled:"};
-    for (const char* name : {"PATH", "HOME", "LANG", "LANGUAGE", "LC_ALL", "LC_CTYPE", "LC_MESSAGES", "LC_NUMERIC",
-                             "LC_TIME", "LC_PAPER", "LC_MONETARY", "TZ", "XDG_DATA_HOME", "XDG_DATA_DIRS",
-                             "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "FONTCONFIG_FILE", "FONTCONFIG_PATH"}) {
-        if (qEnvironmentVariableIsSet(name))
-            variables << QByteArray(name) + '=' + qgetenv(name);
-    }
+    QByteArrayList variables = ConfinedProgram::inherited(
+        {"PATH", "HOME", "LANG", "LANGUAGE", "LC_ALL", "LC_CTYPE", "LC_MESSAGES", "LC_NUMERIC", "LC_TIME", "LC_PAPER",
+         "LC_MONETARY", "TZ", "XDG_DATA_HOME", "XDG_DATA_DIRS", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "FONTCONFIG_FILE",
+         "FONTCONFIG_PATH"});
+    variables << "SAL_USE_VCLPLUGIN=svp"
+              << "DBUS_SESSION_BUS_ADDRESS=disabled:";
     for (const char* name : {"TMPDIR", "XDG_RUNTIME_DIR", "GNUPGHOME"})
         variables << QByteArray(name) + '=' + QFile::encodeName(folder);
     return variables;

@@ -2,7 +2,6 @@
 
 #include "Descriptor.h"
 #include "Logging.h"
-#include "PDFDocument.h"
 #include "PDFSource.h"
 #include "PageText.h"
 
@@ -116,15 +115,9 @@ std::optional<QString> SpotlightTextExtractor::indexedText(const QString& path) 
     return text;
 }
 
-std::optional<QString> SpotlightTextExtractor::textOfPages(const QString& pagesPath, const std::stop_token& stop) {
-    try {
-        const std::shared_ptr<PDFSource> source = PDFDocument::openSource(pagesPath);
-        QString text;
-        for (int i = 0; i < source->pageCount() && text.size() < longestAnswer && !stop.stop_requested(); ++i)
-            text += source->readText(i, stop)->string + QStringLiteral("\n\n");
-        return trimmed(text);
-    } catch (const std::exception& error) {
-        qCWarning(Logging::pdf) << "the text of a preview can't be read:" << Logging::causes(error);
-        return std::nullopt;
-    }
+std::optional<QString> SpotlightTextExtractor::textOfPages(const PDFSource& pages, const std::stop_token& stop) {
+    QString text;
+    for (int i = 0; i < pages.pageCount() && text.size() < longestAnswer && !stop.stop_requested(); ++i)
+        text += pages.readText(i, stop)->string + QStringLiteral("\n\n");
+    return trimmed(text);
 }

@@ -5,6 +5,8 @@
 #include <optional>
 #include <stop_token>
 
+class PDFSource;
+
 /// The words of a file that isn't opened for them.
 namespace SpotlightTextExtractor {
 
@@ -13,8 +15,8 @@ namespace SpotlightTextExtractor {
 /// empty. Any thread but the main one.
 [[nodiscard]] std::optional<QString> indexedText(const QString& path);
 
-/// What stands on the pages of a PDF, for files that no index knows. None when that is nothing but blanks, or the file
-/// can't be read; after a stop some may be missing. Trimmed. Any thread but the main one.
-[[nodiscard]] std::optional<QString> textOfPages(const QString& pagesPath, const std::stop_token& stop);
+/// What stands on the pages of a preview, for files that no index knows. None when that is nothing but blanks; after a
+/// stop some may be missing. Trimmed. Any thread but the main one.
+[[nodiscard]] std::optional<QString> textOfPages(const PDFSource& pages, const std::stop_token& stop);
 
 } // namespace SpotlightTextExtractor

@@ -11,7 +11,7 @@ namespace {
 
 constexpr quint32 memberMark = 0x04034b50;
 constexpr quint32 entryMark = 0x02014b50;
-constexpr quint32 endMark = 0x06054b50;
+constexpr char endMark[] = "PK\x05\x06";
 constexpr qsizetype memberHeader = 30;
 constexpr qsizetype entryHeader = 46;
 constexpr qsizetype endHeader = 22;
@@ -65,9 +65,7 @@ bool ZipPackage::readTable() {
     if (m_file.peek(4).size() < 4 || numberAt<quint32>(m_file.peek(4), 0) != memberMark || !m_file.seek(tailStart))
         return false;
     const QByteArray tail = m_file.readAll();
-    const char mark[] = {'P', 'K', 5, 6};
-    static_assert(endMark == 0x06054b50);
-    const qsizetype end = tail.lastIndexOf(QByteArray(mark, 4));
+    const qsizetype end = tail.lastIndexOf(endMark);
     if (end < 0 || end + endHeader > tail.size())
         return false;
     const qint64 size = numberAt<quint32>(tail, end + 12);

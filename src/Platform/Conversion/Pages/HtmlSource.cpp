@@ -11,10 +11,6 @@
 
 namespace {
 
-bool isOneOf(const QString& name, const QSet<QString>& names) {
-    return names.contains(name);
-}
-
 /// Elements without an end.
 bool isVoid(const QString& name) {
     static const QSet<QString> names{QStringLiteral("area"),  QStringLiteral("base"),   QStringLiteral("br"),
@@ -22,7 +18,7 @@ bool isVoid(const QString& name) {
                                      QStringLiteral("img"),   QStringLiteral("input"),  QStringLiteral("link"),
                                      QStringLiteral("meta"),  QStringLiteral("param"),  QStringLiteral("source"),
                                      QStringLiteral("track"), QStringLiteral("keygen"), QStringLiteral("wbr")};
-    return isOneOf(name, names);
+    return names.contains(name);
 }
 
 /// Elements whose content is no HTML up to their end.
@@ -30,7 +26,7 @@ bool isRawText(const QString& name) {
     static const QSet<QString> names{QStringLiteral("script"),   QStringLiteral("style"),   QStringLiteral("title"),
                                      QStringLiteral("textarea"), QStringLiteral("iframe"),  QStringLiteral("xmp"),
                                      QStringLiteral("noembed"),  QStringLiteral("noframes")};
-    return isOneOf(name, names);
+    return names.contains(name);
 }
 
 bool isNeverShown(const HtmlTag& tag) {
@@ -40,7 +36,7 @@ bool isNeverShown(const HtmlTag& tag) {
                                      QStringLiteral("input"),  QStringLiteral("noframes")};
     static const QRegularExpression hiding(QStringLiteral("display\\s*:\\s*none"),
                                            QRegularExpression::CaseInsensitiveOption);
-    return isOneOf(tag.name, names) || tag.has(QStringLiteral("hidden")) ||
+    return names.contains(tag.name) || tag.has(QStringLiteral("hidden")) ||
            tag.attribute(QStringLiteral("style")).contains(hiding);
 }
 
@@ -55,7 +51,7 @@ QString nameForQt(const QString& name) {
                                                 {QStringLiteral("strike"), QStringLiteral("s")},
                                                 {QStringLiteral("ins"), QStringLiteral("u")},
                                                 {QStringLiteral("listing"), QStringLiteral("pre")}};
-    return isOneOf(name, divisions) ? QStringLiteral("div") : others.value(name, name);
+    return divisions.contains(name) ? QStringLiteral("div") : others.value(name, name);
 }
 
 /// Elements that start a line of their own, by their names for Qt.
@@ -68,7 +64,7 @@ bool isBlock(const QString& name) {
         QStringLiteral("pre"),  QStringLiteral("table"), QStringLiteral("tr"),     QStringLiteral("td"),
         QStringLiteral("th"),   QStringLiteral("thead"), QStringLiteral("tbody"),  QStringLiteral("tfoot"),
         QStringLiteral("hr"),   QStringLiteral("br"),    QStringLiteral("center"), QStringLiteral("blockquote")};
-    return isOneOf(name, names);
+    return names.contains(name);
 }
 
 /// A picture's width or height, in pixels or in a share of the page, from its style: Qt reads attributes in pixels.

@@ -1,4 +1,6 @@
 #include "FilePreviewer.h"
+#include "PDFDocument.h"
+#include "PDFSource.h"
 #include "SpotlightTextExtractor.h"
 
 #include "OfficeFiles.h"
@@ -22,7 +24,10 @@ protected:
         return outcome;
     }
     QString pages() const { return path(QStringLiteral("pages.pdf")); }
-    QString text() const { return SpotlightTextExtractor::textOfPages(pages(), {}).value_or(QStringLiteral("none")); }
+    QString text() const {
+        return SpotlightTextExtractor::textOfPages(*PDFDocument::openSource(pages()), {})
+            .value_or(QStringLiteral("none"));
+    }
     int pageCount() const {
         const QString information = OfficeFiles::output(QStringLiteral("pdfinfo"), {pages()});
         return information.section(QStringLiteral("Pages:"), 1).section(u'\n', 0, 0).trimmed().toInt();
