@@ -156,13 +156,13 @@ TEST(MTFontV2, fourThreadsMeasureWithOneFont) {
             const int glyph = turn * steps[thread] % count;
             const auto at = static_cast<std::size_t>(glyph);
             boxes[thread][at] = font.ctFont()->boundingBox(static_cast<CGGlyph>(glyph));
-            elements[thread][at] = font.ctFont()->glyphPath(static_cast<CGGlyph>(glyph)).elementCount();
+            elements[thread][at] = font.defaultCGFont()->glyphPath(static_cast<CGGlyph>(glyph)).elementCount();
         }
     });
     for (int glyph = 0; glyph < count; ++glyph) {
         const auto at = static_cast<std::size_t>(glyph);
         const GlyphBox box = expected.ctFont()->boundingBox(static_cast<CGGlyph>(glyph));
-        const int elementCount = expected.ctFont()->glyphPath(static_cast<CGGlyph>(glyph)).elementCount();
+        const int elementCount = expected.defaultCGFont()->glyphPath(static_cast<CGGlyph>(glyph)).elementCount();
         for (std::size_t thread = 0; thread < boxes.size(); ++thread) {
             EXPECT_EQ(boxes[thread][at], box) << glyph;
             EXPECT_EQ(elements[thread][at], elementCount) << glyph;

@@ -206,21 +206,17 @@ TEST(CTFont, measuresArePointsAtTheSize) {
     EXPECT_DOUBLE_EQ(box.top, units.top * 0.02);
     EXPECT_LT(box.bottom, 0);
     EXPECT_GT(box.top, 0);
-    const QRectF bounds = font.glyphPath(glyph).boundingRect();
-    EXPECT_NEAR(bounds.top(), box.bottom, 0.02);
-    EXPECT_NEAR(bounds.bottom(), box.top, 0.02);
-    EXPECT_NEAR(bounds.right(), box.right, 0.02);
 }
 
 // The inside of a letter stays empty, and the stroke is filled.
-TEST(CTFont, outlinesAreClosedContoursWithHoles) {
-    const CTFont font(std::make_shared<const CGFont>(MathFontFiles::fontBytes(), QStringLiteral("font")), 100);
+TEST(CGFont, outlinesAreClosedContoursWithHoles) {
+    const CGFont font(MathFontFiles::fontBytes(), QStringLiteral("font"));
     const CGGlyph glyph = font.glyph(U'O');
     const GlyphBox box = font.boundingBox(glyph);
-    const QPainterPath path = font.glyphPath(glyph);
+    const QPainterPath& path = font.glyphPath(glyph);
     EXPECT_EQ(path.fillRule(), Qt::WindingFill);
     const double middle = (box.bottom + box.top) / 2;
     EXPECT_FALSE(path.contains(QPointF((box.left + box.right) / 2, middle)));
-    EXPECT_TRUE(path.contains(QPointF(box.left + 3, middle)));
-    EXPECT_TRUE(path.contains(QPointF(box.right - 3, middle)));
+    EXPECT_TRUE(path.contains(QPointF(box.left + 30, middle)));
+    EXPECT_TRUE(path.contains(QPointF(box.right - 30, middle)));
 }

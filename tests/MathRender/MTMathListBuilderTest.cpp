@@ -34,7 +34,7 @@ TEST(MTMathListBuilder, readsCharacters) {
         {u"\"/@`|", u"ord:\" ord:/ ord:@ ord:` ord:|"},
         {u"a$%#~'b", u"var:a var:b"},
         {u"a\u4E2D\u2192\U0001F600b", u"var:a var:b"},
-        {u"\u0416\u044F\u0451", u"ord:\u0416 ord:\u044F"},
+        {u"\u0416\u044F\u0451\u0435\u0308", u"ord:\u0416 ord:\u044F"},
         {u"\u0438\u0306\u044B\u0301", u"ord:\u0439 ord:\u044B\u0301"},
         {u"\u00E9", u"accent:U+0301(var:e)"},
         {u"e\u0301x", u"accent:U+0301(var:e) var:x"},

@@ -31,6 +31,9 @@ TEST(MTMathUILabel, anEmptyFormulaIsNoError) {
     MTMathUILabel label;
     EXPECT_EQ(label.fontSize(), 20);
     EXPECT_TRUE(label.displayErrorInline());
+    label.setContentInsets({10, 10, 10, 10});
+    EXPECT_EQ(label.fittingSize(), QSizeF(0, 0));
+    label.setContentInsets({});
     label.setLatex(QString());
     EXPECT_FALSE(label.error());
     ASSERT_TRUE(label.mathList());

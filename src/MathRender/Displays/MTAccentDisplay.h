@@ -10,7 +10,7 @@ class MTMathListDisplay;
 /// A list under an accent, in coordinates that begin at its own position. The accent adds nothing to the width.
 class MTAccentDisplay final : public MTDisplay {
 public:
-    /// `height` is how far the top of the accent is above the baseline.
+    /// `height` is the room above the baseline that the accent asks for.
     MTAccentDisplay(std::unique_ptr<MTGlyphDisplay> accent, std::unique_ptr<MTMathListDisplay> accentee, double height,
                     QPointF position, MTRange range);
     ~MTAccentDisplay() override;

@@ -21,17 +21,19 @@ bool isMathematical(char32_t character) {
 void MTTextRun::append(const MTFont& font, QStringView characters) {
     text += characters;
     const CTFont& ctFont = *font.ctFont();
+    double lean = 0; // of the letter before
     for (qsizetype i = 0; i < characters.size();) {
-        kernLean();
         const char32_t character = MTNucleus::scalarAt(characters, i);
+        const bool isLetter = isMathematical(character);
         const CGGlyph glyph = ctFont.glyph(character);
         const GlyphBox box = ctFont.boundingBox(glyph);
+        if (isLetter)
+            width += lean;
         glyphs.push_back({glyph, width});
         width += ctFont.advance(glyph);
         ascent = std::max(ascent, box.top);
         descent = std::max(descent, -box.bottom);
-        if (isMathematical(character))
-            lean = font.mathTable().getItalicCorrection(glyph);
+        lean = isLetter ? font.mathTable().getItalicCorrection(glyph) : 0;
     }
 }
 

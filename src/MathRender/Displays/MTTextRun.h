@@ -5,7 +5,6 @@
 #include <QColor>
 #include <QString>
 
-#include <utility>
 #include <vector>
 
 class MTFont;
@@ -30,17 +29,14 @@ struct MTTextRun {
     double width = 0;
     double ascent = 0;  ///< of the outlines; never negative
     double descent = 0; ///< likewise
-    /// How far the last character leans over what would follow it.
-    double lean = 0;
 
     [[nodiscard]] bool isEmpty() const { return text.isEmpty(); }
 
-    /// A glyph for each character; those that the font lacks show its missing glyph. Letters of mathematics keep their
-    /// italic correction from what follows them (TeXbook, appendix G, rule 17); words have none in them.
+    /// A glyph for each character; those that the font lacks show its missing glyph. A letter of mathematics keeps its
+    /// italic correction from a next one among `characters`, since the two are factors and no word (TeXbook, appendix
+    /// G, rule 17). All else stands at its advance.
     void append(const MTFont& font, QStringView characters);
     void append(const MTFont& font, QStringView characters, const QColor& color);
     /// Adds room behind the last character.
     void kern(double space) { width += space; }
-    /// Adds the room that the last character leans into.
-    void kernLean() { width += std::exchange(lean, 0); }
 };

@@ -38,7 +38,8 @@ public:
 
     [[nodiscard]] int advance(CGGlyph glyph) const;
     [[nodiscard]] GlyphBox boundingBox(CGGlyph glyph) const;
-    /// The closed contours, to be filled by the winding rule. Lives as long as the font.
+    /// The closed contours in font units with the origin at (0, 0), to be filled by the winding rule. Lives as long as
+    /// the font.
     [[nodiscard]] const QPainterPath& glyphPath(CGGlyph glyph) const;
 
 private:

@@ -1,8 +1,5 @@
 #include "CTFont.h"
 
-#include <QPainterPath>
-#include <QTransform>
-
 #include <utility>
 
 CTFont::CTFont(std::shared_ptr<const CGFont> cgFont, double size)
@@ -11,8 +8,4 @@ CTFont::CTFont(std::shared_ptr<const CGFont> cgFont, double size)
 GlyphBox CTFont::boundingBox(CGGlyph glyph) const {
     const GlyphBox box = m_cgFont->boundingBox(glyph);
     return {box.left * m_scale, box.bottom * m_scale, box.right * m_scale, box.top * m_scale};
-}
-
-QPainterPath CTFont::glyphPath(CGGlyph glyph) const {
-    return QTransform::fromScale(m_scale, m_scale).map(m_cgFont->glyphPath(glyph));
 }

@@ -18,9 +18,6 @@ public:
     /// How far the glyph moves the pen to the right. It is not hinted, so that layout does not depend on the screen.
     [[nodiscard]] double advance(CGGlyph glyph) const { return m_cgFont->advance(glyph) * m_scale; }
     [[nodiscard]] GlyphBox boundingBox(CGGlyph glyph) const;
-    /// The outline with the glyph's origin at (0, 0), to be filled by the winding rule. A scaled copy of the kept
-    /// outline of `CGFont`; a caller that draws many glyphs can scale its painter by `scale` and draw that one.
-    [[nodiscard]] QPainterPath glyphPath(CGGlyph glyph) const;
 
     /// Points to a font unit.
     [[nodiscard]] double scale() const { return m_scale; }

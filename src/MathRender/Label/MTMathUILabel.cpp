@@ -14,8 +14,8 @@
 #include <utility>
 
 MTMathUILabel::MTMathUILabel(QWidget* parent)
-    : QWidget(parent), m_mathList(std::make_shared<MTMathList>()), m_font(MTFontManager::fontManager().defaultFont()),
-      m_fontSize(MTFontManager::kDefaultFontSize), m_errorLabel(new MTLabel(this)) {
+    : QWidget(parent), m_font(MTFontManager::fontManager().defaultFont()), m_fontSize(MTFontManager::kDefaultFontSize),
+      m_errorLabel(new MTLabel(this)) {
     setObjectName(QStringLiteral("mathLabel"));
     QPalette red = m_errorLabel->palette();
     red.setColor(QPalette::WindowText, Qt::red);
@@ -44,6 +44,7 @@ void MTMathUILabel::setMathList(std::shared_ptr<MTMathList> list) {
 void MTMathUILabel::setDisplayErrorInline(bool displayInline) {
     m_displayErrorInline = displayInline;
     showError();
+    updateGeometry();
 }
 
 void MTMathUILabel::showError() {

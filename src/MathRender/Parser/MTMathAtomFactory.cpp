@@ -72,8 +72,8 @@ std::shared_ptr<MTMathAtom> atomForCharacter(QStringView character) {
         return nullptr;
     const char16_t unit = character.front().unicode();
     if (character.size() > 1 || unit >= asciiTypes.size()) {
-        if (unit >= u'\u0410' && unit <= u'\u044F')
-            return std::make_shared<MTMathAtom>(MTMathAtomType::ordinary, composed(character));
+        if (QString cyrillic = composed(character); cyrillic.front() >= u'\u0410' && cyrillic.front() <= u'\u044F')
+            return std::make_shared<MTMathAtom>(MTMathAtomType::ordinary, std::move(cyrillic));
         const MTAccentedCharacter* const accented = accentedCharacter(character);
         return accented ? atomFromAccentedCharacter(*accented) : nullptr;
     }

@@ -69,10 +69,7 @@ MTTypesetter::ListDisplay MTTypesetter::layOut(MTStyleFonts& fonts, const MTMath
 
 MTTypesetter::ListDisplay MTTypesetter::takeList(const MTMathList& list) {
     const MTRange range{0, list.atoms().back()->indexRange.end()};
-    auto display = std::make_unique<MTMathListDisplay>(std::move(m_displayAtoms), range);
-    // A list ends where its next atom would begin: with the space at its end and the room behind scripts.
-    display->setWidth(std::max(display->width(), m_currentPosition.x()));
-    return display;
+    return std::make_unique<MTMathListDisplay>(std::move(m_displayAtoms), range);
 }
 
 MTTypesetter::MTTypesetter(MTStyleFonts& fonts, MTLineStyle style, bool cramped, bool spaced)
@@ -154,10 +151,8 @@ void MTTypesetter::createDisplayAtoms(const std::vector<AtomPointer>& preprocess
         createDisplayAtom(atom);
     flushLine();
     if (m_spaced && m_lastType && !m_displayAtoms.empty()) {
-        const double space = getInterElementSpace(*m_lastType, MTMathAtomType::close);
         MTDisplay& last = *m_displayAtoms.back();
-        last.setWidth(last.width() + space);
-        m_currentPosition.rx() += space;
+        last.setWidth(last.width() + getInterElementSpace(*m_lastType, MTMathAtomType::close));
     }
 }
 
@@ -182,10 +177,7 @@ void MTTypesetter::createDisplayAtom(const AtomPointer& atom) {
         break;
     }
 
-    if (atom->type == MTMathAtomType::largeOperator && MTNucleus::isOneCharacter(atom->nucleus))
-        keepLean();
     flushLine();
-    m_accentLean = 0;
     switch (atom->type) {
     // These two leave the space between their neighbours as it is.
     case MTMathAtomType::space:

@@ -86,8 +86,6 @@ private:
 
     // Text (MTTypesetterText.cpp)
     void addText(const AtomPointer& atom);
-    /// Moves on by what the character before leans over (rule 17). For characters only, as TeX.
-    void keepLean();
     MTDisplay& addDisplayLine();
     void flushLine();
     /// None for an empty text.
@@ -178,7 +176,6 @@ private:
     MTTextRun m_currentLine;                                ///< the text that is being gathered
     std::vector<AtomPointer> m_currentAtoms;                ///< what that is made of
     std::optional<MTRange> m_currentLineIndexRange;
-    double m_accentLean = 0; ///< of the letter under the accent that was added last
     /// How the last atom counts for the space behind it; none at the start.
     std::optional<MTMathAtomType> m_lastType;
 };

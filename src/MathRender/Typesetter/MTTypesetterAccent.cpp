@@ -15,10 +15,6 @@
 void MTTypesetter::addAccent(const MTAccent& accent) {
     addLeftSpace(MTMathAtomType::ordinary);
     addAccent(accent, accent);
-    // Behind scripts, nothing follows the letter itself.
-    const auto letter = hasScripts(accent) ? std::nullopt : accentedLetter(accent);
-    if (letter)
-        m_accentLean = styleMetrics().getItalicCorrection(*letter);
 }
 
 MTTypesetter::Extent MTTypesetter::addAccent(const MTAccent& accent, const MTMathAtom& scripted) {
@@ -42,11 +38,11 @@ MTTypesetter::Extent MTTypesetter::addAccent(const MTAccent& accent, const MTMat
         const QPointF position(getSkew(accent, bare.width, found.glyph), bare.ascent - delta);
         auto accentGlyph =
             std::make_unique<MTGlyphDisplay>(found.glyph, found.extent, m_styleFont, position, accent.indexRange);
-        // By the letter's height without its scripts.
-        const double height = position.y() + found.extent.ascent;
+        // The accent stands by the letter's height without scripts, the room above it goes with the scripts.
+        const double height = accentee->ascent() - delta + found.extent.ascent;
         display = std::make_unique<MTAccentDisplay>(std::move(accentGlyph), std::move(accentee), height,
                                                     m_currentPosition, accent.indexRange);
-        bare.ascent = std::max(bare.ascent, height);
+        bare.ascent = std::max(bare.ascent, position.y() + found.extent.ascent);
     } else {
         accentee->setPosition(m_currentPosition);
         display = std::move(accentee);

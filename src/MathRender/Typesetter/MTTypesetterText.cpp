@@ -16,8 +16,6 @@ void MTTypesetter::addText(const AtomPointer& atom) {
         else
             m_currentPosition.rx() += space;
     }
-    if (!atom->nucleus.isEmpty())
-        keepLean();
     if (atom->type == MTMathAtomType::placeholder)
         m_currentLine.append(*m_styleFont, atom->nucleus, Qt::blue);
     else
@@ -44,11 +42,6 @@ void MTTypesetter::addText(const AtomPointer& atom) {
         makeScripts(*atom, line, atom->indexRange.end() - 1, delta);
     }
     m_lastType = atom->type;
-}
-
-void MTTypesetter::keepLean() {
-    m_currentLine.kernLean();
-    m_currentPosition.rx() += std::exchange(m_accentLean, 0);
 }
 
 MTDisplay& MTTypesetter::addDisplayLine() {
