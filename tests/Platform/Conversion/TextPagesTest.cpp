@@ -1,7 +1,12 @@
 #include "TextPages.h"
 #include "ConvertedPages.h"
+#include "HtmlPages.h"
+#include "PDFDocument.h"
+#include "PDFPage.h"
 
 #include <QStringList>
+
+#include <utility>
 
 using TextPagesTest = ConvertedPages;
 
@@ -41,6 +46,24 @@ TEST_F(TextPagesTest, TextInAnyEncodingComesBackAndOtherFilesAreRefused) {
     EXPECT_FALSE(
         TextPages::write(m_folder.filePath(QStringLiteral("missing.txt")), m_folder.filePath(QStringLiteral("b"))));
     EXPECT_FALSE(TextPages::write(source, m_folder.filePath(QStringLiteral("missing/b.pdf"))));
+}
+
+/// What a font joins, takes apart or has no glyph for are found, by this program and by others.
+TEST_F(TextPagesTest, LettersOfAnyScriptAreReadBackFromTheirGlyphs) {
+    for (const char* written : {"😀 𝔸𝕓 🇩🇪", "👋🏽 wave", "été x\u0302\u0323 office a\u2011b",
+                                "السلام عليكم لا إله محمّد", "בְּרֵאשִׁית שלום", "ນ້ຳ ຂຽນ ໄດ້"}) {
+        SCOPED_TRACE(written);
+        const QString text = QString::fromUtf8(written);
+        const QByteArray line = QByteArray(written) + ' ';
+        const QByteArray html = "<meta charset=utf-8><h1>" + line + "</h1><table><tr><td>" + line +
+                                "<td><a href='#x'>" + line + "</a></table><p id=x style='text-align:center'>" + line;
+        for (const auto& [pdf, count] : {std::pair(converted(TextPages::write, QStringLiteral("a.txt"), line), 1),
+                                         {converted(HtmlPages::write, QStringLiteral("a.html"), html), 4}}) {
+            EXPECT_EQ(words(pdf).count(text), count) << words(pdf).toStdString();
+            const QString read = PDFDocument::fromData(pdf)->page(0)->string().simplified();
+            EXPECT_EQ(read.count(text), count) << read.toStdString();
+        }
+    }
 }
 
 TEST_F(TextPagesTest, NoWordIsLostOrCutBetweenPages) {

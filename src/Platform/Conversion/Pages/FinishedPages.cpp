@@ -1,6 +1,8 @@
 #include "FinishedPages.h"
 
-#include "GlyphText.h"
+#include "ClusterText.h"
+#include "EmbeddedFont.h"
+#include "PDFStreams.h"
 #include "VisibleText.h"
 
 #include <QByteArray>
@@ -8,10 +10,9 @@
 
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
+#include <utility>
 
-#include <qpdf/Buffer.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFWriter.hh>
@@ -20,42 +21,26 @@ namespace {
 
 using Pages = std::vector<QPDFObjectHandle>;
 
-constexpr double pointsPerPixel = 0.75;
-
 QPDFObjectHandle real(double value) {
     return QPDFObjectHandle::newReal(value, 3);
-}
-
-double x(qreal pixels) {
-    return LetterPages::margin + pixels * pointsPerPixel;
-}
-
-double y(qreal pixels) {
-    return LetterPages::pageHeight - LetterPages::margin - pixels * pointsPerPixel;
-}
-
-QByteArray bytesOf(QPDFObjectHandle stream) {
-    const auto bytes = stream.getStreamData();
-    return {reinterpret_cast<const char*>(bytes->getBuffer()), qsizetype(bytes->getSize())};
-}
-
-void replaceBytes(QPDFObjectHandle stream, const QByteArray& bytes) {
-    stream.replaceStreamData(bytes.toStdString(), QPDFObjectHandle::newNull(), QPDFObjectHandle::newNull());
 }
 
 QPDFObjectHandle annotationOf(const LetterPages::Link& link, const Pages& pages) {
     auto annotation = QPDFObjectHandle::newDictionary();
     annotation.replaceKey("/Type", QPDFObjectHandle::newName("/Annot"));
     annotation.replaceKey("/Subtype", QPDFObjectHandle::newName("/Link"));
-    annotation.replaceKey("/Rect", QPDFObjectHandle::newArray({real(x(link.area.left())), real(y(link.area.bottom())),
-                                                               real(x(link.area.right())), real(y(link.area.top()))}));
+    const QPointF corner = LetterPages::inPoints(link.area.bottomLeft());
+    const QPointF opposite = LetterPages::inPoints(link.area.topRight());
+    annotation.replaceKey("/Rect", QPDFObjectHandle::newArray(
+                                       {real(corner.x()), real(corner.y()), real(opposite.x()), real(opposite.y())}));
     const auto zero = QPDFObjectHandle::newInteger(0);
     annotation.replaceKey("/Border", QPDFObjectHandle::newArray({zero, zero, zero}));
     if (link.address.isEmpty()) {
-        annotation.replaceKey("/Dest",
-                              QPDFObjectHandle::newArray(
-                                  {pages.at(std::size_t(link.targetPage)), QPDFObjectHandle::newName("/XYZ"),
-                                   QPDFObjectHandle::newNull(), real(y(link.targetTop)), QPDFObjectHandle::newNull()}));
+        annotation.replaceKey(
+            "/Dest",
+            QPDFObjectHandle::newArray(
+                {pages.at(std::size_t(link.targetPage)), QPDFObjectHandle::newName("/XYZ"), QPDFObjectHandle::newNull(),
+                 real(LetterPages::inPoints({0, link.targetTop}).y()), QPDFObjectHandle::newNull()}));
     } else {
         auto action = QPDFObjectHandle::newDictionary();
         action.replaceKey("/S", QPDFObjectHandle::newName("/URI"));
@@ -73,31 +58,47 @@ void addLinks(QPDF& pdf, const std::vector<LetterPages::Link>& links, const Page
         QPDFObjectHandle(pages.at(std::size_t(page))).replaceKey("/Annots", QPDFObjectHandle::newArray(ofPage));
 }
 
-/// Each font once, although all pages name it.
-void makeTextSearchable(const Pages& pages) {
-    std::set<QPDFObjGen> seen;
-    for (const QPDFObjectHandle& page : pages) {
-        const QPDFObjectHandle fonts = QPDFObjectHandle(page).getKey("/Resources").getKey("/Font");
-        if (!QPDFObjectHandle(fonts).isDictionary())
-            continue;
-        for (auto& [name, font] : QPDFObjectHandle(fonts).getDictAsMap()) {
-            QPDFObjectHandle map = font.getKey("/ToUnicode");
-            if (!map.isStream() || !seen.insert(map.getObjGen()).second)
-                continue;
-            GlyphText::Texts texts = GlyphText::read(bytesOf(map));
-            for (QString& text : texts)
-                text = GlyphText::typed(text);
-            replaceBytes(map, GlyphText::written(texts));
-        }
+/// The fonts of all pages, each once.
+class Fonts {
+public:
+    /// Those that a page names.
+    ClusterText::Fonts on(QPDFObjectHandle page) {
+        ClusterText::Fonts fonts;
+        QPDFObjectHandle named = page.getKey("/Resources").getKey("/Font");
+        if (!named.isDictionary())
+            return fonts;
+        for (auto& [name, font] : named.getDictAsMap())
+            if (EmbeddedFont::isOne(font))
+                fonts[QByteArray::fromStdString(name)] = &m_fonts.try_emplace(font.getObjGen(), font).first->second;
+        return fonts;
     }
-}
 
-void dropHiddenText(const Pages& pages) {
-    for (const QPDFObjectHandle& page : pages) {
-        const QPDFObjectHandle content = QPDFObjectHandle(page).getKey("/Contents");
-        if (const std::optional<QByteArray> visible = VisibleText::only(bytesOf(content)))
-            replaceBytes(content, *visible);
+    void writeBack() {
+        for (auto& [number, font] : m_fonts)
+            font.writeBack();
     }
+
+private:
+    std::map<QPDFObjGen, EmbeddedFont> m_fonts;
+};
+
+void makeTextSearchable(const Pages& pages, const FinishedPages::Changes& changes) {
+    Fonts fonts;
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        const ClusterText::Fonts onPage = fonts.on(pages[i]);
+        const GlyphPlaces::Page* places = changes.places.page(int(i));
+        if (!places && !changes.dropsHiddenText)
+            continue;
+        const QPDFObjectHandle content = QPDFObjectHandle(pages[i]).getKey("/Contents");
+        const QByteArray drawn = PDFStreams::bytesOf(content);
+        std::optional<QByteArray> changed = changes.dropsHiddenText ? VisibleText::only(drawn) : std::nullopt;
+        if (places)
+            if (auto told = ClusterText::told(changed.value_or(drawn), changes.places, *places, onPage))
+                changed = std::move(told);
+        if (changed)
+            PDFStreams::replace(content, *changed);
+    }
+    fonts.writeBack();
 }
 
 void setInformation(QPDF& pdf, const QString& title) {
@@ -118,10 +119,8 @@ void FinishedPages::write(const QString& drawn, const QString& finished, const C
     pdf.processFile(QFile::encodeName(drawn).constData());
     const Pages pages = pdf.getAllPages();
     addLinks(pdf, changes.links, pages);
-    makeTextSearchable(pages);
+    makeTextSearchable(pages, changes);
     setInformation(pdf, changes.title);
-    if (changes.dropsHiddenText)
-        dropHiddenText(pages);
     const QByteArray path = QFile::encodeName(finished); // which the writer looks at until the end
     QPDFWriter writer(pdf, path.constData());
     writer.setObjectStreamMode(qpdf_o_preserve);

@@ -8,10 +8,24 @@
 
 namespace {
 
-/// Forms of letters which fonts have for the sake of old programs: Latin, Armenian and Hebrew ligatures, Arabic ones.
+/// Forms of letters which fonts have for the sake of old programs: Latin, Armenian and Hebrew ligatures, Arabic ones,
+/// Chinese characters as headings of dictionaries.
 bool isFormOfLetter(char16_t unit) {
-    return (unit >= 0xFB00 && unit <= 0xFDFB) || (unit >= 0xFE70 && unit <= 0xFEFC);
+    return (unit >= 0x2F00 && unit <= 0x2FD5) || (unit >= 0xFB00 && unit <= 0xFDFB) ||
+           (unit >= 0xFE70 && unit <= 0xFEFC);
 }
+
+/// The characters that look like the parts of Chinese ones from U+2E80 on, with which fonts have them in common; the
+/// same where that is none of the basic plane.
+constexpr char16_t charactersOfParts[] =
+    u"⺀厂乛乚乙亻冂⺇刀刂卜㔾小小兀尣尢⺑巳幺彑彐忄心扌攵⺚旡日月歺母民氵氺灬爫"
+    u"爫"
+    u"丬"
+    u"牛"
+    u"犭王⺪目示礻⺮糹纟罓罒㓁冗⺵羊⺷⺸耂肀聿肉⺽艹艹艹虎衤覀西见角⻇讠贝⻊车辶辶辶邑"
+    u"钅長镸长门⻕阝雨青韦页风飞食⻞飠饣⻡马骨鬼鱼鸟卤麦黄黾斉齐歯齿竜龙龜亀龟";
+constexpr char16_t firstPart = 0x2E80;
+constexpr char16_t lastPart = 0x2EF3;
 
 QString fromHexadecimal(QStringView digits) {
     QString text;
@@ -78,6 +92,8 @@ QString GlyphText::typed(const QString& text) {
     for (const QChar character : text) {
         if (isFormOfLetter(character.unicode()))
             letters += QString(character).normalized(QString::NormalizationForm_KC);
+        else if (character.unicode() >= firstPart && character.unicode() <= lastPart)
+            letters += QChar(charactersOfParts[character.unicode() - firstPart]);
         else if (character == QChar::Tabulation || character == QChar::Nbsp)
             letters += QLatin1Char(' ');
         else if (character == QChar::SoftHyphen)

@@ -10,6 +10,9 @@ namespace GlyphText {
 
 using Texts = QMap<int, QString>;
 
+/// The box that stands for what a font has no glyph for.
+inline constexpr int missingGlyph = 0;
+
 /// The texts in a map that Qt has written (a CMap called ToUnicode).
 [[nodiscard]] Texts read(const QByteArray& map);
 

@@ -55,8 +55,6 @@ QTextCharFormat onPaper(QTextCharFormat format, bool isOnBackground) {
     const QString address = format.anchorHref();
     if (!address.isEmpty())
         format.setProperty(HtmlFormats::linkProperty, address);
-    if (const QStringList names = format.anchorNames(); !names.isEmpty())
-        format.setProperty(HtmlFormats::namesProperty, names);
     for (const int property : {QTextFormat::IsAnchor, QTextFormat::AnchorHref, QTextFormat::AnchorName})
         format.clearProperty(property);
     return format;
@@ -87,11 +85,12 @@ QString HtmlFormats::defaultStyles() {
     return QStringLiteral("a:link { color: #0000ee; text-decoration: underline }");
 }
 
-void HtmlFormats::prepare(QTextDocument& document) {
+HtmlFormats::Names HtmlFormats::prepare(QTextDocument& document) {
     QTextFrameFormat page = document.rootFrame()->frameFormat();
     page.clearBackground();
     document.rootFrame()->setFrameFormat(page);
     letTablesFit(*document.rootFrame());
+    Names names;
     QTextCursor cursor(&document);
     cursor.beginEditBlock();
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
@@ -99,6 +98,9 @@ void HtmlFormats::prepare(QTextDocument& document) {
         std::vector<Change> changes;
         for (auto fragment = block.begin(); !fragment.atEnd(); ++fragment) {
             const QTextCharFormat old = fragment.fragment().charFormat();
+            for (const QString& name : old.anchorNames())
+                if (!names.contains(name))
+                    names.insert(name, fragment.fragment().position());
             if (const QTextCharFormat format = onPaper(old, isOnBackground); format != old)
                 changes.push_back({fragment.fragment().position(), fragment.fragment().length(), format});
         }
@@ -116,4 +118,5 @@ void HtmlFormats::prepare(QTextDocument& document) {
         }
     }
     cursor.endEditBlock();
+    return names;
 }

@@ -1,10 +1,8 @@
 #include "HtmlLinks.h"
 
-#include "HtmlFormats.h"
 #include "LetterPages.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QTextBlock>
@@ -33,16 +31,11 @@ QString addressOf(const QString& link) {
 
 class Collecting {
 public:
-    Collecting(const QTextDocument& document, qreal pageHeight, qreal scale, LetterPages& pages)
-        : m_document(document), m_pageHeight(pageHeight), m_scale(scale), m_pages(pages) {}
+    Collecting(const QTextDocument& document, const HtmlFormats::Names& names, qreal pageHeight, qreal scale,
+               LetterPages& pages)
+        : m_document(document), m_names(names), m_pageHeight(pageHeight), m_scale(scale), m_pages(pages) {}
 
     void run() {
-        for (QTextBlock block = m_document.begin(); block.isValid(); block = block.next())
-            for (auto it = block.begin(); !it.atEnd(); ++it)
-                for (const QString& name :
-                     it.fragment().charFormat().property(HtmlFormats::namesProperty).toStringList())
-                    if (!m_places.contains(name))
-                        m_places.insert(name, topOf(block, it.fragment().position() - block.position()));
         for (QTextBlock block = m_document.begin(); block.isValid(); block = block.next())
             for (auto it = block.begin(); !it.atEnd(); ++it)
                 if (const QString link = it.fragment().charFormat().stringProperty(HtmlFormats::linkProperty);
@@ -68,11 +61,13 @@ private:
     void addLink(const QString& link, const QTextBlock& block, const QTextFragment& fragment) {
         LetterPages::Link added;
         if (link.startsWith(QLatin1Char('#'))) {
-            const auto place = m_places.constFind(QUrl::fromPercentEncoding(link.mid(1).toUtf8()));
-            if (place == m_places.constEnd())
+            const auto target = m_names.constFind(QUrl::fromPercentEncoding(link.mid(1).toUtf8()));
+            if (target == m_names.constEnd())
                 return;
-            added.targetPage = pageOf(*place);
-            added.targetTop = (*place - added.targetPage * m_pageHeight) * m_scale;
+            const QTextBlock there = m_document.findBlock(*target);
+            const qreal top = topOf(there, *target - there.position());
+            added.targetPage = pageOf(top);
+            added.targetTop = (top - added.targetPage * m_pageHeight) * m_scale;
         } else if (added.address = addressOf(link); added.address.isEmpty()) {
             return;
         }
@@ -96,14 +91,15 @@ private:
     }
 
     const QTextDocument& m_document;
+    const HtmlFormats::Names& m_names;
     qreal m_pageHeight;
     qreal m_scale;
     LetterPages& m_pages;
-    QHash<QString, qreal> m_places; ///< from the document's top
 };
 
 } // namespace
 
-void HtmlLinks::add(const QTextDocument& document, qreal pageHeight, qreal scale, LetterPages& pages) {
-    Collecting(document, pageHeight, scale, pages).run();
+void HtmlLinks::add(const QTextDocument& document, const HtmlFormats::Names& names, qreal pageHeight, qreal scale,
+                    LetterPages& pages) {
+    Collecting(document, names, pageHeight, scale, pages).run();
 }

@@ -6,6 +6,7 @@
 #include "HtmlPictureObject.h"
 #include "HtmlSource.h"
 #include "LetterPages.h"
+#include "ShapedText.h"
 #include "TextFileReader.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -16,7 +17,9 @@
 #include <QPalette>
 #include <QRegularExpression>
 #include <QStringDecoder>
+#include <QTextBlock>
 #include <QTextFrame>
+#include <QTextLayout>
 #include <QTextOption>
 #include <QTextTable>
 
@@ -102,7 +105,23 @@ QSizeF layOut(QTextDocument& document) {
     return document.pageSize();
 }
 
-void draw(const QTextDocument& document, QSizeF pageSize, LetterPages& pages) {
+void addShapedText(const QTextDocument& document, qreal pageHeight, qreal scale, LetterPages& pages) {
+    ShapedText shaped(pages, true);
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        const QTextLayout& layout = *block.layout();
+        const QString text = block.text();
+        const QPointF origin =
+            document.documentLayout()->blockBoundingRect(block).topLeft() - layout.boundingRect().topLeft();
+        for (int i = 0; i < layout.lineCount(); ++i) {
+            const QTextLine line = layout.lineAt(i);
+            const qreal middle = origin.y() + line.y() + line.height() / 2;
+            const int page = std::clamp(int(std::floor(middle / pageHeight)), 0, pages.pageCount() - 1);
+            shaped.add(layout, line, text, {page, origin - QPointF(0, page * pageHeight), scale});
+        }
+    }
+}
+
+void draw(const QTextDocument& document, const HtmlFormats::Names& names, QSizeF pageSize, LetterPages& pages) {
     const qreal scale = LetterPages::frame.width() / pageSize.width();
     QPainter& painter = pages.painter();
     QAbstractTextDocumentLayout::PaintContext context;
@@ -121,7 +140,8 @@ void draw(const QTextDocument& document, QSizeF pageSize, LetterPages& pages) {
         painter.restore();
     }
     pages.dropHiddenText();
-    HtmlLinks::add(document, pageSize.height(), scale, pages);
+    addShapedText(document, pageSize.height(), scale, pages);
+    HtmlLinks::add(document, names, pageSize.height(), scale, pages);
 }
 
 } // namespace
@@ -147,8 +167,8 @@ bool HtmlPages::write(const QString& source, const QString& destination) {
     document.setDefaultFont(font);
     document.setDefaultStyleSheet(HtmlFormats::defaultStyles());
     document.setHtml(HtmlSource::simplified(*html));
-    HtmlFormats::prepare(document);
+    const HtmlFormats::Names names = HtmlFormats::prepare(document);
     pages.setTitle(document.metaInformation(QTextDocument::DocumentTitle).simplified());
-    draw(document, layOut(document), pages);
+    draw(document, names, layOut(document), pages);
     return pages.finish();
 }

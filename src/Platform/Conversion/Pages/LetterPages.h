@@ -1,8 +1,11 @@
 #pragma once
 
+#include "GlyphPlaces.h"
+
 #include <QFont>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QPointF>
 #include <QRectF>
 #include <QSizeF>
 #include <QString>
@@ -48,6 +51,12 @@ public:
     /// For drawing that hides lines by clipping at the ends of pages: their text won't be in the file.
     void dropHiddenText() { m_dropsHiddenText = true; }
     void addLink(const Link& link) { m_links.push_back(link); }
+    /// What glyphs on a page stand for together, in whose text they are found. `places`: of their origins, in points.
+    void addGlyphs(int page, const QString& text, const std::vector<QPointF>& places) {
+        m_places.add(page, text, places);
+    }
+    /// A place within the frame as one on the page, in points from the lower left.
+    [[nodiscard]] static QPointF inPoints(QPointF place);
 
     /// Writes the file. False, with nothing left at `destination`, when it can't be written.
     [[nodiscard]] bool finish();
@@ -59,6 +68,7 @@ private:
     QPainter m_painter;
     QString m_title;
     std::vector<Link> m_links;
+    GlyphPlaces m_places;
     int m_pageCount = 1;
     bool m_dropsHiddenText = false;
 };

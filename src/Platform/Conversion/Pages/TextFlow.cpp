@@ -40,8 +40,8 @@ QFont fontOfText(QPaintDevice* device) {
 } // namespace
 
 TextFlow::TextFlow(LetterPages& pages)
-    : m_pages(pages), m_font(fontOfText(pages.device())), m_blankHeight(QFontMetricsF(m_font).height()),
-      m_pieceLength(usualPiece) {
+    : m_pages(pages), m_shaped(pages, false), m_font(fontOfText(pages.device())),
+      m_blankHeight(QFontMetricsF(m_font).height()), m_pieceLength(usualPiece) {
     constexpr int columnsOfTab = 8;
     m_options.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     m_options.setUseDesignMetrics(true); // no widths of a screen's pixels
@@ -108,6 +108,7 @@ void TextFlow::layOut(qsizetype length) {
             break;
         m_top = placeOf(line.height());
         line.draw(&m_pages.painter(), QPointF(0, m_top));
+        m_shaped.add(layout, line, m_line, {m_pages.pageCount() - 1, QPointF(0, m_top)});
         m_top += line.height();
         drawn = end;
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ShapedText.h"
+
 #include <QFont>
 #include <QString>
 #include <QStringView>
@@ -27,6 +29,7 @@ private:
     [[nodiscard]] qreal placeOf(qreal height);
 
     LetterPages& m_pages;
+    ShapedText m_shaped;
     QFont m_font;
     QTextOption m_options;
     qreal m_blankHeight;         ///< of a line without characters
