@@ -8,10 +8,12 @@
 #include <QBuffer>
 #include <QFile>
 #include <QImage>
+#include <QImageIOHandler>
 #include <QImageReader>
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <optional>
 
@@ -52,7 +54,13 @@ QImage readByQt(const QByteArray& bytes, const QByteArray& format, bool coarsely
         return {};
     if (coarsely)
         reader.setScaledSize((size / coarseness).expandedTo({1, 1}));
-    return reader.read();
+    QImage image = reader.read();
+    if (reader.transformation().testFlag(QImageIOHandler::TransformationRotate90)) { // of the stored picture until here
+        const int ofColumns = image.dotsPerMeterX();
+        image.setDotsPerMeterX(image.dotsPerMeterY());
+        image.setDotsPerMeterY(ofColumns);
+    }
+    return image;
 }
 
 /// Changes what isn't opaque only.
@@ -78,10 +86,41 @@ QImage onWhite(QImage image) {
     return image;
 }
 
-PDFPageGeometry pageFor(QSizeF pixels) {
-    const double longest = std::max(pixels.width(), pixels.height());
+/// Whether it is beyond a screen's, whose pixels are points, and not absurd.
+bool isOfPaper(QSizeF density) {
+    constexpr double densestScreen = 100;
+    constexpr double densest = 4800;
+    const auto [low, high] = std::minmax({density.width(), density.height()});
+    return low > 0 && high > densestScreen && high <= densest;
+}
+
+/// Pixels for an inch of an upright picture; empty where its file doesn't tell, or of a screen.
+QSizeF densityOf(const QImage& image, const QByteArray& bytes) {
+    constexpr double metersPerInch = 0.0254;
+    QSizeF density = QSizeF(image.dotsPerMeterX(), image.dotsPerMeterY()) * metersPerInch;
+    if (!isOfPaper(density))
+        density = PDFPictureWriter::exifDensity(bytes);
+    if (!isOfPaper(density))
+        return {};
+    constexpr double rounding = 0.05; // files with whole dots for a meter mean whole ones for an inch
+    for (double* side : {&density.rwidth(), &density.rheight()})
+        if (std::abs(*side - std::round(*side)) < rounding)
+            *side = std::round(*side);
+    return density;
+}
+
+PDFPageGeometry pageFor(QSizeF pixels, QSizeF density) {
+    constexpr double pointsPerInch = 72;
+    constexpr double shortestSide = 3; // points; of less, no page can be read
+    QSizeF size = pixels;
+    if (!density.isEmpty()) {
+        size = {pixels.width() * pointsPerInch / density.width(), pixels.height() * pointsPerInch / density.height()};
+        if (std::min(size.width(), size.height()) < shortestSide)
+            size = pixels;
+    }
+    const double longest = std::max(size.width(), size.height());
     PDFPageGeometry page;
-    page.boxes.fill({QPointF(), pixels * std::min(1.0, PicturePages::longestSide / longest)});
+    page.boxes.fill({QPointF(), size * std::min(1.0, PicturePages::longestSide / longest)});
     return page;
 }
 
@@ -96,8 +135,8 @@ bool writePage(const QByteArray& bytes, QIODevice& device) {
     if (image.isNull())
         return false;
     PDFPictureWriter writer(device);
-    const bool isAdded =
-        asItIs ? writer.addPage(0, bytes, pageFor(*asItIs)) : writer.addPage(0, onWhite(image), pageFor(image.size()));
+    const PDFPageGeometry page = pageFor(asItIs.value_or(image.size()), densityOf(image, bytes));
+    const bool isAdded = asItIs ? writer.addPage(0, bytes, page) : writer.addPage(0, onWhite(image), page);
     if (isAdded)
         writer.finish();
     return isAdded;

@@ -18,6 +18,13 @@ std::optional<QSize> PDFPictureWriter::uprightSize(const QByteArray& bytes) {
     return png ? std::optional(QSize(png->width, png->height)) : std::nullopt;
 }
 
+QSizeF PDFPictureWriter::exifDensity(const QByteArray& bytes) {
+    const auto jpeg = JpegHeader::read(bytes);
+    if (!jpeg)
+        return {};
+    return jpeg->isTurned() ? jpeg->exifDensity.transposed() : jpeg->exifDensity;
+}
+
 bool PDFPictureWriter::addPage(int place, const QByteArray& bytes, const PDFPageGeometry& page) {
     return ImagePage::addJpeg(*m_file, place, bytes, page) || ImagePage::addPng(*m_file, place, bytes, page);
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QSize>
+#include <QSizeF>
 
 #include <memory>
 #include <optional>
@@ -24,6 +25,10 @@ public:
     /// What `addPage` shows of a JPEG or PNG file's bytes, in pixels, upright as their Exif data say; none when it
     /// doesn't take them.
     [[nodiscard]] static std::optional<QSize> uprightSize(const QByteArray& bytes);
+
+    /// Pixels for an inch as the Exif data of a JPEG file's bytes tell, of the picture when it is upright; empty where
+    /// they don't.
+    [[nodiscard]] static QSizeF exifDensity(const QByteArray& bytes);
 
     /// What the bytes of a JPEG or PNG file hold, stored as it is, fills the media box of a page with these boxes and
     /// this rotation. Pages come in any order and stand in that of `place`. False, with nothing written, when they are

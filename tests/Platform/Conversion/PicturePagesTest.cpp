@@ -141,6 +141,53 @@ TEST_F(PicturePagesTest, ATurnedPhotoStandsUprightAndKeepsItsColours) {
     }
 }
 
+TEST_F(PicturePagesTest, AScanIsOfTheSizeThatItsFileTells) {
+    // Exif data alone: turned clockwise when shown, 300 by 150 pixels as stored for an inch.
+    const QByteArray turned("\xFF\xE1\0\x56"
+                            "Exif\0\0MM\0\x2A\0\0\0\x08\0\x04"
+                            "\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\x01\x1A\0\x05\0\0\0\x01\0\0\0\x3E"
+                            "\x01\x1B\0\x05\0\0\0\x01\0\0\0\x46\x01\x28\0\x03\0\0\0\x01\0\x02\0\0"
+                            "\0\0\0\0\0\0\x01\x2C\0\0\0\x01\0\0\0\x96\0\0\0\x01",
+                            88);
+    const struct {
+        const char* name;
+        const char* pixels;
+        const char* density; ///< with its unit; none when empty
+        QByteArray exif;
+        const char* page; ///< as another program says it
+    } scans[] = {
+        {"scan.jpg", "2550x3300", "300 -units PixelsPerInch", {}, "612 x 792"},
+        {"scan.png", "2550x3300", "300 -units PixelsPerInch", {}, "612 x 792"},
+        {"scan.tif", "2550x3300", "300 -units PixelsPerInch", {}, "612 x 792"},
+        {"scan.bmp", "255x330", "300 -units PixelsPerInch", {}, "61.2 x 79.2"},
+        {"metric.tif", "1200x600", "118.1103 -units PixelsPerCentimeter", {}, "288 x 144"},
+        {"fax.tif", "1728x1078", "204x98 -units PixelsPerInch", {}, "609.882 x 792"},
+        {"exif.jpg", "600x300", "", turned, "144 x 144"},
+        {"screen.png", "300x200", "96 -units PixelsPerInch", {}, "300 x 200"},
+        {"hundred.jpg", "300x200", "100 -units PixelsPerInch", {}, "300 x 200"},
+        {"none.gif", "300x200", "", {}, "300 x 200"},
+        {"wide.jpg", "6000x3000", "", {}, "3000 x 1500"},
+        {"poster.png", "9000x600", "150 -units PixelsPerInch", {}, "3000 x 200"},
+        {"absurd.png", "300x200", "9600 -units PixelsPerInch", {}, "300 x 200"},
+        {"sliver.png", "300x4", "200 -units PixelsPerInch", {}, "300 x 4"},
+    };
+    for (const auto& scan : scans) {
+        SCOPED_TRACE(scan.name);
+        QString pixels = QString::fromLatin1(scan.pixels) + QStringLiteral("! -strip");
+        if (*scan.density != '\0')
+            pixels += QStringLiteral(" -density ") + QString::fromLatin1(scan.density);
+        const QString name = QString::fromLatin1(scan.name);
+        ASSERT_TRUE(make(name, (QStringLiteral("-scale ") + pixels).split(u' ')));
+        if (!scan.exif.isEmpty()) { // instead of the segment with a density of none
+            ASSERT_TRUE(store(path(name), bytesOf(path(name)).replace(2, 18, scan.exif)));
+        }
+        const QString told = QString::fromLatin1(
+            PdfPrograms::run(QStringLiteral("pdfinfo"), {QStringLiteral("FILE")}, converted(name)).output);
+        EXPECT_TRUE(told.simplified().contains(QStringLiteral("Page size: %1 pts").arg(QLatin1String(scan.page))))
+            << told.toStdString();
+    }
+}
+
 TEST_F(PicturePagesTest, WhatCantBeShownGivesNothing) {
     ASSERT_TRUE(make(QStringLiteral("sound.png"), {}) && make(QStringLiteral("sound.jpg"), {}) &&
                 make(QStringLiteral("sound.heic"), {}));

@@ -1,39 +1,12 @@
 #include "JpegHeader.h"
 
+#include "ExifData.h"
 #include "PictureProfile.h"
-
-#include <QtEndian>
 
 #include <algorithm>
 #include <map>
 
 namespace {
-
-int orientationFromExif(QByteArrayView segment) {
-    constexpr quint16 orientationTag = 0x0112;
-    if (!segment.startsWith(QByteArrayView("Exif\0\0", 6)))
-        return 1;
-    const QByteArrayView tiff = segment.sliced(6);
-    const bool bigEndian = tiff.startsWith("MM");
-    const auto word = [&](qsizetype at) -> quint32 {
-        if (at < 0 || at + 2 > tiff.size())
-            return 0;
-        return bigEndian ? qFromBigEndian<quint16>(tiff.data() + at) : qFromLittleEndian<quint16>(tiff.data() + at);
-    };
-    const auto longWord = [&](qsizetype at) -> quint32 {
-        return bigEndian ? word(at) << 16 | word(at + 2) : word(at + 2) << 16 | word(at);
-    };
-    const qsizetype directory = qsizetype(longWord(4));
-    const quint32 count = word(directory);
-    for (quint32 i = 0; i < count; ++i) {
-        const qsizetype entry = directory + 2 + qsizetype(i) * 12;
-        if (entry + 12 > tiff.size())
-            break;
-        if (word(entry) == orientationTag)
-            return int(std::clamp(word(entry + 8), quint32(1), quint32(8)));
-    }
-    return 1;
-}
 
 /// A colour profile comes in numbered parts, since a segment holds 64 KB.
 class ProfileParts {
@@ -87,8 +60,11 @@ std::optional<JpegHeader> JpegHeader::read(const QByteArray& bytes) {
         if (length < 2 || at + 2 + length > bytes.size())
             return std::nullopt;
         const QByteArrayView segment = QByteArrayView(bytes).sliced(at + 4, length - 2);
-        if (marker == 0xE1)
-            header.orientation = std::max(header.orientation, orientationFromExif(segment));
+        if (marker == 0xE1) {
+            const ExifData exif = ExifData::read(segment);
+            header.orientation = std::max(header.orientation, exif.orientation);
+            header.exifDensity = exif.density.isEmpty() ? header.exifDensity : exif.density;
+        }
         if (marker == 0xE2)
             profile.add(segment);
         if (marker == 0xEE && segment.startsWith("Adobe"))

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSizeF>
 #include <QTransform>
 
 #include <optional>
@@ -12,6 +13,7 @@ struct JpegHeader {
     int components = 0;      ///< 1 grey, 3 colour, 4 CMYK
     bool isInverted = false; ///< CMYK with 0 for full ink, as Adobe's programs write it
     int orientation = 1;     ///< of Exif, 1 to 8; 1 is upright
+    QSizeF exifDensity;      ///< pixels as stored for an inch, as Exif tells; empty where it doesn't
     QByteArray iccProfile;   ///< what its colours mean; empty where it doesn't say so, or in a way that doesn't fit
 
     /// None for bytes that are no JPEG, or of a kind that a PDF can't hold: arithmetic or lossless coding, 12 bits.
