@@ -46,22 +46,32 @@ protected:
 TEST_F(HtmlPagesTest, TextComesBackInItsOrder) {
     const struct {
         QByteArray html;
-        const char* text;
+        QByteArray text;
     } cases[] = {
         {"<p>An <b>office</b></p><ol><li>one<li>two</ol><table cellpadding=9><tr><td>a<td>b</table>",
          "An office 1. one 2. two a b"},
         {"<style>p { color: red }</style><script>if (1 < 2) document.write('<p>no</p>')</script><p>yes", "yes"},
-        {"<template><p>no</template><p hidden>no<p>no</p></p><p style='color:red; DISPLAY : none'>no</p><!-- > no -->"
+        {"<template><p>no</template><div hidden>no<div>no</div>no</div><p style='color:red; DISPLAY : none'>no</p><!-- "
+         "> no -->"
          "<select><option>no</select><section>a</section><summary>b</summary><i>1</i> < 2 "
          "<q>c</q><textarea><b></textarea>",
          "a b 1 < 2 “c” <b>"},
         {"<p>\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D</p><p>\xCE\x95\xCE\xBB\xCE\xBB</p>", "שלום Ελλ"},
         {"<meta charset='windows-1251'><p>\xDE\xE3", "Юг"},
         {"<meta charset='iso-8859-1'><p>caf\xE9", "café"},
+        {"<style>.gone, #away, p.note { display: none } h1 { visibility: hidden } .gone.back { display: block }"
+         "@media print { b { display: none } } ul .gone { display: block }</style><p class='x gone'>no<p id=away>no"
+         "<p class=note>no<div class=note>a</div><h1>no</h1><ul><li class=gone>no<ul><li>no</ul><li>b</ul><table><tr "
+         "class=gone><td>no<tr><td>c</table><b>d</b><p class='gone back'>e<p class=gone style='display:block'>f",
+         "a b c d e f"},
+        {"<ol start=5><li>a<li value=9><p>b</p><li>c<ol type=i start=4><li>d</ol></ol><ol><li>e</ol>",
+         "5. a 9. b 10. c iv. d 1. e"},
+        {"<p>a <img src=none.png alt='a cat'> b <a href=x><img src=none.png alt=c></a>", "a a cat b c"},
+        {"<p>" + QByteArray("one two ").repeated(20'000), QByteArray("one two ").repeated(20'000).trimmed()},
         {"", ""},
     };
     for (const auto& [text, expected] : cases)
-        EXPECT_EQ(words(html(text)), QString::fromUtf8(expected)) << text.constData();
+        EXPECT_EQ(words(html(text)), QString::fromUtf8(expected)) << text.left(500).constData();
     QStringList expected;
     QByteArray text;
     for (int i = 0; i < 300; ++i) {
@@ -78,10 +88,16 @@ TEST_F(HtmlPagesTest, TextComesBackInItsOrder) {
 TEST_F(HtmlPagesTest, LinksCanBeClickedAndTheTitleIsTheDocuments) {
     const QByteArray pdf = PdfPrograms::unpacked(html(
         "<title>A <i>title</title><p><a href='https://example.org/a(b?c=1&amp;d=2'>out</a> <a href='#there'>in</a> "
-        "<a href=javascript:alert(1)>no</a> <a href=b.html?x=1>beside</a></p><h2 id='there'>There</h2>"));
+        "<a href=javascript:alert(1)>no</a> <a href=b.html?x=1>beside</a></p><ul><li><a href=c.html>item</a></ul><h2 "
+        "id='there'>There</h2>"));
     EXPECT_TRUE(pdf.contains("/URI (https://example.org/a\\(b?c=1&d=2)"));
     EXPECT_TRUE(pdf.contains("/URI (b.html?x=1)"));
-    EXPECT_EQ(pdf.count("/Subtype /Link"), 3);
+    EXPECT_EQ(pdf.count("/Subtype /Link"), 4);
+    static const QRegularExpression left(QStringLiteral("/Rect \\[\\s*(\\d+)"));
+    QStringList places;
+    for (auto found = left.globalMatch(QString::fromLatin1(pdf)); found.hasNext();)
+        places += found.next().captured(1);
+    EXPECT_EQ(places.value(3), QStringLiteral("84")); // where the text of the list starts
     EXPECT_EQ(pdf.count("/XYZ"), 1);
     EXPECT_TRUE(pdf.contains("/Title (A <i>title)")) << pdf.left(2000).constData();
 }

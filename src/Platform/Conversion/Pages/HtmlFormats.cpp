@@ -13,6 +13,7 @@
 #include <QTextLength>
 #include <QTextTable>
 #include <QTextTableFormat>
+#include <QUrl>
 
 #include <algorithm>
 #include <vector>
@@ -60,6 +61,28 @@ QTextCharFormat onPaper(QTextCharFormat format, bool isOnBackground) {
     return format;
 }
 
+/// Puts the text in the place of pictures that aren't there or can't be read.
+void tellOfPictures(const QTextDocument& document, const QTextBlock& block) {
+    std::vector<Change> missing;
+    for (auto it = block.begin(); !it.atEnd(); ++it) {
+        const QTextCharFormat format = it.fragment().charFormat();
+        if (!format.isImageFormat() || format.stringProperty(QTextFormat::ImageAltText).isEmpty())
+            continue;
+        const QUrl name(format.toImageFormat().name());
+        if (!document.resource(QTextDocument::ImageResource, name).isValid())
+            missing.push_back({it.fragment().position(), it.fragment().length(), format});
+    }
+    QTextCursor cursor(block);
+    for (auto change = missing.rbegin(); change != missing.rend(); ++change) {
+        QTextCharFormat ofText = change->format;
+        const QString text = ofText.stringProperty(QTextFormat::ImageAltText);
+        ofText.setObjectType(QTextFormat::NoObject);
+        cursor.setPosition(change->position);
+        cursor.setPosition(change->position + change->length, QTextCursor::KeepAnchor);
+        cursor.insertText(text.repeated(change->length), ofText);
+    }
+}
+
 /// Takes the widths from tables that are said to be wider than the page, which then get what their content needs.
 void letTablesFit(QTextFrame& frame) { // NOLINT(misc-no-recursion): as deep as Qt's reader has made it
     for (QTextFrame* child : frame.childFrames()) {
@@ -93,6 +116,8 @@ HtmlFormats::Names HtmlFormats::prepare(QTextDocument& document) {
     Names names;
     QTextCursor cursor(&document);
     cursor.beginEditBlock();
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
+        tellOfPictures(document, block);
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
         const bool isOnBackground = standsOnBackground(document, block);
         std::vector<Change> changes;

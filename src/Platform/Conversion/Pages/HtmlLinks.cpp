@@ -1,8 +1,8 @@
 #include "HtmlLinks.h"
 
+#include "HtmlLayout.h"
 #include "LetterPages.h"
 
-#include <QAbstractTextDocumentLayout>
 #include <QString>
 #include <QStringList>
 #include <QTextBlock>
@@ -44,14 +44,9 @@ public:
     }
 
 private:
-    [[nodiscard]] QPointF originOf(const QTextBlock& block) const {
-        return m_document.documentLayout()->blockBoundingRect(block).topLeft() -
-               block.layout()->boundingRect().topLeft();
-    }
-
     [[nodiscard]] qreal topOf(const QTextBlock& block, int position) const {
         const QTextLine line = block.layout()->lineForTextPosition(position);
-        return originOf(block).y() + (line.isValid() ? line.y() : 0);
+        return HtmlLayout::originOf(m_document, block).y() + (line.isValid() ? line.y() : 0);
     }
 
     [[nodiscard]] int pageOf(qreal top) const {
@@ -73,7 +68,7 @@ private:
         }
         const int start = fragment.position() - block.position();
         const int end = start + fragment.length();
-        const QPointF origin = originOf(block);
+        const QPointF origin = HtmlLayout::originOf(m_document, block);
         for (int i = 0; i < block.layout()->lineCount(); ++i) {
             const QTextLine line = block.layout()->lineAt(i);
             const int from = std::max(start, line.textStart());

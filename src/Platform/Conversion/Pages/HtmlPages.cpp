@@ -2,7 +2,10 @@
 
 #include "HtmlDocument.h"
 #include "HtmlFormats.h"
+#include "HtmlLayout.h"
 #include "HtmlLinks.h"
+#include "HtmlNumbers.h"
+#include "HtmlParagraphs.h"
 #include "HtmlPictureObject.h"
 #include "HtmlSource.h"
 #include "LetterPages.h"
@@ -13,6 +16,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QFont>
+#include <QHash>
 #include <QList>
 #include <QPalette>
 #include <QRegularExpression>
@@ -110,8 +114,7 @@ void addShapedText(const QTextDocument& document, qreal pageHeight, qreal scale,
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
         const QTextLayout& layout = *block.layout();
         const QString text = block.text();
-        const QPointF origin =
-            document.documentLayout()->blockBoundingRect(block).topLeft() - layout.boundingRect().topLeft();
+        const QPointF origin = HtmlLayout::originOf(document, block);
         for (int i = 0; i < layout.lineCount(); ++i) {
             const QTextLine line = layout.lineAt(i);
             const qreal middle = origin.y() + line.y() + line.height() / 2;
@@ -126,6 +129,7 @@ void draw(const QTextDocument& document, const HtmlFormats::Names& names, QSizeF
     QPainter& painter = pages.painter();
     QAbstractTextDocumentLayout::PaintContext context;
     context.palette = paper();
+    const QHash<int, QList<QTextBlock>> numbered = HtmlNumbers::byPage(document, pageSize.height());
     constexpr qreal touching = 0.5; // the first line of the next page touches this one, and would be drawn on both
     for (int page = 0; page < std::max(document.pageCount(), 1); ++page) {
         if (page > 0)
@@ -137,6 +141,8 @@ void draw(const QTextDocument& document, const HtmlFormats::Names& names, QSizeF
         painter.translate(0, -area.top());
         painter.setClipRect(area.adjusted(0, 0, 0, -touching));
         document.documentLayout()->draw(&painter, context);
+        for (const QTextBlock& block : numbered.value(page))
+            HtmlNumbers::draw(document, block, painter);
         painter.restore();
     }
     pages.dropHiddenText();
@@ -166,8 +172,12 @@ bool HtmlPages::write(const QString& source, const QString& destination) {
     font.setHintingPreference(QFont::PreferNoHinting);
     document.setDefaultFont(font);
     document.setDefaultStyleSheet(HtmlFormats::defaultStyles());
+    document.setLayoutEnabled(false); // until it is as it will be
     document.setHtml(HtmlSource::simplified(*html));
+    HtmlNumbers::prepare(document);
+    HtmlParagraphs::divide(document);
     const HtmlFormats::Names names = HtmlFormats::prepare(document);
+    document.setLayoutEnabled(true);
     pages.setTitle(document.metaInformation(QTextDocument::DocumentTitle).simplified());
     draw(document, names, layOut(document), pages);
     return pages.finish();

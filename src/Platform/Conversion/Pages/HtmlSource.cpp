@@ -1,71 +1,20 @@
 #include "HtmlSource.h"
 
+#include "HtmlElements.h"
+#include "HtmlHiding.h"
+#include "HtmlNumbers.h"
 #include "HtmlTag.h"
 #include "LetterPages.h"
 
-#include <QHash>
 #include <QRegularExpression>
-#include <QSet>
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace {
-
-/// Elements without an end.
-bool isVoid(const QString& name) {
-    static const QSet<QString> names{QStringLiteral("area"),  QStringLiteral("base"),   QStringLiteral("br"),
-                                     QStringLiteral("col"),   QStringLiteral("embed"),  QStringLiteral("hr"),
-                                     QStringLiteral("img"),   QStringLiteral("input"),  QStringLiteral("link"),
-                                     QStringLiteral("meta"),  QStringLiteral("param"),  QStringLiteral("source"),
-                                     QStringLiteral("track"), QStringLiteral("keygen"), QStringLiteral("wbr")};
-    return names.contains(name);
-}
-
-/// Elements whose content is no HTML up to their end.
-bool isRawText(const QString& name) {
-    static const QSet<QString> names{QStringLiteral("script"),   QStringLiteral("style"),   QStringLiteral("title"),
-                                     QStringLiteral("textarea"), QStringLiteral("iframe"),  QStringLiteral("xmp"),
-                                     QStringLiteral("noembed"),  QStringLiteral("noframes")};
-    return names.contains(name);
-}
-
-bool isNeverShown(const HtmlTag& tag) {
-    static const QSet<QString> names{QStringLiteral("script"), QStringLiteral("template"), QStringLiteral("iframe"),
-                                     QStringLiteral("select"), QStringLiteral("datalist"), QStringLiteral("noembed"),
-                                     QStringLiteral("video"),  QStringLiteral("audio"),    QStringLiteral("canvas"),
-                                     QStringLiteral("input"),  QStringLiteral("noframes")};
-    static const QRegularExpression hiding(QStringLiteral("display\\s*:\\s*none"),
-                                           QRegularExpression::CaseInsensitiveOption);
-    return names.contains(tag.name) || tag.has(QStringLiteral("hidden")) ||
-           tag.attribute(QStringLiteral("style")).contains(hiding);
-}
-
-/// What Qt calls the elements that it would take for text in the line.
-QString nameForQt(const QString& name) {
-    static const QSet<QString> divisions{
-        QStringLiteral("section"),  QStringLiteral("article"), QStringLiteral("header"),  QStringLiteral("footer"),
-        QStringLiteral("nav"),      QStringLiteral("main"),    QStringLiteral("aside"),   QStringLiteral("figure"),
-        QStringLiteral("details"),  QStringLiteral("summary"), QStringLiteral("form"),    QStringLiteral("figcaption"),
-        QStringLiteral("fieldset"), QStringLiteral("legend"),  QStringLiteral("textarea")};
-    static const QHash<QString, QString> others{{QStringLiteral("xmp"), QStringLiteral("pre")},
-                                                {QStringLiteral("strike"), QStringLiteral("s")},
-                                                {QStringLiteral("ins"), QStringLiteral("u")},
-                                                {QStringLiteral("listing"), QStringLiteral("pre")}};
-    return divisions.contains(name) ? QStringLiteral("div") : others.value(name, name);
-}
-
-/// Elements that start a line of their own, by their names for Qt.
-bool isBlock(const QString& name) {
-    static const QSet<QString> names{
-        QStringLiteral("html"), QStringLiteral("body"),  QStringLiteral("div"),    QStringLiteral("p"),
-        QStringLiteral("h1"),   QStringLiteral("h2"),    QStringLiteral("h3"),     QStringLiteral("h4"),
-        QStringLiteral("h5"),   QStringLiteral("h6"),    QStringLiteral("ul"),     QStringLiteral("ol"),
-        QStringLiteral("li"),   QStringLiteral("dl"),    QStringLiteral("dt"),     QStringLiteral("dd"),
-        QStringLiteral("pre"),  QStringLiteral("table"), QStringLiteral("tr"),     QStringLiteral("td"),
-        QStringLiteral("th"),   QStringLiteral("thead"), QStringLiteral("tbody"),  QStringLiteral("tfoot"),
-        QStringLiteral("hr"),   QStringLiteral("br"),    QStringLiteral("center"), QStringLiteral("blockquote")};
-    return names.contains(name);
-}
 
 /// A picture's width or height, in pixels or in a share of the page, from its style: Qt reads attributes in pixels.
 void setSize(HtmlTag& picture, const QString& side, qreal whole) {
@@ -82,8 +31,13 @@ void setSize(HtmlTag& picture, const QString& side, qreal whole) {
 }
 
 class Simplifying {
+    struct OpenList {
+        QString name;
+        std::optional<int> start; ///< the number of its first item, until that comes
+    };
+
 public:
-    explicit Simplifying(QStringView html) : m_rest(html) {}
+    explicit Simplifying(QStringView html) : m_rest(html), m_hiding(html) {}
 
     QString run() {
         while (!m_rest.isEmpty()) {
@@ -105,6 +59,9 @@ private:
 
     /// Text right behind a division: Qt would go on in that one's last line.
     void startLine() {
+        if (m_number)
+            m_result += HtmlNumbers::marker(*m_number);
+        m_number.reset();
         if (m_isBehindDivision)
             m_result += QStringLiteral("<div>");
         m_isInOwnDivision = m_isInOwnDivision || m_isBehindDivision;
@@ -112,12 +69,35 @@ private:
     }
 
     void endLineBefore(const QString& element) {
-        if (!isBlock(element))
+        if (!HtmlElements::isBlock(element))
             return;
         if (m_isInOwnDivision)
             m_result += QStringLiteral("</div>");
         m_isInOwnDivision = false;
         m_isBehindDivision = false;
+    }
+
+    /// Keeps what an ordered list says of its numbers, which Qt doesn't read.
+    void count(const HtmlTag& tag) {
+        const bool isList = tag.name == QLatin1String("ol") || tag.name == QLatin1String("ul");
+        const auto number = [&tag](const QString& attribute) {
+            bool isNumber = false;
+            const int value = tag.attribute(attribute).trimmed().toInt(&isNumber);
+            return isNumber ? std::optional(value) : std::nullopt;
+        };
+        if (isList && tag.isEnd) {
+            const auto opened = std::find_if(m_lists.rbegin(), m_lists.rend(),
+                                             [&tag](const OpenList& list) { return list.name == tag.name; });
+            if (opened != m_lists.rend())
+                m_lists.erase(std::prev(opened.base()), m_lists.end());
+        } else if (isList && m_lists.size() < deepest) {
+            m_lists.push_back(
+                {tag.name, tag.name == QLatin1String("ol") ? number(QStringLiteral("start")) : std::nullopt});
+        } else if (tag.name == QLatin1String("li") && !tag.isEnd && !m_lists.empty()) {
+            const auto start = std::exchange(m_lists.back().start, std::nullopt);
+            const auto value = number(QStringLiteral("value"));
+            m_number = m_lists.back().name == QLatin1String("ol") ? (value ? value : start) : std::nullopt;
+        }
     }
 
     [[nodiscard]] qsizetype lengthTo(QChar character) const {
@@ -142,9 +122,10 @@ private:
             addText(QStringLiteral("&lt;"));
             m_rest = m_rest.mid(1);
         } else if (tag->isEnd) {
+            count(*tag);
             if (tag->name == QLatin1String("q"))
                 m_result += QChar(0x201D);
-            const QString name = nameForQt(tag->name);
+            const QString name = HtmlElements::nameForQt(tag->name);
             endLineBefore(name);
             m_result += QStringLiteral("</") + name + QLatin1Char('>');
             m_isBehindDivision = m_isBehindDivision || name == QLatin1String("div");
@@ -154,9 +135,9 @@ private:
     }
 
     void addElement(HtmlTag& tag, QStringView start) {
-        const bool isRaw = isRawText(tag.name);
-        if (isNeverShown(tag)) {
-            if (!isVoid(tag.name))
+        const bool isRaw = HtmlElements::isRawText(tag.name);
+        if (HtmlElements::isNeverShown(tag.name) || m_hiding.hides(tag)) {
+            if (!HtmlElements::isVoid(tag.name))
                 isRaw ? void(takeRawText(tag.name)) : skipContent(tag.name);
             return;
         }
@@ -171,11 +152,12 @@ private:
         const QString name = tag.name;
         if (name == QLatin1String("link") && !tag.has(QStringLiteral("type"))) // Qt takes no other for a style sheet
             tag.set(QStringLiteral("type"), QStringLiteral("text/css"));
-        tag.name = nameForQt(name);
+        tag.name = HtmlElements::nameForQt(name);
         endLineBefore(tag.name);
         if (tag.name == QLatin1String("img"))
             startLine();
         m_result += tag.written();
+        count(tag);
         if (name == QLatin1String("link")) // which otherwise takes the whole document in, unless it is in the head
             m_result += QStringLiteral("</link>");
         if (name == QLatin1String("q"))
@@ -199,22 +181,43 @@ private:
         return text;
     }
 
+    /// Up to the end of an element, which often has no tag.
     void skipContent(const QString& name) {
-        for (int depth = 1; depth > 0 && !m_rest.isEmpty();) {
+        std::vector<QString> open; // elements within it
+        while (!m_rest.isEmpty()) {
             m_rest = m_rest.mid(lengthTo(QLatin1Char('<')));
-            if (m_rest.isEmpty())
-                return;
             if (m_rest.startsWith(QStringLiteral("<!--"))) {
                 skipBehind(QStringLiteral("-->"));
                 continue;
             }
-            const std::optional<HtmlTag> tag = HtmlTag::read(m_rest);
-            if (!tag)
-                m_rest = m_rest.mid(1);
-            else if (tag->name == name)
-                depth += tag->isEnd ? -1 : 1;
-            else if (!tag->isEnd && isRawText(tag->name))
-                takeRawText(tag->name);
+            const QStringView before = m_rest;
+            const std::optional<HtmlTag> tag = m_rest.isEmpty() ? std::nullopt : HtmlTag::read(m_rest);
+            if (!tag) {
+                m_rest = m_rest.mid(std::min<qsizetype>(1, m_rest.size()));
+            } else if (tag->isEnd) {
+                const auto opened = std::find(open.rbegin(), open.rend(), tag->name);
+                if (opened != open.rend()) {
+                    open.erase(std::prev(opened.base()), open.end());
+                } else if (tag->name == name) {
+                    return;
+                } else if (HtmlElements::needsNoEnd(name) &&
+                           HtmlElements::isBlock(HtmlElements::nameForQt(tag->name))) { // of what it stands in
+                    m_rest = before;
+                    return;
+                }
+            } else {
+                while (!open.empty() && HtmlElements::isEndedBy(open.back(), tag->name))
+                    open.pop_back();
+                if (std::none_of(open.begin(), open.end(), HtmlElements::isBlock) &&
+                    HtmlElements::isEndedBy(name, tag->name)) {
+                    m_rest = before;
+                    return;
+                }
+                if (HtmlElements::isRawText(tag->name))
+                    takeRawText(tag->name);
+                else if (!HtmlElements::isVoid(tag->name) && open.size() < deepest)
+                    open.push_back(tag->name);
+            }
         }
     }
 
@@ -235,7 +238,12 @@ private:
         m_result += picture.written();
     }
 
+    static constexpr std::size_t deepest = 60; ///< of elements that are followed; more are no work of a person
+
     QStringView m_rest;
+    HtmlHiding m_hiding;
+    std::vector<OpenList> m_lists; ///< from the outermost on
+    std::optional<int> m_number;   ///< of the item that has begun, if its list doesn't count so far
     QString m_result;
     bool m_isBehindDivision = false;
     bool m_isInOwnDivision = false; ///< in one that has been added
