@@ -51,7 +51,7 @@ bool writeOwnPreview(const QString& source, const QString& destination, const st
             qCWarning(Logging::pdf) << "a file's own preview can't be read:" << Logging::causes(error);
         }
     }
-    for (const char* name : {"preview.jpg", "QuickLook/Thumbnail.jpg"}) {
+    for (const char* name : {"preview.jpg", "Preview.jpg", "QuickLook/Preview.jpg", "QuickLook/Thumbnail.jpg"}) {
         const auto bytes = member(source, QString::fromLatin1(name));
         const QTemporaryDir folder;
         const QString picture = folder.filePath(QStringLiteral("preview.jpg"));

@@ -15,8 +15,8 @@ enum class Outcome {
 };
 
 /// Writes the pages to `destination`, a PDF whose folder exists; there is none unless it was written. A spreadsheet has
-/// a page for each sheet. What Apple's newer programs write and LibreOffice can't read is shown by the picture that
-/// those files carry of themselves. Any thread, several at once.
+/// a page for each sheet. What Apple's newer programs write and LibreOffice can't read is shown by the pages or the
+/// picture that those files carry of themselves. Any thread, several at once.
 [[nodiscard]] Outcome writePages(const QString& source, const QString& destination, const std::stop_token& stop);
 
 /// The Debian package of the program that `programMissing` tells of.

@@ -7,7 +7,12 @@
 
 #include <QBuffer>
 #include <QImage>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QTemporaryDir>
+
+#include <utility>
+#include <vector>
 
 using FilePreviewer::Outcome;
 
@@ -83,15 +88,39 @@ TEST_F(FilePreviewerTest, aBookIsLaidOutWithItsLinks) {
     EXPECT_TRUE(bytes.contains("/XYZ"));
 }
 
-TEST_F(FilePreviewerTest, anAppleFileThatNobodyReadsShowsItsOwnPicture) {
+TEST_F(FilePreviewerTest, anAppleFileThatNobodyReadsShowsItsOwnPreview) {
     QByteArray jpeg;
     QBuffer buffer(&jpeg);
     QImage(300, 200, QImage::Format_RGB32).save(&buffer, "JPG");
-    EXPECT_EQ(preview(write(QStringLiteral("budget.numbers"),
-                            OfficeFiles::package({{"Index/Document.iwa", "junk"}, {"preview.jpg", jpeg}}))),
-              Outcome::written);
-    EXPECT_EQ(pageCount(), 1);
-    EXPECT_EQ(text(), QStringLiteral("none"));
+    QByteArray pdf;
+    QBuffer pages(&pdf);
+    ASSERT_TRUE(pages.open(QIODevice::WriteOnly));
+    QPdfWriter writer(&pages);
+    QPainter painter(&writer);
+    painter.drawText(100, 100, QStringLiteral("Opening"));
+    writer.newPage();
+    painter.end();
+    const struct {
+        const char* name;
+        std::vector<std::pair<QByteArray, QByteArray>> members;
+        int pages;
+        const char* text;
+    } files[] = {
+        {"budget.numbers", {{"Index/Document.iwa", "junk"}, {"preview.jpg", jpeg}}, 1, "none"},
+        {"talk.key", {{"index.apxl", "<junk"}, {"QuickLook/Preview.pdf", pdf}, {"preview.jpg", jpeg}}, 2, "Opening"},
+        {"letter.pages", {{"Index.zip", "junk"}, {"QuickLook/Preview.pdf", pdf}}, 2, "Opening"},
+        {"broken.pages",
+         {{"Index/A.iwa", "junk"}, {"QuickLook/Preview.pdf", "%PDF"}, {"Preview.jpg", jpeg}},
+         1,
+         "none"},
+        {"unknown.key", {{"Metadata/a.plist", "junk"}, {"QuickLook/Thumbnail.jpg", jpeg}}, 1, "none"},
+    };
+    for (const auto& file : files) {
+        SCOPED_TRACE(file.name);
+        EXPECT_EQ(preview(write(QString::fromLatin1(file.name), OfficeFiles::package(file.members))), Outcome::written);
+        EXPECT_EQ(pageCount(), file.pages);
+        EXPECT_EQ(text().simplified().toStdString(), file.text);
+    }
 }
 
 TEST_F(FilePreviewerTest, whatIsBrokenFails) {
