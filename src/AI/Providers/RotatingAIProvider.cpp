@@ -40,18 +40,20 @@ QString groqModel(AIModelPreference preference) {
     return QStringLiteral("llama3-8b-8192");
 }
 
-/// A line break that was copied along with the key would end the header.
-QByteArray bearer(const QString& key) {
-    QByteArray value = "Bearer " + key.toUtf8();
-    value.removeIf([](char c) { return c == '\r' || c == '\n' || c == '\0'; });
-    return value;
+/// The key as it is sent: a line break that was copied along with it would end the header.
+QString sendable(QString key) {
+    key.removeIf([](QChar c) { return c == u'\r' || c == u'\n' || c == u'\0'; });
+    return key;
 }
 
-/// Some services repeat the key that they refuse; a message is shown and kept with the conversation.
+/// Some services repeat the key that they refuse; a message is shown and kept with the conversation. What is too short
+/// for a secret is a word for a server that asks for none, and the message may well use it.
 AIProviderError withoutKey(const AIProviderError& error, const QString& key) {
-    if (error.kind() != AIProviderError::Kind::http || key.trimmed().isEmpty())
+    constexpr qsizetype shortestSecret = 8;
+    const QString sent = sendable(key).trimmed();
+    if (error.kind() != AIProviderError::Kind::http || sent.size() < shortestSecret)
         return error;
-    return AIProviderError::http(error.status(), error.message().replace(key.trimmed(), QStringLiteral("…")));
+    return AIProviderError::http(error.status(), error.message().replace(sent, QStringLiteral("…")));
 }
 
 bool asksForAnotherKey(const AIProviderError& error) {
@@ -136,8 +138,9 @@ QCoro::Task<AIAgentTurn> RotatingAIProvider::performRequest(std::shared_ptr<URLS
         const QJsonObject body{{QStringLiteral("model"), credential.model},
                                {QStringLiteral("messages"), messages},
                                {QStringLiteral("tools"), toolSpecs}};
-        return URLRequest{credential.endpoint,
-                          {{"Authorization", bearer(credential.apiKey)}, {"Content-Type", "application/json"}},
-                          QJsonDocument(body).toJson(QJsonDocument::Compact)};
+        return URLRequest{
+            credential.endpoint,
+            {{"Authorization", "Bearer " + sendable(credential.apiKey).toUtf8()}, {"Content-Type", "application/json"}},
+            QJsonDocument(body).toJson(QJsonDocument::Compact)};
     });
 }

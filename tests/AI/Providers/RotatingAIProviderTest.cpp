@@ -163,6 +163,27 @@ TEST_F(RotatingAIProviderTest, StopsAtAnyOtherFailure) {
     }
 }
 
+TEST_F(RotatingAIProviderTest, HidesKeysInWhatTheServiceSaysAndNoOtherWords) {
+    const struct {
+        QString key;
+        const char* message;
+        const char* sentence;
+    } cases[] = {
+        {QStringLiteral("a"), "Bad gateway a", "API error (502): Bad gateway a"},
+        {QStringLiteral("gateway"), "Bad gateway", "API error (502): Bad gateway"},
+        {QStringLiteral(" \t "), "Bad \t gate", "API error (502): Bad \t gate"},
+        {QStringLiteral(" sk-01234567 "), "No 'sk-01234567', no xsk-01234567x", "API error (502): No '…', no x…x"},
+        {QStringLiteral("sk-0123\r\n4567"), "No sk-01234567", "API error (502): No …"},
+    };
+    for (const auto& each : cases) {
+        APIKeyStore::clear(m_defaults, APIProviderKind::ollama);
+        addKeys({each.key}, {});
+        const QJsonObject body{{QStringLiteral("error"), QString::fromUtf8(each.message)}};
+        m_server.enqueue(LoopbackServer::json(502, QJsonDocument(body).toJson()));
+        EXPECT_EQ(ask().sentence(), each.sentence);
+    }
+}
+
 TEST_F(RotatingAIProviderTest, ReadsKeysAndAddressAtEachQuestion) {
     const auto outcome = ask();
     EXPECT_TRUE(outcome.threw<AIProviderError>());
