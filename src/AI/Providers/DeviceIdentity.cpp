@@ -34,9 +34,16 @@ std::optional<P256SigningKey> loadFromDisk() {
     return P256SigningKey::fromRawRepresentation(file.read(enoughToTell));
 }
 
+/// A file that is closed to the user, or belongs to another one, would be in the way of its successor.
+void makeWayAt(const QString& path) {
+    if (QFileInfo(path).isFile() && !QFile::setPermissions(path, userOnly))
+        QFile::remove(path);
+}
+
 void saveToDisk(const P256SigningKey& key) {
     const QString path = DeviceIdentity::keyFilePath();
     makeFolder(QFileInfo(path).path());
+    makeWayAt(path);
     const QByteArray bytes = key.rawRepresentation();
     try {
         writeFileAtomically(path, [&bytes](QFile& file) {
@@ -45,7 +52,7 @@ void saveToDisk(const P256SigningKey& key) {
                 throw FileError(file.errorString());
             file.write(bytes);
         });
-        // It got the permissions of a file that it replaced.
+        // Where nothing could make way, the file has the permissions that it had.
         QFile file(path);
         if (!file.setPermissions(userOnly))
             throw FileError(file.errorString());

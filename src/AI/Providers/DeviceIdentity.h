@@ -6,8 +6,8 @@
 /// The key by which the built-in AI service knows this user's Quillo: made on first use, kept for good in a file of its
 /// own that only the user can read, and read from there at each use. Any thread.
 ///
-/// A missing file, and one that holds no key, is replaced by a new key. Operations throw DeviceIdentityError when that
-/// can't be saved, and CryptographyError.
+/// A missing file, one that can't be read, and one that holds no key, is replaced by a new key. Operations throw
+/// DeviceIdentityError when that can't be saved, and CryptographyError.
 namespace DeviceIdentity {
 
 /// `device-identity.key` in the folder of Quillo below the user's folder for data.

@@ -4,6 +4,7 @@
 #include "LoopbackServer.h"
 #include "OpenSSLProgram.h"
 #include "P256SigningKey.h"
+#include "RestrictedRuns.h"
 #include "TaskOutcome.h"
 #include "URLSession.h"
 
@@ -144,6 +145,17 @@ TEST_F(BackendAIProviderTest, KeepsItsKeyToTheUser) {
         EXPECT_EQ(permissionsOf(m_keyFile), 0600u);
     }
     umask(mask);
+
+    // So does one that its own user can't read.
+    ASSERT_EQ(chmod(QFile::encodeName(m_keyFile).constData(), 0), 0);
+    const QByteArray unreadable = read(m_keyFile); // as root may
+    RestrictedRuns::withoutPrivileges([this] {
+        EXPECT_EQ(read(m_keyFile), QByteArray());
+        EXPECT_NO_THROW(static_cast<void>(DeviceIdentity::publicKeyBase64()));
+    });
+    EXPECT_EQ(permissionsOf(m_keyFile), 0600u);
+    EXPECT_EQ(read(m_keyFile).size(), 32);
+    EXPECT_NE(read(m_keyFile), unreadable);
 }
 
 TEST_F(BackendAIProviderTest, HasOneKeyForTwoFirstQuestions) {
