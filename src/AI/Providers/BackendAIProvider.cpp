@@ -2,6 +2,7 @@
 
 #include "ChatRequest.h"
 #include "DeviceIdentity.h"
+#include "NoBuiltInServiceError.h"
 #include "OpenAIChatCodec.h"
 #include "URLSession.h"
 
@@ -12,6 +13,8 @@
 
 /// The signature is over the very bytes that are sent.
 static URLRequest signedRequest(const QUrl& endpoint, const QJsonObject& body) {
+    if (!BackendAIProvider::isConfigured(endpoint))
+        throw NoBuiltInServiceError();
     const QByteArray bodyBytes = QJsonDocument(body).toJson(QJsonDocument::Compact);
     const qint64 timestampMillis = QDateTime::currentMSecsSinceEpoch();
     const QByteArray publicKey = DeviceIdentity::publicKeyBase64();
@@ -21,7 +24,8 @@ static URLRequest signedRequest(const QUrl& endpoint, const QJsonObject& body) {
              {"X-Device-Public-Key", publicKey},
              {"X-Device-Timestamp", QByteArray::number(timestampMillis)},
              {"X-Device-Signature", signature}},
-            bodyBytes};
+            bodyBytes,
+            true};
 }
 
 BackendAIProvider::BackendAIProvider(QUrl endpoint) : BackendAIProvider(std::move(endpoint), URLSession::create()) {}
@@ -31,6 +35,13 @@ BackendAIProvider::BackendAIProvider(QUrl endpoint, std::shared_ptr<URLSession> 
 
 QUrl BackendAIProvider::defaultEndpoint() {
     return QUrl(QStringLiteral("https://" QUILLO_ASSISTANT_HOST "/api/v1/chat/completions"));
+}
+
+bool BackendAIProvider::isConfigured(const QUrl& endpoint) {
+    QString host = endpoint.host();
+    if (host.endsWith(u'.'))
+        host.chop(1);
+    return !host.isEmpty() && host != u"invalid" && !host.endsWith(QLatin1String(".invalid"));
 }
 
 QCoro::Task<AIAgentTurn> BackendAIProvider::send(std::vector<AIMessage> history, std::vector<AssistantTool> tools,

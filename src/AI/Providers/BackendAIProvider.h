@@ -17,7 +17,11 @@ public:
 
     /// On the host that Quillo was built for.
     [[nodiscard]] static QUrl defaultEndpoint();
+    /// False for a stand-in where no service can be: a host without a name, or one of the names that are set apart for
+    /// leading nowhere (RFC 6761).
+    [[nodiscard]] static bool isConfigured(const QUrl& endpoint = defaultEndpoint());
 
+    /// Throws NoBuiltInServiceError, without a request, when there is no service to ask.
     QCoro::Task<AIAgentTurn> send(std::vector<AIMessage> history, std::vector<AssistantTool> tools, QString system,
                                   AIModelPreference preference) override;
 

@@ -100,17 +100,17 @@ QNetworkRequest URLSession::networkRequest(const URLRequest& request) const {
 
 QCoro::Task<URLReply> URLSession::post(std::shared_ptr<URLSession> session, URLRequest request) {
     constexpr int maximumRedirections = 10;
-    const QString host = request.url.host();
+    const AIService service{request.isForBuiltInService, request.url.host()};
     for (int count = 0; count <= maximumRedirections; ++count) {
         checkURL(request.url);
         Answer answer = co_await postOnce(session, request);
         if (answer.redirection.isEmpty())
             co_return answer.reply;
         if (answer.reply.status == seeOther || !haveSameOrigin(answer.redirection, request.url))
-            throw URLSessionError::forNetworkError(QNetworkReply::InsecureRedirectError, host);
+            throw URLSessionError::forNetworkError(QNetworkReply::InsecureRedirectError, service);
         request.url = answer.redirection;
     }
-    throw URLSessionError::forNetworkError(QNetworkReply::TooManyRedirectsError, host);
+    throw URLSessionError::forNetworkError(QNetworkReply::TooManyRedirectsError, service);
 }
 
 QCoro::Task<URLSession::Answer> URLSession::postOnce(std::shared_ptr<URLSession> session, URLRequest request) {
@@ -130,16 +130,16 @@ QCoro::Task<URLSession::Answer> URLSession::postOnce(std::shared_ptr<URLSession>
     });
     co_await reply.get();
 
-    const QString host = request.url.host();
+    const AIService service{request.isForBuiltInService, request.url.host()};
     if (isTooLong || !readWithin(session->m_maximumReplySize, *reply, answer.reply.body))
-        throw URLSessionError(QStringLiteral("The AI service at “%1” sent an answer that is too long.").arg(host));
+        throw URLSessionError(service.name() + QStringLiteral(" sent an answer that is too long."));
     if (session->m_isCancelled)
         throw URLSessionError(QStringLiteral("The question was given up because Quillo was closed."));
     const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (status.isValid())
         answer.reply.status = status.toInt();
     if (!isAnswered(reply->error(), answer.reply.status))
-        throw URLSessionError::forNetworkError(reply->error(), host);
+        throw URLSessionError::forNetworkError(reply->error(), service);
     const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
     if (!target.isEmpty())
         answer.redirection = request.url.resolved(target);

@@ -17,6 +17,7 @@ struct URLRequest {
     QUrl url;
     std::vector<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body;
+    bool isForBuiltInService = false; ///< which is not called by its address
 };
 
 struct URLReply {

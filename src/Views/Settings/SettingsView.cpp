@@ -1,6 +1,7 @@
 #include "SettingsView.h"
 
 #include "APIKeyStore.h"
+#include "BackendAIProvider.h"
 #include "Palette.h"
 #include "RecoverySetting.h"
 #include "SymbolLabel.h"
@@ -29,14 +30,19 @@ static QLabel* makeHeading(const QString& text) {
     return heading;
 }
 
-static QLabel* makeNote(const QString& text) {
-    auto* note = new QLabel(text);
+static void setNote(QLabel& note, const QString& text) {
+    note.setText(text);
+    note.setMinimumHeight(std::max(0, note.heightForWidth(note.maximumWidth()))); // -1 without text
+}
+
+static QLabel* makeNote(const QString& text, int width = noteWidth) {
+    auto* note = new QLabel;
     note->setWordWrap(true);
-    note->setFixedWidth(noteWidth);
+    note->setFixedWidth(width);
     QFont font = note->font();
     font.setPointSizeF(font.pointSizeF() * 0.9);
     note->setFont(font);
-    note->setMinimumHeight(note->heightForWidth(noteWidth));
+    setNote(*note, text);
     return note;
 }
 
@@ -44,7 +50,7 @@ SettingsView::SettingsView(UserDefaults& defaults, DefaultViewer defaultViewer, 
     : QDialog(parent), m_defaults(defaults), m_defaultViewer(std::move(defaultViewer)), m_apiURL(new QLineEdit),
       m_apiKey(new QLineEdit), m_setAsDefaultButton(new QPushButton(QStringLiteral("Set as Default"))),
       m_isDefault(new SymbolLabel), m_refusal(new QLabel(QStringLiteral("The desktop did not accept the change."))),
-      m_status(new SymbolLabel), m_saved(new SymbolLabel) {
+      m_status(new SymbolLabel), m_statusNote(makeNote({}, fieldWidth)), m_saved(new SymbolLabel) {
     setObjectName(QStringLiteral("settings"));
     setWindowTitle(QStringLiteral("Settings"));
     auto* line = new QFrame;
@@ -153,6 +159,8 @@ QWidget* SettingsView::makeAssistantSection() {
     form->addRow(QString(), buttons);
     m_status->setObjectName(QStringLiteral("status"));
     form->addRow(QStringLiteral("Status"), m_status);
+    m_statusNote->setObjectName(QStringLiteral("statusNote"));
+    form->addRow(QString(), m_statusNote);
 
     auto* section = new QWidget;
     auto* layout = new QVBoxLayout(section);
@@ -186,6 +194,7 @@ void SettingsView::showDefaultViewer(bool isDefault) {
 void SettingsView::save() {
     APIKeyStore::saveURL(m_defaults, m_apiURL->text());
     APIKeyStore::save(m_defaults, m_apiKey->text(), APIProviderKind::ollama);
+    m_justChangedService = !m_isKeySaved;
     m_isKeySaved = true;
     m_usingBuiltInAPI = false;
     m_justSaved = true;
@@ -198,6 +207,7 @@ void SettingsView::useBuiltInAI() {
     APIKeyStore::saveURL(m_defaults, m_apiURL->text());
     APIKeyStore::clear(m_defaults, APIProviderKind::ollama);
     APIKeyStore::clear(m_defaults, APIProviderKind::groq);
+    m_justChangedService = m_isKeySaved;
     m_isKeySaved = false;
     m_usingBuiltInAPI = true;
     m_justSaved = true;
@@ -212,10 +222,24 @@ void SettingsView::fieldEdited() {
     showStatus();
 }
 
+QString SettingsView::statusNote() const {
+    if (m_usingBuiltInAPI && !BackendAIProvider::isConfigured())
+        return QStringLiteral("This copy of Quillo has no built-in AI service: enter a key of your own above and save "
+                              "it to use the assistant.");
+    if (!m_justSaved || !m_justChangedService)
+        return {};
+    return m_usingBuiltInAPI ? QStringLiteral("Quillo's AI answers in documents that you open from now on.")
+                             : QStringLiteral("Your key is used in documents that you open from now on.");
+}
+
 void SettingsView::showStatus() {
+    const QString note = statusNote();
+    setNote(*m_statusNote, note);
+    m_statusNote->setVisible(!note.isEmpty());
     if (m_usingBuiltInAPI)
         m_status->setContent(QStringLiteral("checkmark.circle.fill"),
-                             QStringLiteral("Using Quillo's built-in AI — no key needed"), success);
+                             QStringLiteral("Using Quillo's built-in AI — no key needed"),
+                             BackendAIProvider::isConfigured() ? success : QColor());
     else if (m_isKeySaved)
         m_status->setContent(QStringLiteral("checkmark.circle.fill"), QStringLiteral("Using your own API key"),
                              success);

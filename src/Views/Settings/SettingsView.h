@@ -37,6 +37,7 @@ private:
     void useBuiltInAI();
     void fieldEdited();
     void showStatus();
+    [[nodiscard]] QString statusNote() const;
 
     UserDefaults& m_defaults;
     DefaultViewer m_defaultViewer;
@@ -45,11 +46,13 @@ private:
     QLineEdit* m_apiKey;
     bool m_isKeySaved = false;
     bool m_justSaved = false;
+    bool m_justChangedService = false; ///< which reaches the documents that are opened later
     bool m_usingBuiltInAPI = false;
 
     QPushButton* m_setAsDefaultButton;
     SymbolLabel* m_isDefault;
     QLabel* m_refusal;
     SymbolLabel* m_status;
+    QLabel* m_statusNote;
     SymbolLabel* m_saved;
 };

@@ -2,17 +2,21 @@
 #include "DeviceIdentity.h"
 #include "DeviceIdentityError.h"
 #include "LoopbackServer.h"
+#include "NoBuiltInServiceError.h"
 #include "OpenSSLProgram.h"
 #include "P256SigningKey.h"
 #include "RestrictedRuns.h"
 #include "TaskOutcome.h"
 #include "URLSession.h"
+#include "URLSessionError.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QNetworkProxy>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -175,6 +179,38 @@ TEST_F(BackendAIProviderTest, SendsNothingWithoutAKey) {
     EXPECT_TRUE(outcome.threw<DeviceIdentityError>());
     EXPECT_EQ(outcome.sentence(), "Couldn't save the device signing key (There is a folder of this name.).");
     EXPECT_TRUE(m_server.requests().empty());
+}
+
+TEST_F(BackendAIProviderTest, AsksNobodyWhereThereIsNoService) {
+    // A proxy would hear of any request.
+    const QUrl proxy = m_server.url({});
+    QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, proxy.host(), static_cast<quint16>(proxy.port())});
+    const auto reset = qScopeGuard([] { QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy); });
+    for (const char* address :
+         {"https://assistant.quillo.invalid/api", "https://INVALID:8443/", "https://a.Invalid./", "https:///api"}) {
+        const QUrl endpoint{QLatin1String(address)};
+        EXPECT_FALSE(BackendAIProvider::isConfigured(endpoint)) << address;
+        BackendAIProvider provider(endpoint);
+        const auto outcome = outcomeOf(provider.send({}, {}, {}, AIModelPreference::fast));
+        EXPECT_TRUE(outcome.threw<NoBuiltInServiceError>()) << address << outcome.sentence();
+    }
+    EXPECT_TRUE(m_server.requests().empty());
+    EXPECT_FALSE(QFile::exists(m_keyFile)) << "nobody needs a key";
+    EXPECT_TRUE(BackendAIProvider::isConfigured(QUrl(QStringLiteral("https://invalid.example.org/"))));
+}
+
+TEST_F(BackendAIProviderTest, CallsTheServiceByItsNameWhenItFails) {
+    BackendAIProvider provider(std::make_unique<LoopbackServer>()->url({})); // which is gone by now
+    EXPECT_EQ(outcomeOf(provider.send({}, {}, {}, AIModelPreference::fast)).sentence(),
+              "Quillo's built-in AI service refused the connection. Ask again later.");
+    for (int error = QNetworkReply::ConnectionRefusedError; error <= QNetworkReply::UnknownServerError; ++error) {
+        const URLSessionError failure = URLSessionError::forNetworkError(
+            static_cast<QNetworkReply::NetworkError>(error), {true, QStringLiteral("h.test")});
+        const QString sentence = QString::fromUtf8(failure.what());
+        EXPECT_TRUE(sentence.startsWith(QStringLiteral("Quillo's built-in AI service "))) << error;
+        for (const char* word : {"h.test", "API", "key", "Settings", "%"})
+            EXPECT_FALSE(sentence.contains(QLatin1String(word))) << sentence.toStdString();
+    }
 }
 
 TEST(P256SigningKey, HasThePublicKeyOfItsPrivateOne) {

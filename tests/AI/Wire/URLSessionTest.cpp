@@ -100,7 +100,7 @@ TEST_F(URLSessionTest, TellsWhyThereIsNoAnswerAndGoesOn) {
         {"no HTTP", LoopbackServer::bytes("SSH-2.0-Server\r\n\r\n"),
          "ended the connection before its answer was complete"},
         {"100 MB packed", LoopbackServer::json(200, packed, "Content-Encoding: deflate\r\n"),
-         "The connection to the AI service"},
+         "couldn't be asked because the connection failed"},
         {"nested deeply", LoopbackServer::json(200, QByteArray(10'000, '[') + QByteArray(10'000, ']')),
          "sent an answer that Quillo can't read"},
         {"no JSON", LoopbackServer::json(502, "<html>"), "sent an answer that Quillo can't read"},

@@ -1,6 +1,7 @@
 #include "SettingsView.h"
 
 #include "APIKeyStore.h"
+#include "BackendAIProvider.h"
 #include "RecoverySetting.h"
 #include "SymbolLabel.h"
 #include "ViewTest.h"
@@ -23,6 +24,12 @@ protected:
     void press(const QString& name) const { QTest::mouseClick(find<QPushButton>(*m_settings, name), Qt::LeftButton); }
     QString status() const { return find<SymbolLabel>(*m_settings, QStringLiteral("status"))->text(); }
     QString statusSymbol() const { return find<SymbolLabel>(*m_settings, QStringLiteral("status"))->symbolName(); }
+    /// What stands beneath the status; empty when nothing does.
+    QString note() const {
+        const auto* label = find<QLabel>(*m_settings, QStringLiteral("statusNote"));
+        EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+        return label->isVisible() ? label->text() : QString();
+    }
     bool saysSaved() const { return find<SymbolLabel>(*m_settings, QStringLiteral("saved"))->isVisible(); }
     static void type(QLineEdit* field, const QString& text) {
         field->setFocus();
@@ -34,6 +41,11 @@ protected:
     const QString m_builtIn = QStringLiteral("Using Quillo's built-in AI — no key needed");
     const QString m_own = QStringLiteral("Using your own API key");
     const QString m_none = QStringLiteral("No active configuration");
+    const QString m_noService =
+        BackendAIProvider::isConfigured()
+            ? QString()
+            : QStringLiteral("This copy of Quillo has no built-in AI service: enter a key of your own above and save "
+                             "it to use the assistant.");
     std::unique_ptr<SettingsView> m_settings;
     QLineEdit* m_url = nullptr;
     QLineEdit* m_key = nullptr;
@@ -59,20 +71,25 @@ TEST_F(SettingsViewTest, theStatusFollowsKeysAndFields) {
     EXPECT_EQ(statusSymbol(), QStringLiteral("checkmark.circle.fill"));
     EXPECT_FALSE(saysSaved());
 
+    EXPECT_EQ(note(), m_noService);
+
     type(m_key, QStringLiteral("  "));
     EXPECT_EQ(status(), m_builtIn) << "Blanks are no key.";
     type(m_key, QStringLiteral("secret"));
     EXPECT_EQ(status(), m_none);
     EXPECT_EQ(statusSymbol(), QStringLiteral("info.circle"));
+    EXPECT_EQ(note(), QString());
     type(m_url, QStringLiteral("not a url"));
     press(QStringLiteral("save"));
     EXPECT_EQ(status(), m_own);
     EXPECT_TRUE(saysSaved());
+    EXPECT_EQ(note(), QStringLiteral("Your key is used in documents that you open from now on."));
     EXPECT_EQ(m_defaults.stringForKey(QStringLiteral("quillo.customAPIURL")), QStringLiteral("not a url"));
     EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.ollamaAPIKeyPool")),
               QStringList{QStringLiteral("secret")});
     type(m_url, QStringLiteral("http://127.0.0.1/"));
     EXPECT_FALSE(saysSaved());
+    EXPECT_EQ(note(), QString());
     EXPECT_EQ(status(), m_own);
 
     openSettings();
@@ -83,6 +100,7 @@ TEST_F(SettingsViewTest, theStatusFollowsKeysAndFields) {
     QTest::keyClick(m_key, Qt::Key_Return);
     EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.ollamaAPIKeyPool")),
               QStringList({QStringLiteral("secret"), QStringLiteral("another")}));
+    EXPECT_EQ(note(), QString()) << "Open documents that have keys take this one too.";
 }
 
 TEST_F(SettingsViewTest, theBuiltInServiceLeavesNoKeyBehind) {
@@ -95,6 +113,9 @@ TEST_F(SettingsViewTest, theBuiltInServiceLeavesNoKeyBehind) {
     press(QStringLiteral("useBuiltInAI"));
     EXPECT_EQ(status(), m_builtIn);
     EXPECT_TRUE(saysSaved());
+    EXPECT_EQ(note(), m_noService.isEmpty()
+                          ? QStringLiteral("Quillo's AI answers in documents that you open from now on.")
+                          : m_noService);
     EXPECT_TRUE(m_key->text().isEmpty());
     EXPECT_EQ(m_url->text(), APIKeyStore::defaultURL());
     EXPECT_EQ(m_defaults.stringForKey(QStringLiteral("quillo.customAPIURL")), APIKeyStore::defaultURL());
