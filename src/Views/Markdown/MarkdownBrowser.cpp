@@ -2,6 +2,7 @@
 
 #include "FormulaFitting.h"
 #include "MarkdownSelection.h"
+#include "PageLinks.h"
 #include "WebLink.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -22,7 +23,7 @@ static constexpr int usualWidth = 320;
 static constexpr int smallestWidth = 40;
 static constexpr double wheelStep = 60; // of a formula, for a notch
 
-MarkdownBrowser::MarkdownBrowser(QWidget* parent) : QTextBrowser(parent) {
+MarkdownBrowser::MarkdownBrowser(int pageCount, QWidget* parent) : QTextBrowser(parent) {
     setObjectName(QStringLiteral("replyText"));
     setOpenLinks(false);
     setUndoRedoEnabled(false);
@@ -36,7 +37,12 @@ MarkdownBrowser::MarkdownBrowser(QWidget* parent) : QTextBrowser(parent) {
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
-    connect(this, &QTextBrowser::anchorClicked, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
+    connect(this, &QTextBrowser::anchorClicked, this, [this, pageCount](const QUrl& url) {
+        if (const auto page = PageLinks::page(url); page && *page <= pageCount)
+            Q_EMIT pageRequested(*page);
+        else
+            WebLink::confirmAndOpen(url, this);
+    });
     connect(this, &QTextEdit::cursorPositionChanged, this, &MarkdownBrowser::followCursor);
     layOut(usualWidth);
 }

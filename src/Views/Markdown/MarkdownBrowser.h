@@ -7,12 +7,13 @@
 
 /// Shows the document of a reply at full height, without a ground of its own: what it stands in scrolls. The height
 /// follows the width. A table too wide for it can be scrolled sideways, a
-/// formula too wide by itself. A link asks before it opens.
+/// formula too wide by itself. A link to the web asks before it opens.
 class MarkdownBrowser : public QTextBrowser {
     Q_OBJECT
 
 public:
-    explicit MarkdownBrowser(QWidget* parent);
+    /// Its links can lead to that many pages.
+    MarkdownBrowser(int pageCount, QWidget* parent);
     ~MarkdownBrowser() override;
 
     /// Shows another document. The selection stays where it was when `keepsSelection` is true.
@@ -24,6 +25,10 @@ public:
     /// The height is that of a line: the true one follows from the width.
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    /// A link to a page was used; the number counts from 1.
+    void pageRequested(int page);
 
 protected:
     [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;

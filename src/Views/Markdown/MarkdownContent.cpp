@@ -8,11 +8,13 @@
 #include <QResizeEvent>
 
 MarkdownContent::MarkdownContent(const QString& text, const QColor& color, const MathImageSource& mathImages,
-                                 QWidget* parent)
-    : QWidget(parent), m_text(text), m_color(color), m_mathImages(mathImages), m_browser(new MarkdownBrowser(this)) {
+                                 int pageCount, QWidget* parent)
+    : QWidget(parent), m_text(text), m_color(color), m_mathImages(mathImages), m_pageCount(pageCount),
+      m_browser(new MarkdownBrowser(pageCount, this)) {
     setObjectName(QStringLiteral("markdownContent"));
     m_browser->setAccessibleName(QStringLiteral("Reply"));
     setFocusProxy(m_browser);
+    connect(m_browser, &MarkdownBrowser::pageRequested, this, &MarkdownContent::pageRequested);
     // No layout object: it would lay the text out at widths that it never gets.
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
@@ -75,7 +77,7 @@ void MarkdownContent::resizeEvent(QResizeEvent* event) {
 void MarkdownContent::rebuild(bool keepsSelection) {
     m_ratio = devicePixelRatioF();
     const QStringView shown = QStringView(m_text).left(longestText);
-    MarkdownTextWriter writer(MarkdownStyle(palette()), m_color, m_mathImages);
+    MarkdownTextWriter writer(MarkdownStyle(palette()), m_color, m_mathImages, m_pageCount);
     m_browser->display(MarkdownDocument::write(MarkdownParser::parse(shown), shown.size() < m_text.size(), writer),
                        keepsSelection);
     updateGeometry();

@@ -18,8 +18,9 @@ public:
     /// More of a reply isn't laid out; a sentence stands in for the rest. In UTF-16 code units.
     static constexpr qsizetype longestText = 400'000;
 
-    /// `color` is that of the formulas; without `mathImages` each shows as its source.
-    MarkdownContent(const QString& text, const QColor& color, const MathImageSource& mathImages = {},
+    /// `color` is that of the formulas; without `mathImages` each shows as its source. Words that name one of
+    /// `pageCount` pages are links.
+    MarkdownContent(const QString& text, const QColor& color, const MathImageSource& mathImages = {}, int pageCount = 0,
                     QWidget* parent = nullptr);
     ~MarkdownContent() override;
 
@@ -35,6 +36,10 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
+Q_SIGNALS:
+    /// A link to a page was used; the number counts from 1.
+    void pageRequested(int page);
+
 protected:
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -46,6 +51,7 @@ private:
     QString m_text;
     QColor m_color;
     MathImageSource m_mathImages;
+    const int m_pageCount;
     MarkdownBrowser* m_browser;
     double m_ratio = 0; // device pixels in one of the screen that the formulas were drawn for
 };

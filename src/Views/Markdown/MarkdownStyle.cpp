@@ -2,8 +2,10 @@
 
 #include "AnnotationFont.h"
 #include "InlineRun.h"
+#include "PageLinks.h"
 
 #include <QPalette>
+#include <QUrl>
 
 static constexpr double fontPointsPerPoint = 72.0 / 96.0; // a font's points are 1/72 inch
 static constexpr float secondaryOpacity = 0.65F;
@@ -56,7 +58,9 @@ QTextCharFormat MarkdownStyle::applied(const InlineRun& run, QTextCharFormat bas
         base.setAnchorHref(run.link);
         base.setForeground(m_link);
         base.setFontUnderline(true);
-        base.setToolTip(QStringLiteral("<qt>%1</qt>").arg(run.link.left(longestToolTip).toHtmlEscaped()));
+        const auto page = PageLinks::page(QUrl(run.link));
+        base.setToolTip(page ? QStringLiteral("Go to page %1").arg(*page)
+                             : QStringLiteral("<qt>%1</qt>").arg(run.link.left(longestToolTip).toHtmlEscaped()));
     }
     return base;
 }

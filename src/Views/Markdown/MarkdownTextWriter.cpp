@@ -11,8 +11,8 @@ static constexpr double equationSize = 22; // points
 static constexpr char16_t zeroWidthSpace = 0x200B;
 
 MarkdownTextWriter::MarkdownTextWriter(const MarkdownStyle& style, const QColor& formulaColor,
-                                       const MathImageSource& mathImages)
-    : m_style(style), m_formulaColor(formulaColor) {
+                                       const MathImageSource& mathImages, int pageCount)
+    : m_style(style), m_formulaColor(formulaColor), m_pageCount(pageCount) {
     if (mathImages)
         m_mathImages = [this, mathImages](const QString& latex, double fontSize, const QColor& color) {
             if (m_imageCount >= mostImages)
@@ -24,7 +24,7 @@ MarkdownTextWriter::MarkdownTextWriter(const MarkdownStyle& style, const QColor&
 
 void MarkdownTextWriter::writeInline(QTextCursor& cursor, const QString& raw, const QTextCharFormat& format) {
     m_breaker.reset();
-    const InlineMarkdown markdown(raw, m_formulaColor, m_mathImages);
+    const InlineMarkdown markdown(raw, m_formulaColor, m_mathImages, m_pageCount);
     for (const InlineRun& run : markdown.text()) {
         if (run.image.isNull())
             writeText(cursor, run.text, m_style.applied(run, format));

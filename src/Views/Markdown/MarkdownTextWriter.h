@@ -24,7 +24,9 @@ public:
     /// More formulas of a reply stay source: each may take a while to draw.
     static constexpr int mostImages = 1'000;
 
-    MarkdownTextWriter(const MarkdownStyle& style, const QColor& formulaColor, const MathImageSource& mathImages);
+    /// `pageCount` is that of the document that words can name a page of; 0 for none.
+    MarkdownTextWriter(const MarkdownStyle& style, const QColor& formulaColor, const MathImageSource& mathImages,
+                       int pageCount);
 
     [[nodiscard]] const MarkdownStyle& style() const { return m_style; }
 
@@ -44,6 +46,7 @@ private:
     MarkdownStyle m_style;
     QColor m_formulaColor;
     MathImageSource m_mathImages; // empty for no images
+    int m_pageCount;
     DisplayText::WordBreaker m_breaker;
     int m_imageCount = 0; // asked for
     int m_nameCount = 0;  // of the images in the text

@@ -26,7 +26,7 @@ protected:
     }
 
     MarkdownBrowser& display(const QString& text, const MathImageSource& mathImages = {}) {
-        m_content = new MarkdownContent(text, Qt::black, mathImages);
+        m_content = new MarkdownContent(text, Qt::black, mathImages, 5);
         m_area.setWidget(m_content);
         QCoreApplication::processEvents();
         return *m_content->findChild<MarkdownBrowser*>();
@@ -109,6 +109,34 @@ TEST_F(MarkdownContentTest, aLinkAsksFirst) {
         QTest::keyClick(&browser, Qt::Key_Return);
         EXPECT_EQ(askedAddress(), address);
     }
+}
+
+TEST_F(MarkdownContentTest, aNamedPageIsALinkByPointerAndKeys) {
+    MarkdownBrowser& browser = display(QStringLiteral("On **page 2** and [there](https://a.b), pages 4–5; page 6, "
+                                                      "[far](page:6).\n\n|a|\n|-|\n|p. 3|\n\n```\npage 1\n```"));
+    std::vector<int> pages;
+    QObject::connect(m_content, &MarkdownContent::pageRequested, m_content,
+                     [&pages](int page) { pages.push_back(page); });
+    for (const char* words : {"page 2", "5", "p. 3", "page 6", "page 1"})
+        QTest::mouseClick(browser.viewport(), Qt::LeftButton, {}, placeOf(browser, QLatin1String(words)));
+    EXPECT_EQ(pages, std::vector({2, 5, 3}));
+    QTest::mouseClick(browser.viewport(), Qt::LeftButton, {}, placeOf(browser, QStringLiteral("far")));
+    QDialog* refusal = m_area.findChild<QDialog*>(QStringLiteral("webLinkRefusal"));
+    ASSERT_TRUE(refusal) << "The document has no such page.";
+    refusal->reject();
+
+    pages.clear();
+    m_area.activateWindow();
+    m_content->setFocus();
+    browser.moveCursor(QTextCursor::Start);
+    for (int step = 0; step < 4; ++step) { // the second leads to the web
+        QTest::keyClick(&browser, Qt::Key_Tab);
+        if (step != 1)
+            QTest::keyClick(&browser, Qt::Key_Return);
+    }
+    EXPECT_EQ(pages, std::vector({2, 4, 5}));
+    QTest::keyClick(&browser, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(copied(browser), QStringLiteral("On page 2 and there, pages 4–5; page 6, far.\na\np. 3\npage 1"));
 }
 
 TEST_F(MarkdownContentTest, theHeightFollowsTheWidthAndTheTextStaysInside) {

@@ -203,6 +203,19 @@ TEST(InlineMarkdownTest, aFormulaShowsItsImageOrItsSource) {
                                   QStringLiteral("bad 15 #ff0000")}));
 }
 
+TEST(InlineMarkdownTest, pagesAreLinksOutsideOfCodeFormulasAndLinks) {
+    const Case cases[] = {
+        {u"see page 2, **pages 3** and 4", "<see ><page 2>@page:2<, >b<pages 3>@page:3< and ><4>@page:4"},
+        {u"pages **2** and *3*!", "<pages >@page:2b<2>@page:2< and >i<3>@page:3<!>"},
+        {u"`page 2` [page 2](http://a.b) page `2` [page](http://a.b) 2",
+         "c<page 2>< ><page 2>@http://a.b< page >c<2>< ><page>@http://a.b< 2>"},
+        {u"$page 2$ page $2$ page 2", "<page 2>< page ><2>< ><page 2>@page:2"},
+    };
+    for (const Case& test : cases)
+        EXPECT_EQ(dumpRuns(InlineMarkdown(test.source.toString(), Qt::black, {}, 4).text()), test.dump)
+            << test.source.toString().toStdString();
+}
+
 TEST(InlineMarkdownTest, whatIsTooLongToReadIsPlain) {
     const QString text = QStringLiteral("**a** ").repeated(InlineMarkdownParser::longestText / 6 + 1);
     EXPECT_EQ(InlineMarkdownParser::parse(text), std::nullopt);
