@@ -11,6 +11,7 @@
 #include "ChatHistoryStore.h"
 #include "ChatTitle.h"
 #include "FileWork.h"
+#include "PDFDocument.h"
 #include "RotatingAIProvider.h"
 #include "SystemPrompts.h"
 
@@ -60,7 +61,7 @@ std::shared_ptr<AssistantViewModel> AssistantViewModel::create(const AssistantSo
 }
 
 AssistantViewModel::AssistantViewModel(const AssistantSource& source, std::shared_ptr<AIProvider> provider)
-    : m_tools(AssistantToolFactory::makeTools(source)), m_provider(std::move(provider)),
+    : m_source(source), m_tools(AssistantToolFactory::makeTools(source)), m_provider(std::move(provider)),
       m_systemPrompt(systemPromptFor(source)), m_documentKey(fileURL(source).toLocalFile()) {
     if (!m_documentKey.isEmpty()) {
         const QFileInfo file(m_documentKey);
@@ -78,7 +79,13 @@ AssistantViewModel::AssistantViewModel(const AssistantSource& source, std::share
 AssistantViewModel::~AssistantViewModel() = default;
 
 void AssistantViewModel::setSource(const AssistantSource& source) {
+    m_source = source;
     m_tools = AssistantToolFactory::makeTools(source);
+}
+
+int AssistantViewModel::pageCount() const {
+    const auto* const pages = std::get_if<AssistantContext>(&m_source);
+    return pages ? pages->pdfDocument->pageCount() : 0;
 }
 
 // State
@@ -193,6 +200,7 @@ void AssistantViewModel::beginSession() {
 void AssistantViewModel::show(const ChatSession& session) {
     m_currentSessionID = session.id;
     m_turns = session.turns;
+    m_sentQuestion.reset();
     m_history = historyFrom(m_turns);
     Q_EMIT currentSessionIDChanged();
     Q_EMIT turnsChanged();

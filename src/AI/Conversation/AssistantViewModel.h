@@ -40,6 +40,12 @@ public:
                                                                     std::shared_ptr<AIProvider> provider);
     ~AssistantViewModel() override;
 
+    /// How many pages the document has now; 0 where there are none to go to.
+    [[nodiscard]] int pageCount() const;
+    /// Shows the page of that number, counted from 1, as the model does with its tool; nothing happens where there is
+    /// none.
+    void goToPage(int number) const;
+
     /// From here on the tools work on another reading of the same file, in another view; the conversation goes on.
     void setSource(const AssistantSource& source);
 
@@ -85,6 +91,9 @@ public:
     void attach(const QUrl& file);
     /// Also gives up a file that is being read.
     void removeAttachment();
+    /// Puts the question that ended with this error back into the draft, before what stands there, and with it the file
+    /// that went with the last question, unless another is there. Nothing happens for any other turn.
+    void editQuestion(QUuid errorTurnID);
     /// Shows a text as if the assistant had said it. The model isn't asked, and never reads it in this conversation.
     void appendAssistantTurn(const QString& text) { appendTurn(AssistantTurn::Role::assistant, text); }
 
@@ -127,6 +136,15 @@ private:
     void setFileBeingRead(const std::optional<QString>& name);
     void setRunningSession(const std::optional<QUuid>& id);
 
+    /// What was sent last, as long as it may have to be sent again.
+    struct SentQuestion {
+        QUuid turnID;
+        QString text;
+        std::optional<QString> attachmentName;
+        std::optional<QString> attachmentContent;
+    };
+
+    AssistantSource m_source;
     std::vector<AssistantTool> m_tools;
     const std::shared_ptr<AIProvider> m_provider;
     const QString m_systemPrompt;
@@ -135,6 +153,7 @@ private:
 
     std::vector<AssistantTurn> m_turns;
     std::vector<AIMessage> m_history;
+    std::optional<SentQuestion> m_sentQuestion;
     std::optional<QUuid> m_runningSession; // whose question runs: the current one's, or none
     QString m_draft;
     std::vector<ChatSession> m_sessions;

@@ -41,6 +41,7 @@ void AssistantViewModel::submit() {
     setDraft({});
     QString bubble = text;
     QString message = text;
+    SentQuestion sent{{}, text, m_attachmentName, m_attachmentContent};
     if (m_attachmentName && m_attachmentContent) {
         if (text.isEmpty())
             bubble = QStringLiteral("Attached file: ") + *m_attachmentName;
@@ -48,10 +49,35 @@ void AssistantViewModel::submit() {
         removeAttachment();
     }
     appendTurn(AssistantTurn::Role::user, bubble);
+    sent.turnID = m_turns.back().id;
+    m_sentQuestion = std::move(sent);
     m_history.push_back(AIMessage::userText(message));
     persistCurrentSession();
     setRunningSession(m_currentSessionID);
     startTask([self = shared_from_this(), chat = m_currentSessionID] { self->run(chat); });
+}
+
+void AssistantViewModel::editQuestion(QUuid errorTurnID) {
+    using Role = AssistantTurn::Role;
+    const auto error = std::find_if(m_turns.rbegin(), m_turns.rend(), [errorTurnID](const AssistantTurn& turn) {
+        return turn.id == errorTurnID && turn.role == Role::error;
+    });
+    const auto question =
+        std::find_if(error, m_turns.rend(), [](const AssistantTurn& turn) { return turn.role == Role::user; });
+    if (question == m_turns.rend())
+        return;
+    const bool isLast = m_sentQuestion && m_sentQuestion->turnID == question->id;
+    const QString text = isLast ? m_sentQuestion->text : question->text;
+    if (isLast && m_sentQuestion->attachmentContent && !m_attachmentContent && !m_nameOfFileBeingRead)
+        setAttachment(m_sentQuestion->attachmentName, m_sentQuestion->attachmentContent);
+    if (m_draft.trimmed().isEmpty())
+        setDraft(text);
+    else if (!m_draft.startsWith(text))
+        setDraft(text + QStringLiteral("\n\n") + m_draft);
+}
+
+void AssistantViewModel::goToPage(int number) const {
+    static_cast<void>(resultOf({{}, QStringLiteral("go_to_page"), {{QStringLiteral("page"), number}}}));
 }
 
 QCoro::Task<void> AssistantViewModel::run(QUuid chat) {
@@ -125,6 +151,8 @@ QString AssistantViewModel::resultOf(const AIToolCall& call) const {
 }
 
 void AssistantViewModel::endRun(AssistantTurn::Role role, const QString& text) {
+    if (role == AssistantTurn::Role::assistant)
+        m_sentQuestion.reset();
     appendTurn(role, text);
     persistCurrentSession();
 }

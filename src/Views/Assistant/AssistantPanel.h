@@ -8,11 +8,12 @@
 class AssistantBubbleList;
 class AssistantInputArea;
 class AssistantViewModel;
+class DropHighlight;
 class PassingNotice;
 class QAction;
 
 /// The side panel in which the user talks to the assistant: commands, the conversation, and the place to write. It only
-/// shows the state of its view model and calls its operations.
+/// shows the state of its view model and calls its operations. A file that is dropped on it is attached.
 class AssistantPanel : public QWidget {
     Q_OBJECT
 
@@ -34,9 +35,15 @@ Q_SIGNALS:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     QWidget* makeHeader();
+    void attachFirst(const QList<QUrl>& files);
+    void goToPage(int page);
+    void tell(const QString& sentence);
     void showHistory();
 
     std::shared_ptr<AssistantViewModel> m_viewModel;
@@ -46,4 +53,5 @@ private:
     AssistantBubbleList* m_list;
     AssistantInputArea* m_input;
     PassingNotice* m_notice;
+    DropHighlight* m_dropHighlight;
 };

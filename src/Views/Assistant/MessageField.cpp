@@ -1,8 +1,11 @@
 #include "MessageField.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QDragEnterEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QTextBlock>
+#include <QUrl>
 
 #include <algorithm>
 #include <cmath>
@@ -60,6 +63,15 @@ void MessageField::keyPressEvent(QKeyEvent* event) {
         return;
     textCursor().insertBlock();
     ensureCursorVisible();
+}
+
+/// A file is for what the field stands in; here only its address would be written.
+void MessageField::dragEnterEvent(QDragEnterEvent* event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); }))
+        event->ignore();
+    else
+        QTextEdit::dragEnterEvent(event);
 }
 
 void MessageField::changeEvent(QEvent* event) {

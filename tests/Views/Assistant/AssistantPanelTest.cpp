@@ -6,13 +6,16 @@
 #include "SendButton.h"
 #include "TypingIndicator.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QDragEnterEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMenu>
+#include <QMimeData>
 #include <QToolButton>
 
 void AssistantPanelTest::keep(const std::vector<ChatSession>& sessions) const {
@@ -161,6 +164,110 @@ TEST_F(AssistantPanelTest, anAttachmentGoesWithTheNextQuestion) {
     EXPECT_TRUE(m_provider->calls.back().lastText.contains(QStringLiteral("Rain at noon")));
     EXPECT_EQ(m_viewModel->turns().back().text, QStringLiteral("Attached file: notes.txt"));
     reply(QStringLiteral("So be it."));
+}
+
+/// What the window system does for a drag that comes over a widget, and for its end there.
+static bool dragOver(QWidget& target, const QMimeData& data) {
+    QDragEnterEvent enter(target.rect().center(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&target, &enter);
+    return enter.isAccepted();
+}
+static void drop(QWidget& target, const QMimeData& data) {
+    ASSERT_TRUE(dragOver(target, data));
+    QDropEvent event(target.rect().center(), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&target, &event);
+    EXPECT_TRUE(event.isAccepted());
+}
+
+TEST_F(AssistantPanelTest, aDroppedFileIsAttached) {
+    openPanel({{QUuid::createUuid(), AssistantTurn::Role::user, QStringLiteral("Before")}});
+    QList<QUrl> urls;
+    for (const char* name : {"one.txt", "two.txt"}) {
+        QFile file(m_folder.filePath(QLatin1String(name)));
+        ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write(name));
+        urls << QUrl::fromLocalFile(file.fileName());
+    }
+    const QUrl folder = QUrl::fromLocalFile(m_folder.path() + u'/');
+    const auto dataOf = [](const QList<QUrl>& files) {
+        auto data = std::make_unique<QMimeData>();
+        data->setUrls(files);
+        return data;
+    };
+    auto* highlight = find<QWidget>(*m_panel, QStringLiteral("dropHighlight"));
+    EXPECT_FALSE(dragOver(*m_panel, *dataOf({QUrl(QStringLiteral("https://example.org/a.txt"))})));
+    EXPECT_FALSE(highlight->isVisible());
+
+    ASSERT_TRUE(dragOver(*m_field->viewport(), *dataOf({urls[0]})));
+    EXPECT_TRUE(highlight->isVisible());
+    EXPECT_EQ(highlight->geometry(), m_panel->rect());
+    EXPECT_EQ(m_panel->childAt(m_field->mapTo(m_panel.get(), QPoint(5, 5))), m_field->viewport())
+        << "It lets drags by.";
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(m_field->viewport(), &leave);
+    EXPECT_FALSE(highlight->isVisible());
+
+    // Wherever it is dropped, the last file takes the place of the one before.
+    QWidget* const targets[] = {m_field->viewport(), find<QWidget>(m_panel->list(), QStringLiteral("userText")),
+                                m_panel->list().viewport(), m_panel.get()};
+    int count = 0;
+    for (QWidget* target : targets) {
+        const QUrl& url = urls[count++ % 2];
+        drop(*target, *dataOf({url}));
+        EXPECT_FALSE(highlight->isVisible());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return m_viewModel->attachmentContent() == url.fileName(); })) << count;
+        EXPECT_TRUE(m_panel->notice().message().isEmpty());
+    }
+    EXPECT_TRUE(m_field->toPlainText().isEmpty());
+    EXPECT_TRUE(m_field->hasFocus());
+
+    drop(*m_panel, *dataOf({folder, urls[0], urls[1]}));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_viewModel->attachmentName() == QStringLiteral("one.txt"); }));
+    EXPECT_EQ(m_panel->notice().message(), QStringLiteral("One file goes with a question: this one is “one.txt”."));
+    drop(*m_panel, *dataOf({folder}));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_panel->notice().message().contains(QStringLiteral("folder")); }));
+    EXPECT_EQ(m_panel->notice().message(),
+              QStringLiteral("“%1” can't be attached. It is a folder.").arg(QFileInfo(m_folder.path()).fileName()));
+    EXPECT_EQ(m_viewModel->attachmentName(), QStringLiteral("one.txt"));
+
+    QMimeData words;
+    words.setText(QStringLiteral("dragged"));
+    drop(*m_field->viewport(), words);
+    EXPECT_EQ(m_field->toPlainText(), QStringLiteral("dragged"));
+}
+
+TEST_F(AssistantPanelTest, aFailedQuestionIsEditedWithItsFile) {
+    openPanel();
+    QFile file(m_folder.filePath(QStringLiteral("notes.txt")));
+    ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write("Rain at noon"));
+    file.close();
+    m_viewModel->attach(QUrl::fromLocalFile(file.fileName()));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_viewModel->attachmentName().has_value(); }));
+    ask(QStringLiteral("Will it rain?"));
+    m_provider->fail("The line is dead.");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !m_viewModel->isRunning(); }));
+
+    press(replyButton(QStringLiteral("copyError")));
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("The line is dead."));
+    press(replyButton(QStringLiteral("editQuestion")));
+    EXPECT_TRUE(m_field->hasFocus());
+    EXPECT_EQ(m_field->toPlainText(), QStringLiteral("Will it rain?"));
+    EXPECT_EQ(m_viewModel->attachmentContent(), QStringLiteral("Rain at noon"));
+    EXPECT_EQ(m_viewModel->turns().size(), 2U);
+    QTest::keyClicks(m_field, QStringLiteral(" Today?"));
+    press(replyButton(QStringLiteral("editQuestion")));
+    EXPECT_EQ(m_field->toPlainText(), QStringLiteral("Will it rain? Today?")) << "Nothing typed is lost.";
+
+    m_answered = m_provider->calls.size();
+    QTest::keyClick(m_field, Qt::Key_Return);
+    waitForCall();
+    EXPECT_TRUE(
+        m_provider->calls.back().lastText.contains(QStringLiteral("Rain at noon\n---\n\nWill it rain? Today?")));
+    reply(QStringLiteral("Yes."));
+    const QUuid oldError = m_viewModel->turns()[1].id;
+    QTest::keyClicks(m_field, QStringLiteral("And"));
+    press(find<QWidget>(*m_panel->list().bubble(oldError), QStringLiteral("editQuestionButton")));
+    EXPECT_EQ(m_field->toPlainText(), QStringLiteral("Will it rain?\n\nAnd"));
+    EXPECT_FALSE(m_viewModel->attachmentName()) << "Only the last question's file is kept.";
 }
 
 TEST_F(AssistantPanelTest, theModelMenuShowsAndSetsThePreference) {

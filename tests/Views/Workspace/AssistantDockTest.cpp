@@ -5,11 +5,13 @@
 #include "AssistantViewModel.h"
 #include "LoopbackServer.h"
 #include "PDFSelection.h"
+#include "PassingNotice.h"
 #include "WorkspaceTest.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QTextBrowser>
 
 class AssistantDockTest : public WorkspaceTest {
 protected:
@@ -52,6 +54,27 @@ TEST_F(AssistantDockTest, theAskCommandShowsAndHidesThePanel) {
     press(QStringLiteral("assistantSettings"));
     press(QStringLiteral("openSettings"));
     EXPECT_EQ(requests, 2);
+}
+
+TEST_F(AssistantDockTest, aPageThatAReplyNamesIsShown) {
+    openWorkspace({.pageCount = 4});
+    openAssistant();
+    const auto viewModel = m_workspace->assistant();
+    viewModel->appendAssistantTurn(QStringLiteral("page 3 and page 4 and page 5"));
+    auto* reply = find<QTextBrowser>(*m_dock, QStringLiteral("replyText"));
+    const auto followNext = [reply] {
+        QTest::keyClick(reply, Qt::Key_Tab);
+        QTest::keyClick(reply, Qt::Key_Return);
+    };
+    reply->setFocus();
+    followNext();
+    EXPECT_EQ(m_view->currentPage(), m_document->pdfDocument()->page(2));
+    EXPECT_TRUE(reply->hasFocus());
+    m_document->pdfDocument()->removePage(3);
+    followNext();
+    EXPECT_EQ(m_view->currentPage(), m_document->pdfDocument()->page(2));
+    EXPECT_EQ(m_dock->panel()->notice().message(),
+              QStringLiteral("There is no page 4 any more: the document has 3 pages."));
 }
 
 TEST_F(AssistantDockTest, aDragStopsAtTheLimits) {

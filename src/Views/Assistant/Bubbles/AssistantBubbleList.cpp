@@ -141,13 +141,18 @@ QWidget* AssistantBubbleList::makeWidget(std::size_t row) {
     switch (turn.role) {
     case AssistantTurn::Role::user:
         return new UserBubble(turn.text, viewport());
-    case AssistantTurn::Role::error:
-        return new ErrorBubble(turn.text, viewport());
+    case AssistantTurn::Role::error: {
+        auto* error = new ErrorBubble(turn.text, viewport());
+        connect(error, &ErrorBubble::questionEditRequested, this,
+                [this, id = turn.id] { Q_EMIT questionEditRequested(id); });
+        return error;
+    }
     case AssistantTurn::Role::assistant:
         break;
     }
-    auto* reply = new ReplyBubble(turn.text, viewport());
+    auto* reply = new ReplyBubble(turn.text, pageCount ? pageCount() : 0, viewport());
     connect(reply, &ReplyBubble::regenerateRequested, this, &AssistantBubbleList::regenerateRequested);
+    connect(reply, &ReplyBubble::pageRequested, this, &AssistantBubbleList::pageRequested);
     connect(reply, &ReplyBubble::noticeRequested, this, &AssistantBubbleList::noticeRequested);
     return reply;
 }

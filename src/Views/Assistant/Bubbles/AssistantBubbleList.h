@@ -6,6 +6,7 @@
 #include <QAbstractScrollArea>
 #include <QPointer>
 
+#include <functional>
 #include <vector>
 
 class QLabel;
@@ -28,6 +29,8 @@ public:
     void setTurns(const std::vector<AssistantTurn>& turns);
     /// Scrolls to the sign when it appears.
     void setTyping(bool typing);
+    /// How many pages replies can lead to; asked when a bubble is made. Without it there are none.
+    std::function<int()> pageCount;
 
     /// Whether the end of the last row is to be seen.
     [[nodiscard]] bool isAtEnd() const;
@@ -36,6 +39,10 @@ public:
 
 Q_SIGNALS:
     void regenerateRequested();
+    /// The failed question before that turn is to be asked in another way.
+    void questionEditRequested(QUuid errorTurnID);
+    /// A reply leads to that page, counted from 1.
+    void pageRequested(int page);
     /// Something that the user should be told.
     void noticeRequested(const QString& sentence);
 

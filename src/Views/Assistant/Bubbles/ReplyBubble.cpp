@@ -7,9 +7,9 @@
 #include <QEvent>
 #include <QVBoxLayout>
 
-ReplyBubble::ReplyBubble(const QString& text, QWidget* parent)
+ReplyBubble::ReplyBubble(const QString& text, int pageCount, QWidget* parent)
     : QWidget(parent),
-      m_content(new MarkdownContent(text, palette().color(QPalette::Text), ReplyFormulas::source(*this))) {
+      m_content(new MarkdownContent(text, palette().color(QPalette::Text), ReplyFormulas::source(*this), pageCount)) {
     setObjectName(QStringLiteral("replyBubble"));
     auto* actions = new ReplyActionRow(text);
     auto* layout = new QVBoxLayout(this);
@@ -17,6 +17,7 @@ ReplyBubble::ReplyBubble(const QString& text, QWidget* parent)
     layout->setSpacing(4);
     layout->addWidget(m_content);
     layout->addWidget(actions);
+    connect(m_content, &MarkdownContent::pageRequested, this, &ReplyBubble::pageRequested);
     connect(actions, &ReplyActionRow::regenerateRequested, this, &ReplyBubble::regenerateRequested);
     connect(actions, &ReplyActionRow::noticeRequested, this, &ReplyBubble::noticeRequested);
 }

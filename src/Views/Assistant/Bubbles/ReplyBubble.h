@@ -9,11 +9,14 @@ class ReplyBubble : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ReplyBubble(const QString& text, QWidget* parent = nullptr);
+    /// Words that name one of `pageCount` pages are links.
+    ReplyBubble(const QString& text, int pageCount, QWidget* parent = nullptr);
     ~ReplyBubble() override;
 
 Q_SIGNALS:
     void regenerateRequested();
+    /// The number counts from 1.
+    void pageRequested(int page);
     /// Something that the user should be told.
     void noticeRequested(const QString& sentence);
 

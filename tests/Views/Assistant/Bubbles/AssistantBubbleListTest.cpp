@@ -118,16 +118,18 @@ TEST_F(AssistantBubbleListTest, textIsSelectedAndCopiedByKeyboard) {
                                                      {"errorText", QStringLiteral("An error")}};
     list().setFocus();
     QStringList visited;
-    for (int step = 0; step < 12; ++step) {
+    for (int step = 0; step < 14; ++step) {
         QTest::keyClick(m_panel.get(), Qt::Key_Tab);
         visited << m_panel->focusWidget()->objectName();
     }
     // From the first turn to the last, and then to where one writes.
-    EXPECT_EQ(visited,
-              QString(QStringLiteral(
-                          "userText replyText helpfulButton notHelpfulButton shareResponseButton copyResponseButton "
-                          "readAloudButton regenerateButton editInAPageButton errorText message attachFileButton"))
-                  .split(u' '));
+    EXPECT_EQ(
+        visited,
+        QString(QStringLiteral(
+                    "userText replyText helpfulButton notHelpfulButton shareResponseButton copyResponseButton "
+                    "readAloudButton regenerateButton editInAPageButton errorText copyErrorButton editQuestionButton "
+                    "message attachFileButton"))
+            .split(u' '));
     for (const auto& [name, text] : cases) {
         auto* part = find<QTextEdit>(list(), QLatin1String(name));
         part->setFocus();
