@@ -32,7 +32,7 @@ static QLabel* makeHeading(const QString& text) {
 
 static void setNote(QLabel& note, const QString& text) {
     note.setText(text);
-    note.setMinimumHeight(std::max(0, note.heightForWidth(note.maximumWidth()))); // -1 without text
+    note.setFixedHeight(std::max(0, note.heightForWidth(note.maximumWidth()))); // -1 without text
 }
 
 static QLabel* makeNote(const QString& text, int width = noteWidth) {
@@ -63,6 +63,8 @@ SettingsView::SettingsView(UserDefaults& defaults, DefaultViewer defaultViewer, 
     layout->addWidget(makeGeneralSection());
     layout->addWidget(line);
     layout->addWidget(makeAssistantSection());
+    // A button that becomes the default before the dialog has it stops being so once the focus leaves it.
+    m_saveButton->setDefault(true);
 
     m_apiURL->setText(APIKeyStore::loadURL(m_defaults));
     m_isKeySaved = APIKeyStore::hasAnyKey(m_defaults);
@@ -149,7 +151,7 @@ QWidget* SettingsView::makeAssistantSection() {
         buttons->addWidget(button);
         return button;
     };
-    addButton(QStringLiteral("Save"), QStringLiteral("save"), &SettingsView::save)->setDefault(true);
+    m_saveButton = addButton(QStringLiteral("Save"), QStringLiteral("save"), &SettingsView::save);
     addButton(QStringLiteral("Use Quillo's AI"), QStringLiteral("useBuiltInAI"), &SettingsView::useBuiltInAI)
         ->setAutoDefault(false);
     m_saved->setObjectName(QStringLiteral("saved"));

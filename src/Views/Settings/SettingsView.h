@@ -54,5 +54,6 @@ private:
     QLabel* m_refusal;
     SymbolLabel* m_status;
     QLabel* m_statusNote;
+    QPushButton* m_saveButton = nullptr;
     SymbolLabel* m_saved;
 };
