@@ -61,8 +61,11 @@ InlineMarkdown::InlineMarkdown(QStringView raw, const QColor& color, const MathI
             continue;
         }
         const QString& words = std::get<MathSegment::Text>(segment.content).text;
-        std::vector<InlineRun> runs = withPageLinks(
-            InlineMarkdownParser::parse(words).value_or(std::vector<InlineRun>{{words, {}, {}, {}}}), pageCount);
-        m_text.insert(m_text.end(), std::make_move_iterator(runs.begin()), std::make_move_iterator(runs.end()));
+        if (auto runs = InlineMarkdownParser::parse(words)) {
+            runs = withPageLinks(*std::move(runs), pageCount);
+            m_text.insert(m_text.end(), std::make_move_iterator(runs->begin()), std::make_move_iterator(runs->end()));
+        } else {
+            m_text.push_back({words, {}, {}, {}});
+        }
     }
 }
