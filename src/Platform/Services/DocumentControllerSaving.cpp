@@ -161,7 +161,7 @@ QString DocumentController::nameOfCopy(const Document& document) const {
     };
     QString copy = firstName;
     for (int number = 2; isTaken(copy); ++number)
-        copy = QStringLiteral("%1 %2").arg(firstName).arg(number);
+        copy = QStringLiteral("%1 %2").arg(firstName, QString::number(number));
     return copy;
 }
 

@@ -396,7 +396,7 @@ TEST_F(DocumentSavingTest, RevertingReadsTheFileAgainAfterAsking) {
 }
 
 TEST_F(DocumentSavingTest, ADuplicateIsAnUntitledEditedCopyOfThePresentState) {
-    const auto document = edit(open(makeFile("my report.v2.txt")));
+    const auto document = edit(open(makeFile("my %1.v2.txt")));
     const auto duplicate = [this](const std::shared_ptr<Document>& original) {
         Outcome outcome;
         m_controller->duplicateDocument(original, outcome.completion());
@@ -404,18 +404,17 @@ TEST_F(DocumentSavingTest, ADuplicateIsAnUntitledEditedCopyOfThePresentState) {
     };
     m_presenter.takeCalls();
     EXPECT_TRUE(duplicate(document));
-    EXPECT_EQ(m_presenter.takeCalls(), "show my report.v2 copy");
+    EXPECT_EQ(m_presenter.takeCalls(), "show my %1.v2 copy");
     const auto copy = std::dynamic_pointer_cast<TextDocument>(m_controller->currentDocument());
     ASSERT_TRUE(copy && copy != document);
     EXPECT_EQ(copy->text, QStringLiteral("text+"));
     EXPECT_TRUE(copy->isDocumentEdited() && copy->fileURL().isEmpty());
     EXPECT_FALSE(copy->undoManager()->canUndo());
-    EXPECT_EQ(contentOf("my report.v2.txt"), "text");
-    EXPECT_EQ(copy->suggestedFileName(), QStringLiteral("my report.v2 copy.txt"));
+    EXPECT_EQ(contentOf("my %1.v2.txt"), "text");
+    EXPECT_EQ(copy->suggestedFileName(), QStringLiteral("my %1.v2 copy.txt"));
 
     EXPECT_TRUE(duplicate(document) && duplicate(copy) && duplicate(m_controller->newDocument()));
-    EXPECT_EQ(m_presenter.takeCalls(),
-              "show my report.v2 copy 2; show my report.v2 copy 3; show Untitled; show Untitled copy");
+    EXPECT_EQ(m_presenter.takeCalls(), "show my %1.v2 copy 2; show my %1.v2 copy 3; show Untitled; show Untitled copy");
     EXPECT_TRUE(saveAs(copy, "saved.txt"));
     EXPECT_EQ(contentOf("saved.txt"), "text+");
     EXPECT_EQ(copy->displayName(), QStringLiteral("saved.txt"));
@@ -423,7 +422,7 @@ TEST_F(DocumentSavingTest, ADuplicateIsAnUntitledEditedCopyOfThePresentState) {
     m_presenter.takeCalls();
     document->failure = QStringLiteral("It can't be represented.");
     EXPECT_FALSE(duplicate(document));
-    EXPECT_EQ(m_presenter.takeCalls(), "“my report.v2.txt” couldn't be duplicated. It can't be represented.");
+    EXPECT_EQ(m_presenter.takeCalls(), "“my %1.v2.txt” couldn't be duplicated. It can't be represented.");
 }
 
 } // namespace
