@@ -13,6 +13,9 @@
 
 namespace {
 
+/// In bytes. The request holds a text several times over.
+constexpr qint64 longestText = qint64(64) << 20;
+
 QString textOfPdf(const QString& path) {
     constexpr int pageLimit = 10;
     QString text;
@@ -34,7 +37,9 @@ QString textOfUtf8(const QString& path) {
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) // a pipe would never end
         return {};
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = file.size() <= longestText ? file.read(longestText + 1) : QByteArray();
+    if (bytes.size() > longestText) // it grows, or tells no size
+        return {};
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = decoder(bytes);
     return decoder.hasError() ? QString() : text;

@@ -9,6 +9,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <sys/stat.h>
+
 namespace {
 
 using Role = AssistantTurn::Role;
@@ -36,6 +38,8 @@ protected:
         written.write(content);
         return QUrl::fromLocalFile(written.fileName());
     }
+
+    [[nodiscard]] QUrl at(const QString& name) const { return QUrl::fromLocalFile(m_folder.filePath(name)); }
 
     std::shared_ptr<ScriptedProvider> m_provider = std::make_shared<ScriptedProvider>();
 };
@@ -210,10 +214,18 @@ TEST_F(AssistantViewModelTest, SendsTheTextOfAnAttachment) {
     for (int i = 1; i <= 11; ++i)
         fixture.addPage(i == 2 ? QStringList() : QStringList(QStringLiteral("page %1").arg(i)));
     const QUrl pdf = file(QStringLiteral("Notes.PDF"), fixture.bytes());
+    for (const char* name : {"pipe.txt", "pipe.pdf"}) // from which nothing ever comes
+        ASSERT_EQ(mkfifo(qPrintable(m_folder.filePath(QLatin1String(name))), 0600), 0);
+    for (const char* name : {"endless.txt", "endless.pdf"})
+        QFile::link(QStringLiteral("/dev/zero"), m_folder.filePath(QLatin1String(name)));
+    QFile huge(file(QStringLiteral("huge.txt"), {}).toLocalFile());
+    ASSERT_TRUE(huge.resize(qint64(1) << 36)) << "which takes no room on the disk";
     const auto viewModel = open();
     for (const QUrl& useless :
          {file(QStringLiteral("blank.txt"), " \n "), file(QStringLiteral("latin.txt"), "caf\xe9"),
-          file(QStringLiteral("broken.pdf"), "text"), QUrl::fromLocalFile(m_folder.path()), QUrl()}) {
+          file(QStringLiteral("broken.pdf"), "text"), QUrl::fromLocalFile(m_folder.path()), QUrl(),
+          at(QStringLiteral("pipe.txt")), at(QStringLiteral("pipe.pdf")), at(QStringLiteral("endless.txt")),
+          at(QStringLiteral("endless.pdf")), at(QStringLiteral("huge.txt"))}) {
         viewModel->attach(useless);
         ASSERT_TRUE(hasRead(*viewModel));
         EXPECT_FALSE(viewModel->attachmentName()) << qPrintable(useless.toString());
