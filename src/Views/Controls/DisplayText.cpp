@@ -1,15 +1,6 @@
 #include "DisplayText.h"
 
-#include <algorithm>
-
-/// On one letter, as in the stream-safe text format of Unicode (UAX #15); time to shape grows with their square.
-static constexpr int mostMarks = 30;
-
-static bool isLeftOut(QChar character) {
-    const char16_t code = character.unicode();
-    const bool turnsDirection = (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
-    return turnsDirection || (character.category() == QChar::Other_Control && code != u'\t' && code != u'\n');
-}
+#include "PlainText.h"
 
 /// U+FFFC stands for objects, and U+FDD0 and those behind it for frames and tables.
 static bool isSignOfTheEngine(QChar character) {
@@ -33,7 +24,7 @@ QString DisplayText::cleaned(const QString& text) {
     int marks = 0;
     for (const QChar character : text) {
         marks = character.isMark() ? marks + 1 : 0;
-        if (marks > mostMarks)
+        if (marks > PlainText::mostMarks)
             continue;
         if (character == u'\n')
             result.append(QChar::LineSeparator);
@@ -41,7 +32,7 @@ QString DisplayText::cleaned(const QString& text) {
             result.append(u' ');
         else if (isSignOfTheEngine(character))
             result.append(QChar::ReplacementCharacter);
-        else if (!isLeftOut(character))
+        else if (!PlainText::isHidden(character))
             result.append(character);
     }
     return result;
