@@ -51,7 +51,7 @@ AssistantInputArea::AssistantInputArea(std::shared_ptr<AssistantViewModel> viewM
     layout->addWidget(m_box);
 
     AssistantViewModel* model = m_viewModel.get();
-    connect(m_field, &QTextEdit::textChanged, this, [this] { m_viewModel->setDraft(m_field->toPlainText()); });
+    connect(m_field, &QTextEdit::textChanged, this, [this] { m_viewModel->setDraft(m_field->message()); });
     connect(m_chip, &AttachmentChip::removeRequested, model, &AssistantViewModel::removeAttachment);
     connect(m_send, &QAbstractButton::clicked, model, &AssistantViewModel::submit);
     connect(model, &AssistantViewModel::draftChanged, this, [this] {

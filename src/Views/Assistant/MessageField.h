@@ -5,6 +5,10 @@
 #include <functional>
 
 /// The plain text field in which a message is written: as high as its text, from one line to eight, then it scrolls.
+///
+/// Of a very long text that is put in at once, beginning and end are shown, and a sign between them stands for the
+/// rest: the field couldn't be used any more while it laid out a whole book. The sign is copied, moved and deleted as
+/// that text, and goes with the message.
 class MessageField : public QTextEdit {
     Q_OBJECT
 
@@ -14,6 +18,8 @@ public:
     explicit MessageField(QWidget* parent = nullptr);
     ~MessageField() override;
 
+    /// All of it, also what a sign stands for.
+    [[nodiscard]] QString message() const;
     /// Does nothing when the field has that text, so the cursor stays.
     void setMessage(const QString& message);
 
@@ -28,8 +34,15 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void insertFromMimeData(const QMimeData* source) override;
+    [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;
 
 private:
     [[nodiscard]] int heightOfLines(int count) const;
     void fitHeight();
+    void insert(QTextCursor cursor, const QString& text);
+    void insertSign(QTextCursor& cursor, const QString& hidden);
+    [[nodiscard]] QString expanded(const QString& shown, int position) const;
+
+    int m_signCount = 0;
 };

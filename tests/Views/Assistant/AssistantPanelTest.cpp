@@ -138,6 +138,35 @@ TEST_F(AssistantPanelTest, theFieldGrowsToEightLines) {
     EXPECT_GT(m_field->height(), one) << "A word without blanks wraps too.";
 }
 
+TEST_F(AssistantPanelTest, aHugeTextInTheFieldIsASignThatGoesWithTheQuestion) {
+    openPanel();
+    const QString huge = QStringLiteral("A line with “words”.\n").repeated(50'000);
+    m_viewModel->setDraft(huge); // as the pages' menu asks about a selected book
+    EXPECT_EQ(m_viewModel->draft(), huge);
+    EXPECT_LT(m_field->toPlainText().size(), 3000);
+    m_field->selectAll();
+    QTest::keyClick(m_field, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), huge);
+
+    m_viewModel->setDraft({});
+    m_field->insertPlainText(QStringLiteral("a\uFFFCb"));
+    QTest::keyClick(m_field, Qt::Key_Left);
+    QTest::keyClick(m_field, Qt::Key_V, Qt::ControlModifier);
+    QTest::keyClicks(m_field, QStringLiteral("why"));
+    const QString pasted = QStringLiteral("a\uFFFC") + huge + QStringLiteral("whyb");
+    EXPECT_EQ(m_viewModel->draft(), pasted);
+    m_field->undo();
+    m_field->undo();
+    EXPECT_EQ(m_viewModel->draft(), QStringLiteral("a\uFFFCb"));
+    m_field->redo();
+    m_field->redo();
+    QTest::keyClick(m_field, Qt::Key_Return);
+    waitForCall();
+    EXPECT_EQ(m_provider->calls.back().lastText, pasted);
+    EXPECT_TRUE(m_field->toPlainText().isEmpty());
+    reply(QStringLiteral("Because"));
+}
+
 TEST_F(AssistantPanelTest, anAttachmentGoesWithTheNextQuestion) {
     openPanel();
     const QString path = m_folder.filePath(QStringLiteral("notes.txt"));

@@ -2,6 +2,7 @@
 
 #include "ErrorBubble.h"
 #include "ReplyBubble.h"
+#include "SelectableText.h"
 #include "SpringCurve.h"
 #include "TypingIndicator.h"
 #include "UserBubble.h"
@@ -63,8 +64,10 @@ int AssistantBubbleList::columnWidth() const {
 
 int AssistantBubbleList::estimatedHeight(const AssistantTurn& turn) const {
     const int charactersInLine = std::max(1, columnWidth() / std::max(1, fontMetrics().averageCharWidth()));
-    const auto lines = turn.text.size() / charactersInLine + turn.text.count(u'\n') + 2;
-    return static_cast<int>(std::min<qsizetype>(lines, 10000)) * fontMetrics().lineSpacing();
+    auto lines = std::min<qsizetype>(turn.text.size() / charactersInLine + turn.text.count(u'\n') + 2, 10000);
+    if (turn.role != AssistantTurn::Role::assistant)
+        lines = std::min(lines, SelectableText::mostShown / charactersInLine + SelectableText::mostLines);
+    return static_cast<int>(lines) * fontMetrics().lineSpacing();
 }
 
 void AssistantBubbleList::append(const AssistantTurn& turn) {

@@ -2,6 +2,7 @@
 
 #include "AssistantPanelTest.h"
 #include "ReplyBubble.h"
+#include "SelectableText.h"
 #include "UserBubble.h"
 
 #include <QClipboard>
@@ -138,6 +139,37 @@ TEST_F(AssistantBubbleListTest, textIsSelectedAndCopiedByKeyboard) {
         EXPECT_EQ(QGuiApplication::clipboard()->text(), text);
         QTest::keyClicks(part, QStringLiteral("x"));
         EXPECT_EQ(part->toPlainText(), text);
+    }
+}
+
+TEST_F(AssistantBubbleListTest, ofAHugeTextTheBeginningIsShownAndAllIsCopied) {
+    const QString line = QStringLiteral("Some \u202Ewords.\n\n");
+    for (const auto& [role, name] :
+         {std::pair(AssistantTurn::Role::user, "userText"), std::pair(AssistantTurn::Role::error, "errorText")}) {
+        for (const QString& text : {line.repeated(100'000), QString(1'000'000, u'a'), line}) {
+            openPanel({{QUuid::createUuid(), role, text}});
+            auto* part = find<SelectableText>(list(), QLatin1String(name));
+            const bool isCut = text != line;
+            const QString shown = part->toPlainText().remove(QChar(0x200B));
+            EXPECT_LE(shown.size(), SelectableText::mostShown);
+            EXPECT_EQ(shown.endsWith(u'…'), isCut);
+            EXPECT_TRUE(QString(text).remove(QChar(0x202E)).startsWith(shown.chopped(isCut ? 1 : 0)));
+            EXPECT_EQ(part->toolTip().isEmpty(), !isCut);
+            const auto copied = [part] {
+                part->copy();
+                return QGuiApplication::clipboard()->text();
+            };
+            part->selectAll();
+            EXPECT_EQ(copied(), text);
+            QTextCursor cursor = part->textCursor();
+            cursor.setPosition(10);
+            cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
+            part->setTextCursor(cursor);
+            const QString shownPart = shown.mid(10).chopped(isCut ? 1 : 0);
+            EXPECT_TRUE(copied().startsWith(shownPart));
+            EXPECT_EQ(copied().size() > shownPart.size(), isCut);
+            EXPECT_TRUE(text.endsWith(copied().mid(shownPart.size())));
+        }
     }
 }
 
