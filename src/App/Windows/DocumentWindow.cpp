@@ -15,6 +15,7 @@
 #include "PageMimeData.h"
 #include "PageOperations.h"
 #include "PassingNotice.h"
+#include "PlainText.h"
 #include "Shortcuts.h"
 #include "SlowSaves.h"
 #include "UserDefaults.h"
@@ -31,11 +32,6 @@
 #include <QVBoxLayout>
 
 #include <chrono>
-
-/// A file name as a window's title: "[*]" would stand for the edited mark.
-static QString titleText(const QString& fileName) {
-    return QString(fileName).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
-}
 
 /// The size of a window that is neither maximized nor takes the whole screen: "1000x720".
 static QString sizeKey() {
@@ -240,7 +236,7 @@ void DocumentWindow::updateTab(ContentView* view) {
 void DocumentWindow::updateTitle() {
     const Document& document = *currentContentView()->document();
     setWindowFilePath(document.fileURL().toLocalFile());
-    setWindowTitle(titleText(title(document)) + QStringLiteral("[*] — Quillo"));
+    setWindowTitle(PlainText::windowTitle(title(document)) + QStringLiteral("[*] — Quillo"));
     setWindowModified(document.isDocumentEdited());
 }
 

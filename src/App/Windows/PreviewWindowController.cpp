@@ -4,6 +4,7 @@
 #include "AssistantViewModel.h"
 #include "FileOpenRouter.h"
 #include "MainMenu.h"
+#include "PlainText.h"
 #include "PreviewContentView.h"
 
 #include <QAction>
@@ -41,7 +42,7 @@ PreviewWindowController::PreviewWindowController(const QUrl& url, WindowServices
     : m_window(std::make_unique<QMainWindow>()) {
     const bool isSupported = FileOpenRouter::classify(url) == FileOpenRouter::Kind::track2;
     m_window->setObjectName(QStringLiteral("previewWindow"));
-    m_window->setWindowTitle(url.adjusted(QUrl::StripTrailingSlash).fileName());
+    m_window->setWindowTitle(PlainText::windowTitle(url.adjusted(QUrl::StripTrailingSlash).fileName()));
     m_window->setWindowFilePath(url.toLocalFile());
     m_window->resize(windowSize);
     auto* menu = new MainMenu(*m_window, services.actions, services.controller);

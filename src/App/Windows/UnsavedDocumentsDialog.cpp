@@ -71,7 +71,8 @@ void UnsavedDocumentsDialog::fillList(const std::vector<Entry>& documents) {
     m_list->setMinimumWidth(listWidth);
     m_list->setSpacing(rowSpacing);
     for (const Entry& entry : documents) {
-        auto* item = new QListWidgetItem(QStringLiteral("%1 — %2").arg(entry.name, entry.place), m_list);
+        auto* item =
+            new QListWidgetItem(PlainText::line(QStringLiteral("%1 — %2").arg(entry.name, entry.place)), m_list);
         item->setToolTip(PlainText::toolTip(entry.place));
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         item->setCheckState(Qt::Checked);

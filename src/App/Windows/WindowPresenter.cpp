@@ -5,6 +5,7 @@
 #include "PDFEditorDocument.h"
 #include "PDFEditorWorkspaceView.h"
 #include "PassingNotice.h"
+#include "PlainText.h"
 #include "QuilloAssert.h"
 
 #include <QApplication>
@@ -79,7 +80,7 @@ std::shared_ptr<void> WindowPresenter::showReading(const QString& name, const st
     dialog->setObjectName(QStringLiteral("slowReading"));
     dialog->setAttribute(Qt::WA_ShowWithoutActivating); // the person goes on elsewhere
     dialog->setWindowTitle(QStringLiteral("Quillo"));
-    auto* const label = new QLabel(QStringLiteral("Opening “%1”…").arg(name));
+    auto* const label = new QLabel(QStringLiteral("Opening “%1”…").arg(PlainText::name(name)));
     label->setTextFormat(Qt::PlainText);
     dialog->setLabel(label);
     dialog->setAccessibleName(label->text());

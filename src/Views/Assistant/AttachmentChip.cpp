@@ -1,5 +1,6 @@
 #include "AttachmentChip.h"
 
+#include "ElidedLabel.h"
 #include "PlainText.h"
 #include "SymbolIcon.h"
 #include "SymbolPicture.h"
@@ -7,17 +8,15 @@
 
 #include <QAction>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPainter>
 
 static constexpr int symbolSide = 16;
 static constexpr int buttonSide = 24;
 static constexpr qreal cornerRadius = 8;
 
-AttachmentChip::AttachmentChip(QWidget* parent) : QFrame(parent), m_name(new QLabel) {
+AttachmentChip::AttachmentChip(QWidget* parent) : QFrame(parent), m_name(new ElidedLabel({})) {
     setObjectName(QStringLiteral("attachmentChip"));
     m_name->setObjectName(QStringLiteral("attachmentName"));
-    m_name->setTextFormat(Qt::PlainText);
     m_name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* remove = new QAction(SymbolIcon::icon(QStringLiteral("xmark.circle.fill")), QString(), this);
     remove->setObjectName(QStringLiteral("removeAttachment"));
@@ -39,20 +38,10 @@ AttachmentChip::AttachmentChip(QWidget* parent) : QFrame(parent), m_name(new QLa
 AttachmentChip::~AttachmentChip() = default;
 
 void AttachmentChip::setName(const QString& name, bool isBeingRead) {
-    m_caption = isBeingRead ? QStringLiteral("Reading %1…").arg(name) : name;
-    m_name->setAccessibleName(isBeingRead ? m_caption : QStringLiteral("Attached file: ") + name);
-    setToolTip(PlainText::toolTip(name));
-    showName();
-}
-
-void AttachmentChip::showName() {
-    m_name->setText(m_name->fontMetrics().elidedText(m_caption, Qt::ElideMiddle, m_name->width()));
-}
-
-void AttachmentChip::resizeEvent(QResizeEvent* event) {
-    QFrame::resizeEvent(event);
-    layout()->activate();
-    showName();
+    const QString line = PlainText::line(name);
+    m_name->setLine(isBeingRead ? QStringLiteral("Reading %1…").arg(line) : line);
+    if (!isBeingRead)
+        m_name->setAccessibleName(QStringLiteral("Attached file: ") + line);
 }
 
 void AttachmentChip::paintEvent(QPaintEvent*) {

@@ -2,7 +2,7 @@
 
 #include <QFrame>
 
-class QLabel;
+class ElidedLabel;
 
 /// The name of the file that goes with the next message, and a button that takes it away.
 class AttachmentChip : public QFrame {
@@ -19,12 +19,8 @@ Q_SIGNALS:
     void removeRequested();
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void showName();
-
-    QString m_caption;
-    QLabel* m_name;
+    ElidedLabel* m_name;
 };

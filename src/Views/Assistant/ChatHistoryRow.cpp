@@ -24,9 +24,9 @@ static QFont timeFont(QFont font) {
 ChatHistoryRow::ChatHistoryRow(const QString& title, const QString& time, bool isCurrent, QWidget* parent)
     : QAbstractButton(parent), m_time(time) {
     setObjectName(QStringLiteral("chatRow"));
-    setText(title);
+    setText(PlainText::line(title));
     setShortcut({}); // an "&" of the title marks no key
-    setAccessibleName(title);
+    setAccessibleName(text());
     setAccessibleDescription(time);
     setToolTip(PlainText::toolTip(title));
     setCheckable(true);
@@ -39,7 +39,7 @@ ChatHistoryRow::ChatHistoryRow(const QString& title, const QString& time, bool i
     action->setToolTip(QStringLiteral("Delete this chat"));
     connect(action, &QAction::triggered, this, &ChatHistoryRow::deleteRequested);
     auto* button = new ToolbarButton(action, this);
-    button->setAccessibleName(QStringLiteral("Delete chat “%1”").arg(title));
+    button->setAccessibleName(QStringLiteral("Delete chat “%1”").arg(text()));
     button->setIconSize({markSide, markSide});
     button->resize(buttonSide, buttonSide);
     m_deleteButton = button;

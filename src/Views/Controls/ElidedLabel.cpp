@@ -7,12 +7,16 @@
 
 ElidedLabel::ElidedLabel(const QString& text, QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
-    setText(text);
-    setToolTip(PlainText::toolTip(text));
-    setAccessibleName(text);
+    setLine(text);
 }
 
 ElidedLabel::~ElidedLabel() = default;
+
+void ElidedLabel::setLine(const QString& text) {
+    setText(PlainText::line(text));
+    setToolTip(PlainText::toolTip(text));
+    setAccessibleName(this->text());
+}
 
 QSize ElidedLabel::minimumSizeHint() const {
     return {fontMetrics().averageCharWidth() * 8, QLabel::minimumSizeHint().height()};

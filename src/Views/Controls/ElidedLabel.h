@@ -10,6 +10,9 @@ public:
     explicit ElidedLabel(const QString& text, QWidget* parent = nullptr);
     ~ElidedLabel() override;
 
+    /// Also the tool tip and the accessible name.
+    void setLine(const QString& text);
+
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:

@@ -1,6 +1,7 @@
 #include "PassingNotice.h"
 
 #include "Palette.h"
+#include "PlainText.h"
 
 #include <QAccessible>
 #include <QEvent>
@@ -41,8 +42,8 @@ QString PassingNotice::message() const {
 }
 
 void PassingNotice::announce(const QString& message, std::chrono::milliseconds time) {
-    m_label->setText(message);
-    setAccessibleName(message);
+    m_label->setText(PlainText::paragraphs(message));
+    setAccessibleName(m_label->text());
     m_dismissTimer.start(time);
     place();
     show();

@@ -1,5 +1,6 @@
 #include "PlainMessage.h"
 
+#include "PlainText.h"
 #include "SymbolIcon.h"
 
 #include <QLabel>
@@ -10,8 +11,8 @@ static constexpr int symbolSide = 44;
 
 void PlainMessage::setText(QMessageBox& box, const QString& text, const QString& informativeText) {
     box.setTextFormat(Qt::PlainText);
-    box.setText(text);
-    box.setInformativeText(informativeText);
+    box.setText(PlainText::paragraphs(text));
+    box.setInformativeText(PlainText::paragraphs(informativeText));
     const QList<QLabel*> labels = box.findChildren<QLabel*>();
     for (QLabel* label : labels) // that of the informative text doesn't follow the box's format
         label->setTextFormat(Qt::PlainText);

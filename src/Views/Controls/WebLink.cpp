@@ -1,6 +1,7 @@
 #include "WebLink.h"
 
 #include "PlainMessage.h"
+#include "PlainText.h"
 #include "SymbolIcon.h"
 #include "SymbolPicture.h"
 
@@ -18,6 +19,7 @@
 #include <QVBoxLayout>
 
 static constexpr int symbolSide = 44;
+static constexpr qsizetype longestShown = 5'000; // a host comes within the first 300
 
 static QString addressForReading(const QUrl& url) {
     return url.toString(QUrl::FullyEncoded);
@@ -36,9 +38,9 @@ static void showRefusal(const QUrl& url, QWidget* parent) {
     box->open();
 }
 
-/// The address, all of it, wrapped and in a few lines at most; longer ones scroll.
+/// The address, wrapped and in a few lines at most; longer ones scroll.
 static QPlainTextEdit* makeAddressField(const QUrl& url, QWidget* parent) {
-    auto* field = new QPlainTextEdit(addressForReading(url), parent);
+    auto* field = new QPlainTextEdit(PlainText::shortened(addressForReading(url), longestShown), parent);
     field->setObjectName(QStringLiteral("address"));
     field->setAccessibleName(QStringLiteral("Address"));
     field->setReadOnly(true);

@@ -17,7 +17,7 @@ static constexpr int pageHeight = RecentThumbnailLoader::thumbnailHeight / 2;
 
 RecentThumbnailCell::RecentThumbnailCell(const QUrl& url, RecentThumbnailLoader& loader, QWidget* parent)
     : QAbstractButton(parent), m_url(url) {
-    setText(QFileInfo(url.toLocalFile()).completeBaseName());
+    setText(PlainText::line(QFileInfo(url.toLocalFile()).completeBaseName()));
     setShortcut({}); // an "&" of the name marks no key
     setObjectName(QStringLiteral("recent-") + url.toLocalFile());
     setAccessibleName(text());

@@ -1,6 +1,7 @@
 #include "RecoveryRow.h"
 
 #include "ElidedLabel.h"
+#include "PlainText.h"
 #include "RelativeDateTimeFormatter.h"
 #include "SymbolPicture.h"
 
@@ -114,7 +115,7 @@ void RecoveryRow::makeNotice() {
 }
 
 void RecoveryRow::setNotice(const QString& text) {
-    m_noticeText->setText(text);
+    m_noticeText->setText(PlainText::paragraphs(text));
     m_notice->setVisible(!text.isEmpty());
     setAccessibleDescription(text);
 }

@@ -2,6 +2,7 @@
 
 #include "PDFDocument.h"
 #include "PDFView.h"
+#include "PlainText.h"
 #include "Shortcuts.h"
 #include "UnsupportedFileView.h"
 #include "WebLink.h"
@@ -26,7 +27,8 @@ QuickLookPreviewView::~QuickLookPreviewView() = default;
 QWidget* QuickLookPreviewView::makeProgress() {
     auto* progress = new QWidget(this);
     progress->setObjectName(QStringLiteral("previewProgress"));
-    auto* line = new QLabel(QStringLiteral("Preparing the preview of “%1”…").arg(m_url.fileName()), progress);
+    auto* line =
+        new QLabel(QStringLiteral("Preparing the preview of “%1”…").arg(PlainText::name(m_url.fileName())), progress);
     line->setTextFormat(Qt::PlainText);
     line->setWordWrap(true);
     line->setAlignment(Qt::AlignCenter);

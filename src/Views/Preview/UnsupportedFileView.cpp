@@ -1,5 +1,6 @@
 #include "UnsupportedFileView.h"
 
+#include "PlainText.h"
 #include "SymbolPicture.h"
 
 #include <QLabel>
@@ -14,8 +15,8 @@ UnsupportedFileView::UnsupportedFileView(const QUrl& url, QWidget* parent)
 
 UnsupportedFileView::UnsupportedFileView(const QUrl& url, const QString& reason, QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("unsupportedFile"));
-    auto* heading =
-        new QLabel(QStringLiteral("Can’t Preview “%1”").arg(url.adjusted(QUrl::StripTrailingSlash).fileName()), this);
+    const QString name = PlainText::name(url.adjusted(QUrl::StripTrailingSlash).fileName());
+    auto* heading = new QLabel(PlainText::paragraphs(QStringLiteral("Can’t Preview “%1”").arg(name)), this);
     heading->setObjectName(QStringLiteral("heading"));
     QFont font = heading->font();
     font.setPointSizeF(font.pointSizeF() * 1.4);

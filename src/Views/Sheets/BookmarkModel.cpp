@@ -3,6 +3,7 @@
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFOutline.h"
+#include "PlainText.h"
 
 #include <QGuiApplication>
 #include <QHash>
@@ -121,8 +122,13 @@ QVariant BookmarkModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid())
         return {};
     const BookmarkOperations::Bookmark& bookmark = m_bookmarks.at(std::size_t(index.row()));
-    if (index.column() == titleColumn)
-        return role == Qt::DisplayRole || role == Qt::EditRole || role == Qt::ToolTipRole ? bookmark.title : QVariant();
+    if (index.column() == titleColumn) {
+        if (role == Qt::ToolTipRole)
+            return PlainText::toolTip(bookmark.title);
+        if (role == Qt::DisplayRole)
+            return PlainText::line(bookmark.title);
+        return role == Qt::EditRole ? bookmark.title : QVariant();
+    }
     if (role == Qt::DisplayRole)
         return QStringLiteral("Page %1").arg(bookmark.pageIndex + 1);
     if (role == Qt::ToolTipRole)

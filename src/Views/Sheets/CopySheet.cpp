@@ -1,5 +1,6 @@
 #include "CopySheet.h"
 
+#include "PlainText.h"
 #include "SavePanel.h"
 #include "SheetParts.h"
 
@@ -50,7 +51,7 @@ QString CopySheet::errorMessage() const {
 }
 
 void CopySheet::setErrorMessage(const QString& message) {
-    m_error->setText(message);
+    m_error->setText(PlainText::paragraphs(message));
     m_error->setVisible(!message.isEmpty());
     if (message.isEmpty())
         return;

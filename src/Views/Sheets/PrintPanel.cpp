@@ -2,6 +2,7 @@
 
 #include "PDFDocument.h"
 #include "PDFError.h"
+#include "PlainText.h"
 #include "PrintCopy.h"
 #include "PrintRuns.h"
 
@@ -32,7 +33,7 @@ QString serviceOption(const QPrinter& printer, const QString& name) {
 }
 
 QString couldNotBePrinted(const QString& documentName) {
-    return QStringLiteral("“%1” couldn't be printed.").arg(documentName);
+    return QStringLiteral("“%1” couldn't be printed.").arg(PlainText::name(documentName));
 }
 
 /// An empty sentence stands for success.
@@ -63,7 +64,7 @@ PrintPanel::PrintPanel(std::shared_ptr<PDFDocument> document, QString documentNa
       m_annotations(new QCheckBox(QStringLiteral("Print &annotations"))) {
     m_printer->setDocName(m_documentName);
     m_dialog->setObjectName(QStringLiteral("printDialog"));
-    m_dialog->setWindowTitle(QStringLiteral("Print “%1”").arg(m_documentName));
+    m_dialog->setWindowTitle(QStringLiteral("Print “%1”").arg(PlainText::windowTitle(m_documentName)));
     m_dialog->setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
                          QAbstractPrintDialog::PrintCurrentPage | QAbstractPrintDialog::PrintCollateCopies |
                          QAbstractPrintDialog::PrintShowPageSize);

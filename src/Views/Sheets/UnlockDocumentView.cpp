@@ -30,6 +30,7 @@ UnlockDocumentView::UnlockDocumentView(std::shared_ptr<PDFEditorDocument> docume
     m_passwordField->setPlaceholderText(QStringLiteral("Password"));
     m_passwordField->setEchoMode(QLineEdit::Password);
     m_passwordField->setFixedWidth(280);
+    m_wrongPasswordLine->setTextFormat(Qt::PlainText);
     m_wrongPasswordLine->setObjectName(QStringLiteral("wrongPassword"));
     // Keeps its place, so that nothing moves under the pointer when it appears.
     QSizePolicy policy = m_wrongPasswordLine->sizePolicy();

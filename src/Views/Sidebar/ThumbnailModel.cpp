@@ -2,6 +2,7 @@
 
 #include "PDFDocument.h"
 #include "PDFPage.h"
+#include "PlainText.h"
 
 #include <QHash>
 
@@ -30,7 +31,7 @@ int ThumbnailModel::rowCount(const QModelIndex& parent) const {
 
 QString ThumbnailModel::label(int row) const {
     const std::shared_ptr<PDFPage> page = m_document->page(row);
-    const QString label = page ? page->label() : QString();
+    const QString label = page ? PlainText::line(page->label()) : QString();
     return label == QString::number(row + 1) ? QString() : label;
 }
 

@@ -9,6 +9,7 @@
 #include "PageFiles.h"
 #include "PageMimeData.h"
 #include "PasswordPrompt.h"
+#include "PlainText.h"
 #include "SavePanel.h"
 #include "SlowWork.h"
 #include "ThumbnailList.h"
@@ -116,8 +117,9 @@ void ThumbnailSidebar::bringIn(const PDFDocument& source, int index) {
 // Reading files
 
 void ThumbnailSidebar::readFiles(const QList<QUrl>& urls, std::function<void(const Documents& documents)> read) {
-    const QString sentence = urls.size() == 1 ? QStringLiteral("Reading “%1”…").arg(urls.constFirst().fileName())
-                                              : QStringLiteral("Reading %1 files…").arg(urls.size());
+    const QString sentence = urls.size() == 1
+                                 ? QStringLiteral("Reading “%1”…").arg(PlainText::name(urls.constFirst().fileName()))
+                                 : QStringLiteral("Reading %1 files…").arg(urls.size());
     using Sources = std::vector<std::shared_ptr<PDFSource>>;
     SlowWork::run(
         this, sentence,

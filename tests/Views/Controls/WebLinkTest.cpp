@@ -55,6 +55,17 @@ protected:
     Desktop m_desktop;
 };
 
+TEST_F(WebLinkTest, aHugeAddressShowsItsBeginning) {
+    const QUrl address(QStringLiteral("https://example.org/") + QString(1'000'000, u'a'));
+    WebLink::confirmAndOpen(address, &m_window);
+    ASSERT_NE(confirmation(), nullptr);
+    const QString shown = find<QPlainTextEdit>(*confirmation(), QStringLiteral("address"))->toPlainText();
+    EXPECT_LE(shown.size(), 5'000);
+    EXPECT_TRUE(shown.startsWith(QStringLiteral("https://example.org/a")) && shown.endsWith(u'…'));
+    QTest::mouseClick(find<QPushButton>(*confirmation(), QStringLiteral("copy")), Qt::LeftButton);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), address.toString());
+}
+
 TEST_F(WebLinkTest, onlyTheUsersYesOpensTheAddress) {
     const QUrl address(QStringLiteral("https://example.org/a?q=1#part"));
     for (const QString& answer : {QStringLiteral("cancel"), QStringLiteral("copy"), QStringLiteral("open")}) {
