@@ -29,6 +29,7 @@ set(QUILLO_FOLDERS
     AI/Conversation
     AI
     Views/Controls
+    Views/Markdown/Dialect
     Views/Markdown
     Views/Assistant/Bubbles
     Views/Assistant

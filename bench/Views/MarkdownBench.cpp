@@ -1,11 +1,13 @@
 // markdown_bench
 //
 // Shows replies of 100 KB in a panel of 400 pixels and scrolls over them, in a shown window: a mixed one, and others of
-// one kind of block each. Then shows replies made to be slow. Prints one JSON object for each. The exit code tells only
-// whether the measuring was possible.
+// one kind of block each. Shows two hundred formulas for the first time. Then shows replies made to be slow. Prints one
+// JSON object for each. The exit code tells only whether the measuring was possible.
 
 #include "MarkdownContent.h"
+#include "MathImageRenderer.h"
 #include "Measurement.h"
+#include "ReplyFormulas.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -25,6 +27,7 @@ constexpr qsizetype replySize = 100'000;
 constexpr qsizetype hostileSize = 1'000'000;
 constexpr double showAim = 100;
 constexpr double hostileShowAim = 1'000;
+constexpr double formulasAim = 150;
 constexpr double scrollP99Aim = 16;
 constexpr QSize panelSize{400, 800};
 
@@ -56,10 +59,11 @@ public:
         QApplication::processEvents();
     }
 
-    void show(const QString& text) {
+    void show(const QString& text, bool drawsFormulas = false) {
         m_clock.start();
         const double cpu = threadCpu();
-        m_bubbles->addWidget(new MarkdownContent(text, Qt::black));
+        m_bubbles->addWidget(
+            new MarkdownContent(text, Qt::black, drawsFormulas ? ReplyFormulas::source(m_area) : MathImageSource()));
         QApplication::processEvents();
         m_area.viewport()->repaint();
         m_showCpu = threadCpu() - cpu;
@@ -103,11 +107,31 @@ private:
     std::vector<double> m_scroll; // milliseconds
 };
 
-void measure(const QString& job, const QString& text, double aim) {
+void measure(const QString& job, const QString& text, double aim, bool drawsFormulas = false) {
     Panel panel;
-    panel.show(text);
+    panel.show(text, drawsFormulas);
     panel.scroll();
     panel.report(job, text.size(), aim);
+}
+
+/// A reply with two hundred formulas of which no two are the same.
+QString formulas() {
+    const char* const shapes[] = {"x_{%1}² ≤ f'(a)",
+                                  "\\dfrac{\\partial^2 u_{%1}}{\\partial x^2} = 0",
+                                  "\\operatorname{Var}(X_{%1}) = \\mathbb{E}[X^2] - \\mu^2",
+                                  "\\sum_{i=1}^{%1} \\frac{1}{i^2}",
+                                  "\\begin{align} a &= %1 \\\\ b &= c \\end{align}",
+                                  "\\begin{pmatrix} %1 & 0 \\\\ 0 & 1 \\end{pmatrix}",
+                                  "\\text{Bayes' rule (%1): } P(A|B)",
+                                  "\\bigl( \\sqrt{%1} \\bigr)^{n}",
+                                  "\\int_0^{%1} e^{-x}\\,dx",
+                                  "X_{%1} \\xrightarrow{d} Y"};
+    QString text;
+    for (int i = 1; i <= 20; ++i) {
+        for (const char* const shape : shapes)
+            text += QStringLiteral("It is $%1$ here.\n\n").arg(QString::fromUtf8(shape).arg(i));
+    }
+    return text;
 }
 
 } // namespace
@@ -122,6 +146,9 @@ int main(int argc, char** argv) {
     measure(QStringLiteral("lists"), repeated(list, replySize), showAim);
     measure(QStringLiteral("code"), repeated(code, replySize), showAim);
     measure(QStringLiteral("tables"), repeated(table, replySize), showAim);
+    // Once for what any first formula loads.
+    (void)MathImageRenderer::render(QStringLiteral("x≤1"), 15, Qt::black);
+    measure(QStringLiteral("formulas"), formulas(), formulasAim, true);
     for (const char* part : {"*",
                              "**a",
                              "[",

@@ -22,7 +22,9 @@ TEST(MathMetricsTool, measuresEachLine) {
 {"latex": "x", "size": 0}
 {"style": "text"}
 no object
-{"latex": ""})");
+{"latex": ""}
+{"latex": "\\dfrac12", "reply": true, "size": 100}
+{"latex": "\\cancel{x}", "reply": true})");
     tool.closeWriteChannel();
     ASSERT_TRUE(tool.waitForFinished());
     EXPECT_EQ(tool.exitCode(), 0);
@@ -31,7 +33,7 @@ no object
         if (!line.isEmpty())
             lines << QJsonDocument::fromJson(line).object();
     }
-    ASSERT_EQ(lines.size(), 9);
+    ASSERT_EQ(lines.size(), 11);
     const auto number = [&](int line, const char* key) { return lines[line].value(QLatin1String(key)).toDouble(-1); };
     EXPECT_NEAR(number(0, "ascent"), 134.3, 1e-9);
     EXPECT_NEAR(number(0, "descent"), 68.6, 1e-9);
@@ -46,6 +48,8 @@ no object
     for (int line = 4; line < 8; ++line)
         EXPECT_EQ(lines[line].value(QLatin1String("error"))[QLatin1String("code")].toInt(-1), 0) << line;
     EXPECT_EQ(number(8, "width"), 0);
+    EXPECT_NEAR(number(9, "width"), 50, 1e-9);
+    EXPECT_EQ(lines[10].value(QLatin1String("error"))[QLatin1String("code")].toInt(-1), 0);
 }
 
 TEST(MathMetricsTool, drawsIntoAFile) {

@@ -3,8 +3,11 @@
 // and comes back on the standard output as it was with "width", "ascent" and "descent" in points, or with
 // "error": {"code": …, "message": …}. "style" is "display" (when left out) or "text", "size" is the font's size in
 // points (20 when left out), and the font is Latin Modern Math. The code of a line that is no such object is 0.
+// With "reply": true the formula is read as one that a model wrote, as replies are, and where a reply would show its
+// source, the code is 0.
 // With "image": "half.png" the formula is also drawn into that file, black on white, at 200 pixels to the inch.
 
+#include "FormulaDialect.h"
 #include "MTFont.h"
 #include "MTFontManager.h"
 #include "MTMathImage.h"
@@ -67,8 +70,15 @@ QJsonObject measured(QJsonObject formula) {
                                                    "or “text”, and a “size” above 0."));
         return formula;
     }
+    const bool isReply = formula.value(QLatin1String("reply")).toBool();
+    const std::optional<QString> source =
+        isReply ? FormulaDialect::rewritten(latex.toString()) : std::optional(latex.toString());
+    if (!source) {
+        formula[error] = errorOf(0, QStringLiteral("A reply shows the source of this formula."));
+        return formula;
+    }
     std::optional<MTParseError> parseError;
-    const auto list = MTMathListBuilder::build(latex.toString(), parseError);
+    const auto list = MTMathListBuilder::build(*source, parseError);
     if (!list) {
         formula[error] = errorOf(static_cast<int>(parseError->code), parseError->message);
         return formula;
@@ -79,7 +89,7 @@ QJsonObject measured(QJsonObject formula) {
     formula[QStringLiteral("ascent")] = display->ascent();
     formula[QStringLiteral("descent")] = display->descent();
     const QJsonValue image = formula.value(QLatin1String("image"));
-    if (image.isString() && !isDrawn(latex.toString(), *style, size, image.toString()))
+    if (image.isString() && !isDrawn(*source, *style, size, image.toString()))
         formula[error] = errorOf(0, QStringLiteral("The image could not be written."));
     return formula;
 }

@@ -1,5 +1,6 @@
 #include "MathImageRenderer.h"
 
+#include "FormulaDialect.h"
 #include "Logging.h"
 #include "MTContentLayout.h"
 #include "MTFont.h"
@@ -99,7 +100,8 @@ std::shared_ptr<const MTFont> fontOfSize(double fontSize) {
 
 std::optional<RenderedFormula> renderUncached(const QString& latex, double fontSize, const QColor& color,
                                               double devicePixelRatio) {
-    const auto list = MTMathListBuilder::build(latex);
+    const std::optional<QString> formula = FormulaDialect::rewritten(latex);
+    const auto list = formula ? MTMathListBuilder::build(*formula) : nullptr;
     const auto font = list ? fontOfSize(fontSize) : nullptr;
     if (!font)
         return std::nullopt;

@@ -20,8 +20,8 @@ struct RenderedFormula {
 /// Images that are kept; the one that was not asked for longest goes first.
 inline constexpr int maximumCount = 500;
 
-/// The formula in display style and Latin Modern Math. Its size in points is that of a screen with one pixel to the
-/// point; a `devicePixelRatio` above 1 makes it sharper, not larger. None for a source that is no formula or leaves no
+/// The formula, as models write it (FormulaDialect), in display style and Latin Modern Math. Its size in points is that
+/// of a screen with one pixel to the point; a `devicePixelRatio` above 1 makes it sharper, not larger. None for a source that is no formula or leaves no
 /// ink, which is tried again the next time. What lies outside of 2000 by 400 points is cut off.
 [[nodiscard]] std::optional<RenderedFormula> render(const QString& latex, double fontSize, const QColor& color,
                                                     double devicePixelRatio = 1);
