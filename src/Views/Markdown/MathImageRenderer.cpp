@@ -1,6 +1,7 @@
 #include "MathImageRenderer.h"
 
 #include "FormulaDialect.h"
+#include "FormulaImageCache.h"
 #include "Logging.h"
 #include "MTContentLayout.h"
 #include "MTFont.h"
@@ -11,7 +12,6 @@
 #include "MTTypesetter.h"
 #include "MemoryPressureMonitor.h"
 
-#include <QCache>
 #include <QPainter>
 
 #include <algorithm>
@@ -27,21 +27,8 @@ constexpr QSize canvas{2000, 400}; // points; a formula is set at its left, in t
 constexpr int leastInkAlpha = 11;
 constexpr int margin = 3;
 
-struct Key {
-    QString latex;
-    double fontSize;
-    QRgba64 color;
-    double devicePixelRatio;
-
-    bool operator==(const Key&) const = default;
-};
-
-size_t qHash(const Key& key, size_t seed = 0) {
-    return qHashMulti(seed, key.latex, key.fontSize, quint64(key.color), key.devicePixelRatio);
-}
-
-QCache<Key, RenderedFormula>& cache() {
-    static QCache<Key, RenderedFormula> images(MathImageRenderer::maximumCount);
+FormulaImageCache& cache() {
+    static FormulaImageCache images(MathImageRenderer::maximumCount, MathImageRenderer::maximumBytes);
     return images;
 }
 
@@ -130,17 +117,21 @@ std::optional<RenderedFormula> renderUncached(const QString& latex, double fontS
 
 std::optional<RenderedFormula> MathImageRenderer::render(const QString& latex, double fontSize, const QColor& color,
                                                          double devicePixelRatio) {
-    const Key key{latex, fontSize, color.rgba64(), devicePixelRatio};
-    if (const RenderedFormula* const kept = cache().object(key))
+    const FormulaImageCache::Key key{latex, fontSize, color.rgba64(), devicePixelRatio};
+    if (const RenderedFormula* const kept = cache().find(key))
         return *kept;
     std::optional<RenderedFormula> image = renderUncached(latex, fontSize, color, devicePixelRatio);
     if (image)
-        cache().insert(key, new RenderedFormula(*image));
+        cache().insert(key, *image);
     return image;
 }
 
 int MathImageRenderer::count() {
     return int(cache().count());
+}
+
+qsizetype MathImageRenderer::bytes() {
+    return cache().bytes();
 }
 
 void MathImageRenderer::removeAll() {

@@ -92,6 +92,13 @@ TEST(MathImageRenderer, imagesAreKeptByWhatDecidesTheirLook) {
     for (int i = 0; i < 600; ++i)
         (void)image(("x_{" + std::to_string(i) + "}").c_str());
     EXPECT_EQ(MathImageRenderer::count(), 500);
+    // Large ones are fewer: of 2,000 by 60 points at this ratio each takes some megabytes.
+    for (int i = 0; i < 40; ++i)
+        (void)image((std::string(300, 'm') + "_{" + std::to_string(i) + "}").c_str(), 22, 4);
+    EXPECT_LE(MathImageRenderer::bytes(), MathImageRenderer::maximumBytes);
+    EXPECT_GT(MathImageRenderer::bytes(), MathImageRenderer::maximumBytes / 2);
+    EXPECT_LT(MathImageRenderer::count(), 500);
     MathImageRenderer::removeAll();
     EXPECT_EQ(MathImageRenderer::count(), 0);
+    EXPECT_EQ(MathImageRenderer::bytes(), 0);
 }
