@@ -26,10 +26,9 @@ namespace {
 QString withoutKeys(const QString& text) {
     QString seen;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i] != u'&')
-            seen += text[i];
-        else if (++i < text.size())
-            seen += text[i];
+        if (text[i] == u'&' && ++i == text.size())
+            break;
+        seen += text[i];
     }
     return seen;
 }

@@ -1,6 +1,7 @@
 #include "MarkdownBrowser.h"
 
 #include "FormulaFitting.h"
+#include "MarkdownAccessible.h"
 #include "MarkdownSelection.h"
 #include "PageLinks.h"
 #include "WebLink.h"
@@ -25,6 +26,7 @@ static constexpr double wheelStep = 60; // of a formula, for a notch
 
 MarkdownBrowser::MarkdownBrowser(int pageCount, QWidget* parent) : QTextBrowser(parent) {
     setObjectName(QStringLiteral("replyText"));
+    MarkdownAccessible::install();
     setOpenLinks(false);
     setUndoRedoEnabled(false);
     setFrameShape(QFrame::NoFrame);

@@ -4,6 +4,7 @@
 #include "ViewTest.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QAccessible>
 #include <QClipboard>
 #include <QDialog>
 #include <QMimeData>
@@ -298,6 +299,31 @@ TEST_F(MarkdownContentTest, formulasAreDrawnAnewForAnotherScreen) {
     content->ratio = 2;
     content->update();
     EXPECT_TRUE(QTest::qWaitFor([&] { return drawn == 2; }));
+}
+
+TEST_F(MarkdownContentTest, aScreenReaderReadsFormulasAsTheirSource) {
+    const MathImageSource images = [](const QString&, double, const QColor&) {
+        return QImage(20, 10, QImage::Format_ARGB32);
+    };
+    MarkdownBrowser& browser = display(QStringLiteral("a $x²$ b\n\n$$y$$"), images);
+    QAccessibleInterface* const reply = QAccessible::queryAccessibleInterface(&browser);
+    ASSERT_TRUE(reply && reply->textInterface());
+    QAccessibleTextInterface& text = *reply->textInterface();
+    EXPECT_EQ(text.text(0, text.characterCount()), QStringLiteral("a $x²$ b\n$$y$$"));
+    EXPECT_EQ(reply->text(QAccessible::Name), QStringLiteral("Reply"));
+
+    text.setSelection(0, 2, 6);
+    EXPECT_EQ(copied(browser), QStringLiteral("$x²$"));
+    int start = 0;
+    int end = 0;
+    text.selection(0, &start, &end);
+    EXPECT_EQ(std::pair(start, end), std::pair(2, 6));
+    const QRect formula = text.characterRect(4);
+    EXPECT_GE(formula.width(), 20);
+    EXPECT_EQ(text.offsetAtPoint(formula.center() - QPoint(5, 0)), 2);
+
+    m_content->setText(QStringLiteral("$z$"));
+    EXPECT_EQ(text.text(0, text.characterCount()), QStringLiteral("$z$"));
 }
 
 TEST_F(MarkdownContentTest, formulasOfOneParagraphKeepTheirOwnImages) {
