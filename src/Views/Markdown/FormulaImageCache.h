@@ -7,9 +7,11 @@
 #include <QString>
 
 #include <list>
+#include <mutex>
+#include <optional>
 
 /// Images of formulas by what decides their look. When there are too many, or they take too much memory, those that
-/// were not asked for longest go first.
+/// were not asked for longest go first. Any thread.
 class FormulaImageCache {
 public:
     struct Key {
@@ -27,14 +29,14 @@ public:
     FormulaImageCache(qsizetype maximumCount, qsizetype maximumBytes)
         : m_maximumCount(maximumCount), m_maximumBytes(maximumBytes) {}
 
-    /// Null when it isn't kept. Valid until the next `insert` or `clear`.
-    [[nodiscard]] const MathImageRenderer::RenderedFormula* find(const Key& key);
-    /// For a key that isn't kept. An image that is too large by itself isn't either.
+    /// None when it isn't kept.
+    [[nodiscard]] std::optional<MathImageRenderer::RenderedFormula> find(const Key& key);
+    /// Of two images for a key the first is kept. One that is too large by itself isn't.
     void insert(const Key& key, const MathImageRenderer::RenderedFormula& formula);
     void clear();
 
-    [[nodiscard]] qsizetype count() const { return m_places.size(); }
-    [[nodiscard]] qsizetype bytes() const { return m_bytes; }
+    [[nodiscard]] qsizetype count() const;
+    [[nodiscard]] qsizetype bytes() const;
 
 private:
     struct Entry {
@@ -42,8 +44,9 @@ private:
         MathImageRenderer::RenderedFormula formula;
     };
 
-    qsizetype m_maximumCount;
-    qsizetype m_maximumBytes;
+    const qsizetype m_maximumCount;
+    const qsizetype m_maximumBytes;
+    mutable std::mutex m_mutex; ///< of all below
     qsizetype m_bytes = 0;
     std::list<Entry> m_entries; ///< what was asked for last is at the front
     QHash<Key, std::list<Entry>::iterator> m_places;

@@ -118,8 +118,8 @@ std::optional<RenderedFormula> renderUncached(const QString& latex, double fontS
 std::optional<RenderedFormula> MathImageRenderer::render(const QString& latex, double fontSize, const QColor& color,
                                                          double devicePixelRatio) {
     const FormulaImageCache::Key key{latex, fontSize, color.rgba64(), devicePixelRatio};
-    if (const RenderedFormula* const kept = cache().find(key))
-        return *kept;
+    if (std::optional<RenderedFormula> kept = cache().find(key))
+        return kept;
     std::optional<RenderedFormula> image = renderUncached(latex, fontSize, color, devicePixelRatio);
     if (image)
         cache().insert(key, *image);
