@@ -98,9 +98,9 @@ FormulaPiece FormulaRewriter::readLineWithLabel(bool isAbove, MTLineStyle style)
     const Scripts scripts = readScripts(style);
     if (!scripts.hasSub && !scripts.hasSuper)
         return {base, Type::ordinary};
-    // With a brace between: a line alone would make a fraction of both.
+    // With a brace between, as an operator in the middle of its row: a line alone would make a fraction of both.
     const auto brace = [](char32_t sign) {
-        return QString(QLatin1String("\\displaystyle ") + DialectSymbols::ordinary(sign).value_or(QString()));
+        return QString(QLatin1String("\\displaystyle ") + DialectSymbols::withLimits(sign).value_or(QString()));
     };
     const QStringList above = scripts.hasSuper ? QStringList{scripts.super, brace(U'\u23DE')} : QStringList();
     const QStringList below = scripts.hasSub ? QStringList{brace(U'\u23DF'), scripts.sub} : QStringList();
