@@ -11,10 +11,8 @@
 
 #include <gtest/gtest.h>
 #include <linux/capability.h>
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 /// The system call sets the privileges of the calling thread only.
@@ -34,93 +32,55 @@ void RestrictedRuns::withoutPrivileges(const std::function<void()>& code) {
     }).join();
 }
 
-static bool writeAll(const char* path, const QByteArray& text) {
-    QFile file(QString::fromLatin1(path));
-    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(text) == text.size();
-}
-
-/// An ordinary user may mount only where it is the superuser of a namespace of its own.
-static bool becomeSuperuserOfNamespace() {
-    const QByteArray user = "0 " + QByteArray::number(geteuid()) + " 1";
-    const QByteArray group = "0 " + QByteArray::number(getegid()) + " 1";
-    return unshare(CLONE_NEWUSER) == 0 && writeAll("/proc/self/setgroups", "deny") &&
-           writeAll("/proc/self/uid_map", user) && writeAll("/proc/self/gid_map", group);
-}
-
-static bool mountSmallDisk(const char* folder) {
-    if (geteuid() != 0 && !becomeSuperuserOfNamespace())
-        return false;
-    return unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("none", folder, "tmpfs", 0, "size=64k") == 0;
-}
-
 /// Names the file that a run of one test alone reports to.
 static constexpr const char* reportVariable = "QUILLO_SMALL_DISK_REPORT";
 
-/// The report of the running test when it runs alone, in a process of its own.
-static QByteArray reportOfTestAlone() {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("report"));
+/// Runs the present test once more, in a process that may mount. Tells whether that process came up.
+static bool runTestAlone(const QString& reportPath) {
     const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    // An ordinary user may mount only where it is the superuser of a namespace of its own.
+    QStringList arguments{QStringLiteral("--mount")};
+    if (geteuid() != 0)
+        arguments << QStringLiteral("--map-root-user");
+    arguments << QCoreApplication::applicationFilePath()
+              << QStringLiteral("--gtest_filter=%1.%2")
+                     .arg(QLatin1String(test->test_suite_name()), QLatin1String(test->name()));
     QProcess alone;
     auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QLatin1String(reportVariable), path);
+    environment.insert(QLatin1String(reportVariable), reportPath);
     alone.setProcessEnvironment(environment);
-    alone.start(QCoreApplication::applicationFilePath(),
-                {QStringLiteral("--gtest_filter=%1.%2")
-                     .arg(QLatin1String(test->test_suite_name()), QLatin1String(test->name()))});
+    alone.start(QStringLiteral("unshare"), arguments);
     EXPECT_TRUE(alone.waitForFinished(120'000));
-    QFile file(path);
-    EXPECT_TRUE(file.open(QFile::ReadOnly)) << alone.readAll().toStdString();
-    return file.readAll();
-}
-
-static std::optional<QStringList> readReport(const QByteArray& message) {
-    QDataStream stream(message);
-    bool isMounted = false;
-    QStringList report;
-    stream >> isMounted >> report;
-    EXPECT_EQ(stream.status(), QDataStream::Ok) << "the child ended before its time";
-    return isMounted ? std::optional(report) : std::nullopt;
+    return QFile::exists(reportPath);
 }
 
 std::optional<QStringList>
 RestrictedRuns::onSmallDisk(const QString& folder,
                             const std::function<QStringList(const std::function<void()>& makeReadOnly)>& code) {
-    // A child has none of its parent's threads, so what waits for one that a test before this has left would wait on.
-    const QString reportPath = qEnvironmentVariable(reportVariable);
-    if (reportPath.isEmpty())
-        return readReport(reportOfTestAlone());
-    int ends[2];
-    if (pipe(ends) != 0)
-        return std::nullopt;
-    const pid_t child = fork();
-    if (child == 0) {
-        const QByteArray path = QFile::encodeName(folder);
-        QByteArray message;
-        QDataStream stream(&message, QIODevice::WriteOnly);
-        const bool isMounted = mountSmallDisk(path.constData());
-        stream << isMounted;
-        if (isMounted) {
-            try {
-                stream << code([&] { mount(nullptr, path.constData(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr); });
-            } catch (const std::exception& error) {
-                stream << QStringList(QString::fromUtf8(error.what()));
-            }
-        }
-        // The report is shorter than the pipe's buffer. The test program's own clean-up is not the child's.
-        const bool isSent = write(ends[1], message.constData(), size_t(message.size())) == message.size();
-        _exit(isSent ? 0 : 1);
+    const QString givenPath = qEnvironmentVariable(reportVariable);
+    const QTemporaryDir own;
+    QFile file(givenPath.isEmpty() ? own.filePath(QStringLiteral("report")) : givenPath);
+    QStringList report;
+    if (givenPath.isEmpty()) {
+        if (!runTestAlone(file.fileName()))
+            return std::nullopt;
+        EXPECT_TRUE(file.open(QFile::ReadOnly));
+        QDataStream stream(&file);
+        stream >> report;
+        EXPECT_EQ(stream.status(), QDataStream::Ok) << "the process ended before its time";
+        return report;
     }
-    close(ends[1]);
-    QFile in;
-    QByteArray message;
-    if (in.open(ends[0], QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
-        message = in.readAll();
-    waitpid(child, nullptr, 0);
-
-    QFile file(reportPath);
-    EXPECT_TRUE(file.open(QFile::WriteOnly) && file.write(message) == message.size());
-    file.close();
-    return readReport(message);
+    const QByteArray path = QFile::encodeName(folder);
+    if (mount("none", path.constData(), "tmpfs", 0, "size=64k") != 0)
+        return std::nullopt;
+    EXPECT_TRUE(file.open(QFile::WriteOnly));
+    try {
+        report = code([&path] { mount(nullptr, path.constData(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr); });
+    } catch (const std::exception& error) {
+        report = QStringList(QString::fromUtf8(error.what()));
+    }
+    QDataStream stream(&file);
+    stream << report;
+    umount(path.constData());
+    return report;
 }

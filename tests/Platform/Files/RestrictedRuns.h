@@ -13,8 +13,8 @@ namespace RestrictedRuns {
 /// owner.
 void withoutPrivileges(const std::function<void()>& code);
 
-/// Runs `code` in a child process that sees a disk of 64 KiB at `folder`, and returns what `code` returns. `code` can
-/// make that disk read-only. The whole test is run once more for that, alone. None if the system does not let the child
+/// Runs `code` in a process that sees a disk of 64 KiB at `folder`, and returns what `code` returns. `code` can make
+/// that disk read-only. The whole test is run once more for that, alone. None if the system does not let the process
 /// mount a disk.
 std::optional<QStringList>
 onSmallDisk(const QString& folder, const std::function<QStringList(const std::function<void()>& makeReadOnly)>& code);
