@@ -24,49 +24,31 @@ std::string words(const QByteArray& pdf) {
     return PdfPrograms::text(pdf).simplified().toStdString();
 }
 
-TEST(PrintCopy, HoldsTheChosenPagesInTheirOrder) {
+TEST(PrintCopy, HoldsTheChosenPagesInTheirOrderAndTheFieldsOfForms) {
     PdfFixture fixture;
     fill(fixture);
-    const auto document = PDFDocument::fromData(fixture.bytes());
-    const struct {
-        std::vector<int> pages;
-        const char* words;
-    } cases[] = {{{0, 1, 2}, "First Second Ada Third"},
-                 {{2, 0}, "Third First"},
-                 {{1}, "Second Ada"},
-                 {{1, 7, -1}, "Second Ada"}};
-    for (const auto& each : cases) {
-        const QByteArray copy = PrintCopy::of(*document, each.pages, true).bytes();
-        EXPECT_EQ(words(copy), each.words);
-        EXPECT_EQ(PdfPrograms::complaints(copy), "");
+    const auto open = PDFDocument::fromData(fixture.bytes());
+    const auto locked = PDFDocument::fromData(fixture.encrypted("secret", "owner", PdfFixture::Encryption::aes256));
+    ASSERT_TRUE(locked->unlock(QStringLiteral("secret")));
+    const std::pair<std::vector<int>, const char*> cases[] = {{{0, 1, 2}, "First Second Ada Third"},
+                                                              {{2, 0}, "Third First"},
+                                                              {{1}, "Second Ada"},
+                                                              {{1, 7, -1}, "Second Ada"}};
+    for (const auto& document : {open, locked}) {
+        const auto note = std::make_shared<PDFAnnotation>(QRectF(100, 100, 50, 20), PDFAnnotationSubtype::square);
+        document->page(1)->addAnnotation(note);
+        for (const auto& [pages, expected] : cases)
+            for (const bool hasAnnotations : {true, false}) {
+                const QByteArray copy = PrintCopy::of(*document, pages, hasAnnotations).bytes();
+                EXPECT_EQ(words(copy), expected);
+                EXPECT_EQ(PdfPrograms::complaints(copy), "");
+                const QByteArray unpacked = PdfPrograms::unpacked(copy);
+                const bool isSecond = pages.size() != 2;
+                EXPECT_EQ(unpacked.contains("/Highlight"), hasAnnotations && isSecond);
+                EXPECT_EQ(unpacked.contains("/Square"), hasAnnotations && isSecond);
+            }
+        EXPECT_EQ(document->pageCount(), 3) << "the document keeps its pages";
     }
-    EXPECT_EQ(document->pageCount(), 3) << "the document keeps its pages";
-}
-
-TEST(PrintCopy, WithoutAnnotationsKeepsTheFieldsOfForms) {
-    PdfFixture fixture;
-    fill(fixture);
-    const auto document = PDFDocument::fromData(fixture.bytes());
-    const auto note = std::make_shared<PDFAnnotation>(QRectF(100, 100, 50, 20), PDFAnnotationSubtype::square);
-    document->page(0)->addAnnotation(note);
-    for (const std::vector<int>& pages : {std::vector{0, 1, 2}, std::vector{0, 1}}) {
-        const QByteArray with = PdfPrograms::unpacked(PrintCopy::of(*document, pages, true).bytes());
-        EXPECT_TRUE(with.contains("/Highlight") && with.contains("/Square"));
-        const QByteArray copy = PrintCopy::of(*document, pages, false).bytes();
-        const QByteArray without = PdfPrograms::unpacked(copy);
-        EXPECT_FALSE(without.contains("/Highlight") || without.contains("/Square"));
-        EXPECT_TRUE(words(copy).find("Ada") != std::string::npos);
-        EXPECT_EQ(PdfPrograms::complaints(copy), "");
-    }
-}
-
-TEST(PrintCopy, AProtectedDocumentGoesToThePrinterOpen) {
-    PdfFixture fixture;
-    fill(fixture);
-    const auto document = PDFDocument::fromData(fixture.encrypted("secret", "owner", PdfFixture::Encryption::aes256));
-    ASSERT_TRUE(document->unlock(QStringLiteral("secret")));
-    EXPECT_EQ(words(PrintCopy::of(*document, {0, 1, 2}, true).bytes()), "First Second Ada Third");
-    EXPECT_EQ(words(PrintCopy::of(*document, {0, 1, 2}, false).bytes()), "First Second Ada Third");
 }
 
 } // namespace

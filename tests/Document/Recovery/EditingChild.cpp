@@ -1,7 +1,8 @@
 // A process for tests of what a kill leaves behind: opens a PDF file, goes on changing and saving it, and tells a line
 // for each thing that it does, before anything of it can be on the disk.
 //
-// editing_child FOLDER FILE SEED: records go below FOLDER. The lines:
+// editing_child FOLDER: takes the lost records below FOLDER, tells their ids and an empty line, and holds them until
+// its input ends. editing_child FOLDER FILE SEED: records go below FOLDER. The lines:
 //     edit STATE        the document is in this state now
 //     saving STATE      it begins to be saved
 //     saved             and is in its file
@@ -13,10 +14,13 @@
 #include "DocumentRecovery.h"
 #include "EditedPdf.h"
 #include "PDFFormField.h"
+#include "RecoveryRecord.h"
+#include "RecoveryStore.h"
 #include "SilentPresenter.h"
 #include "UserDefaults.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QTimer>
 
 #include <cstdio>
@@ -52,14 +56,10 @@ public:
     void step() {
         UndoManager& undoManager = *m_document.undoManager();
         const int kind = below(12);
-        if (kind == 0 && undoManager.canUndo()) {
-            undoManager.undo();
-            return;
-        }
-        if (kind == 1 && undoManager.canRedo()) {
-            undoManager.redo();
-            return;
-        }
+        if (kind == 0 && undoManager.canUndo())
+            return undoManager.undo();
+        if (kind == 1 && undoManager.canRedo())
+            return undoManager.redo();
         setTitle(QString::number(++m_number));
         change(kind);
     }
@@ -188,10 +188,21 @@ int run(const QString& folder, const QString& path, unsigned seed) {
     return QApplication::exec();
 }
 
+int take(const QString& folder) {
+    const auto lost = RecoveryStore::takeLost(folder, QDateTime::currentDateTime());
+    for (const auto& record : lost)
+        std::puts(qPrintable(record->id()));
+    std::puts("");
+    std::fflush(stdout);
+    while (std::getchar() != EOF) {
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
-    return arguments.size() == 4 ? run(arguments[1], arguments[2], arguments[3].toUInt()) : 2;
+    return arguments.size() == 4 ? run(arguments[1], arguments[2], arguments[3].toUInt()) : take(arguments[1]);
 }

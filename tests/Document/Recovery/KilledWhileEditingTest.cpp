@@ -3,12 +3,14 @@
 #include "EditedPdf.h"
 #include "LostDocuments.h"
 #include "PdfPrograms.h"
+#include "RecoveryRecord.h"
+#include "RecoveryStore.h"
 #include "SilentPresenter.h"
 #include "UserDefaults.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QProcess>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -245,6 +247,44 @@ TEST_F(KilledWhileEditingTest, theFileIsWholeAndWhatWasRecordedIsThere) {
     EXPECT_GT(recordsCut, 0) << "no kill came in the midst of recording";
     std::cout << savesCut << " saves and " << recordsCut << " records were cut, " << changesAtRisk
               << " changes at most were neither saved nor recorded" << std::endl;
+}
+
+TEST_F(KilledWhileEditingTest, eachLostRecordIsTakenByOneProcess) {
+    constexpr int recordCount = 30;
+    const auto takeLost = [this] { return RecoveryStore::takeLost(m_records, QDateTime::currentDateTime()).size(); };
+    const auto nextLine = [](QProcess& process) {
+        while (!process.canReadLine() && process.waitForReadyRead(timeLimitInMilliseconds)) {
+        }
+        return process.readLine().trimmed();
+    };
+    storeNewFile();
+    QProcess living;
+    living.start(QStringLiteral(EDITING_CHILD), {m_records, m_pdf, QStringLiteral("1")});
+    for (QByteArray line = nextLine(living); line != "recorded" && !line.isEmpty();)
+        line = nextLine(living);
+    for (int i = 0; i < recordCount; ++i) {
+        RecoveryDescription description;
+        description.writeTime = QDateTime::currentDateTime();
+        RecoveryRecord::create(m_records)->write(description, "base", {});
+    }
+    QProcess takers[3];
+    for (QProcess& taker : takers)
+        taker.start(QStringLiteral(EDITING_CHILD), {m_records});
+    QByteArrayList taken;
+    for (QProcess& taker : takers)
+        for (QByteArray id = nextLine(taker); !id.isEmpty(); id = nextLine(taker))
+            taken.append(id);
+    EXPECT_EQ(taken.size(), recordCount) << "the living one keeps its own";
+    EXPECT_EQ(QSet<QByteArray>(taken.begin(), taken.end()).size(), recordCount);
+    EXPECT_EQ(takeLost(), 0U);
+    // A taker that ends without deciding leaves them to the next.
+    for (QProcess& taker : takers) {
+        taker.kill();
+        ASSERT_TRUE(taker.waitForFinished());
+    }
+    EXPECT_EQ(takeLost(), std::size_t(recordCount));
+    living.kill();
+    ASSERT_TRUE(living.waitForFinished());
 }
 
 } // namespace
