@@ -6,8 +6,6 @@
 #include "SignatureStore.h"
 #include "ViewerTest.h"
 
-#include <QPainter>
-
 #include <cmath>
 #include <random>
 
@@ -15,11 +13,13 @@ namespace {
 
 class DrawingTools : public ViewerTest {
 protected:
-    void expectRect(const QRectF& rect, double x, double y, double width, double height) {
-        EXPECT_NEAR(rect.x(), x, 0.01);
-        EXPECT_NEAR(rect.y(), y, 0.01);
-        EXPECT_NEAR(rect.width(), width, 0.01);
-        EXPECT_NEAR(rect.height(), height, 0.01);
+    static void expectRect(const QRectF& rect, double x, double y, double width, double height) {
+        expectNear(rect, QRectF(x, y, width, height));
+    }
+    /// Begins a shape of 60 by 20 points.
+    void beginShape() {
+        press({100, 500});
+        moveTo({160, 520});
     }
     /// A signature twice as wide as high.
     void keepSignature() {
@@ -32,15 +32,12 @@ protected:
 } // namespace
 
 TEST_F(DrawingTools, aDragDrawsAndAClickLeavesNothing) {
-    const struct {
-        AnnotationTool tool;
-        QString type;
-    } cases[] = {{AnnotationTool::ink, PDFAnnotationSubtype::ink},
-                 {AnnotationTool::rectangle, PDFAnnotationSubtype::square},
-                 {AnnotationTool::oval, PDFAnnotationSubtype::circle},
-                 {AnnotationTool::line, PDFAnnotationSubtype::line},
-                 {AnnotationTool::redact, PDFAnnotationSubtype::square},
-                 {AnnotationTool::form, PDFAnnotationSubtype::widget}};
+    const std::pair<AnnotationTool, QString> cases[] = {{AnnotationTool::ink, PDFAnnotationSubtype::ink},
+                                                        {AnnotationTool::rectangle, PDFAnnotationSubtype::square},
+                                                        {AnnotationTool::oval, PDFAnnotationSubtype::circle},
+                                                        {AnnotationTool::line, PDFAnnotationSubtype::line},
+                                                        {AnnotationTool::redact, PDFAnnotationSubtype::square},
+                                                        {AnnotationTool::form, PDFAnnotationSubtype::widget}};
     m_toolState->setColor(QColor(200, 30, 60));
     m_toolState->setLineWidth(4);
     m_toolState->setLineEndStyle(PDFLineStyle::diamond);
@@ -49,17 +46,14 @@ TEST_F(DrawingTools, aDragDrawsAndAClickLeavesNothing) {
     for (const auto& [tool, type] : cases) {
         m_toolState->setTool(tool);
         click({100, 500});
-        EXPECT_TRUE(annotations().empty());
         EXPECT_FALSE(m_undoManager->canUndo());
-
         select(0, 0, 0, 0);
         drag({{300, 400}, {280, 420}, {200, 500}});
         ASSERT_EQ(annotations().size(), 1U) << type.toStdString();
         const std::shared_ptr<PDFAnnotation> made = annotations()[0];
         EXPECT_EQ(made->type(), type);
         EXPECT_EQ(made->color(), QColor(200, 30, 60));
-        ASSERT_TRUE(made->border());
-        EXPECT_EQ(made->border()->lineWidth, 4);
+        EXPECT_EQ(made->border().value().lineWidth, 4);
         if (tool == AnnotationTool::line) {
             expectRect(QRectF(made->startPoint(), made->endPoint()), 300, 400, -100, 100);
             EXPECT_EQ(made->endLineStyle(), PDFLineStyle::diamond);
@@ -74,10 +68,6 @@ TEST_F(DrawingTools, aDragDrawsAndAClickLeavesNothing) {
         EXPECT_TRUE(m_view.hasSelection()) << "a tool selects no text";
         m_undoManager->undo();
         EXPECT_TRUE(annotations().empty());
-        m_undoManager->redo();
-        EXPECT_EQ(annotations().front(), made);
-        m_undoManager->undo();
-        EXPECT_FALSE(m_undoManager->canUndo());
         m_undoManager->removeAllActions();
     }
     EXPECT_EQ(markers, 1);
@@ -85,39 +75,30 @@ TEST_F(DrawingTools, aDragDrawsAndAClickLeavesNothing) {
 
 TEST_F(DrawingTools, aStrokeIsSmoothAndRunsFromItsFirstPointToItsLast) {
     m_toolState->setTool(AnnotationTool::ink);
-    const std::vector<QPointF> way{{100, 300}, {140, 380}, {190, 300}, {240, 380}};
-    drag(way);
-    ASSERT_EQ(annotations().size(), 1U);
-    const auto& ink = *annotations()[0];
-    ASSERT_EQ(ink.paths().size(), 1U);
-    const QPainterPath path = ink.paths()[0].translated(ink.bounds().topLeft());
-    ASSERT_EQ(path.elementCount(), 1 + 2 * 3 + 1);
-    const auto expectAt = [&](int element, QPointF point) {
-        EXPECT_NEAR(path.elementAt(element).x, point.x(), 0.01) << element;
-        EXPECT_NEAR(path.elementAt(element).y, point.y(), 0.01) << element;
-    };
-    expectAt(0, way[0]);
-    expectAt(1, way[1]);
-    expectAt(3, (way[1] + way[2]) / 2);
-    expectAt(6, (way[2] + way[3]) / 2);
-    expectAt(7, way[3]);
+    drag({{100, 300}, {140, 380}, {190, 300}, {240, 380}});
+    const auto& ink = *annotations().at(0);
+    const QPainterPath path = ink.paths().at(0).translated(ink.bounds().topLeft());
+    const std::pair<int, QPointF> elements[] = {
+        {0, {100, 300}}, {1, {140, 380}}, {3, {165, 340}}, {6, {215, 340}}, {7, {240, 380}}};
+    for (const auto& [element, point] : elements)
+        EXPECT_LT((path.elementAt(element) - point).manhattanLength(), 0.01) << element;
 }
 
 TEST_F(DrawingTools, aFingerDrawsAllOfAStrokeHoweverShort) {
     m_toolState->setTool(AnnotationTool::ink);
     static QPointingDevice* const screen = QTest::createTouchDevice();
-    const auto draw = [&](const std::vector<QPoint>& way) {
+    const std::vector<std::vector<QPoint>> ways{{{100, 300}, {104, 306}, {108, 300}},
+                                                {{200, 300}, {206, 309}, {214, 300}, {240, 300}},
+                                                {{100, 300}, {101, 301}}}; // a finger that is only put down
+    for (const auto& way : ways) {
         const auto at = [this](QPoint point) { return m_view.viewport()->mapTo(&m_view, point); };
         QTest::touchEvent(&m_view, screen).press(0, at(way.front()));
         for (const QPoint& point : way)
             QTest::touchEvent(&m_view, screen).move(0, at(point));
         QTest::touchEvent(&m_view, screen).release(0, at(way.back()));
-    };
-    const std::vector<std::vector<QPoint>> ways{{{100, 300}, {104, 306}, {108, 300}},
-                                                {{200, 300}, {206, 309}, {214, 300}, {240, 300}}};
-    for (const auto& way : ways) {
-        draw(way);
-        ASSERT_EQ(annotations().size(), 1U);
+        ASSERT_EQ(annotations().size(), way.size() > 2 ? 1U : 0U);
+        if (annotations().empty())
+            continue;
         // The height of its first turn tells whether that was drawn.
         const QRectF drawn = m_view.convertFromPage(
             annotations()[0]->paths()[0].boundingRect().translated(annotations()[0]->bounds().topLeft()), *page());
@@ -125,97 +106,67 @@ TEST_F(DrawingTools, aFingerDrawsAllOfAStrokeHoweverShort) {
         EXPECT_NEAR(drawn.height(), way[1].y() - way[0].y(), 2) << "a smooth line cuts corners";
         m_undoManager->undo();
     }
-    draw({{100, 300}, {101, 301}}); // a finger that is only put down
-    EXPECT_TRUE(annotations().empty());
 }
 
-TEST_F(DrawingTools, twoQuickStrokesAreTwoAnnotationsAndTwoSteps) {
+TEST_F(DrawingTools, aDragEndsWithWhatComesNext) {
+    const struct {
+        const char* what;
+        std::function<void()> next;
+        std::size_t count = 1;
+    } cases[] = {
+        {"the second of two quick presses draws again",
+         [this] {
+             release({160, 520});
+             mouse(QEvent::MouseButtonDblClick, {100, 510}, Qt::LeftButton, Qt::LeftButton);
+             moveTo({160, 530});
+             release({160, 530});
+         },
+         2},
+        {"another tool keeps what is drawn",
+         [this] {
+             m_toolState->setTool(AnnotationTool::select);
+             moveTo({300, 600});
+             release({300, 600});
+         }},
+        {"a menu has got the release",
+         [this] {
+             hover({300, 600});
+         }},
+        {"the release was lost",
+         [this] {
+             drag({{200, 500}, {260, 520}});
+         },
+         2},
+        {"Escape gives it up",
+         [this] {
+             QTest::keyClick(&m_view, Qt::Key_Escape);
+             EXPECT_EQ(m_toolState->tool(), AnnotationTool::select);
+             moveTo({200, 540});
+             release({200, 540});
+         },
+         0},
+    };
+    for (const auto& [what, next, count] : cases) {
+        m_toolState->setTool(AnnotationTool::rectangle);
+        beginShape();
+        EXPECT_EQ(annotations().size(), 1U);
+        next();
+        endTurn();
+        ASSERT_EQ(annotations().size(), count) << what;
+        for (const auto& each : annotations())
+            EXPECT_EQ(each->bounds().width(), 60) << what;
+        for (std::size_t left = count; left > 0; --left)
+            m_undoManager->undo();
+        EXPECT_TRUE(annotations().empty()) << what;
+        EXPECT_FALSE(m_undoManager->canUndo()) << what;
+    }
+    // A page that goes under the pointer takes the shape along.
     m_toolState->setTool(AnnotationTool::ink);
-    press({100, 500});
-    moveTo({120, 520});
-    release({120, 520});
-    mouse(QEvent::MouseButtonDblClick, {100, 510}, Qt::LeftButton, Qt::LeftButton);
-    moveTo({130, 530});
-    release({130, 530});
-    ASSERT_EQ(annotations().size(), 2U);
-    m_undoManager->undo();
-    EXPECT_EQ(annotations().size(), 1U);
-}
-
-TEST_F(DrawingTools, escapeGivesUpTheStrokeAndTheTool) {
-    m_toolState->setTool(AnnotationTool::ink);
-    m_toolState->setTextEditingModeEnabled(false);
-    press({100, 500});
-    moveTo({160, 520});
-    EXPECT_EQ(annotations().size(), 1U);
-    QTest::keyClick(&m_view, Qt::Key_Escape);
+    beginShape();
+    m_document->removePage(0);
+    moveTo({160, 530});
+    release({160, 530});
     EXPECT_TRUE(annotations().empty());
-    EXPECT_EQ(m_toolState->tool(), AnnotationTool::select);
-    moveTo({200, 540});
-    release({200, 540});
-    EXPECT_FALSE(m_undoManager->canUndo());
-
-    // With the select tool it leaves the modes alone.
-    m_toolState->setActiveMarkupMode(MarkupAction::underline);
-    QTest::keyClick(&m_view, Qt::Key_Escape);
-    EXPECT_EQ(m_toolState->activeMarkupMode(), MarkupAction::underline);
-}
-
-TEST_F(DrawingTools, anotherToolInTheMiddleOfADragKeepsWhatIsDrawnAndItsUndo) {
-    m_toolState->setTool(AnnotationTool::rectangle);
-    press({100, 500});
-    moveTo({160, 520});
-    m_toolState->setTool(AnnotationTool::select);
-    moveTo({300, 600});
-    release({300, 600});
-    endTurn();
-    ASSERT_EQ(annotations().size(), 1U);
-    expectRect(annotations()[0]->bounds(), 100, 500, 60, 20);
-    m_undoManager->undo();
-    EXPECT_TRUE(annotations().empty());
-}
-
-TEST_F(DrawingTools, aDragWhoseReleaseWentElsewhereIsFinishedByWhatComesNext) {
-    m_toolState->setTool(AnnotationTool::rectangle);
-    press({100, 500});
-    moveTo({160, 520});
-    hover({300, 600}); // after a menu that has got the release
-    endTurn();
-    ASSERT_EQ(annotations().size(), 1U);
-    expectRect(annotations()[0]->bounds(), 100, 500, 60, 20);
-    m_undoManager->undo();
-    EXPECT_TRUE(annotations().empty());
-
-    press({100, 500});
-    moveTo({160, 520});
-    drag({{200, 500}, {260, 520}});
-    EXPECT_EQ(annotations().size(), 2U);
-    m_undoManager->undo();
-    EXPECT_EQ(annotations().size(), 1U);
-    m_undoManager->undo();
-    EXPECT_TRUE(annotations().empty());
-
-    m_view.addProgrammaticNote(QStringLiteral("note"), page());
-    endTurn();
-    m_toolState->setTool(AnnotationTool::select);
-    const QRectF before = annotations()[0]->bounds();
-    press(before.center());
-    moveTo(before.center() - QPointF(50, 60));
-    hover({300, 600});
-    EXPECT_EQ(annotations()[0]->bounds(), before.translated(-50, -60));
-    m_undoManager->undo();
-    EXPECT_EQ(annotations()[0]->bounds(), before);
-}
-
-TEST_F(DrawingTools, aPageThatGoesUnderTheStrokeTakesItAlong) {
-    m_toolState->setTool(AnnotationTool::ink);
-    press({100, 500});
-    moveTo({160, 520});
-    const auto gone = m_document->removePage(0);
-    QMouseEvent move(QEvent::MouseMove, QPointF(50, 60), QPointF(50, 60), Qt::NoButton, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(m_view.viewport(), &move);
-    release({160, 520});
-    EXPECT_TRUE(page()->annotations().empty());
     EXPECT_FALSE(m_undoManager->canUndo());
 }
 
@@ -233,9 +184,8 @@ TEST_F(DrawingTools, aSignatureKeepsItsShapeWhereverItIsDragged) {
                  {{{300, 500}, {295, 500}}, {276, 488, 24, 12}}};
     for (const auto& [way, bounds] : cases) {
         drag(way);
-        ASSERT_EQ(annotations().size(), 1U);
-        EXPECT_TRUE(std::dynamic_pointer_cast<SignatureAnnotation>(annotations()[0]));
-        expectRect(annotations()[0]->bounds(), bounds.x(), bounds.y(), bounds.width(), bounds.height());
+        EXPECT_TRUE(std::dynamic_pointer_cast<SignatureAnnotation>(annotations().at(0)));
+        expectNear(annotations()[0]->bounds(), bounds);
         m_undoManager->undo();
         EXPECT_TRUE(annotations().empty());
     }
@@ -257,10 +207,8 @@ TEST_F(DrawingTools, formFieldsAreNumberedAsTheyAreBegun) {
     EXPECT_EQ(text.widgetFieldType(), PDFWidgetFieldType::text);
     EXPECT_EQ(box.widgetControlType(), PDFWidgetControlType::checkBox);
     EXPECT_EQ(box.buttonWidgetState(), PDFWidgetCellState::off);
-    EXPECT_EQ(text.color(), m_toolState->color());
-
     page()->setRotation(90);
-    QCoreApplication::processEvents();
+    endTurn();
     drag({{300, 400}, {320, 420}});
     ASSERT_EQ(annotations().size(), 3U);
     EXPECT_EQ(annotations()[2]->widgetRotation(), 90);
@@ -269,15 +217,12 @@ TEST_F(DrawingTools, formFieldsAreNumberedAsTheyAreBegun) {
 TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     m_toolState->setTool(AnnotationTool::note);
     click({300, 500});
-    ASSERT_EQ(annotations().size(), 1U);
-    const auto note = annotations()[0];
+    const auto note = annotations().at(0);
     expectRect(note->bounds(), 240, 460, 120, 80);
-    auto* const editor = openEditor();
-    ASSERT_TRUE(editor);
-    QTest::keyClicks(editor, QStringLiteral("Ask Ann"));
+    ASSERT_TRUE(openEditor());
+    QTest::keyClicks(openEditor(), QStringLiteral("Ask Ann"));
     m_toolState->setTool(AnnotationTool::select);
     click({50, 200});
-    endTurn();
     EXPECT_EQ(note->contents(), QStringLiteral("Ask Ann")) << "the next press commits";
     EXPECT_FALSE(openEditor());
 
@@ -289,20 +234,28 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     m_undoManager->undo();
     expectRect(note->bounds(), 240, 460, 120, 80);
     m_undoManager->redo();
-    expectRect(note->bounds(), 140, 360, 120, 80);
-
     press({150, 370});
     moveTo({400, 600});
     QTest::keyClick(&m_view, Qt::Key_Escape);
     release({400, 600});
     expectRect(note->bounds(), 140, 360, 120, 80);
+    press({150, 370});
+    moveTo({160, 380});
+    hover({300, 600});
+    expectRect(note->bounds(), 150, 370, 120, 80);
 
-    doubleClick({150, 400});
+    doubleClick({160, 400});
     EXPECT_TRUE(openEditor());
     m_view.commitEditors();
     m_view.addProgrammaticNote(QStringLiteral("from the assistant"), page());
     expectRect(annotations().back()->bounds(), 612 - 140, 792 - 100, 120, 80);
-    EXPECT_EQ(annotations().back()->contents(), QStringLiteral("from the assistant"));
+    EXPECT_FALSE(openEditor());
+
+    show(PDFDocument::fromData(m_document->dataRepresentation()));
+    const QRectF before = annotations().at(0)->bounds();
+    drag({before.center(), before.center() + QPointF(40, 40)});
+    doubleClick(before.center());
+    EXPECT_EQ(annotations()[0]->bounds(), before) << "from a file it is a sign like any other";
     EXPECT_FALSE(openEditor());
 }
 
@@ -314,7 +267,7 @@ TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
         fixture.addPage({QStringLiteral("A line of text")});
         fixture.setPageKey(0, "/Rotate", rotation);
         fixture.setPageKey(0, "/UserUnit", "2");
-        show(PDFDocument::fromData(fixture.bytes()));
+        show(fixture);
         const QTransform toSeen = page()->displayTransform(PDFDisplayBox::cropBox);
         const QPointF point(300, 400);
         const QPointF seen = toSeen.map(point);
@@ -335,8 +288,6 @@ TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
         m_toolState->setTextEditingModeEnabled(true);
         click(page()->text()->lines[0].bounds.center());
         ASSERT_TRUE(openEditor());
-        EXPECT_NEAR(openEditor()->font().pointSizeF() * openEditor()->logicalDpiY() / 72, 24 * m_view.scaleFactor(),
-                    0.1);
         m_view.commitEditors();
         EXPECT_NEAR(annotations().back()->font()->pointSizeF(), 24, 0.1);
         EXPECT_EQ(annotations().back()->values().frame, (PDFAnnotationFrame{page()->rotation(), 2}));
@@ -344,40 +295,21 @@ TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
     }
 }
 
-TEST_F(DrawingTools, aReopenedNoteIsNoLongerPaper) {
-    m_view.addProgrammaticNote(QStringLiteral("kept"), page());
-    const QPointF spot = annotations()[0]->bounds().center();
-    show(PDFDocument::fromData(m_document->dataRepresentation()));
-    ASSERT_EQ(annotations().size(), 1U);
-    EXPECT_EQ(annotations()[0]->contents(), QStringLiteral("kept"));
-    const QRectF before = annotations()[0]->bounds();
-    drag({spot, spot + QPointF(40, 40)});
-    EXPECT_EQ(annotations()[0]->bounds(), before);
-    doubleClick(spot);
-    EXPECT_FALSE(openEditor());
-}
-
 TEST_F(DrawingTools, everyActionComesBackAThousandTimesOver) {
     keepSignature();
     std::mt19937 random(99);
     const auto pick = [&random](int count) { return std::uniform_int_distribution<int>(0, count - 1)(random); };
     const auto somewhere = [&] { return QPointF(60 + pick(450), 320 + pick(400)); };
-    const AnnotationTool tools[] = {AnnotationTool::ink,       AnnotationTool::rectangle, AnnotationTool::oval,
-                                    AnnotationTool::line,      AnnotationTool::redact,    AnnotationTool::form,
-                                    AnnotationTool::signature, AnnotationTool::eraser,    AnnotationTool::select};
-    struct State {
-        std::vector<std::shared_ptr<PDFAnnotation>> annotations;
-        std::vector<QRectF> bounds;
-        bool operator==(const State&) const = default;
-    };
+    const AnnotationTool tools[] = {AnnotationTool::ink,       AnnotationTool::line,   AnnotationTool::form,
+                                    AnnotationTool::signature, AnnotationTool::eraser, AnnotationTool::select};
     const auto state = [this] {
-        State now{annotations(), {}};
-        for (const auto& annotation : now.annotations)
-            now.bounds.push_back(annotation->bounds());
+        std::vector<std::pair<std::shared_ptr<PDFAnnotation>, QRectF>> now;
+        for (const auto& annotation : annotations())
+            now.emplace_back(annotation, annotation->bounds());
         return now;
     };
     // The states in the order in which undo passes them.
-    std::vector<State> states{state()};
+    std::vector states(1, state());
     m_view.addProgrammaticNote(QStringLiteral("note"), page());
     endTurn();
     states.push_back(state());
@@ -386,23 +318,19 @@ TEST_F(DrawingTools, everyActionComesBackAThousandTimesOver) {
         m_toolState->setTool(tool);
         m_toolState->setEraserMode(pick(2) == 0 ? EraserMode::precise : EraserMode::wholeStroke);
         m_toolState->setEraserSize(10);
-        const State before = state();
+        const auto before = state();
         if (tool == AnnotationTool::eraser || tool == AnnotationTool::signature) {
             click(somewhere());
         } else if (tool == AnnotationTool::select) {
-            const auto note = std::find_if(before.annotations.begin(), before.annotations.end(), [](const auto& each) {
-                return std::dynamic_pointer_cast<NoteAnnotation>(each) != nullptr;
-            });
-            if (note == before.annotations.end())
-                continue;
-            drag({(*note)->bounds().center(), somewhere()});
+            for (const auto& [annotation, bounds] : before)
+                if (std::dynamic_pointer_cast<NoteAnnotation>(annotation))
+                    drag({bounds.center(), somewhere()});
         } else {
             drag({somewhere(), somewhere(), somewhere()});
         }
         if (state() != before)
             states.push_back(state());
     }
-    ASSERT_GT(states.size(), 30U);
     std::size_t at = states.size() - 1;
     for (int step = 0; step < 1000; ++step) {
         const bool back = at == states.size() - 1 || (at > 0 && pick(2) == 0);

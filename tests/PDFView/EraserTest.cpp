@@ -1,6 +1,5 @@
 #include "EraserCursorOverlay.h"
 #include "InkPath.h"
-#include "PdfPrograms.h"
 #include "ViewerTest.h"
 #include "WatermarkAnnotation.h"
 
@@ -49,15 +48,15 @@ protected:
 } // namespace
 
 TEST_F(EraserTest, wholeStrokesGoWhereTheirBoundsAreTouched) {
-    const auto diagonal = addStroke({{100, 400}, {200, 500}});
-    const auto square = std::make_shared<PDFAnnotation>(QRectF(180, 380, 50, 50), PDFAnnotationSubtype::square);
+    addStroke({{100, 400}, {200, 500}});
     const auto afar = std::make_shared<PDFAnnotation>(QRectF(400, 600, 50, 50), PDFAnnotationSubtype::square);
-    page()->addAnnotation(square);
+    page()->addAnnotation(std::make_shared<PDFAnnotation>(QRectF(180, 380, 50, 50), PDFAnnotationSubtype::square));
     page()->addAnnotation(afar);
+    const Annotations all = annotations();
     erase(10, EraserMode::wholeStroke, {185, 410}); // off the line, but within both bounds
     EXPECT_EQ(annotations(), std::vector{afar});
     m_undoManager->undo();
-    EXPECT_EQ(annotations(), (std::vector<std::shared_ptr<PDFAnnotation>>{diagonal, square, afar}));
+    EXPECT_EQ(annotations(), all);
     erase(1, EraserMode::wholeStroke, {398.5, 620});
     EXPECT_EQ(annotations().size(), 3U) << "the radius is never below 1";
     erase(1, EraserMode::wholeStroke, {399.5, 620});
@@ -89,34 +88,30 @@ TEST_F(EraserTest, aStrokeIsCutWhereTheCirclePasses) {
     EXPECT_FALSE(m_undoManager->canUndo());
 
     erase(30, EraserMode::precise, {200, 500});
-    ASSERT_EQ(annotations().size(), 2U);
-    for (const auto& piece : annotations()) {
+    const Annotations pieces = annotations();
+    ASSERT_EQ(pieces.size(), 2U);
+    for (const auto& piece : pieces) {
         EXPECT_EQ(piece->type(), PDFAnnotationSubtype::ink);
         EXPECT_EQ(piece->color(), QColor(10, 120, 10));
         EXPECT_EQ(piece->userName(), row->userName());
         EXPECT_EQ(piece->border()->lineWidth, 3);
         EXPECT_FALSE(piece->bounds().adjusted(5, 0, -5, 0).contains(QPointF(200, 500)));
     }
-    EXPECT_NEAR(annotations()[0]->bounds().left(), row->bounds().left(), 0.01);
-    EXPECT_NEAR(annotations()[1]->bounds().right(), row->bounds().right(), 0.01);
-    const auto pieces = annotations();
+    EXPECT_NEAR(pieces[0]->bounds().left(), row->bounds().left(), 0.01);
+    EXPECT_NEAR(pieces[1]->bounds().right(), row->bounds().right(), 0.01);
+    // Also on a page that has left its document.
+    const auto removed = m_document->removePage(0);
     m_undoManager->undo();
-    EXPECT_EQ(annotations(), std::vector{row});
+    EXPECT_EQ(removed->annotations(), Annotations{row});
     m_undoManager->redo();
-    EXPECT_EQ(annotations(), pieces);
+    EXPECT_EQ(removed->annotations(), pieces);
+    m_document->insert(removed, 0);
+    endTurn();
     m_undoManager->undo();
 
     erase(30, EraserMode::precise, {300, 500});
     EXPECT_EQ(annotations().size(), 1U) << "an end leaves one shorter stroke";
     m_undoManager->undo();
-    m_toolState->setEraserSize(100);
-    drag({{120, 500}, {200, 500}, {280, 500}});
-    EXPECT_TRUE(annotations().empty());
-}
-
-TEST_F(EraserTest, cuttingTheSameStrokeAgainAndAgainKeepsItSmall) {
-    addRow();
-    m_toolState->setEraserMode(EraserMode::precise);
     m_toolState->setEraserSize(4);
     for (int cut = 0; cut < 60; ++cut)
         click({110 + (cut * 37) % 180 + 0.5, 500});
@@ -124,7 +119,10 @@ TEST_F(EraserTest, cuttingTheSameStrokeAgainAndAgainKeepsItSmall) {
     int elements = 0;
     for (const auto& piece : annotations())
         elements += piece->paths()[0].elementCount();
-    EXPECT_LT(elements, 3 * 200 / 0.02);
+    EXPECT_LT(elements, 3 * 200 / 0.02) << "it grows with every cut";
+    m_toolState->setEraserSize(100);
+    drag({{120, 500}, {200, 500}, {280, 500}});
+    EXPECT_TRUE(annotations().empty());
 }
 
 TEST_F(EraserTest, eachPathOfAStrokeOfTheFileIsCutByItself) {
@@ -134,7 +132,7 @@ TEST_F(EraserTest, eachPathOfAStrokeOfTheFileIsCutByItself) {
                              "[100 500 200 500 300 500] [150 450 250 450]] >>");
     fixture.addAnnotation(0, "<< /Subtype /Highlight /Rect [390 390 510 510] /QuadPoints [390 510 510 510 390 390 510 "
                              "390] /C [1 1 0] >>");
-    show(PDFDocument::fromData(fixture.bytes()));
+    show(fixture);
     ASSERT_EQ(annotations().size(), 2U);
     // Of the first path only a point is left on each side, so it goes; the others stay whole.
     erase(20, EraserMode::precise, {200, 400});
@@ -143,42 +141,39 @@ TEST_F(EraserTest, eachPathOfAStrokeOfTheFileIsCutByItself) {
     EXPECT_NEAR(annotations()[2]->bounds().center().y(), 450, 0.1);
     erase(20, EraserMode::precise, {500, 400});
     EXPECT_EQ(annotations().size(), 2U) << "the highlight goes whole";
-
-    const QByteArray saved = m_document->dataRepresentation();
-    EXPECT_EQ(PdfPrograms::complaints(saved), "");
-    EXPECT_EQ(PDFDocument::fromData(saved)->page(0)->annotations().size(), 2U);
+    EXPECT_EQ(PDFDocument::fromData(m_document->dataRepresentation())->page(0)->annotations().size(), 2U);
 }
 
 TEST_F(EraserTest, aRingTakesThePlaceOfThePointer) {
+    const auto shape = [this] { return m_view.viewport()->cursor().shape(); };
+    const auto expectRing = [&](double diameter) {
+        EXPECT_NEAR(ring().diameter(), diameter * m_view.scaleFactor(), 0.01);
+        EXPECT_EQ(shape(), Qt::BlankCursor);
+    };
     m_toolState->setEraserSize(40);
     hover({200, 500});
-    EXPECT_TRUE(ring().isVisible());
     EXPECT_EQ(ring().center(), onScreen({200, 500}));
-    EXPECT_NEAR(ring().diameter(), 40 * m_view.scaleFactor(), 0.01);
-    EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::BlankCursor);
+    expectRing(40);
     m_view.setScaleFactor(m_view.scaleFactor() * 2);
-    EXPECT_NEAR(ring().diameter(), 40 * m_view.scaleFactor(), 0.01);
     m_toolState->setEraserSize(10);
-    EXPECT_NEAR(ring().diameter(), 10 * m_view.scaleFactor(), 0.01);
-
+    expectRing(10);
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(m_view.viewport(), &leave);
     EXPECT_FALSE(ring().isVisible());
-    EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::ArrowCursor);
+    EXPECT_EQ(shape(), Qt::ArrowCursor);
     hover({210, 500});
-    EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::BlankCursor);
     m_toolState->setTool(AnnotationTool::rectangle);
     hover({211, 500});
     EXPECT_FALSE(ring().isVisible());
-    EXPECT_EQ(m_view.viewport()->cursor().shape(), Qt::CrossCursor);
+    EXPECT_EQ(shape(), Qt::CrossCursor);
 
     PdfFixture fixture;
     fixture.addPage({});
     fixture.setPageKey(0, "/UserUnit", "2");
-    show(PDFDocument::fromData(fixture.bytes()));
+    show(fixture);
     m_toolState->setTool(AnnotationTool::eraser);
     hover({200, 700});
-    EXPECT_NEAR(ring().diameter(), 2 * 10 * m_view.scaleFactor(), 0.01) << "its size is in units of the page";
+    expectRing(2 * 10); // its size is in units of the page
 }
 
 TEST_F(EraserTest, theEraserEndOfAPenErasesWithAnyTool) {

@@ -1,21 +1,15 @@
 #include "PDFKitRepresentedView.h"
 
-#include "AnnotatingPDFView.h"
-#include "PDFDocument.h"
-#include "PDFPage.h"
+#include "PDFSelection.h"
 #include "PDFViewCoordinator.h"
 #include "Palette.h"
-#include "PdfFixtures.h"
 #include "RecentPageStore.h"
-#include "ToolState.h"
-#include "UndoManager.h"
 #include "UserDefaults.h"
+#include "ViewerTest.h"
 
 #include <QPalette>
+#include <QScrollBar>
 #include <QTemporaryDir>
-#include <QTest>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -36,13 +30,14 @@ protected:
             fixture.addPage({QStringLiteral("Page %1").arg(i)});
         return PDFDocument::fromData(fixture.bytes());
     }
-
     AnnotatingPDFView* makeView() {
         AnnotatingPDFView* const view = m_represented.makeView(&m_window);
         view->resize(m_window.size());
         m_window.show();
         return view;
     }
+    [[nodiscard]] std::string indicator() const { return m_coordinator.pageIndicator().toStdString(); }
+    [[nodiscard]] std::optional<int> remembered() const { return RecentPageStore::pageIndex(m_defaults, m_url); }
 
     QTemporaryDir m_folder;
     UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
@@ -53,22 +48,17 @@ protected:
 };
 
 TEST_F(PDFKitRepresentedViewTest, opensTheFileAtTheRememberedPageIfItStillExists) {
-    const struct {
-        std::optional<int> remembered;
-        int shown;
-    } cases[] = {{std::nullopt, 0}, {0, 0}, {1, 1}, {5, 5}, {6, 0}, {1000, 0}, {-2, 0}};
-    for (const auto& [remembered, shown] : cases) {
-        if (remembered)
-            RecentPageStore::setPageIndex(m_defaults, *remembered, m_url);
+    const std::pair<std::optional<int>, int> cases[] = {{std::nullopt, 0}, {1, 1}, {5, 5}, {6, 0}, {-2, 0}, {1000, 0}};
+    for (const auto& [kept, shown] : cases) {
+        if (kept)
+            RecentPageStore::setPageIndex(m_defaults, *kept, m_url);
         const std::unique_ptr<AnnotatingPDFView> view(makeView());
-        // Attaching has already written the first page over the remembered one.
-        EXPECT_EQ(RecentPageStore::pageIndex(m_defaults, m_url), 0);
+        EXPECT_EQ(remembered(), 0) << "the first page, over the remembered one";
         EXPECT_EQ(m_coordinator.currentPageIndex(), 0);
         QCoreApplication::processEvents();
-        const int label = remembered.value_or(-1);
-        EXPECT_EQ(m_coordinator.currentPageIndex(), shown) << label;
-        EXPECT_EQ(view->currentPageIndex(), shown) << label;
-        EXPECT_EQ(RecentPageStore::pageIndex(m_defaults, m_url), shown) << label;
+        EXPECT_EQ(m_coordinator.currentPageIndex(), shown) << kept.value_or(-1);
+        EXPECT_EQ(view->currentPageIndex(), shown) << kept.value_or(-1);
+        EXPECT_EQ(remembered(), shown) << kept.value_or(-1);
     }
 }
 
@@ -87,21 +77,10 @@ TEST_F(PDFKitRepresentedViewTest, opensTheFileAtTheScaleThatTheReaderChose) {
         return opened;
     };
     EXPECT_EQ(closedAt(1.75), 0) << "fits the width when it was never read";
-    EXPECT_EQ(closedAt(0.5), 1.75);
-    EXPECT_EQ(closedAt(0), 0.5);
+    EXPECT_EQ(closedAt(0), 1.75);
     EXPECT_EQ(closedAt(0), 0) << "fits the width again";
     m_defaults.setDictionary(QStringLiteral("RecentScaleStore.scaleByPath"), {{m_url.path(), QStringLiteral("wide")}});
     EXPECT_EQ(closedAt(2), 0);
-}
-
-TEST_F(PDFKitRepresentedViewTest, aDocumentWithoutAFileTouchesNoRememberedPage) {
-    RecentPageStore::setPageIndex(m_defaults, 3, QUrl());
-    m_represented.fileURL = QUrl();
-    AnnotatingPDFView* const view = makeView();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(view->currentPageIndex(), 0);
-    view->goToLastPage();
-    EXPECT_EQ(RecentPageStore::pageIndex(m_defaults, QUrl()), 3);
 }
 
 TEST_F(PDFKitRepresentedViewTest, makesAReaderThatIsWiredBeforeTheCoordinatorTellsOfIt) {
@@ -109,18 +88,16 @@ TEST_F(PDFKitRepresentedViewTest, makesAReaderThatIsWiredBeforeTheCoordinatorTel
     m_represented.onAskAI = [&](const QString& prompt, bool send) { received << prompt + QString::number(send); };
     m_represented.onTextExtracted = [&](const QString& text) { received << text; };
     m_represented.onRedactionDrawn = [&] { received << QStringLiteral("drawn"); };
-    int told = 0;
     QObject::connect(&m_coordinator, &PDFViewCoordinator::objectWillChange, &m_coordinator, [&] {
-        ++told;
+        received << QStringLiteral("told");
         const AnnotatingPDFView* const attached = m_coordinator.pdfView();
         ASSERT_NE(attached, nullptr);
         EXPECT_EQ(attached->toolState(), m_represented.toolState);
         EXPECT_EQ(attached->docUndoManager(), m_represented.undoManager);
         EXPECT_EQ(m_coordinator.fileURL(), m_url);
-        EXPECT_EQ(m_coordinator.pageIndicator(), QStringLiteral("1 of 6"));
+        EXPECT_EQ(indicator(), "1 of 6");
     });
     AnnotatingPDFView* const view = makeView();
-    EXPECT_EQ(told, 1);
     EXPECT_TRUE(view->autoScales());
     EXPECT_TRUE(view->displaysPageBreaks());
     EXPECT_EQ(view->displayMode(), PDFDisplayMode::singlePageContinuous);
@@ -128,34 +105,79 @@ TEST_F(PDFKitRepresentedViewTest, makesAReaderThatIsWiredBeforeTheCoordinatorTel
     view->onAskAI(QStringLiteral("Why?"), true);
     view->onTextExtracted(QStringLiteral("text"));
     view->onRedactionDrawn();
-    EXPECT_EQ(received.join(u','), QStringLiteral("Why?1,text,drawn"));
-}
-
-TEST_F(PDFKitRepresentedViewTest, theBackgroundFollowsADarkDesktop) {
-    AnnotatingPDFView* const view = makeView();
+    EXPECT_EQ(received.join(u','), QStringLiteral("told,Why?1,text,drawn"));
     view->setPalette(QPalette(Qt::white, Qt::black, Qt::gray, Qt::black, Qt::darkGray, Qt::white, Qt::black));
     QCoreApplication::processEvents();
-    EXPECT_LT(view->backgroundColor().lightness(), 60);
+    EXPECT_LT(view->backgroundColor().lightness(), 60) << "it follows a dark desktop";
 }
 
 TEST_F(PDFKitRepresentedViewTest, anUpdateKeepsThePlaceUnlessAnotherDocumentComes) {
     AnnotatingPDFView* const view = makeView();
     QCoreApplication::processEvents();
     view->goToPage(m_represented.pdfDocument->page(3));
-
     m_represented.toolState = std::make_shared<ToolState>();
     m_represented.undoManager = std::make_shared<UndoManager>();
-    m_represented.onAskAI = {};
     m_represented.updateView(*view);
     EXPECT_EQ(view->currentPageIndex(), 3);
     EXPECT_EQ(view->toolState(), m_represented.toolState);
     EXPECT_EQ(view->docUndoManager(), m_represented.undoManager);
-    EXPECT_FALSE(view->onAskAI);
 
     m_represented.pdfDocument = documentOf(2);
     m_represented.updateView(*view);
     EXPECT_EQ(view->document(), m_represented.pdfDocument);
-    EXPECT_EQ(m_coordinator.pageIndicator(), QStringLiteral("1 of 2"));
+    EXPECT_EQ(indicator(), "1 of 2");
+}
+
+TEST_F(PDFKitRepresentedViewTest, theCoordinatorFollowsThePagesAndRemembersThemForTheFile) {
+    EXPECT_EQ(indicator(), "");
+    m_coordinator.observePageChanges(); // without a view there is nothing to observe
+    AnnotatingPDFView* const view = makeView();
+    QCoreApplication::processEvents();
+    QStringList told;
+    QObject::connect(&m_coordinator, &PDFViewCoordinator::pageIndicatorChanged, &m_coordinator,
+                     [&told](const QString& text) { told << text; });
+    m_coordinator.observePageChanges();
+    view->goToLastPage();
+    EXPECT_EQ(m_coordinator.currentPageIndex(), 5);
+    EXPECT_EQ(remembered(), 5);
+    EXPECT_EQ(told.join(u','), QStringLiteral("6 of 6")) << "observed twice, told once";
+    view->verticalScrollBar()->setValue(0);
+    EXPECT_EQ(remembered(), 0);
+    // A page before the current one goes: the number changes though the page stays.
+    view->goToPage(view->document()->page(4));
+    view->document()->removePage(0);
+    view->layoutDocumentView();
+    m_coordinator.updatePageIndicator();
+    EXPECT_EQ(indicator(), "4 of 5");
+
+    m_coordinator.setFileURL(QUrl()); // a document without a file
+    view->goToPage(view->document()->page(1));
+    EXPECT_EQ(remembered(), 3);
+    EXPECT_EQ(RecentPageStore::pageIndex(m_defaults, QUrl()), std::nullopt);
+    m_represented.makeView(&m_window);
+    view->goToPage(view->document()->page(2));
+    EXPECT_EQ(indicator(), "1 of 5") << "another view is attached";
+    m_coordinator.pdfView()->setDocument(std::make_shared<PDFDocument>());
+    m_coordinator.updatePageIndicator();
+    EXPECT_EQ(indicator(), "");
+    EXPECT_EQ(m_coordinator.currentPageIndex(), std::nullopt);
+}
+
+TEST_F(PDFKitRepresentedViewTest, theCoordinatorMarksThroughTheViewerUntilItIsGone) {
+    std::unique_ptr<AnnotatingPDFView> view(makeView());
+    const auto page = view->document()->page(0);
+    EXPECT_FALSE(m_coordinator.applyMarkup(MarkupAction::highlight)); // nothing is selected
+    for (const MarkupActionInfo& row : allMarkupActions()) {
+        view->setCurrentSelection(page->selectAll());
+        EXPECT_TRUE(m_coordinator.applyMarkup(row.action));
+        ASSERT_FALSE(page->annotations().empty());
+        EXPECT_EQ(page->annotations().back()->type(), row.subtype);
+    }
+    view.reset();
+    EXPECT_EQ(m_coordinator.pdfView(), nullptr);
+    EXPECT_FALSE(m_coordinator.applyMarkup(MarkupAction::highlight));
+    m_coordinator.updatePageIndicator();
+    EXPECT_EQ(indicator(), "");
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "PDFPage.h"
 #include "PageText.h"
 #include "PdfFixtures.h"
+#include "PdfPrograms.h"
 #include "ToolState.h"
 #include "UndoManager.h"
 
@@ -15,14 +16,22 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
 #include <vector>
+
+inline void expectNear(const QRectF& rect, const QRectF& expected, double tolerance = 0.01) {
+    EXPECT_NEAR(rect.left(), expected.left(), tolerance);
+    EXPECT_NEAR(rect.top(), expected.top(), tolerance);
+    EXPECT_NEAR(rect.right(), expected.right(), tolerance);
+    EXPECT_NEAR(rect.bottom(), expected.bottom(), tolerance);
+}
 
 /// A shown viewer of a document of two pages with four lines of text each, with a tool state and an undo manager.
 /// Points are in page coordinates of the first page unless told otherwise.
 class ViewerTest : public testing::Test {
 protected:
+    using Annotations = std::vector<std::shared_ptr<PDFAnnotation>>;
+
     ViewerTest() {
         PdfFixture fixture;
         for (const QString& page : {QStringLiteral("one"), QStringLiteral("two")}) {
@@ -30,11 +39,12 @@ protected:
                              QStringLiteral("Second line, a longer one"), QStringLiteral("Third"),
                              QStringLiteral("Fourth line")});
         }
-        show(PDFDocument::fromData(fixture.bytes()));
+        show(fixture);
         m_view.setToolState(m_toolState);
         m_view.setDocUndoManager(m_undoManager);
     }
 
+    void show(PdfFixture& fixture) { show(PDFDocument::fromData(fixture.bytes())); }
     void show(const std::shared_ptr<PDFDocument>& document) {
         m_document = document;
         m_view.setDocument(m_document);
@@ -44,8 +54,9 @@ protected:
     }
 
     [[nodiscard]] std::shared_ptr<PDFPage> page(int index = 0) const { return m_document->page(index); }
-    [[nodiscard]] const std::vector<std::shared_ptr<PDFAnnotation>>& annotations() const {
-        return page()->annotations();
+    [[nodiscard]] const Annotations& annotations() const { return page()->annotations(); }
+    [[nodiscard]] QRectF line(int index, int pageIndex = 0) const {
+        return page(pageIndex)->text()->lines.at(std::size_t(index)).bounds;
     }
     [[nodiscard]] QPointF onScreen(QPointF point) const { return m_view.convertFromPage(point, *page()); }
 
@@ -73,19 +84,20 @@ protected:
         endTurn();
     }
     /// The text editor that lies over the page; null when none is open.
-    [[nodiscard]] QTextEdit* openEditor() const {
-        const auto editors = m_view.viewport()->findChildren<QTextEdit*>();
-        const auto found =
-            std::find_if(editors.begin(), editors.end(), [](const QTextEdit* editor) { return editor->isVisible(); });
-        return found == editors.end() ? nullptr : *found;
+    template <typename Editor = QTextEdit>
+    [[nodiscard]] Editor* openEditor() const {
+        for (Editor* const editor : m_view.viewport()->findChildren<Editor*>())
+            if (editor->isVisible())
+                return editor;
+        return nullptr;
     }
     /// What the user does next is another undo step.
     static void endTurn() { QCoreApplication::processEvents(); }
 
     /// From the start of a line to the end of another; lines and pages are zero-based.
     void select(int fromPage, int fromLine, int toPage, int toLine) {
-        const auto from = page(fromPage)->text()->lines.at(std::size_t(fromLine)).bounds;
-        const auto to = page(toPage)->text()->lines.at(std::size_t(toLine)).bounds;
+        const QRectF from = line(fromLine, fromPage);
+        const QRectF to = line(toLine, toPage);
         m_view.setCurrentSelection(m_document->selection(*page(fromPage), {from.left() - 2, from.center().y()},
                                                          *page(toPage), {to.right() + 2, to.center().y()}));
     }
