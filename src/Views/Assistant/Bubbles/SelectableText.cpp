@@ -53,7 +53,7 @@ SelectableText::~SelectableText() = default;
 
 /// Each line is a paragraph, which has a direction of its own.
 void SelectableText::write() {
-    MarkdownTextWriter writer(MarkdownStyle(palette()), {}, {});
+    MarkdownTextWriter writer(MarkdownStyle(palette()), {}, {}, 0);
     QTextCursor cursor(document());
     const QStringList lines = m_shown.split(u'\n');
     for (qsizetype i = 0; i < lines.size(); ++i) {
