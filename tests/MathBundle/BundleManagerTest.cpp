@@ -100,7 +100,8 @@ TEST(MTFontV2, fourThreadsMeasureWithOneFont) {
         Measures all(static_cast<std::size_t>(count));
         for (int turn = 0; turn < count; ++turn) {
             const auto glyph = static_cast<CGGlyph>(turn * step % count);
-            all[glyph] = {measured.ctFont()->boundingBox(glyph), measured.defaultCGFont()->glyphPath(glyph).elementCount()};
+            all[glyph] = {measured.ctFont()->boundingBox(glyph),
+                          measured.defaultCGFont()->glyphPath(glyph).elementCount()};
         }
         return all;
     };
