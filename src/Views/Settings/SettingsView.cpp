@@ -32,6 +32,7 @@ static QLabel* makeHeading(const QString& text) {
 
 static void setNote(QLabel& note, const QString& text) {
     note.setText(text);
+    note.setMinimumHeight(0); // or the height for a width would be no less
     note.setFixedHeight(std::max(0, note.heightForWidth(note.maximumWidth()))); // -1 without text
 }
 
