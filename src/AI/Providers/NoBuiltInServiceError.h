@@ -9,6 +9,6 @@ class NoBuiltInServiceError : public std::runtime_error {
 public:
     NoBuiltInServiceError()
         : std::runtime_error(QStringLiteral("This copy of Quillo has no built-in AI service: save a key of your own in "
-                                            "Quillo > Settings…, then open the document again to ask.")
+                                            "Edit > Settings…, then open the document again to ask.")
                                  .toStdString()) {}
 };

@@ -22,8 +22,9 @@ bool isAnswered(QNetworkReply::NetworkError error, int status) {
     if (error == QNetworkReply::NoError)
         return true;
     constexpr int firstRefusal = 400;
-    // Qt's errors for the statuses from 400 on: those of the content, and those of the server.
+    // Qt's errors for the statuses from 400 on: one for 400 itself, those of the content, and those of the server.
     const bool standsForStatus =
+        error == QNetworkReply::ProtocolInvalidOperationError ||
         (error > QNetworkReply::UnknownProxyError && error <= QNetworkReply::UnknownContentError) ||
         error >= QNetworkReply::InternalServerError;
     return status >= firstRefusal && standsForStatus;
@@ -57,7 +58,7 @@ void checkURL(const QUrl& url) {
     if ((scheme != u"https" && scheme != u"http") || url.host().isEmpty()) {
         throw URLSessionError(
             QStringLiteral("The API URL isn't one of a web service. It must begin with https:// or http://. Change "
-                           "it in Quillo > Settings…"));
+                           "it in Edit > Settings…"));
     }
 }
 

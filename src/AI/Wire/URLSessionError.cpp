@@ -11,7 +11,7 @@ static QString whatHappened(QNetworkReply::NetworkError error, bool isBuiltIn) {
     case QNetworkReply::HostNotFoundError:
         return isBuiltIn ? QStringLiteral(" couldn't be found. Check your internet connection.")
                          : QStringLiteral(" couldn't be found. Check your internet connection and the API URL in "
-                                          "Quillo > Settings…");
+                                          "Edit > Settings…");
     case QNetworkReply::RemoteHostClosedError:
         return QStringLiteral(" ended the connection before its answer was complete. Ask again.");
     case QNetworkReply::TimeoutError:

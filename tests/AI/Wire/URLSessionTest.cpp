@@ -103,6 +103,8 @@ TEST_F(URLSessionTest, TellsWhyThereIsNoAnswerAndGoesOn) {
          "couldn't be asked because the connection failed"},
         {"nested deeply", LoopbackServer::json(200, QByteArray(10'000, '[') + QByteArray(10'000, ']')),
          "sent an answer that Quillo can't read"},
+        {"refused", LoopbackServer::json(400, R"({"error":{"message":"No such model"}})"),
+         "API error (400): No such model"},
         {"no JSON", LoopbackServer::json(502, "<html>"), "sent an answer that Quillo can't read"},
     };
     for (const auto& each : cases) {
@@ -142,13 +144,13 @@ TEST_F(URLSessionTest, TellsWhyThereIsNoConnection) {
          "The AI service at “127.0.0.1” couldn't prove who it is, so nothing was sent to it."},
         {QUrl(QStringLiteral("http://nobody.invalid/ask")),
          "The AI service at “nobody.invalid” couldn't be found. Check your internet connection and the API URL in "
-         "Quillo > Settings…"},
+         "Edit > Settings…"},
         {QUrl(QStringLiteral("localhost:11434/v1")),
          "The API URL isn't one of a web service. It must begin with https:// or "
-         "http://. Change it in Quillo > Settings…"},
+         "http://. Change it in Edit > Settings…"},
         {QUrl(QStringLiteral("file:///etc/hostname")),
          "The API URL isn't one of a web service. It must begin with https:// or "
-         "http://. Change it in Quillo > Settings…"},
+         "http://. Change it in Edit > Settings…"},
     };
     for (const auto& each : cases) {
         setService(each.url);
