@@ -132,7 +132,9 @@ void AssistantViewModel::attach(const QUrl& file) {
         if (reading != m_fileReadings)
             return;
         setFileBeingRead(std::nullopt);
-        if (!text.trimmed().isEmpty())
+        if (text.trimmed().isEmpty())
+            Q_EMIT attachmentRefused(name);
+        else
             setAttachment(name, text);
     });
 }

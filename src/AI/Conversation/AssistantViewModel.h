@@ -111,6 +111,8 @@ Q_SIGNALS:
     void attachmentNameChanged();
     void attachmentContentChanged();
     void nameOfFileBeingReadChanged();
+    /// The file of that name has no text to attach; all stays as it is.
+    void attachmentRefused(const QString& name);
 
 private:
     AssistantViewModel(const AssistantSource& source, std::shared_ptr<AIProvider> provider);

@@ -71,6 +71,10 @@ AssistantPanel::AssistantPanel(std::shared_ptr<AssistantViewModel> viewModel, QW
     connect(model, &AssistantViewModel::turnsChanged, this, [this] { m_list->setTurns(m_viewModel->turns()); });
     connect(model, &AssistantViewModel::isRunningChanged, this,
             [this] { m_list->setTyping(m_viewModel->isRunning()); });
+    connect(model, &AssistantViewModel::attachmentRefused, this, [this](const QString& name) {
+        tell(QStringLiteral("“%1” can't be attached: there is no text in it that Quillo can read, or more than 64 MB.")
+                 .arg(name));
+    });
     connect(m_list, &AssistantBubbleList::regenerateRequested, model, &AssistantViewModel::submit);
     connect(m_list, &AssistantBubbleList::noticeRequested, this, &AssistantPanel::tell);
     connect(m_list, &AssistantBubbleList::pageRequested, this, &AssistantPanel::goToPage);

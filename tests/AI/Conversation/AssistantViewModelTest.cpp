@@ -221,6 +221,7 @@ TEST_F(AssistantViewModelTest, SendsTheTextOfAnAttachment) {
     QFile huge(file(QStringLiteral("huge.txt"), {}).toLocalFile());
     ASSERT_TRUE(huge.resize(qint64(1) << 36)) << "which takes no room on the disk";
     const auto viewModel = open();
+    QSignalSpy refused(viewModel.get(), &AssistantViewModel::attachmentRefused);
     for (const QUrl& useless :
          {file(QStringLiteral("blank.txt"), " \n "), file(QStringLiteral("latin.txt"), "caf\xe9"),
           file(QStringLiteral("broken.pdf"), "text"), QUrl::fromLocalFile(m_folder.path()), QUrl(),
@@ -229,6 +230,7 @@ TEST_F(AssistantViewModelTest, SendsTheTextOfAnAttachment) {
         viewModel->attach(useless);
         ASSERT_TRUE(hasRead(*viewModel));
         EXPECT_FALSE(viewModel->attachmentName()) << qPrintable(useless.toString());
+        EXPECT_EQ(refused.takeFirst().value(0).toString(), useless.fileName()) << "and it is told";
     }
     viewModel->onChooseFile = [&pdf](const QStringList&, const std::function<void(const QUrl&)>& chosen) {
         chosen(pdf);
