@@ -47,16 +47,19 @@ QStringList paragraphs(QString text) {
     return text.split(u'\n');
 }
 
-/// Breaks a paragraph into lines from the top at `y` down, on the side where its script begins. Gives where the next
-/// paragraph begins.
-double layOut(QTextLayout& layout, double width, double y) {
+/// Breaks a paragraph into lines from the top at `y` down, on the side where its script begins; lines that would begin
+/// below `bottom` are left out. Gives where the next paragraph begins.
+double layOut(QTextLayout& layout, double width, double y, double bottom) {
     const bool fromTheRight = layout.text().isRightToLeft();
     QTextOption option(fromTheRight ? Qt::AlignRight : Qt::AlignLeft);
     option.setTextDirection(fromTheRight ? Qt::RightToLeft : Qt::LeftToRight);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
     layout.beginLayout();
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    while (y < bottom) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
         line.setLeadingIncluded(true);
         line.setLineWidth(width);
         line.setPosition(QPointF(0, y));
@@ -76,7 +79,7 @@ void PageTextPainting::drawWrapped(QPainter& painter, const QString& text, const
             if (y >= upright.height())
                 break;
             QTextLayout layout(paragraph, painter.font(), painter.device());
-            y = layOut(layout, upright.width(), y);
+            y = layOut(layout, upright.width(), y, upright.height());
             layout.draw(&painter, QPointF());
         }
     });
@@ -91,7 +94,7 @@ QSizeF PageTextPainting::wrappedSize(const QString& text, const QFont& font, dou
     QSizeF size;
     for (const QString& paragraph : paragraphs(text)) {
         QTextLayout layout(paragraph, painter.font(), &anywhere);
-        size.setHeight(layOut(layout, std::clamp(width, 1.0, unlimited), size.height()));
+        size.setHeight(layOut(layout, std::clamp(width, 1.0, unlimited), size.height(), unlimited));
         for (int i = 0; i < layout.lineCount(); ++i)
             size.setWidth(std::max(size.width(), layout.lineAt(i).naturalTextWidth()));
     }
