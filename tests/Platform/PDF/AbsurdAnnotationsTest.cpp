@@ -56,70 +56,77 @@ QByteArrayList absurdities() {
     return all;
 }
 
-struct Case {
-    std::shared_ptr<PDFDocument> document;
-    QByteArray before;
-};
-
-/// A page with the annotation among entries that are none, and other pages: many, so that a save can append.
-Case open(const QByteArray& keys, bool many) {
+/// Each annotation among entries that are none, on a page of its own; then a page of another kind, large when a save is
+/// to append.
+QByteArray fileOf(const QByteArrayList& absurdities, bool large) {
     PdfFixture pdf;
-    pdf.addPage({QStringLiteral("Words")}, {200, 200});
-    pdf.addAnnotation(0, "null");
-    const QByteArray annotation = pdf.reserveObject();
-    pdf.fillObject(annotation,
-                   "<< /Type /Annot /Mark (still here) " + QByteArray(keys).replace("SELF", annotation) + " >>");
-    pdf.appendToArray(pdf.pageReference(0), "/Annots", annotation);
-    pdf.appendToArray(pdf.pageReference(0), "/Annots", "42");
+    for (int page = 0; page < absurdities.size(); ++page) {
+        pdf.addPage({QStringLiteral("Words")}, {200, 200});
+        pdf.addAnnotation(page, "null");
+        const QByteArray annotation = pdf.reserveObject();
+        pdf.fillObject(annotation, "<< /Type /Annot /Mark (kept " + QByteArray::number(page) + ") " +
+                                       QByteArray(absurdities[page]).replace("SELF", annotation) + " >>");
+        pdf.appendToArray(pdf.pageReference(page), "/Annots", annotation);
+        pdf.appendToArray(pdf.pageReference(page), "/Annots", "42");
+    }
     pdf.addPage({});
-    if (many)
-        pdf.setPageKey(1, "/Bulk", pdf.addStream("<< >>", QByteArray(300'000, 'x')));
-    const QByteArray bytes = pdf.bytes();
-    return {PDFDocument::fromData(bytes), bytes};
+    if (large)
+        pdf.setPageKey(static_cast<int>(absurdities.size()), "/Bulk",
+                       pdf.addStream("<< >>", QByteArray(3'000'000, 'x')));
+    return pdf.bytes();
 }
 
-void drawAndRead(const PDFDocument& document) {
-    const auto page = document.page(0);
-    EXPECT_FALSE(page->thumbnail({120, 120}, PDFDisplayBox::cropBox).isNull());
+void drawAndRead(const PDFPage& page) {
+    EXPECT_FALSE(page.thumbnail({120, 120}, PDFDisplayBox::cropBox).isNull());
     QImage image(200, 200, QImage::Format_RGB32);
     QPainter painter(&image);
-    page->draw(PDFDisplayBox::mediaBox, painter);
-    for (const auto& annotation : page->annotations()) {
+    page.draw(PDFDisplayBox::mediaBox, painter);
+    for (const auto& annotation : page.annotations()) {
         annotation->draw(PDFDisplayBox::mediaBox, painter); // also what the engine draws as a rule
         (void)annotation->drawnArea();
         (void)annotation->destination();
-        (void)page->annotation(annotation->bounds().center());
+        (void)page.annotation(annotation->bounds().center());
     }
 }
 
-/// Whether the annotation itself is changed too, or only something else on its page.
+void change(const PDFPage& page) {
+    for (const auto& annotation : page.annotations()) {
+        annotation->setColor(QColor(Qt::blue));
+        annotation->setContents(QStringLiteral("changed"));
+        annotation->setBorder(PDFBorder{3, PDFBorderStyle::dashed, {2, 1}});
+        annotation->setFontColor(QColor(Qt::red));
+        annotation->setWidgetStringValue(QStringLiteral("value"));
+    }
+}
+
+/// Whether the annotations themselves are changed too, or only something else on their pages.
 class AbsurdAnnotationsTest : public testing::TestWithParam<bool> {};
 
 } // namespace
 
 TEST_P(AbsurdAnnotationsTest, AreDrawnIfTheyCanBeAndKeptInAnyCase) {
-    for (const QByteArray& keys : absurdities()) {
-        SCOPED_TRACE(keys.left(200).toStdString());
-        for (const bool append : {true, false}) {
-            const auto [document, before] = open(keys, append);
-            drawAndRead(*document);
-            for (const auto& annotation : document->page(0)->annotations()) {
-                if (!GetParam())
-                    break;
-                annotation->setColor(QColor(Qt::blue));
-                annotation->setContents(QStringLiteral("changed"));
-                annotation->setBorder(PDFBorder{3, PDFBorderStyle::dashed, {2, 1}});
-                annotation->setFontColor(QColor(Qt::red));
-                annotation->setWidgetStringValue(QStringLiteral("value"));
-            }
-            const auto square = std::make_shared<PDFAnnotation>(QRectF(5, 5, 10, 10), PDFAnnotationSubtype::square);
-            document->page(0)->addAnnotation(square);
-            if (!append)
-                document->removePage(1);
-            const QByteArray file = document->dataRepresentation();
-            EXPECT_EQ(file.startsWith(before), append);
-            EXPECT_EQ(PdfPrograms::unpacked(file).count("(still here)"), 1);
-            drawAndRead(*PDFDocument::fromData(file));
+    const QByteArrayList all = absurdities();
+    for (const bool append : {true, false}) {
+        const QByteArray before = fileOf(all, append);
+        const auto document = PDFDocument::fromData(before);
+        for (int page = 0; page < all.size(); ++page) {
+            SCOPED_TRACE(all[page].left(200).toStdString());
+            drawAndRead(*document->page(page));
+            if (GetParam())
+                change(*document->page(page));
+            document->page(page)->addAnnotation(
+                std::make_shared<PDFAnnotation>(QRectF(5, 5, 10, 10), PDFAnnotationSubtype::square));
+        }
+        if (!append)
+            document->removePage(document->pageCount() - 1);
+        const QByteArray file = document->dataRepresentation();
+        EXPECT_EQ(file.startsWith(before), append);
+        const QByteArray unpacked = PdfPrograms::unpacked(file);
+        const auto again = PDFDocument::fromData(file);
+        for (int page = 0; page < all.size(); ++page) {
+            SCOPED_TRACE(all[page].left(200).toStdString());
+            EXPECT_EQ(unpacked.count("(kept " + QByteArray::number(page) + ')'), 1);
+            drawAndRead(*again->page(page));
         }
     }
 }

@@ -87,12 +87,12 @@ TEST(StrangePages, thatCantBeReadAreShownAsPaper) {
 }
 
 TEST(StrangePages, manyOfThemStayWithinTheMemoryAllowed) {
-    ShownView view(sampleDocument(60));
+    ShownView view(sampleDocument(25));
     constexpr qint64 limit = 12 << 20;
     constexpr qint64 standIns = 12 << 20;
     view.setTileCacheLimit(limit);
     qint64 most = 0;
-    for (int i = 0; i < 60; ++i) {
+    for (int i = 0; i < 25; ++i) {
         view.goToPage(view.page(i));
         view.waitUntilSharp();
         most = std::max(most, view.tileCacheBytes());
