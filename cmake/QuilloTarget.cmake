@@ -81,17 +81,20 @@ function(quillo_room target)
     quillo_use_precompiled(${target} ${ARG_LIBRARIES})
 endfunction()
 
-# quillo_test(<target> SOURCES … LIBRARIES <libraries> [TIMEOUT <seconds>])
+# quillo_test(<target> [COST <seconds>] SOURCES … LIBRARIES <libraries> [TIMEOUT <seconds>])
 # One test program a folder or subsystem; main() comes from tests/TestMain.cpp. ctest runs each program once, without a
-# display: its tests share a process, which takes a third of the time that a process each did. TIMEOUT is for the whole
-# program and only catches one that hangs.
+# display: its tests share a process, which takes a third of the time that a process each did. COST is about what the program
+# takes: ctest begins with the longest, so that none is left alone at the end. TIMEOUT only catches one that hangs.
 function(quillo_test target)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "TIMEOUT" "SOURCES;LIBRARIES")
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "COST;TIMEOUT" "SOURCES;LIBRARIES")
     if(ARG_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "quillo_test(${target}): what is ${ARG_UNPARSED_ARGUMENTS}?")
     endif()
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 900)
+    endif()
+    if(NOT ARG_COST)
+        set(ARG_COST 1)
     endif()
     add_executable(${target} ${ARG_SOURCES})
     target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
@@ -99,5 +102,5 @@ function(quillo_test target)
     target_precompile_headers(${target} REUSE_FROM quillo_precompiled_tests)
     add_test(NAME ${target} COMMAND ${target})
     set_tests_properties(${target} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_SCALE_FACTOR=1"
-                         TIMEOUT ${ARG_TIMEOUT})
+                         TIMEOUT ${ARG_TIMEOUT} COST ${ARG_COST})
 endfunction()
