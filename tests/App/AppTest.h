@@ -1,11 +1,14 @@
 #pragma once
 
+#include "AnnotatingPDFView.h"
 #include "ContentView.h"
 #include "DocumentTabBar.h"
 #include "FileReading.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
+#include "PDFEditorWorkspaceView.h"
 #include "PDFPage.h"
+#include "PassingNotice.h"
 #include "QuilloApp.h"
 #include "RecoveryStore.h"
 #include "TestPdf.h"
@@ -15,11 +18,11 @@
 #include <QDir>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTabBar>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
-#include <deque>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -28,16 +31,12 @@
 class ScriptedDialogs : public DocumentDialogs {
 public:
     using SaveAnswer = DocumentPresenter::SaveAnswer;
+    using OverwriteAnswer = DocumentPresenter::OverwriteAnswer;
 
     SaveAnswer askToSave(QWidget*, const QString& documentName) override {
-        askedToSave.append(documentName);
-        if (saveAnswers.empty()) {
-            ADD_FAILURE() << "Nobody expected a question about " << documentName.toStdString();
-            return SaveAnswer::Cancel;
-        }
-        const SaveAnswer answer = saveAnswers.front();
-        saveAnswers.pop_front();
-        return answer;
+        note("save", documentName);
+        EXPECT_TRUE(saveAnswer) << "Nobody expected a question about " << documentName.toStdString();
+        return std::exchange(saveAnswer, std::nullopt).value_or(SaveAnswer::Cancel);
     }
 
     SaveAllAnswer askToSaveAll(QWidget*, const std::vector<UnsavedDocumentsDialog::Entry>& documents) override {
@@ -45,19 +44,19 @@ public:
         SaveAllAnswer reply{SaveAnswer::Cancel, {}};
         for (const auto& entry : documents) {
             names.append(entry.name);
-            reply.checked.push_back(!unchecked.contains(entry.name));
+            reply.checked.push_back(entry.name != unchecked);
         }
         reply.answer = askToSave(nullptr, names.join(u','));
         return reply;
     }
 
-    DocumentPresenter::OverwriteAnswer askAboutChangedFile(QWidget*, const QString& documentName) override {
-        askedAboutChange.append(documentName);
+    OverwriteAnswer askAboutChangedFile(QWidget*, const QString& documentName) override {
+        note("changed", documentName);
         return changedFileAnswer;
     }
 
-    DocumentPresenter::OverwriteAnswer askAboutSignatures(QWidget*, const QString& documentName) override {
-        askedAboutSignature.append(documentName);
+    OverwriteAnswer askAboutSignatures(QWidget*, const QString& documentName) override {
+        note("signatures", documentName);
         return changedFileAnswer;
     }
 
@@ -65,12 +64,12 @@ public:
     bool askToRevert(QWidget*, const QString&) override { return reverts; }
 
     bool offerSaveAs(QWidget*, const QString& title, const QString& sentence) override {
-        errors.append(title + QStringLiteral(" ") + sentence);
+        presentError(nullptr, title, sentence);
         return false;
     }
 
     std::optional<QString> chooseSaveLocation(QWidget*, const QString& suggestedPath) override {
-        suggestedPaths.append(suggestedPath);
+        note("choose", suggestedPath);
         return saveLocation;
     }
 
@@ -79,33 +78,37 @@ public:
     void offerToBecomeDefault(Answered) override {}
 
     QDialog* presentPrinting(QWidget*, const QStringList& documentNames, Answered answered) override {
-        printing = documentNames;
+        note("printing", documentNames.join(u','));
         quitsNow = std::move(answered);
         return nullptr;
     }
 
     void presentMessage(QWidget*, const QString&, const QString&) override {}
     void presentError(QWidget*, const QString& title, const QString& sentence) override {
-        errors.append(title + QStringLiteral(" ") + sentence);
+        m_calls.append(title + u' ' + sentence);
     }
 
-    std::deque<SaveAnswer> saveAnswers;
-    QStringList unchecked; ///< names in the question about several documents
-    DocumentPresenter::OverwriteAnswer changedFileAnswer = DocumentPresenter::OverwriteAnswer::Cancel;
-    QStringList askedAboutChange;
-    QStringList askedAboutSignature;
+    /// Everything since the last call.
+    std::string takeCalls() { return std::exchange(m_calls, {}).join(QStringLiteral("; ")).toStdString(); }
+
+    std::optional<SaveAnswer> saveAnswer; ///< once
+    QString unchecked;                    ///< a name in the question about several documents
+    OverwriteAnswer changedFileAnswer = OverwriteAnswer::Cancel;
     bool reverts = false;
-    QStringList printing; ///< what quitting waited for
-    Answered quitsNow;
+    Answered quitsNow; ///< what quitting waits for while something is printed
     std::optional<QString> saveLocation;
-    QStringList askedToSave;
-    QStringList suggestedPaths;
-    QStringList errors;
+
+private:
+    void note(const char* what, const QString& name) { m_calls.append(QLatin1String(what) + u' ' + name); }
+
+    QStringList m_calls;
 };
 
 /// The whole program with scripted answers, launched by the test.
 class AppTest : public testing::Test {
 protected:
+    using SaveAnswer = ScriptedDialogs::SaveAnswer;
+
     void SetUp() override {
         FileReading::patience = std::chrono::minutes(1);
         auto dialogs = std::make_unique<ScriptedDialogs>();
@@ -114,10 +117,14 @@ protected:
     }
 
     void TearDown() override {
-        m_app.reset();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        end();
         // What was open and unsaved would be offered to the next test.
         QDir(RecoveryStore::standardFolder()).removeRecursively();
+    }
+
+    void end() {
+        m_app.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
     void launch(const QList<QUrl>& files = {}) {
@@ -127,23 +134,28 @@ protected:
 
     /// Lets everything happen that waits for the next turns of the event loop, and for what is being saved or imported.
     void settle() {
+        const auto isSaving = [this](const auto& each) { return m_app->controller().isSaving(*each); };
         for (int turn = 0; turn < 5; ++turn) {
             QCoreApplication::processEvents();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-            if (isSaving() || m_app->importer().isConverting()) {
+            const auto& documents = m_app->controller().documents();
+            if (std::any_of(documents.begin(), documents.end(), isSaving) || m_app->importer().isConverting()) {
                 QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
                 turn = 0;
             }
         }
     }
 
-    bool isSaving() {
-        const auto& documents = m_app->controller().documents();
-        return std::any_of(documents.begin(), documents.end(),
-                           [this](const auto& each) { return m_app->controller().isSaving(*each); });
+    QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
+    QUrl file(const char* name, const TestPdf& pdf = {}) { return pdf.write(m_folder.path(), QString::fromUtf8(name)); }
+
+    QUrl write(const char* name, const QByteArray& bytes) {
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        return QUrl::fromLocalFile(file.fileName());
     }
 
-    QUrl file(const QString& name, const TestPdf& pdf = {}) { return pdf.write(m_folder.path(), name); }
+    int savedPageCount(const char* name) { return PDFDocument::fromFile(path(name))->pageCount(); }
 
     void open(const QUrl& url) {
         m_app->delegate().openFiles({url});
@@ -154,7 +166,7 @@ protected:
         return std::dynamic_pointer_cast<PDFEditorDocument>(m_app->controller().documents().at(index));
     }
 
-    /// An edit that can be undone.
+    /// Takes away the first page, which can be undone.
     void edit(PDFEditorDocument& document) {
         const auto pdf = document.pdfDocument();
         const auto page = pdf->removePage(0);
@@ -167,23 +179,34 @@ protected:
     }
 
     DocumentWindow* window() { return m_app->presenter().documentWindow(); }
+    QTabBar* tabs() { return window()->findChild<QTabBar*>(QStringLiteral("documentTabs")); }
 
-    QStringList tabNames() {
+    // Of the tab that is in front.
+    PDFEditorWorkspaceView* workspace() { return window()->currentContentView()->workspace(); }
+    AnnotatingPDFView* view() { return workspace()->pdfView(); }
+    QString message() { return workspace()->notice().message(); }
+
+    std::string tabNames() {
         QStringList names;
         for (const ContentView* view : window()->contentViews())
             names.append(view->document()->displayName());
-        return names;
+        return names.join(QStringLiteral(", ")).toStdString();
     }
 
     /// The command of the document window's menu with that name.
-    QAction* command(const QString& name) {
+    QAction* command(const char* name) {
         for (const QAction* title : window()->menuBar()->actions()) {
             for (QAction* entry : title->menu()->actions()) {
-                if (entry->objectName() == name)
+                if (entry->objectName() == QLatin1String(name))
                     return entry;
             }
         }
-        throw std::runtime_error("There is no command " + name.toStdString());
+        throw std::runtime_error(std::string("There is no command ") + name);
+    }
+
+    void run(const char* name) {
+        command(name)->trigger();
+        settle();
     }
 
     bool landingIsVisible() {
@@ -191,10 +214,10 @@ protected:
         return welcome && welcome->window()->isVisible();
     }
 
-    int visibleWindowCount() const {
-        const QWidgetList windows = QApplication::topLevelWidgets();
-        return static_cast<int>(
-            std::count_if(windows.begin(), windows.end(), [](const QWidget* each) { return each->isVisible(); }));
+    static int visibleWindowCount() {
+        QWidgetList windows = QApplication::topLevelWidgets();
+        windows.removeIf([](const QWidget* each) { return !each->isVisible(); });
+        return static_cast<int>(windows.size());
     }
 
     QTemporaryDir m_folder;

@@ -7,16 +7,20 @@
 
 using Kind = CommandLine::Kind;
 
+namespace {
+
+CommandLine parsed(const QString& arguments, const QString& folder = QStringLiteral("/home/ann/papers")) {
+    return CommandLine::parse(arguments.split(u'|'), folder);
+}
+
 TEST(CommandLine, filesBecomeAbsoluteAndKeepTheirOrder) {
-    const CommandLine line =
-        CommandLine::parse({QStringLiteral("b.pdf"), QStringLiteral("/tmp/a b.pdf"), QStringLiteral("../c.pdf"),
-                            QStringLiteral("file:///srv/d%20e.pdf"), QString()},
-                           QStringLiteral("/home/ann/papers"));
+    const CommandLine line = parsed(QStringLiteral("b.pdf|/tmp/a b.pdf|../c.pdf|file:///srv/d%20e.pdf||--|--help"));
     EXPECT_EQ(line.kind, Kind::run);
     const QList<QUrl> expected = {QUrl::fromLocalFile(QStringLiteral("/home/ann/papers/b.pdf")),
                                   QUrl::fromLocalFile(QStringLiteral("/tmp/a b.pdf")),
                                   QUrl::fromLocalFile(QStringLiteral("/home/ann/c.pdf")),
-                                  QUrl::fromLocalFile(QStringLiteral("/srv/d e.pdf"))};
+                                  QUrl::fromLocalFile(QStringLiteral("/srv/d e.pdf")),
+                                  QUrl::fromLocalFile(QStringLiteral("/home/ann/papers/--help"))};
     EXPECT_EQ(line.files, expected);
 }
 
@@ -25,29 +29,19 @@ TEST(CommandLine, aFileThatIsNamedLikeAnAddressIsAFile) {
     ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("web:")));
     QFile file(folder.filePath(QStringLiteral("web:/page.pdf")));
     ASSERT_TRUE(file.open(QFile::WriteOnly));
-
-    EXPECT_EQ(CommandLine::parse({QStringLiteral("web:/page.pdf")}, folder.path()).files.constFirst(),
-              QUrl::fromLocalFile(file.fileName()));
-    EXPECT_EQ(CommandLine::parse({QStringLiteral("web:/other.pdf")}, folder.path()).files.constFirst(),
-              QUrl(QStringLiteral("web:/other.pdf")));
+    const QList<QUrl> expected = {QUrl::fromLocalFile(file.fileName()), QUrl(QStringLiteral("web:/other.pdf"))};
+    EXPECT_EQ(parsed(QStringLiteral("web:/page.pdf|web:/other.pdf"), folder.path()).files, expected);
 }
 
 TEST(CommandLine, optionsAreVersionAndHelpOnly) {
-    EXPECT_EQ(CommandLine::parse({QStringLiteral("--version")}, QStringLiteral("/")).kind, Kind::version);
-    EXPECT_EQ(CommandLine::parse({QStringLiteral("a.pdf"), QStringLiteral("--help")}, QStringLiteral("/")).kind,
-              Kind::help);
-
-    const CommandLine converter =
-        CommandLine::parse({QStringLiteral("--converter"), QStringLiteral("text"), QStringLiteral("-a")}, {});
+    EXPECT_EQ(parsed(QStringLiteral("--version")).kind, Kind::version);
+    EXPECT_EQ(parsed(QStringLiteral("a.pdf|--help")).kind, Kind::help);
+    const CommandLine converter = parsed(QStringLiteral("--converter|text|-a"));
     EXPECT_EQ(converter.kind, Kind::converter);
     EXPECT_EQ(converter.conversion, (QStringList{QStringLiteral("text"), QStringLiteral("-a")}));
-    const CommandLine mistaken =
-        CommandLine::parse({QStringLiteral("a.pdf"), QStringLiteral("-platform")}, QStringLiteral("/"));
+    const CommandLine mistaken = parsed(QStringLiteral("a.pdf|-platform"));
     EXPECT_EQ(mistaken.kind, Kind::mistake);
     EXPECT_TRUE(mistaken.mistake.contains(QStringLiteral("-platform")));
-
-    const CommandLine afterDashes =
-        CommandLine::parse({QStringLiteral("--"), QStringLiteral("--help")}, QStringLiteral("/folder"));
-    EXPECT_EQ(afterDashes.kind, Kind::run);
-    EXPECT_EQ(afterDashes.files, QList<QUrl>{QUrl::fromLocalFile(QStringLiteral("/folder/--help"))});
 }
+
+} // namespace

@@ -62,17 +62,23 @@ protected:
         return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    bool isDefault() {
+    /// The answer that comes later to what is called with a place for it.
+    std::optional<bool> answerTo(void (DefaultPDFHandler::*call)(std::function<void(bool)>)) {
         std::optional<bool> answer;
-        m_handler.isDefault([&answer](bool value) { answer = value; });
+        (m_handler.*call)([&answer](bool value) { answer = value; });
         EXPECT_TRUE(QTest::qWaitFor([&answer] { return answer.has_value(); }));
-        return answer.value_or(false);
+        return answer;
     }
 
-    /// Prompts and lets everything that follows from it happen.
-    void prompt() {
+    std::optional<bool> isDefault() { return answerTo(&DefaultPDFHandler::isDefault); }
+    std::optional<bool> setAsDefault() { return answerTo(&DefaultPDFHandler::setAsDefault); }
+
+    /// How many questions a prompt leads to, with everything that follows from it.
+    int prompt() {
+        m_questionCount = 0;
         m_handler.promptIfNeeded();
         EXPECT_TRUE(QTest::qWaitFor([this] { return m_handler.children().isEmpty(); }));
+        return m_questionCount;
     }
 
     QTemporaryDir m_folder;
@@ -87,59 +93,37 @@ protected:
 };
 
 TEST_F(DefaultPDFHandlerTest, asksTheDesktopAndTellsIt) {
-    EXPECT_FALSE(isDefault());
-    std::optional<bool> succeeded;
-    m_handler.setAsDefault([&succeeded](bool value) { succeeded = value; });
-    ASSERT_TRUE(QTest::qWaitFor([&succeeded] { return succeeded.has_value(); }));
-    EXPECT_TRUE(*succeeded);
+    EXPECT_EQ(isDefault(), false);
+    EXPECT_EQ(setAsDefault(), true);
     EXPECT_EQ(log(), "default org.quillo.Quillo.desktop application/pdf\n");
-    EXPECT_TRUE(isDefault());
-
+    EXPECT_EQ(isDefault(), true);
     write(m_folder.filePath(QStringLiteral("refuse")), "");
-    succeeded.reset();
-    m_handler.setAsDefault([&succeeded](bool value) { succeeded = value; });
-    ASSERT_TRUE(QTest::qWaitFor([&succeeded] { return succeeded.has_value(); }));
-    EXPECT_FALSE(*succeeded);
+    EXPECT_EQ(setAsDefault(), false);
 }
 
-TEST_F(DefaultPDFHandlerTest, isAskedOnceWhateverTheAnswer) {
-    m_answer = false;
-    prompt();
-    prompt();
-    EXPECT_EQ(m_questionCount, 1);
-    EXPECT_EQ(log(), "");
-    EXPECT_EQ(m_defaults.boolForKey(promptedKey()), true);
-}
-
-TEST_F(DefaultPDFHandlerTest, theFirstButtonSetsIt) {
-    prompt();
-    EXPECT_EQ(m_questionCount, 1);
-    EXPECT_EQ(log(), "default org.quillo.Quillo.desktop application/pdf\n");
-}
-
-TEST_F(DefaultPDFHandlerTest, theDefaultViewerIsNotAskedAndMayBeLater) {
+TEST_F(DefaultPDFHandlerTest, theUserIsAskedOnceUnlessItIsTheDefaultViewerOrCannotBeSet) {
     setCurrentViewer("org.quillo.Quillo.desktop\n");
-    prompt();
-    EXPECT_EQ(m_questionCount, 0);
-    EXPECT_FALSE(m_defaults.contains(promptedKey()));
+    EXPECT_EQ(prompt(), 0);
     setCurrentViewer("other.desktop\n");
-    prompt();
-    EXPECT_EQ(m_questionCount, 1);
-}
-
-TEST_F(DefaultPDFHandlerTest, withoutAWayToSetItThereIsNoQuestion) {
-    const auto expectNoQuestion = [this] {
-        EXPECT_FALSE(DefaultPDFHandler::canBeSet());
-        prompt();
-        EXPECT_EQ(m_questionCount, 0);
-        EXPECT_FALSE(m_defaults.contains(promptedKey()));
-    };
     ASSERT_TRUE(DefaultPDFHandler::canBeSet());
     QFile::remove(desktopEntry());
-    expectNoQuestion();
-
+    EXPECT_FALSE(DefaultPDFHandler::canBeSet());
+    EXPECT_EQ(prompt(), 0);
     write(desktopEntry(), "[Desktop Entry]\n");
+    const QByteArray path = qgetenv("PATH");
     qputenv("PATH", "/nowhere");
-    expectNoQuestion();
-    EXPECT_FALSE(isDefault());
+    EXPECT_FALSE(DefaultPDFHandler::canBeSet());
+    EXPECT_EQ(isDefault(), false);
+    EXPECT_EQ(prompt(), 0);
+    qputenv("PATH", path);
+    EXPECT_FALSE(m_defaults.contains(promptedKey())) << "it may be asked later";
+
+    for (const bool answer : {false, true}) {
+        m_answer = answer;
+        EXPECT_EQ(prompt(), 1);
+        EXPECT_EQ(log(), answer ? "default org.quillo.Quillo.desktop application/pdf\n" : "");
+        EXPECT_EQ(m_defaults.boolForKey(promptedKey()), true);
+        EXPECT_EQ(prompt(), 0);
+        m_defaults.removeObject(promptedKey());
+    }
 }

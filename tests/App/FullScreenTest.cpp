@@ -1,20 +1,19 @@
 #include "AppTest.h"
 
-#include "AnnotatingPDFView.h"
-#include "PDFEditorWorkspaceView.h"
-#include "PassingNotice.h"
 #include "WorkspaceToolbar.h"
 
 #include <QLineEdit>
 
 class FullScreenTest : public AppTest {
 protected:
-    PDFEditorWorkspaceView* workspace() { return window()->currentContentView()->workspace(); }
-
-    /// Whether menu bar, tabs and toolbar can be seen.
+    /// Which of menu bar, tabs and toolbar can be seen.
     std::vector<bool> shown() {
         return {window()->menuBar()->height() > 0, window()->findChild<DocumentTabBar*>()->isVisible(),
                 workspace()->findChild<WorkspaceToolbar*>()->isVisible()};
+    }
+
+    bool waitForShown(const std::vector<bool>& parts) {
+        return QTest::qWaitFor([&] { return shown() == parts; });
     }
 
     void movePointerTo(int y) {
@@ -26,69 +25,61 @@ protected:
 };
 
 TEST_F(FullScreenTest, pagesHaveTheWholeScreenAndTheUpperEdgeBringsTheRestBack) {
-    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
+    launch({file("a.pdf"), file("b.pdf")});
     const std::vector<bool> all(3, true);
     const std::vector<bool> none(3, false);
     ASSERT_EQ(shown(), all);
-    command(QStringLiteral("fullScreen"))->trigger();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window()->isFullScreen() && shown() == none; }));
-    EXPECT_EQ(workspace()->notice().message(), QStringLiteral("Press Esc to leave the full screen"));
+    command("fullScreen")->trigger();
+    ASSERT_TRUE(waitForShown(none) && window()->isFullScreen());
+    EXPECT_EQ(message(), QStringLiteral("Press Esc to leave the full screen"));
 
     movePointerTo(0);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == all; }));
+    EXPECT_TRUE(waitForShown(all));
     movePointerTo(window()->height() - 50);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == none; }));
+    EXPECT_TRUE(waitForShown(none));
 
     // What is being typed into stays, and a file that opens has no toolbar.
     movePointerTo(0);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return shown() == all; }));
+    ASSERT_TRUE(waitForShown(all));
     workspace()->findChild<QLineEdit*>(QStringLiteral("pageField"))->setFocus();
     movePointerTo(window()->height() - 50);
     QTest::qWait(600);
     EXPECT_EQ(shown(), all);
-    workspace()->pdfView()->setFocus();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == none; }));
-    open(file(QStringLiteral("c.pdf")));
+    view()->setFocus();
+    EXPECT_TRUE(waitForShown(none));
+    open(file("c.pdf"));
     EXPECT_EQ(shown(), none);
 
     // Keys of commands still work, and the tab that comes to the front has no toolbar either.
     const ContentView* const before = window()->currentContentView();
-    QTest::keyClick(workspace()->pdfView(), Qt::Key_Tab, Qt::ControlModifier);
+    QTest::keyClick(view(), Qt::Key_Tab, Qt::ControlModifier);
     EXPECT_NE(window()->currentContentView(), before);
     EXPECT_EQ(shown(), none);
-    QTest::keyClick(workspace()->pdfView(), Qt::Key_Escape);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !window()->isFullScreen() && shown() == all; }));
-}
-
-TEST_F(FullScreenTest, escapeThatDropsASelectionStaysInTheFullScreen) {
-    launch({file(QStringLiteral("a.pdf"))});
-    command(QStringLiteral("fullScreen"))->trigger();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window()->isFullScreen(); }));
-    workspace()->pdfView()->selectAll();
-    QTest::keyClick(workspace()->pdfView(), Qt::Key_Escape);
-    EXPECT_FALSE(workspace()->pdfView()->hasSelection());
-    EXPECT_TRUE(window()->isFullScreen());
-    QTest::keyClick(workspace()->pdfView(), Qt::Key_Escape);
+    view()->selectAll();
+    QTest::keyClick(view(), Qt::Key_Escape);
+    EXPECT_FALSE(view()->hasSelection());
+    EXPECT_TRUE(window()->isFullScreen()) << "it was for the selection";
+    QTest::keyClick(view(), Qt::Key_Escape);
+    EXPECT_TRUE(waitForShown(all));
     EXPECT_FALSE(window()->isFullScreen());
 }
 
 TEST_F(FullScreenTest, aWindowThatIsNoLongerMaximizedHasTheSizeOfTheLastTime) {
-    launch({file(QStringLiteral("a.pdf"))});
+    launch({file("a.pdf")});
+    const QString key = QStringLiteral("DocumentWindow.size");
     window()->showNormal();
     window()->resize(777, 555);
-    ASSERT_TRUE(QTest::qWaitFor([this] {
-        return m_app->defaults().stringForKey(QStringLiteral("DocumentWindow.size")) == QStringLiteral("777x555");
-    }));
-    for (const QString& stored : {QStringLiteral("777x555"), QStringLiteral("0x-4"), QStringLiteral("wide")}) {
-        m_app->defaults().setString(QStringLiteral("DocumentWindow.size"), stored);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_app->defaults().stringForKey(key) == QStringLiteral("777x555"); }));
+    const std::pair<const char*, QSize> rows[] = {
+        {"777x555", {777, 555}}, {"0x-4", {1000, 720}}, {"wide", {1000, 720}}};
+    for (const auto& [stored, size] : rows) {
+        m_app->defaults().setString(key, QLatin1String(stored));
         m_app->controller().closeAllDocuments();
         settle();
-        open(file(QStringLiteral("b.pdf")));
+        open(file("b.pdf"));
         EXPECT_TRUE(window()->isMaximized());
         window()->showNormal();
         settle();
-        EXPECT_EQ(window()->normalGeometry().size(),
-                  stored == QStringLiteral("777x555") ? QSize(777, 555) : QSize(1000, 720))
-            << stored.toStdString();
+        EXPECT_EQ(window()->normalGeometry().size(), size) << stored;
     }
 }

@@ -1,31 +1,36 @@
 #include "AppTest.h"
 
-#include "AnnotatingPDFView.h"
 #include "AssistantViewModel.h"
 #include "AttachmentChip.h"
 #include "ChatHistoryRow.h"
 #include "ChatHistoryStore.h"
 #include "LandingView.h"
 #include "NoteAnnotation.h"
-#include "PDFEditorWorkspaceView.h"
-#include "PassingNotice.h"
 #include "PdfFixtures.h"
 #include "RecentThumbnailCell.h"
 #include "RecoveryWindow.h"
-#include "ShownWords.h"
 #include "ThumbnailSidebar.h"
 #include "UnsavedDocumentsDialog.h"
 
-#include <QAbstractButton>
-#include <QAction>
-#include <QFile>
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
 #include <QHelpEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMetaProperty>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QSet>
+#include <QTextDocumentFragment>
+#include <QTextEdit>
 #include <QTimer>
+#include <QToolButton>
 #include <QToolTip>
-
-#include <algorithm>
-#include <functional>
+#include <QWindow>
 
 namespace {
 
@@ -34,6 +39,55 @@ namespace {
 const QString hostile = QStringLiteral("<img src=zq.png><b>A&B [*] %1\nzq\u202Etxt.exe");
 /// As a reader sees it in one line.
 const QString harmless = QStringLiteral("<img src=zq.png><b>A&B [*] %1 zqtxt.exe");
+
+/// What a reader sees of a text whose format Qt guesses.
+QString guessed(const QString& text) {
+    return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
+}
+
+QString withoutKeys(const QString& text) {
+    QString seen;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'&' && ++i == text.size())
+            break;
+        seen += text[i];
+    }
+    return seen;
+}
+
+/// Whether the style draws its text, which makes keys of "&".
+bool drawsKeys(const QWidget& widget) {
+    return qobject_cast<const QPushButton*>(&widget) || qobject_cast<const QToolButton*>(&widget) ||
+           qobject_cast<const QCheckBox*>(&widget) || qobject_cast<const QRadioButton*>(&widget) ||
+           qobject_cast<const QGroupBox*>(&widget) || qobject_cast<const QMenu*>(&widget);
+}
+
+bool isEditor(const QWidget& widget) {
+    return qobject_cast<const QLineEdit*>(&widget) || qobject_cast<const QTextEdit*>(&widget) ||
+           qobject_cast<const QPlainTextEdit*>(&widget);
+}
+
+QString seenProperty(const QWidget& widget, const QString& name, const QString& value) {
+    if (name == u"toolTip" || name == u"whatsThis")
+        return guessed(value);
+    if (name == u"windowTitle")
+        return widget.windowHandle() ? widget.windowHandle()->title() : value;
+    const auto* label = qobject_cast<const QLabel*>(&widget);
+    if (label && name == u"text") {
+        const QString words = label->textFormat() == Qt::PlainText ? value : guessed(value);
+        return label->buddy() ? withoutKeys(words) : words;
+    }
+    return drawsKeys(widget) && (name == u"text" || name == u"title") ? withoutKeys(value) : value;
+}
+
+/// Other forms of what is visited, or nothing that is shown.
+bool isShown(const QWidget& widget, const QString& name) {
+    static const QSet<QString> others{QStringLiteral("objectName"),     QStringLiteral("accessibleName"),
+                                      QStringLiteral("styleSheet"),     QStringLiteral("accessibleDescription"),
+                                      QStringLiteral("windowFilePath"), QStringLiteral("windowIconText"),
+                                      QStringLiteral("html"),           QStringLiteral("markdown")};
+    return !others.contains(name) && !qobject_cast<const QMessageBox*>(&widget); // whose labels are met
+}
 
 /// Everything of the program that shows the hostile words.
 class HostileWordsTest : public AppTest {
@@ -50,19 +104,56 @@ protected:
         m_places.insert(place);
     }
 
-    void lookEverywhere() {
-        ShownWords::visitAll(
-            [this](const QString& place, const QString& seen, bool isEdited) { look(place, seen, isEdited); });
-        for (const QWidget* widget : QApplication::allWidgets()) {
-            const auto* button = qobject_cast<const QAbstractButton*>(widget);
-            if (button && button->text().contains(u"zq")) {
-                EXPECT_TRUE(button->shortcut().isEmpty()) << button->shortcut().toString().toStdString();
+    /// What the widget alone shows, found by its properties, entries and models, so that one that comes to be later is
+    /// met as well.
+    void lookAt(const QWidget& widget) {
+        const QMetaObject& meta = *widget.metaObject();
+        const auto show = [&](const char* what, const QString& seen) {
+            look(QLatin1String(meta.className()) + u' ' + QLatin1String(what), seen, isEditor(widget));
+        };
+        for (int i = 0; i < meta.propertyCount(); ++i) {
+            const QMetaProperty property = meta.property(i);
+            const QString name = QLatin1String(property.name());
+            if (property.typeId() == QMetaType::QString && isShown(widget, name))
+                show(property.name(), seenProperty(widget, name, property.read(&widget).toString()));
+        }
+        for (const QAction* action : widget.actions()) {
+            show("entry", withoutKeys(action->text()));
+            show("tip of an entry", guessed(action->toolTip()));
+        }
+        const auto* tabs = qobject_cast<const QTabBar*>(&widget);
+        for (int tab = 0; tabs && tab < tabs->count(); ++tab) {
+            show("tab", withoutKeys(tabs->tabText(tab)));
+            show("tip of a tab", guessed(tabs->tabToolTip(tab)));
+        }
+        const auto* view = qobject_cast<const QAbstractItemView*>(&widget);
+        const auto* choice = qobject_cast<const QComboBox*>(&widget);
+        const QAbstractItemModel* model = view ? view->model() : choice ? choice->model() : nullptr;
+        constexpr int mostRows = 50;
+        for (int row = 0; model && row < std::min(model->rowCount(), mostRows); ++row) {
+            for (int column = 0; column < model->columnCount(); ++column) {
+                const QModelIndex index = model->index(row, column);
+                show("row", index.data().toString());
+                show("tip of a row", guessed(index.data(Qt::ToolTipRole).toString()));
             }
         }
+        const auto* button = qobject_cast<const QAbstractButton*>(&widget);
+        EXPECT_FALSE(button && button->text().contains(u"zq") && !button->shortcut().isEmpty()) << meta.className();
+    }
+
+    void lookEverywhere() {
+        for (const QWidget* widget : QApplication::allWidgets())
+            lookAt(*widget);
+    }
+
+    void expectPlaces(std::initializer_list<const char*> places) const {
+        for (const char* place : places)
+            EXPECT_TRUE(m_places.contains(QLatin1String(place)))
+                << place << " is not among " << m_places.values().join(u',').toStdString();
     }
 
     /// Looks while the question that `ask` asks is on the screen, then gives no answer to it.
-    void lookAt(const std::function<void()>& ask) {
+    void lookAtQuestion(const std::function<void()>& ask) {
         QTimer::singleShot(0, [this] {
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
@@ -101,16 +192,11 @@ protected:
         pdf.setOutline({{hostile, 0}});
         pdf.setInfo("/Title", hostile);
         pdf.setPageLabels("[0 << /P " + PdfFixture::textString(hostile) + " >>]");
-        return write(QStringLiteral(".pdf"), pdf.bytes());
+        return writeHostile(".pdf", pdf.bytes());
     }
 
-    QUrl write(const QString& suffix, const QByteArray& bytes) {
-        QFile file(m_folder.filePath(hostile + suffix));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-        return QUrl::fromLocalFile(file.fileName());
-    }
-
-    [[nodiscard]] std::string places() const { return m_places.values().join(u',').toStdString(); }
+    /// A file of that name.
+    QUrl writeHostile(const char* suffix, const QByteArray& bytes) { return write(hostile.toUtf8() + suffix, bytes); }
 
     QSet<QString> m_places;
 };
@@ -131,15 +217,15 @@ TEST_F(HostileWordsTest, areShownToTheLetterAndMarkNoKeys) {
     const ChatHistoryRow chat(hostile, {}, false);
     AttachmentChip chip;
     chip.setName(hostile, false);
-    open(this->file(QStringLiteral("other.pdf")));
+    open(file("other.pdf"));
     open(form);
 
-    PDFView& view = *window()->currentContentView()->workspace()->pdfView();
+    PDFView& view = *this->view();
     const auto page = document(1)->pdfDocument()->page(0);
     const QPoint point = view.convertFromPage(QPointF(200, 620), *page).toPoint();
     QHelpEvent help(QEvent::ToolTip, point, view.viewport()->mapToGlobal(point));
     QApplication::sendEvent(view.viewport(), &help);
-    look(QStringLiteral("tip of a field"), ShownWords::guessed(QToolTip::text()));
+    look(QStringLiteral("tip of a field"), guessed(QToolTip::text()));
     const auto note = std::make_shared<NoteAnnotation>(QRectF(100, 300, 150, 150));
     note->setContents(hostile);
     page->addAnnotation(note);
@@ -153,9 +239,9 @@ TEST_F(HostileWordsTest, areShownToTheLetterAndMarkNoKeys) {
     ASSERT_TRUE(QTest::qWaitFor([&] {
         return landing.findChild<RecentThumbnailCell*>(QStringLiteral("recent-") + form.toLocalFile()) != nullptr;
     }));
-    PDFEditorWorkspaceView* workspace = window()->currentContentView()->workspace();
+    PDFEditorWorkspaceView* workspace = this->workspace();
     workspace->setShowsAssistant(true);
-    workspace->assistant()->attach(write(QStringLiteral(".txt"), "words"));
+    workspace->assistant()->attach(writeHostile(".txt", "words"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return workspace->assistant()->attachmentName().has_value(); }));
     workspace->notice().announce(hostile);
     const auto reading = m_app->presenter().showReading(hostile, [] {});
@@ -163,36 +249,30 @@ TEST_F(HostileWordsTest, areShownToTheLetterAndMarkNoKeys) {
     dialogs.presentError(window(), hostile, hostile);
     dialogs.presentPrinting(window(), {hostile}, [](bool) {});
     lookEverywhere();
-    for (const char* place :
-         {"QLabel text", "ElidedLabel text", "ElidedLabel toolTip", "InlineFreeTextEditor plainText", "QMenu entry",
-          "QMenu tip of an entry", "SelectableText plainText", "ChatHistoryRow text", "ChatHistoryRow toolTip",
-          "RecentThumbnailCell text", "RecentThumbnailCell toolTip", "QListWidget row", "QListWidget tip of a row",
-          "tip of a field", "DocumentWindow windowTitle"})
-        EXPECT_TRUE(m_places.contains(QLatin1String(place))) << place << " is not among " << places();
-    for (const char* place : {"tab", "tip of a tab"}) {
-        EXPECT_TRUE(std::any_of(m_places.begin(), m_places.end(), [place](const QString& each) {
-            return each.endsWith(u' ' + QLatin1String(place));
-        })) << place;
-    }
+    expectPlaces({"QLabel text", "ElidedLabel text", "ElidedLabel toolTip", "InlineFreeTextEditor plainText",
+                  "QMenu entry", "QMenu tip of an entry", "SelectableText plainText", "ChatHistoryRow text",
+                  "ChatHistoryRow toolTip", "RecentThumbnailCell text", "RecentThumbnailCell toolTip",
+                  "QListWidget row", "QListWidget tip of a row", "tip of a field", "DocumentWindow windowTitle",
+                  "QTabBar tab", "QTabBar tip of a tab"});
 
     for (const char* sheet : {"editBookmarks", "editMetadata", "addWatermark", "compressDocument", "setPassword"})
         lookAtWindowOf(workspace->sidebar().findChild<QAction*>(QLatin1String(sheet)));
-    lookAtWindowOf(command(QStringLiteral("print")));
-    lookAtWindowOf(command(QStringLiteral("settings")));
+    lookAtWindowOf(command("print"));
+    lookAtWindowOf(command("settings"));
     workspace->findChild<QAction*>(QStringLiteral("chatHistory"))->trigger();
     lookEverywhere();
-    open(write(QStringLiteral(".xlsx"), "no sheets"));
+    open(writeHostile(".xlsx", "no sheets"));
     lookEverywhere();
-    for (const char* place : {"BookmarkList row", "BookmarkList tip of a row", "QLineEdit text",
-                              "QMainWindow windowTitle", "QPrintDialog windowTitle"})
-        EXPECT_TRUE(m_places.contains(QLatin1String(place))) << place << " is not among " << places();
+    expectPlaces({"BookmarkList row", "BookmarkList tip of a row", "QLineEdit text", "QMainWindow windowTitle",
+                  "QPrintDialog windowTitle"});
 
-    lookAt([&] { dialogs.askToSave(nullptr, hostile); });
-    lookAt([&] { dialogs.askAboutChangedFile(nullptr, hostile); });
-    lookAt([&] { dialogs.askAboutSignatures(nullptr, hostile); });
-    lookAt([&] { dialogs.askToReload(nullptr, hostile); });
-    lookAt([&] { dialogs.askToRevert(nullptr, hostile); });
-    lookAt([&] { dialogs.offerSaveAs(nullptr, QStringLiteral("It failed."), hostile); });
+    const auto lookAtQuestionAbout = [&](auto ask) { lookAtQuestion([&] { (dialogs.*ask)(nullptr, hostile); }); };
+    lookAtQuestionAbout(&DocumentDialogs::askToSave);
+    lookAtQuestionAbout(&DocumentDialogs::askAboutChangedFile);
+    lookAtQuestionAbout(&DocumentDialogs::askAboutSignatures);
+    lookAtQuestionAbout(&DocumentDialogs::askToReload);
+    lookAtQuestionAbout(&DocumentDialogs::askToRevert);
+    lookAtQuestion([&] { dialogs.offerSaveAs(nullptr, QStringLiteral("It failed."), hostile); });
 }
 
 } // namespace

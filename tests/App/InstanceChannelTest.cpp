@@ -1,6 +1,5 @@
 #include "InstanceChannel.h"
 
-#include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QLocalServer>
@@ -12,144 +11,92 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
-namespace {
-
-/// Starts a second program on the channel, as another process would, while this thread's event loop answers.
-InstanceChannel::Role startAnother(const QString& path, const QStringList& files) {
-    InstanceChannel::Role role = InstanceChannel::Role::first;
-    const std::unique_ptr<QThread> thread(QThread::create([&] { role = InstanceChannel(path).start(files); }));
-    QSignalSpy finished(thread.get(), &QThread::finished);
-    thread->start();
-    EXPECT_TRUE(finished.count() > 0 || finished.wait(10000));
-    thread->wait();
-    return role;
-}
-
-/// What a process that crashed leaves behind: a socket on which nobody listens.
-void leaveSocketBehind(const QString& path) {
-    const int socketNumber = socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    qstrncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof(address.sun_path));
-    ASSERT_EQ(bind(socketNumber, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
-    close(socketNumber);
-}
-
-} // namespace
+using Role = InstanceChannel::Role;
 
 class InstanceChannelTest : public testing::Test {
 protected:
+    void startFirst() { ASSERT_EQ(m_first.start({QStringLiteral("file:///x.pdf")}), Role::first); }
+
+    /// Starts a second program on the channel, as another process would, while this thread's event loop answers.
+    Role startAnother(const QStringList& files = {QStringLiteral("file:///a.pdf")}) {
+        Role role = Role::first;
+        const std::unique_ptr<QThread> thread(QThread::create([&] { role = InstanceChannel(m_path).start(files); }));
+        QSignalSpy finished(thread.get(), &QThread::finished);
+        thread->start();
+        EXPECT_TRUE(finished.count() > 0 || finished.wait(10000));
+        thread->wait();
+        return role;
+    }
+
     QTemporaryDir m_folder;
     const QString m_path = m_folder.filePath(QStringLiteral("quillo.socket"));
+    InstanceChannel m_first{m_path};
+    QSignalSpy m_files{&m_first, &InstanceChannel::filesReceived};
+    QSignalSpy m_reopen{&m_first, &InstanceChannel::reopenRequested};
 };
 
 TEST_F(InstanceChannelTest, laterStartsReachTheFirstInOrder) {
     qputenv("XDG_ACTIVATION_TOKEN", "token-1");
-    InstanceChannel first(m_path);
-    ASSERT_EQ(first.start({QStringLiteral("file:///x.pdf")}), InstanceChannel::Role::first);
-    QSignalSpy files(&first, &InstanceChannel::filesReceived);
-    QSignalSpy reopen(&first, &InstanceChannel::reopenRequested);
-
-    const QStringList names = {QStringLiteral("file:///b.pdf"), QStringLiteral("file:///a%20%C3%A4.pdf"),
-                               QStringLiteral("file:///b.pdf")};
-    EXPECT_EQ(startAnother(m_path, names), InstanceChannel::Role::handedOver);
-    EXPECT_EQ(startAnother(m_path, {}), InstanceChannel::Role::handedOver);
-    qunsetenv("XDG_ACTIVATION_TOKEN");
-
-    ASSERT_EQ(files.count(), 1);
-    EXPECT_EQ(files.first().at(0).toStringList(), names);
-    EXPECT_EQ(files.first().at(1).toString(), QStringLiteral("token-1"));
-    EXPECT_EQ(reopen.count(), 1);
-}
-
-TEST_F(InstanceChannelTest, nobodyElseMayConnect) {
-    InstanceChannel first(m_path);
-    ASSERT_EQ(first.start({}), InstanceChannel::Role::first);
+    startFirst();
     const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
-    EXPECT_FALSE(QFileInfo(m_path).permissions() & others);
-}
+    EXPECT_FALSE(QFileInfo(m_path).permissions() & others) << "nobody else may connect";
+    const QStringList names = QStringLiteral("file:///b.pdf file:///a%20%C3%A4.pdf file:///b.pdf").split(u' ');
+    EXPECT_EQ(startAnother(names), Role::handedOver);
+    EXPECT_EQ(startAnother({}), Role::handedOver);
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    ASSERT_EQ(m_files.count(), 1);
+    EXPECT_EQ(m_files[0][0].toStringList(), names);
+    EXPECT_EQ(m_files[0][1].toString(), QStringLiteral("token-1"));
+    EXPECT_EQ(m_reopen.count(), 1);
 
-TEST_F(InstanceChannelTest, whatACrashLeftBehindIsClearedAway) {
-    leaveSocketBehind(m_path);
-    ASSERT_TRUE(QFileInfo::exists(m_path));
-    InstanceChannel first(m_path);
-    EXPECT_EQ(first.start({}), InstanceChannel::Role::first);
-    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::handedOver);
-}
-
-TEST_F(InstanceChannelTest, theSocketGoesWithTheFirst) {
-    {
-        InstanceChannel first(m_path);
-        ASSERT_EQ(first.start({}), InstanceChannel::Role::first);
-    }
-    EXPECT_EQ(InstanceChannel(m_path).start({}), InstanceChannel::Role::first);
-}
-
-TEST_F(InstanceChannelTest, withoutAFolderItIsAlone) {
-    InstanceChannel channel(m_folder.filePath(QStringLiteral("missing/quillo.socket")));
-    EXPECT_EQ(channel.start({}), InstanceChannel::Role::alone);
-}
-
-TEST_F(InstanceChannelTest, aStartWhileTheFirstIsEndingTakesItsPlace) {
-    // A process that is about to end: it takes the connection but answers no more.
-    QLocalServer ending;
-    ASSERT_TRUE(ending.listen(m_path));
-    QObject::connect(&ending, &QLocalServer::newConnection, &ending, [&ending] {
-        ending.nextPendingConnection()->abort();
-        ending.close();
-    });
-    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::first);
-}
-
-TEST_F(InstanceChannelTest, oneThatRefusesEveryMessageKeepsItsPlace) {
-    QLocalServer refusing;
-    ASSERT_TRUE(refusing.listen(m_path));
-    QObject::connect(&refusing, &QLocalServer::newConnection, &refusing,
-                     [&refusing] { refusing.nextPendingConnection()->abort(); });
-    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::alone);
-    EXPECT_TRUE(QFileInfo::exists(m_path));
-}
-
-TEST_F(InstanceChannelTest, aStartIsTakenInTheMidstOfAQuestion) {
-    InstanceChannel first(m_path);
-    ASSERT_EQ(first.start({}), InstanceChannel::Role::first);
-    QSignalSpy files(&first, &InstanceChannel::filesReceived);
     QEventLoop question; // as a modal dialog runs one
     QTimer::singleShot(0, &question, [&] {
-        EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::handedOver);
+        EXPECT_EQ(startAnother(), Role::handedOver);
         question.quit();
     });
     question.exec();
-    EXPECT_EQ(files.count(), 1);
+    EXPECT_EQ(m_files.count(), 2);
+}
+
+TEST_F(InstanceChannelTest, whoeverEndsLeavesItsPlaceToTheNextOne) {
+    EXPECT_EQ(InstanceChannel(m_path).start({}), Role::first);
+    startFirst();
+    EXPECT_EQ(startAnother(), Role::handedOver);
+    EXPECT_EQ(InstanceChannel(m_folder.filePath(QStringLiteral("missing/quillo.socket"))).start({}), Role::alone);
+}
+
+TEST_F(InstanceChannelTest, oneThatIsEndingIsReplacedAndOneThatRefusesEveryMessageKeepsItsPlace) {
+    for (const bool isEnding : {false, true}) {
+        QLocalServer other;
+        ASSERT_TRUE(other.listen(m_path));
+        QObject::connect(&other, &QLocalServer::newConnection, &other, [&other, isEnding] {
+            other.nextPendingConnection()->abort(); // it takes the connection but doesn't answer
+            if (isEnding)
+                other.close();
+        });
+        EXPECT_EQ(startAnother(), isEnding ? Role::first : Role::alone);
+        EXPECT_EQ(QFileInfo::exists(m_path), !isEnding);
+    }
 }
 
 TEST_F(InstanceChannelTest, whatABusyProcessDidNotTakeInTimeItNeverOpens) {
-    InstanceChannel first(m_path);
-    ASSERT_EQ(first.start({}), InstanceChannel::Role::first);
-    QSignalSpy files(&first, &InstanceChannel::filesReceived);
+    startFirst();
     // This thread is the busy one: its event loop doesn't turn before the other start has given up.
-    InstanceChannel::Role role = InstanceChannel::Role::first;
+    Role role = Role::first;
     const std::unique_ptr<QThread> impatient(QThread::create([&] {
         role = InstanceChannel(m_path, std::chrono::milliseconds(50)).start({QStringLiteral("file:///a.pdf")});
     }));
     impatient->start();
     impatient->wait();
-    EXPECT_EQ(role, InstanceChannel::Role::alone);
-    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///b.pdf")}), InstanceChannel::Role::handedOver);
-    ASSERT_EQ(files.count(), 1);
-    EXPECT_EQ(files.first().at(0).toStringList(), QStringList{QStringLiteral("file:///b.pdf")});
+    EXPECT_EQ(role, Role::alone);
+    const QStringList later{QStringLiteral("file:///b.pdf")};
+    EXPECT_EQ(startAnother(later), Role::handedOver);
+    ASSERT_EQ(m_files.count(), 1);
+    EXPECT_EQ(m_files[0][0].toStringList(), later);
 }
 
 TEST_F(InstanceChannelTest, garbageIsRefusedAndTheChannelGoesOn) {
-    InstanceChannel first(m_path);
-    ASSERT_EQ(first.start({}), InstanceChannel::Role::first);
-    QSignalSpy files(&first, &InstanceChannel::filesReceived);
-    QSignalSpy reopen(&first, &InstanceChannel::reopenRequested);
-
+    startFirst();
     for (const QByteArray& garbage :
          {QByteArray(64, '\0'), QByteArray("GET / HTTP/1.1\r\n\r\n"), QByteArray(8, '\xff')}) {
         QLocalSocket stranger;
@@ -158,7 +105,7 @@ TEST_F(InstanceChannelTest, garbageIsRefusedAndTheChannelGoesOn) {
         stranger.write(garbage);
         stranger.disconnectFromServer();
     }
-    EXPECT_EQ(startAnother(m_path, {QStringLiteral("file:///a.pdf")}), InstanceChannel::Role::handedOver);
-    EXPECT_EQ(files.count(), 1);
-    EXPECT_EQ(reopen.count(), 0);
+    EXPECT_EQ(startAnother(), Role::handedOver);
+    EXPECT_EQ(m_files.count(), 1);
+    EXPECT_EQ(m_reopen.count(), 0);
 }

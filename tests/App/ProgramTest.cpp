@@ -66,6 +66,10 @@ protected:
         EXPECT_FALSE(QFileInfo::exists(InstanceChannel::standardSocketPath()));
     }
 
+    [[nodiscard]] QString file(const char* name) const {
+        return TestPdf().write(m_folder.path(), QString::fromUtf8(name)).toLocalFile();
+    }
+
     QTemporaryDir m_folder;
 };
 
@@ -88,34 +92,18 @@ TEST_F(ProgramTest, textsForTheTerminalNeedNoDisplay) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
-TEST_F(ProgramTest, aSecondStartHandsItsFilesToTheFirstWhichEndsWhenAsked) {
-    const QString first = TestPdf().write(m_folder.path(), QStringLiteral("first.pdf")).toLocalFile();
-    const QString second = TestPdf().write(m_folder.path(), QStringLiteral("second.pdf")).toLocalFile();
-    QProcess program;
-    start(program, {first});
-    ASSERT_TRUE(isReachable());
-    EXPECT_EQ(run({second}).exitCode, 0);
-    EXPECT_EQ(run({}).exitCode, 0);
-    EXPECT_EQ(program.state(), QProcess::Running);
-    expectCleanEnd(program, SIGTERM);
-    EXPECT_EQ(recentPaths().mid(0, 2).join(u'\n').toStdString(), (second + u'\n' + first).toStdString());
-}
-
 TEST_F(ProgramTest, startsAtTheSameMomentBecomeOneProgramWithAllFiles) {
-    QStringList files;
-    for (const char* name : {"a.pdf", "b.pdf", "c.pdf", "d.pdf"})
-        files.append(TestPdf().write(m_folder.path(), QString::fromLatin1(name)).toLocalFile());
+    const QStringList files = {file("a.pdf"), file("b.pdf"), file("c.pdf"), file("d.pdf")};
     QProcess processes[3];
     start(processes[0], {files[0], files[1]});
     start(processes[1], {files[2]});
     start(processes[2], {files[3]});
-    const auto running = [&processes] {
-        return std::count_if(std::begin(processes), std::end(processes),
-                             [](const QProcess& each) { return each.state() == QProcess::Running; });
-    };
-    ASSERT_TRUE(QTest::qWaitFor([&running] { return running() == 1; }, startTimeLimitInMilliseconds));
+    const auto isRunning = [](const QProcess& each) { return each.state() == QProcess::Running; };
+    const auto isOneLeft = [&] { return std::count_if(std::begin(processes), std::end(processes), isRunning) == 1; };
+    ASSERT_TRUE(QTest::qWaitFor(isOneLeft, startTimeLimitInMilliseconds));
+    EXPECT_EQ(run({}).exitCode, 0) << "it brings the windows of the first forward";
     for (QProcess& process : processes) {
-        if (process.state() == QProcess::Running)
+        if (isRunning(process))
             expectCleanEnd(process, SIGHUP);
         EXPECT_EQ(process.exitCode(), 0);
     }
@@ -124,16 +112,17 @@ TEST_F(ProgramTest, startsAtTheSameMomentBecomeOneProgramWithAllFiles) {
     EXPECT_EQ(recent.indexOf(files[0]), recent.indexOf(files[1]) + 1) << "newest first: those of a start in its order";
 }
 
-TEST_F(ProgramTest, aCrashDoesNotKeepTheNextStartAway) {
+TEST_F(ProgramTest, neitherACrashNorASignalKeepsTheNextStartAway) {
     QProcess crashed;
     start(crashed, {});
     ASSERT_TRUE(isReachable());
     crashed.kill();
     ASSERT_TRUE(crashed.waitForFinished());
     ASSERT_TRUE(QFileInfo::exists(InstanceChannel::standardSocketPath()));
-
-    QProcess program;
-    start(program, {});
-    ASSERT_TRUE(isReachable());
-    expectCleanEnd(program, SIGINT);
+    for (const int signalNumber : {SIGINT, SIGTERM}) {
+        QProcess program;
+        start(program, {});
+        ASSERT_TRUE(isReachable());
+        expectCleanEnd(program, signalNumber);
+    }
 }

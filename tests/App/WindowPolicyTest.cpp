@@ -1,39 +1,51 @@
 #include "AppTest.h"
 
-#include <QApplication>
-#include <QPushButton>
-#include <QSignalSpy>
+#include "SettingsView.h"
 
-class WindowPolicyTest : public AppTest {};
+#include <QToolButton>
 
-TEST_F(WindowPolicyTest, withNothingToOpenThereIsOneLandingWindow) {
+class WindowPolicyTest : public AppTest {
+protected:
+    void reopen() {
+        m_app->reopenFromOtherStart({});
+        settle();
+    }
+
+    void close(std::size_t index) {
+        m_app->controller().closeDocument(document(index));
+        settle();
+    }
+};
+
+TEST_F(WindowPolicyTest, theLandingWindowIsThereWhileNoDocumentIs) {
     launch();
     EXPECT_TRUE(landingIsVisible());
     EXPECT_EQ(visibleWindowCount(), 1);
-    EXPECT_TRUE(m_app->controller().documents().empty());
-    EXPECT_TRUE(m_app->delegate().welcomeWindowController()->window()->isMaximized());
-}
+    const auto landing = [this] { return m_app->delegate().welcomeWindowController()->window(); };
+    EXPECT_TRUE(landing()->isMaximized());
+    // After the user closed it only a new start brings it back.
+    landing()->close();
+    settle();
+    EXPECT_EQ(visibleWindowCount(), 0);
+    EXPECT_NE(m_app->delegate().welcomeWindowController(), nullptr);
+    reopen();
+    EXPECT_TRUE(landingIsVisible());
+    const QWidget* const before = landing();
+    reopen();
+    EXPECT_EQ(landing(), before);
+    EXPECT_EQ(visibleWindowCount(), 1);
 
-TEST_F(WindowPolicyTest, aFileAtLaunchShowsNoLandingWindow) {
-    launch({file(QStringLiteral("a.pdf"))});
-    EXPECT_FALSE(landingIsVisible());
-    ASSERT_NE(window(), nullptr);
-    EXPECT_TRUE(window()->isVisible());
-    EXPECT_TRUE(window()->isMaximized());
-}
-
-TEST_F(WindowPolicyTest, theLandingWindowGoesWhenADocumentOpensAndComesBackAfterTheLast) {
-    launch();
-    open(file(QStringLiteral("a.pdf")));
-    EXPECT_FALSE(landingIsVisible());
+    open(file("a.pdf"));
     EXPECT_EQ(m_app->delegate().welcomeWindowController(), nullptr);
-    open(file(QStringLiteral("b.pdf")));
-
-    m_app->controller().closeDocument(document(0));
+    EXPECT_TRUE(window()->isVisible() && window()->isMaximized());
+    window()->showMinimized();
     settle();
+    reopen();
+    EXPECT_FALSE(landingIsVisible() || window()->isMinimized());
+    open(file("b.pdf"));
+    close(0);
     EXPECT_FALSE(landingIsVisible());
-    m_app->controller().closeDocument(document(0));
-    settle();
+    close(0);
     EXPECT_TRUE(landingIsVisible());
     EXPECT_EQ(visibleWindowCount(), 1);
 }
@@ -51,74 +63,73 @@ TEST_F(WindowPolicyTest, aLandingWindowThatRacedADocumentGoesAtTheSecondLook) {
     EXPECT_EQ(m_app->delegate().welcomeWindowController(), nullptr);
 }
 
-TEST_F(WindowPolicyTest, afterTheUserClosedItOnlyANewStartBringsItBack) {
-    launch();
-    m_app->delegate().welcomeWindowController()->window()->close();
-    settle();
-    EXPECT_EQ(visibleWindowCount(), 0);
-    EXPECT_NE(m_app->delegate().welcomeWindowController(), nullptr);
-
-    m_app->reopenFromOtherStart({});
-    settle();
-    EXPECT_TRUE(landingIsVisible());
-    EXPECT_EQ(visibleWindowCount(), 1);
-    const QWidget* landing = m_app->delegate().welcomeWindowController()->window();
-    m_app->reopenFromOtherStart({});
-    settle();
-    EXPECT_EQ(m_app->delegate().welcomeWindowController()->window(), landing);
-    EXPECT_EQ(visibleWindowCount(), 1);
-}
-
-TEST_F(WindowPolicyTest, reopeningWithADocumentShowsNoLandingWindow) {
-    launch({file(QStringLiteral("a.pdf"))});
-    window()->showMinimized();
-    settle();
-    m_app->reopenFromOtherStart({});
-    settle();
-    EXPECT_FALSE(landingIsVisible());
-    EXPECT_FALSE(window()->isMinimized());
-}
-
-TEST_F(WindowPolicyTest, aNewTabShowsTheLandingContentAndAFileFillsIt) {
+TEST_F(WindowPolicyTest, aFileFillsANewTabAndIsWatchedForOtherProgramsToo) {
     launch();
     m_app->actions().newTab->trigger();
     settle();
     EXPECT_FALSE(landingIsVisible());
     ASSERT_NE(window(), nullptr);
-    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("Untitled")});
-    ContentView* view = window()->currentContentView();
-    EXPECT_EQ(view->workspace(), nullptr);
-
-    view->openInPlace(file(QStringLiteral("filled.pdf")));
+    EXPECT_EQ(tabNames(), "Untitled");
+    EXPECT_EQ(workspace(), nullptr);
+    ContentView* const before = window()->currentContentView();
+    before->openInPlace(file("a.pdf"));
     settle();
-    EXPECT_EQ(window()->currentContentView(), view);
-    EXPECT_NE(view->workspace(), nullptr);
-    EXPECT_EQ(tabNames(), QStringList{QStringLiteral("filled.pdf")});
-    EXPECT_TRUE(window()->windowTitle().startsWith(QStringLiteral("filled.pdf")));
+    EXPECT_EQ(window()->currentContentView(), before);
+    EXPECT_EQ(tabNames(), "a.pdf");
+    EXPECT_TRUE(window()->windowTitle().startsWith(QStringLiteral("a.pdf")));
+
+    file("a.pdf", {.pageCount = 7});
+    edit(*document(0));
+    run("save");
+    EXPECT_EQ(m_dialogs->takeCalls(), "changed a.pdf");
+    EXPECT_EQ(savedPageCount("a.pdf"), 7);
 }
 
-TEST_F(WindowPolicyTest, quittingAsksAndShowsNoLandingWindow) {
-    launch({file(QStringLiteral("a.pdf")), file(QStringLiteral("b.pdf"))});
+TEST_F(WindowPolicyTest, quittingAsksAndShowsNoLandingWindowUnlessItIsCancelled) {
+    launch({file("a.pdf"), file("b.pdf")});
+    EXPECT_FALSE(landingIsVisible());
     edit(*document(1));
-    m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::Cancel};
+    m_dialogs->saveAnswer = SaveAnswer::Cancel;
     m_app->sessionEnd().terminate();
     settle();
     ASSERT_EQ(m_app->controller().documents().size(), 2U);
     EXPECT_TRUE(window()->isVisible());
+    m_dialogs->saveAnswer = SaveAnswer::DontSave;
+    close(1);
+    close(0);
+    EXPECT_TRUE(landingIsVisible()) << "the policy is on again";
 
-    m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::DontSave};
+    open(file("b.pdf"));
+    edit(*document(0));
+    m_dialogs->saveAnswer = SaveAnswer::DontSave;
     m_app->sessionEnd().terminate();
     settle();
     EXPECT_TRUE(m_app->controller().documents().empty());
     EXPECT_EQ(visibleWindowCount(), 0);
 }
 
-TEST_F(WindowPolicyTest, aCancelledQuitLeavesThePolicyOn) {
-    launch({file(QStringLiteral("a.pdf"))});
-    edit(*document(0));
-    m_dialogs->saveAnswers = {ScriptedDialogs::SaveAnswer::Cancel, ScriptedDialogs::SaveAnswer::DontSave};
-    m_app->sessionEnd().terminate();
-    m_app->controller().closeDocument(document(0));
+TEST_F(WindowPolicyTest, allWaysToTheSettingsLeadToOneWindow) {
+    launch({file("a.pdf")});
+    const auto settingsWindows = [] {
+        QWidgetList windows = QApplication::topLevelWidgets();
+        windows.removeIf([](const QWidget* window) { return !qobject_cast<const SettingsView*>(window); });
+        return windows;
+    };
+    EXPECT_EQ(command("settings")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    run("settings");
+    ASSERT_EQ(settingsWindows().size(), 1);
+    const QPointer<QWidget> settings = settingsWindows().front();
+    workspace()->setShowsAssistant(true);
+    for (const char* name : {"openSettingsButton", "assistantSettingsButton"}) {
+        QTest::mouseClick(workspace()->findChild<QToolButton*>(QLatin1String(name)), Qt::LeftButton);
+        settle();
+        EXPECT_EQ(settingsWindows(), QList<QWidget*>{settings.data()}) << name;
+    }
+    // It doesn't go with the documents, but with Escape.
+    run("close");
+    EXPECT_TRUE(settings && settings->isVisible());
+    QTest::keyClick(settings, Qt::Key_Escape);
     settle();
+    EXPECT_FALSE(settings);
     EXPECT_TRUE(landingIsVisible());
 }
