@@ -12,6 +12,8 @@
 
 #include <QCoroTimer>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -53,15 +55,21 @@ public:
     static AIAgentTurn answer(const QString& text) {
         return {{AIRole::assistant, {AIContentPart::text(text)}}, {}, text, true};
     }
-    static AIAgentTurn toolUse(const std::vector<AIToolCall>& toolCalls) {
-        AIAgentTurn turn{{AIRole::assistant, {}}, toolCalls, {}, false};
-        for (const AIToolCall& call : toolCalls)
+    /// A call of each tool with its input in JSON, with ids from "1".
+    static AIAgentTurn toolUse(const std::vector<std::pair<const char*, QByteArray>>& tools) {
+        AIAgentTurn turn{{AIRole::assistant, {}}, {}, {}, false};
+        for (const auto& [name, input] : tools) {
+            const AIToolCall call{QString::number(turn.toolCalls.size() + 1), QString::fromLatin1(name),
+                                  QJsonDocument::fromJson(input).object()};
+            turn.toolCalls.push_back(call);
             turn.message.parts.push_back(AIContentPart::toolUse(call.id, call.name, call.input));
+        }
         return turn;
     }
     void reply(const AIAgentTurn& turn) {
         replies.push_back([turn] { return turn; });
     }
+    void reply(const char* text) { reply(answer(QString::fromUtf8(text))); }
 
     std::deque<std::function<AIAgentTurn()>> replies;
     QString title;
@@ -79,12 +87,14 @@ protected:
         fixture.addPage({QStringLiteral("about the lazy dog")});
         fixture.setOutline(
             {{QStringLiteral("Getting Started"), 0, {{QStringLiteral("  Setup"), 1}}}, {QStringLiteral("The Dog"), 2}});
-        m_path = m_folder.filePath(QStringLiteral("Some.Book.pdf"));
-        QFile file(m_path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(fixture.bytes());
-        file.close();
+        write("Some.Book.pdf", fixture.bytes());
         openWindow(PDFDocument::fromFile(m_path));
+    }
+
+    QUrl write(const char* name, const QByteArray& bytes) const {
+        QFile file(m_folder.filePath(QLatin1String(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        return QUrl::fromLocalFile(file.fileName());
     }
 
     void openWindow(const std::shared_ptr<PDFDocument>& document) {
@@ -115,7 +125,7 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    QString m_path;
+    const QString m_path = m_folder.filePath(QStringLiteral("Some.Book.pdf"));
     UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
     std::shared_ptr<PDFDocument> m_document;
     std::unique_ptr<AnnotatingPDFView> m_view;

@@ -23,19 +23,6 @@ struct TaskOutcome {
         }
         return {};
     }
-
-    /// Whether the task threw an exception of this type.
-    template <typename Error>
-    [[nodiscard]] bool threw() const {
-        try {
-            if (exception)
-                std::rethrow_exception(exception);
-        } catch (const Error&) {
-            return true;
-        } catch (...) { // another one
-        }
-        return false;
-    }
 };
 
 template <typename T>

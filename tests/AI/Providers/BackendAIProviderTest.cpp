@@ -1,6 +1,5 @@
 #include "BackendAIProvider.h"
 #include "DeviceIdentity.h"
-#include "DeviceIdentityError.h"
 #include "LoopbackServer.h"
 #include "NoBuiltInServiceError.h"
 #include "OpenSSLProgram.h"
@@ -68,10 +67,7 @@ bool isSigned(const LoopbackServer::Request& request) {
                  QByteArray::fromBase64(request.header("X-Device-Public-Key"))) &&
            write(folder.filePath(QStringLiteral("signature")), derSignature(signature)) &&
            write(folder.filePath(QStringLiteral("message")), request.header("X-Device-Timestamp") + '.' + digest) &&
-           runOpenSSL(folder.path(),
-                      {QStringLiteral("dgst"), QStringLiteral("-sha256"), QStringLiteral("-verify"),
-                       QStringLiteral("key"), QStringLiteral("-keyform"), QStringLiteral("DER"),
-                       QStringLiteral("-signature"), QStringLiteral("signature"), QStringLiteral("message")});
+           runOpenSSL(folder.path(), "dgst -sha256 -verify key -keyform DER -signature signature message");
 }
 
 } // namespace
@@ -81,11 +77,9 @@ protected:
     void SetUp() override { QDir(QFileInfo(m_keyFile).path()).removeRecursively(); }
 
     QCoro::Task<AIAgentTurn> send(AIModelPreference preference = AIModelPreference::balanced) {
-        std::vector<AIMessage> history;
-        history.push_back(AIMessage::userText(QStringLiteral("Grüße")));
-        std::vector<AssistantTool> tools;
+        std::vector<AIMessage> history{AIMessage::userText(QStringLiteral("Grüße"))};
         m_server.enqueue(LoopbackServer::json(200, answer));
-        return m_provider.send(std::move(history), std::move(tools), {}, preference);
+        return m_provider.send(std::move(history), std::vector<AssistantTool>(), {}, preference);
     }
 
     const LoopbackServer::Request& ask() {
@@ -116,10 +110,6 @@ TEST_F(BackendAIProviderTest, SendsSignedBytes) {
         EXPECT_GE(request.header("X-Device-Timestamp").toLongLong(), before);
         EXPECT_LE(request.header("X-Device-Timestamp").toLongLong(), QDateTime::currentMSecsSinceEpoch());
         EXPECT_TRUE(isSigned(request));
-
-        LoopbackServer::Request forged = request;
-        forged.body.replace("Gr", "gr");
-        EXPECT_FALSE(isSigned(forged));
     }
     const auto& requests = m_server.requests();
     EXPECT_EQ(requests[0].header("X-Device-Public-Key"), requests[2].header("X-Device-Public-Key"));
@@ -175,9 +165,7 @@ TEST_F(BackendAIProviderTest, HasOneKeyForTwoFirstQuestions) {
 
 TEST_F(BackendAIProviderTest, SendsNothingWithoutAKey) {
     ASSERT_TRUE(QDir().mkpath(m_keyFile)); // a folder of the file's name
-    const auto outcome = outcomeOf(send());
-    EXPECT_TRUE(outcome.threw<DeviceIdentityError>());
-    EXPECT_EQ(outcome.sentence(), "Couldn't save the device signing key (There is a folder of this name.).");
+    EXPECT_EQ(outcomeOf(send()).sentence(), "Couldn't save the device signing key (There is a folder of this name.).");
     EXPECT_TRUE(m_server.requests().empty());
 }
 
@@ -191,8 +179,9 @@ TEST_F(BackendAIProviderTest, AsksNobodyWhereThereIsNoService) {
         const QUrl endpoint{QLatin1String(address)};
         EXPECT_FALSE(BackendAIProvider::isConfigured(endpoint)) << address;
         BackendAIProvider provider(endpoint);
-        const auto outcome = outcomeOf(provider.send({}, {}, {}, AIModelPreference::fast));
-        EXPECT_TRUE(outcome.threw<NoBuiltInServiceError>()) << address << outcome.sentence();
+        EXPECT_EQ(outcomeOf(provider.send({}, {}, {}, AIModelPreference::fast)).sentence(),
+                  NoBuiltInServiceError().what())
+            << address;
     }
     EXPECT_TRUE(m_server.requests().empty());
     EXPECT_FALSE(QFile::exists(m_keyFile)) << "nobody needs a key";
@@ -213,7 +202,7 @@ TEST_F(BackendAIProviderTest, CallsTheServiceByItsNameWhenItFails) {
     }
 }
 
-TEST(P256SigningKey, HasThePublicKeyOfItsPrivateOne) {
+TEST(P256SigningKey, HasThePublicKeyOfItsPrivateOneAndIsMadeWithTheSmallerY) {
     // The example key of RFC 6979, A.2.5.
     const QByteArray privateKey =
         QByteArray::fromHex("C9AFA9D845BA75166B5C215767B1D6934E50C3DB36E89B127B8A622B120F6721");
@@ -224,9 +213,6 @@ TEST(P256SigningKey, HasThePublicKeyOfItsPrivateOne) {
               "3059301306072a8648ce3d020106082a8648ce3d030107034200"
               "0460fed4ba255a9d31c961eb74c6356d68c049b8923b61fa6ce669622e60f29fb6"
               "7903fe1008b8bc99a41ae9e95628bc64f2f1b20c2d7e9f5177a3c294d4462299");
-}
-
-TEST(P256SigningKey, IsMadeWithTheSmallerY) {
     for (int count = 0; count < 20; ++count) {
         const QByteArray publicKey = P256SigningKey::makeCompactRepresentable().publicKeyDERRepresentation();
         ASSERT_EQ(publicKey.size(), 91);

@@ -14,16 +14,13 @@ namespace {
 
 using DocumentIndex::SearchMatch;
 
-std::vector<DocumentIndex::OutlineEntry> entries(const QStringList& titles) {
-    std::vector<DocumentIndex::OutlineEntry> list;
-    for (const QString& title : titles)
-        list.push_back({title, std::make_shared<PDFOutline>()});
-    return list;
-}
-
-QString best(const QString& query, const QStringList& titles) {
-    const auto match = DocumentIndex::bestMatch(query, entries(titles));
-    return match ? match->title : QStringLiteral("none");
+/// The best of the titles, which "|" parts.
+std::string best(const char* query, const char* titles) {
+    std::vector<DocumentIndex::OutlineEntry> entries;
+    for (const QString& title : QString::fromUtf8(titles).split(u'|', Qt::SkipEmptyParts))
+        entries.push_back({title, std::make_shared<PDFOutline>()});
+    const auto match = DocumentIndex::bestMatch(QString::fromUtf8(query), entries);
+    return match ? match->title.toStdString() : "none";
 }
 
 } // namespace
@@ -93,36 +90,36 @@ TEST(DocumentIndexOutline, ListsParentsFirstAndTheChildrenOfBlankItems) {
 }
 
 TEST(DocumentIndexOutline, MatchesExactlyThenByContainmentThenByWords) {
-    EXPECT_EQ(best(QStringLiteral("\t SETUP "), {QStringLiteral("The setup guide"), QStringLiteral("Setup")}),
-              QStringLiteral("Setup"));
-    EXPECT_EQ(best(QStringLiteral("setup"), {QStringLiteral(" Setup"), QStringLiteral("x")}), QStringLiteral(" Setup"));
-    EXPECT_EQ(best(QStringLiteral("show me the setup please"), {QStringLiteral("Intro"), QStringLiteral("Setup")}),
-              QStringLiteral("Setup"));
-    EXPECT_EQ(best(QStringLiteral("guide of setup"), {QStringLiteral("long setup"), QStringLiteral("guide here")}),
-              QStringLiteral("long setup"));
-    EXPECT_EQ(best(QStringLiteral("fast setup guide"), {QStringLiteral("a setup"), QStringLiteral("guide to setup")}),
-              QStringLiteral("guide to setup"));
-    EXPECT_EQ(best(QStringLiteral("setup, now"), {QStringLiteral("setup or")}), QStringLiteral("none"))
-        << "punctuation stays on the words";
-    EXPECT_EQ(best(QStringLiteral(" \t "), {QStringLiteral("a b")}), QStringLiteral("none"));
-    EXPECT_EQ(best(QStringLiteral("x"), {}), QStringLiteral("none"));
+    const struct {
+        const char* query;
+        const char* titles;
+        const char* best;
+    } rows[] = {
+        {"\t SETUP ", "The setup guide|Setup", "Setup"},
+        {"setup", " Setup|x", " Setup"},
+        {"show me the setup please", "Intro|Setup", "Setup"},
+        {"guide of setup", "long setup|guide here", "long setup"},
+        {"fast setup guide", "a setup|guide to setup", "guide to setup"},
+        {"setup, now", "setup or", "none"}, // punctuation stays on the words
+        {" \t ", "a b", "none"},
+        {"x", "", "none"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(best(row.query, row.titles), row.best) << row.query;
 }
 
 TEST(ChatTitleTest, CutsBetweenWords) {
-    const QString word42(42, u'w');
-    const struct {
-        QString message;
-        QString title;
-    } cases[] = {
+    const QString word(42, u'w');
+    const QString accented = QStringLiteral("é").normalized(QString::NormalizationForm_D).repeated(42);
+    const std::pair<QString, QString> cases[] = {
         {QStringLiteral("  two\nlines \n"), QStringLiteral("two lines")},
-        {word42, word42},
-        {word42 + QStringLiteral("w"), word42 + QStringLiteral("…")},
-        {word42 + QStringLiteral(" more"), word42 + QStringLiteral("…")},
+        {word, word},
+        {word + u'w', word + u'…'},
+        {word + QStringLiteral(" more"), word + u'…'},
         {QStringLiteral("What does the third chapter say about trees"),
          QStringLiteral("What does the third chapter say about…")},
-        {QStringLiteral("é").normalized(QString::NormalizationForm_D).repeated(42),
-         QStringLiteral("é").normalized(QString::NormalizationForm_D).repeated(42)},
-        {QString(), QString()},
+        {accented, accented},
+        {{}, {}},
     };
     for (const auto& [message, title] : cases)
         EXPECT_EQ(ChatTitle::fromFirstMessage(message), title) << qPrintable(message);

@@ -1,4 +1,5 @@
 #include "OpenAIChatCodec.h"
+#include "AIModelPreference.h"
 #include "AIProviderError.h"
 #include "JSONParsingError.h"
 
@@ -24,75 +25,67 @@ AIAgentTurn decodeCall(const QByteArray& function, const QByteArray& finishReaso
                   R"(}]},"finish_reason":)" + finishReason + "}");
 }
 
-struct Refusal {
-    AIProviderError::Kind kind;
-    std::string sentence;
-};
-
-std::optional<Refusal> refusalOf(int status, const QByteArray& body) {
+/// What the reading of such a reply throws.
+template <typename Error>
+std::string errorOf(int status, const QByteArray& body) {
     try {
         (void)OpenAIChatCodec::readReply(status, body);
-    } catch (const AIProviderError& error) {
-        return Refusal{error.kind(), error.what()};
-    }
-    return std::nullopt;
-}
-
-std::string parsingErrorOf(int status, const QByteArray& body) {
-    try {
-        (void)OpenAIChatCodec::readReply(status, body);
-    } catch (const JSONParsingError& error) {
+    } catch (const Error& error) {
         return error.what();
-    } catch (const AIProviderError&) { // counts as none
+    } catch (const std::exception&) { // of another kind
     }
     return {};
 }
 
 } // namespace
 
+TEST(AIModelPreference, IsFoundByItsExactRawValueOnly) {
+    for (const AIModelPreferenceInfo& row : allAIModelPreferences())
+        EXPECT_EQ(aiModelPreferenceFromRawValue(row.rawValue), row.preference);
+    for (const char* text : {"high perf", "HIGH PERF", "highPerformance", "Fast ", ""})
+        EXPECT_FALSE(aiModelPreferenceFromRawValue(QString::fromLatin1(text))) << text;
+}
+
 TEST(OpenAIChatCodec, WritesEachKindOfMessage) {
-    using Part = AIContentPart;
+    const auto text = [](const char* words) { return AIContentPart::text(QString::fromUtf8(words)); };
+    const auto use = [](const char* id, const char* name, const QJsonObject& input = {}) {
+        return AIContentPart::toolUse(QLatin1String(id), QLatin1String(name), input);
+    };
+    const auto result = [](const char* id, const char* words) {
+        return AIContentPart::toolResult(QLatin1String(id), QLatin1String(words));
+    };
     const struct {
         const char* what;
         AIMessage message;
-        QByteArray wire;
+        std::string wire;
     } cases[] = {
         {"texts of the user, on lines of their own; a tool use isn't theirs",
-         {AIRole::user,
-          {Part::text(QStringLiteral("a \"b\" ü\n")), Part::toolUse(QStringLiteral("x"), QStringLiteral("y"), {}),
-           Part::text(QStringLiteral("c/d"))}},
+         {AIRole::user, {text("a \"b\" ü\n"), use("x", "y"), text("c/d")}},
          R"({"content":"a \"b\" ü\n\nc/d","role":"user"})"},
         {"a message without parts", {AIRole::user, {}}, R"({"content":"","role":"user"})"},
         {"results, which displace a text",
-         {AIRole::user,
-          {Part::toolResult(QStringLiteral("1"), QStringLiteral("one")), Part::text(QStringLiteral("lost")),
-           Part::toolResult(QStringLiteral("2"), {})}},
+         {AIRole::user, {result("1", "one"), text("lost"), result("2", "")}},
          R"({"content":"one","role":"tool","tool_call_id":"1"},{"content":"","role":"tool","tool_call_id":"2"})"},
         {"texts of the assistant, joined with nothing",
-         {AIRole::assistant,
-          {Part::text(QStringLiteral("a")), Part::toolResult(QStringLiteral("1"), QStringLiteral("r")),
-           Part::text(QStringLiteral("b"))}},
+         {AIRole::assistant, {text("a"), result("1", "r"), text("b")}},
          R"({"content":"ab","role":"assistant"})"},
         {"tool uses alone",
-         {AIRole::assistant,
-          {Part::toolUse(QStringLiteral("1"), QStringLiteral("go"), {{QStringLiteral("page"), 3}}),
-           Part::toolUse(QStringLiteral("2"), QStringLiteral("read"), {})}},
+         {AIRole::assistant, {use("1", "go", {{QStringLiteral("page"), 3}}), use("2", "read")}},
          R"({"content":"","role":"assistant","tool_calls":[)"
          R"({"function":{"arguments":"{\"page\":3}","name":"go"},"id":"1","type":"function"},)"
          R"({"function":{"arguments":"{}","name":"read"},"id":"2","type":"function"}]})"},
     };
-    for (const auto& each : cases) {
-        EXPECT_EQ(compact(OpenAIChatCodec::encodeMessages({each.message}, {})).toStdString(),
-                  R"([{"content":"","role":"system"},)" + each.wire.toStdString() + "]")
-            << each.what;
-    }
+    for (const auto& [what, message, wire] : cases)
+        EXPECT_EQ(compact(OpenAIChatCodec::encodeMessages({message}, {})).toStdString(),
+                  R"([{"content":"","role":"system"},)" + wire + "]")
+            << what;
 }
 
 TEST(OpenAIChatCodec, ReadsWhatItWroteOfAToolCall) {
-    const QJsonObject input{{QStringLiteral("text"), QStringLiteral("Ω \\ \" \u2028 😀")},
-                            {QStringLiteral("page"), qint64(9007199254740993)},
-                            {QStringLiteral("none"), {}}};
-    const AIMessage asked{AIRole::assistant, {AIContentPart::toolUse(QStringLiteral("1"), QStringLiteral("n"), input)}};
+    const QByteArray input = R"({"text":"Ω \\ \" \u2028 😀","page":9007199254740993,"none":null})";
+    const AIMessage asked{
+        AIRole::assistant,
+        {AIContentPart::toolUse(QStringLiteral("1"), QStringLiteral("n"), QJsonDocument::fromJson(input).object())}};
     const QJsonArray messages = OpenAIChatCodec::encodeMessages({asked}, {});
     const AIAgentTurn turn = OpenAIChatCodec::decodeResponse(
         {{QStringLiteral("choices"), QJsonArray{QJsonObject{{QStringLiteral("message"), messages.last()}}}}});
@@ -120,10 +113,7 @@ TEST(OpenAIChatCodec, DecidesWhetherATurnIsFinal) {
 
 TEST(OpenAIChatCodec, ToleratesOddToolCalls) {
     const QByteArray deep = QByteArray(10'000, '[') + QByteArray(10'000, ']');
-    const struct {
-        QByteArray function;
-        QJsonObject input;
-    } readable[] = {
+    const std::pair<QByteArray, QJsonObject> readable[] = {
         {R"({"name":"n","arguments":{"a":1}})", {{QStringLiteral("a"), 1}}},
         {R"({"name":"n","arguments":"nonsense"})", {}},
         {R"({"name":"n","arguments":"[1]"})", {}},
@@ -131,10 +121,10 @@ TEST(OpenAIChatCodec, ToleratesOddToolCalls) {
         {R"({"name":"n","arguments":5})", {}},
         {R"({"name":"n"})", {}},
     };
-    for (const auto& each : readable) {
-        const AIAgentTurn turn = decodeCall(each.function);
-        ASSERT_EQ(turn.toolCalls.size(), 1u) << each.function.left(80).toStdString();
-        EXPECT_EQ(turn.toolCalls[0].input, each.input) << each.function.left(80).toStdString();
+    for (const auto& [function, input] : readable) {
+        const AIAgentTurn turn = decodeCall(function);
+        ASSERT_EQ(turn.toolCalls.size(), 1u) << function.left(80).toStdString();
+        EXPECT_EQ(turn.toolCalls[0].input, input) << function.left(80).toStdString();
     }
     for (const char* function : {R"({"arguments":"{}"})", R"({"name":4})", "[]", "null"})
         EXPECT_TRUE(decodeCall(function).toolCalls.empty()) << function;
@@ -150,44 +140,34 @@ TEST(OpenAIChatCodec, ToleratesOddToolCalls) {
     }
 }
 
-TEST(OpenAIChatCodec, RefusesRepliesWithoutAMessage) {
+TEST(OpenAIChatCodec, TellsWhatIsNoAnswer) {
+    const std::string unexpected = "Received an unexpected response from the AI provider.";
     for (const char* body :
          {"{}", "[]", "7", " \"text\" ", "null", R"({"choices":[]})", R"({"choices":{}})", R"({"choices":[{}]})",
-          R"({"choices":[{"message":"Hi"}]})", R"({"choices":[{"message":{"content":"Hi"}},5]})"}) {
-        const auto refusal = refusalOf(200, body);
-        ASSERT_TRUE(refusal) << body;
-        EXPECT_EQ(refusal->sentence, "Received an unexpected response from the AI provider.") << body;
-    }
-}
+          R"({"choices":[{"message":"Hi"}]})", R"({"choices":[{"message":{"content":"Hi"}},5]})"})
+        EXPECT_EQ(errorOf<AIProviderError>(200, body), unexpected) << body;
 
-TEST(OpenAIChatCodec, ReadsTheErrorOfAService) {
     const struct {
         int status;
         const char* body;
         const char* sentence;
-    } cases[] = {
+    } refusals[] = {
         {500, R"({"error":{"message":"Overloaded","code":3}})", "API error (500): Overloaded"},
-        {403, R"({"error":"No entry"})", "API error (403): No entry"},
+        {403, R"({"error":"No %1 entry"})", "API error (403): No %1 entry"},
         {404, R"({"error":{"message":5}})", "API error (404): Unknown error"},
         {300, R"({"choices":[{"message":{"content":"Hi"}}]})", "API error (300): Unknown error"},
         {-1, "{}", "API error (-1): Unknown error"},
     };
-    for (const auto& each : cases) {
-        const auto refusal = refusalOf(each.status, each.body);
-        ASSERT_TRUE(refusal) << each.body;
-        EXPECT_EQ(refusal->kind, AIProviderError::Kind::http);
-        EXPECT_EQ(refusal->sentence, each.sentence);
-    }
-}
+    for (const auto& [status, body, sentence] : refusals)
+        EXPECT_EQ(errorOf<AIProviderError>(status, body), sentence);
 
-TEST(OpenAIChatCodec, TellsWhatIsNoJSONWhateverTheStatus) {
     const QByteArray deep = R"({"choices":)" + QByteArray(10'000, '[') + QByteArray(10'000, ']') + "}";
     for (const QByteArray& body :
          {QByteArray("<html>Bad gateway</html>"), QByteArray(), QByteArray("1],[2"), QByteArray("1,2"),
           QByteArray(R"({"choices":[{"mess)"), QByteArray("{} {}"), QByteArray("{\"a\":\"\xff\"}"), deep}) {
-        for (const int status : {200, 401, 502}) {
-            EXPECT_EQ(parsingErrorOf(status, body).find("The AI service sent an answer that Quillo can't read ("), 0u)
+        for (const int status : {200, 401, 502})
+            EXPECT_TRUE(errorOf<JSONParsingError>(status, body)
+                            .starts_with("The AI service sent an answer that Quillo can't read ("))
                 << body.left(40).toStdString();
-        }
     }
 }
