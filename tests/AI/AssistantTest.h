@@ -85,8 +85,9 @@ protected:
         fixture.addPage({QStringLiteral("The Quick fox"), QStringLiteral("second line")});
         fixture.addPage({});
         fixture.addPage({QStringLiteral("about the lazy dog")});
-        fixture.setOutline(
-            {{QStringLiteral("Getting Started"), 0, {{QStringLiteral("  Setup"), 1}}}, {QStringLiteral("The Dog"), 2}});
+        fixture.setOutline({{QStringLiteral("Getting Started"), 0, {{QStringLiteral("  Setup"), 1}}},
+                            {QStringLiteral(" \t"), 0, {{QStringLiteral("Deep"), 0}}}, // a blank item
+                            {QStringLiteral("The Dog"), 2}});
         write("Some.Book.pdf", fixture.bytes());
         openWindow(PDFDocument::fromFile(m_path));
     }

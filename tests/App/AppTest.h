@@ -50,16 +50,8 @@ public:
         return reply;
     }
 
-    OverwriteAnswer askAboutChangedFile(QWidget*, const QString& documentName) override {
-        note("changed", documentName);
-        return changedFileAnswer;
-    }
-
-    OverwriteAnswer askAboutSignatures(QWidget*, const QString& documentName) override {
-        note("signatures", documentName);
-        return changedFileAnswer;
-    }
-
+    OverwriteAnswer askAboutChangedFile(QWidget*, const QString& name) override { return overwrite("changed", name); }
+    OverwriteAnswer askAboutSignatures(QWidget*, const QString& name) override { return overwrite("signatures", name); }
     bool askToReload(QWidget*, const QString&) override { return reverts; }
     bool askToRevert(QWidget*, const QString&) override { return reverts; }
 
@@ -99,6 +91,11 @@ public:
     std::optional<QString> saveLocation;
 
 private:
+    OverwriteAnswer overwrite(const char* question, const QString& name) {
+        note(question, name);
+        return changedFileAnswer;
+    }
+
     void note(const char* what, const QString& name) { m_calls.append(QLatin1String(what) + u' ' + name); }
 
     QStringList m_calls;

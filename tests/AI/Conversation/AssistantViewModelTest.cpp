@@ -1,5 +1,6 @@
 #include "AssistantViewModel.h"
 
+#include "AIProviderError.h"
 #include "AssistantTest.h"
 #include "ChatHistoryStore.h"
 #include "PDFPage.h"
@@ -102,6 +103,12 @@ TEST_F(AssistantViewModelTest, SendsOnlyWhatThereIsAndOneQuestionAtATime) {
     EXPECT_EQ(m_provider->calls[0].tools.size(), 7U);
     EXPECT_EQ(viewModel->draft(), QStringLiteral("next"));
     EXPECT_EQ(stored().front().turns, viewModel->turns());
+
+    const auto ofText =
+        AssistantViewModel::create(TextOnlyAssistantContext{QUrl(), QStringLiteral("words")}, m_provider);
+    askWell(*ofText, "what?");
+    EXPECT_EQ(m_provider->calls.back().system, SystemPrompts::textOnly());
+    EXPECT_EQ(m_provider->calls.back().tools.size(), 2U);
 }
 
 TEST_F(AssistantViewModelTest, RunsToolsAndTellsTheModelTheirResults) {
@@ -153,9 +160,10 @@ TEST_F(AssistantViewModelTest, GivesUpAfterTenStepsAndAfterAFailure) {
     EXPECT_EQ(texts(stored().front().turns), tooMany);
 
     m_provider->replies.clear();
-    m_provider->replies.push_back([]() -> AIAgentTurn { throw std::runtime_error("Zu spät."); });
+    m_provider->replies.push_back(
+        []() -> AIAgentTurn { throw AIProviderError::http(503, QStringLiteral("Zu spät.")); });
     ask(*viewModel, "again");
-    EXPECT_EQ(texts(viewModel->turns()), tooMany + "|user: again|error: Zu spät.");
+    EXPECT_EQ(texts(viewModel->turns()), tooMany + "|user: again|error: API error (503): Zu spät.");
     askWell(*viewModel, "and again");
     const std::vector<AIMessage>& history = m_provider->calls.back().history;
     ASSERT_EQ(history.size(), 23U);

@@ -87,7 +87,7 @@ TEST_F(PDFToolsTest, AnswersEveryInputWithText) {
         {"go_to_section", R"({"title":7})", "Missing 'title' argument."},
         {"go_to_section", R"({"title":"the dog"})", "Navigated to section 'The Dog'."},
         {"go_to_section", R"({"title":"%1 %2"})",
-         "No section title closely matches '%1 %2'. Available sections: Getting Started;   Setup; The Dog"},
+         "No section title closely matches '%1 %2'. Available sections: Getting Started;   Setup; Deep; The Dog"},
         {"get_selection_text", R"({"page":1})", "No text is currently selected."},
         {"get_page_text", R"({"page":1})", "The Quick fox\nsecond line"},
         {"get_page_text", R"({"page":2})", "Page 2 has no extractable text."},

@@ -74,21 +74,6 @@ TEST(DocumentIndexSearch, ReadsNoPageBehindTheLastHitAndKeepsWhatItReadWithinThe
             .empty());
 }
 
-TEST(DocumentIndexOutline, ListsParentsFirstAndTheChildrenOfBlankItems) {
-    PdfFixture fixture;
-    fixture.addPage({});
-    fixture.setOutline({{QStringLiteral("One"), 0, {{QStringLiteral(" \t"), 0, {{QStringLiteral(" Deep "), 0}}}}},
-                        {QStringLiteral("\n"), 0},
-                        {QStringLiteral("Two"), 0}});
-    QStringList titles;
-    for (const auto& entry : DocumentIndex::flattenedOutline(*PDFDocument::fromData(fixture.bytes())))
-        titles.append(entry.title);
-    EXPECT_EQ(titles.size(), 4);
-    EXPECT_EQ(titles.value(1), QStringLiteral(" Deep "));
-    EXPECT_EQ(titles.value(3), QStringLiteral("Two"));
-    EXPECT_TRUE(DocumentIndex::flattenedOutline(PDFDocument()).empty());
-}
-
 TEST(DocumentIndexOutline, MatchesExactlyThenByContainmentThenByWords) {
     const struct {
         const char* query;

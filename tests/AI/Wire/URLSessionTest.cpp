@@ -81,19 +81,18 @@ protected:
 
 TEST_F(URLSessionTest, TellsWhyThereIsNoAnswerAndGoesOn) {
     const QByteArray head = "HTTP/1.1 200 OK\r\n";
+    const char* const cutShort = "ended the connection before its answer was complete";
     QByteArray packed = qCompress(QByteArray(100 << 20, ' ')).mid(4); // without Qt's own length in front
     const struct {
         const char* what;
         LoopbackServer::Reply reply;
         const char* sentence;
     } cases[] = {
-        {"cut short", LoopbackServer::bytes(head + "Content-Length: 500\r\n\r\n{\"choices\""),
-         "ended the connection before its answer was complete"},
+        {"cut short", LoopbackServer::bytes(head + "Content-Length: 500\r\n\r\n{\"choices\""), cutShort},
         {"a piece cut short", LoopbackServer::bytes(head + "Transfer-Encoding: chunked\r\n\r\nff\r\n{\"choices\""),
          "The AI service "}, // which of the two Qt notices first is a matter of time
-        {"no word", LoopbackServer::bytes({}), "ended the connection before its answer was complete"},
-        {"no HTTP", LoopbackServer::bytes("SSH-2.0-Server\r\n\r\n"),
-         "ended the connection before its answer was complete"},
+        {"no word", LoopbackServer::bytes({}), cutShort},
+        {"no HTTP", LoopbackServer::bytes("SSH-2.0-Server\r\n\r\n"), cutShort},
         {"100 MB packed", LoopbackServer::json(200, packed, "Content-Encoding: deflate\r\n"),
          "couldn't be asked because the connection failed"},
         {"nested deeply", LoopbackServer::json(200, QByteArray(10'000, '[') + QByteArray(10'000, ']')),
@@ -180,8 +179,9 @@ TEST_F(URLSessionTest, FollowsRedirectsOnlyAtHome) {
     const LoopbackServer elsewhere;
     QUrl otherScheme = m_server.url(QStringLiteral("/ask"));
     otherScheme.setScheme(QStringLiteral("https"));
-    const std::pair<int, QUrl> followedNever[] = {{301, elsewhere.url(QStringLiteral("/ask"))},
-                                                  {308, elsewhere.url(QStringLiteral("/ask"))},
+    const QUrl away = elsewhere.url(QStringLiteral("/ask"));
+    const std::pair<int, QUrl> followedNever[] = {{301, away},
+                                                  {307, away},
                                                   {308, otherScheme},
                                                   {303, m_server.url(QStringLiteral("/result"))},
                                                   {307, QUrl(QStringLiteral("file:///etc/hostname"))}};
