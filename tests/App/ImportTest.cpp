@@ -70,7 +70,10 @@ TEST_F(ImportTest, filesComeInTheirOrderAndOneThatFailsBothersNone) {
     for (const char* name : {"a.png", "b.png", "c.png", "d.png"})
         urls << picture(name);
     urls.insert(2, write("bad.gif", "GIF89a no more"));
-    launch(urls);
+    launch();
+    m_app->delegate().openFiles(urls);
+    settle();
+    EXPECT_FALSE(landingIsVisible());
     EXPECT_EQ(tabNames(), "a, b, c, d");
     EXPECT_EQ(m_dialogs->takeCalls(), "Couldn't Open “bad.gif” This file couldn't be converted to a PDF.");
 }

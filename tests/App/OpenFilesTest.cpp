@@ -53,12 +53,11 @@ TEST_F(OpenFilesTest, whatIsNotConvertedGetsAWindowOfItsOwn) {
 }
 
 TEST_F(OpenFilesTest, anotherStartHandsItsFilesOverWhateverTheirNamesAndABadOneBothersNone) {
-    launch();
     QStringList handedOver;
     for (const QUrl& url : {file("100% ä.pdf"), write("bad.pdf", "x"), file("a#1.pdf", {.isDamaged = true})})
         handedOver.append(url.toString(QUrl::FullyEncoded));
     m_app->openFromOtherStart(handedOver, {});
-    settle();
+    launch();
     EXPECT_EQ(tabNames(), "100% ä.pdf, a#1.pdf");
     EXPECT_NE(m_dialogs->takeCalls(), "");
 }
