@@ -1,6 +1,5 @@
 #pragma once
 
-#include "FreeTextAnnotation.h"
 #include "InlineFreeTextEditor.h"
 #include "NoteAnnotation.h"
 #include "NoteEditor.h"
@@ -18,9 +17,8 @@ protected:
     InlineEditorTest() {
         PdfFixture fixture;
         fixture.addPage({QStringLiteral("First line of the page"), QStringLiteral("Second line"), QStringLiteral("I")});
-        const QByteArray white =
-            "0 g 0 0 612 792 re f 1 g " + PdfFixture::textContent({QStringLiteral("White on black")});
-        fixture.addPageWithContent(white, fixture.defaultResources());
+        const QByteArray words = PdfFixture::textContent({QStringLiteral("White on black")});
+        fixture.addPageWithContent("0 g 0 0 612 792 re f 1 g " + words, fixture.defaultResources());
         m_toolState->setColor(Qt::black);
         show(fixture);
         m_view.resize(800, 700);
@@ -66,6 +64,16 @@ protected:
         type(text);
         key(Qt::Key_Return);
         return annotations().empty() ? nullptr : annotations().back();
+    }
+
+    /// That a box which goes on downwards would show no more of its words.
+    void expectShowsAllOf(PDFAnnotation& box) const {
+        const QTransform toSeen = page()->displayTransform(PDFDisplayBox::cropBox);
+        const QRectF bounds = box.bounds();
+        const QImage shown = page()->thumbnail({1224, 1584}, PDFDisplayBox::cropBox);
+        box.setBounds(toSeen.inverted().mapRect(toSeen.mapRect(bounds).adjusted(0, 0, 0, 300)));
+        EXPECT_EQ(page()->thumbnail({1224, 1584}, PDFDisplayBox::cropBox), shown) << "some words are cut off";
+        box.setBounds(bounds);
     }
 
     TextBoxEditor m_box{m_view};

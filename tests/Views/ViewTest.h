@@ -7,6 +7,7 @@
 #include "ThumbnailCache.h"
 #include "UserDefaults.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -17,6 +18,13 @@ class ViewTest : public testing::Test {
 protected:
     ViewTest() { FileReading::patience = std::chrono::minutes(1); }
     void SetUp() override { ThumbnailCache::removeAll(); }
+
+    /// A file of these bytes in the folder.
+    [[nodiscard]] QUrl written(const QByteArray& bytes, const QString& name) const {
+        QFile file(m_folder.filePath(name));
+        EXPECT_TRUE(file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size());
+        return QUrl::fromLocalFile(file.fileName());
+    }
 
     /// A document that has been opened, without a window.
     std::shared_ptr<PDFEditorDocument> opened(const QUrl& url) {

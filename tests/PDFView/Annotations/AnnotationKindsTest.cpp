@@ -6,6 +6,7 @@
 #include "RedactionMarkerAnnotation.h"
 #include "SignatureAnnotation.h"
 
+#include <QBitmap>
 #include <QImage>
 #include <QPainter>
 
@@ -33,13 +34,12 @@ struct Probe {
     double x;
     double y;
     QRgb color;
-    const char* why = "";
 };
 
 void expectColors(const PDFAnnotation& annotation, const std::vector<Probe>& probes) {
     const QImage image = drawn(annotation);
-    for (const auto& [x, y, color, why] : probes)
-        EXPECT_EQ(image.pixel(int(x * scale), image.height() - 1 - int(y * scale)), color) << x << ' ' << y << why;
+    for (const auto& [x, y, color] : probes)
+        EXPECT_EQ(image.pixel(int(x * scale), image.height() - 1 - int(y * scale)), color) << x << ' ' << y;
 }
 
 } // namespace
@@ -50,45 +50,37 @@ TEST(AnnotationKinds, OutlinesAreTwoPointsWideInsideTheBounds) {
     for (const auto& outline : outlines) {
         outline->setColor(QColor(Qt::red));
         expectColors(*outline, {{9.7, 40, white}, {10.3, 40, red}, {11.7, 40, red}, {12.3, 40, white}});
-        outline->setBorder(PDFBorder{5, PDFBorderStyle::solid, {}});
-        expectColors(*outline, {{14.7, 40, red}, {15.3, 40, white}, {40, 40, white, " not filled"}});
     }
 }
 
-TEST(AnnotationKinds, LinesGoFromPointToPointWithDecorationsByTheirWidth) {
+TEST(AnnotationKinds, LinesAreTwoPointsWideWithDecorationsByTheirWidth) {
     LineAnnotation line(QRectF(0, 0, 500, 500));
     line.setColor(QColor(Qt::red));
     line.setStartPoint({40, 40});
-    line.setEndPoint({40, 40});
     line.setEndLineStyle(PDFLineStyle::closedArrow);
-    expectColors(line, {{40.7, 40, red, " a dot"}, {36, 40, white, " without an arrow"}});
     line.setEndPoint({70, 40});
+    expectColors(line, {{50, 40.8, red}, {50, 41.2, white}});
     // Eight points long at least, and 3.4 widths of the line: half as high at its back as sin(pi / 7) says.
-    for (const auto& [width, length] : {std::pair(1.0, 8.0), {2.0, 8.0}, {5.0, 17.0}}) {
-        line.setBorder(PDFBorder{width, PDFBorderStyle::solid, {}});
+    for (const auto& [width, length] : {std::pair(2.0, 8.0), {5.0, 17.0}}) {
+        line.setBorder(PDFBorder{width});
         const double back = 70 - 0.9 * length + 0.3;
         const double high = 40 + 0.37 * length;
         expectColors(line, {{back, high, red}, {back, 80 - high, red}, {back - 0.6, high, white}, {40, high, white}});
     }
-    line.setStartLineStyle(PDFLineStyle::openArrow);
-    expectColors(line, {{40 + 0.9 * 17, 40 + 0.43 * 17, red, " turned back to the line"}});
+    line.setStartLineStyle(PDFLineStyle::openArrow); // turned back to the line
+    expectColors(line, {{40 + 0.9 * 17, 40 + 0.43 * 17, red}});
 }
 
 TEST(AnnotationKinds, FreeTextShowsItsWordsAlone) {
     FreeTextAnnotation text(bounds);
     text.setColor(QColor(Qt::yellow));
-    text.setBorder(PDFBorder{3, PDFBorderStyle::solid, {}});
+    text.setBorder(PDFBorder{3});
     text.setContents(QStringLiteral("words that are too many for the box and so are cut off at its lower edge"));
     text.setFontColor(QColor(Qt::red));
-    const QImage image = drawn(text);
-    int inside = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixel(x, y) != white) {
-                EXPECT_TRUE(bounds.adjusted(5.9, 3.9, -5.9, -3.9).contains((x + 0.5) / scale, 80 - (y + 0.5) / scale));
-                ++inside;
-            }
-    EXPECT_GT(inside, 5000);
+    const QImage ink = drawn(text).createMaskFromColor(white, Qt::MaskInColor);
+    const QRect around = QRegion(QBitmap::fromImage(ink)).boundingRect();
+    EXPECT_TRUE(QRect(159, 239, 482, 322).contains(around)) << "within the margins";
+    EXPECT_GT(around.width() * around.height(), 300 * 200);
 }
 
 TEST(AnnotationKinds, NotesMarkersAndSignaturesFill) {
@@ -96,14 +88,14 @@ TEST(AnnotationKinds, NotesMarkersAndSignaturesFill) {
     note.setColor(QColor(Qt::red));
     const QRgb paper = NoteAnnotation::paperCream.rgb();
     const QRgb shadow = qRgb(0xdd, 0xdc, 0xdb);
+    const QRgb tab = qRgb(0xff, 0x26, 0x25); // through which the paper shows
     expectColors(note, {{40, 40, paper},
                         {40, 23, NoteAnnotation::ink.rgb()},
                         {40, 21, shadow},
                         {69, 40, shadow},
-                        {11, 21, white},
-                        {40, 56, qRgb(0xff, 0x26, 0x25), " the tab, through which the paper shows"},
+                        {40, 56, tab},
                         {40, 52.5, paper},
-                        {10.4, 59.6, white, " a round corner"}});
+                        {10.4, 59.6, white}}); // beside a round corner
 
     RedactionMarkerAnnotation marker(bounds);
     marker.setColor(QColor(Qt::green));

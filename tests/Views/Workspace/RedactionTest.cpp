@@ -6,11 +6,8 @@
 #include "RedactionApplier.h"
 #include "RedactionMarkerAnnotation.h"
 #include "UndoManager.h"
-#include "WorkspaceActions.h"
 #include "WorkspaceTest.h"
 
-#include <QAction>
-#include <QFile>
 #include <QPointer>
 #include <QProgressDialog>
 
@@ -37,10 +34,7 @@ double difference(const QImage& one, const QImage& other, const QRect& hole) {
 class RedactionTest : public WorkspaceTest {
 protected:
     void openFile(const QByteArray& bytes) {
-        QFile file(m_folder.filePath(QStringLiteral("letter %1.pdf").arg(++m_files)));
-        ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size());
-        file.close();
-        m_document = opened(QUrl::fromLocalFile(file.fileName()));
+        m_document = opened(written(bytes, QStringLiteral("letter %1.pdf").arg(++m_files)));
         ASSERT_TRUE(m_document);
         showWorkspace();
     }
@@ -49,44 +43,42 @@ protected:
     /// Draws a marker with the tool.
     void mark(const QRectF& area) {
         m_toolState->setTool(AnnotationTool::redact);
-        const auto mouse = [this](QEvent::Type type, QPointF point, Qt::MouseButtons buttons) {
-            const QPointF at = m_view->convertFromPage(point, *page());
-            QMouseEvent event(type, at, m_view->viewport()->mapToGlobal(at), Qt::LeftButton, buttons, Qt::NoModifier);
-            QCoreApplication::sendEvent(m_view->viewport(), &event);
-        };
-        mouse(QEvent::MouseButtonPress, area.topLeft(), Qt::LeftButton);
-        mouse(QEvent::MouseMove, area.bottomRight(), Qt::LeftButton);
-        mouse(QEvent::MouseButtonRelease, area.bottomRight(), Qt::NoButton);
+        const auto at = [this](QPointF point) { return m_view->convertFromPage(point, *page()).toPoint(); };
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, at(area.topLeft()));
+        QTest::mouseMove(m_view->viewport(), at(area.bottomRight()));
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, at(area.bottomRight()));
         QCoreApplication::processEvents();
     }
-
+    /// What a file says of a marker.
+    [[nodiscard]] static QByteArray markerWith(const QByteArray& contents) {
+        return "<< /Subtype /Square /Rect [60 700 200 740] /Contents " + contents + " >>";
+    }
+    const QByteArray m_contents = "(" + RedactionMarkerAnnotation::marker.toLatin1() + ")";
     int m_files = 0;
 };
 
 } // namespace
 
 TEST_F(RedactionTest, whatIsMarkedIsGoneAndTheRestLooksAsBefore) {
-    const struct {
-        const char* what;
-        std::vector<std::pair<const char*, const char*>> keys;
-    } cases[] = {
+    using Keys = std::vector<std::pair<const char*, const char*>>;
+    const std::pair<const char*, Keys> cases[] = {
         {"plain", {}},
         {"a media box elsewhere", {{"/MediaBox", "[-50 20 562 812]"}}},
         {"turned, cropped", {{"/MediaBox", "[-50 20 562 812]"}, {"/CropBox", "[40 500 500 790]"}, {"/Rotate", "90"}}},
         {"large units", {{"/UserUnit", "2"}, {"/Rotate", "270"}, {"/CropBox", "[40 500 500 790]"}}}};
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.what);
+    for (const auto& [what, keys] : cases) {
+        SCOPED_TRACE(what);
         PdfFixture pdf;
         pdf.addPage({QStringLiteral("Secret words"), QStringLiteral("Public words")});
         pdf.addAnnotation(0, "<< /Subtype /Square /Rect [72 600 120 640] /C [0 0 1] /Contents (SecretNote) >>");
-        for (const auto& [key, value] : each.keys)
+        for (const auto& [key, value] : keys)
             pdf.setPageKey(0, key, value);
         openFile(pdf.bytes());
         const QImage before = shown(*page());
         const PDFPageGeometry geometry = page()->geometry();
         const QRectF area = page()->text()->lines.at(0).bounds.adjusted(-2, -2, 2, 2);
-        const QRect hole =
-            page()->displayTransform(PDFDisplayBox::cropBox).mapRect(area).toAlignedRect().adjusted(-1, -1, 1, 1);
+        const QTransform toSeen = page()->displayTransform(PDFDisplayBox::cropBox);
+        const QRect hole = toSeen.mapRect(area).toAlignedRect().adjusted(-1, -1, 1, 1);
         mark(area);
         EXPECT_EQ(page()->string(), QString());
         EXPECT_TRUE(page()->annotations().empty());
@@ -94,12 +86,11 @@ TEST_F(RedactionTest, whatIsMarkedIsGoneAndTheRestLooksAsBefore) {
         const QImage after = shown(*page());
         ASSERT_EQ(after.size(), before.size());
         EXPECT_LT(difference(before, after, hole), 2);
-        const QRect inside = hole.adjusted(3, 3, -3, -3);
-        QImage black(inside.size(), QImage::Format_Grayscale8);
+        const QImage inside = after.copy(hole.adjusted(3, 3, -3, -3));
+        QImage black(inside.size(), inside.format());
         black.fill(Qt::black);
-        EXPECT_EQ(after.copy(inside), black);
-        EXPECT_EQ(m_workspace->notice().message(),
-                  QStringLiteral("Redacted — text is now permanently removed. Ctrl+Z to undo"));
+        EXPECT_EQ(inside, black);
+        EXPECT_TRUE(m_workspace->notice().message().startsWith(QStringLiteral("Redacted")));
         const QByteArray all = PdfPrograms::unpacked(m_document->pdfDocument()->dataRepresentation());
         EXPECT_FALSE(all.contains("Secret") || all.contains("Public"));
         m_workspace.reset();
@@ -109,7 +100,6 @@ TEST_F(RedactionTest, whatIsMarkedIsGoneAndTheRestLooksAsBefore) {
 TEST_F(RedactionTest, markerAndRedactionAreTwoStepsAndARedoIsTheLastWord) {
     openWorkspace({.pageCount = 2});
     const auto original = page();
-    const QAction* apply = m_workspace->actions()->action(WorkspaceActions::Command::applyRedactions);
     mark({100, 300, 50, 40});
     EXPECT_NE(page(), original);
     undoManager().undo();
@@ -118,8 +108,7 @@ TEST_F(RedactionTest, markerAndRedactionAreTwoStepsAndARedoIsTheLastWord) {
     EXPECT_TRUE(QTest::qWaitFor([this] { return button(QStringLiteral("applyRedactions"))->isVisible(); }));
     undoManager().undo();
     EXPECT_TRUE(page()->annotations().empty());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !apply->isVisible(); }));
-    EXPECT_FALSE(button(QStringLiteral("applyRedactions"))->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !button(QStringLiteral("applyRedactions"))->isVisible(); }));
     undoManager().redo();
     undoManager().redo();
     EXPECT_NE(page(), original);
@@ -134,12 +123,10 @@ TEST_F(RedactionTest, markersOfAFileArePendingAndGoWithTheNext) {
     QByteArray wide("feff"); // UTF-16
     for (const QChar character : RedactionMarkerAnnotation::marker)
         wide += QByteArray::number(character.unicode(), 16).rightJustified(4, '0');
-    const QByteArray marker = "(" + RedactionMarkerAnnotation::marker.toLatin1() + ")";
-    const std::vector<std::pair<int, QByteArray>> contents{
-        {0, "(" + RedactionMarkerAnnotation::marker.toLatin1() + "s)"}, {1, marker}, {3, "<" + wide + ">"}};
-    for (const auto& [page, text] : contents)
-        pdf.addAnnotation(page, "<< /Subtype /Square /Rect [60 700 200 740] /Contents " + text + " >>");
-    pdf.addAnnotation(2, "<< /Rect [60 700 200 740] /Contents " + marker + " >>"); // no annotation without a kind
+    pdf.addAnnotation(0, markerWith(QByteArray(m_contents).replace(")", "s)")));
+    pdf.addAnnotation(1, markerWith(m_contents));
+    pdf.addAnnotation(2, markerWith(m_contents).replace("/Subtype /Square", "")); // no annotation without a kind
+    pdf.addAnnotation(3, markerWith("<" + wide + ">"));
     openFile(pdf.bytes());
     EXPECT_EQ(RedactionApplier::unsearchedFiles(*m_document->pdfDocument()).size(), 1U);
     EXPECT_TRUE(QTest::qWaitFor([this] { return button(QStringLiteral("applyRedactions"))->isVisible(); }))
@@ -156,8 +143,7 @@ TEST_F(RedactionTest, manyPagesShowHowFarTheyAreAndCanBeCancelled) {
     PdfFixture pdf;
     for (int page = 0; page < 4; ++page) {
         pdf.addPage({QStringLiteral("Words")});
-        pdf.addAnnotation(page, "<< /Subtype /Square /Rect [60 700 200 740] /Contents (" +
-                                    RedactionMarkerAnnotation::marker.toLatin1() + ") >>");
+        pdf.addAnnotation(page, markerWith(m_contents));
     }
     openFile(pdf.bytes());
     ASSERT_TRUE(QTest::qWaitFor([this] { return button(QStringLiteral("applyRedactions"))->isVisible(); }));
