@@ -1,4 +1,10 @@
-#include "InlineEditorTest.h"
+#include "InlineFreeTextEditor.h"
+#include "NoteAnnotation.h"
+#include "NoteEditor.h"
+#include "PageBackground.h"
+#include "PageTextEditor.h"
+#include "TextBoxEditor.h"
+#include "ViewerTest.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -9,7 +15,79 @@
 
 namespace {
 
-using InlineEditorsTest = InlineEditorTest;
+/// A view at 100% of a page of text and a dark one, with editors of its own, so that each is called as the viewer calls
+/// its.
+class InlineEditorsTest : public ViewerTest {
+protected:
+    /// By which a widget may lie beside its place, in pixels.
+    static constexpr double halfPixel = 0.51;
+
+    InlineEditorsTest() {
+        PdfFixture fixture;
+        fixture.addPage({QStringLiteral("First line of the page"), QStringLiteral("Second line"), QStringLiteral("I")});
+        const QByteArray words = PdfFixture::textContent({QStringLiteral("White on black")});
+        fixture.addPageWithContent("0 g 0 0 612 792 re f 1 g " + words, fixture.defaultResources());
+        m_toolState->setColor(Qt::black);
+        show(fixture);
+        m_view.resize(800, 700);
+        m_view.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&m_view));
+        m_view.setScaleFactor(1);
+        m_view.setFocus();
+    }
+
+    /// The one that is open, or null.
+    [[nodiscard]] InlineFreeTextEditor* editor() const { return openEditor<InlineFreeTextEditor>(); }
+    /// Its font's size on the screen, in pixels.
+    [[nodiscard]] double fontSize() const { return editor()->font().pointSizeF() * editor()->logicalDpiY() / 72; }
+
+    void type(const QString& text) const {
+        ASSERT_NE(editor(), nullptr);
+        QTest::keyClicks(editor(), text);
+    }
+    /// Presses a key in the open editor and ends the turn of the event loop.
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const {
+        ASSERT_NE(editor(), nullptr);
+        QTest::keyClick(editor(), key, modifiers);
+        endTurn();
+    }
+
+    /// The middle of a line of text, as a view point.
+    [[nodiscard]] QPointF lineOnScreen(int index, int pageIndex = 0) const {
+        return m_view.convertFromPage(line(index, pageIndex).center(), *page(pageIndex));
+    }
+
+    /// A note at a place where there is no text.
+    std::shared_ptr<NoteAnnotation> addNote(const QString& text = {}) {
+        auto note = std::make_shared<NoteAnnotation>(QRectF(200, 500, 120, 80));
+        note->setContents(text);
+        page()->addAnnotation(note);
+        endTurn();
+        return note;
+    }
+
+    /// What became of a text box with that text.
+    std::shared_ptr<PDFAnnotation> writeBox(QPointF viewPoint, const QString& text) {
+        m_box.start(viewPoint, page());
+        type(text);
+        key(Qt::Key_Return);
+        return annotations().empty() ? nullptr : annotations().back();
+    }
+
+    /// That a box which goes on downwards would show no more of its words.
+    void expectShowsAllOf(PDFAnnotation& box) const {
+        const QTransform toSeen = page()->displayTransform(PDFDisplayBox::cropBox);
+        const QRectF bounds = box.bounds();
+        const QImage shown = page()->thumbnail({1224, 1584}, PDFDisplayBox::cropBox);
+        box.setBounds(toSeen.inverted().mapRect(toSeen.mapRect(bounds).adjusted(0, 0, 0, 300)));
+        EXPECT_EQ(page()->thumbnail({1224, 1584}, PDFDisplayBox::cropBox), shown) << "some words are cut off";
+        box.setBounds(bounds);
+    }
+
+    TextBoxEditor m_box{m_view};
+    NoteEditor m_note{m_view};
+    PageTextEditor m_line{m_view};
+};
 
 TEST_F(InlineEditorsTest, editorsKeepToTheirPlaceWhenThePageIsScrolledZoomedAndTurned) {
     /// With the size of the letters where one point of the page is one pixel, and what it becomes with the page.
@@ -141,29 +219,15 @@ TEST_F(InlineEditorsTest, anEditorGoesWithItsPageAndStaysOnOneThatIsMoved) {
     m_line.commit(); // at once: the page is gone already
     EXPECT_FALSE(m_line.isOpen());
     EXPECT_TRUE(first->annotations().empty());
-    EXPECT_FALSE(m_undoManager->canUndo());
-}
+    m_document->insert(first, 0);
+    endTurn();
 
-TEST_F(InlineEditorsTest, aViewThatIsDestroyedDropsAnOpenEditor) {
-    for (const bool editsText : {false, true}) {
-        auto view = std::make_unique<AnnotatingPDFView>();
-        view->setDocument(m_document);
-        view->setToolState(m_toolState);
-        view->setDocUndoManager(m_undoManager);
-        view->resize(800, 700);
-        view->show();
-        m_toolState->setTool(AnnotationTool::textBox);
-        m_toolState->setTextEditingModeEnabled(editsText);
-        const QPoint words = view->convertFromPage(line(0).center(), *page()).toPoint();
-        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, words);
-        auto* const open = view->viewport()->findChild<InlineFreeTextEditor*>();
-        ASSERT_NE(open, nullptr);
-        QTest::keyClicks(open, QStringLiteral("words"));
-        view.reset();
-        endTurn();
-        EXPECT_TRUE(annotations().empty());
-        EXPECT_FALSE(m_undoManager->canUndo());
-    }
+    auto other = std::make_unique<PageTextEditor>(m_view);
+    other->begin(lineOnScreen(0));
+    type(QStringLiteral("words"));
+    other.reset(); // as the view goes
+    EXPECT_TRUE(annotations().empty());
+    EXPECT_FALSE(m_undoManager->canUndo());
 }
 
 TEST_F(InlineEditorsTest, anOldNoteIsNeverEmptiedAndANewOneThatIsEmptyGoesUndoably) {
@@ -192,6 +256,213 @@ TEST_F(InlineEditorsTest, anOldNoteIsNeverEmptiedAndANewOneThatIsEmptyGoesUndoab
         EXPECT_EQ(note->contents(), QString());
         m_undoManager->redo();
     }
+}
+
+TEST_F(InlineEditorsTest, aTextBoxBecomesFreeTextWhereItWasTyped) {
+    m_toolState->setFontSize(20);
+    m_box.start({300, 250}, page());
+    EXPECT_TRUE(editor()->hasFocus());
+    EXPECT_FALSE(editor()->accessibleName().isEmpty());
+    type(QStringLiteral("  Hello  "));
+    m_toolState->setColor(QColor(200, 20, 10));
+    EXPECT_EQ(editor()->palette().color(QPalette::Text), QColor(200, 20, 10));
+    const QRectF frame(editor()->geometry());
+    key(Qt::Key_Enter, Qt::KeypadModifier);
+
+    EXPECT_TRUE(m_view.hasFocus());
+    ASSERT_EQ(annotations().size(), 1U);
+    const PDFAnnotation& made = *annotations()[0];
+    EXPECT_EQ(made.contents(), QStringLiteral("Hello"));
+    EXPECT_EQ(made.fontColor(), QColor(200, 20, 10));
+    EXPECT_EQ(made.color()->alpha(), 0);
+    EXPECT_EQ(made.font()->pointSizeF(), 20);
+    expectNear(m_view.convertFromPage(made.bounds(), *page()), frame);
+    m_undoManager->undo();
+    EXPECT_TRUE(annotations().empty());
+
+    // One without text or left by Escape leaves nothing.
+    for (const Qt::Key end : {Qt::Key_Return, Qt::Key_Escape}) {
+        m_box.start({100, 200}, page());
+        type(end == Qt::Key_Return ? QStringLiteral("   ") : QStringLiteral("given up"));
+        key(end);
+        EXPECT_FALSE(m_box.isOpen());
+        EXPECT_TRUE(annotations().empty());
+        EXPECT_FALSE(m_undoManager->canUndo() || m_undoManager->isDocumentEdited());
+    }
+}
+
+TEST_F(InlineEditorsTest, aTextBoxGrowsDownwardsWithItsHandles) {
+    m_box.start({100, 200}, page());
+    const QRect before = editor()->geometry();
+    type(QStringLiteral("one"));
+    key(Qt::Key_Return, Qt::ShiftModifier);
+    type(QStringLiteral("a second line that is too long for the width of the box"));
+    const QRect after = editor()->geometry();
+    EXPECT_EQ(QRect(after.topLeft(), before.size()), before);
+    EXPECT_GT(after.height(), 2 * before.height());
+    EXPECT_EQ(editor()->verticalScrollBar()->maximum(), 0);
+
+    const auto handles = [this] { return m_view.viewport()->findChildren<QWidget*>(QStringLiteral("textBoxHandle")); };
+    EXPECT_EQ(handles().size(), 8);
+    QRectF around;
+    for (const QWidget* handle : handles())
+        around |= QRectF(QRectF(handle->geometry()).center(), QSizeF(1, 1));
+    expectNear(around, after, 2);
+    key(Qt::Key_Return);
+    EXPECT_TRUE(handles().isEmpty());
+    EXPECT_TRUE(annotations().at(0)->contents().startsWith(QStringLiteral("one\na second")));
+}
+
+TEST_F(InlineEditorsTest, aTextBoxHasItsScreenSizeOnThePageAlsoWhenThatIsZoomedOrTurned) {
+    for (const auto& [rotation, scale] : {std::pair(90, 1.0), {180, 1.0}, {270, 1.0}, {0, 2.55}, {0, 4.0}}) {
+        SCOPED_TRACE(testing::Message() << rotation << " degrees, " << scale);
+        page()->setRotation(rotation);
+        m_view.setScaleFactor(scale);
+        endTurn();
+        const auto box = writeBox({300, 250}, QStringLiteral("Several words that take more than one line of the box"));
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->font()->pointSizeF(), 16);
+        const QRectF seen = m_view.convertFromPage(box->bounds(), *page());
+        expectNear(QRectF(seen.topLeft(), QSizeF(seen.width(), 0)), QRectF(300, 250, 220, 0), 0.2);
+        expectShowsAllOf(*box);
+        page()->removeAnnotation(box);
+    }
+}
+
+/// Around the dark pixels within `area` of the viewport, in device pixels of it.
+QRect darkPixels(const AnnotatingPDFView& view, const QRect& area) {
+    const QImage picture = view.viewport()->grab(area).toImage();
+    QRect dark;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            if (qGray(picture.pixel(x, y)) < 100)
+                dark |= QRect(x, y, 1, 1);
+    return dark;
+}
+
+TEST_F(InlineEditorsTest, committedTextStaysWhereItWasTyped) {
+    double y = 330;
+    for (const QString& first : {QStringLiteral("Words that take more than one line of the box"),
+                                 QStringLiteral("Thisisawordwithoutablankthattakesmorethanoneline"),
+                                 QStringLiteral("هذا نص طويل يكتب من اليمين إلى اليسار في سطرين")}) {
+        m_box.start({90, y}, page());
+        editor()->insertPlainText(first);
+        key(Qt::Key_Return, Qt::ShiftModifier);
+        type(QStringLiteral("and (another)"));
+        const QRect area = editor()->geometry().adjusted(6, 4, -6, -4);
+        const QRect lastLine(area.left(), area.bottom() - 12, area.width(), 13);
+        editor()->setReadOnly(true); // without a text cursor
+        const QRect typed = darkPixels(m_view, area);
+        const QRect typedLast = darkPixels(m_view, lastLine);
+        editor()->setReadOnly(false);
+        key(Qt::Key_Return);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return m_view.isSharp() && !darkPixels(m_view, area).isNull(); }, 20'000));
+        EXPECT_GT(typed.height(), 45); // three lines
+        expectNear(QRectF(darkPixels(m_view, area)), QRectF(typed), 1);
+        expectNear(QRectF(darkPixels(m_view, lastLine)), QRectF(typedLast), 1);
+        EXPECT_LT(typedLast.left(), 3) << "Latin words, whatever stands before them";
+        y += 120;
+    }
+}
+
+TEST_F(InlineEditorsTest, aRetypedLineIsAPairThatIsUndoneInOneStep) {
+    m_line.begin(lineOnScreen(1));
+    ASSERT_EQ(annotations().size(), 1U) << "the cover, from the start";
+    EXPECT_FALSE(m_undoManager->canUndo());
+    EXPECT_EQ(editor()->textCursor().selectedText(), QStringLiteral("Second line"));
+    type(QStringLiteral("Another second line"));
+    key(Qt::Key_Return);
+
+    const Annotations made = annotations();
+    ASSERT_EQ(made.size(), 2U);
+    const QRectF cover = made[0]->bounds();
+    EXPECT_NEAR(cover.left(), line(1).left() - 2, 0.01);
+    EXPECT_NEAR(cover.width(), line(1).width() + 4, 0.01);
+    EXPECT_GE(cover.height(), 12 + 8 + 4);
+    EXPECT_EQ(made[1]->contents(), QStringLiteral("Another second line"));
+    EXPECT_EQ(made[1]->bounds().topLeft(), cover.topLeft());
+    EXPECT_EQ(made[1]->bounds().height(), cover.height()) << "longer, but still one line";
+    expectShowsAllOf(*made[1]);
+    EXPECT_NEAR(made[1]->font()->pointSizeF(), 12, 0.01);
+    EXPECT_EQ(made[1]->fontColor(), QColor(Qt::black));
+    EXPECT_EQ(made[1]->color()->alpha(), 0);
+
+    for (int round = 0; round < 2; ++round) {
+        m_undoManager->undo();
+        EXPECT_TRUE(annotations().empty() && !m_undoManager->canUndo());
+        m_undoManager->redo();
+        EXPECT_EQ(annotations(), made);
+    }
+}
+
+TEST_F(InlineEditorsTest, aLineThatIsEmptiedOrGivenUpIsAsBeforeAndAnUntouchedOneIsReplaced) {
+    m_line.begin(lineOnScreen(0));
+    key(Qt::Key_Delete);
+    key(Qt::Key_Return);
+    EXPECT_TRUE(annotations().empty());
+    m_line.begin(lineOnScreen(0));
+    type(QStringLiteral("given up"));
+    key(Qt::Key_Escape);
+    m_line.begin(m_view.convertFromPage(QPointF(300, 300), *page())); // no text there
+    m_line.begin({2, 300});                                           // beside the pages
+    EXPECT_FALSE(m_line.isOpen());
+    EXPECT_TRUE(annotations().empty() && !m_undoManager->canUndo());
+
+    m_line.begin(lineOnScreen(0));
+    m_line.begin(lineOnScreen(1)); // commits the first, which was left alone
+    ASSERT_EQ(annotations().size(), 3U);
+    EXPECT_EQ(annotations()[1]->contents(), QStringLiteral("First line of the page"));
+    EXPECT_TRUE(m_undoManager->canUndo());
+}
+
+TEST_F(InlineEditorsTest, theEditorOfALineIsNeverTooNarrowAndItsWordsAreSeenOnADarkPage) {
+    for (const double scale : {0.5, 2.0}) {
+        m_view.setScaleFactor(scale);
+        m_line.begin(lineOnScreen(2)); // one letter
+        EXPECT_NEAR(editor()->width(), 80, 1) << scale;
+        key(Qt::Key_Escape);
+    }
+    m_view.goToPage(page(1));
+    m_line.begin(lineOnScreen(0, 1));
+    EXPECT_EQ(editor()->palette().color(QPalette::Text), QColor(Qt::white));
+    key(Qt::Key_Return);
+    EXPECT_EQ(page(1)->annotations().back()->fontColor(), QColor(Qt::white));
+    for (const auto& [height, size] : {std::pair(100, 72), {20, 16}, {5, 9}})
+        EXPECT_EQ(PageTextEditor::fallbackFontSize(height), size);
+}
+
+TEST(PageBackgroundTest, takesTheColourOfThePlaceAndNotThatOfItsSurroundingsOrLetters) {
+    const QRectF place(100, 300, 200, 20);
+    // A blue field exactly where is asked, with a third of it in white stripes.
+    const QByteArray field = "0 0 1 rg 100 300 200 20 re f 1 g 100 300 66 20 re f";
+    const QPointF corner(-300, 1000); // of a page whose coordinates don't start at zero
+    const QByteArray shifted = "0 0 1 rg -200 1300 200 20 re f";
+    const QByteArray black = "0 g 0 0 612 792 re f";
+    const std::tuple<QByteArray, QColor, QRectF, QPointF> papers[] = {
+        {"0.5 g 0 0 612 792 re f", QColor::fromRgbF(8 / 15.0F, 8 / 15.0F, 8 / 15.0F), place, {}},
+        {"0 1 0 rg 0 0 612 792 re f", Qt::green, place, {}},
+        {field, Qt::blue, place, {}},
+        {field, Qt::white, place.translated(0, 25), {}},
+        {field, Qt::white, place.translated(0, -25), {}},
+        {shifted, Qt::blue, place.translated(corner), corner},
+        {black, Qt::black, {-180, 300, 200, 20}, {}}, // what is off the page doesn't count
+        {black, Qt::black, {590, 300, 200, 20}, {}},
+        {black, Qt::black, {100, 780, 200, 80}, {}},
+        {black, Qt::black, {100, -70, 200, 80}, {}},
+        {black, Qt::white, {700, 900, 50, 50}, {}},
+    };
+    for (const auto& [content, background, where, cornerOfPage] : papers) {
+        PdfFixture fixture;
+        fixture.addPageWithContent(content);
+        fixture.setPageKey(0, "/MediaBox", PdfFixture::rectArray(QRectF(cornerOfPage, QSizeF(612, 792))));
+        const auto document = PDFDocument::fromData(fixture.bytes());
+        EXPECT_EQ(PageBackground::sampleBackgroundColor(where, *document->page(0)).rgba(), background.rgba())
+            << content.toStdString() << " at " << where.left() << ' ' << where.top();
+    }
+    for (const Qt::GlobalColor dark : {Qt::black, Qt::blue})
+        EXPECT_EQ(PageBackground::contrastingTextColor(dark), QColor(Qt::white));
+    for (const QColor& light : {QColor(Qt::green), QColor(136, 136, 136)})
+        EXPECT_EQ(PageBackground::contrastingTextColor(light), QColor(Qt::black));
 }
 
 } // namespace

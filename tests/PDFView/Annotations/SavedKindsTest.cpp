@@ -146,22 +146,19 @@ std::shared_ptr<PDFDocument> pageWith(const std::vector<Placed>& all, int rotati
     return document;
 }
 
-QImage ours(const PDFDocument& document) {
-    QImage image((cropBox.size() * scale).toSize(), QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    painter.translate(0, image.height());
-    painter.scale(scale, -scale);
-    document.page(0)->draw(PDFDisplayBox::cropBox, painter);
-    return image;
+QImage turnedBack(const QImage& picture, int rotation) {
+    return picture.transformed(QTransform().rotate(-rotation)).convertToFormat(QImage::Format_RGB32);
 }
 
-/// Another program's picture of the page, turned back.
+QImage ours(const PDFDocument& document) {
+    const PDFPage& page = *document.page(0);
+    const QSize size = (page.displaySize(PDFDisplayBox::cropBox) * scale).toSize();
+    return turnedBack(page.thumbnail(size, PDFDisplayBox::cropBox), page.rotation());
+}
+
 QImage theirs(const QString& command, const QByteArray& file, int rotation = 0) {
     const QStringList parts = command.split(u' ');
-    return QImage::fromData(PdfPrograms::run(parts[0], parts.mid(1), file).output, "PPM")
-        .transformed(QTransform().rotate(-rotation))
-        .convertToFormat(QImage::Format_RGB32);
+    return turnedBack(QImage::fromData(PdfPrograms::run(parts[0], parts.mid(1), file).output, "PPM"), rotation);
 }
 
 /// Pictures of the page by this program, before and after it is saved, and of the file by two others.
