@@ -231,28 +231,3 @@ TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
         m_toolState->setTextEditingModeEnabled(false);
     }
 }
-
-TEST_F(DrawingTools, everyActionComesBackInItsPlace) {
-    keepSignature();
-    m_toolState->setEraserSize(40);
-    const AnnotationTool tools[] = {AnnotationTool::ink, AnnotationTool::line, AnnotationTool::form,
-                                    AnnotationTool::signature, AnnotationTool::eraser};
-    std::vector states(1, annotations());
-    for (int i = 0; i < 60; ++i) {
-        m_toolState->setTool(tools[i % 5]);
-        m_toolState->setEraserMode(i % 2 == 0 ? EraserMode::precise : EraserMode::wholeStroke);
-        drag({QPointF(60 + i * 97 % 450, 320 + i * 61 % 400), QPointF(60 + i * 41 % 450, 320 + i * 29 % 400)});
-        if (annotations() != states.back())
-            states.push_back(annotations());
-    }
-    EXPECT_GT(states.size(), 50U);
-    for (int round = 0; round < 2; ++round) {
-        for (std::size_t at = states.size() - 1; at > 0; --at) {
-            ASSERT_EQ(annotations(), states[at]) << at;
-            m_undoManager->undo();
-        }
-        EXPECT_TRUE(annotations().empty() && !m_undoManager->isDocumentEdited());
-        while (m_undoManager->canRedo())
-            m_undoManager->redo();
-    }
-}
