@@ -63,6 +63,7 @@ TEST_F(RecognitionTest, theTextOfThePageIsCopiedAndShownAndPutIntoThePage) {
     EXPECT_EQ(saidNext(), QStringLiteral("Extracted text:\n\n") + line);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), line);
     EXPECT_EQ(string(0), line);
+    EXPECT_TRUE(m_workspace->showsAssistant());
     m_document->undoManager()->undo();
     EXPECT_EQ(string(0), QString());
 
