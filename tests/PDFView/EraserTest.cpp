@@ -179,11 +179,8 @@ TEST_F(EraserTest, whatOneDragErasesIsTakenBackAtOnce) {
             endTurn();
             moveTo({200 + i * step, 500});
         }
-        EXPECT_FALSE(m_undoManager->canUndo()); // in the middle of it
-        if (step > 0)
-            release({260, 500});
-        else
-            m_toolState->setTool(AnnotationTool::select); // which ends it as well
+        EXPECT_FALSE(m_undoManager->canUndo());                                        // in the middle of it
+        step > 0 ? release({260, 500}) : m_toolState->setTool(AnnotationTool::select); // which ends it as well
         endTurn();
     }
     EXPECT_EQ(annotations().size(), 2U);

@@ -113,6 +113,7 @@ TEST_F(PDFKitRepresentedViewTest, theCoordinatorFollowsThePagesAndRemembersThemF
     m_coordinator.setFileURL(QUrl()); // a document without a file
     view->goToPage(view->document()->page(1));
     EXPECT_EQ(remembered(), 3);
+    EXPECT_EQ(RecentPageStore::pageIndex(m_defaults, QUrl()), std::nullopt);
     m_represented.makeView(&m_window);
     view->goToPage(view->document()->page(2));
     EXPECT_EQ(indicator(), "1 of 5") << "another view is attached";
