@@ -17,7 +17,7 @@ protected:
 
 } // namespace
 
-TEST_F(DrawingTools, aDragDrawsAndAClickLeavesNothing) {
+TEST_F(DrawingTools, aDragDrawsAClickLeavesNothingAndAllIsUndoneInItsOrder) {
     const QRectF dragged(200, 400, 100, 100);
     const std::tuple<AnnotationTool, QString, QRectF> cases[] = {
         {AnnotationTool::ink, PDFAnnotationSubtype::ink, dragged.adjusted(-6, -6, 6, 6)}, // width and 2 points around
@@ -34,25 +34,37 @@ TEST_F(DrawingTools, aDragDrawsAndAClickLeavesNothing) {
     std::shared_ptr<PDFAnnotation> made;
     for (const auto& [tool, type, bounds] : cases) {
         m_toolState->setTool(tool);
+        const std::size_t before = annotations().size();
         click({100, 500});
-        EXPECT_FALSE(m_undoManager->canUndo());
+        EXPECT_EQ(annotations().size(), before);
         select(0, 0, 0, 0);
         drag({{300, 400}, {280, 420}, {200, 500}});
-        ASSERT_EQ(annotations().size(), 1U) << type.toStdString();
-        made = annotations()[0];
+        ASSERT_EQ(annotations().size(), before + 1) << type.toStdString();
+        made = annotations().back();
         EXPECT_EQ(made->type(), type);
         EXPECT_EQ(made->color(), QColor(200, 30, 60));
         EXPECT_EQ(made->border().value().lineWidth, 4);
         expectNear(made->bounds(), bounds, tool == AnnotationTool::line ? 5 : 0.01);
         EXPECT_TRUE(m_view.hasSelection()) << "a tool selects no text";
-        m_undoManager->undo();
-        EXPECT_TRUE(annotations().empty());
-        m_undoManager->removeAllActions();
     }
     EXPECT_EQ(markers, 1);
     expectNear(QRectF(made->startPoint(), made->endPoint()), QRectF(300, 400, -100, 100));
     EXPECT_EQ(made->endLineStyle(), PDFLineStyle::diamond);
     EXPECT_EQ(made->startLineStyle(), PDFLineStyle::none);
+
+    Annotations left = annotations();
+    m_toolState->setTool(AnnotationTool::eraser);
+    click({250, 450});
+    EXPECT_TRUE(annotations().empty());
+    for (; !left.empty(); left.pop_back()) {
+        m_undoManager->undo();
+        EXPECT_EQ(annotations(), left);
+    }
+    m_undoManager->undo();
+    EXPECT_FALSE(m_undoManager->canUndo() || m_undoManager->isDocumentEdited());
+    while (m_undoManager->canRedo())
+        m_undoManager->redo();
+    EXPECT_TRUE(annotations().empty()) << "erased again";
 }
 
 TEST_F(DrawingTools, aStrokeIsSmoothAndRunsFromItsFirstPointToItsLast) {
