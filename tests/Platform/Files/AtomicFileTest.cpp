@@ -1,42 +1,26 @@
 #include "AtomicFile.h"
 
 #include "FileError.h"
+#include "FolderTest.h"
 #include "InPlaceFile.h"
 #include "RestrictedRuns.h"
 
 #include <QDateTime>
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
-#include <QTemporaryDir>
 
-#include <csignal>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
 
-class AtomicFileTest : public testing::Test {
+class AtomicFileTest : public FolderTest {
 protected:
-    QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
-
-    void make(const char* name, const QByteArray& bytes = "old") const {
-        QFile out(path(name));
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size());
-    }
-    void makeFolder(const char* name) const { ASSERT_TRUE(QDir(m_folder.path()).mkpath(QString::fromUtf8(name))); }
     void setMode(const char* name, mode_t mode) const { ASSERT_EQ(chmod(qPrintable(path(name)), mode), 0); }
-
-    QByteArray contentOf(const char* name) const {
-        QFile in(path(name));
-        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray("(unreadable)");
-    }
 
     static std::string sentenceOfFailure(const QString& file, const QByteArray& bytes = "new") {
         try {
@@ -46,35 +30,6 @@ protected:
         }
         return "(no error)";
     }
-
-    std::string names() const {
-        return QDir(m_folder.path())
-            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
-            .join(u' ')
-            .toStdString();
-    }
-
-    const QTemporaryDir m_folder;
-};
-
-/// No file can grow beyond 1000 bytes while it lives.
-class SmallFilesOnly {
-public:
-    SmallFilesOnly() {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit small = {1000, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallFilesOnly() {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    SmallFilesOnly(const SmallFilesOnly&) = delete;
-    SmallFilesOnly& operator=(const SmallFilesOnly&) = delete;
-
-private:
-    rlimit m_before = {};
-    const sighandler_t m_handler = std::signal(SIGXFSZ, SIG_IGN);
 };
 
 TEST_F(AtomicFileTest, MakesAndReplacesFiles) {
@@ -97,11 +52,11 @@ TEST_F(AtomicFileTest, MakesAndReplacesFiles) {
 }
 
 TEST_F(AtomicFileTest, AFileThatChangesWhileItIsBeingReplacedStays) {
-    make("a");
+    makeFile("a");
     const std::optional<FileStamp> expected = FileStamp::of(path("a"));
     const auto changing = [this](QFile& file) {
         file.write("new");
-        make("a", "theirs");
+        makeFile("a", "theirs");
     };
     try {
         writeFileAtomically(path("a"), changing, expected);
@@ -125,7 +80,7 @@ TEST_F(AtomicFileTest, PermissionsAndAttributesAreKept) {
     EXPECT_EQ(status.st_mode & 07777, 0640u) << "a new file follows the user's mask";
 
     const QByteArray file = QFile::encodeName(path("kept"));
-    make("kept");
+    makeFile("kept");
     const bool hasAttributes = setxattr(file.constData(), "user.tag", "red", 3, 0) == 0;
     const bool hasOwner = geteuid() == 0 && chown(file.constData(), 1234, 4321) == 0;
     for (const mode_t mode : {0600, 0644, 0755, 0606, 02750}) {
@@ -145,7 +100,7 @@ TEST_F(AtomicFileTest, PermissionsAndAttributesAreKept) {
 
 TEST_F(AtomicFileTest, SymbolicLinksAreFollowedAndKept) {
     makeFolder("a/b");
-    make("a/target");
+    makeFile("a/target");
     // The link's own folder is reached through a link, so ".." must not be taken for the folder as written.
     ASSERT_EQ(symlink("a/b", qPrintable(path("shortcut"))), 0);
     const struct {
@@ -167,8 +122,8 @@ TEST_F(AtomicFileTest, SymbolicLinksAreFollowedAndKept) {
 }
 
 TEST_F(AtomicFileTest, FailuresAreToldAndChangeNothing) {
-    make("file");
-    make("read-only");
+    makeFile("file");
+    makeFile("read-only");
     makeFolder("folder");
     makeFolder("closed");
     setMode("read-only", 0444);
@@ -194,7 +149,7 @@ TEST_F(AtomicFileTest, FailuresAreToldAndChangeNothing) {
     });
     setMode("closed", 0755);
     {
-        const SmallFilesOnly small;
+        const RestrictedRuns::FileLimit small(1000);
         EXPECT_EQ(sentenceOfFailure(path("file"), QByteArray(5000, 'x')), "The file is too large for this disk.");
     }
     const auto failing = [](QFile& file) {
@@ -203,7 +158,7 @@ TEST_F(AtomicFileTest, FailuresAreToldAndChangeNothing) {
     };
     EXPECT_THROW(writeFileAtomically(path("file"), failing), std::runtime_error);
     EXPECT_EQ(names(), before);
-    EXPECT_EQ(contentOf("file") + contentOf("read-only"), "oldold");
+    EXPECT_EQ(contentOf("file") + contentOf("read-only"), "texttext");
 }
 
 TEST_F(AtomicFileTest, FailuresSayWhatCanBeDone) {
@@ -220,7 +175,7 @@ TEST_F(AtomicFileTest, FailuresSayWhatCanBeDone) {
 
 TEST_F(AtomicFileTest, AFileInAClosedFolderIsWrittenInItsPlace) {
     makeFolder("closed");
-    make("closed/file", "a long old content");
+    makeFile("closed/file", "a long old content");
     setMode("closed/file", 0640);
     setMode("closed", 0555);
     const std::optional<FileStamp> before = FileStamp::of(path("closed/file"));
@@ -230,10 +185,10 @@ TEST_F(AtomicFileTest, AFileInAClosedFolderIsWrittenInItsPlace) {
         EXPECT_EQ(contentOf("closed/file"), "new");
         EXPECT_EQ(stamp.inode, before->inode);
         // What can't be written to the end is whole somewhere else.
-        std::optional<SmallFilesOnly> small;
+        std::optional<RestrictedRuns::FileLimit> small;
         const auto writeMuch = [&small](QFile& file) {
             file.write(QByteArray(5000, 'x'));
-            small.emplace();
+            small.emplace(1000);
         };
         EXPECT_THROW(writeFileAtomically(path("closed/file"), writeMuch), FileError);
     });
@@ -285,7 +240,7 @@ TEST_F(AtomicFileTest, TheWriterMayWriteInPiecesOrByName) {
     writeFileAtomically(path("file"), [this](QFile& file) {
         file.close();
         EXPECT_EQ(QFileInfo(file.fileName()).path(), m_folder.path()) << "the same folder, so the same disk";
-        make(qPrintable(QFileInfo(file.fileName()).fileName()), "by name");
+        makeFile(qPrintable(QFileInfo(file.fileName()).fileName()), "by name");
     });
     EXPECT_EQ(contentOf("file"), "by name");
 }
@@ -297,7 +252,7 @@ TEST_F(AtomicFileTest, WhatAKilledProcessLeftIsRemovedAfterAnHour) {
         {".saving-3x", 10'000},    {".saving-", 10'000},      {"saving-4", 10'000},
         {"report", 10'000}};
     for (const auto& [name, minutes] : leftovers) {
-        make(name);
+        makeFile(name);
         QFile file(path(name));
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-60 * qint64(minutes)),

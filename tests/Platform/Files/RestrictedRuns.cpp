@@ -32,6 +32,17 @@ void RestrictedRuns::withoutPrivileges(const std::function<void()>& code) {
     }).join();
 }
 
+RestrictedRuns::FileLimit::FileLimit(qint64 bytes) {
+    getrlimit(RLIMIT_FSIZE, &m_before);
+    const rlimit limit = {rlim_t(bytes), m_before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+RestrictedRuns::FileLimit::~FileLimit() {
+    setrlimit(RLIMIT_FSIZE, &m_before);
+    std::signal(SIGXFSZ, m_handler);
+}
+
 /// Names the file that a run of one test alone reports to.
 static constexpr const char* reportVariable = "QUILLO_SMALL_DISK_REPORT";
 

@@ -3,8 +3,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <csignal>
 #include <functional>
 #include <optional>
+
+#include <sys/resource.h>
 
 /// Runs code under conditions that need no preparation of the machine, also when the tests run as root.
 namespace RestrictedRuns {
@@ -18,5 +21,18 @@ void withoutPrivileges(const std::function<void()>& code);
 /// mount a disk.
 std::optional<QStringList>
 onSmallDisk(const QString& folder, const std::function<QStringList(const std::function<void()>& makeReadOnly)>& code);
+
+/// No file can grow beyond so many bytes while it lives.
+class FileLimit {
+public:
+    explicit FileLimit(qint64 bytes);
+    ~FileLimit();
+    FileLimit(const FileLimit&) = delete;
+    FileLimit& operator=(const FileLimit&) = delete;
+
+private:
+    rlimit m_before = {};
+    const sighandler_t m_handler = std::signal(SIGXFSZ, SIG_IGN);
+};
 
 } // namespace RestrictedRuns
