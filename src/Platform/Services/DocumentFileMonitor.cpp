@@ -11,6 +11,8 @@
 
 #include <utility>
 
+std::chrono::milliseconds DocumentFileMonitor::settlingTime{400};
+
 /// A folder with more entries isn't searched for a file that was renamed.
 static constexpr int mostEntries = 2000;
 

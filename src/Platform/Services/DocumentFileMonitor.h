@@ -25,8 +25,8 @@ class DocumentFileMonitor : public QObject {
 
 public:
     /// A file is looked at when nothing has happened to it for that long: programs write in pieces, and replace a file
-    /// by deleting it first.
-    static constexpr std::chrono::milliseconds settlingTime{400};
+    /// by deleting it first. Tests shorten it.
+    static std::chrono::milliseconds settlingTime;
 
     /// A file that is gone or isn't whole has that long to come back or to be finished before anyone is told.
     static constexpr std::chrono::milliseconds usualPatience{3'000};

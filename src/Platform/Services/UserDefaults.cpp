@@ -36,10 +36,12 @@ static QJsonValue decoded(const QVariant& stored) {
     return list.size() == 1 ? list.first() : QJsonValue(QJsonValue::Undefined);
 }
 
+std::chrono::milliseconds UserDefaults::idleTime = 2s;
+
 UserDefaults::UserDefaults(const QString& filePath, QObject* parent)
     : QObject(parent), m_filePath(filePath), m_writeTimer(this), m_idleTimer(this) {
     m_writeTimer.setInterval(250ms);
-    m_idleTimer.setInterval(2s);
+    m_idleTimer.setInterval(idleTime);
     for (QTimer* timer : {&m_writeTimer, &m_idleTimer}) {
         timer->setSingleShot(true);
         connect(timer, &QTimer::timeout, this, &UserDefaults::synchronize);

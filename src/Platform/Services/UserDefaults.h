@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <QVariantMap>
 
+#include <chrono>
 #include <optional>
 
 /// The settings of one user: named values in a text file that only this user can read (mode 0600).
@@ -24,6 +25,10 @@ class UserDefaults : public QObject {
 
 public:
     enum class Urgency { soon, canWait };
+
+    /// After which a change that can wait is written when no other has come. Tests, which don't depend on time, set it
+    /// otherwise.
+    static std::chrono::milliseconds idleTime;
 
     /// The folder of `filePath` is made on the first write.
     explicit UserDefaults(const QString& filePath, QObject* parent = nullptr);

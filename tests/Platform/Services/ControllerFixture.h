@@ -3,32 +3,35 @@
 #include "DocumentController.h"
 
 #include "DocumentPresenter.h"
+#include "FolderTest.h"
 #include "TextDocument.h"
 #include "UserDefaults.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
-#include <QTemporaryDir>
+#include <QTest>
 
 #include <functional>
 #include <utility>
 
-#include <gtest/gtest.h>
-
 /// Answers as it was told beforehand and writes down what it was asked to do.
 class RecordingPresenter : public DocumentPresenter {
 public:
-    void show(const std::shared_ptr<Document>& document) override { note("show", document); }
-    void bringForward(const std::shared_ptr<Document>& document) override { note("forward", document); }
-    void didClose(const std::shared_ptr<Document>& document) override { note("closed", document); }
+    using Asked = std::shared_ptr<Document>;
 
-    SaveAnswer askToSave(const std::shared_ptr<Document>& document) override {
-        note("ask", document);
-        runWhileAsking(document);
-        return answer;
+    void show(const Asked& document) override { note("show", document); }
+    void bringForward(const Asked& document) override { note("forward", document); }
+    void didClose(const Asked& document) override { note("closed", document); }
+    SaveAnswer askToSave(const Asked& document) override { return ask("ask", document, answer); }
+    OverwriteAnswer askAboutChangedFile(const Asked& document) override {
+        return ask("changed", document, changedFileAnswer);
     }
+    OverwriteAnswer askAboutSignatures(const Asked& document) override {
+        return ask("signatures", document, changedFileAnswer);
+    }
+    bool askToReload(const Asked& document) override { return ask("reload", document, reverts); }
+    bool askToRevert(const Asked& document) override { return ask("revert", document, reverts); }
 
-    SaveAllAnswer askToSaveAll(const std::vector<std::shared_ptr<Document>>& documents) override {
+    SaveAllAnswer askToSaveAll(const std::vector<Asked>& documents) override {
         QStringList names;
         SaveAllAnswer all{answer, {}};
         for (const auto& document : documents) {
@@ -36,26 +39,8 @@ public:
             if (!uncheckedNames.contains(names.back()))
                 all.toSave.push_back(document);
         }
-        m_calls.append(QStringLiteral("ask ") + names.join(QLatin1Char(',')));
-        runWhileAsking(documents.front());
+        m_calls.append(QStringLiteral("ask ") + names.join(u','));
         return all;
-    }
-
-    OverwriteAnswer askAboutChangedFile(const std::shared_ptr<Document>& document) override {
-        note("changed", document);
-        runWhileAsking(document);
-        return changedFileAnswer;
-    }
-
-    OverwriteAnswer askAboutSignatures(const std::shared_ptr<Document>& document) override {
-        note("signatures", document);
-        return changedFileAnswer;
-    }
-
-    bool askToReload(const std::shared_ptr<Document>& document) override {
-        note("reload", document);
-        runWhileAsking(document);
-        return reverts;
     }
 
     std::shared_ptr<void> showReading(const QString& name, const std::function<void()>& giveUp) override {
@@ -64,27 +49,17 @@ public:
         return {this, [this, name](void*) { m_calls.append(QStringLiteral("no longer reading ") + name); }};
     }
 
-    void presentNotice(const std::shared_ptr<Document>&, const QString& sentence) override { m_calls.append(sentence); }
-
-    bool askToRevert(const std::shared_ptr<Document>& document) override {
-        note("revert", document);
-        return reverts;
+    void presentNotice(const Asked&, const QString& sentence) override { m_calls.append(sentence); }
+    void presentError(const QString& title, const QString& sentence) override {
+        m_calls.append(title + u' ' + sentence);
     }
-
-    std::optional<QString> chooseSaveLocation(const std::shared_ptr<Document>&, const QString& suggested) override {
+    bool offerSaveAs(const Asked&, const QString& title, const QString& sentence) override {
+        m_calls.append(title + u' ' + sentence + QStringLiteral(" [Save As]"));
+        return std::exchange(takesSaveAs, false);
+    }
+    std::optional<QString> chooseSaveLocation(const Asked&, const QString& suggested) override {
         m_calls.append(QStringLiteral("choose ") + suggested);
         return std::exchange(location, std::nullopt);
-    }
-
-    void presentError(const QString& title, const QString& sentence) override {
-        m_calls.append(title + QLatin1Char(' ') + sentence);
-    }
-
-    bool offerSaveAs(const std::shared_ptr<Document>& document, const QString& title,
-                     const QString& sentence) override {
-        m_calls.append(title + QLatin1Char(' ') + sentence + QStringLiteral(" [Save As]"));
-        runWhileAsking(document);
-        return std::exchange(takesSaveAs, false);
     }
 
     /// Everything since the last call.
@@ -96,41 +71,31 @@ public:
     bool reverts = false;
     bool takesSaveAs = false;        ///< once
     std::optional<QString> location; ///< once
-    std::function<void(const std::shared_ptr<Document>&)> whileAsking;
+    std::function<void(const Asked&)> whileAsking;
     std::function<void()> giveUpReading;
 
 private:
-    void runWhileAsking(const std::shared_ptr<Document>& document) const {
-        if (whileAsking)
-            whileAsking(document);
+    void note(const char* what, const Asked& document) {
+        m_calls.append(QLatin1String(what) + u' ' + document->displayName());
     }
 
-    void note(const char* what, const std::shared_ptr<Document>& document) {
-        m_calls.append(QLatin1String(what) + QLatin1Char(' ') + document->displayName());
+    template <typename Answer>
+    Answer ask(const char* what, const Asked& document, const Answer& given) {
+        note(what, document);
+        if (whileAsking)
+            whileAsking(document);
+        return given;
     }
 
     QStringList m_calls;
 };
 
 /// A controller of text documents, with files of the test's own.
-class ControllerFixture : public testing::Test {
+class ControllerFixture : public FolderTest {
 protected:
     using Answer = DocumentPresenter::SaveAnswer;
 
     ControllerFixture() { FileReading::patience = std::chrono::minutes(1); }
-
-    QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
-
-    QUrl makeFile(const char* name, const QByteArray& bytes = "text") const {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-        return QUrl::fromLocalFile(path(name));
-    }
-
-    QByteArray contentOf(const char* name) const {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-    }
 
     std::shared_ptr<TextDocument> open(const QUrl& url, bool display = true) {
         std::shared_ptr<Document> opened;
@@ -150,53 +115,72 @@ protected:
         return text;
     }
 
-    /// An edited document whose saves wait for `m_gate`.
-    std::shared_ptr<TextDocument> openGated(const char* name) {
+    /// With no calls to the presenter that anybody would hear of.
+    std::shared_ptr<TextDocument> openEdited(const char* name) {
         auto document = edit(open(makeFile(name)));
-        document->gate = m_gate;
         m_presenter.takeCalls();
+        return document;
+    }
+
+    /// Its saves wait for `m_gate`.
+    std::shared_ptr<TextDocument> openGated(const char* name) {
+        auto document = openEdited(name);
+        document->gate = m_gate;
         return document;
     }
 
     /// What has come of something that ends later.
     struct Outcome {
-        std::optional<bool> succeeded;
-        DocumentController::Completion completion() {
-            return [this](bool success) {
+        explicit Outcome(const std::function<void(const DocumentController::Completion&)>& begin) {
+            begin([this](bool success) {
                 EXPECT_FALSE(succeeded.has_value()) << "told twice";
                 succeeded = success;
-            };
+            });
         }
-        bool waitFor() {
+        Outcome(const Outcome&) = delete;
+        bool waitFor() const {
             while (!succeeded)
                 QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
             return *succeeded;
         }
+        std::optional<bool> succeeded;
     };
-
-    bool save(const std::shared_ptr<Document>& document) {
-        Outcome outcome;
-        m_controller->saveDocument(document, outcome.completion());
-        return outcome.waitFor();
+    Outcome saving(const std::shared_ptr<Document>& document) {
+        return Outcome([&](const auto& done) { m_controller->saveDocument(document, done); });
     }
-
-    bool saveAs(const std::shared_ptr<Document>& document, const char* name) {
-        Outcome outcome;
+    Outcome savingAs(const std::shared_ptr<Document>& document, const char* name) {
         m_presenter.location = path(name);
-        m_controller->saveDocumentAs(document, outcome.completion());
-        return outcome.waitFor();
+        return Outcome([&](const auto& done) { m_controller->saveDocumentAs(document, done); });
+    }
+    Outcome closing(const std::shared_ptr<Document>& document) {
+        return Outcome([&](const auto& done) { m_controller->closeDocument(document, done); });
+    }
+    Outcome closingAll() {
+        return Outcome([&](const auto& done) { m_controller->closeAllDocuments(done); });
+    }
+    bool save(const std::shared_ptr<Document>& document) { return saving(document).waitFor(); }
+    bool saveAs(const std::shared_ptr<Document>& document, const char* name) {
+        return savingAs(document, name).waitFor();
+    }
+    bool close(const std::shared_ptr<Document>& document) { return closing(document).waitFor(); }
+    bool closeAll() { return closingAll().waitFor(); }
+
+    /// Waits until the presenter has been told that.
+    void expectCalls(const std::string& expected) {
+        std::string calls;
+        const auto came = [&] {
+            const std::string more = m_presenter.takeCalls();
+            calls += (calls.empty() || more.empty() ? "" : "; ") + more;
+            return calls.size() >= expected.size();
+        };
+        EXPECT_TRUE(QTest::qWaitFor(came, 30'000) && calls == expected) << calls;
     }
 
-    bool close(const std::shared_ptr<Document>& document) {
-        Outcome outcome;
-        m_controller->closeDocument(document, outcome.completion());
-        return outcome.waitFor();
-    }
-
-    bool closeAll() {
-        Outcome outcome;
-        m_controller->closeAllDocuments(outcome.completion());
-        return outcome.waitFor();
+    /// What the presenter was told since the last look, what the document's file holds, and whether anything is
+    /// unsaved.
+    std::string seen(const std::shared_ptr<Document>& document) {
+        return m_presenter.takeCalls() + " | " + contentOf(document->displayName()).toStdString() +
+               (document->isDocumentEdited() ? " | edited" : " | saved");
     }
 
     std::string recentNames() const {
@@ -206,8 +190,7 @@ protected:
         return names.join(QLatin1Char(' ')).toStdString();
     }
 
-    const QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
+    UserDefaults m_defaults{path("settings.ini")};
     const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
     RecordingPresenter m_presenter;
     std::unique_ptr<DocumentController> m_controller =

@@ -1,7 +1,6 @@
 #include "ControllerFixture.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 namespace {
 
@@ -13,14 +12,13 @@ TEST_F(DocumentClosingTest, ClosingAsksAboutUnsavedChanges) {
         Answer answer;
         const char* failure;
         bool closes;
-        const char* content;
-        const char* calls;
+        const char* seen;
     } rows[] = {
-        {false, Answer::Cancel, "", true, "text", "closed a.txt"},
-        {true, Answer::Cancel, "", false, "text", "ask a.txt"},
-        {true, Answer::DontSave, "", true, "text", "ask a.txt; closed a.txt"},
-        {true, Answer::Save, "", true, "text+", "ask a.txt; closed a.txt"},
-        {true, Answer::Save, "No.", false, "text", "ask a.txt; “a.txt” couldn't be saved. No."},
+        {false, Answer::Cancel, "", true, "closed a.txt | text | saved"},
+        {true, Answer::Cancel, "", false, "ask a.txt | text | edited"},
+        {true, Answer::DontSave, "", true, "ask a.txt; closed a.txt | text | edited"},
+        {true, Answer::Save, "", true, "ask a.txt; closed a.txt | text+ | saved"},
+        {true, Answer::Save, "No.", false, "ask a.txt; “a.txt” couldn't be saved. No. | text | edited"},
     };
     for (const auto& row : rows) {
         auto document = open(makeFile("a.txt"));
@@ -30,9 +28,8 @@ TEST_F(DocumentClosingTest, ClosingAsksAboutUnsavedChanges) {
         m_presenter.answer = row.answer;
         m_presenter.takeCalls();
         EXPECT_EQ(close(document), row.closes);
-        EXPECT_EQ(m_presenter.takeCalls(), row.calls);
-        EXPECT_EQ(contentOf("a.txt"), row.content);
-        EXPECT_EQ(m_controller->documents().size(), row.closes ? 0u : 1u) << row.calls;
+        EXPECT_EQ(seen(document), row.seen);
+        EXPECT_EQ(m_controller->documents().size(), row.closes ? 0u : 1u) << row.seen;
         EXPECT_EQ(m_controller->currentDocument(), row.closes ? nullptr : document);
         const std::weak_ptr<Document> watch = document;
         m_presenter.answer = Answer::DontSave;
@@ -61,31 +58,26 @@ TEST_F(DocumentClosingTest, AQuestionIsAskedOnceAtATime) {
 
 TEST_F(DocumentClosingTest, ClosingDuringASaveWaitsForIt) {
     const auto document = openGated("a.txt");
-    Outcome saved, closed, closedAgain;
-    m_controller->saveDocument(document, saved.completion());
-    m_controller->closeDocument(document, closed.completion());
-    m_controller->closeDocument(document, closedAgain.completion());
+    m_controller->saveDocument(document);
+    const auto closed = closing(document);
+    const auto closedAgain = closing(document);
     EXPECT_EQ(closedAgain.succeeded, false) << "it will be closed already";
     EXPECT_FALSE(closed.succeeded.has_value());
     m_gate->release();
     EXPECT_TRUE(closed.waitFor());
-    EXPECT_EQ(m_presenter.takeCalls(), "closed a.txt");
-    EXPECT_EQ(contentOf("a.txt"), "text+");
+    EXPECT_EQ(seen(document), "closed a.txt | text+ | saved");
 
     const auto changed = openGated("b.txt");
-    Outcome closedChanged;
     m_controller->saveDocument(changed);
-    m_controller->closeDocument(changed, closedChanged.completion());
+    const auto closedChanged = closing(changed);
     edit(changed);
     m_gate->release();
     EXPECT_FALSE(closedChanged.waitFor());
-    EXPECT_EQ(m_presenter.takeCalls(), "ask b.txt") << "the save did not hold the last change";
-    EXPECT_EQ(contentOf("b.txt"), "text+");
+    EXPECT_EQ(seen(changed), "ask b.txt | text+ | edited") << "the save did not hold the last change";
 
-    changed->setFileURL(QUrl::fromLocalFile(path("gone/c.txt")));
-    Outcome closedFailing;
+    changed->setFileURL(url("gone/c.txt"));
     m_controller->saveDocument(changed);
-    m_controller->closeDocument(changed, closedFailing.completion());
+    const auto closedFailing = closing(changed);
     m_gate->release();
     EXPECT_FALSE(closedFailing.waitFor());
     EXPECT_EQ(m_presenter.takeCalls().find("“c.txt” couldn't be saved."), 0u);
@@ -103,8 +95,7 @@ TEST_F(DocumentClosingTest, QuittingAsksOnceAboutAllUnsavedChanges) {
     QObject::connect(m_controller.get(), &DocumentController::documentRemoved, note("-"));
     QObject::connect(m_controller.get(), &DocumentController::currentDocumentChanged, note("*"));
     open(makeFile("a.txt"));
-    const auto second = edit(open(makeFile("b.txt")));
-    m_presenter.takeCalls();
+    const auto second = openEdited("b.txt");
     EXPECT_FALSE(closeAll());
     EXPECT_EQ(m_presenter.takeCalls(), "forward b.txt; ask b.txt") << "with one, the ordinary question";
 
@@ -137,31 +128,27 @@ TEST_F(DocumentClosingTest, QuittingAsksOnceAboutAllUnsavedChanges) {
 
 TEST_F(DocumentClosingTest, QuittingDuringASaveWaitsAndAsksAboutLaterChanges) {
     const auto document = openGated("a.txt");
-    Outcome quit, quitAgain;
     m_controller->saveDocument(document);
-    m_controller->closeAllDocuments(quit.completion());
-    m_controller->closeAllDocuments(quitAgain.completion());
+    const auto quit = closingAll();
+    const auto quitAgain = closingAll();
     EXPECT_FALSE(quitAgain.succeeded) << "it waits for the one that is under way";
     m_presenter.answer = Answer::Save;
     edit(document);
     m_gate->release();
-    while (m_presenter.takeCalls() != "forward a.txt; ask a.txt")
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    expectCalls("forward a.txt; ask a.txt");
     edit(document); // while quitting saves it
     m_gate->release(2);
     EXPECT_TRUE(quit.waitFor());
     EXPECT_TRUE(quitAgain.waitFor());
-    EXPECT_EQ(m_presenter.takeCalls(), "forward a.txt; ask a.txt; closed a.txt");
-    EXPECT_EQ(contentOf("a.txt"), "text+++");
+    EXPECT_EQ(seen(document), "forward a.txt; ask a.txt; closed a.txt | text+++ | saved");
 }
 
 TEST_F(DocumentClosingTest, AFailedSaveOrANewDocumentStopsQuitting) {
     const auto document = openGated("a.txt");
-    const auto failing = edit(open(makeFile("b.txt")));
+    const auto failing = openEdited("b.txt");
     failing->failure = QStringLiteral("No.");
     m_presenter.answer = Answer::Save;
     m_gate->release();
-    m_presenter.takeCalls();
     EXPECT_FALSE(closeAll());
     EXPECT_EQ(m_presenter.takeCalls(), "ask a.txt,b.txt; “b.txt” couldn't be saved. No.");
     EXPECT_EQ(m_controller->documents().size(), 2u);
@@ -169,8 +156,7 @@ TEST_F(DocumentClosingTest, AFailedSaveOrANewDocumentStopsQuitting) {
 
     failing->failure.clear();
     edit(document);
-    Outcome quit;
-    m_controller->closeAllDocuments(quit.completion());
+    const auto quit = closingAll();
     const auto late = open(makeFile("late.txt"));
     m_gate->release();
     EXPECT_FALSE(quit.waitFor());
@@ -181,12 +167,10 @@ TEST_F(DocumentClosingTest, AFailedSaveOrANewDocumentStopsQuitting) {
 
 TEST_F(DocumentClosingTest, ASessionsEndAsksNothingAndWaitsForWhatIsBeingSaved) {
     const auto document = openGated("a.txt");
-    edit(open(makeFile("b.txt")));
-    m_presenter.takeCalls();
+    openEdited("b.txt");
     QSignalSpy ending(m_controller.get(), &DocumentController::sessionWillEnd);
-    Outcome prepared;
     m_controller->saveDocument(document);
-    m_controller->prepareForSessionEnd(prepared.completion());
+    const Outcome prepared([this](const auto& done) { m_controller->prepareForSessionEnd(done); });
     EXPECT_EQ(ending.count(), 1);
     EXPECT_FALSE(prepared.succeeded.has_value());
     m_gate->release();

@@ -1,7 +1,6 @@
 #include "ControllerFixture.h"
 
 #include <QDir>
-#include <QTest>
 
 #include <unistd.h>
 
@@ -23,7 +22,7 @@ TEST_F(DocumentControllerTest, AFileIsOpenedOnce) {
     EXPECT_EQ(m_presenter.takeCalls(), "show a.txt");
 
     ASSERT_EQ(symlink("a.txt", qPrintable(path("link.txt"))), 0);
-    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("sub")));
+    makeFolder("sub");
     for (const char* name : {"a.txt", "link.txt", "sub/../a.txt"}) {
         m_controller->setCurrentDocument(other);
         EXPECT_EQ(open(QUrl::fromLocalFile(path(name))), document) << name;
@@ -40,14 +39,14 @@ TEST_F(DocumentControllerTest, AFileIsOpenedOnce) {
 }
 
 TEST_F(DocumentControllerTest, WhatCannotBeOpenedIsToldWithNameAndReason) {
-    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("sub")));
+    makeFolder("sub");
     const struct {
         QUrl url;
         const char* error;
     } rows[] = {
         {makeFile("report.txt", "damaged beyond repair"), "“report.txt” couldn't be opened. The file is damaged."},
-        {QUrl::fromLocalFile(path("gone.txt")), "“gone.txt” couldn't be opened. The file doesn't exist."},
-        {QUrl::fromLocalFile(path("sub/")), "“sub” couldn't be opened. It is a folder."},
+        {url("gone.txt"), "“gone.txt” couldn't be opened. The file doesn't exist."},
+        {url("sub/"), "“sub” couldn't be opened. It is a folder."},
         {QUrl(QStringLiteral("https://example.org/x.txt")),
          "“x.txt” couldn't be opened. Only files on this computer can be opened."},
     };
@@ -72,15 +71,15 @@ TEST_F(DocumentControllerTest, RecentDocumentsAreNewestFirst) {
     EXPECT_EQ(recentNames(), "11 10 9 8 7 6 5 4 3 2");
     EXPECT_EQ(changes, 12);
     ASSERT_EQ(symlink("5", qPrintable(path("link"))), 0);
-    m_controller->noteNewRecentDocumentURL(QUrl::fromLocalFile(path("link")));
+    m_controller->noteNewRecentDocumentURL(url("link"));
     expectRecents("link 11 10 9 8 7 6 4 3 2"); // the same file is listed once
     QFile::remove(path("9"));
     m_controller->lookUpRecentDocuments();
     expectRecents("link 11 10 8 7 6 4 3 2 1");
-    open(QUrl::fromLocalFile(path("4")));
+    open(url("4"));
     EXPECT_EQ(recentNames(), "4 link 11 10 8 7 6 3 2 1");
     changes = 0;
-    open(QUrl::fromLocalFile(path("4")));
+    open(url("4"));
     m_controller->noteNewRecentDocumentURL(QUrl(QStringLiteral("https://example.org/x")));
     EXPECT_EQ(changes, 0) << "nothing changed";
 
@@ -115,19 +114,6 @@ protected:
         });
         m_nextGate.reset();
         return gate;
-    }
-
-    /// Waits until the presenter has been told that.
-    void expectCalls(const std::string& expected) {
-        std::string calls;
-        const bool came = QTest::qWaitFor(
-            [&] {
-                const std::string more = m_presenter.takeCalls();
-                calls += (calls.empty() || more.empty() ? "" : "; ") + more;
-                return calls.size() >= expected.size();
-            },
-            30'000);
-        EXPECT_TRUE(came && calls == expected) << calls;
     }
 
     Gate m_nextGate;

@@ -2,181 +2,159 @@
 
 #include "ControllerFixture.h"
 
-#include <QTest>
-
-#include <gtest/gtest.h>
-
 namespace {
+
+using namespace std::chrono_literals;
 
 class DocumentFileMonitorTest : public ControllerFixture {
 protected:
-    /// Waits until the presenter was told something, and gives it.
-    std::string nextCalls() {
-        std::string calls;
-        EXPECT_TRUE(QTest::qWaitFor(
-            [&] {
-                calls = m_presenter.takeCalls();
-                return !calls.empty();
-            },
-            30'000));
-        return calls;
-    }
+    DocumentFileMonitorTest() { DocumentFileMonitor::settlingTime = 20ms; }
+    ~DocumentFileMonitorTest() override { DocumentFileMonitor::settlingTime = m_usualSettlingTime; }
 
-    /// Long enough for the monitor to have looked at whatever happened before.
-    std::string callsAfterSettling() {
-        QTest::qWait(static_cast<int>((3 * DocumentFileMonitor::settlingTime + patience).count()));
-        return m_presenter.takeCalls();
-    }
-
-    /// As editors do it: a new file takes the place of the old one.
-    void replace(const char* name, const QByteArray& bytes) const {
-        makeFile("new", bytes);
-        ASSERT_EQ(rename(qPrintable(path("new")), qPrintable(path(name))), 0);
-    }
-
-    std::shared_ptr<TextDocument> openWatched(const char* name) {
-        auto document = open(makeFile(name));
+    /// An open document, watched by somebody whose patience has soon come to an end, or never does.
+    std::shared_ptr<TextDocument> openWatched(bool hasPatience = false) {
+        m_monitor.reset();
+        auto document = open(makeFile("a.txt"));
+        m_monitor.emplace(*m_controller, m_presenter, hasPatience ? 1h : 60ms);
         m_presenter.takeCalls();
         return document;
     }
 
-    static constexpr std::chrono::milliseconds patience{1'000};
-    DocumentFileMonitor m_monitor{*m_controller, m_presenter, patience};
+    /// Waits until the presenter has been told that, and sees what the document shows then.
+    void expect(const std::shared_ptr<TextDocument>& document, const std::string& calls, const char* text,
+                bool isEdited) {
+        expectCalls(calls);
+        EXPECT_EQ(document->text.toStdString(), text) << calls;
+        EXPECT_EQ(document->isDocumentEdited(), isEdited) << calls;
+    }
+
+    /// After a while that is long enough for the monitor to look at whatever happened before.
+    void expectNoCalls(const char* why) {
+        QTest::qWait(200);
+        EXPECT_EQ(m_presenter.takeCalls(), "") << why;
+    }
+
+    /// As editors do it: a new file takes the place of the old one.
+    void replace(const QByteArray& bytes) const {
+        makeFile("new", bytes);
+        move("new", "a.txt");
+    }
+    void move(const char* from, const char* to) const {
+        ASSERT_EQ(rename(qPrintable(path(from)), qPrintable(path(to))), 0);
+    }
+
+    const std::chrono::milliseconds m_usualSettlingTime = DocumentFileMonitor::settlingTime;
+    std::optional<DocumentFileMonitor> m_monitor;
 };
 
+std::string gone(const std::string& name) {
+    return "“" + name + "” was moved or deleted by another program. Save it to put it back.";
+}
+
+const std::string changed = "“a.txt” was changed by another program.";
+
 TEST_F(DocumentFileMonitorTest, AnEditedDocumentIsAskedAboutOnceAndKeepsItsChangesOrTakesTheFile) {
-    const auto document = openWatched("a.txt");
+    const auto document = openWatched();
     edit(document);
-    replace("a.txt", "theirs");
-    EXPECT_EQ(nextCalls(), "reload a.txt");
-    EXPECT_EQ(document->text, QStringLiteral("text+"));
-    m_monitor.checkAll();
-    EXPECT_EQ(callsAfterSettling(), "") << "it has been answered";
+    replace("theirs");
+    expect(document, "reload a.txt", "text+", true);
+    m_monitor->checkAll();
+    expectNoCalls("it has been answered");
     document->undoManager()->undo();
     EXPECT_TRUE(document->isDocumentEdited()) << "what is shown is nowhere on the disk";
     EXPECT_TRUE(save(document));
     EXPECT_EQ(contentOf("a.txt"), "text") << "it may be overwritten without another question";
     EXPECT_TRUE(save(edit(document)));
-    EXPECT_EQ(callsAfterSettling(), "") << "one's own saves are no news";
+    expectNoCalls("one's own saves are no news");
 
     edit(document);
-    replace("a.txt", "theirs again");
+    replace("theirs again");
     m_presenter.reverts = true;
-    EXPECT_EQ(nextCalls(), "reload a.txt; “a.txt” was changed by another program.");
-    EXPECT_EQ(document->text, QStringLiteral("theirs again"));
-    EXPECT_FALSE(document->isDocumentEdited());
+    expect(document, "reload a.txt; " + changed, "theirs again", false);
 
-    // Closed in the middle of the question, as quitting at that moment does.
     edit(document);
-    m_presenter.answer = Answer::DontSave;
     m_presenter.whileAsking = [this](const auto& asked) {
-        m_presenter.whileAsking = nullptr;
-        EXPECT_EQ(m_controller->documents().size(), 1U);
-        m_controller->closeDocument(asked);
+        EXPECT_FALSE(close(asked)) << "there is a question already";
     };
-    replace("a.txt", "third");
-    nextCalls();
-    EXPECT_EQ(callsAfterSettling(), "");
-}
-
-TEST_F(DocumentFileMonitorTest, ClosedAndUntitledDocumentsAreLeftAlone) {
-    const auto document = openWatched("a.txt");
+    replace("third");
+    expectCalls("reload a.txt; " + changed);
+    EXPECT_TRUE(close(document));
     m_controller->newDocument();
-    m_controller->closeDocument(document);
     m_presenter.takeCalls();
-    replace("a.txt", "theirs");
-    m_monitor.checkAll();
-    EXPECT_EQ(callsAfterSettling(), "");
-    EXPECT_EQ(document->text, QStringLiteral("text"));
-}
-
-TEST_F(DocumentFileMonitorTest, AFileThatCanNoLongerBeReadLeavesTheDocumentAndGetsAnotherChance) {
-    const auto document = openWatched("a.txt");
-    replace("a.txt", "damaged");
-    EXPECT_EQ(nextCalls(), "“a.txt” was changed by another program and can't be read any more: The file is damaged.");
-    EXPECT_EQ(document->text, QStringLiteral("text"));
-    EXPECT_TRUE(document->isDocumentEdited()) << "what is shown is nowhere on the disk";
-    EXPECT_EQ(callsAfterSettling(), "");
-    replace("a.txt", "whole");
-    EXPECT_EQ(nextCalls(), "“a.txt” was changed by another program.") << "the reader changed nothing";
-    EXPECT_EQ(document->text, QStringLiteral("whole"));
-    EXPECT_FALSE(document->isDocumentEdited());
+    replace("fourth");
+    m_monitor->checkAll();
+    expectNoCalls("closed and untitled documents are left alone");
+    EXPECT_EQ(document->text, QStringLiteral("third"));
 }
 
 TEST_F(DocumentFileMonitorTest, AFileThatIsWrittenInPiecesOrPutInPlaceAnewIsNoConflictOfItsOwn) {
-    const auto document = openWatched("a.txt");
-    const auto settle = [] { QTest::qWait(static_cast<int>((2 * DocumentFileMonitor::settlingTime).count())); };
+    const auto document = openWatched(true);
     makeFile("a.txt", "damaged first half");
-    settle();
+    expectNoCalls("it may be finished yet");
     makeFile("a.txt", "first half and second");
-    EXPECT_EQ(nextCalls(), "“a.txt” was changed by another program.");
-    EXPECT_EQ(document->text, QStringLiteral("first half and second"));
-    EXPECT_FALSE(document->isDocumentEdited() || document->undoManager()->canUndo());
+    expect(document, changed, "first half and second", false);
+    EXPECT_FALSE(document->undoManager()->canUndo());
     QFile::remove(path("a.txt"));
-    settle();
+    expectNoCalls("it may come back yet");
     makeFile("a.txt", "in place anew");
-    EXPECT_EQ(nextCalls(), "“a.txt” was changed by another program.");
+    expectCalls(changed);
+}
+
+TEST_F(DocumentFileMonitorTest, AFileThatCanNoLongerBeReadOrIsGoneLeavesTheDocumentAndGetsAnotherChance) {
+    const auto document = openWatched();
+    replace("damaged");
+    // What is shown is nowhere on the disk.
+    expect(document, "“a.txt” was changed by another program and can't be read any more: The file is damaged.", "text",
+           true);
+    expectNoCalls("told once");
+    replace("whole");
+    expect(document, changed, "whole", false);
 
     // However long the file was gone: only the reader's own changes make a conflict.
     for (const bool edits : {false, true}) {
         QFile::remove(path("a.txt"));
-        EXPECT_EQ(nextCalls(), "“a.txt” was moved or deleted by another program. Save it to put it back.");
+        expectCalls(gone("a.txt"));
         if (edits)
             edit(document);
-        makeFile("a.txt", "late");
-        EXPECT_EQ(nextCalls(), edits ? "reload a.txt" : "“a.txt” was changed by another program.");
-        EXPECT_EQ(document->text, edits ? QStringLiteral("late+") : QStringLiteral("late"));
-        EXPECT_EQ(document->isDocumentEdited(), edits);
+        replace("late");
+        expect(document, edits ? "reload a.txt" : changed, edits ? "late+" : "late", edits);
     }
 }
 
 TEST_F(DocumentFileMonitorTest, ADocumentFollowsItsFileAndMissesOneThatIsGone) {
-    const auto document = openWatched("a.txt");
-    ASSERT_EQ(rename(qPrintable(path("a.txt")), qPrintable(path("b.txt"))), 0);
-    EXPECT_EQ(nextCalls(), "“a.txt” is now called “b.txt”.");
-    EXPECT_EQ(document->fileURL(), QUrl::fromLocalFile(path("b.txt")));
-    EXPECT_FALSE(document->isDocumentEdited());
+    const auto document = openWatched();
+    makeFolder("away");
+    move("a.txt", "b.txt");
+    expect(document, "“a.txt” is now called “b.txt”.", "text", false);
+    EXPECT_EQ(document->fileURL(), url("b.txt"));
     makeFile("a.txt", "another file");
-    QTemporaryDir elsewhere;
-    const QByteArray away = elsewhere.filePath(QStringLiteral("b.txt")).toLocal8Bit();
-    ASSERT_EQ(rename(qPrintable(path("b.txt")), away.constData()), 0);
-    EXPECT_EQ(nextCalls(), "“b.txt” was moved or deleted by another program. Save it to put it back.");
-    EXPECT_TRUE(document->isDocumentEdited()) << "so closing asks";
+    move("b.txt", "away/b.txt");
+    expect(document, gone("b.txt"), "text", true); // so closing asks
     // Back again, it is as before; gone for good, a save puts it back.
-    ASSERT_EQ(rename(away.constData(), qPrintable(path("b.txt"))), 0);
+    move("away/b.txt", "b.txt");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !document->isDocumentEdited(); }, 30'000));
     QFile::remove(path("b.txt"));
-    nextCalls();
+    expectCalls(gone("b.txt"));
     EXPECT_TRUE(save(document));
-    EXPECT_EQ(contentOf("b.txt"), "text");
-    EXPECT_FALSE(document->isDocumentEdited());
-    EXPECT_EQ(callsAfterSettling(), "") << "told once";
-}
+    EXPECT_EQ(seen(document), " | text | saved");
+    expectNoCalls("told once");
 
-TEST_F(DocumentFileMonitorTest, UnsavedChangesStayUnsavedWhenTheFileComesBack) {
-    const QTemporaryDir elsewhere;
-    const QByteArray away = elsewhere.filePath(QStringLiteral("a.txt")).toLocal8Bit();
-    const auto takeAway = [&] {
-        ASSERT_EQ(rename(qPrintable(path("a.txt")), away.constData()), 0);
-        EXPECT_EQ(nextCalls(), "“a.txt” was moved or deleted by another program. Save it to put it back.");
-    };
-    const auto document = openWatched("a.txt");
+    // Unsaved changes stay unsaved when the file comes back.
     edit(document);
-    takeAway();
-    ASSERT_EQ(rename(away.constData(), qPrintable(path("a.txt"))), 0);
-    EXPECT_EQ(callsAfterSettling(), "");
-    EXPECT_TRUE(document->isDocumentEdited());
-    EXPECT_EQ(contentOf("a.txt"), "text");
-
+    move("b.txt", "away/b.txt");
+    expectCalls(gone("b.txt"));
+    move("away/b.txt", "b.txt");
+    expectNoCalls("it is as it was");
+    EXPECT_EQ(seen(document), " | text | edited");
     // What a save puts there is another file than the one that went.
     EXPECT_TRUE(save(document));
-    EXPECT_EQ(callsAfterSettling(), "");
-    takeAway();
+    expectNoCalls("it was saved");
+    move("b.txt", "away/b.txt");
+    expectCalls(gone("b.txt"));
     EXPECT_TRUE(save(edit(document)));
     document->undoManager()->undo();
-    m_monitor.checkAll();
-    EXPECT_TRUE(document->isDocumentEdited());
-    EXPECT_EQ(contentOf("a.txt"), "text++");
+    m_monitor->checkAll();
+    EXPECT_EQ(seen(document), " | text++ | edited");
 }
 
 } // namespace

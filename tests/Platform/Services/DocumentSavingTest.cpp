@@ -4,7 +4,6 @@
 #include <QDir>
 #include <QSignalSpy>
 #include <QStandardPaths>
-#include <QTest>
 
 #include <unistd.h>
 
@@ -19,25 +18,18 @@ TEST_F(DocumentSavingTest, SavingWritesTheFileOrAsksForOne) {
     const auto document = edit(m_controller->newDocument());
     QSignalSpy saved(m_controller.get(), &DocumentController::documentSaved);
     EXPECT_FALSE(save(document));
-    EXPECT_TRUE(document->isDocumentEdited());
-    EXPECT_EQ(m_presenter.takeCalls(), "show Untitled; choose Untitled.txt");
+    EXPECT_EQ(seen(document), "show Untitled; choose Untitled.txt | (missing) | edited");
     m_presenter.location = path("new.txt");
     EXPECT_TRUE(save(document));
-    EXPECT_EQ(document->displayName(), QStringLiteral("new.txt"));
-    EXPECT_FALSE(document->isDocumentEdited());
+    EXPECT_EQ(document->fileURL(), url("new.txt"));
+    EXPECT_EQ(seen(document), "choose Untitled.txt | + | saved");
     EXPECT_EQ(recentNames(), "new.txt");
-    m_presenter.takeCalls();
     EXPECT_TRUE(save(edit(document)));
-    EXPECT_EQ(contentOf("new.txt"), "++");
-    EXPECT_EQ(m_presenter.takeCalls(), "") << "it has a file: nothing to ask";
+    EXPECT_EQ(seen(document), " | ++ | saved") << "it has a file: nothing to ask";
     document->undoManager()->undo();
-    EXPECT_TRUE(document->isDocumentEdited());
-
     document->failure = QStringLiteral("It can't be represented.");
     EXPECT_FALSE(save(document));
-    EXPECT_TRUE(document->isDocumentEdited());
-    EXPECT_EQ(contentOf("new.txt"), "++");
-    EXPECT_EQ(m_presenter.takeCalls(), "“new.txt” couldn't be saved. It can't be represented.");
+    EXPECT_EQ(seen(document), "“new.txt” couldn't be saved. It can't be represented. | ++ | edited");
     EXPECT_EQ(saved.count(), 2);
 }
 
@@ -56,7 +48,7 @@ TEST_F(DocumentSavingTest, TheDesktopsPictureOfTheOldContentGoes) {
 }
 
 TEST_F(DocumentSavingTest, SavingAsMovesOnToTheOtherFileAndAFailedSaveMayGoOnThere) {
-    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("sub")));
+    makeFolder("sub");
     const auto first = edit(open(makeFile("sub/first.txt")));
     const auto second = open(makeFile("second.txt", "2"));
     ASSERT_EQ(symlink("second.txt", qPrintable(path("link.txt"))), 0);
@@ -69,78 +61,68 @@ TEST_F(DocumentSavingTest, SavingAsMovesOnToTheOtherFileAndAFailedSaveMayGoOnThe
     EXPECT_EQ(contentOf("second.txt"), "2");
     EXPECT_TRUE(saveAs(first, "sub/third.txt"));
     EXPECT_EQ(contentOf("sub/first.txt") + contentOf("sub/third.txt"), "texttext+");
-    EXPECT_EQ(m_controller->documentForURL(QUrl::fromLocalFile(path("sub/third.txt"))), first);
-    EXPECT_EQ(m_controller->documentForURL(QUrl::fromLocalFile(path("sub/first.txt"))), nullptr);
+    EXPECT_EQ(m_controller->documentForURL(url("sub/third.txt")), first);
+    EXPECT_EQ(m_controller->documentForURL(url("sub/first.txt")), nullptr);
     EXPECT_TRUE(saveAs(edit(first), "sub/third.txt")) << "its own file is not taken by another";
 
     ASSERT_TRUE(QDir(path("sub")).removeRecursively());
     edit(first);
     m_presenter.takeCalls();
     EXPECT_FALSE(save(first));
-    const std::string told =
-        "“third.txt” couldn't be saved. The folder “sub” doesn't exist. Choose Save As to store it "
-        "in another place. [Save As]";
-    EXPECT_EQ(m_presenter.takeCalls(), told);
-    EXPECT_TRUE(first->isDocumentEdited());
-    EXPECT_EQ(first->fileURL().toLocalFile(), path("sub/third.txt"));
+    const std::string told = "“third.txt” couldn't be saved. The folder “sub” doesn't exist. Choose Save As to store "
+                             "it in another place. [Save As]";
+    EXPECT_EQ(seen(first), told + " | (missing) | edited");
+    EXPECT_EQ(first->fileURL(), url("sub/third.txt"));
     m_presenter.takesSaveAs = true;
     m_presenter.location = path("b.txt");
     EXPECT_TRUE(save(first));
-    EXPECT_EQ(m_presenter.takeCalls(), told + "; choose third.txt");
-    EXPECT_EQ(contentOf("b.txt"), "text+++");
-    EXPECT_FALSE(first->isDocumentEdited());
+    EXPECT_EQ(seen(first), told + "; choose third.txt | text+++ | saved");
 }
 
 TEST_F(DocumentSavingTest, ASaveDuringASaveWritesOnlyWhatChangedSince) {
     const auto document = openGated("a.txt");
     QSignalSpy saved(m_controller.get(), &DocumentController::documentSaved);
-    QSignalSpy saving(m_controller.get(), &DocumentController::documentSavingChanged);
-    Outcome first, second, third, fourth;
-    m_controller->saveDocument(document, first.completion());
+    QSignalSpy changes(m_controller.get(), &DocumentController::documentSavingChanged);
+    const auto first = saving(document);
     EXPECT_TRUE(m_controller->isSaving(*document));
-    m_controller->saveDocument(document, second.completion());
+    const auto second = saving(document);
     m_gate->release();
     EXPECT_TRUE(first.waitFor() && second.waitFor());
     EXPECT_EQ(saved.count(), 1) << "nothing changed between the two";
-    EXPECT_TRUE(saving[0][1].toBool());
-    EXPECT_FALSE(saving.last()[1].toBool() || m_controller->isSaving(*document));
+    EXPECT_TRUE(changes[0][1].toBool());
+    EXPECT_FALSE(changes.last()[1].toBool() || m_controller->isSaving(*document));
 
     edit(document);
-    m_controller->saveDocument(document, third.completion());
+    const auto third = saving(document);
     edit(document);
-    m_controller->saveDocument(document, fourth.completion());
+    const auto fourth = saving(document);
     m_gate->release();
     EXPECT_TRUE(third.waitFor());
-    EXPECT_EQ(contentOf("a.txt"), "text++");
-    EXPECT_TRUE(document->isDocumentEdited());
+    EXPECT_EQ(seen(document), " | text++ | edited");
     document->undoManager()->undo();
     EXPECT_FALSE(document->isDocumentEdited()) << "that is what the file holds";
     document->undoManager()->redo();
     m_gate->release();
     EXPECT_TRUE(fourth.waitFor());
-    EXPECT_EQ(contentOf("a.txt"), "text+++");
-    EXPECT_FALSE(document->isDocumentEdited());
+    EXPECT_EQ(seen(document), " | text+++ | saved");
     EXPECT_EQ(saved.count(), 3);
 }
 
 TEST_F(DocumentSavingTest, SavingAsDuringASaveLeavesBothFilesWhole) {
     const auto document = openGated("a.txt");
     const auto other = openGated("other.txt");
-    Outcome first, second, third;
-    m_controller->saveDocument(document, first.completion());
-    m_presenter.location = path("b.txt");
-    m_controller->saveDocumentAs(document, second.completion());
+    const auto first = saving(document);
+    const auto second = savingAs(document, "b.txt");
     EXPECT_FALSE(saveAs(other, "a.txt")) << "it is the file of another document";
     m_gate->release(2);
     EXPECT_TRUE(first.waitFor() && second.waitFor());
     EXPECT_EQ(contentOf("a.txt") + contentOf("b.txt"), "text+text+");
     EXPECT_EQ(recentNames(), "b.txt a.txt other.txt");
 
-    m_presenter.location = path("new.txt");
     makeFile("new.txt", "old");
-    m_controller->saveDocumentAs(document, third.completion());
+    const auto third = savingAs(document, "new.txt");
     EXPECT_FALSE(saveAs(other, "new.txt")) << "another document is being written to it";
-    EXPECT_EQ(open(QUrl::fromLocalFile(path("new.txt"))), document) << "and opened as that one";
+    EXPECT_EQ(open(url("new.txt")), document) << "and opened as that one";
     m_gate->release();
     EXPECT_TRUE(third.waitFor());
     EXPECT_EQ(contentOf("new.txt"), "text+");
@@ -148,24 +130,21 @@ TEST_F(DocumentSavingTest, SavingAsDuringASaveLeavesBothFilesWhole) {
 
 TEST_F(DocumentSavingTest, ASaveEndsInTheMidstOfAQuestionAboutAnotherDocument) {
     const auto document = openGated("a.txt");
-    const auto other = edit(open(makeFile("b.txt")));
+    const auto other = openEdited("b.txt");
     makeFile("b.txt", "by another program");
-    Outcome outcome;
+    const auto outcome = saving(document);
     m_presenter.whileAsking = [&](const auto& asked) {
         EXPECT_EQ(asked, other);
         m_gate->release();
         EXPECT_TRUE(outcome.waitFor());
     };
-    m_controller->saveDocument(document, outcome.completion());
     EXPECT_FALSE(save(other));
-    EXPECT_FALSE(document->isDocumentEdited());
-    EXPECT_EQ(contentOf("a.txt"), "text+");
+    EXPECT_EQ(seen(document), "changed b.txt | text+ | saved");
 }
 
 TEST_F(DocumentSavingTest, TheControllersEndWaitsForTheFileAndTellsNobody) {
     const auto document = openGated("a.txt");
-    Outcome outcome;
-    m_controller->saveDocument(document, outcome.completion());
+    const auto outcome = saving(document);
     m_gate->release();
     m_controller.reset();
     EXPECT_EQ(contentOf("a.txt"), "text+");
@@ -174,20 +153,16 @@ TEST_F(DocumentSavingTest, TheControllersEndWaitsForTheFileAndTellsNobody) {
 }
 
 TEST_F(DocumentSavingTest, WhatAnotherProgramHasWrittenIsOverwrittenOnlyWhenTheUserSaysSo) {
-    const auto document = edit(open(makeFile("a.txt")));
-    m_presenter.takeCalls();
+    const auto document = openEdited("a.txt");
     EXPECT_TRUE(save(edit(document)) && save(edit(document))) << "its own saves are no such change";
     makeFile("a.txt", "theirs");
     EXPECT_FALSE(save(edit(document)));
-    EXPECT_EQ(m_presenter.takeCalls(), "changed a.txt");
-    EXPECT_EQ(contentOf("a.txt"), "theirs");
-    EXPECT_TRUE(document->isDocumentEdited());
-
+    EXPECT_EQ(seen(document), "changed a.txt | theirs | edited");
     m_presenter.changedFileAnswer = OverwriteAnswer::SaveAs;
     m_presenter.location = path("mine.txt");
     EXPECT_TRUE(save(document));
-    EXPECT_EQ(m_presenter.takeCalls(), "changed a.txt; choose a.txt");
-    EXPECT_EQ(contentOf("a.txt") + contentOf("mine.txt"), "theirstext++++");
+    EXPECT_EQ(seen(document), "changed a.txt; choose a.txt | text++++ | saved");
+    EXPECT_EQ(contentOf("a.txt"), "theirs");
 
     // Replaced by a file that looks the same, down to its time.
     makeFile("new.txt", "TEXT++++");
@@ -197,8 +172,7 @@ TEST_F(DocumentSavingTest, WhatAnotherProgramHasWrittenIsOverwrittenOnlyWhenTheU
     ASSERT_EQ(rename(qPrintable(path("new.txt")), qPrintable(path("mine.txt"))), 0);
     m_presenter.changedFileAnswer = OverwriteAnswer::Overwrite;
     EXPECT_TRUE(save(edit(document)));
-    EXPECT_EQ(m_presenter.takeCalls(), "changed mine.txt");
-    EXPECT_EQ(contentOf("mine.txt"), "text+++++");
+    EXPECT_EQ(seen(document), "changed mine.txt | text+++++ | saved");
     QFile::remove(path("mine.txt"));
     EXPECT_TRUE(save(edit(document)) && save(edit(document))) << "a file that has gone is written again";
     EXPECT_EQ(m_presenter.takeCalls(), "");
@@ -206,8 +180,7 @@ TEST_F(DocumentSavingTest, WhatAnotherProgramHasWrittenIsOverwrittenOnlyWhenTheU
 
 TEST_F(DocumentSavingTest, AVersionThatComesWhileADocumentIsBeingWrittenIsNotReplacedUnasked) {
     const auto document = openGated("a.txt");
-    Outcome first;
-    m_controller->saveDocument(document, first.completion());
+    const auto first = saving(document);
     EXPECT_TRUE(QTest::qWaitFor([&] { return document->atGate->tryAcquire(); }));
     makeFile("a.txt", "theirs meanwhile");
     // Another version comes after the question about the first, and is asked about too.
@@ -219,16 +192,12 @@ TEST_F(DocumentSavingTest, AVersionThatComesWhileADocumentIsBeingWrittenIsNotRep
     };
     m_gate->release();
     EXPECT_FALSE(first.waitFor());
-    EXPECT_EQ(m_presenter.takeCalls(), "changed a.txt; changed a.txt");
-    EXPECT_EQ(contentOf("a.txt"), "theirs at last");
-    EXPECT_TRUE(document->isDocumentEdited());
+    EXPECT_EQ(seen(document), "changed a.txt; changed a.txt | theirs at last | edited");
 
     m_presenter.whileAsking = nullptr;
     // Saving under the name of a file replaces what was there when that began.
     makeFile("b.txt", "old");
-    Outcome outcome;
-    m_presenter.location = path("b.txt");
-    m_controller->saveDocumentAs(document, outcome.completion());
+    const auto outcome = savingAs(document, "b.txt");
     EXPECT_TRUE(QTest::qWaitFor([&] { return document->atGate->tryAcquire(); }));
     makeFile("b.txt", "theirs meanwhile");
     m_gate->release();
@@ -247,45 +216,36 @@ TEST_F(DocumentSavingTest, RevertingReadsTheFileAgainAfterAsking) {
 
     edit(document);
     m_controller->revertDocument(document);
-    EXPECT_EQ(m_presenter.takeCalls(), "revert a.txt");
-    EXPECT_EQ(document->text, QStringLiteral("text+"));
-
+    EXPECT_EQ(seen(document), "revert a.txt | text | edited");
     makeFile("a.txt", "theirs");
     m_presenter.reverts = true;
     m_controller->revertDocument(document);
     EXPECT_EQ(document->text, QStringLiteral("theirs"));
     EXPECT_FALSE(document->isDocumentEdited() || document->undoManager()->canUndo());
     EXPECT_TRUE(save(edit(document)));
-    EXPECT_EQ(m_presenter.takeCalls(), "revert a.txt") << "the file is as it was read";
+    EXPECT_EQ(seen(document), "revert a.txt | theirs+ | saved") << "the file is as it was read";
 
     edit(document);
     makeFile("a.txt", "damaged");
     m_controller->revertDocument(document);
-    EXPECT_EQ(m_presenter.takeCalls(), "revert a.txt; “a.txt” couldn't be read again. The file is damaged.");
+    EXPECT_EQ(seen(document), "revert a.txt; “a.txt” couldn't be read again. The file is damaged. | damaged | edited");
     EXPECT_EQ(document->text, QStringLiteral("theirs++"));
-    EXPECT_TRUE(document->isDocumentEdited());
 }
 
 TEST_F(DocumentSavingTest, ADuplicateIsAnUntitledEditedCopyOfThePresentState) {
-    const auto document = edit(open(makeFile("my %1.v2.txt")));
+    const auto document = openEdited("my %1.v2.txt");
     const auto duplicate = [this](const std::shared_ptr<Document>& original) {
-        Outcome outcome;
-        m_controller->duplicateDocument(original, outcome.completion());
-        return outcome.waitFor();
+        return Outcome([&](const auto& done) { m_controller->duplicateDocument(original, done); }).waitFor();
     };
-    m_presenter.takeCalls();
     EXPECT_TRUE(duplicate(document));
-    EXPECT_EQ(m_presenter.takeCalls(), "show my %1.v2 copy");
     const auto copy = std::dynamic_pointer_cast<TextDocument>(m_controller->currentDocument());
-    ASSERT_TRUE(copy && copy != document);
+    EXPECT_EQ(seen(copy), "show my %1.v2 copy | (missing) | edited");
     EXPECT_EQ(copy->text, QStringLiteral("text+"));
-    EXPECT_TRUE(copy->isDocumentEdited() && copy->fileURL().isEmpty());
-    EXPECT_FALSE(copy->undoManager()->canUndo());
+    EXPECT_FALSE(copy->undoManager()->canUndo() || !copy->fileURL().isEmpty());
     EXPECT_EQ(copy->suggestedFileName(), QStringLiteral("my %1.v2 copy.txt"));
 
     EXPECT_TRUE(duplicate(document) && duplicate(copy) && duplicate(m_controller->newDocument()));
     EXPECT_EQ(m_presenter.takeCalls(), "show my %1.v2 copy 2; show my %1.v2 copy 3; show Untitled; show Untitled copy");
-    m_presenter.takeCalls();
     document->failure = QStringLiteral("It can't be represented.");
     EXPECT_FALSE(duplicate(document));
     EXPECT_EQ(m_presenter.takeCalls(), "“my %1.v2.txt” couldn't be duplicated. It can't be represented.");

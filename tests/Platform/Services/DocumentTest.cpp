@@ -1,13 +1,13 @@
+#include "FolderTest.h"
 #include "TextDocument.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace {
 
-TEST(DocumentTest, UntitledNamesAreUniqueAndFreedAgain) {
+class DocumentTest : public FolderTest {};
+
+TEST_F(DocumentTest, UntitledNamesAreUniqueAndFreedAgain) {
     auto first = std::make_unique<TextDocument>();
     TextDocument second, third;
     QSignalSpy names(&second, &Document::displayNameChanged);
@@ -25,21 +25,16 @@ TEST(DocumentTest, UntitledNamesAreUniqueAndFreedAgain) {
     EXPECT_EQ(fifth.displayName(), QStringLiteral("Untitled 2"));
 }
 
-TEST(DocumentTest, WritingIsACopyThatChangesNoState) {
-    const QTemporaryDir folder;
+TEST_F(DocumentTest, WritingIsACopyThatChangesNoState) {
     TextDocument document;
     document.append(QStringLiteral("content"));
-    const QString path = folder.filePath(QStringLiteral("copy.txt"));
-    document.write(path);
+    document.write(path("copy.txt"));
     EXPECT_TRUE(document.isDocumentEdited() && document.fileURL().isEmpty());
-    TextDocument copy;
-    copy.read(QUrl::fromLocalFile(path));
-    EXPECT_EQ(copy.text, document.text);
-
     document.failure = QStringLiteral("It can't be represented.");
-    EXPECT_THROW(document.write(path), DocumentError);
-    copy.text.clear();
-    copy.read(QUrl::fromLocalFile(path));
+    EXPECT_THROW(document.write(path("copy.txt")), DocumentError);
+    EXPECT_EQ(contentOf("copy.txt"), "content");
+    TextDocument copy;
+    copy.read(url("copy.txt"));
     EXPECT_EQ(copy.text, document.text);
 }
 

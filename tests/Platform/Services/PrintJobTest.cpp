@@ -1,72 +1,59 @@
 #include "PrintJob.h"
 
-#include <QFile>
-#include <QScopeGuard>
-#include <QTemporaryDir>
-#include <QTest>
+#include "FolderTest.h"
 
-#include <gtest/gtest.h>
+#include <QScopeGuard>
+#include <QTest>
 
 #include <optional>
 
 namespace {
 
-/// Submits with a program `lp` of ours, a shell script; without a script there is none.
-QString submit(const PrintJob& job, const QByteArray& pdf, const QTemporaryDir& folder,
-               const std::optional<QByteArray>& script) {
-    if (script) {
-        QFile program(folder.filePath(QStringLiteral("lp")));
-        EXPECT_TRUE(program.open(QIODevice::WriteOnly));
-        program.write("#!/bin/sh\ncd \"$(dirname \"$0\")\"\n" + *script);
-        program.close();
-        program.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+class PrintJobTest : public FolderTest {
+protected:
+    PrintJobTest() { m_job.printer = QStringLiteral("Office"); }
+
+    /// Submits with a program `lp` of ours, a shell script; without a script there is none.
+    std::string submit(const std::optional<QByteArray>& script) const {
+        QFile::remove(path("lp"));
+        if (script) {
+            makeFile("lp", "#!/bin/sh\ncd \"$(dirname \"$0\")\"\n" + *script);
+            QFile::setPermissions(path("lp"), QFile::ReadOwner | QFile::ExeOwner);
+        }
+        const QByteArray programs = qgetenv("PATH");
+        const auto restore = qScopeGuard([&programs] { qputenv("PATH", programs); });
+        qputenv("PATH", QFile::encodeName(m_folder.path()) + (script ? ':' + programs : QByteArray()));
+        std::optional<QString> answer;
+        QObject owner;
+        m_job.submit(m_pdf, &owner, [&answer](const QString& failure) { answer = failure; });
+        EXPECT_TRUE(QTest::qWaitFor([&answer] { return answer.has_value(); }, 30'000));
+        return answer.value_or(QStringLiteral("no answer")).toStdString();
     }
-    const QByteArray path = qgetenv("PATH");
-    const auto restore = qScopeGuard([&path] { qputenv("PATH", path); });
-    qputenv("PATH", script ? QFile::encodeName(folder.path()) + ':' + path : QFile::encodeName(folder.path()));
-    std::optional<QString> answer;
-    QObject owner;
-    job.submit(pdf, &owner, [&answer](const QString& failure) { answer = failure; });
-    EXPECT_TRUE(QTest::qWaitFor([&answer] { return answer.has_value(); }, 30'000));
-    return answer.value_or(QStringLiteral("no answer"));
+
+    PrintJob m_job;
+    const QByteArray m_pdf = QByteArray(3'000'000, 'p'); ///< more than a pipe holds
+};
+
+TEST_F(PrintJobTest, HandsTheFileAndItsOptionsToThePrintService) {
+    m_job.title = QStringLiteral("-o two words; $(touch x).pdf"); // words for the queue, nothing else
+    m_job.copies = 3;
+    m_job.options = {{QStringLiteral("sides"), QStringLiteral("one-sided")}, {QStringLiteral("fit-to-page"), {}}};
+    EXPECT_EQ(submit("printf '%s\\n' \"$@\" > arguments; cat > file\n"), "");
+    EXPECT_EQ(contentOf("arguments"), "-d\nOffice\n-n\n3\n-t\n-o two words; $(touch x).pdf\n-o\nsides=one-sided\n"
+                                      "-o\nfit-to-page\n");
+    EXPECT_EQ(contentOf("file"), m_pdf);
 }
 
-QByteArray content(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-}
-
-TEST(PrintJob, HandsTheFileAndItsOptionsToThePrintService) {
-    const QTemporaryDir folder;
-    PrintJob job;
-    job.printer = QStringLiteral("Office");
-    job.title = QStringLiteral("-o two words; $(touch x).pdf"); // words for the queue, nothing else
-    job.copies = 3;
-    job.options = {{QStringLiteral("sides"), QStringLiteral("one-sided")}, {QStringLiteral("fit-to-page"), {}}};
-    const QByteArray pdf = QByteArray(3'000'000, 'p'); // more than a pipe holds
-    EXPECT_EQ(submit(job, pdf, folder, "printf '%s\\n' \"$@\" > arguments; cat > file\n"), QString());
-    EXPECT_EQ(content(folder.filePath(QStringLiteral("arguments"))).toStdString(),
-              "-d\nOffice\n-n\n3\n-t\n-o two words; $(touch x).pdf\n-o\nsides=one-sided\n-o\nfit-to-page\n");
-    EXPECT_EQ(content(folder.filePath(QStringLiteral("file"))), pdf);
-}
-
-TEST(PrintJob, SaysWhyItFailed) {
-    const struct {
-        std::optional<QByteArray> script;
-        const char* sentence;
-    } cases[] = {
+TEST_F(PrintJobTest, SaysWhyItFailed) {
+    const std::pair<std::optional<QByteArray>, const char*> cases[] = {
         {"echo 'lp: The printer or class does not exist.' >&2; exit 1\n",
          "The print service didn't take it: The printer or class does not exist."},
         {"exec 0<&-; exit 1\n", "The print service didn't take it."}, // it reads nothing
         {"kill -9 $$\n", "The print service didn't take it."},
         {std::nullopt, "This computer has no print service."},
     };
-    for (const auto& each : cases) {
-        const QTemporaryDir folder;
-        PrintJob job;
-        job.printer = QStringLiteral("Office");
-        EXPECT_EQ(submit(job, QByteArray(3'000'000, 'p'), folder, each.script).toStdString(), each.sentence);
-    }
+    for (const auto& [script, sentence] : cases)
+        EXPECT_EQ(submit(script), sentence);
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QMutex>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -19,70 +18,64 @@ public:
     SpeechService() {
         m_thread.start();
         m_server.moveToThread(&m_thread);
-        QMetaObject::invokeMethod(
-            &m_server,
-            [this] {
-                QObject::connect(&m_server, &QLocalServer::newConnection, &m_server, [this] {
-                    QLocalSocket* socket = m_server.nextPendingConnection();
-                    QObject::connect(socket, &QLocalSocket::readyRead, socket, [this, socket] {
-                        while (socket->canReadLine())
-                            take(*socket, socket->readLine().trimmed());
-                    });
+        onItsThread([this] {
+            QObject::connect(&m_server, &QLocalServer::newConnection, &m_server, [this] {
+                QLocalSocket* socket = m_server.nextPendingConnection();
+                QObject::connect(socket, &QLocalSocket::readyRead, socket, [this, socket] {
+                    while (socket->canReadLine())
+                        socket->write(answerTo(socket->readLine().trimmed()));
                 });
-                m_server.listen(path());
-            },
-            Qt::BlockingQueuedConnection);
+            });
+            m_server.listen(path());
+        });
         qputenv("SPEECHD_ADDRESS", "unix_socket:" + path().toLocal8Bit());
     }
 
     ~SpeechService() {
         qunsetenv("SPEECHD_ADDRESS");
-        QMetaObject::invokeMethod(
-            &m_server, [this] { m_server.close(); }, Qt::BlockingQueuedConnection);
+        onItsThread([this] { m_server.close(); });
         m_thread.quit();
         m_thread.wait();
     }
 
-    QByteArray spoken() {
-        const QMutexLocker lock(&m_mutex);
-        return m_spoken;
+    QString spoken() {
+        QByteArray all;
+        onItsThread([&] { all = m_spoken; });
+        return QString::fromUtf8(all);
     }
 
 private:
     [[nodiscard]] QString path() const { return m_folder.filePath(QStringLiteral("speechd.sock")); }
 
-    void take(QLocalSocket& socket, const QByteArray& line) {
-        const auto answer = [&socket](const QByteArray& lines) { socket.write(lines + "\r\n"); };
-        if (m_isReceiving) {
-            if (line != ".") {
-                const QMutexLocker lock(&m_mutex);
-                m_spoken += line + '\n';
-                return;
-            }
-            m_isReceiving = false;
-            answer("225-7\r\n225 OK MESSAGE QUEUED");
-            answer("701-7\r\n701-1\r\n701 BEGIN");
-            answer("702-7\r\n702-1\r\n702 END");
-        } else if (line == "speak") {
-            m_isReceiving = true;
-            answer("230 OK RECEIVING DATA");
-        } else if (line.startsWith("LIST OUTPUT_MODULES")) {
-            answer("250-voices\r\n250 OK MODULE LIST SENT");
-        } else if (line.startsWith("LIST ")) {
-            answer("249-one\ten\tnone\r\n249 OK VOICE LIST SENT");
-        } else if (line.startsWith("GET ")) {
-            answer("251-voices\r\n251 OK GET RETURNED");
-        } else {
-            answer("208 OK");
+    template <typename Work>
+    void onItsThread(const Work& work) {
+        QMetaObject::invokeMethod(&m_server, work, Qt::BlockingQueuedConnection);
+    }
+
+    QByteArray answerTo(const QByteArray& line) {
+        if (m_isReceiving && line != ".") {
+            m_spoken += line + '\n';
+            return {};
         }
+        if (std::exchange(m_isReceiving, line == "speak"))
+            return "225-7\r\n225 OK MESSAGE QUEUED\r\n701-7\r\n701-1\r\n701 BEGIN\r\n702-7\r\n702-1\r\n702 END\r\n";
+        const std::pair<const char*, const char*> answers[] = {
+            {"speak", "230 OK RECEIVING DATA\r\n"},
+            {"LIST OUTPUT_MODULES", "250-voices\r\n250 OK MODULE LIST SENT\r\n"},
+            {"LIST ", "249-one\ten\tnone\r\n249 OK VOICE LIST SENT\r\n"},
+            {"GET ", "251-voices\r\n251 OK GET RETURNED\r\n"},
+        };
+        for (const auto& [request, answer] : answers)
+            if (line.startsWith(request))
+                return answer;
+        return "208 OK\r\n";
     }
 
     QTemporaryDir m_folder;
     QThread m_thread;
     QLocalServer m_server;
     bool m_isReceiving = false;
-    QMutex m_mutex;
-    QByteArray m_spoken; ///< guarded by `m_mutex`
+    QByteArray m_spoken;
 };
 
 } // namespace
@@ -101,7 +94,7 @@ TEST(SpeechSynthesizer, givesAllOfTheTextToTheServiceAndIsToldTheEnd) {
     const auto count = [] { return QCoreApplication::instance()->findChildren<SpeechSynthesizer*>().size(); };
     EXPECT_EQ(count(), 1);
     EXPECT_TRUE(QTest::qWaitFor([&count] { return count() == 0; })) << "gone after a speech of its own";
-    EXPECT_EQ(QString::fromUtf8(service.spoken()), QStringLiteral("# Größe\n\nand *more*\nOnce\n"));
+    EXPECT_EQ(service.spoken(), QStringLiteral("# Größe\n\nand *more*\nOnce\n"));
 }
 
 TEST(SpeechSynthesizer, saysThatThereIsNoService) {

@@ -1,10 +1,11 @@
 #include "UndoManager.h"
 
-#include "UndoableText.h"
-
 #include <QCoreApplication>
 #include <QSignalSpy>
 
+#include <algorithm>
+#include <map>
+#include <random>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -14,6 +15,106 @@ namespace {
 void endTurn() {
     QCoreApplication::processEvents();
 }
+
+/// A text of different characters, kept in order. Each can be added and taken out, with its undo.
+class UndoableText {
+public:
+    /// What the undo of a change can do: be redone without limit, be redone once, or not be redone.
+    enum class Kind { Mirrored, RedoneOnce, NeverRedone };
+
+    explicit UndoableText(UndoManager& manager) : m_manager(manager) {}
+
+    const QString& text() const { return m_text; }
+
+    void add(QChar character, QObject* target, Kind kind = Kind::Mirrored) {
+        insert(character);
+        m_manager.registerUndo(target, [=, this] {
+            if (kind == Kind::Mirrored)
+                remove(character, target);
+            else
+                m_text.remove(character);
+            if (kind == Kind::RedoneOnce)
+                m_manager.registerUndo(target, [=, this] { insert(character); });
+        });
+    }
+
+    void add(QChar character) { add(character, &m_target); }
+
+    void remove(QChar character, QObject* target) {
+        m_text.remove(character);
+        m_manager.registerUndo(target, [=, this] { add(character, target); });
+    }
+
+private:
+    void insert(QChar character) {
+        m_text.insert(std::lower_bound(m_text.begin(), m_text.end(), character) - m_text.begin(), character);
+    }
+
+    UndoManager& m_manager;
+    QString m_text;
+    QObject m_target;
+};
+
+/// Runs the operations that letters stand for, and knows what a save would have written.
+class EditedDocument {
+public:
+    void run(char operation) {
+        m_operations.at(operation)();
+        if (std::string("+sab").find(operation) == std::string::npos)
+            endTurn();
+    }
+
+    UndoManager manager;
+    UndoableText content{manager};
+    QString saved;
+
+private:
+    using Kind = UndoableText::Kind;
+    using Targets = std::map<QChar, std::unique_ptr<QObject>>;
+
+    void change(Kind kind = Kind::Mirrored) {
+        content.add(m_next, m_targets.emplace(m_next, std::make_unique<QObject>()).first->second.get(), kind);
+        m_next = QChar(m_next.unicode() + 1);
+    }
+    void dropTarget(Targets::iterator which) {
+        if (!m_targets.empty())
+            m_targets.erase(which);
+    }
+    void save() {
+        manager.markSaved();
+        saved = content.text();
+    }
+    void beginSaving() {
+        m_note = manager.noteState();
+        m_noted = content.text();
+    }
+    void endSaving() {
+        if (!m_note)
+            return;
+        manager.markSaved(*m_note);
+        saved = m_noted;
+    }
+
+    const std::map<char, std::function<void()>> m_operations = {
+        {'c', [this] { change(); }},
+        {'o', [this] { change(Kind::RedoneOnce); }},
+        {'n', [this] { change(Kind::NeverRedone); }},
+        {'+', [this] { change(); }}, // one more change of the same turn
+        {'s', [this] { save(); }},
+        {'a', [this] { beginSaving(); }},
+        {'b', [this] { endSaving(); }},
+        {'u', [this] { manager.undo(); }},
+        {'r', [this] { manager.redo(); }},
+        {'k', [this] { dropTarget(m_targets.begin()); }},
+        {'l', [this] { dropTarget(m_targets.empty() ? m_targets.end() : std::prev(m_targets.end())); }}, // the latest
+        {'m', [this] { manager.markEdited(); }},
+        {'x', [this] { manager.removeAllActions(); }},
+    };
+    Targets m_targets;
+    std::optional<quint64> m_note;
+    QString m_noted;
+    QChar m_next = QChar(0x100);
+};
 
 class UndoManagerTest : public testing::Test {
 protected:
@@ -52,39 +153,24 @@ TEST_F(UndoManagerTest, ATurnOrAGroupIsOneStep) {
         UndoManager manager;
         UndoableText content(manager);
         QStringList seen;
-        for (const char* each = operations; *each; ++each) {
-            switch (*each) {
-            case 'u':
-            case 'r':
-                *each == 'u' ? manager.undo() : manager.redo();
+        const std::map<char, std::function<void()>> meanings = {
+            {'u', [&] { manager.undo(); }},
+            {'r', [&] { manager.redo(); }},
+            {'|', endTurn},
+            {'(', [&] { manager.beginUndoGrouping(); }},
+            {')', [&] { manager.endUndoGrouping(); }},
+            {'-', [&] { manager.disableUndoRegistration(); }},
+            {'+', [&] { manager.enableUndoRegistration(); }},
+            {'!', [&] { manager.setGroupsByEvent(false); }},
+            {'3', [&] { manager.setLevelsOfUndo(3); }},
+        };
+        for (const char each : std::string(operations)) {
+            const auto meaning = meanings.find(each);
+            meaning == meanings.end() ? content.add(QLatin1Char(each)) : meaning->second();
+            if (each == 'u' || each == 'r')
                 seen << content.text();
-                break;
-            case '|':
-                endTurn();
-                break;
-            case '(':
-                manager.beginUndoGrouping();
-                break;
-            case ')':
-                manager.endUndoGrouping();
-                break;
-            case '-':
-                manager.disableUndoRegistration();
-                break;
-            case '+':
-                manager.enableUndoRegistration();
-                break;
-            case '!':
-                manager.setGroupsByEvent(false);
-                break;
-            case '3':
-                manager.setLevelsOfUndo(3);
-                break;
-            default:
-                content.add(QLatin1Char(*each));
-            }
         }
-        EXPECT_EQ(seen.join(u',').remove(u' ').toStdString(), QString::fromLatin1(texts).remove(u' ').toStdString())
+        EXPECT_EQ(seen.join(u',').toStdString(), QString::fromLatin1(texts).remove(u' ').toStdString())
             << operations << ": " << why;
     }
 }
@@ -114,7 +200,7 @@ TEST_F(UndoManagerTest, HandlersTellWhatRunsAndRunInReverseOrder) {
     EXPECT_FALSE(m_manager.isUndoing() || m_manager.isRedoing() || m_manager.canUndo() || m_manager.canRedo());
 }
 
-TEST_F(UndoManagerTest, RegistrationsOfDeadTargetsDropOut) {
+TEST_F(UndoManagerTest, RegistrationsOfDeadTargetsDropOutAlsoWhileTheirStepRuns) {
     auto object = std::make_unique<QObject>();
     auto shared = std::make_shared<int>(7);
     m_content.add(u'a', object.get());
@@ -128,9 +214,7 @@ TEST_F(UndoManagerTest, RegistrationsOfDeadTargetsDropOut) {
     EXPECT_FALSE(m_manager.canUndo());
     undo();
     EXPECT_EQ(text(), "a");
-}
 
-TEST_F(UndoManagerTest, ATargetMayDieWhileItsStepRuns) {
     auto dying = std::make_unique<QObject>();
     QObject living;
     m_manager.registerUndo(dying.get(), [] { FAIL() << "its target is gone"; });
@@ -231,6 +315,65 @@ TEST_F(UndoManagerTest, AnExceptionLeavesAUsableManager) {
     while (m_manager.canRedo())
         redo();
     EXPECT_EQ(text(), "abc");
+}
+
+TEST_F(UndoManagerTest, TheEditedMarkFollowsTheSavedState) {
+    const struct {
+        const char* operations;
+        const char* edited; // after each operation: E edited, - not
+        const char* why = "";
+    } rows[] = {
+        {"ccsuurr", "EE-EEE-"},
+        {"+s+ur", "E-EEE", "undo and redo pass over that state"},
+        {"cacbuur", "EEEE-E-", "edited while it was being saved"},
+        {"acxb", "-EEE", "nothing is left to take the change back"},
+        {"caxbcu", "EEE-E-"},
+        {"camb", "EEEE", "a change without undo came after the note"},
+        {"mu", "EE"},
+        {"cx", "EE", "nothing is left to take the change back"},
+        {"csxcu", "E--E-"},
+        {"cclu", "EEEE", "one change stays for good"},
+        {"cckuu", "EEEEE", "one change stays for good"},
+        {"cscku", "E-EE-", "the change that stays was saved"},
+        {"ouru", "E-EE", "the redo registered nothing"},
+        {"couru", "EEEEE", "the redo registered nothing, and stays over the undone one"},
+        {"cnsuu", "EE-EE", "the undo registered nothing"},
+    };
+    for (const auto& row : rows) {
+        EditedDocument document;
+        std::string edited;
+        bool told = false;
+        QObject::connect(&document.manager, &UndoManager::documentEditedChanged, [&told](bool isEdited) {
+            EXPECT_NE(isEdited, told) << "once for each turn of the mark";
+            told = isEdited;
+        });
+        for (const char* operation = row.operations; *operation; ++operation) {
+            document.run(*operation);
+            edited += document.manager.isDocumentEdited() ? 'E' : '-';
+            EXPECT_EQ(told, document.manager.isDocumentEdited());
+        }
+        EXPECT_EQ(edited, row.edited) << row.operations << ": " << row.why;
+    }
+}
+
+// Every character is unlike any other, so equal texts mean equal states: what the rows above don't say, this tells.
+TEST_F(UndoManagerTest, NeverCallsAChangedDocumentSaved) {
+    for (const std::string operations : {"ccc++uuuuurrrsab", "ccoon+uuuuurrrrsabklmx"}) {
+        const bool canLoseHistory = operations.ends_with('x');
+        for (unsigned seed = 0; seed < 200; ++seed) {
+            std::mt19937 random(seed);
+            EditedDocument document;
+            std::string trail;
+            for (int step = 0; step < 60; ++step) {
+                trail += operations[random() % operations.size()];
+                document.run(trail.back());
+                const bool isSaved = document.content.text() == document.saved;
+                const bool isEdited = document.manager.isDocumentEdited();
+                ASSERT_TRUE(isEdited || isSaved) << seed << ": " << trail;
+                ASSERT_TRUE(!isEdited || !isSaved || canLoseHistory) << seed << ": " << trail;
+            }
+        }
+    }
 }
 
 } // namespace

@@ -1,43 +1,28 @@
 #include "UserDefaults.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
+#include "FolderTest.h"
+
 #include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
 
+#include <filesystem>
 #include <limits>
 #include <memory>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace {
 
-class UserDefaultsTest : public testing::Test {
+class UserDefaultsTest : public FolderTest {
 protected:
-    std::unique_ptr<UserDefaults> open() const { return std::make_unique<UserDefaults>(m_path); }
+    static constexpr const char* file = "config/Group/App.ini";
+
+    std::unique_ptr<UserDefaults> open() const { return std::make_unique<UserDefaults>(path(file)); }
 
     void writeFile(const QByteArray& bytes) const {
-        ASSERT_TRUE(QDir().mkpath(QFileInfo(m_path).path()));
-        QFile file(m_path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        makeFolder("config/Group");
+        makeFile(file, bytes);
     }
-
-    QByteArray fileContent() const {
-        QFile file(m_path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
-    struct stat status() const {
-        struct stat status = {};
-        stat(QFile::encodeName(m_path).constData(), &status);
-        return status;
-    }
-
-    const QTemporaryDir m_folder;
-    const QString m_path = m_folder.filePath(QStringLiteral("config/Group/App.ini"));
 };
 
 TEST_F(UserDefaultsTest, ValuesComeBackFromTheFile) {
@@ -91,60 +76,56 @@ TEST_F(UserDefaultsTest, WhatCanWaitIsWrittenWithTheNextChangeWhenNoneComesOrAtT
         defaults.setDictionary(QStringLiteral("pages"), {{QStringLiteral("/a.pdf"), page}},
                                UserDefaults::Urgency::canWait);
     };
-    const auto written = [this](int page) { return fileContent().contains(':' + QByteArray::number(page) + '}'); };
-    {
-        const auto defaults = open();
-        remember(*defaults, 11);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return written(11); }, 30'000));
-        remember(*defaults, 12);
-        defaults->setBool(QStringLiteral("another"), true);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return written(12); }, 30'000));
-        remember(*defaults, 13);
-        EXPECT_FALSE(written(13));
-    }
+    const auto written = [this](int page) { return contentOf(file).contains(':' + QByteArray::number(page) + '}'); };
+    const auto usualTime = std::exchange(UserDefaults::idleTime, std::chrono::milliseconds(1));
+    auto defaults = open();
+    remember(*defaults, 11);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return written(11); }, 30'000));
+    UserDefaults::idleTime = std::chrono::hours(1);
+    defaults = open();
+    UserDefaults::idleTime = usualTime;
+    remember(*defaults, 12);
+    defaults->setBool(QStringLiteral("another"), true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return written(12); }, 30'000));
+    remember(*defaults, 13);
+    EXPECT_FALSE(written(13));
+    defaults.reset();
     EXPECT_TRUE(written(13));
 }
 
 TEST_F(UserDefaultsTest, AValueOfAnotherTypeIsMissing) {
-    {
-        const auto defaults = open();
-        defaults->setBool(QStringLiteral("bool"), true);
-        defaults->setInteger(QStringLiteral("integer"), 1);
-        defaults->setString(QStringLiteral("string"), QStringLiteral("true"));
-        defaults->setStringList(QStringLiteral("list"), {QStringLiteral("1")});
-        defaults->setData(QStringLiteral("data"), QByteArrayLiteral("[1]"));
-        defaults->setDictionary(QStringLiteral("map"), {{QStringLiteral("1"), 1}});
-    }
-    const auto types = [](const UserDefaults& defaults, const QString& key) {
-        return QStringList{defaults.boolForKey(key) ? QStringLiteral("bool") : QString(),
-                           defaults.integerForKey(key) ? QStringLiteral("integer") : QString(),
-                           defaults.stringForKey(key) ? QStringLiteral("string") : QString(),
-                           defaults.stringListForKey(key) ? QStringLiteral("list") : QString(),
-                           defaults.dataForKey(key) ? QStringLiteral("data") : QString(),
-                           defaults.dictionaryForKey(key) ? QStringLiteral("map") : QString()}
-            .join(QString());
+    const auto defaults = open();
+    defaults->setBool(QStringLiteral("bool"), true);
+    defaults->setInteger(QStringLiteral("integer"), 1);
+    defaults->setString(QStringLiteral("string"), QStringLiteral("true"));
+    defaults->setStringList(QStringLiteral("list"), {QStringLiteral("1")});
+    defaults->setData(QStringLiteral("data"), QByteArrayLiteral("[1]"));
+    defaults->setDictionary(QStringLiteral("map"), {{QStringLiteral("1"), 1}});
+    ASSERT_TRUE(defaults->synchronize());
+    const auto types = [this](const char* name) {
+        const auto read = open();
+        const QLatin1String key(name);
+        return std::string(read->boolForKey(key) ? "bool" : "") + (read->integerForKey(key) ? "integer" : "") +
+               (read->stringForKey(key) ? "string" : "") + (read->stringListForKey(key) ? "list" : "") +
+               (read->dataForKey(key) ? "data" : "") + (read->dictionaryForKey(key) ? "map" : "");
     };
     for (const char* key : {"bool", "integer", "string", "list", "data", "map"})
-        EXPECT_EQ(types(*open(), QLatin1String(key)).toStdString(), key);
+        EXPECT_EQ(types(key), key);
     writeFile("[General]\nfraction=1.5\nhuge=5000000000\nmixed=\"[\\\"a\\\", 1]\"\nlist=1, 2\nbare=word\nempty=\n");
-    for (const char* key : {"fraction", "huge", "mixed", "list", "bare", "empty", "absent"}) {
-        const QString found = types(*open(), QLatin1String(key));
-        EXPECT_FALSE(found.contains(QStringLiteral("integer")) || found.contains(QStringLiteral("list")) ||
-                     found.contains(QStringLiteral("string")))
-            << key << ' ' << found.toStdString();
-    }
+    for (const char* key : {"fraction", "huge", "mixed", "list", "bare", "empty", "absent"})
+        for (const char* type : {"integer", "list", "string"})
+            EXPECT_EQ(types(key).find(type), std::string::npos) << key;
 }
 
 TEST_F(UserDefaultsTest, WhatOtherProgramsWriteIsKeptAndAFileThatCannotBeWrittenLosesNothing) {
     const auto first = open();
     const auto second = open();
-    QFile obstacle(m_folder.filePath(QStringLiteral("config")));
-    ASSERT_TRUE(obstacle.open(QIODevice::WriteOnly));
+    makeFile("config");
     first->setInteger(QStringLiteral("first"), 1);
     first->setInteger(QStringLiteral("both"), 1);
     EXPECT_FALSE(first->synchronize());
     EXPECT_EQ(first->integerForKey(QStringLiteral("first")), 1);
-    ASSERT_TRUE(obstacle.remove());
+    ASSERT_TRUE(QFile::remove(path("config")));
     ASSERT_TRUE(first->synchronize());
     second->setInteger(QStringLiteral("both"), 2);
     ASSERT_TRUE(second->synchronize());
@@ -159,14 +140,14 @@ TEST_F(UserDefaultsTest, WhatOtherProgramsWriteIsKeptAndAFileThatCannotBeWritten
 }
 
 TEST_F(UserDefaultsTest, OnlyTheUserCanReadTheFile) {
+    const auto permissions = [this] { return std::filesystem::status(path(file).toStdString()).permissions(); };
     const mode_t oldMask = umask(0);
-    open()->setString(QStringLiteral("key"), QStringLiteral("secret"));
+    for (const char* value : {"secret", "other"}) {
+        open()->setString(QStringLiteral("key"), QLatin1String(value));
+        EXPECT_EQ(permissions(), std::filesystem::perms(0600)) << value;
+        ASSERT_TRUE(QFile::setPermissions(path(file), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup));
+    }
     umask(oldMask);
-    EXPECT_EQ(status().st_mode & 0777, 0600u);
-
-    ASSERT_TRUE(QFile::setPermissions(m_path, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup));
-    open()->setString(QStringLiteral("key"), QStringLiteral("other"));
-    EXPECT_EQ(status().st_mode & 0777, 0600u);
 }
 
 TEST_F(UserDefaultsTest, ADamagedFileCountsAsEmptyAndIsReplaced) {
@@ -177,17 +158,14 @@ TEST_F(UserDefaultsTest, ADamagedFileCountsAsEmptyAndIsReplaced) {
     };
     for (const QByteArray& bytes : damaged) {
         writeFile(bytes);
-        {
-            const auto defaults = open();
-            EXPECT_FALSE(defaults->contains(QStringLiteral("key")));
-            EXPECT_EQ(fileContent(), bytes) << "reading changes nothing";
-            defaults->setInteger(QStringLiteral("key"), 8);
-        }
+        auto defaults = open();
+        EXPECT_FALSE(defaults->contains(QStringLiteral("key")));
+        EXPECT_EQ(contentOf(file), bytes) << "reading changes nothing";
+        defaults->setInteger(QStringLiteral("key"), 8);
+        defaults.reset();
         EXPECT_EQ(open()->integerForKey(QStringLiteral("key")), 8);
-        EXPECT_FALSE(fileContent().contains("line of something")) << "all else is new";
-        ASSERT_TRUE(QFile::remove(m_path));
-        ASSERT_TRUE(QFile::rename(m_path + QStringLiteral(".damaged"), m_path)) << "what was there is not thrown away";
-        EXPECT_EQ(fileContent(), bytes);
+        EXPECT_FALSE(contentOf(file).contains("line of something")) << "all else is new";
+        EXPECT_EQ(contentOf("config/Group/App.ini.damaged"), bytes) << "what was there is not thrown away";
     }
 }
 
@@ -199,7 +177,7 @@ TEST_F(UserDefaultsTest, ChangesAreWrittenTogetherAndSignalled) {
     for (int i = 0; i < 100; ++i)
         defaults->setInteger(key, i / 50);
     EXPECT_EQ(changed, QStringList({key, key})) << "only what is a change";
-    EXPECT_EQ(fileContent(), "") << "not at once";
+    EXPECT_EQ(contentOf(file), "(missing)") << "not at once";
     ASSERT_TRUE(QTest::qWaitFor([&] { return open()->integerForKey(key) == 1; })) << "nobody asked for this write";
     defaults->setInteger(key, 100);
     EXPECT_EQ(open()->integerForKey(key), 1);
