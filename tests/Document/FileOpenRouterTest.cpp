@@ -1,75 +1,60 @@
 #include "FileOpenRouter.h"
 
-#include <QDir>
-#include <QMimeData>
-#include <QTemporaryDir>
+#include "FolderTest.h"
 
-#include <gtest/gtest.h>
+#include <QMimeData>
 
 using FileOpenRouter::Kind;
 
-TEST(FileOpenRouter, classifiesByTheExtensionAlone) {
+class FileOpenRouterTest : public FolderTest {};
+
+TEST_F(FileOpenRouterTest, classifiesByTheExtensionAndAFolderOnlyWhereDocumentsAreFolders) {
+    for (const char* name : {"plain", "scans.pdf", "memo.rtfd", "talk.key"})
+        makeFolder(name);
     const std::pair<Kind, std::vector<const char*>> cases[] = {
         {Kind::pdf, {"report.pdf", "REPORT.PDF", "notes.tar.Pdf", "Größe 100%.pdf", "a#b?c.pdf"}},
-        {Kind::track1, {"letter.docx", "photo.JPEG", "scan.tif", "readme.md", "memo.rtfd/"}},
-        {Kind::track2, {"budget.xlsx", "talk.key", "book.EPUB"}},
-        {Kind::unsupported, {"pdf", ".pdf", "report.", "report.pdf.gz", "report.pdf ", "drawing.svg"}},
+        {Kind::track1, {"letter.docx", "photo.JPEG", "scan.tif", "readme.md", "none.rtfd/", "memo.rtfd"}},
+        {Kind::track2, {"budget.xlsx", "none.key", "talk.key", "book.EPUB"}},
+        {Kind::unsupported,
+         {"pdf", ".pdf", "report.", "report.pdf.gz", "report.pdf ", "drawing.svg", "plain", "scans.pdf"}},
     };
     for (const auto& [kind, names] : cases)
         for (const char* name : names)
-            EXPECT_EQ(
-                FileOpenRouter::classify(QUrl::fromLocalFile(QStringLiteral("/no folder/") + QString::fromUtf8(name))),
-                kind)
-                << name;
+            EXPECT_EQ(FileOpenRouter::classify(url(name)), kind) << name;
     EXPECT_EQ(FileOpenRouter::classify(QUrl()), Kind::unsupported);
-
     for (const QString& extension : FileOpenRouter::allSupportedExtensions())
-        EXPECT_NE(FileOpenRouter::classify(QUrl::fromLocalFile(QStringLiteral("/x.") + extension)), Kind::unsupported)
+        EXPECT_NE(FileOpenRouter::classify(url(qPrintable(QStringLiteral("x.") + extension))), Kind::unsupported)
             << extension.toStdString();
 }
 
-TEST(FileOpenRouter, aFolderIsOnlyADocumentWhenItsKindIsAFolder) {
-    const QTemporaryDir folder;
-    const auto make = [&folder](const QString& name) {
-        QDir(folder.path()).mkdir(name);
-        return QUrl::fromLocalFile(folder.filePath(name));
-    };
-    EXPECT_EQ(FileOpenRouter::classify(make(QStringLiteral("plain"))), Kind::unsupported);
-    EXPECT_EQ(FileOpenRouter::classify(make(QStringLiteral("scans.pdf"))), Kind::unsupported);
-    EXPECT_EQ(FileOpenRouter::classify(make(QStringLiteral("memo.rtfd"))), Kind::track1);
-    EXPECT_EQ(FileOpenRouter::classify(make(QStringLiteral("talk.key"))), Kind::track2);
-}
-
-TEST(FileOpenRouter, handsEachKindToItsDestination) {
+TEST_F(FileOpenRouterTest, handsEachKindToItsDestination) {
     QStringList log;
-    FileOpenRouter::setDestinations({
-        .openDocument = [&log](const QUrl& url) { log << QStringLiteral("document ") + url.fileName(); },
-        .openImport = [&log](const QUrl& url, const auto&) { log << QStringLiteral("import ") + url.fileName(); },
-        .openPreview =
-            [&log](const QUrl& url, bool isSupported) {
-                log << (isSupported ? QStringLiteral("preview ") : QStringLiteral("refusal ")) + url.fileName();
-            },
-    });
-    const auto open = [](const QStringList& names, void (*way)(const QUrl&)) {
-        for (const QString& name : names)
-            way(QUrl::fromLocalFile(u'/' + name));
+    const auto note = [&log](const char* what, const QUrl& file) {
+        log << QLatin1String(what) + u' ' + file.fileName();
     };
-    const QStringList names = QStringLiteral("a.pdf b.txt c.pptx d.zip e").split(u' ');
-    open(names, [](const QUrl& url) { FileOpenRouter::open(url); });
-    open({names[0], names[1], names[4]}, [](const QUrl& url) { FileOpenRouter::openRecent(url); });
+    FileOpenRouter::setDestinations({
+        .openDocument = [&note](const QUrl& file) { note("document", file); },
+        .openImport = [&note](const QUrl& file, const auto&) { note("import", file); },
+        .openPreview = [&note](const QUrl& file, bool isSupported) { note(isSupported ? "preview" : "refusal", file); },
+    });
+    const char* names[] = {"a.pdf", "b.txt", "c.pptx", "d.zip", "e"};
+    for (const char* name : names)
+        FileOpenRouter::open(url(name));
+    for (const char* name : {"a.pdf", "b.txt", "e"})
+        FileOpenRouter::openRecent(url(name));
     EXPECT_EQ(log.join(u','), QStringLiteral("document a.pdf,import b.txt,preview c.pptx,refusal d.zip,refusal e,"
                                              "document a.pdf,import b.txt,document e"));
     FileOpenRouter::setDestinations({});
-    open(names, [](const QUrl& url) { FileOpenRouter::open(url); });
+    for (const char* name : names)
+        FileOpenRouter::open(url(name));
     EXPECT_EQ(log.size(), 8);
 }
 
-TEST(FileOpenRouter, panelsAndDropsKnowTheSupportedKinds) {
+TEST_F(FileOpenRouterTest, panelsAndDropsKnowTheSupportedKinds) {
     const QStringList filters = FileOpenRouter::nameFilters();
     ASSERT_EQ(filters.size(), 3);
-    for (const QString& pattern :
-         {QStringLiteral("*.pdf "), QStringLiteral("*.PDF "), QStringLiteral("*.docx "), QStringLiteral("*.EPUB")})
-        EXPECT_TRUE(filters[0].contains(pattern)) << pattern.toStdString();
+    for (const char* pattern : {"*.pdf ", "*.PDF ", "*.docx ", "*.EPUB"})
+        EXPECT_TRUE(filters[0].contains(QLatin1String(pattern))) << pattern;
 
     const std::pair<const char*, bool> types[] = {{"application/pdf", true},
                                                   {"application/x-pdf", true}, // an alias
@@ -92,10 +77,10 @@ TEST(FileOpenRouter, panelsAndDropsKnowTheSupportedKinds) {
     EXPECT_EQ(offered, supported);
 }
 
-TEST(FileOpenRouter, aDropStandsForItsSupportedFiles) {
-    const QUrl zip = QUrl::fromLocalFile(QStringLiteral("/tmp/a.zip"));
-    const QUrl text = QUrl::fromLocalFile(QStringLiteral("/tmp/b.txt"));
-    const QUrl pdf = QUrl::fromLocalFile(QStringLiteral("/tmp/c.pdf"));
+TEST_F(FileOpenRouterTest, aDropStandsForItsSupportedFiles) {
+    const QUrl zip = url("a.zip");
+    const QUrl text = url("b.txt");
+    const QUrl pdf = url("c.pdf");
     const QUrl web(QStringLiteral("https://example.org/d.pdf"));
     const auto dropped = [](const QList<QUrl>& urls) {
         QMimeData data;

@@ -1,15 +1,12 @@
 #include "PDFEditorDocument.h"
 
 #include "DocumentSnapshot.h"
+#include "FolderTest.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PdfFixtures.h"
 #include "PdfPrograms.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <thread>
 
@@ -17,20 +14,8 @@
 
 namespace {
 
-class PDFEditorDocumentTest : public testing::Test {
+class PDFEditorDocumentTest : public FolderTest {
 protected:
-    QUrl store(const QString& name, const QByteArray& bytes) {
-        QFile file(m_folder.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        return QUrl::fromLocalFile(file.fileName());
-    }
-
-    [[nodiscard]] static QByteArray load(const QUrl& url) {
-        QFile file(url.toLocalFile());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
     void SetUp() override {
         for (const QString& word : {QStringLiteral("First"), QStringLiteral("Second"), QStringLiteral("Third")})
             m_fixture.addPage({word});
@@ -39,99 +24,66 @@ protected:
 
     PdfFixture m_fixture; ///< three pages that say "First", "Second" and "Third"
     QByteArray m_bytes;
-    QTemporaryDir m_folder;
+    PDFEditorDocument m_document;
 };
 
 TEST_F(PDFEditorDocumentTest, aFileThatCannotBeReadLeavesASentenceAndTheDocumentAsItWas) {
-    PDFEditorDocument document;
-    document.read(store(QStringLiteral("good.pdf"), m_bytes));
-    const auto before = document.pdfDocument();
-
-    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("folder.pdf")));
-    const QUrl bad[] = {
-        QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing.pdf"))),
-        QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("folder.pdf"))),
-        store(QStringLiteral("empty.pdf"), {}),
-        store(QStringLiteral("text.pdf"), "This is a letter, not a document.\n"),
-        store(QStringLiteral("zeros.pdf"), QByteArray(100'000, '\0')),
-        QUrl(QStringLiteral("https://example.org/a.pdf")),
-    };
-    for (const QUrl& url : bad) {
+    m_document.read(makeFile("good.pdf", m_bytes));
+    const auto before = m_document.pdfDocument();
+    makeFolder("folder.pdf");
+    for (const QUrl& bad :
+         {url("missing.pdf"), url("folder.pdf"), makeFile("empty.pdf", {}), makeFile("text.pdf"),
+          makeFile("zeros.pdf", QByteArray(100'000, '\0')), QUrl(QStringLiteral("https://example.org/a.pdf"))}) {
         try {
-            document.read(url);
-            ADD_FAILURE() << url.toString().toStdString() << " was read";
+            m_document.read(bad);
+            ADD_FAILURE() << bad.toString().toStdString() << " was read";
         } catch (const DocumentError& error) {
             EXPECT_TRUE(error.sentence().endsWith(u'.')) << error.what();
-            EXPECT_FALSE(error.sentence().contains(url.fileName())) << error.what();
+            EXPECT_FALSE(error.sentence().contains(bad.fileName())) << error.what();
         }
-        EXPECT_EQ(document.pdfDocument(), before);
+        EXPECT_EQ(m_document.pdfDocument(), before);
     }
 }
 
-TEST_F(PDFEditorDocumentTest, aLockedDocumentIsHeldAndSavedOnlyAfterItsPassword) {
-    PDFEditorDocument document;
-    document.read(
-        store(QStringLiteral("locked.pdf"), m_fixture.encrypted("user", "owner", PdfFixture::Encryption::aes256)));
-    EXPECT_TRUE(document.pdfDocument()->isLocked());
-    EXPECT_TRUE(document.wasPasswordProtected());
-    const QUrl target = store(QStringLiteral("target.pdf"), "old");
-    EXPECT_THROW(static_cast<void>(document.dataRepresentation()), DocumentError);
-    EXPECT_THROW(document.write(target.toLocalFile()), DocumentError);
-    EXPECT_EQ(load(target), "old");
-
-    ASSERT_TRUE(document.pdfDocument()->unlock(QStringLiteral("user")));
-    EXPECT_TRUE(document.wasPasswordProtected());
-    document.write(target.toLocalFile());
-    const auto saved = PDFDocument::fromData(load(target));
-    EXPECT_TRUE(!saved->isLocked() || saved->unlock(QStringLiteral("user")));
-    EXPECT_EQ(saved->pageCount(), 3);
-}
-
 TEST_F(PDFEditorDocumentTest, aSnapshotHoldsAnnotationsAndPageChangesAndIsWrittenByAnotherThread) {
-    PDFEditorDocument document;
-    EXPECT_EQ(document.pdfDocument()->pageCount(), 0);
-    EXPECT_TRUE(document.suggestedFileName().endsWith(QStringLiteral(".pdf")));
+    EXPECT_EQ(m_document.pdfDocument()->pageCount(), 0);
+    EXPECT_TRUE(m_document.suggestedFileName().endsWith(QStringLiteral(".pdf")));
     QStringList log;
-    QObject::connect(&document, &PDFEditorDocument::pdfDocumentChanged, &document,
-                     [&] { log << QStringLiteral("another, %1 pages").arg(document.pdfDocument()->pageCount()); });
-    QObject::connect(&document, &PDFEditorDocument::objectWillChange, &document,
+    QObject::connect(&m_document, &PDFEditorDocument::pdfDocumentChanged, &m_document,
+                     [&] { log << QStringLiteral("another, %1 pages").arg(m_document.pdfDocument()->pageCount()); });
+    QObject::connect(&m_document, &PDFEditorDocument::objectWillChange, &m_document,
                      [&log] { log << QStringLiteral("look"); });
-    document.read(store(QStringLiteral("a b.pdf"), m_bytes));
-    document.setPdfDocument(document.pdfDocument());
+    m_document.read(makeFile("a b.pdf", m_bytes));
+    const auto pdf = m_document.pdfDocument();
+    m_document.setPdfDocument(pdf);
     EXPECT_EQ(log.join(u';'), QStringLiteral("another, 3 pages;look"));
-    EXPECT_FALSE(document.wasPasswordProtected());
-    EXPECT_TRUE(document.openNotice().isEmpty());
+    EXPECT_FALSE(m_document.wasPasswordProtected());
+    EXPECT_TRUE(m_document.openNotice().isEmpty());
 
     const auto note = std::make_shared<PDFAnnotation>(QRectF(100, 700, 80, 14), PDFAnnotationSubtype::highlight);
-    note->setColor(Qt::yellow);
     note->setContents(QStringLiteral("Before"));
-    document.pdfDocument()->page(2)->addAnnotation(note);
-    document.pdfDocument()->removePage(0);
-    const auto snapshot = document.snapshot(SignatureCare::keep);
+    pdf->page(2)->addAnnotation(note);
+    pdf->removePage(0);
+    const auto snapshot = m_document.snapshot(SignatureCare::keep);
     note->setContents(QStringLiteral("After"));
-    document.pdfDocument()->removePage(0);
-    const QUrl target = store(QStringLiteral("b.pdf"), {});
-    std::thread([&] { snapshot->write(target.toLocalFile(), std::nullopt); }).join();
+    pdf->removePage(0);
+    std::thread([&] { snapshot->write(path("b.pdf"), std::nullopt); }).join();
 
-    const QByteArray saved = load(target);
+    const QByteArray saved = contentOf("b.pdf");
     EXPECT_EQ(PdfPrograms::complaints(saved), "");
     EXPECT_EQ(PdfPrograms::text(saved).simplified(), QStringLiteral("Second Third"));
     EXPECT_FALSE(PdfPrograms::unpacked(saved).contains("(First)"));
-    document.read(target);
-    ASSERT_EQ(document.pdfDocument()->pageCount(), 2);
-    EXPECT_EQ(document.pdfDocument()->page(1)->annotations().at(0)->contents(), QStringLiteral("Before"));
+    m_document.read(url("b.pdf"));
+    EXPECT_EQ(m_document.pdfDocument()->page(1)->annotations().at(0)->contents(), QStringLiteral("Before"));
 }
 
 TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
-    PDFEditorDocument document;
-    document.read(store(QStringLiteral("a.pdf"), m_bytes));
     const std::pair<QString, const char*> places[] = {
-        {m_folder.filePath(QStringLiteral("gone/a.pdf")),
-         "The folder “gone” doesn't exist. Choose Save As to store it in another place."},
+        {path("gone/a.pdf"), "The folder “gone” doesn't exist. Choose Save As to store it in another place."},
         {m_folder.path(), "There is a folder of this name. Choose Save As to give it another name."}};
-    for (const auto& [path, sentence] : places) {
+    for (const auto& [place, sentence] : places) {
         try {
-            document.snapshot(SignatureCare::keep)->write(path, std::nullopt);
+            m_document.snapshot(SignatureCare::keep)->write(place, std::nullopt);
             ADD_FAILURE() << sentence;
         } catch (const DocumentError& error) {
             EXPECT_EQ(error.sentence().toStdString(), sentence);
@@ -141,35 +93,46 @@ TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
 }
 
 TEST_F(PDFEditorDocumentTest, aFileWithoutItsEndDoesNotLookWholeAndARepairedOneOpensWithANotice) {
-    PDFEditorDocument document;
-    EXPECT_TRUE(document.wholeCheck()(store(QStringLiteral("whole.pdf"), m_bytes + "\n")));
-    EXPECT_FALSE(document.wholeCheck()(store(QStringLiteral("half.pdf"), m_bytes.left(m_bytes.size() / 2))));
-    EXPECT_FALSE(document.wholeCheck()(store(QStringLiteral("empty.pdf"), {})));
-    EXPECT_FALSE(document.wholeCheck()(QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("missing.pdf")))));
-    document.read(store(QStringLiteral("damaged.pdf"), PdfFixture::damaged(m_bytes)));
-    EXPECT_EQ(document.pdfDocument()->pageCount(), 3);
-    EXPECT_TRUE(document.openNotice().contains(QStringLiteral("repaired")));
-    EXPECT_EQ(PdfPrograms::complaints(document.dataRepresentation()), "");
+    const auto looksWhole = m_document.wholeCheck();
+    EXPECT_TRUE(looksWhole(makeFile("whole.pdf", m_bytes + "\n")));
+    for (const QUrl& bad :
+         {makeFile("half.pdf", m_bytes.left(m_bytes.size() / 2)), makeFile("empty.pdf", {}), url("missing.pdf")})
+        EXPECT_FALSE(looksWhole(bad)) << bad.toString().toStdString();
+    m_document.read(makeFile("damaged.pdf", PdfFixture::damaged(m_bytes)));
+    EXPECT_EQ(m_document.pdfDocument()->pageCount(), 3);
+    EXPECT_TRUE(m_document.openNotice().contains(QStringLiteral("repaired")));
+    EXPECT_EQ(PdfPrograms::complaints(m_document.dataRepresentation()), "");
 }
 
-TEST_F(PDFEditorDocumentTest, aProtectedFileThatIsReadAgainNeedsNoPassword) {
+TEST_F(PDFEditorDocumentTest, aLockedDocumentIsSavedOnlyAfterItsPasswordAndNeedsItOnce) {
     for (const auto encryption : {PdfFixture::Encryption::rc4, PdfFixture::Encryption::aes256}) {
         PDFEditorDocument document;
-        const QUrl url = store(QStringLiteral("locked.pdf"), m_fixture.encrypted("grün", "owner", encryption));
-        document.read(url);
-        document.setFileURL(url);
-        document.read(url);
-        EXPECT_TRUE(document.pdfDocument()->isLocked()) << "nobody has given a password";
-        ASSERT_TRUE(document.pdfDocument()->unlock(QStringLiteral("grün")) ||
-                    document.pdfDocument()->unlock(QStringLiteral("owner")));
-        document.read(url);
-        EXPECT_FALSE(document.pdfDocument()->isLocked());
+        const auto isLocked = [&document] { return document.pdfDocument()->isLocked(); };
+        const QUrl locked = makeFile("locked.pdf", m_fixture.encrypted("grün", "owner", encryption));
+        document.read(locked);
+        document.setFileURL(locked);
+        document.read(locked);
+        EXPECT_TRUE(isLocked()) << "nobody has given a password";
+        makeFile("target.pdf", "old");
+        EXPECT_THROW(static_cast<void>(document.dataRepresentation()), DocumentError);
+        EXPECT_THROW(document.write(path("target.pdf")), DocumentError);
+        EXPECT_EQ(contentOf("target.pdf"), "old");
+
+        const auto unlock = [](PDFDocument& pdf) {
+            return pdf.unlock(QStringLiteral("grün")) || pdf.unlock(QStringLiteral("owner"));
+        };
+        ASSERT_TRUE(unlock(*document.pdfDocument()));
+        document.write(path("target.pdf"));
+        const auto saved = PDFDocument::fromData(contentOf("target.pdf"));
+        EXPECT_TRUE(!saved->isLocked() || unlock(*saved));
+        EXPECT_EQ(saved->pageCount(), 3);
+        document.read(locked);
+        EXPECT_FALSE(isLocked());
         EXPECT_EQ(document.pdfDocument()->pageCount(), 3);
         EXPECT_TRUE(document.wasPasswordProtected());
 
-        store(QStringLiteral("locked.pdf"), m_fixture.encrypted("other", "owner 2", encryption));
-        document.read(url);
-        EXPECT_TRUE(document.pdfDocument()->isLocked()) << "it has another password now";
+        document.read(makeFile("locked.pdf", m_fixture.encrypted("other", "owner 2", encryption)));
+        EXPECT_TRUE(isLocked()) << "it has another password now";
     }
 }
 

@@ -1,45 +1,34 @@
 #include "RecentPageStore.h"
 
+#include "FolderTest.h"
 #include "UserDefaults.h"
 
-#include <QTemporaryDir>
-#include <QUrl>
+namespace {
 
-#include <gtest/gtest.h>
+class RecentPageStoreTest : public FolderTest {};
 
-static const QString key = QStringLiteral("RecentPageStore.pageIndexByPath");
-
-TEST(RecentPageStore, remembersEachFileByItsPathInTheFileOfSettings) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("settings.ini"));
-    const QUrl report = QUrl::fromLocalFile(QStringLiteral("/home/me/Größe, 100% = a/b.pdf"));
-    const QUrl other = QUrl::fromLocalFile(QStringLiteral("/home/me/other.pdf"));
-    {
-        UserDefaults defaults(path);
-        EXPECT_EQ(RecentPageStore::pageIndex(defaults, report), std::nullopt);
-        RecentPageStore::setPageIndex(defaults, 41, report);
-        RecentPageStore::setPageIndex(defaults, 7, other);
-        RecentPageStore::setPageIndex(defaults, 0, other);
-    }
-    const UserDefaults defaults(path);
-    EXPECT_EQ(RecentPageStore::pageIndex(defaults, report), 41);
-    EXPECT_EQ(RecentPageStore::pageIndex(defaults, other), 0);
-}
-
-TEST(RecentPageStore, aStoreThatIsNoDictionaryOfNumbersCountsAsEmpty) {
-    const QTemporaryDir folder;
-    UserDefaults defaults(folder.filePath(QStringLiteral("settings.ini")));
-    const QUrl url = QUrl::fromLocalFile(QStringLiteral("/a.pdf"));
+TEST_F(RecentPageStoreTest, remembersEachFileByItsPathUnlessTheStoreIsNoDictionaryOfNumbers) {
+    UserDefaults defaults(path("settings.ini"));
+    const QString key = QStringLiteral("RecentPageStore.pageIndexByPath");
+    const QString a = QStringLiteral("/home/me/Größe, 100% = a/b.pdf"), b = QStringLiteral("/b.pdf");
+    const auto page = [&defaults](const QString& file) {
+        return RecentPageStore::pageIndex(defaults, QUrl::fromLocalFile(file));
+    };
+    EXPECT_EQ(page(a), std::nullopt);
     for (const QVariant& spoilt : {QVariant(QStringLiteral("4")), QVariant(1.5), QVariant(true)}) {
-        defaults.setDictionary(key, {{QStringLiteral("/a.pdf"), 3}, {QStringLiteral("/b.pdf"), spoilt}});
-        EXPECT_EQ(RecentPageStore::pageIndex(defaults, url), std::nullopt) << spoilt.typeName();
+        defaults.setDictionary(key, {{a, 3}, {b, spoilt}});
+        EXPECT_EQ(page(a), std::nullopt) << spoilt.typeName();
     }
     defaults.setString(key, QStringLiteral("nonsense"));
-    EXPECT_EQ(RecentPageStore::pageIndex(defaults, url), std::nullopt);
-    RecentPageStore::setPageIndex(defaults, 9, url);
-    EXPECT_EQ(RecentPageStore::pageIndex(defaults, url), 9);
+    EXPECT_EQ(page(a), std::nullopt);
+    RecentPageStore::setPageIndex(defaults, 9, QUrl::fromLocalFile(a));
+    RecentPageStore::setPageIndex(defaults, 0, QUrl::fromLocalFile(b));
+    EXPECT_EQ(page(a), 9);
+    EXPECT_EQ(page(b), 0);
     // A number that no document can have as a page index is no reason to forget the other files.
-    defaults.setDictionary(key, {{QStringLiteral("/a.pdf"), 3}, {QStringLiteral("/b.pdf"), qlonglong(1) << 40}});
-    EXPECT_EQ(RecentPageStore::pageIndex(defaults, url), 3);
-    EXPECT_EQ(RecentPageStore::pageIndex(defaults, QUrl::fromLocalFile(QStringLiteral("/b.pdf"))), std::nullopt);
+    defaults.setDictionary(key, {{a, 3}, {b, qlonglong(1) << 40}});
+    EXPECT_EQ(page(a), 3);
+    EXPECT_EQ(page(b), std::nullopt);
 }
+
+} // namespace

@@ -2,48 +2,33 @@
 
 #include "CompressedCopy.h"
 #include "CompressionEstimate.h"
+#include "EditorTest.h"
 #include "FileError.h"
-#include "PDFDocument.h"
-#include "PDFPage.h"
 #include "PDFPageRasterizer.h"
-#include "PdfFixtures.h"
-#include "PdfPrograms.h"
 #include "RectangleAnnotation.h"
-
-#include <QDir>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 using Quality = PDFCompressor::Quality;
 
-class PDFCompressorTest : public testing::Test {
+class PDFCompressorTest : public EditorTest {
 protected:
     /// The copy as a file; empty when none could be made.
     QByteArray compressed(const PDFDocument& document, Quality quality) const {
-        const QString path = m_folder.filePath(QStringLiteral("copy.pdf"));
         const auto copy = CompressedCopy::of(PDFCompressor(document), quality, {}, [](int) {});
-        if (!copy)
-            return {};
-        EXPECT_TRUE(copy->write(path, {}));
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
+        EXPECT_TRUE(!copy || copy->write(path("copy.pdf"), {}));
+        return copy ? contentOf("copy.pdf") : QByteArray();
     }
     /// "page: width x height, components, encoding" of the pictures.
-    static QStringList pictures(const QByteArray& file) {
-        QStringList all;
-        const QByteArray listed =
-            PdfPrograms::run(QStringLiteral("pdfimages"), {QStringLiteral("-list"), QStringLiteral("FILE")}, file)
-                .output;
-        for (const QByteArray& line : listed.split('\n').mid(2))
-            if (const QByteArrayList words = line.simplified().split(' '); words.size() > 8)
-                all.append(
-                    QString::fromLatin1(words[0] + ": " + words[3] + 'x' + words[4] + ' ' + words[5] + ' ' + words[8]));
-        return all;
+    static std::string pictures(const QByteArray& file) {
+        QByteArrayList all;
+        const QStringList arguments{QStringLiteral("-list"), QStringLiteral("FILE")};
+        const QByteArray listed = PdfPrograms::run(QStringLiteral("pdfimages"), arguments, file).output;
+        for (const QByteArray& line : listed.trimmed().split('\n').mid(2)) {
+            const QByteArrayList words = line.simplified().split(' ');
+            all.append(words.value(0) + ": " + words.value(3) + 'x' + words.value(4) + ' ' + words.value(5) + ' ' +
+                       words.value(8));
+        }
+        return all.join('\n').toStdString();
     }
-
-    QTemporaryDir m_folder;
 };
 
 TEST_F(PDFCompressorTest, pagesBecomePicturesOfTheirSize) {
@@ -70,22 +55,14 @@ TEST_F(PDFCompressorTest, pagesBecomePicturesOfTheirSize) {
             document->page(0)->addAnnotation(drawn); // which makes a gray page a coloured one
         const QByteArray file = compressed(*document, quality);
         EXPECT_EQ(PdfPrograms::complaints(file), "");
-        EXPECT_EQ(pictures(file).join(u'\n').toStdString(), expected);
+        EXPECT_EQ(pictures(file), expected);
         const auto copy = PDFDocument::fromData(file);
         ASSERT_EQ(copy->pageCount(), 3);
         EXPECT_FALSE(copy->outlineRoot() || !copy->documentAttributes().isEmpty());
         for (int i = 0; i < 3; ++i) {
             EXPECT_EQ(copy->geometry(i), document->geometry(i));
-            // What is seen is what the page shows, up to what the JPEG loses.
-            const QImage before =
-                PDFPageRasterizer::render(*document->page(i), 0.25).convertToFormat(QImage::Format_RGB32);
-            const QImage after = PDFPageRasterizer::render(*copy->page(i), 0.25).convertToFormat(QImage::Format_RGB32);
-            qint64 difference = 0;
-            for (int y = 0; y < before.height(); ++y)
-                for (int x = 0; x < before.width(); ++x)
-                    difference += std::abs(qGreen(before.pixel(x, y)) - qGreen(after.pixel(x, y))) +
-                                  std::abs(qRed(before.pixel(x, y)) - qRed(after.pixel(x, y)));
-            EXPECT_LT(double(difference) / before.width() / before.height(), 4) << i;
+            const QImage before = PDFPageRasterizer::render(*document->page(i), 0.25);
+            EXPECT_LT(difference(before, PDFPageRasterizer::render(*copy->page(i), 0.25)), 6) << "beyond JPEG's loss";
         }
     }
 }
@@ -105,10 +82,9 @@ TEST_F(PDFCompressorTest, pagesThatCannotBeDrawnAreLeftOutAndNothingIsLeftOfASto
     EXPECT_FALSE(
         CompressedCopy::of(compressor, Quality::good, stop.get_token(), [&stop](int) { stop.request_stop(); }));
     const auto copy = CompressedCopy::of(compressor, Quality::good, {}, [](int) {});
-    const QString path = m_folder.filePath(QStringLiteral("stopped.pdf"));
-    EXPECT_FALSE(copy->write(path, stop.get_token()));
+    EXPECT_FALSE(copy->write(path("stopped.pdf"), stop.get_token()));
     EXPECT_THROW(static_cast<void>(copy->write(QStringLiteral("/proc/copy.pdf"), {})), FileError);
-    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_FALSE(QFile::exists(path("stopped.pdf")));
 }
 
 TEST_F(PDFCompressorTest, theSizeIsToldInAdvance) {

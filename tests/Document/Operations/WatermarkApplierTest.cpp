@@ -1,19 +1,7 @@
 #include "WatermarkApplier.h"
 
-#include "PDFAnnotation.h"
-#include "PDFDocument.h"
-#include "PDFEditorDocument.h"
-#include "PDFPage.h"
-#include "PdfFixtures.h"
-#include "PdfPrograms.h"
-#include "ThumbnailCache.h"
-#include "UndoManager.h"
+#include "EditorTest.h"
 #include "WatermarkAnnotation.h"
-
-#include <QCoreApplication>
-#include <QImage>
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <utility>
@@ -70,18 +58,14 @@ QImage seenBy(const QString& program, const QByteArray& file, int number) {
     return QImage::fromData(PdfPrograms::run(program, command.arg(number).split(u' '), file).output, "PPM");
 }
 
-class WatermarkApplierTest : public testing::Test {
+class WatermarkApplierTest : public EditorTest {
 protected:
-    void open(const QByteArray& file) { m_document.setPdfDocument(PDFDocument::fromData(file)); }
-    [[nodiscard]] PDFDocument& pdf() const { return *m_document.pdfDocument(); }
     [[nodiscard]] std::size_t stamps() const {
         std::size_t count = 0;
         for (int i = 0; i < pdf().pageCount(); ++i)
             count += pdf().page(i)->annotations().size();
         return count;
     }
-
-    PDFEditorDocument m_document;
 };
 
 } // namespace
@@ -155,30 +139,22 @@ TEST_F(WatermarkApplierTest, pagesOfOneSizeShareOneLookThatIsPrinted) {
 }
 
 TEST_F(WatermarkApplierTest, allGoInOneStepAndARedoIsTheLastWord) {
-    UndoManager& undoManager = *m_document.undoManager();
-    WatermarkApplier::apply(QStringLiteral("DRAFT"), 0.25, m_document, &undoManager);
-    EXPECT_FALSE(undoManager.canUndo()) << "there are no pages";
-    PdfFixture fixture;
-    for (int i = 0; i < 3; ++i)
-        fixture.addPage({QStringLiteral("Words")});
-    open(fixture.bytes());
+    const auto apply = [this] { WatermarkApplier::apply(QStringLiteral(" DRAFT "), 0.25, m_document, &undoManager()); };
+    apply();
+    EXPECT_FALSE(undoManager().canUndo()) << "there are no pages";
+    open(pagesOf(QStringList(3, QStringLiteral("Words"))));
     const QByteArray before = pdf().dataRepresentation();
-    int told = 0;
-    QObject::connect(&m_document, &PDFEditorDocument::objectWillChange, [&told] { ++told; });
-    for (const int times : {1, 2}) {
-        ThumbnailCache::insert(QStringLiteral("picture"), QImage(1, 1, QImage::Format_RGB32));
-        WatermarkApplier::apply(QStringLiteral(" DRAFT "), 0.25, m_document, &undoManager);
-        QCoreApplication::processEvents(); // the step ends
-        EXPECT_TRUE(ThumbnailCache::image(QStringLiteral("picture")).isNull());
-        EXPECT_EQ(stamps(), 3U * unsigned(times)) << "a second one comes on top of the first";
+    for (const unsigned times : {1, 2}) {
+        edit(apply, true);
+        EXPECT_EQ(stamps(), 3 * times) << "a second one comes on top of the first";
     }
-    undoManager.undo();
-    undoManager.undo();
+    undoManager().undo();
+    undoManager().undo();
     EXPECT_EQ(pdf().dataRepresentation(), before);
-    undoManager.redo();
+    undoManager().redo();
     EXPECT_EQ(stamps(), 3U);
-    EXPECT_EQ(told, 5);
-    undoManager.undo();
+    EXPECT_EQ(m_told, 5);
+    undoManager().undo();
     EXPECT_EQ(stamps(), 3U) << "no way back";
     const auto stamp = std::dynamic_pointer_cast<WatermarkAnnotation>(pdf().page(0)->annotations().front());
     ASSERT_TRUE(stamp);

@@ -1,17 +1,16 @@
 #include "RecoveryRecord.h"
 
 #include "FileError.h"
+#include "FolderTest.h"
 #include "RecoveryStore.h"
 #include "RestrictedRuns.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
-#include <gtest/gtest.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <tuple>
 
 namespace {
 
@@ -26,30 +25,29 @@ RecoveryDescription description(const QString& name = QStringLiteral("Bericht ü
     return result;
 }
 
-class RecoveryRecordTest : public testing::Test {
+class RecoveryRecordTest : public FolderTest {
 protected:
-    QString folder() const { return m_folder.filePath(QStringLiteral("state/quillo/recovery")); }
+    static constexpr const char* records = "quillo/recovery";
+    QString folder() const { return path(records); }
 
     /// The path of the only record in the folder.
-    QString recordPath() const {
-        const QStringList names = QDir(folder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-        return names.size() == 1 ? folder() + u'/' + names.constFirst() : QString();
+    QString recordPath() const { return folder() + u'/' + QString::fromStdString(names(records)); }
+
+    /// The path of the record of the parts "base" and "update" that somebody has left.
+    QString leaveRecord() const {
+        RecoveryRecord::create(folder())->write(description(), "base", "update");
+        return recordPath();
     }
 
-    /// What is in the folder of the record but the lock and the manifest.
-    QStringList parts() const {
-        QStringList names = QDir(recordPath()).entryList(QDir::Files | QDir::Hidden);
-        names.removeAll(QStringLiteral("lock"));
-        names.removeAll(QStringLiteral("document.json"));
-        return names;
+    std::string parts() const {
+        return names(qPrintable(QLatin1String(records) + u'/' + QString::fromStdString(names(records))));
     }
 
-    static int mode(const QString& path) {
-        struct stat status = {};
-        return stat(QFile::encodeName(path).constData(), &status) == 0 ? int(status.st_mode & 07777) : -1;
+    [[nodiscard]] auto takeLost(int daysLater = 0) const {
+        return RecoveryStore::takeLost(folder(), QDateTime::currentDateTime().addDays(daysLater));
     }
 
-    QTemporaryDir m_folder;
+    static auto permissions(const QString& path) { return std::filesystem::status(path.toStdString()).permissions(); }
 };
 
 TEST_F(RecoveryRecordTest, comesBackAsItWasWritten) {
@@ -57,37 +55,30 @@ TEST_F(RecoveryRecordTest, comesBackAsItWasWritten) {
     auto record = RecoveryRecord::create(folder());
     EXPECT_FALSE(record->manifest());
     record->write(description(), base, "first");
-    const QStringList first = parts();
+    EXPECT_EQ(parts(), "base-1 document.json lock update-2");
     record->write(description(), base, "second");
     EXPECT_EQ(record->bytes(), base + "second");
-    // The base was not written again, and the former update is gone.
-    const QStringList second = parts();
-    ASSERT_EQ(second.size(), 2);
-    EXPECT_EQ(second.constFirst(), first.constFirst());
-    EXPECT_NE(second.constLast(), first.constLast());
+    EXPECT_EQ(parts(), "base-1 document.json lock update-3") << "the base was not written again";
 
     EXPECT_EQ(RecoveryRecord::take(recordPath()), nullptr) << "of this very process";
     record.reset();
     record = RecoveryRecord::take(recordPath());
     ASSERT_TRUE(record && record->manifest());
     EXPECT_EQ(record->bytes(), base + "second");
-    const RecoveryDescription read = record->manifest()->description;
-    const RecoveryDescription written = description();
-    EXPECT_EQ(read.displayName, written.displayName);
-    EXPECT_EQ(read.originalPath, written.originalPath);
-    EXPECT_EQ(read.originalStamp, written.originalStamp);
-    EXPECT_EQ(read.writeTime, written.writeTime);
-    EXPECT_EQ(read.pageCount, written.pageCount);
-    EXPECT_EQ(read.pageIndex, written.pageIndex);
+    const auto fields = [](const RecoveryDescription& each) {
+        return std::make_tuple(each.displayName, each.originalPath, each.originalStamp, each.writeTime, each.pageCount,
+                               each.pageIndex);
+    };
+    EXPECT_EQ(fields(record->manifest()->description), fields(description()));
 
     // One that was taken goes on with names that aren't in use.
     record->write(description(), "anew", {});
     EXPECT_EQ(record->bytes(), "anew");
-    EXPECT_EQ(parts().size(), 1);
+    EXPECT_EQ(parts(), "base-4 document.json lock");
 
     record->remove();
     record.reset();
-    EXPECT_TRUE(QDir(folder()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    EXPECT_EQ(names(records), "");
 }
 
 TEST_F(RecoveryRecordTest, isForThisUserOnlyAndNoticesThatItWasRemoved) {
@@ -101,10 +92,11 @@ TEST_F(RecoveryRecordTest, isForThisUserOnlyAndNoticesThatItWasRemoved) {
     umask(former);
     EXPECT_EQ(record->picture().size(), picture.size());
     EXPECT_EQ(record->picture().pixelColor(5, 5), QColor(Qt::green));
-    EXPECT_EQ(mode(folder()), 0700);
-    EXPECT_EQ(mode(recordPath()), 0700);
+    using std::filesystem::perms;
+    EXPECT_EQ(permissions(folder()), perms::owner_all);
+    EXPECT_EQ(permissions(recordPath()), perms::owner_all);
     for (const QFileInfo& file : QDir(recordPath()).entryInfoList(QDir::Files | QDir::Hidden))
-        EXPECT_EQ(mode(file.filePath()), 0600) << file.fileName().toStdString();
+        EXPECT_EQ(permissions(file.filePath()), perms::owner_read | perms::owner_write) << qPrintable(file.fileName());
     record->setPicture(QImage(4000, 10, QImage::Format_RGB32)); // of no sensible size
     EXPECT_TRUE(record->picture().isNull());
     EXPECT_TRUE(record->isInPlace());
@@ -130,7 +122,7 @@ TEST_F(RecoveryRecordTest, aFullDiskLeavesTheFormerWrite) {
         attempt([&] { record->write(description(), base, QByteArray(60'000, 'u')); });
         attempt([&] { record->write(description(), QByteArray(60'000, 'n'), {}); });
         lines.append(record->bytes() == base + "first" ? QStringLiteral("intact") : QStringLiteral("broken"));
-        lines.append(QString::number(parts().size()));
+        lines.append(QString::fromStdString(parts()));
         record.reset();
         record = RecoveryRecord::take(recordPath());
         lines.append(record->bytes() == base + "first" ? QStringLiteral("intact") : QStringLiteral("broken"));
@@ -140,123 +132,119 @@ TEST_F(RecoveryRecordTest, aFullDiskLeavesTheFormerWrite) {
     if (!report)
         GTEST_SKIP() << "This system lets nobody mount a disk.";
     EXPECT_EQ(report->join(u'|').toStdString(),
-              "done|There isn't enough space on the disk.|There isn't enough space on the disk.|intact|2|intact|done");
+              "done|There isn't enough space on the disk.|There isn't enough space on the disk.|intact|"
+              "base-1 document.json lock update-2|intact|done");
 }
 
-const QString manifest = QStringLiteral("/document.json");
+/// Does something to the record at the path.
+using Damage = std::function<void(const QString& path)>;
 
-/// Damage to a record of the parts "base" and "update" that must neither crash nor be taken for a document.
-struct Damage {
-    const char* name;
-    std::function<void(const QString& path)> damage;
-    bool isSeenAtOnce = true; ///< false: only when its bytes are asked for
-};
-
-void replace(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
+Damage removed(const char* part) {
+    return [=](const QString& path) { QFile::remove(path + QLatin1String(part)); };
 }
 
-/// Sets a value of the manifest, or of the object `in` in it.
-std::function<void(const QString& path)> withValue(const QString& key, const QJsonValue& value,
-                                                   const QString& in = {}) {
+Damage resized(const char* part, qint64 size) {
+    return [=](const QString& path) { QFile::resize(path + QLatin1String(part), size); };
+}
+
+Damage replaced(const char* part, const QByteArray& bytes) {
     return [=](const QString& path) {
-        QFile file(path + manifest);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
-        file.close();
-        if (in.isEmpty()) {
-            object.insert(key, value);
-        } else {
-            QJsonObject inner = object.value(in).toObject();
-            inner.insert(key, value);
-            object.insert(in, inner);
-        }
-        replace(file.fileName(), QJsonDocument(object).toJson());
+        QFile file(path + QLatin1String(part));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size());
     };
 }
 
-const std::vector<Damage> damages = {
-    {"no manifest", [](const QString& path) { QFile::remove(path + manifest); }},
-    {"empty manifest", [](const QString& path) { replace(path + manifest, {}); }},
-    {"cut manifest", [](const QString& path) { QFile(path + manifest).resize(40); }},
-    {"noise", [](const QString& path) { replace(path + manifest, QByteArray(3000, '\xFE')); }},
-    {"an array", [](const QString& path) { replace(path + manifest, "[1, 2]"); }},
-    {"deep nesting", [](const QString& path) { replace(path + manifest, QByteArray(60'000, '[')); }},
-    {"huge manifest", [](const QString& path) { QFile(path + manifest).resize(qint64(1) << 40); }},
+constexpr const char* manifest = "/document.json";
+
+/// Sets a value of the manifest, or of the object `in` in it.
+Damage withValue(const char* key, const QJsonValue& value, const char* in = nullptr) {
+    return [=](const QString& path) {
+        QFile file(path + QLatin1String(manifest));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
+        QJsonObject inner = in ? object.value(QLatin1String(in)).toObject() : object;
+        inner.insert(QLatin1String(key), value);
+        if (in)
+            object.insert(QLatin1String(in), inner);
+        replaced(manifest, QJsonDocument(in ? object : inner).toJson())(path);
+    };
+}
+
+/// What must neither crash nor be taken for a document.
+const struct {
+    const char* name;
+    Damage damage;
+    bool isSeenAtOnce = true; ///< false: only when its bytes are asked for
+} damages[] = {
+    {"no manifest", removed(manifest)},
+    {"empty manifest", replaced(manifest, {})},
+    {"cut manifest", resized(manifest, 40)},
+    {"noise", replaced(manifest, QByteArray(3000, '\xFE'))},
+    {"an array", replaced(manifest, "[1, 2]")},
+    {"deep nesting", replaced(manifest, QByteArray(60'000, '['))},
+    {"huge manifest", resized(manifest, qint64(1) << 40)},
     {"manifest is a folder",
      [](const QString& path) {
-         QFile::remove(path + manifest);
+         removed(manifest)(path);
          QDir(path).mkdir(QStringLiteral("document.json"));
      }},
     {"manifest is a pipe",
      [](const QString& path) {
-         QFile::remove(path + manifest);
-         mkfifo(QFile::encodeName(path + manifest).constData(), 0600);
+         removed(manifest)(path);
+         mkfifo(qPrintable(path + QLatin1String(manifest)), 0600);
      }},
     {"manifest is a link",
      [](const QString& path) {
-         QFile::rename(path + manifest, path + QStringLiteral("/../elsewhere.json"));
-         QFile::link(path + QStringLiteral("/../elsewhere.json"), path + manifest);
+         const QString elsewhere = path + QStringLiteral("/../elsewhere.json");
+         QFile::rename(path + QLatin1String(manifest), elsewhere);
+         QFile::link(elsewhere, path + QLatin1String(manifest));
      }},
-    {"newer format", withValue(QStringLiteral("version"), 2)},
-    {"time before all times", withValue(QStringLiteral("time"), -5)},
-    {"time beyond all times", withValue(QStringLiteral("time"), 1e300)},
-    {"path that is none", withValue(QStringLiteral("path"), QStringLiteral("../../etc/passwd"))},
-    {"endless path", withValue(QStringLiteral("path"), QString(10'000, u'/'))},
-    {"base elsewhere",
-     withValue(QStringLiteral("file"), QStringLiteral("../../../../etc/passwd"), QStringLiteral("base"))},
-    {"base is the lock", withValue(QStringLiteral("file"), QStringLiteral("lock"), QStringLiteral("base"))},
-    {"base of negative size", withValue(QStringLiteral("size"), -1, QStringLiteral("base"))},
-    {"base of absurd size", withValue(QStringLiteral("size"), 1e18, QStringLiteral("base"))},
-    {"base of another size", withValue(QStringLiteral("size"), 5, QStringLiteral("base"))},
-    {"base without sum", withValue(QStringLiteral("sha256"), QStringLiteral("abc"), QStringLiteral("base"))},
-    {"update is no object", withValue(QStringLiteral("update"), 7)},
-    {"update missing", [](const QString& path) { QFile::remove(path + QStringLiteral("/update-2")); }},
-    {"base missing", [](const QString& path) { QFile::remove(path + QStringLiteral("/base-1")); }},
-    {"base cut", [](const QString& path) { QFile(path + QStringLiteral("/base-1")).resize(2); }},
-    {"base grown", [](const QString& path) { QFile(path + QStringLiteral("/base-1")).resize(qint64(1) << 40); }},
-    {"base of other bytes", [](const QString& path) { replace(path + QStringLiteral("/base-1"), "BASE"); }, false},
-    {"update of other bytes", [](const QString& path) { replace(path + QStringLiteral("/update-2"), "UPDATE"); },
-     false},
+    {"newer format", withValue("version", 2)},
+    {"time before all times", withValue("time", -5)},
+    {"time beyond all times", withValue("time", 1e300)},
+    {"path that is none", withValue("path", QStringLiteral("../../etc/passwd"))},
+    {"endless path", withValue("path", QString(10'000, u'/'))},
+    {"base elsewhere", withValue("file", QStringLiteral("../../../../etc/passwd"), "base")},
+    {"base is the lock", withValue("file", QStringLiteral("lock"), "base")},
+    {"base of negative size", withValue("size", -1, "base")},
+    {"base of absurd size", withValue("size", 1e18, "base")},
+    {"base of another size", withValue("size", 5, "base")},
+    {"base without sum", withValue("sha256", QStringLiteral("abc"), "base")},
+    {"update is no object", withValue("update", 7)},
+    {"update missing", removed("/update-2")},
+    {"base missing", removed("/base-1")},
+    {"base cut", resized("/base-1", 2)},
+    {"base grown", resized("/base-1", qint64(1) << 40)},
+    {"base of other bytes", replaced("/base-1", "BASE"), false},
+    {"update of other bytes", replaced("/update-2", "UPDATE"), false},
 };
 
 TEST_F(RecoveryRecordTest, damagedOnesArePassedOverAndKeptUnlessNothingWasEverComplete) {
-    for (const Damage& each : damages) {
+    for (const auto& each : damages) {
         SCOPED_TRACE(each.name);
-        {
-            const auto record = RecoveryRecord::create(folder());
-            record->write(description(), "base", "update");
-        }
-        const QString path = recordPath();
+        const QString path = leaveRecord();
         each.damage(path);
-        const QDateTime now = QDateTime::currentDateTime();
         {
-            const auto lost = RecoveryStore::takeLost(folder(), now);
+            const auto lost = takeLost();
             ASSERT_EQ(lost.size(), each.isSeenAtOnce ? 0U : 1U);
             for (const auto& record : lost)
                 EXPECT_THROW((void)record->bytes(), FileError);
         }
-        (void)RecoveryStore::takeLost(folder(), now.addDays(1));
+        (void)takeLost(1);
         EXPECT_TRUE(QFileInfo::exists(path)) << "deleted too early";
-        (void)RecoveryStore::takeLost(folder(), now.addDays(400));
-        EXPECT_EQ(QFileInfo::exists(path), &each != &damages.front());
+        (void)takeLost(400);
+        EXPECT_EQ(QFileInfo::exists(path), &each != &damages[0]);
         QDir(folder()).removeRecursively();
     }
 }
 
 TEST_F(RecoveryRecordTest, whatIsOnlyToldIsPutRight) {
-    {
-        const auto record = RecoveryRecord::create(folder());
-        record->write(description(), "base", "update");
-    }
-    const QString path = recordPath();
-    withValue(QStringLiteral("name"), QStringLiteral("a/b\n\u202Ec\u0007 📄") + QString(1000, u'x'))(path);
-    withValue(QStringLiteral("pageCount"), -3)(path);
-    withValue(QStringLiteral("pageIndex"), 1e30)(path);
-    withValue(QStringLiteral("original"), QStringLiteral("?"))(path);
-    const auto lost = RecoveryStore::takeLost(folder(), QDateTime::currentDateTime());
+    const QString path = leaveRecord();
+    withValue("name", QStringLiteral("a/b\n\u202Ec\u0007 📄") + QString(1000, u'x'))(path);
+    withValue("pageCount", -3)(path);
+    withValue("pageIndex", 1e30)(path);
+    withValue("original", QStringLiteral("?"))(path);
+    const auto lost = takeLost();
     ASSERT_EQ(lost.size(), 1U);
     const RecoveryDescription& told = lost.front()->manifest()->description;
     EXPECT_TRUE(told.displayName.startsWith(QStringLiteral("a b c 📄xxx"))) << told.displayName.toStdString();
@@ -268,24 +256,18 @@ TEST_F(RecoveryRecordTest, whatIsOnlyToldIsPutRight) {
 }
 
 TEST_F(RecoveryRecordTest, leftoversGoAndStrangersStay) {
-    ASSERT_TRUE(QDir().mkpath(folder()));
-    const QDir records(folder());
     for (const char* name : {".removed-1", ".new-1", "photos", "0123"})
-        ASSERT_TRUE(records.mkpath(QLatin1String(name) + QStringLiteral("/inner")));
-    replace(records.filePath(QStringLiteral("notes.txt")), "mine");
-    const QString target = m_folder.filePath(QStringLiteral("target"));
-    ASSERT_TRUE(QDir().mkpath(target));
-    ASSERT_TRUE(QFile::link(target, records.filePath(QString(32, u'a'))));
-
-    const QDateTime now = QDateTime::currentDateTime();
-    EXPECT_TRUE(RecoveryStore::takeLost(folder(), now).empty());
-    EXPECT_FALSE(records.exists(QStringLiteral(".removed-1")));
-    EXPECT_TRUE(records.exists(QStringLiteral(".new-1"))) << "somebody may be at it";
-    EXPECT_TRUE(RecoveryStore::takeLost(folder(), now.addDays(40)).empty());
-    EXPECT_FALSE(records.exists(QStringLiteral(".new-1")));
-    for (const char* name : {"photos/inner", "0123/inner", "notes.txt"})
-        EXPECT_TRUE(records.exists(QLatin1String(name))) << name;
-    EXPECT_TRUE(QDir(target).isEmpty()) << "a link was followed";
+        makeFolder(qPrintable(QStringLiteral("quillo/recovery/%1/inner").arg(QLatin1String(name))));
+    makeFile("quillo/recovery/notes.txt");
+    makeFolder("target");
+    ASSERT_TRUE(QFile::link(path("target"), folder() + u'/' + QString(32, u'a')));
+    EXPECT_TRUE(takeLost().empty());
+    const std::string strangers = "0123 " + std::string(32, 'a') + " notes.txt photos";
+    EXPECT_EQ(names(records), ".new-1 " + strangers) << "somebody may be at a new one";
+    EXPECT_TRUE(takeLost(40).empty());
+    EXPECT_EQ(names(records), strangers);
+    EXPECT_EQ(names("quillo/recovery/photos") + names("quillo/recovery/0123"), "innerinner");
+    EXPECT_EQ(names("target"), "") << "a link was followed";
 }
 
 TEST_F(RecoveryRecordTest, aNewLookFindsTheNewestFirst) {
@@ -294,10 +276,10 @@ TEST_F(RecoveryRecordTest, aNewLookFindsTheNewestFirst) {
         each.writeTime = each.writeTime.addSecs(minute == 2 ? 30 : 60 * minute);
         RecoveryRecord::create(folder())->write(each, "base", {});
     }
-    QStringList names;
-    for (const auto& record : RecoveryStore::takeLost(folder(), QDateTime::currentDateTime()))
-        names.append(record->manifest()->description.displayName);
-    EXPECT_EQ(names.join(u','), QStringLiteral("1,2,0"));
+    QStringList found;
+    for (const auto& record : takeLost())
+        found.append(record->manifest()->description.displayName);
+    EXPECT_EQ(found.join(u','), QStringLiteral("1,2,0"));
 }
 
 TEST_F(RecoveryRecordTest, theFolderFollowsTheBaseDirectories) {

@@ -1,49 +1,50 @@
 #pragma once
 
+#include "DocumentController.h"
+#include "DocumentRecovery.h"
+#include "LostDocuments.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFEditorDocument.h"
 #include "PDFPage.h"
-#include "PdfFixtures.h"
+#include "SilentPresenter.h"
 #include "UndoManager.h"
+#include "UserDefaults.h"
 
-#include <QFile>
-#include <QStringList>
+#include <QSignalSpy>
+#include <QTest>
 
 #include <algorithm>
+
+#include <gtest/gtest.h>
 
 /// Edits of documents as views make them, and what is left of them in a file.
 namespace EditedPdf {
 
-/// Pages that say "Page 1", "Page 2", ….
-inline QByteArray pages(int count, const QByteArray& password = {}) {
-    PdfFixture fixture;
-    for (int page = 1; page <= count; ++page)
-        fixture.addPage({QStringLiteral("Page %1").arg(page)});
-    return password.isEmpty() ? fixture.bytes() : fixture.encrypted(password, password, PdfFixture::Encryption::aes256);
+inline void addAnnotation(PDFEditorDocument& document, const std::shared_ptr<PDFPage>& page,
+                          const std::shared_ptr<PDFAnnotation>& annotation);
+
+inline void removeAnnotation(PDFEditorDocument& document, const std::shared_ptr<PDFPage>& page,
+                             std::shared_ptr<PDFAnnotation> annotation) {
+    page->removeAnnotation(annotation);
+    document.undoManager()->registerUndo(&document,
+                                         [&document, page, annotation] { addAnnotation(document, page, annotation); });
 }
 
-inline void store(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        throw std::runtime_error("A test file can't be written.");
+inline void addAnnotation(PDFEditorDocument& document, const std::shared_ptr<PDFPage>& page,
+                          const std::shared_ptr<PDFAnnotation>& annotation) {
+    page->addAnnotation(annotation);
+    document.undoManager()->registerUndo(
+        &document, [&document, page, annotation] { removeAnnotation(document, page, annotation); });
 }
 
-/// Puts a red square on the first page. Undo takes it away.
-inline void addSquare(PDFEditorDocument& document) {
-    const std::shared_ptr<PDFPage> page = document.pdfDocument()->page(0);
+/// Puts a red square on the page.
+inline void addSquare(PDFEditorDocument& document, int page = 0, const QString& contents = {}) {
     const auto square = std::make_shared<PDFAnnotation>(QRectF(100, 100, 200, 150), PDFAnnotationSubtype::square);
     square->setColor(Qt::red);
     square->setInteriorColor(Qt::red);
-    page->addAnnotation(square);
-    document.undoManager()->registerUndo(&document, [page, square] { page->removeAnnotation(square); });
-}
-
-/// Takes the last page out, which needs the file written anew. Undo brings it back.
-inline void removeLastPage(PDFEditorDocument& document) {
-    const std::shared_ptr<PDFDocument> pages = document.pdfDocument();
-    const auto page = pages->removePage(pages->pageCount() - 1);
-    document.undoManager()->registerUndo(&document, [pages, page] { pages->insert(page, pages->pageCount()); });
+    square->setContents(contents);
+    addAnnotation(document, document.pdfDocument()->page(page), square);
 }
 
 /// On the first page.
@@ -55,19 +56,77 @@ inline int squareCount(const PDFDocument& document) {
 }
 
 /// Tells documents with other titles, pages, annotations or values apart, in one line. Pages are told by their widths.
-inline QString state(const PDFDocument& document) {
-    QStringList pages;
+inline QByteArray state(const PDFDocument& document) {
+    QString state = document.documentAttributes().value(QStringLiteral("Title")).toString() + u':';
     for (int i = 0; i < document.pageCount(); ++i) {
-        const std::shared_ptr<PDFPage> page = document.page(i);
-        QStringList annotations;
-        for (const auto& annotation : page->annotations())
-            annotations.append(annotation->type() == PDFAnnotationSubtype::widget ? annotation->widgetStringValue()
-                                                                                  : annotation->contents());
-        pages.append(
-            QStringLiteral("%1[%2]").arg(page->bounds(PDFDisplayBox::mediaBox).width()).arg(annotations.join(u',')));
+        state += QStringLiteral(" %1[").arg(document.page(i)->bounds(PDFDisplayBox::mediaBox).width());
+        for (const auto& annotation : document.page(i)->annotations())
+            state += (annotation->type() == PDFAnnotationSubtype::widget ? annotation->widgetStringValue()
+                                                                         : annotation->contents()) +
+                     u',';
+        state += u']';
     }
-    return QStringLiteral("%1: %2").arg(document.documentAttributes().value(QStringLiteral("Title")).toString(),
-                                        pages.join(u' '));
+    return state.toUtf8();
 }
 
 } // namespace EditedPdf
+
+/// What a process has, without windows. A crash is that it is gone with its documents open.
+struct Session {
+    static constexpr int timeLimitInMilliseconds = 60'000;
+
+    static RecoveryPace quickPace() {
+        using namespace std::chrono_literals;
+        return {5ms, 5ms, 5ms, 5ms, 5ms, 5ms, 30s};
+    }
+
+    /// Records go to the folder's "recovery".
+    explicit Session(const QString& folder, const RecoveryPace& pace = quickPace())
+        : defaults(folder + QStringLiteral("/settings.ini")),
+          controller([] { return std::make_shared<PDFEditorDocument>(); }, presenter, defaults),
+          recovery(controller, folder + QStringLiteral("/recovery"), pace), lostDocuments(controller, recovery) {
+        FileReading::patience = std::chrono::minutes(1);
+    }
+
+    std::shared_ptr<PDFEditorDocument> open(const QString& path) {
+        std::shared_ptr<PDFEditorDocument> document;
+        controller.openDocument(QUrl::fromLocalFile(path), false, [&](const auto& opened, bool, const QString&) {
+            document = std::dynamic_pointer_cast<PDFEditorDocument>(opened);
+        });
+        return document;
+    }
+
+    /// Makes the change and waits until it is recorded.
+    void record(const std::function<void()>& change) {
+        QSignalSpy written(&recovery, &DocumentRecovery::written);
+        change();
+        EXPECT_TRUE(written.wait(timeLimitInMilliseconds));
+    }
+    void recordSquare(PDFEditorDocument& document) {
+        record([&document] { EditedPdf::addSquare(document); });
+    }
+
+    /// The lost document, when there is one, recovered. Throws when that fails, with the sentence for it.
+    std::shared_ptr<PDFEditorDocument> recoverLost() {
+        const std::vector<LostDocument> all = lostDocuments.take();
+        EXPECT_LE(all.size(), 1U);
+        if (all.empty())
+            return nullptr;
+        lost = all.front();
+        std::shared_ptr<PDFEditorDocument> recovered;
+        std::optional<QString> error;
+        lostDocuments.recover(lost->id, [&](const auto& document, const QString& sentence) {
+            recovered = document;
+            error = sentence;
+        });
+        EXPECT_TRUE(QTest::qWaitFor([&error] { return error.has_value(); }, timeLimitInMilliseconds));
+        return recovered ? recovered : throw std::runtime_error(error.value_or(QString()).toStdString());
+    }
+
+    SilentPresenter presenter;
+    UserDefaults defaults;
+    DocumentController controller;
+    DocumentRecovery recovery;
+    LostDocuments lostDocuments;
+    std::optional<LostDocument> lost; ///< that was recovered
+};
