@@ -12,6 +12,7 @@
 
 #include <array>
 #include <thread>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -19,11 +20,9 @@ namespace {
 
 template <typename Work>
 void onFourThreads(Work work) {
-    std::array<std::thread, 4> threads;
+    std::array<std::jthread, 4> threads;
     for (std::size_t index = 0; index < threads.size(); ++index)
-        threads[index] = std::thread(work, index);
-    for (auto& thread : threads)
-        thread.join();
+        threads[index] = std::jthread([work, index] { work(index); });
 }
 
 } // namespace
@@ -51,22 +50,19 @@ TEST(BundleManager, missingAndDamagedFilesAreErrorsUntilTheyAreRepaired) {
     using Kind = FontError::Kind;
 
     EXPECT_EQ(error(), Kind::fontPathNotFound);
-    MathFontFiles::write(fontPath, MathFontFiles::fontBytes().left(1000));
-    EXPECT_EQ(error(), Kind::invalidFontFile);
-    MathFontFiles::write(fontPath, MathFontFiles::fontBytes());
-    EXPECT_EQ(error(), Kind::fontPathNotFound);
-    EXPECT_EQ(MathFontFiles::fontErrorOf([&] { return manager.cgFont(font); }), Kind::fontPathNotFound);
-    MathFontFiles::write(listPath, "<plist><dict><key>version</key>");
-    EXPECT_EQ(MathFontFiles::fontErrorOf([&] { return manager.rawMathTable(font); }), Kind::invalidMathTable);
-    MathFontFiles::write(listPath, "<plist><dict><key>version</key><string>1.3</string>"
-                                   "<key>constants</key><integer>1</integer></dict></plist>");
-    EXPECT_EQ(error(), Kind::invalidMathTable);
-    MathFontFiles::write(listPath, "<plist><dict><key>version</key><string>2.0</string></dict></plist>");
-    try {
-        ADD_FAILURE() << "A table of another version was registered: " << manager.rawMathTable(font).get();
-    } catch (const MTException& refused) {
-        EXPECT_EQ(refused.reason(), QStringLiteral("Invalid version of math table plist: 2.0"));
+    const std::tuple<QString, QByteArray, Kind> steps[] = {
+        {fontPath, MathFontFiles::fontBytes().left(1000), Kind::invalidFontFile},
+        {fontPath, MathFontFiles::fontBytes(), Kind::fontPathNotFound},
+        {listPath, "<plist><dict><key>version</key>", Kind::invalidMathTable},
+        {listPath,
+         "<plist><dict><key>version</key><string>1.3</string><key>constants</key><integer>1</integer></dict></plist>",
+         Kind::invalidMathTable}};
+    for (const auto& [path, bytes, kind] : steps) {
+        MathFontFiles::write(path, bytes);
+        EXPECT_EQ(error(), kind) << bytes.left(100).constData();
     }
+    MathFontFiles::write(listPath, "<plist><dict><key>version</key><string>2.0</string></dict></plist>");
+    EXPECT_THROW((void)manager.rawMathTable(font), MTException) << "a table of another version";
     EXPECT_THROW(MTFontV2(font, 20, manager), MTException);
     MathFontFiles::write(listPath, MathFontFiles::propertyListBytes());
     EXPECT_DOUBLE_EQ(MTFontV2(font, 20, manager).mathTable().axisHeight(), 5);
