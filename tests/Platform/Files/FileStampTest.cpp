@@ -1,19 +1,17 @@
 #include "FileStamp.h"
 
 #include "AtomicFile.h"
-
-#include <QFile>
-#include <QTemporaryDir>
+#include "FolderTest.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-TEST(FileStampTest, TellsContentsApartAndNothingElse) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("räport.pdf"));
-    const QString moved = folder.filePath(QStringLiteral("moved.pdf"));
+class FileStampTest : public FolderTest {};
+
+TEST_F(FileStampTest, TellsContentsApartAndNothingElse) {
+    const QString path = this->path("räport.pdf");
+    const QString moved = this->path("moved.pdf");
     writeFileAtomically(path, QByteArray("first"));
     const std::optional<FileStamp> first = FileStamp::of(path);
     ASSERT_TRUE(first);
@@ -29,9 +27,7 @@ TEST(FileStampTest, TellsContentsApartAndNothingElse) {
     };
     const std::optional<FileStamp> old = oldStamp();
     EXPECT_NE(old, first);
-    QFile file(moved);
-    ASSERT_TRUE(file.open(QIODevice::Append) && file.write("!") == 1);
-    file.close();
+    makeFile("moved.pdf", "first!");
     EXPECT_NE(oldStamp(), old) << "it has grown";
     writeFileAtomically(moved, QByteArray("third"));
     EXPECT_NE(oldStamp(), old) << "it is another file of that name";

@@ -1,29 +1,25 @@
 #include "HeldBytes.h"
 
-#include <QDir>
-#include <QTemporaryDir>
+#include "FolderTest.h"
 
 #include <memory>
 
-#include <gtest/gtest.h>
+class HeldBytesTest : public FolderTest {};
 
-namespace {
-
-TEST(HeldBytesTest, BytesOutliveTheirPlaceAndTheDiskShowsNoName) {
+TEST_F(HeldBytesTest, BytesOutliveTheirPlaceAndTheDiskShowsNoName) {
     const QByteArray state = qgetenv("XDG_STATE_HOME");
-    const QTemporaryDir folder;
-    for (const QString& place : {folder.path(), QStringLiteral("/proc/nowhere")}) {
+    for (const QString& place : {m_folder.path(), QStringLiteral("/proc/nowhere")}) {
         qputenv("XDG_STATE_HOME", place.toUtf8());
         for (const qsizetype size : {qsizetype(0), HeldBytes::fewestOnDisk - 1, HeldBytes::fewestOnDisk * 3 + 7}) {
             QByteArray bytes;
             for (qsizetype i = 0; i < size; ++i)
                 bytes += char(i * i >> 5);
-            const bool goesToDisk = size >= HeldBytes::fewestOnDisk && place == folder.path();
+            const bool goesToDisk = size >= HeldBytes::fewestOnDisk && place == m_folder.path();
             auto held = std::make_unique<HeldBytes>(QByteArray(bytes.constData(), size), HeldBytes::Place::disk);
             EXPECT_EQ(held->isInMemory(), !goesToDisk) << size;
             EXPECT_TRUE(held->view() == bytes) << size;
             held->rest();
-            EXPECT_TRUE(QDir(place).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).isEmpty());
+            EXPECT_EQ(names(), "");
             const QByteArray kept = held->bytes();
             held.reset();
             EXPECT_EQ(kept, bytes);
@@ -31,5 +27,3 @@ TEST(HeldBytesTest, BytesOutliveTheirPlaceAndTheDiskShowsNoName) {
     }
     qputenv("XDG_STATE_HOME", state);
 }
-
-} // namespace

@@ -68,8 +68,8 @@ TEST_F(DocumentControllerTest, RecentDocumentsAreNewestFirst) {
     QObject::connect(m_controller.get(), &DocumentController::recentDocumentsChanged, [&] { ++changes; });
     for (int i = 0; i < 12; ++i)
         m_controller->noteNewRecentDocumentURL(makeFile(qPrintable(QStringLiteral("%1").arg(i))));
-    EXPECT_EQ(recentNames(), "11 10 9 8 7 6 5 4 3 2");
     EXPECT_EQ(changes, 12);
+    expectRecents("11 10 9 8 7 6 5 4 3 2");
     ASSERT_EQ(symlink("5", qPrintable(path("link"))), 0);
     m_controller->noteNewRecentDocumentURL(url("link"));
     expectRecents("link 11 10 9 8 7 6 4 3 2"); // the same file is listed once
