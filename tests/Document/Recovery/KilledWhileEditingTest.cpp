@@ -204,8 +204,6 @@ TEST_F(KilledWhileEditingTest, theFileIsWholeAndWhatWasRecordedIsThere) {
     EXPECT_LE(changesAtRisk, mostChangesAtRisk);
     EXPECT_GT(savesCut, 0) << "no kill came in the midst of a save";
     EXPECT_GT(recordsCut, 0) << "no kill came in the midst of recording";
-    std::cout << savesCut << " saves and " << recordsCut << " records were cut, " << changesAtRisk
-              << " changes at most were neither saved nor recorded" << std::endl;
 }
 
 TEST_F(KilledWhileEditingTest, eachLostRecordIsTakenByOneProcess) {

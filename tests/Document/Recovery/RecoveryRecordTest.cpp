@@ -107,33 +107,31 @@ TEST_F(RecoveryRecordTest, isForThisUserOnlyAndNoticesThatItWasRemoved) {
 
 TEST_F(RecoveryRecordTest, aFullDiskLeavesTheFormerWrite) {
     const auto report = RestrictedRuns::onSmallDisk(m_folder.path(), [this](const std::function<void()>&) {
-        QStringList lines;
-        const auto attempt = [&lines](const std::function<void()>& operation) {
+        const auto attempt = [](const std::function<void()>& operation) {
             try {
                 operation();
-                lines.append(QStringLiteral("done"));
+                return QStringLiteral("done");
             } catch (const FileError& error) {
-                lines.append(error.sentence());
+                return error.sentence();
             }
         };
-        auto record = RecoveryRecord::create(folder());
         const QByteArray base(20'000, 'b');
-        attempt([&] { record->write(description(), base, "first"); });
-        attempt([&] { record->write(description(), base, QByteArray(60'000, 'u')); });
-        attempt([&] { record->write(description(), QByteArray(60'000, 'n'), {}); });
-        lines.append(record->bytes() == base + "first" ? QStringLiteral("intact") : QStringLiteral("broken"));
-        lines.append(QString::fromStdString(parts()));
+        auto record = RecoveryRecord::create(folder());
+        const auto state = [&] { return record->bytes() == base + "first" ? parts() : "broken"; };
+        QStringList lines{attempt([&] { record->write(description(), base, "first"); }),
+                          attempt([&] { record->write(description(), base, QByteArray(60'000, 'u')); }),
+                          attempt([&] { record->write(description(), QByteArray(60'000, 'n'), {}); }),
+                          QString::fromStdString(state())};
         record.reset();
         record = RecoveryRecord::take(recordPath());
-        lines.append(record->bytes() == base + "first" ? QStringLiteral("intact") : QStringLiteral("broken"));
-        attempt([&] { record->write(description(), base, "second"); });
+        lines << QString::fromStdString(state()) << attempt([&] { record->write(description(), base, "second"); });
         return lines;
     });
     if (!report)
         GTEST_SKIP() << "This system lets nobody mount a disk.";
     EXPECT_EQ(report->join(u'|').toStdString(),
-              "done|There isn't enough space on the disk.|There isn't enough space on the disk.|intact|"
-              "base-1 document.json lock update-2|intact|done");
+              "done|There isn't enough space on the disk.|There isn't enough space on the disk.|"
+              "base-1 document.json lock update-2|base-1 document.json lock update-2|done");
 }
 
 /// Does something to the record at the path.
@@ -255,7 +253,7 @@ TEST_F(RecoveryRecordTest, whatIsOnlyToldIsPutRight) {
     EXPECT_EQ(lost.front()->bytes(), "baseupdate");
 }
 
-TEST_F(RecoveryRecordTest, leftoversGoAndStrangersStay) {
+TEST_F(RecoveryRecordTest, aLookRemovesLeftoversLeavesStrangersAndFindsTheNewestFirst) {
     for (const char* name : {".removed-1", ".new-1", "photos", "0123"})
         makeFolder(qPrintable(QStringLiteral("quillo/recovery/%1/inner").arg(QLatin1String(name))));
     makeFile("quillo/recovery/notes.txt");
@@ -268,18 +266,16 @@ TEST_F(RecoveryRecordTest, leftoversGoAndStrangersStay) {
     EXPECT_EQ(names(records), strangers);
     EXPECT_EQ(names("quillo/recovery/photos") + names("quillo/recovery/0123"), "innerinner");
     EXPECT_EQ(names("target"), "") << "a link was followed";
-}
 
-TEST_F(RecoveryRecordTest, aNewLookFindsTheNewestFirst) {
-    for (int minute = 0; minute < 3; ++minute) {
-        RecoveryDescription each = description(QString::number(minute));
-        each.writeTime = each.writeTime.addSecs(minute == 2 ? 30 : 60 * minute);
+    for (const int seconds : {0, 60, 30}) {
+        RecoveryDescription each = description(QString::number(seconds));
+        each.writeTime = each.writeTime.addSecs(seconds);
         RecoveryRecord::create(folder())->write(each, "base", {});
     }
     QStringList found;
     for (const auto& record : takeLost())
         found.append(record->manifest()->description.displayName);
-    EXPECT_EQ(found.join(u','), QStringLiteral("1,2,0"));
+    EXPECT_EQ(found.join(u','), QStringLiteral("60,30,0"));
 }
 
 TEST_F(RecoveryRecordTest, theFolderFollowsTheBaseDirectories) {
