@@ -21,8 +21,15 @@ TEST_F(PageOperationsTest, anEditIsToldAndUndoneAndRedoneAnyNumberOfTimes) {
     using namespace PageOperations;
     const QString before = QStringLiteral("abcd");
     const auto source = pages(QStringLiteral("xy"));
+    using Edit = std::function<void(UndoManager*)>;
+    const auto moveAll = [this](const PageIndices& indices, int gap) -> Edit {
+        return [=, this](auto* undo) { movePages(m_document, indices, gap, undo); };
+    };
+    const auto remove = [this](const PageIndices& indices) -> Edit {
+        return [=, this](auto* undo) { deletePages(m_document, indices, undo); };
+    };
     const struct {
-        std::function<void(UndoManager*)> edit;
+        Edit edit;
         QString result;
         int steps = 1; ///< each of which is told
     } cases[] = {
@@ -32,30 +39,13 @@ TEST_F(PageOperationsTest, anEditIsToldAndUndoneAndRedoneAnyNumberOfTimes) {
         {[this](auto* undo) { movePage(m_document, 2, -7, undo); }, QStringLiteral("cabd")},
         {[this](auto* undo) { movePage(m_document, 1, 1, undo); }, before, 0},
         {[this](auto* undo) { movePage(m_document, 4, 0, undo); }, before, 0},
-        {[this](auto* undo) {
-             movePages(m_document, {0, 3}, 2, undo);
-         },
-         QStringLiteral("badc"), 2},
-        {[this](auto* undo) {
-             movePages(m_document, {0, 1, 3}, 4, undo);
-         },
-         QStringLiteral("cabd"), 2},
-        {[this](auto* undo) {
-             movePages(m_document, {1, 2}, 2, undo);
-         },
-         before, 0},
-        {[this](auto* undo) {
-             deletePages(m_document, {0, 3}, undo);
-         },
-         QStringLiteral("bc")},
-        {[this](auto* undo) {
-             deletePages(m_document, {0, 1, 2, 3}, undo);
-         },
-         QString()},
-        {[this](auto* undo) {
-             deletePages(m_document, {-1, 4}, undo);
-         },
-         before, 0},
+        {moveAll({0, 3}, 2), QStringLiteral("badc"), 2},
+        {moveAll({0, 1, 3}, 4), QStringLiteral("cabd"), 2},
+        {moveAll({2, 3}, 0), QStringLiteral("cdab"), 2},
+        {moveAll({1, 2}, 2), before, 0},
+        {remove({0, 3}), QStringLiteral("bc")},
+        {remove({0, 1, 2, 3}), QString()},
+        {remove({-1, 4}), before, 0},
         {[&](auto* undo) { merge(m_document, *source, 1, undo); }, QStringLiteral("axybcd")},
         {[&](auto* undo) { merge(m_document, *source, 99, undo); }, QStringLiteral("abcdxy")},
     };
