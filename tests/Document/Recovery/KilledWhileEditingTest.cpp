@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int killCount = 30;
+constexpr int killCount = 20;
 constexpr int killsOfOneFile = 10;
 constexpr int pageCount = 5;
 /// So many changes of a child, one each 2 ms, come long after it should have begun to record the first of them.
