@@ -1,15 +1,21 @@
 #!/usr/bin/env python3
 """Usage: tools/mutate.py [--faults N] [--seed S] [--folder FOLDER] [--list]
 
-Tells how many wrong lines of code the tests catch. Plants N faults in src, one after the other: a comparison turned, a
-constant changed, a condition negated, a call left out. For each it builds the test programs of the library and runs them
-until a test fails. Faults are drawn by lines, so a large file gets more of them; one that does not compile is drawn anew. The
-same seed draws the same faults as long as src stays the same.
+Tells how many wrong lines of code the tests catch. Plants N faults in src: a comparison turned, a constant changed, a
+condition negated, a call left out. With each of them it runs the test programs of the library until a test fails. Faults are
+drawn by lines, so a large file gets more of them; one that does not compile is drawn anew. The same seed draws the same
+faults as long as src stays the same.
 
-All of it happens in a copy of the working tree in build/mutate, which is kept to make the next run quick. --folder draws
-from one folder of src only, for instance Platform/Files; --list tells the faults and builds nothing.
+Most faults are built in together, beside what they replace, and QUILLO_FAULT in the environment chooses the one that
+counts; those whose line has no place for a choice (a constexpr, a part of a longer statement) are built one after the other.
+All of it happens in a copy of the working tree in build/mutate, which is kept to make the next run quick: with other tests
+and the same src only the tests are built anew. --folder draws from one folder of src only, for instance Platform/Files;
+--only tries the faults of these numbers again, for instance 3,17; --list tells the faults and builds nothing.
 """
 import argparse
+import collections
+import concurrent.futures
+import itertools
 import os
 import pathlib
 import random
@@ -24,6 +30,7 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 COPY = ROOT / "build/mutate"
 GIGABYTE = 1 << 30
+WORKERS = os.cpu_count() or 1
 
 TURNED = {"==": ["!="], "!=": ["=="], "<": ["<=", ">="], ">": [">=", "<="], "<=": ["<", ">"], ">=": [">", "<"]}
 COMPARISON = re.compile(r" (==|!=|<=|>=|<|>) ")
@@ -33,6 +40,21 @@ JOINED = re.compile(r" (&&|\|\|) ")
 CALL = re.compile(r"^\s+(?!return\b|co_return\b|throw\b|delete\b|using\b|else\b)[A-Za-z_][\w:.]*(?:(?:->|\.)\w+)*\([^{}]*\);$")
 # Assertions and logging are not what tests are for; a declaration's figures are seen where they are used.
 NOT_CODE = re.compile(r"^\s*(?://|#|\*|/\*)|QUILLO_ASSERT|static_assert|\bqC?(?:Debug|Info|Warning|Critical)\b|Q_LOGGING")
+# Lines that have room for both; the groups are what comes before, the value and what comes after.
+CHOICES = [
+    re.compile(r"^(\s*(?:\} else )?(?:if|while) \()(?!const\b|auto\b)(.+)(\)(?: \{)?)$"),
+    re.compile(r"^(\s*return )(?!\{|\[)(.+)(;)$"),
+    re.compile(r"^(\s*(?!static\b|constexpr\b|for\b|if\b|using\b)[\w:<>, ]+(?:\.\w+)?[\w\])]* [-+*/|]?= )(?!\{|\[)(.+)(;)$"),
+]
+CHOICE = """#include <cstdlib>
+namespace {
+[[maybe_unused]] bool plantedFault(int number) {
+    static const char* const chosen = std::getenv("QUILLO_FAULT");
+    static const int value = chosen != nullptr ? std::atoi(chosen) : -1;
+    return value == number;
+}
+}
+"""
 STRING = re.compile(r'R?"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])\'')
 
 
@@ -67,9 +89,24 @@ def variants(line):
     return found
 
 
-def report_of(path, number, kind, text):
-    shown = (ROOT / path).read_text().splitlines()[number] if text.strip() == ";" else text
-    return f"{path}:{number + 1}: {kind}: {shown.strip()}"
+Fault = collections.namedtuple("Fault", "path line kind text code")  # line: zero-based
+
+
+def report_of(fault):
+    shown = fault.code if fault.text.strip() == ";" else fault.text
+    return f"{fault.path}:{fault.line + 1}: {fault.kind}: {shown.strip()}"
+
+
+def both(fault, number):
+    """The line with the choice between the fault and what it replaces; none where there is no room for it."""
+    if fault.text.strip() == ";":
+        return re.sub(r"^(\s*)(.*)$", rf"\1if (!plantedFault({number})) {{ \2 }}", fault.code)
+    for pattern in CHOICES:
+        right, wrong = pattern.match(fault.code), pattern.match(fault.text)
+        if right and wrong and right.group(1, 3) == wrong.group(1, 3) and right.group(2).count("(") == right.group(2).count(")"):
+            before, value, after = right.groups()
+            return f"{before}plantedFault({number}) ? ({wrong.group(2)}) : ({value}){after}"
+    return None
 
 
 def drawn_faults(folder, seed):
@@ -79,7 +116,8 @@ def drawn_faults(folder, seed):
     for path in sorted((ROOT / "src" / folder).rglob("*.cpp")):
         for number, line in enumerate(path.read_text().splitlines()):
             for kind, text in variants(line):
-                places.setdefault(kind, []).append((path.relative_to(ROOT), number, kind, text))
+                fault = Fault(path.relative_to(ROOT), number, kind, text, line.split(" // ")[0].rstrip())
+                places.setdefault(kind, []).append(fault)
     for kind in sorted(places):
         lot.shuffle(places[kind])
     taken = set()
@@ -100,7 +138,7 @@ def programs_of(source):
         lists = folder / "CMakeLists.txt"
         names = re.findall(r"^quillo_test\((\w+)", lists.read_text(), re.M) if lists.exists() else []
         if names:
-            return [(name, COPY / "build/dev" / folder.relative_to(ROOT) / name) for name in names]
+            return [COPY / "build/dev" / folder.relative_to(ROOT) / name for name in names]
         folder = folder.parent
     return []
 
@@ -131,8 +169,40 @@ def configure():
 def built(programs):
     log = COPY / "build.log"
     with log.open("w") as output:
-        command = ["tools/build.sh", "dev", *(name for name, _ in programs)]
+        command = ["tools/build.sh", "dev", *sorted(program.name for program in programs), "--", "-k", "0"]
         return subprocess.run(command, cwd=COPY, stdout=output, stderr=output, check=False).returncode == 0
+
+
+def plant_together(faults):
+    """Builds those in that have room for it, by number; gives their numbers. The others keep the line that is right."""
+    planted = {number: line for number, fault in faults.items() if (line := both(fault, number))}
+    programs = {program for fault in faults.values() for program in programs_of(fault.path)}
+    written = set()
+    while True:
+        files = {faults[number].path for number in planted}
+        for path in files | written:
+            lines = (ROOT / path).read_text().splitlines(keepends=True)
+            for number, line in planted.items():
+                if faults[number].path == path:
+                    lines[faults[number].line] = line + "\n"
+            put(COPY / path, (CHOICE + "#line 1\n" if path in files else "") + "".join(lines))
+        written |= files
+        if built(programs):
+            return set(planted)
+        log = (COPY / "build.log").read_text()
+        wrong = {(path, int(line)) for path, line in re.findall(r"(src/[\w/.]+\.cpp):(\d+):\d+: (?:fatal )?error", log)}
+        refused = {number for number in planted if (str(faults[number].path), faults[number].line + 1) in wrong}
+        named = {str(faults[number].path) for number in refused}
+        refused |= {number for number in planted if str(faults[number].path) in {path for path, _ in wrong} - named}
+        if not refused:
+            sys.exit(f"The tests do not build: see {COPY / 'build.log'}.")
+        for number in refused:
+            del planted[number]
+
+
+def put(path, text):
+    if path.read_text() != text:
+        path.write_text(text)
 
 
 def limit_resources():
@@ -141,12 +211,13 @@ def limit_resources():
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
-def passes(program, seconds):
+def passes(program, seconds, tests="*", number=-1):
     """True, false or "time" where the program took longer; what it started ends with it."""
-    environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", QT_SCALE_FACTOR="1")
-    process = subprocess.Popen([program, "--gtest_fail_fast", "--gtest_brief=1"], env=environment, cwd=program.parent,
-                               stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                               start_new_session=True, preexec_fn=limit_resources)
+    environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", QT_SCALE_FACTOR="1", QUILLO_FAULT=str(number))
+    arguments = [program, "--gtest_fail_fast", "--gtest_brief=1", f"--gtest_filter={tests}"]
+    process = subprocess.Popen(arguments, env=environment, cwd=program.parent, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True,
+                               preexec_fn=limit_resources)
     try:
         return process.wait(seconds) == 0
     except subprocess.TimeoutExpired:
@@ -159,12 +230,36 @@ def passes(program, seconds):
         process.wait()
 
 
-def result_of(programs, seconds):
-    for name, program in programs:
-        result = passes(program, seconds[name])
-        if result is not True:
-            return "caught" if result is False else "caught by the time limit"
+def limit_of(program):
+    """How many seconds it may take: far more than without a fault."""
+    start = time.monotonic()
+    if passes(program, 1800) is not True and passes(program, 1800) is not True:
+        sys.exit(f"{program.name} does not pass without a fault.")
+    return 30 + 4 * (time.monotonic() - start)
+
+
+def result_of(fault, number, limits):
+    programs = programs_of(fault.path)
+    for tests in (f"*{fault.path.stem}*", "*"):  # what is named after the file is the likeliest to tell
+        for program in programs:
+            result = passes(program, limits[program], tests, number)
+            if result is not True:
+                return "caught" if result is False else "caught by the time limit"
     return "survived"
+
+
+def result_alone(fault, number, limits):
+    """Of a fault that is built by itself."""
+    programs = programs_of(fault.path)
+    target = COPY / fault.path
+    unchanged = target.read_text()
+    lines = (ROOT / fault.path).read_text().splitlines(keepends=True)
+    lines[fault.line] = fault.text + "\n"
+    target.write_text("".join(lines))
+    try:
+        return result_of(fault, number, limits) if built(programs) else "not compiled"
+    finally:
+        target.write_text(unchanged)
 
 
 def main():
@@ -172,52 +267,48 @@ def main():
     parser.add_argument("--faults", type=int, default=200)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--folder", default="")
+    parser.add_argument("--only", default="")
     parser.add_argument("--list", action="store_true")
     options = parser.parse_args()
-    faults = drawn_faults(options.folder, options.seed)
+    lot = enumerate(drawn_faults(options.folder, options.seed))
+    faults = dict(itertools.islice(lot, options.faults))
     if options.list:
-        for _, fault in zip(range(options.faults), faults):
-            print(report_of(*fault))
+        for number, fault in faults.items():
+            print(f"{number:4} {report_of(fault)}")
         return 0
 
     copy_tree()
     configure()
-    seconds = {}  # what each program may take: far more than without a fault
-    counts = {}
-    survivors = []
-    while sum(counts.values()) - counts.get("not compiled", 0) < options.faults:
-        try:
-            path, number, kind, text = next(faults)
-        except StopIteration:
-            break
-        programs = programs_of(path)
-        for name, program in programs:
-            if name in seconds:
-                continue
-            start = time.monotonic()
-            if not built([(name, program)]) or passes(program, 1800) is not True:
-                sys.exit(f"{name} does not build or does not pass without a fault: see {COPY / 'build.log'}.")
-            seconds[name] = 20 + 4 * (time.monotonic() - start)
-        target = COPY / path
-        lines = target.read_text().splitlines(keepends=True)
-        unchanged = "".join(lines)
-        lines[number] = text + "\n"
-        target.write_text("".join(lines))
-        start = time.monotonic()
-        try:
-            result = result_of(programs, seconds) if built(programs) else "not compiled"
-        finally:
-            target.write_text(unchanged)
-        counts[result] = counts.get(result, 0) + 1
-        report = report_of(path, number, kind, text)
-        if result == "survived":
-            survivors.append(report)
-        print(f"{time.monotonic() - start:6.1f} s  {result}: {report}", flush=True)
+    results = {}
 
-    planted = sum(counts.values()) - counts.get("not compiled", 0)
-    print("\nSurvived:", *survivors, sep="\n")
+    def note(number, fault, result):
+        results[number] = (fault, result)
+        print(f"{number:4} {result}: {report_of(fault)}", flush=True)
+
+    together = plant_together(faults)
+    wanted = {int(number) for number in options.only.split(",")} if options.only else set(faults)
+    programs = sorted({program for number in wanted for program in programs_of(faults[number].path)})
+    with concurrent.futures.ThreadPoolExecutor(WORKERS) as workers:
+        limits = dict(zip(programs, workers.map(limit_of, programs)))
+        running = {workers.submit(result_of, faults[number], number, limits): number
+                   for number in sorted(together & wanted)}
+        for future in concurrent.futures.as_completed(running):
+            note(running[future], faults[running[future]], future.result())
+    alone = [(number, faults[number]) for number in sorted(wanted - together)]
+    while alone:
+        number, fault = alone.pop(0)
+        note(number, fault, result_alone(fault, number, limits))
+        if results[number][1] == "not compiled" and not options.only and (another := next(lot, None)):
+            limits.update((program, limit_of(program)) for program in programs_of(another[1].path)
+                          if program not in limits)
+            alone.append(another)
+
+    counts = collections.Counter(result for _, result in results.values())
+    planted = sum(counts.values()) - counts["not compiled"]
+    print("\nSurvived:", *(f"{number:4} {report_of(fault)}" for number, (fault, result) in sorted(results.items())
+                           if result == "survived"), sep="\n")
     print("\n" + ", ".join(f"{count} {result}" for result, count in sorted(counts.items())))
-    print(f"{planted - len(survivors)} of {planted} faults caught")
+    print(f"{planted - counts['survived']} of {planted} faults caught")
     return 0
 
 
