@@ -6,7 +6,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-#include <algorithm>
 #include <utility>
 
 QByteArray LoopbackServer::Request::header(const QByteArray& name) const {
@@ -34,27 +33,6 @@ LoopbackServer::Reply LoopbackServer::bytes(const QByteArray& bytes) {
 
 LoopbackServer::Reply LoopbackServer::redirect(const QString& target, int status) {
     return json(status, "{}", "Location: " + target.toUtf8() + "\r\n");
-}
-
-LoopbackServer::Reply LoopbackServer::blanks(qint64 size, std::shared_ptr<qint64> written) {
-    return [size, written = std::move(written)](QTcpSocket& socket) {
-        static constexpr qint64 atOnce = 1 << 16;
-        socket.write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(size) + "\r\n\r\n");
-        auto writeMore = [&socket, written, left = size]() mutable {
-            while (left > 0 && socket.bytesToWrite() < atOnce) {
-                const qint64 count = std::min(left, atOnce);
-                socket.write(QByteArray(count, ' '));
-                left -= count;
-                if (written)
-                    *written += count;
-            }
-        };
-        QObject::connect(&socket, &QIODevice::bytesWritten, &socket, writeMore);
-    };
-}
-
-LoopbackServer::Reply LoopbackServer::silence() {
-    return [](QTcpSocket&) {};
 }
 
 LoopbackServer::LoopbackServer() : m_server(std::make_unique<QTcpServer>()), m_scheme(QStringLiteral("http")) {

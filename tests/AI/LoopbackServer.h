@@ -35,10 +35,6 @@ public:
     [[nodiscard]] static Reply bytes(const QByteArray& bytes);
     /// 307 to `target`, which keeps method and body.
     [[nodiscard]] static Reply redirect(const QString& target, int status = 307);
-    /// Status 200 and `size` bytes of blanks, as fast as they are taken; `written`, if not null, counts them.
-    [[nodiscard]] static Reply blanks(qint64 size, std::shared_ptr<qint64> written = nullptr);
-    /// Nothing; the connection stays open.
-    [[nodiscard]] static Reply silence();
 
     LoopbackServer();
     /// One that speaks TLS.

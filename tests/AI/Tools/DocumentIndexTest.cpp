@@ -44,7 +44,6 @@ TEST(DocumentIndexSearch, TakesTheFirstHitOfEachPageUpToTheLimit) {
     for (const QString& nowhere :
          {QString(), QStringLiteral("no such"), QString(1 << 20, u'n'), QString(QChar(0xD83D))})
         EXPECT_TRUE(DocumentIndex::search(*document, nowhere, 5).empty());
-    EXPECT_TRUE(DocumentIndex::search(PDFDocument(), QStringLiteral("needle"), 5).empty());
 }
 
 TEST(DocumentIndexSearch, ReadsNoPageBehindTheLastHitAndKeepsWhatItReadWithinTheLimit) {
@@ -54,18 +53,14 @@ TEST(DocumentIndexSearch, ReadsNoPageBehindTheLastHitAndKeepsWhatItReadWithinThe
     const auto document = PDFDocument::fromData(fixture.bytes());
     // A page put into the place of another is seen at once, whatever was kept.
     const auto strings = std::make_shared<PageStrings>(20); // two pages and a bit
-    const auto pages = [&](const QString& query) {
-        QStringList found;
-        for (const SearchMatch& match : DocumentIndex::search(DocumentText(*document, strings), query, 5))
-            found.append(QString::number(match.page));
-        return found.join(u' ');
+    const auto found = [&](const char* query) {
+        return DocumentIndex::search(DocumentText(*document, strings), QLatin1String(query), 5);
     };
-    EXPECT_EQ(pages(QStringLiteral("needle")), QStringLiteral("1 2 3 4"));
-    EXPECT_EQ(pages(QStringLiteral("needle")), QStringLiteral("1 2 3 4"));
+    EXPECT_EQ(found("needle").size(), 4U);
     document->insert(document->removePage(3), 0);
-    EXPECT_EQ(pages(QStringLiteral("needle 3")), QStringLiteral("1"));
+    EXPECT_EQ(found("needle 3"), (std::vector<SearchMatch>{{1, QStringLiteral("needle 3")}}));
     document->removePage(1);
-    EXPECT_EQ(pages(QStringLiteral("needle 0")), QString());
+    EXPECT_TRUE(found("needle 0").empty());
 
     std::stop_source stopped;
     stopped.request_stop();
@@ -75,11 +70,7 @@ TEST(DocumentIndexSearch, ReadsNoPageBehindTheLastHitAndKeepsWhatItReadWithinThe
 }
 
 TEST(DocumentIndexOutline, MatchesExactlyThenByContainmentThenByWords) {
-    const struct {
-        const char* query;
-        const char* titles;
-        const char* best;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"\t SETUP ", "The setup guide|Setup", "Setup"},
         {"setup", " Setup|x", " Setup"},
         {"show me the setup please", "Intro|Setup", "Setup"},
@@ -87,10 +78,9 @@ TEST(DocumentIndexOutline, MatchesExactlyThenByContainmentThenByWords) {
         {"fast setup guide", "a setup|guide to setup", "guide to setup"},
         {"setup, now", "setup or", "none"}, // punctuation stays on the words
         {" \t ", "a b", "none"},
-        {"x", "", "none"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(best(row.query, row.titles), row.best) << row.query;
+    for (const auto& [query, titles, title] : rows)
+        EXPECT_EQ(best(query, titles), title) << query;
 }
 
 TEST(ChatTitleTest, CutsBetweenWords) {
@@ -98,7 +88,6 @@ TEST(ChatTitleTest, CutsBetweenWords) {
     const QString accented = QStringLiteral("é").normalized(QString::NormalizationForm_D).repeated(42);
     const std::pair<QString, QString> cases[] = {
         {QStringLiteral("  two\nlines \n"), QStringLiteral("two lines")},
-        {word, word},
         {word + u'w', word + u'…'},
         {word + QStringLiteral(" more"), word + u'…'},
         {QStringLiteral("What does the third chapter say about trees"),

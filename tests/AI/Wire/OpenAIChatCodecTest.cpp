@@ -1,5 +1,4 @@
 #include "OpenAIChatCodec.h"
-#include "AIModelPreference.h"
 #include "AIProviderError.h"
 #include "JSONParsingError.h"
 
@@ -39,13 +38,6 @@ std::string errorOf(int status, const QByteArray& body) {
 
 } // namespace
 
-TEST(AIModelPreference, IsFoundByItsExactRawValueOnly) {
-    for (const AIModelPreferenceInfo& row : allAIModelPreferences())
-        EXPECT_EQ(aiModelPreferenceFromRawValue(row.rawValue), row.preference);
-    for (const char* text : {"high perf", "HIGH PERF", "highPerformance", "Fast ", ""})
-        EXPECT_FALSE(aiModelPreferenceFromRawValue(QString::fromLatin1(text))) << text;
-}
-
 TEST(OpenAIChatCodec, WritesEachKindOfMessage) {
     const auto text = [](const char* words) { return AIContentPart::text(QString::fromUtf8(words)); };
     const auto use = [](const char* id, const char* name, const QJsonObject& input = {}) {
@@ -54,15 +46,10 @@ TEST(OpenAIChatCodec, WritesEachKindOfMessage) {
     const auto result = [](const char* id, const char* words) {
         return AIContentPart::toolResult(QLatin1String(id), QLatin1String(words));
     };
-    const struct {
-        const char* what;
-        AIMessage message;
-        std::string wire;
-    } cases[] = {
+    const std::tuple<const char*, AIMessage, std::string> cases[] = {
         {"texts of the user, on lines of their own; a tool use isn't theirs",
          {AIRole::user, {text("a \"b\" ü\n"), use("x", "y"), text("c/d")}},
          R"({"content":"a \"b\" ü\n\nc/d","role":"user"})"},
-        {"a message without parts", {AIRole::user, {}}, R"({"content":"","role":"user"})"},
         {"results, which displace a text",
          {AIRole::user, {result("1", "one"), text("lost"), result("2", "")}},
          R"({"content":"one","role":"tool","tool_call_id":"1"},{"content":"","role":"tool","tool_call_id":"2"})"},
@@ -70,26 +57,15 @@ TEST(OpenAIChatCodec, WritesEachKindOfMessage) {
          {AIRole::assistant, {text("a"), result("1", "r"), text("b")}},
          R"({"content":"ab","role":"assistant"})"},
         {"tool uses alone",
-         {AIRole::assistant, {use("1", "go", {{QStringLiteral("page"), 3}}), use("2", "read")}},
+         {AIRole::assistant, {use("1", "go", {{QStringLiteral("page"), QStringLiteral("\"Ω")}}), use("2", "read")}},
          R"({"content":"","role":"assistant","tool_calls":[)"
-         R"({"function":{"arguments":"{\"page\":3}","name":"go"},"id":"1","type":"function"},)"
+         R"({"function":{"arguments":"{\"page\":\"\\\"Ω\"}","name":"go"},"id":"1","type":"function"},)"
          R"({"function":{"arguments":"{}","name":"read"},"id":"2","type":"function"}]})"},
     };
     for (const auto& [what, message, wire] : cases)
         EXPECT_EQ(compact(OpenAIChatCodec::encodeMessages({message}, {})).toStdString(),
                   R"([{"content":"","role":"system"},)" + wire + "]")
             << what;
-}
-
-TEST(OpenAIChatCodec, ReadsWhatItWroteOfAToolCall) {
-    const QByteArray input = R"({"text":"Ω \\ \" \u2028 😀","page":9007199254740993,"none":null})";
-    const AIMessage asked{
-        AIRole::assistant,
-        {AIContentPart::toolUse(QStringLiteral("1"), QStringLiteral("n"), QJsonDocument::fromJson(input).object())}};
-    const QJsonArray messages = OpenAIChatCodec::encodeMessages({asked}, {});
-    const AIAgentTurn turn = OpenAIChatCodec::decodeResponse(
-        {{QStringLiteral("choices"), QJsonArray{QJsonObject{{QStringLiteral("message"), messages.last()}}}}});
-    EXPECT_EQ(turn.message, asked);
 }
 
 TEST(OpenAIChatCodec, DecidesWhetherATurnIsFinal) {
@@ -115,10 +91,8 @@ TEST(OpenAIChatCodec, ToleratesOddToolCalls) {
     const QByteArray deep = QByteArray(10'000, '[') + QByteArray(10'000, ']');
     const std::pair<QByteArray, QJsonObject> readable[] = {
         {R"({"name":"n","arguments":{"a":1}})", {{QStringLiteral("a"), 1}}},
-        {R"({"name":"n","arguments":"nonsense"})", {}},
         {R"({"name":"n","arguments":"[1]"})", {}},
         {R"({"name":"n","arguments":"{\"a\":)" + deep + R"(}"})", {}},
-        {R"({"name":"n","arguments":5})", {}},
         {R"({"name":"n"})", {}},
     };
     for (const auto& [function, input] : readable) {
@@ -129,11 +103,8 @@ TEST(OpenAIChatCodec, ToleratesOddToolCalls) {
     for (const char* function : {R"({"arguments":"{}"})", R"({"name":4})", "[]", "null"})
         EXPECT_TRUE(decodeCall(function).toolCalls.empty()) << function;
 
-    const AIAgentTurn second = decode(R"({"message":{"tool_calls":[{"id":7,"function":{"name":"a"}},)"
-                                      R"({"id":"2","function":{"name":"b"}}]},"finish_reason":"tool_calls"})");
-    ASSERT_EQ(second.toolCalls.size(), 1u) << "the entry without a text for its id is passed over";
-    EXPECT_EQ(second.toolCalls[0].name, QStringLiteral("b"));
-    for (const char* calls : {R"([{"id":"1","function":{"name":"n"}},5])", R"({"id":"1"})", R"("x")"}) {
+    for (const char* calls :
+         {R"([{"id":"1","function":{"name":"n"}},5])", R"([{"id":7,"function":{"name":"n"}}])", R"({"id":"1"})"}) {
         const AIAgentTurn turn =
             decode(R"({"message":{"tool_calls":)" + QByteArray(calls) + R"(},"finish_reason":"tool_calls"})");
         EXPECT_TRUE(turn.toolCalls.empty() && turn.isFinal) << calls;
@@ -147,24 +118,19 @@ TEST(OpenAIChatCodec, TellsWhatIsNoAnswer) {
           R"({"choices":[{"message":"Hi"}]})", R"({"choices":[{"message":{"content":"Hi"}},5]})"})
         EXPECT_EQ(errorOf<AIProviderError>(200, body), unexpected) << body;
 
-    const struct {
-        int status;
-        const char* body;
-        const char* sentence;
-    } refusals[] = {
+    const std::tuple<int, const char*, const char*> refusals[] = {
         {500, R"({"error":{"message":"Overloaded","code":3}})", "API error (500): Overloaded"},
         {403, R"({"error":"No %1 entry"})", "API error (403): No %1 entry"},
         {404, R"({"error":{"message":5}})", "API error (404): Unknown error"},
         {300, R"({"choices":[{"message":{"content":"Hi"}}]})", "API error (300): Unknown error"},
-        {-1, "{}", "API error (-1): Unknown error"},
+        {199, "{}", "API error (199): Unknown error"},
     };
     for (const auto& [status, body, sentence] : refusals)
         EXPECT_EQ(errorOf<AIProviderError>(status, body), sentence);
 
     const QByteArray deep = R"({"choices":)" + QByteArray(10'000, '[') + QByteArray(10'000, ']') + "}";
     for (const QByteArray& body :
-         {QByteArray("<html>Bad gateway</html>"), QByteArray(), QByteArray("1],[2"), QByteArray("1,2"),
-          QByteArray(R"({"choices":[{"mess)"), QByteArray("{} {}"), QByteArray("{\"a\":\"\xff\"}"), deep}) {
+         {QByteArray("<html>Bad gateway</html>"), QByteArray(), QByteArray("1],[2"), QByteArray("{} {}"), deep}) {
         for (const int status : {200, 401, 502})
             EXPECT_TRUE(errorOf<JSONParsingError>(status, body)
                             .starts_with("The AI service sent an answer that Quillo can't read ("))
