@@ -52,8 +52,8 @@ public:
 
     OverwriteAnswer askAboutChangedFile(QWidget*, const QString& name) override { return overwrite("changed", name); }
     OverwriteAnswer askAboutSignatures(QWidget*, const QString& name) override { return overwrite("signatures", name); }
-    bool askToReload(QWidget*, const QString&) override { return reverts; }
-    bool askToRevert(QWidget*, const QString&) override { return reverts; }
+    bool askToReload(QWidget*, const QString&) override { return false; }
+    bool askToRevert(QWidget*, const QString&) override { return true; }
 
     bool offerSaveAs(QWidget*, const QString& title, const QString& sentence) override {
         presentError(nullptr, title, sentence);
@@ -86,7 +86,6 @@ public:
     std::optional<SaveAnswer> saveAnswer; ///< once
     QString unchecked;                    ///< a name in the question about several documents
     OverwriteAnswer changedFileAnswer = OverwriteAnswer::Cancel;
-    bool reverts = false;
     Answered quitsNow; ///< what quitting waits for while something is printed
     std::optional<QString> saveLocation;
 

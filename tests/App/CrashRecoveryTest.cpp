@@ -45,7 +45,6 @@ TEST_F(CrashRecoveryTest, theNextStartOffersTheDocumentAndGoesOnWhereTheReaderWa
     const QUrl url = file("plan.pdf");
     crash(url);
     ASSERT_NE(offer(), nullptr);
-    EXPECT_FALSE(landingIsVisible());
     EXPECT_EQ(visibleWindowCount(), 1);
     click("recover");
     ASSERT_TRUE(QTest::qWaitFor([this] { return offer() == nullptr; }, timeLimitInMilliseconds));
@@ -54,7 +53,6 @@ TEST_F(CrashRecoveryTest, theNextStartOffersTheDocumentAndGoesOnWhereTheReaderWa
     EXPECT_EQ(document(0)->fileURL(), url);
     EXPECT_TRUE(document(0)->isDocumentEdited());
     EXPECT_EQ(document(0)->pdfDocument()->page(0)->rotation(), 90);
-    EXPECT_TRUE(window()->isVisible());
     EXPECT_FALSE(landingIsVisible());
     EXPECT_EQ(workspace()->coordinator().currentPageIndex(), 2);
 
@@ -70,11 +68,9 @@ TEST_F(CrashRecoveryTest, whatIsLeftIsOfferedAgainAndWhatIsDeletedIsNot) {
     const QUrl url = file("plan.pdf");
     crash(url);
     startAnew({file("other.pdf")});
-    ASSERT_NE(offer(), nullptr);
-    EXPECT_TRUE(offer()->isVisible());
+    ASSERT_TRUE(offer() && offer()->isVisible());
     click("notNow");
     EXPECT_EQ(offer(), nullptr);
-    EXPECT_TRUE(window()->isVisible());
 
     startAnew();
     ASSERT_NE(offer(), nullptr);
@@ -89,10 +85,9 @@ TEST_F(CrashRecoveryTest, whatIsLeftIsOfferedAgainAndWhatIsDeletedIsNot) {
 }
 
 TEST_F(CrashRecoveryTest, turnedOffNothingIsKept) {
-    launch({file("a.pdf")});
+    launch({file("a.pdf", {.pageCount = 5})});
     const auto recordCount = [this] {
-        document(0)->undoManager()->markEdited();
-        document(0)->pdfDocument()->page(0)->setRotation((document(0)->pdfDocument()->page(0)->rotation() + 90) % 360);
+        edit(*document(0));
         m_app->controller().prepareForSessionEnd();
         return QDir(RecoveryStore::standardFolder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
     };

@@ -14,10 +14,6 @@
 
 namespace {
 
-QString promptedKey() {
-    return QStringLiteral("hasPromptedSetAsDefaultPDFHandler");
-}
-
 void write(const QString& path, const QByteArray& content) {
     QFile file(path);
     ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
@@ -31,14 +27,14 @@ void write(const QString& path, const QByteArray& content) {
 class DefaultPDFHandlerTest : public testing::Test {
 protected:
     void SetUp() override {
-        write(program(), "#!/bin/sh\n"
-                         "cd \"$(dirname \"$0\")\" || exit 1\n"
-                         "case \"$1 $2\" in\n"
-                         "'query default') [ \"$3\" = application/pdf ] && cat current ;;\n"
-                         "default*) [ -e refuse ] && exit 4; echo \"$2\" >current; echo \"$@\" >>log ;;\n"
-                         "esac\n");
-        QFile::setPermissions(program(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        setCurrentViewer("other.desktop\n");
+        write(path("xdg-mime"), "#!/bin/sh\n"
+                                "cd \"$(dirname \"$0\")\" || exit 1\n"
+                                "case \"$1 $2\" in\n"
+                                "'query default') [ \"$3\" = application/pdf ] && cat current ;;\n"
+                                "default*) [ -e refuse ] && exit 4; echo \"$2\" >current; echo \"$@\" >>log ;;\n"
+                                "esac\n");
+        QFile::setPermissions(path("xdg-mime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        write(path("current"), "other.desktop\n");
         write(desktopEntry(), "[Desktop Entry]\n");
         qputenv("PATH", QFile::encodeName(m_folder.path()) + ":" + m_oldPath);
     }
@@ -48,17 +44,15 @@ protected:
         QFile::remove(desktopEntry());
     }
 
-    QString program() const { return m_folder.filePath(QStringLiteral("xdg-mime")); }
+    QString path(const char* name) const { return m_folder.filePath(QLatin1String(name)); }
 
     static QString desktopEntry() {
         return QStandardPaths::writableLocation(QStandardPaths::ApplicationsLocation) +
                QStringLiteral("/org.quillo.Quillo.desktop");
     }
 
-    void setCurrentViewer(const QByteArray& name) { write(m_folder.filePath(QStringLiteral("current")), name); }
-
     QByteArray log() const {
-        QFile file(m_folder.filePath(QStringLiteral("log")));
+        QFile file(path("log"));
         return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
     }
 
@@ -71,7 +65,6 @@ protected:
     }
 
     std::optional<bool> isDefault() { return answerTo(&DefaultPDFHandler::isDefault); }
-    std::optional<bool> setAsDefault() { return answerTo(&DefaultPDFHandler::setAsDefault); }
 
     /// How many questions a prompt leads to, with everything that follows from it.
     int prompt() {
@@ -83,7 +76,7 @@ protected:
 
     QTemporaryDir m_folder;
     const QByteArray m_oldPath = qgetenv("PATH");
-    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("settings.ini"))};
+    UserDefaults m_defaults{path("settings.ini")};
     int m_questionCount = 0;
     bool m_answer = true;
     DefaultPDFHandler m_handler{m_defaults, [this](const std::function<void(bool)>& answered) {
@@ -94,18 +87,17 @@ protected:
 
 TEST_F(DefaultPDFHandlerTest, asksTheDesktopAndTellsIt) {
     EXPECT_EQ(isDefault(), false);
-    EXPECT_EQ(setAsDefault(), true);
+    EXPECT_EQ(answerTo(&DefaultPDFHandler::setAsDefault), true);
     EXPECT_EQ(log(), "default org.quillo.Quillo.desktop application/pdf\n");
     EXPECT_EQ(isDefault(), true);
-    write(m_folder.filePath(QStringLiteral("refuse")), "");
-    EXPECT_EQ(setAsDefault(), false);
+    write(path("refuse"), "");
+    EXPECT_EQ(answerTo(&DefaultPDFHandler::setAsDefault), false);
 }
 
 TEST_F(DefaultPDFHandlerTest, theUserIsAskedOnceUnlessItIsTheDefaultViewerOrCannotBeSet) {
-    setCurrentViewer("org.quillo.Quillo.desktop\n");
+    write(path("current"), "org.quillo.Quillo.desktop\n");
     EXPECT_EQ(prompt(), 0);
-    setCurrentViewer("other.desktop\n");
-    ASSERT_TRUE(DefaultPDFHandler::canBeSet());
+    write(path("current"), "other.desktop\n");
     QFile::remove(desktopEntry());
     EXPECT_FALSE(DefaultPDFHandler::canBeSet());
     EXPECT_EQ(prompt(), 0);
@@ -116,14 +108,14 @@ TEST_F(DefaultPDFHandlerTest, theUserIsAskedOnceUnlessItIsTheDefaultViewerOrCann
     EXPECT_EQ(isDefault(), false);
     EXPECT_EQ(prompt(), 0);
     qputenv("PATH", path);
-    EXPECT_FALSE(m_defaults.contains(promptedKey())) << "it may be asked later";
+    const QString prompted = QStringLiteral("hasPromptedSetAsDefaultPDFHandler");
+    EXPECT_FALSE(m_defaults.contains(prompted)) << "it may be asked later";
 
     for (const bool answer : {false, true}) {
         m_answer = answer;
         EXPECT_EQ(prompt(), 1);
         EXPECT_EQ(log(), answer ? "default org.quillo.Quillo.desktop application/pdf\n" : "");
-        EXPECT_EQ(m_defaults.boolForKey(promptedKey()), true);
         EXPECT_EQ(prompt(), 0);
-        m_defaults.removeObject(promptedKey());
+        m_defaults.removeObject(prompted);
     }
 }

@@ -4,8 +4,6 @@
 #include "PDFAnnotation.h"
 #include "PDFFormField.h"
 #include "PageMimeData.h"
-#include "ThumbnailList.h"
-#include "ThumbnailModel.h"
 #include "ThumbnailSidebar.h"
 #include "ToolState.h"
 
@@ -29,21 +27,17 @@ protected:
 
 TEST_F(DocumentWindowTest, documentsAreTabsOfOneWindow) {
     launch({file("a.pdf")});
-    DocumentWindow* first = window();
     EXPECT_FALSE(tabs()->isVisible());
     open(file("b.pdf"));
     open(file("c.pdf"));
-    EXPECT_EQ(window(), first);
     EXPECT_TRUE(tabs()->isVisible());
     EXPECT_EQ(tabNames(), "a.pdf, b.pdf, c.pdf");
     EXPECT_EQ(tabs()->tabToolTip(1), path("b.pdf"));
-    EXPECT_EQ(m_app->controller().currentDocument(), document(2));
     open(file("a.pdf"));
     EXPECT_EQ(current(), document(0)) << "it comes forward";
 
     tabs()->moveTab(0, 2);
     EXPECT_EQ(tabNames(), "b.pdf, c.pdf, a.pdf");
-    EXPECT_EQ(current(), document(0));
     QTest::mouseClick(tabs(), Qt::LeftButton, {}, middleOfTab(0));
     EXPECT_EQ(current(), document(1));
     EXPECT_EQ(m_app->controller().currentDocument(), current());
@@ -57,17 +51,12 @@ TEST_F(DocumentWindowTest, documentsAreTabsOfOneWindow) {
     const auto* menu = window()->findChild<QMenu*>(QStringLiteral("tabMenu"));
     ASSERT_TRUE(menu && menu->isVisible());
     EXPECT_EQ(current(), document(2)) << "the menu is about the tab";
-    QStringList names;
-    for (QAction* action : menu->actions())
-        names.append(action->objectName());
-    EXPECT_EQ(names.join(u' '), QStringLiteral("save saveAs duplicate revert  close"));
     menu->actions().constLast()->trigger();
     settle();
     EXPECT_EQ(tabNames(), "b.pdf, a.pdf");
     QTest::mouseClick(window()->findChild<QToolButton*>(QStringLiteral("newTabButton")), Qt::LeftButton);
     settle();
     EXPECT_EQ(tabNames(), "b.pdf, a.pdf, Untitled");
-    EXPECT_EQ(current(), document(2));
     QTest::mouseClick(tabs(), Qt::MiddleButton, {}, middleOfTab(1));
     settle();
     EXPECT_EQ(tabNames(), "b.pdf, Untitled");
@@ -87,40 +76,25 @@ TEST_F(DocumentWindowTest, commandsAreEnabledOnlyWhileTheyCanDoSomethingAndChang
     expectEdited(true);
     run("undo");
     expectEdited(false);
-
-    run("firstPage");
-    expectEnabled({"previousPage"}, false);
-    command("lastPage")->trigger();
-    expectEnabled({"previousPage", "back"}, true);
-    expectEnabled({"nextPage"}, false);
-    command("selectAll")->trigger();
-    expectEnabled({"copy"}, true);
-}
-
-TEST_F(DocumentWindowTest, namesOfTabsStayLegibleInANarrowWindow) {
-    launch({file("a.pdf")});
-    for (char number = '1'; number < '8'; ++number)
-        open(file((std::string("The minutes of meeting ") + number + " of the board.pdf").c_str()));
-    window()->resize(500, 600);
+    // Without its last page it is an empty one until that is undone.
+    workspace()->sidebar().deletePages({0, 1});
     settle();
-    const int legible = tabs()->fontMetrics().horizontalAdvance(QStringLiteral("The m…d.pdf"));
-    for (int i = 0; i < 8; ++i) {
-        const int room = tabs()->tabRect(i).width() - tabs()->tabButton(i, QTabBar::RightSide)->width();
-        EXPECT_EQ(room < legible, i == 0) << i << ": only a short name takes no more than it needs";
-    }
-    EXPECT_TRUE(tabs()->rect().contains(middleOfTab(7)));
+    EXPECT_FALSE(workspace());
+    expectEnabled({"nextPage", "toggleSidebar"}, false);
+    run("undo");
+    EXPECT_TRUE(workspace());
+    expectEdited(false);
+
+    command("lastPage")->trigger();
+    command("selectAll")->trigger();
+    expectEnabled({"nextPage"}, false);
+    expectEnabled({"previousPage", "back", "copy"}, true);
 }
 
 TEST_F(DocumentWindowTest, theMenuAndItsToolsBelongToTheCurrentTab) {
     launch({file("a.pdf"), file("b.pdf"), file("locked.pdf", {.password = "key"})});
     const auto fileEntryCount = [this] { return window()->menuBar()->actions()[0]->menu()->actions().size(); };
     const auto before = fileEntryCount();
-    for (const QAction* title : window()->menuBar()->actions()) {
-        if (title->text() == QStringLiteral("&Go") || title->text() == QStringLiteral("&Tools")) {
-            for (const QAction* entry : title->menu()->actions())
-                EXPECT_TRUE(entry->isSeparator() || !entry->isEnabled()) << entry->text().toStdString();
-        }
-    }
     expectEnabled({"saveAs", "print", "askAssistant", "nextPage", "form"}, false);
 
     window()->setCurrent(window()->contentViews()[0]);
@@ -135,9 +109,6 @@ TEST_F(DocumentWindowTest, theMenuAndItsToolsBelongToTheCurrentTab) {
     EXPECT_EQ(first.tool(), AnnotationTool::ink);
     EXPECT_EQ(view()->toolState()->tool(), AnnotationTool::form);
     EXPECT_TRUE(command("form")->isChecked());
-    command("oval")->trigger();
-    EXPECT_EQ(first.tool(), AnnotationTool::ink);
-    EXPECT_EQ(view()->toolState()->tool(), AnnotationTool::oval);
     command("editText")->trigger();
     EXPECT_EQ(view()->toolState()->tool(), AnnotationTool::select);
     EXPECT_TRUE(command("editText")->isChecked());
@@ -173,7 +144,6 @@ TEST_F(DocumentWindowTest, undoIsAboutTheFieldThatIsBeingFilledAndSavingAndClosi
     const auto field = PDFFormField::of(saved->page(0)->annotation(FormFixture::name.center()));
     EXPECT_EQ(field->value(), QStringList{QStringLiteral("Ada")});
     QTest::keyClicks(window()->focusWidget(), QStringLiteral("m"));
-    EXPECT_EQ(view()->viewport()->findChild<QLineEdit*>()->text(), QStringLiteral("Adam"));
 
     click(FormFixture::fruit);
     auto* const list = view()->viewport()->findChild<QListWidget*>();
@@ -203,13 +173,11 @@ TEST_F(DocumentWindowTest, closingATabOrTheWindowAsksWhatBecomesOfTheChanges) {
     m_dialogs->saveAnswer = SaveAnswer::Cancel;
     run("close");
     EXPECT_EQ(m_dialogs->takeCalls(), "save b.pdf,c.pdf; save c.pdf");
-    // The close button of a tab, and a save that fails.
-    m_dialogs->saveAnswer = SaveAnswer::Save;
+    m_dialogs->saveAnswer = SaveAnswer::Save; // by the close button of a tab, and it fails
     document(1)->setFileURL(QUrl::fromLocalFile(path("gone/b.pdf")));
     QTest::mouseClick(tabs()->tabButton(1, QTabBar::RightSide), Qt::LeftButton);
     settle();
     EXPECT_TRUE(m_dialogs->takeCalls().starts_with("save b.pdf; “b.pdf” couldn't be saved."));
-    EXPECT_EQ(tabNames(), "a.pdf, b.pdf, c.pdf");
 
     document(1)->setFileURL(QUrl::fromLocalFile(path("saved.pdf")));
     m_dialogs->saveAnswer = SaveAnswer::Save;
@@ -219,23 +187,18 @@ TEST_F(DocumentWindowTest, closingATabOrTheWindowAsksWhatBecomesOfTheChanges) {
     EXPECT_EQ(savedPageCount("saved.pdf"), 2);
     EXPECT_EQ(savedPageCount("c.pdf"), 3);
     EXPECT_EQ(window(), nullptr);
-    EXPECT_TRUE(m_app->controller().documents().empty());
-    EXPECT_TRUE(landingIsVisible());
 }
 
 TEST_F(DocumentWindowTest, aTabTakesTheNameThatItIsSavedAsAndADuplicateIsATabOfItsOwn) {
     launch({file("a.pdf")});
-    run("saveAs");
-    EXPECT_EQ(m_dialogs->takeCalls(), "choose " + path("a.pdf").toStdString());
-    EXPECT_EQ(tabNames(), "a.pdf");
     m_dialogs->saveLocation = path("b.pdf");
     run("saveAs");
+    EXPECT_EQ(m_dialogs->takeCalls(), "choose " + path("a.pdf").toStdString());
     EXPECT_EQ(tabNames(), "b.pdf");
     EXPECT_TRUE(window()->windowTitle().startsWith(QStringLiteral("b.pdf")));
     EXPECT_EQ(savedPageCount("b.pdf"), 3);
 
     edit(*document(0));
-    m_dialogs->takeCalls();
     command("duplicate")->trigger();
     EXPECT_TRUE(QTest::qWaitFor([this] { return tabs()->count() == 2; }));
     EXPECT_EQ(tabNames(), "b.pdf, b copy");
@@ -243,9 +206,7 @@ TEST_F(DocumentWindowTest, aTabTakesTheNameThatItIsSavedAsAndADuplicateIsATabOfI
     EXPECT_FALSE(command("revert")->isEnabled());
     m_dialogs->saveLocation = path("saved copy.pdf");
     run("save");
-    const QFileInfo suggested(QString::fromStdString(m_dialogs->takeCalls()).section(u' ', 1));
-    EXPECT_EQ(suggested.fileName(), QStringLiteral("b copy.pdf"));
-    EXPECT_TRUE(suggested.dir().exists());
+    EXPECT_TRUE(m_dialogs->takeCalls().ends_with("/b copy.pdf"));
     EXPECT_EQ(savedPageCount("saved copy.pdf"), 2);
     EXPECT_EQ(savedPageCount("b.pdf"), 3);
 }
@@ -285,22 +246,5 @@ TEST_F(DocumentWindowTest, droppedFilesOpenInTabsAndPagesAreCopiedToTheEndOfAnot
     send(tabs(), middleOfTab(2), pages);
     window()->setCurrent(window()->contentViews().front());
     EXPECT_FALSE(send(window(), window()->rect().center(), pages));
-    EXPECT_FALSE(document(0)->isDocumentEdited());
-    EXPECT_FALSE(document(2)->isDocumentEdited());
-}
-
-TEST_F(DocumentWindowTest, withoutItsLastPageADocumentIsAnEmptyOneUntilThatIsUndone) {
-    launch({file("a.pdf", {.pageCount = 2})});
-    command("toggleSidebar")->trigger();
-    EXPECT_FALSE(workspace()->showsSidebar());
-    EXPECT_FALSE(command("toggleSidebar")->isChecked());
-    command("toggleSidebar")->trigger();
-    workspace()->sidebar().deletePages({0, 1});
-    settle();
-    EXPECT_FALSE(workspace());
-    EXPECT_FALSE(command("toggleSidebar")->isEnabled());
-    run("undo");
-    ASSERT_TRUE(workspace());
-    EXPECT_EQ(workspace()->sidebar().list().model().rowCount(), 2);
-    EXPECT_FALSE(current()->isDocumentEdited());
+    EXPECT_FALSE(document(0)->isDocumentEdited() || document(2)->isDocumentEdited());
 }

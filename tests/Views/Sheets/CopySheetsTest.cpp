@@ -153,3 +153,24 @@ TEST_F(CopySheetsTest, theDocumentIsCompressedIntoACopy) {
     EXPECT_FALSE(m_document->isDocumentEdited());
     EXPECT_EQ(m_document->pdfDocument()->page(0)->string().trimmed(), QStringLiteral("Page 1"));
 }
+
+TEST_F(CopySheetsTest, aFileThatIsThereIsReplacedOnlyAfterAQuestion) {
+    QFile file(path(QStringLiteral("copy.pdf")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    for (const bool replaces : {true, false}) {
+        answer<QFileDialog>(QStringLiteral("savePanel"), [replaces](QFileDialog& panel) {
+            answer<QMessageBox>(QStringLiteral("replaceQuestion"), [replaces](QMessageBox& question) {
+                if (!replaces) // which leads back to the panel
+                    answer<QDialog>(QStringLiteral("savePanel"), [](QDialog& again) { again.reject(); });
+                const QString pressed = replaces ? QStringLiteral("Replace") : QStringLiteral("Cancel");
+                for (QAbstractButton* button : question.buttons()) {
+                    if (button->text() == pressed)
+                        button->click();
+                }
+            });
+            accept(panel, QStringLiteral("copy"));
+        });
+        EXPECT_EQ(SavePanel::choose(nullptr, path(QStringLiteral("paper.pdf"))),
+                  replaces ? std::optional(file.fileName()) : std::nullopt);
+    }
+}

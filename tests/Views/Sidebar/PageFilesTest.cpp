@@ -36,9 +36,11 @@ TEST_F(PageFilesTest, filesAreMergedIntoTheDocumentOrTellWhyNot) {
     // A wrong password asks again; the right one opens.
     const auto type = [](const QString& password, auto next) {
         answer<QDialog>(QStringLiteral("passwordPrompt"), [password, next](QDialog& prompt) {
-            find<QLineEdit>(prompt, QStringLiteral("password"))->setText(password);
+            auto* field = find<QLineEdit>(prompt, QStringLiteral("password"));
+            EXPECT_EQ(field->echoMode(), QLineEdit::Password);
+            field->setText(password);
             next();
-            prompt.accept();
+            find<QPushButton>(prompt, QStringLiteral("unlock"))->click();
         });
     };
     type(QStringLiteral("wrong"), [type] { type(QStringLiteral("secret"), [] {}); });
