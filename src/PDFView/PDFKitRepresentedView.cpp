@@ -6,13 +6,6 @@
 #include "PDFViewCoordinator.h"
 #include "Palette.h"
 
-static void giveValues(const PDFKitRepresentedView& values, AnnotatingPDFView& view) {
-    view.setDocUndoManager(values.undoManager);
-    view.onAskAI = values.onAskAI;
-    view.onTextExtracted = values.onTextExtracted;
-    view.onRedactionDrawn = values.onRedactionDrawn;
-}
-
 /// The page to begin with, unless it is the first, which a fresh viewer shows anyway.
 static std::shared_ptr<PDFPage> rememberedPage(const PDFKitRepresentedView& values) {
     if (values.fileURL.isEmpty())
@@ -28,7 +21,10 @@ AnnotatingPDFView* PDFKitRepresentedView::makeView(QWidget* parent) const {
     view->setAutoScales(true);
     view->setDisplaysPageBreaks(true);
     view->setBackgroundColor(Palette::appTint(view->palette()));
-    giveValues(*this, *view);
+    view->setDocUndoManager(undoManager);
+    view->onAskAI = onAskAI;
+    view->onTextExtracted = onTextExtracted;
+    view->onRedactionDrawn = onRedactionDrawn;
 
     // Before the coordinator is attached: that writes the viewer's first page over the remembered one.
     const std::shared_ptr<PDFPage> page = rememberedPage(*this);
@@ -51,12 +47,4 @@ AnnotatingPDFView* PDFKitRepresentedView::makeView(QWidget* parent) const {
             Qt::QueuedConnection);
     }
     return view;
-}
-
-void PDFKitRepresentedView::updateView(AnnotatingPDFView& view) const {
-    view.setToolState(toolState);
-    giveValues(*this, view);
-    if (view.document() != pdfDocument)
-        view.setDocument(pdfDocument);
-    view.refreshToolCursor();
 }

@@ -13,7 +13,7 @@ class QWidget;
 class ToolState;
 class UndoManager;
 
-/// What a window wants its viewer to show and to do: a value that makes the viewer, or brings one up to date.
+/// What a window wants its viewer to show and to do: a value that makes the viewer.
 struct PDFKitRepresentedView {
     std::shared_ptr<ToolState> toolState;
     std::shared_ptr<PDFDocument> pdfDocument;
@@ -28,7 +28,4 @@ struct PDFKitRepresentedView {
     /// Makes the viewer as a child of `parent`, attaches it to the coordinator, and lets it show the page that was last
     /// shown of the file as soon as control is back in the event loop.
     AnnotatingPDFView* makeView(QWidget* parent) const;
-
-    /// Gives an existing viewer these values. It keeps its place unless it gets another document.
-    void updateView(AnnotatingPDFView& view) const;
 };

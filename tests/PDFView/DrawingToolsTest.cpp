@@ -3,19 +3,7 @@
 #include "SignatureStore.h"
 #include "ViewerTest.h"
 
-namespace {
-
-class DrawingTools : public ViewerTest {
-protected:
-    /// A signature twice as wide as high.
-    void keepSignature() {
-        QImage image(200, 100, QImage::Format_ARGB32);
-        image.fill(Qt::black);
-        m_toolState->signatureStore()->add(image);
-    }
-};
-
-} // namespace
+using DrawingTools = ViewerTest;
 
 TEST_F(DrawingTools, aDragDrawsAClickLeavesNothingAndAllIsUndoneInItsOrder) {
     const QRectF dragged(200, 400, 100, 100);
@@ -31,28 +19,25 @@ TEST_F(DrawingTools, aDragDrawsAClickLeavesNothingAndAllIsUndoneInItsOrder) {
     m_toolState->setLineEndStyle(PDFLineStyle::diamond);
     int markers = 0;
     m_view.onRedactionDrawn = [&markers] { ++markers; };
-    std::shared_ptr<PDFAnnotation> made;
+    select(0, 0, 0, 0);
+    Annotations left;
     for (const auto& [tool, type, bounds] : cases) {
         m_toolState->setTool(tool);
-        const std::size_t before = annotations().size();
         click({100, 500});
-        EXPECT_EQ(annotations().size(), before);
-        select(0, 0, 0, 0);
+        EXPECT_EQ(annotations(), left);
         drag({{300, 400}, {280, 420}, {200, 500}});
-        ASSERT_EQ(annotations().size(), before + 1) << type.toStdString();
-        made = annotations().back();
-        EXPECT_EQ(made->type(), type);
-        EXPECT_EQ(made->color(), QColor(200, 30, 60));
-        EXPECT_EQ(made->border().value().lineWidth, 4);
-        expectNear(made->bounds(), bounds, tool == AnnotationTool::line ? 5 : 0.01);
-        EXPECT_TRUE(m_view.hasSelection()) << "a tool selects no text";
+        left = annotations();
+        const PDFAnnotation& made = *left.back();
+        EXPECT_EQ(made.type(), type);
+        EXPECT_EQ(made.color(), QColor(200, 30, 60));
+        EXPECT_EQ(made.border().value().lineWidth, 4);
+        expectNear(made.bounds(), bounds, tool == AnnotationTool::line ? 5 : 0.01);
     }
+    EXPECT_TRUE(m_view.hasSelection()) << "a tool selects no text";
     EXPECT_EQ(markers, 1);
-    expectNear(QRectF(made->startPoint(), made->endPoint()), QRectF(300, 400, -100, 100));
-    EXPECT_EQ(made->endLineStyle(), PDFLineStyle::diamond);
-    EXPECT_EQ(made->startLineStyle(), PDFLineStyle::none);
+    expectNear(QRectF(left.back()->startPoint(), left.back()->endPoint()), QRectF(300, 400, -100, 100));
+    EXPECT_EQ(left.back()->endLineStyle(), PDFLineStyle::diamond);
 
-    Annotations left = annotations();
     m_toolState->setTool(AnnotationTool::eraser);
     click({250, 450});
     EXPECT_TRUE(annotations().empty());
@@ -72,8 +57,7 @@ TEST_F(DrawingTools, aStrokeIsSmoothAndRunsFromItsFirstPointToItsLast) {
     drag({{100, 300}, {140, 380}, {190, 300}, {240, 380}});
     const auto& ink = *annotations().at(0);
     const QPainterPath path = ink.paths().at(0).translated(ink.bounds().topLeft());
-    const std::pair<int, QPointF> elements[] = {
-        {0, {100, 300}}, {1, {140, 380}}, {3, {165, 340}}, {6, {215, 340}}, {7, {240, 380}}};
+    const std::pair<int, QPointF> elements[] = {{0, {100, 300}}, {1, {140, 380}}, {3, {165, 340}}, {7, {240, 380}}};
     for (const auto& [element, point] : elements)
         EXPECT_LT((path.elementAt(element) - point).manhattanLength(), 0.01) << element;
 }
@@ -96,15 +80,14 @@ TEST_F(DrawingTools, aDragEndsWithWhatComesNext) {
         m_toolState->setTool(AnnotationTool::rectangle);
         press({100, 500});
         moveTo({160, 520});
-        EXPECT_EQ(annotations().size(), 1U);
     };
     const auto expectShapes = [&](std::size_t count, const char* what) {
         endTurn();
         EXPECT_EQ(annotations().size(), count) << what;
-        for (const auto& each : annotations())
+        for (const auto& each : Annotations(annotations())) {
             EXPECT_EQ(each->bounds().width(), 60) << what;
-        for (std::size_t left = count; left > 0; --left)
             m_undoManager->undo();
+        }
         EXPECT_TRUE(annotations().empty() && !m_undoManager->canUndo()) << what;
         begin();
     };
@@ -130,15 +113,16 @@ TEST_F(DrawingTools, aDragEndsWithWhatComesNext) {
     m_document->removePage(0); // under the pointer
     moveTo({160, 530});
     release({160, 530});
-    EXPECT_TRUE(annotations().empty());
-    EXPECT_FALSE(m_undoManager->canUndo());
+    EXPECT_TRUE(annotations().empty() && !m_undoManager->canUndo());
 }
 
 TEST_F(DrawingTools, aSignatureKeepsItsShapeWhereverItIsDragged) {
     m_toolState->setTool(AnnotationTool::signature);
     drag({{100, 500}, {300, 400}});
     EXPECT_TRUE(annotations().empty()) << "there is no signature yet";
-    keepSignature();
+    QImage twiceAsWide(200, 100, QImage::Format_ARGB32);
+    twiceAsWide.fill(Qt::black);
+    m_toolState->signatureStore()->add(twiceAsWide);
     const std::pair<std::vector<QPointF>, QRectF> cases[] = {{{{100, 500}}, {100, 420, 160, 80}},
                                                              {{{100, 500}, {300, 400}}, {100, 400, 200, 100}},
                                                              {{{300, 500}, {200, 560}}, {200, 450, 100, 50}},
@@ -147,7 +131,6 @@ TEST_F(DrawingTools, aSignatureKeepsItsShapeWhereverItIsDragged) {
         drag(way);
         expectNear(annotations().at(0)->bounds(), bounds);
         m_undoManager->undo();
-        EXPECT_TRUE(annotations().empty());
     }
 }
 
@@ -159,11 +142,11 @@ TEST_F(DrawingTools, formFieldsAreNumberedAsTheyAreBegun) {
     endTurn();
     click({100, 400});
     drag({{100, 400}, {120, 420}});
-    ASSERT_EQ(annotations().size(), 2U);
-    const int number = annotations()[0]->fieldName().section(u'_', 1).toInt();
-    EXPECT_EQ(annotations()[0]->fieldName(), QStringLiteral("text_%1").arg(number));
-    EXPECT_EQ(annotations()[0]->widgetFieldType(), PDFWidgetFieldType::text);
-    const PDFAnnotation& box = *annotations()[1];
+    const PDFAnnotation& text = *annotations().at(0);
+    const int number = text.fieldName().section(u'_', 1).toInt();
+    EXPECT_EQ(text.fieldName(), QStringLiteral("text_%1").arg(number));
+    EXPECT_EQ(text.widgetFieldType(), PDFWidgetFieldType::text);
+    const PDFAnnotation& box = *annotations().at(1);
     EXPECT_EQ(box.fieldName(), QStringLiteral("checkbox_%1").arg(number + 2)) << "the click used one up";
     EXPECT_EQ(box.widgetControlType(), PDFWidgetControlType::checkBox);
     EXPECT_EQ(box.buttonWidgetState(), PDFWidgetCellState::off);
@@ -175,15 +158,12 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     click({300, 500});
     const auto note = annotations().at(0);
     const auto expectAt = [&note](double x, double y) { expectNear(note->bounds(), QRectF(x, y, 120, 80)); };
-    expectAt(240, 460);
     ASSERT_TRUE(openEditor());
     QTest::keyClicks(openEditor(), QStringLiteral("Ask Ann"));
     m_toolState->setTool(AnnotationTool::select);
     click({50, 200});
     EXPECT_EQ(note->contents(), QStringLiteral("Ask Ann"));
-    m_undoManager->removeAllActions();
-    click({250, 470});
-    EXPECT_FALSE(m_undoManager->canUndo()) << "a click costs nothing";
+    click({250, 470}); // which costs nothing
     drag({{250, 470}, {260, 480}, {150, 370}});
     expectAt(140, 360);
     m_undoManager->undo();
@@ -196,10 +176,6 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     expectAt(140, 360);
     doubleClick({150, 370});
     EXPECT_TRUE(openEditor());
-    m_toolState->setTool(AnnotationTool::textBox);
-    click({400, 600});
-    EXPECT_EQ(openEditor()->objectName(), QStringLiteral("textBoxEditor"));
-    m_toolState->setTool(AnnotationTool::select);
 
     show(PDFDocument::fromData(m_document->dataRepresentation()));
     const QRectF before = annotations().at(0)->bounds();
@@ -210,7 +186,9 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
 }
 
 TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
-    keepSignature();
+    QImage twiceAsWide(200, 100, QImage::Format_ARGB32);
+    twiceAsWide.fill(Qt::black);
+    m_toolState->signatureStore()->add(twiceAsWide);
     for (const char* rotation : {"0", "90", "180", "270"}) {
         SCOPED_TRACE(rotation);
         PdfFixture fixture;
