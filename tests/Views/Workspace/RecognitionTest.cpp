@@ -35,7 +35,7 @@ protected:
     [[nodiscard]] QString string(int page) const {
         return m_document->pdfDocument()->page(page)->string().simplified();
     }
-    void run(const char* command) const { find<QAction>(*m_workspace, QLatin1String(command))->trigger(); }
+    void recognizeAll() const { find<QAction>(*m_workspace, QStringLiteral("recognizeText"))->trigger(); }
     [[nodiscard]] std::string alert() const {
         const auto alert = m_workspace->sidebar().pendingAlert();
         return alert ? (alert->title + u'|' + alert->message).toStdString() : std::string();
@@ -45,8 +45,7 @@ protected:
         const auto count = m_workspace->assistant()->turns().size();
         press(QStringLiteral("ocrPage"));
         press(QStringLiteral("ocrPage")); // it runs already
-        EXPECT_TRUE(QTest::qWaitFor([&] { return m_workspace->assistant()->turns().size() > count; }, 60'000));
-        EXPECT_EQ(m_workspace->assistant()->turns().size(), count + 1);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return m_workspace->assistant()->turns().size() == count + 1; }, 60'000));
         return m_workspace->assistant()->turns().back().text;
     }
 };
@@ -79,13 +78,13 @@ TEST_F(RecognitionTest, theTextOfThePageIsCopiedAndShownAndPutIntoThePage) {
 
 TEST_F(RecognitionTest, allPagesWithoutTextGetOneUnlessCancelled) {
     openScans({QStringLiteral("The first of the pages here"), QStringLiteral("The second of the pages here")});
-    run("recognizeText");
+    recognizeAll();
     QPointer progress(find<QProgressDialog>(*m_workspace, QStringLiteral("recognitionProgress")));
     progress->findChild<QPushButton*>()->click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !progress; }, 60'000));
     EXPECT_FALSE(m_document->undoManager()->canUndo() || !alert().empty());
 
-    run("recognizeText");
+    recognizeAll();
     progress = find<QProgressDialog>(*m_workspace, QStringLiteral("recognitionProgress"));
     QString told;
     const auto isDone = [&] {
@@ -97,9 +96,8 @@ TEST_F(RecognitionTest, allPagesWithoutTextGetOneUnlessCancelled) {
     EXPECT_TRUE(told.startsWith(QStringLiteral("Recognizing page ")));
     EXPECT_EQ(alert(), "Recognition Complete|Added a searchable text layer to 2 pages.");
     EXPECT_EQ(string(0) + string(1), QStringLiteral("The first of the pages hereThe second of the pages here"));
-    run("recognizeText");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return alert().starts_with("Nothing"); }, 60'000));
-    EXPECT_EQ(alert(), "Nothing to Recognize|Every page already has a text layer.");
+    recognizeAll();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return alert().starts_with("Nothing to Recognize|"); }, 60'000));
     m_document->undoManager()->undo();
     EXPECT_EQ(string(0) + string(1), QString());
     EXPECT_FALSE(m_document->undoManager()->canUndo());

@@ -65,23 +65,19 @@ protected:
 TEST_F(TypedWordsRecoveryTest, theWordsComeBackWhereTheyWouldHaveGone) {
     const auto page = m_document->pdfDocument()->page(0);
     const QPointF line = page->selectAll()->bounds(*page).center();
-    const struct {
-        const char* name;
-        QPointF click;
-        const char* recovered; ///< once "half" has been typed
-        AnnotationTool tool = AnnotationTool::select;
-    } places[] = {
-        {"field", FormFixture::name.center(), "half|Text:old words"},
-        {"note", noteBounds.center(), "|Text:half"},
-        {"text box", {80, 250}, "|Text:old words|FreeText:half", AnnotationTool::textBox},
-        {"line", line, "|Text:old words|Square:|FreeText:half"},
+    // Where is clicked, with which tool, and what is recovered once "half" has been typed.
+    const std::tuple<QPointF, AnnotationTool, const char*> places[] = {
+        {FormFixture::name.center(), AnnotationTool::select, "half|Text:old words"},
+        {noteBounds.center(), AnnotationTool::select, "|Text:half"},
+        {{80, 250}, AnnotationTool::textBox, "|Text:old words|FreeText:half"},
+        {line, AnnotationTool::select, "|Text:old words|Square:|FreeText:half"},
     };
-    for (const auto& place : places) {
-        SCOPED_TRACE(place.name);
+    for (const auto& [place, tool, recovered] : places) {
+        SCOPED_TRACE(recovered);
         QSignalSpy recorded(m_recovery.get(), &DocumentRecovery::written);
-        m_toolState->setTool(place.tool);
-        m_toolState->setTextEditingModeEnabled(place.click == line);
-        click(place.click, place.click == noteBounds.center());
+        m_toolState->setTool(tool);
+        m_toolState->setTextEditingModeEnabled(place == line);
+        click(place, place == noteBounds.center());
         ASSERT_TRUE(m_document->isBeingTyped());
         QTest::qWait(30);
         EXPECT_TRUE(QDir(m_records).isEmpty()) << "an open editor alone is no change";
@@ -105,7 +101,7 @@ TEST_F(TypedWordsRecoveryTest, theWordsComeBackWhereTheyWouldHaveGone) {
             QFile::copy(record.filePath(name), crashed + u'/' + ids[0] + u'/' + name);
         const auto lost = RecoveryStore::takeLost(crashed, QDateTime::currentDateTime());
         ASSERT_EQ(lost.size(), 1U);
-        EXPECT_EQ(words(*PDFDocument::fromData(lost[0]->bytes())).toStdString(), place.recovered);
+        EXPECT_EQ(words(*PDFDocument::fromData(lost[0]->bytes())).toStdString(), recovered);
         lost[0]->remove();
 
         // Given up: the record goes.
