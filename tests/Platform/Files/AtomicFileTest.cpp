@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 
+#include <array>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -45,11 +46,6 @@ TEST_F(AtomicFileTest, MakesAndReplacesFiles) {
     ASSERT_TRUE(openBefore.open(QIODevice::ReadOnly));
     writeFileAtomically(openBefore.fileName(), QByteArray("other"));
     EXPECT_EQ(openBefore.readAll(), "short") << "who has the old file open keeps it";
-    const QString oldFolder = QDir::currentPath();
-    ASSERT_TRUE(QDir::setCurrent(m_folder.path()));
-    writeFileAtomically(QStringLiteral("relative"), QByteArray("here"));
-    QDir::setCurrent(oldFolder);
-    EXPECT_EQ(contentOf("relative"), "here");
 }
 
 TEST_F(AtomicFileTest, AFileThatChangesWhileItIsBeingReplacedStays) {
@@ -104,21 +100,14 @@ TEST_F(AtomicFileTest, SymbolicLinksAreFollowedAndKept) {
     makeFile("a/target");
     // The link's own folder is reached through a link, so ".." must not be taken for the folder as written.
     ASSERT_EQ(symlink("a/b", qPrintable(path("shortcut"))), 0);
-    const struct {
-        const char* link;
-        const char* text;
-        const char* target;
-    } rows[] = {
-        {"a/b/up", "../target", "a/target"},
-        {"chain", "shortcut/up", "a/target"},
-        {"dangling", "a/not-yet", "a/not-yet"},
-    };
-    for (const auto& row : rows) {
-        ASSERT_EQ(symlink(row.text, qPrintable(path(row.link))), 0);
-        writeFileAtomically(path(row.link), QByteArray(row.link));
-        EXPECT_TRUE(QFileInfo(path(row.link)).isSymLink()) << row.link;
-        EXPECT_FALSE(QFileInfo(path(row.target)).isSymLink()) << row.target;
-        EXPECT_EQ(contentOf(row.target), row.link);
+    for (const auto& [link, text, target] : {std::array{"a/b/up", "../target", "a/target"},
+                                             {"chain", "shortcut/up", "a/target"},
+                                             {"dangling", "a/not-yet", "a/not-yet"}}) {
+        ASSERT_EQ(symlink(text, qPrintable(path(link))), 0);
+        writeFileAtomically(path(link), QByteArray(link));
+        EXPECT_TRUE(QFileInfo(path(link)).isSymLink()) << link;
+        EXPECT_FALSE(QFileInfo(path(target)).isSymLink()) << target;
+        EXPECT_EQ(contentOf(target), link);
     }
 }
 
@@ -140,7 +129,6 @@ TEST_F(AtomicFileTest, FailuresAreToldAndChangeNothing) {
         {path("pipe"), "It isn't an ordinary file."},
         {path(QByteArray(300, 'n').constData()), "The file's name is too long."},
         {QStringLiteral("/dev/full"), "It isn't an ordinary file."},
-        {QStringLiteral("/proc/new-file"), "The folder “proc” doesn't exist."},
         {path("read-only"), "You don't have permission to change this file."},
         {path("closed/new"), "You don't have permission to write to the folder “closed”."},
     };
@@ -164,14 +152,10 @@ TEST_F(AtomicFileTest, FailuresAreToldAndChangeNothing) {
 
 TEST_F(AtomicFileTest, FailuresSayWhatCanBeDone) {
     for (const auto& [number, words] : {std::pair(EACCES, "Choose Save As to store it in another place."),
-                                        {EROFS, "in another place."},
                                         {ENOSPC, "Free some space and save again, or choose Save As"},
-                                        {EDQUOT, "on another disk."},
                                         {ENAMETOOLONG, "to give it another name."},
-                                        {EISDIR, "another name."},
                                         {EBUSY, "Save again in a moment, or choose Save As"}})
         EXPECT_TRUE(FileError::forSystemError(number).advice().contains(QLatin1String(words))) << number;
-    EXPECT_EQ(FileError(QStringLiteral("It is so.")).advice(), QString());
 }
 
 TEST_F(AtomicFileTest, AFileInAClosedFolderIsWrittenInItsPlace) {
@@ -225,15 +209,11 @@ TEST_F(AtomicFileTest, AFullOrReadOnlyDiskIsTold) {
               "The disk can't be written to.|The disk can't be written to.|file");
 }
 
-TEST_F(AtomicFileTest, TheWriterMayWriteInPiecesOrByName) {
-    writeFileAtomically(path("file"), [](QFile& file) {
-        file.write("one ");
-        file.write("two");
+TEST_F(AtomicFileTest, TheWriterMayReadWhatItWroteOrWriteByName) {
+    writeFileAtomically(path("file"), [this](QFile& file) {
+        file.write("one");
         file.seek(0);
         EXPECT_EQ(file.read(3), "one");
-    });
-    EXPECT_EQ(contentOf("file"), "one two");
-    writeFileAtomically(path("file"), [this](QFile& file) {
         file.close();
         EXPECT_EQ(QFileInfo(file.fileName()).path(), m_folder.path()) << "the same folder, so the same disk";
         makeFile(qPrintable(QFileInfo(file.fileName()).fileName()), "by name");

@@ -14,7 +14,6 @@ TEST_F(FileStampTest, TellsContentsApartAndNothingElse) {
     const QString moved = this->path("moved.pdf");
     writeFileAtomically(path, QByteArray("first"));
     const std::optional<FileStamp> first = FileStamp::of(path);
-    ASSERT_TRUE(first);
     ASSERT_EQ(chmod(qPrintable(path), 0600), 0);
     ASSERT_TRUE(QFile::rename(path, moved));
     ASSERT_EQ(symlink(qPrintable(moved), qPrintable(path)), 0);
