@@ -159,9 +159,7 @@ protected:
         return Outcome([&](const auto& done) { m_controller->closeAllDocuments(done); });
     }
     bool save(const std::shared_ptr<Document>& document) { return saving(document).waitFor(); }
-    bool saveAs(const std::shared_ptr<Document>& document, const char* name) {
-        return savingAs(document, name).waitFor();
-    }
+    bool saveAs(const auto& document, const char* name) { return savingAs(document, name).waitFor(); }
     bool close(const std::shared_ptr<Document>& document) { return closing(document).waitFor(); }
     bool closeAll() { return closingAll().waitFor(); }
 

@@ -1,13 +1,10 @@
-#include "FolderTest.h"
 #include "TextDocument.h"
 
 #include <QSignalSpy>
 
-namespace {
+#include <gtest/gtest.h>
 
-class DocumentTest : public FolderTest {};
-
-TEST_F(DocumentTest, UntitledNamesAreUniqueAndFreedAgain) {
+TEST(DocumentTest, UntitledNamesAreUniqueAndFreedAgain) {
     auto first = std::make_unique<TextDocument>();
     TextDocument second, third;
     QSignalSpy names(&second, &Document::displayNameChanged);
@@ -24,18 +21,3 @@ TEST_F(DocumentTest, UntitledNamesAreUniqueAndFreedAgain) {
     EXPECT_EQ(fourth.displayName(), QStringLiteral("Untitled"));
     EXPECT_EQ(fifth.displayName(), QStringLiteral("Untitled 2"));
 }
-
-TEST_F(DocumentTest, WritingIsACopyThatChangesNoState) {
-    TextDocument document;
-    document.append(QStringLiteral("content"));
-    document.write(path("copy.txt"));
-    EXPECT_TRUE(document.isDocumentEdited() && document.fileURL().isEmpty());
-    document.failure = QStringLiteral("It can't be represented.");
-    EXPECT_THROW(document.write(path("copy.txt")), DocumentError);
-    EXPECT_EQ(contentOf("copy.txt"), "content");
-    TextDocument copy;
-    copy.read(url("copy.txt"));
-    EXPECT_EQ(copy.text, document.text);
-}
-
-} // namespace

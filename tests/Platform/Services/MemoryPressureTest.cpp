@@ -7,7 +7,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -20,8 +19,7 @@ class MemoryPressureTest : public FolderTest {
 protected:
     /// Written at once, so that no look finds half of it.
     void setAvailablePercent(int percent) const {
-        const QString text =
-            QStringLiteral("MemTotal:       2000000 kB\nMemFree:         1 kB\nMemAvailable:   %1 kB\n");
+        const QString text = QStringLiteral("MemTotal:       2000000 kB\nMemFree: 1 kB\nMemAvailable: %1 kB\n");
         writeFileAtomically(m_configuration.meminfoPath, text.arg(percent * 20000).toLatin1());
     }
 
@@ -56,8 +54,6 @@ TEST_F(MemoryPressureTest, AvailableMemoryIsToldWhenALevelIsReached) {
         {4, {}},
         {7, {}}, // back to warning, which was told
         {4, {Level::Critical}},
-        {50, {}},
-        {3, {Level::Critical}},
         {50, {}},
         {9, {Level::Warning}},
     };
@@ -96,18 +92,13 @@ TEST_F(MemoryPressureTest, StallsAreToldByTheKernel) {
     QSet<Level> levels;
     QObject::connect(&source, &MemoryPressureSource::memoryPressure, [&](Level level) { levels.insert(level); });
 
-    std::atomic<bool> stop = false;
-    std::vector<std::thread> threads(std::thread::hardware_concurrency() * 2 + 1);
+    std::vector<std::jthread> threads(std::thread::hardware_concurrency() * 2 + 1);
     for (auto& thread : threads)
-        thread = std::thread([&stop] {
-            while (!stop)
+        thread = std::jthread([](const std::stop_token& stop) {
+            while (!stop.stop_requested())
                 ;
         });
-    const bool bothTold = QTest::qWaitFor([&] { return levels.size() == 2; }, 60000);
-    stop = true;
-    for (auto& thread : threads)
-        thread.join();
-    EXPECT_TRUE(bothTold);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return levels.size() == 2; }, 60000));
 }
 
 TEST_F(MemoryPressureTest, TheMonitorCallsACopyOfTheHandlersInOrder) {
@@ -118,14 +109,13 @@ TEST_F(MemoryPressureTest, TheMonitorCallsACopyOfTheHandlersInOrder) {
     monitor.addHandler([&] { calls += u'a'; });
     monitor.addHandler([&] {
         calls += u'b';
-        monitor.addHandler([&] { calls += u'd'; });
+        monitor.addHandler([&] { calls += u'c'; });
     });
-    monitor.addHandler([&] { calls += u'c'; });
 
     Q_EMIT sender.memoryPressure(Level::Critical);
-    EXPECT_EQ(calls.toStdString(), "abc");
+    EXPECT_EQ(calls.toStdString(), "ab");
     Q_EMIT sender.memoryPressure(Level::Warning);
-    EXPECT_EQ(calls.toStdString(), "abcabcd");
+    EXPECT_EQ(calls.toStdString(), "ababc");
     EXPECT_EQ(&MemoryPressureMonitor::shared(), &MemoryPressureMonitor::shared());
 }
 

@@ -26,13 +26,12 @@ public:
                         socket->write(answerTo(socket->readLine().trimmed()));
                 });
             });
-            m_server.listen(path());
+            m_server.listen(m_folder.filePath(QStringLiteral("speechd.sock")));
         });
-        qputenv("SPEECHD_ADDRESS", "unix_socket:" + path().toLocal8Bit());
+        qputenv("SPEECHD_ADDRESS", "unix_socket:" + m_server.fullServerName().toLocal8Bit());
     }
 
     ~SpeechService() {
-        qunsetenv("SPEECHD_ADDRESS");
         onItsThread([this] { m_server.close(); });
         m_thread.quit();
         m_thread.wait();
@@ -45,8 +44,6 @@ public:
     }
 
 private:
-    [[nodiscard]] QString path() const { return m_folder.filePath(QStringLiteral("speechd.sock")); }
-
     template <typename Work>
     void onItsThread(const Work& work) {
         QMetaObject::invokeMethod(&m_server, work, Qt::BlockingQueuedConnection);
@@ -59,13 +56,10 @@ private:
         }
         if (std::exchange(m_isReceiving, line == "speak"))
             return "225-7\r\n225 OK MESSAGE QUEUED\r\n701-7\r\n701-1\r\n701 BEGIN\r\n702-7\r\n702-1\r\n702 END\r\n";
-        const std::pair<const char*, const char*> answers[] = {
-            {"speak", "230 OK RECEIVING DATA\r\n"},
-            {"LIST OUTPUT_MODULES", "250-voices\r\n250 OK MODULE LIST SENT\r\n"},
-            {"LIST ", "249-one\ten\tnone\r\n249 OK VOICE LIST SENT\r\n"},
-            {"GET ", "251-voices\r\n251 OK GET RETURNED\r\n"},
-        };
-        for (const auto& [request, answer] : answers)
+        for (const auto& [request, answer] : {std::pair("speak", "230 OK RECEIVING DATA\r\n"),
+                                              {"LIST OUTPUT_MODULES", "250-voices\r\n250 OK MODULE LIST SENT\r\n"},
+                                              {"LIST ", "249-one\ten\tnone\r\n249 OK VOICE LIST SENT\r\n"},
+                                              {"GET ", "251-voices\r\n251 OK GET RETURNED\r\n"}})
             if (line.startsWith(request))
                 return answer;
         return "208 OK\r\n";
@@ -80,7 +74,7 @@ private:
 
 } // namespace
 
-TEST(SpeechSynthesizer, givesAllOfTheTextToTheServiceAndIsToldTheEnd) {
+TEST(SpeechSynthesizer, givesAllOfTheTextToTheServiceWhenThereIsOneAndIsToldTheEnd) {
     SpeechService service;
     SpeechSynthesizer synthesizer;
     int ends = 0;
@@ -95,12 +89,8 @@ TEST(SpeechSynthesizer, givesAllOfTheTextToTheServiceAndIsToldTheEnd) {
     EXPECT_EQ(count(), 1);
     EXPECT_TRUE(QTest::qWaitFor([&count] { return count() == 0; })) << "gone after a speech of its own";
     EXPECT_EQ(service.spoken(), QStringLiteral("# Größe\n\nand *more*\nOnce\n"));
-}
-
-TEST(SpeechSynthesizer, saysThatThereIsNoService) {
     qputenv("SPEECHD_ADDRESS", "unix_socket:/nowhere/speechd.sock");
-    SpeechSynthesizer synthesizer;
-    EXPECT_FALSE(synthesizer.startSpeaking(QStringLiteral("Hello")));
+    EXPECT_FALSE(SpeechSynthesizer().startSpeaking(QStringLiteral("Hello")));
     EXPECT_FALSE(SpeechSynthesizer::speakToTheEnd(QStringLiteral("Hello")));
     qunsetenv("SPEECHD_ADDRESS");
 }

@@ -34,9 +34,7 @@ public:
             if (gate)
                 gate->acquire();
             QFile file(url.toLocalFile());
-            if (!file.open(QIODevice::ReadOnly))
-                throw DocumentError(file.errorString());
-            const QString content = QString::fromUtf8(file.readAll());
+            const QString content = file.open(QFile::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
             if (content.startsWith(QLatin1String("damaged")))
                 throw DocumentError(QStringLiteral("The file is damaged."));
             return [content](Document& document) {
