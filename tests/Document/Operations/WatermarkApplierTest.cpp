@@ -58,15 +58,7 @@ QImage seenBy(const QString& program, const QByteArray& file, int number) {
     return QImage::fromData(PdfPrograms::run(program, command.arg(number).split(u' '), file).output, "PPM");
 }
 
-class WatermarkApplierTest : public EditorTest {
-protected:
-    [[nodiscard]] std::size_t stamps() const {
-        std::size_t count = 0;
-        for (int i = 0; i < pdf().pageCount(); ++i)
-            count += pdf().page(i)->annotations().size();
-        return count;
-    }
-};
+class WatermarkApplierTest : public EditorTest {};
 
 } // namespace
 
@@ -135,22 +127,23 @@ TEST_F(WatermarkApplierTest, pagesOfOneSizeShareOneLookThatIsPrinted) {
 
 TEST_F(WatermarkApplierTest, allGoInOneStepAndARedoIsTheLastWord) {
     const auto apply = [this] { WatermarkApplier::apply(QStringLiteral(" DRAFT "), 0.25, m_document, &undoManager()); };
+    const auto stamps = [this] { return pdf().page(2)->annotations().size(); };
     apply();
     EXPECT_FALSE(undoManager().canUndo()) << "there are no pages";
     open(pagesOf(QStringList(3, QStringLiteral("Words"))));
     const QByteArray before = pdf().dataRepresentation();
     for (const unsigned times : {1, 2}) {
         edit(apply, true);
-        EXPECT_EQ(stamps(), 3 * times) << "a second one comes on top of the first";
+        EXPECT_EQ(stamps(), times) << "a second one comes on top of the first";
     }
     undoManager().undo();
     undoManager().undo();
     EXPECT_EQ(pdf().dataRepresentation(), before);
     undoManager().redo();
-    EXPECT_EQ(stamps(), 3U);
+    EXPECT_EQ(stamps(), 1U);
     EXPECT_EQ(m_told, 5);
     undoManager().undo();
-    EXPECT_EQ(stamps(), 3U) << "no way back";
+    EXPECT_EQ(stamps(), 1U) << "no way back";
     const auto stamp = std::dynamic_pointer_cast<WatermarkAnnotation>(pdf().page(0)->annotations().front());
     ASSERT_TRUE(stamp);
     EXPECT_EQ(stamp->text(), QStringLiteral(" DRAFT "));
