@@ -11,13 +11,6 @@
 
 namespace {
 
-QByteArray repeated(const QByteArray& part, int times) {
-    QByteArray all;
-    for (int i = 0; i < times; ++i)
-        all += part;
-    return all;
-}
-
 /// Keys of annotations as no program should write them. "SELF" stands for a reference to the annotation.
 QByteArrayList absurdities() {
     const QByteArray huge = '1' + QByteArray(30, '0') + ".0";
@@ -38,20 +31,25 @@ QByteArrayList absurdities() {
     all << "/Subtype 12 " + box << box << "/Subtype /Square /C [1 0 0] /Rect [10 10 90]"
         << "/Subtype /Square /C [1 2 3 4 5] /Rect [(a) /b null true]"
         << "/Subtype /Square /BS << /W -5 /S /Zigzag >> /Border [0 0 -1 [-2 0]] " + box
-        << "/Subtype /Square /BS << /S /D /D [" + repeated("0 ", 1000) + "] >> " + box
+        << "/Subtype /Square /BS << /S /D /D [" + QByteArray("0 ").repeated(1000) + "] >> " + box
         << "/Subtype /Circle /CA -4 /IC [9 -9 " + huge + "] " + box
         << "/Subtype /Highlight /QuadPoints [1 2 3 4 5 6 7] " + box
         << "/Subtype /Highlight /QuadPoints [1e30 2 3 -" + huge + " 5 (x) 7 null 9] " + box
-        << "/Subtype /Underline /QuadPoints [" + repeated("20 40 90 40 20 20 90 20 ", 20000) + "] " + box
+        << "/Subtype /Underline /QuadPoints [" + QByteArray("20 40 90 40 20 20 90 20 ").repeated(20000) + "] " + box
         << "/Subtype /Ink /InkList [1 (a) null [] [[1 2]] [5] [20 20 (x) 90]] " + box
-        << "/Subtype /Ink /InkList [[" + repeated("20 20 22 21 21 23 ", 33400) + "]] /BS << /S /D /D [1] >> " + box
-        << "/Subtype /Ink /InkList [" + repeated("[20 20 90 90]", 3000) + "] " + box
+        << "/Subtype /Ink /InkList [[" + QByteArray("20 20 22 21 21 23 ").repeated(33400) +
+               "]] /BS << /S /D /D [1] >> " + box
+        << "/Subtype /Ink /InkList [" + QByteArray("[20 20 90 90]").repeated(3000) + "] " + box
         << "/Subtype /Line /L [3] /LE [/Feather /ClosedArrow /None] " + box
         << "/Subtype /Line /L [20 20 " + huge + " -" + huge + "] /LE [null 4] /BS << /S /D /D [0.01 0.01] >> " + box
         << "/Subtype /FreeText /DA (/ 0 Tf -" + huge +
                " Tf 9 9 9 9 rg /F 99999 Tf) /DS (font: ;;:: 'a) /Contents (free) " + box
-        << "/Subtype /FreeText /DA (/Helv 500 Tf) /Contents (" + repeated("long ", 20000) + ") " + box
+        << "/Subtype /FreeText /DA (/Helv 500 Tf) /Contents (" + QByteArray("long ").repeated(20000) + ") " + box
         << "/Subtype /Widget /FT /Tx /Ff " + huge + " /V [1] /MaxLen -3 /Opt (x) /MK << /R 37 /BG [1 2] >> " + box
+        << "/Subtype /Ink /Rect (no) /InkList [[1] null [1 2 3] (x)] /BS << /W -5e30 /D [] /S /D >>"
+        << "/Subtype /Line /L [1 2] /LE /Butt /C [1 2 3 4 5 6] /Border [0 0]"
+        << "/Subtype /Widget /FT 7 /Ff (x) /V [1 2] /Parent 99999 0 R /MK null /DA (Tf Tf / 9 Tf rg)"
+        << "/Subtype /Acme /Rect [1e39 0 0 -1e39] /QuadPoints [1 2 3] /M (D:99999999999999)"
         << "/Subtype /Widget /FT /Btn /AS /Elsewhere /V << >> /AP << /N << /On 4 >> >> " + box;
     return all;
 }

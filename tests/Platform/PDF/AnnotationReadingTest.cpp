@@ -1,7 +1,6 @@
 #include "AccountName.h"
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
-#include "PDFOutline.h"
 #include "PDFPage.h"
 #include "PdfFixtures.h"
 
@@ -55,6 +54,9 @@ TEST(AnnotationReading, TakesTheStandardKeys) {
 
     const auto marked = readBack("<< /Subtype /Highlight /Rect [0 0 50 10] /QuadPoints [0 10 50 10 0 0 50 0] >>");
     EXPECT_EQ(marked->quadrilateralPoints(), std::vector{PDFQuad::fromRect(QRectF(0, 0, 50, 10))});
+
+    EXPECT_FALSE(readBack("<< /Rect [0 0 1 1] >>"));
+    EXPECT_FALSE(readBack("[ 1 2 ]"));
 }
 
 TEST(AnnotationReading, ANoteWithoutASizeIsWhereItsSignIsShown) {
@@ -81,30 +83,9 @@ TEST(AnnotationReading, NamesTheAccountAsItsDetailsDo) {
     EXPECT_FALSE(AccountName::current().isEmpty());
 }
 
-TEST(AnnotationReading, SurvivesAbsurdKeys) {
-    for (const QByteArray dictionary :
-         {"<< /Subtype /Ink /Rect (no) /InkList [[1] null [1 2 3] (x)] /BS << /W -5e30 /D [] /S /D >> >>",
-          "<< /Subtype /Line /L [1 2] /LE /Butt /C [1 2 3 4 5 6] /Border [0 0] >>",
-          "<< /Subtype /Widget /FT 7 /Ff (x) /V [1 2] /Parent 99999 0 R /MK null /DA (Tf Tf / 9 Tf rg) >>",
-          "<< /Subtype /Acme /Rect [1e39 0 0 -1e39] /QuadPoints [1 2 3] /M (D:99999999999999) >>"}) {
-        const auto annotation = readBack(dictionary);
-        ASSERT_TRUE(annotation) << dictionary.toStdString();
-        EXPECT_FALSE(annotation->page()->thumbnail(QSize(50, 50), PDFDisplayBox::cropBox).isNull());
-    }
-    EXPECT_FALSE(readBack("<< /Rect [0 0 1 1] >>"));
-    EXPECT_FALSE(readBack("[ 1 2 ]"));
-    PdfFixture pdf;
-    pdf.addPage({});
-    const QByteArray field = pdf.addTextField(0, QStringLiteral("a"), QRectF(0, 0, 10, 10), QStringLiteral("b"));
-    pdf.setKey(field, "/Parent", field); // its own parent
-    const auto document = PDFDocument::fromData(pdf.bytes());
-    EXPECT_EQ(document->page(0)->annotations().at(0)->widgetFieldType(), PDFWidgetFieldType::text);
-}
-
 TEST(AnnotationReading, LinksLeadToPagesEvenAfterTheyMoved) {
     PdfFixture pdf;
-    for (int i = 0; i < 3; ++i)
-        pdf.addPage({QStringLiteral("Page %1").arg(i)});
+    pdf.addPages(3, QStringLiteral("Page %1"));
     pdf.addNamedDestination("chapter", 2);
     pdf.addLink(0, QRectF(0, 0, 10, 10), 1);
     pdf.addNamedLink(0, QRectF(20, 0, 10, 10), "chapter");
@@ -123,25 +104,6 @@ TEST(AnnotationReading, LinksLeadToPagesEvenAfterTheyMoved) {
     EXPECT_EQ(document->index(links[1]->destination()->page().get()), 0);
     document->removePage(0);
     EXPECT_FALSE(links[1]->destination());
-}
-
-TEST(AnnotationReading, FieldsInheritFromTheirParents) {
-    PdfFixture pdf;
-    pdf.addPage({});
-    pdf.addRadioGroup(QStringLiteral("choice"), {{0, QRectF(0, 0, 10, 10), "yes"}, {0, QRectF(20, 0, 10, 10), "no"}},
-                      "no");
-    pdf.addTextField(0, QStringLiteral("name"), QRectF(0, 20, 100, 20), QString::fromUtf8("Zoë"));
-    pdf.addCheckBox(0, QStringLiteral("ok"), QRectF(0, 50, 10, 10), true);
-    const auto document = PDFDocument::fromData(pdf.bytes());
-    const auto fields = document->page(0)->annotations();
-    ASSERT_EQ(fields.size(), 4U);
-    EXPECT_EQ(fields[0]->fieldName(), QStringLiteral("choice"));
-    EXPECT_EQ(fields[0]->widgetControlType(), PDFWidgetControlType::radioButton);
-    EXPECT_EQ(fields[0]->buttonWidgetState(), PDFWidgetCellState::off);
-    EXPECT_EQ(fields[1]->buttonWidgetState(), PDFWidgetCellState::on);
-    EXPECT_EQ(fields[2]->widgetStringValue(), QString::fromUtf8("Zoë"));
-    EXPECT_EQ(fields[3]->widgetControlType(), PDFWidgetControlType::checkBox);
-    EXPECT_EQ(fields[3]->buttonWidgetState(), PDFWidgetCellState::on);
 }
 
 TEST(AnnotationsOfAPage, ChangesAreToldAndCounted) {
@@ -174,51 +136,4 @@ TEST(AnnotationsOfAPage, ChangesAreToldAndCounted) {
     EXPECT_EQ(square->page(), nullptr);
     EXPECT_FALSE(page->isModified());
     EXPECT_EQ(page->removeAnnotation(square), -1);
-}
-
-TEST(OutlineReading, KeepsTheTreeAndEndsCycles) {
-    PdfFixture pdf;
-    for (int i = 0; i < 3; ++i)
-        pdf.addPage({QStringLiteral("Page %1").arg(i)});
-    pdf.addNamedDestination("here", 1);
-    pdf.setOutline(
-        {{QString::fromUtf8("Überblick"), 0, {{QStringLiteral("Inner"), 2}, {QStringLiteral("Named"), -1, {}, "here"}}},
-         {QStringLiteral("Web"), -1, {}, {}, QStringLiteral("https://example.org/")}});
-    const auto document = PDFDocument::fromData(pdf.bytes());
-    const auto root = document->outlineRoot();
-    ASSERT_TRUE(root);
-    ASSERT_EQ(root->numberOfChildren(), 2);
-    EXPECT_EQ(root->child(0)->label(), QString::fromUtf8("Überblick"));
-    EXPECT_EQ(root->child(0)->destination()->page(), document->page(0));
-    ASSERT_EQ(root->child(0)->numberOfChildren(), 2);
-    EXPECT_EQ(root->child(0)->child(0)->destination()->page(), document->page(2));
-    EXPECT_EQ(root->child(0)->child(1)->destination()->page(), document->page(1));
-    EXPECT_FALSE(root->child(1)->destination());
-    EXPECT_EQ(root->child(1)->url(), QStringLiteral("https://example.org/"));
-    EXPECT_EQ(root->child(5), nullptr);
-
-    PdfFixture cyclic;
-    cyclic.addPage({});
-    const QByteArray outlines = cyclic.reserveObject();
-    const QByteArray item = cyclic.reserveObject();
-    cyclic.fillObject(item, "<< /Title (again) /First " + item + " /Next " + item + " /Parent " + outlines + " >>");
-    cyclic.fillObject(outlines, "<< /First " + item + " /Last " + item + " >>");
-    cyclic.setRootKey("/Outlines", outlines);
-    EXPECT_EQ(PDFDocument::fromData(cyclic.bytes())->outlineRoot()->numberOfChildren(), 1);
-}
-
-TEST(AttributeReading, GivesEachKindItsType) {
-    PdfFixture pdf;
-    pdf.addPage({});
-    pdf.setInfo("/Title", QString::fromUtf8("Été"));
-    pdf.setInfo("/Keywords", QStringLiteral("one, two;three"));
-    pdf.setInfo("/CreationDate", QStringLiteral("D:20240101000000Z"));
-    pdf.setInfo("/House", QStringLiteral("own"));
-    const QVariantMap attributes = PDFDocument::fromData(pdf.bytes())->documentAttributes();
-    EXPECT_EQ(attributes.value(QStringLiteral("Title")), QString::fromUtf8("Été"));
-    EXPECT_EQ(attributes.value(QStringLiteral("Keywords")).toStringList(),
-              (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
-    EXPECT_EQ(attributes.value(QStringLiteral("CreationDate")).toDateTime(),
-              QDateTime(QDate(2024, 1, 1), QTime(0, 0), Qt::UTC));
-    EXPECT_EQ(attributes.value(QStringLiteral("House")), QStringLiteral("own"));
 }

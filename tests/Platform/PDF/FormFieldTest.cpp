@@ -69,7 +69,6 @@ TEST(FormField, KindsAndValues) {
     };
     PdfFixture pdf;
     pdf.addPage({});
-    const QByteArray look = pdf.addStream("<< /BBox [0 0 9 9] >>", "");
     for (const KindCase& each : cases)
         addField(pdf, 0, QByteArray("f") + QByteArray::number(&each - cases), each.keys);
     pdf.addAnnotation(0, "<< /Subtype /Widget /T (typeless) /Rect [0 0 9 9] >>");
@@ -143,11 +142,7 @@ TEST(FormField, KeysAreInherited) {
 
 TEST(FormField, TabOrder) {
     for (const auto& [tabs, expected] :
-         std::vector<std::pair<QByteArray, QString>>{{"", QStringLiteral("a b c d")},
-                                                     {"/R", QStringLiteral("a b c d")},
-                                                     {"/C", QStringLiteral("a c b d")},
-                                                     {"/S", QStringLiteral("d b c a")},
-                                                     {"/W", QStringLiteral("d b c a")}}) {
+         {std::pair("", "a b c d"), {"/R", "a b c d"}, {"/C", "a c b d"}, {"/S", "d b c a"}, {"/W", "d b c a"}}) {
         PdfFixture pdf;
         pdf.addPage({});
         addField(pdf, 0, "d", "/FT /Tx", {200, 600, 100, 20});
@@ -156,11 +151,11 @@ TEST(FormField, TabOrder) {
         addField(pdf, 0, "a", "/FT /Ch", {20, 700, 100, 20});
         addField(pdf, 0, "fixed", "/FT /Tx /Ff 1", {20, 500, 100, 20});
         addField(pdf, 0, "push", "/FT /Btn /Ff 65536", {20, 400, 100, 20});
-        if (!tabs.isEmpty())
+        if (*tabs)
             pdf.setPageKey(0, "/Tabs", tabs);
         const auto document = PDFDocument::fromData(pdf.bytes());
-        EXPECT_EQ(names(PDFFormField::fillableWidgets(*document->page(0))).join(QLatin1Char(' ')), expected)
-            << tabs.toStdString();
+        const QStringList order = names(PDFFormField::fillableWidgets(*document->page(0)));
+        EXPECT_EQ(order.join(QLatin1Char(' ')).toStdString(), expected) << tabs;
     }
     PdfFixture turned;
     turned.addPage({});
@@ -174,8 +169,7 @@ TEST(FormField, TabOrder) {
 
 TEST(FormField, AllWidgetsOfAFieldShareItsValue) {
     PdfFixture pdf;
-    for (int i = 0; i < 40; ++i)
-        pdf.addPage({});
+    pdf.addPages(40);
     const QByteArray shared =
         pdf.addSharedTextField(QStringLiteral("shared"), {{0, {0, 0, 90, 20}}, {30, {0, 0, 90, 20}}}, QString());
     // A widget that doesn't tell its page, and a second field of the same name.
@@ -231,8 +225,7 @@ TEST(FormField, ButtonsComeOnTogetherOrInTurn) {
     for (const Case& each : cases) {
         SCOPED_TRACE(std::to_string(each.flags) + " " + each.state + " at " + std::to_string(each.asked));
         PdfFixture pdf;
-        pdf.addPage({});
-        pdf.addPage({});
+        pdf.addPages(2);
         const QByteArray group = pdf.addRadioGroup(QStringLiteral("g"), places, "A");
         pdf.setKey(group, "/Ff", QByteArray::number(each.flags));
         const auto document = PDFDocument::fromData(pdf.bytes());
@@ -305,8 +298,7 @@ TEST(FormField, TakesOnlyWhatItCanHold) {
 
 TEST(FormField, TheFormerValueBringsEverythingBack) {
     PdfFixture pdf;
-    pdf.addPage({});
-    pdf.addPage({});
+    pdf.addPages(2);
     pdf.addTextField(0, QStringLiteral("text"), {20, 20, 90, 20}, QStringLiteral("old"), "/M (D:20200101000000Z)");
     pdf.addSharedTextField(QStringLiteral("shared"), {{0, {20, 60, 90, 20}}, {1, {20, 60, 90, 20}}}, QString());
     pdf.addCheckBox(0, QStringLiteral("check"), {20, 100, 20, 20}, false);
@@ -316,14 +308,11 @@ TEST(FormField, TheFormerValueBringsEverythingBack) {
     const auto document = PDFDocument::fromData(bytes);
     const QImage before = document->page(0)->thumbnail(QSize(400, 400), PDFDisplayBox::cropBox);
     std::vector<std::pair<PDFFormField, QStringList>> done;
-    for (const auto& [name, value] : std::vector<std::pair<const char*, QString>>{{"text", QStringLiteral("new")},
-                                                                                  {"shared", QStringLiteral("new")},
-                                                                                  {"check", QStringLiteral("Yes")},
-                                                                                  {"radio", QStringLiteral("B")},
-                                                                                  {"list", QStringLiteral("b")}}) {
+    for (const auto& [name, value] :
+         {std::pair("text", "new"), {"shared", "new"}, {"check", "Yes"}, {"radio", "B"}, {"list", "b"}}) {
         PDFFormField each = field(document, name);
         done.emplace_back(each, each.value());
-        EXPECT_TRUE(each.setValue({value}));
+        EXPECT_TRUE(each.setValue({QString::fromLatin1(value)}));
         EXPECT_TRUE(each.widget()->isModified()) << name;
     }
     EXPECT_TRUE(document->page(1)->isModified());

@@ -12,10 +12,10 @@ namespace {
 
 using Kind = PDFError::Kind;
 
-/// The kind of failure, or none when the bytes open.
-std::optional<Kind> failureOf(const QByteArray& bytes) {
+/// The kind of failure, or none when the bytes, or the file at the path, open.
+std::optional<Kind> failureOf(const QByteArray& bytes, const QString& path = {}) {
     try {
-        (void)PDFDocument::fromData(bytes);
+        (void)(path.isEmpty() ? PDFDocument::fromData(bytes) : PDFDocument::fromFile(path));
         return std::nullopt;
     } catch (const PDFError& error) {
         EXPECT_FALSE(error.sentence().isEmpty());
@@ -43,22 +43,14 @@ TEST(Opening, NamesWhatIsWrongWithBytesThatAreNoPDF) {
 
 TEST(Opening, NamesWhatIsWrongWithPaths) {
     const QTemporaryDir folder;
-    const auto kindOf = [](const QString& path) -> std::optional<Kind> {
-        try {
-            (void)PDFDocument::fromFile(path);
-            return std::nullopt;
-        } catch (const PDFError& error) {
-            return error.kind();
-        }
-    };
-    EXPECT_EQ(kindOf(folder.filePath(QStringLiteral("missing.pdf"))), Kind::unreadable);
-    EXPECT_EQ(kindOf(folder.path()), Kind::unreadable);
-    EXPECT_EQ(kindOf(QStringLiteral("/dev/zero")), Kind::unreadable);
+    EXPECT_EQ(failureOf({}, folder.filePath(QStringLiteral("missing.pdf"))), Kind::unreadable);
+    EXPECT_EQ(failureOf({}, folder.path()), Kind::unreadable);
+    EXPECT_EQ(failureOf({}, QStringLiteral("/dev/zero")), Kind::unreadable);
     QFile file(folder.filePath(QStringLiteral("good.pdf")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(twoPages());
     file.close();
-    EXPECT_EQ(kindOf(file.fileName()), std::nullopt);
+    EXPECT_EQ(failureOf({}, file.fileName()), std::nullopt);
 }
 
 TEST(Opening, UnknownProtectionIsRefusedWithItsOwnKind) {
@@ -115,50 +107,22 @@ TEST(Opening, ProtectedFilesOpenWithEitherPasswordAndNoOther) {
 }
 
 TEST(Opening, CountsThePagesThatAreThere) {
-    struct Case {
-        const char* what;
-        QByteArray count;
-        int expected;
-    };
-    // What the tree claims about three pages, and what a reader should believe.
-    for (const Case& claim : {Case{"too many", "2000000000", 3}, Case{"negative", "-7", 3}, Case{"none", "0", 3},
-                              Case{"a text", "(three)", 3}, Case{"right", "3", 3}}) {
+    // What the tree claims about three pages.
+    for (const char* claimed : {"2000000000", "-7", "0", "(three)", "3"}) {
         PdfFixture pdf;
-        for (int i = 0; i < 3; ++i)
-            pdf.addPage({QStringLiteral("Page %1").arg(i)});
+        pdf.addPages(3, QStringLiteral("Page %1"));
         QByteArray file = pdf.bytes();
-        const qsizetype at = file.indexOf("/Count 3");
-        ASSERT_GE(at, 0);
-        file.replace(at, 8, "/Count " + claim.count);
-        const auto document = PDFDocument::fromData(PdfFixture::damaged(file));
-        EXPECT_EQ(document->pageCount(), claim.expected) << claim.what;
+        ASSERT_EQ(file.count("/Count 3"), 1);
+        file.replace("/Count 3", QByteArray("/Count ") + claimed);
+        EXPECT_EQ(PDFDocument::fromData(PdfFixture::damaged(file))->pageCount(), 3) << claimed;
     }
-    const PdfFixture noPages;
-    EXPECT_EQ(PDFDocument::fromData(const_cast<PdfFixture&>(noPages).bytes())->pageCount(), 0);
-}
-
-TEST(Opening, PageTreesWithCyclesEnd) {
-    PdfFixture pdf;
-    pdf.addPage({QStringLiteral("Here")});
-    const QByteArray node = pdf.reserveObject();
-    pdf.fillObject(node, "<< /Type /Pages /Count 4 /Kids [ " + node + " " + pdf.pageReference(0) + " " + node +
-                             " ] /Parent " + node + " >>");
-    pdf.setRootKey("/Pages", node);
-    const auto document = PDFDocument::fromData(pdf.bytes());
-    for (int i = 0; i < document->pageCount(); ++i) {
-        (void)document->page(i)->string();
-        (void)document->page(i)->bounds(PDFDisplayBox::cropBox);
-    }
-    EXPECT_GE(document->pageCount(), 1);
 }
 
 TEST(Pages, KeepTheirIdentityWhileTheyMove) {
     PdfFixture pdf;
-    for (int i = 0; i < 5; ++i)
-        pdf.addPage({QStringLiteral("Page %1").arg(i)});
+    pdf.addPages(5, QStringLiteral("Page %1"));
     const auto document = PDFDocument::fromData(pdf.bytes());
     const auto third = document->page(2);
-    EXPECT_EQ(document->page(2), third);
     EXPECT_EQ(document->index(third.get()), 2);
     EXPECT_EQ(document->removePage(2), third);
     EXPECT_EQ(document->index(third.get()), -1);

@@ -20,8 +20,7 @@ std::string labels(const PDFDocument& document) {
 std::shared_ptr<PDFDocument> labelled(int pages, const QByteArray& nums,
                                       PdfFixture::Style style = PdfFixture::Style::objectStreams) {
     PdfFixture pdf;
-    for (int i = 0; i < pages; ++i)
-        pdf.addPage({QStringLiteral("page")});
+    pdf.addPages(pages, QStringLiteral("page"));
     if (!nums.isEmpty())
         pdf.setPageLabels(nums);
     return PDFDocument::fromData(pdf.bytes(style));

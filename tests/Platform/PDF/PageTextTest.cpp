@@ -20,6 +20,12 @@ std::shared_ptr<PDFDocument> onePage(const QStringList& lines, const QByteArray&
     return PDFDocument::fromData(pdf.bytes());
 }
 
+std::shared_ptr<PDFDocument> pageOf(const QByteArray& content) {
+    PdfFixture pdf;
+    pdf.addPageWithContent(content, pdf.defaultResources());
+    return PDFDocument::fromData(pdf.bytes());
+}
+
 QPointF middleOf(const PDFPage& page, const QString& word) {
     const auto text = page.text();
     const int at = int(text->string.indexOf(word));
@@ -95,12 +101,9 @@ TEST(PageText, SelectsFromOnePointToAnotherInReadingOrder) {
 
 TEST(PageText, TakesTheLineMeantByAPointBesideTheText) {
     // Two columns; in the left one a short line between two long ones.
-    PdfFixture pdf;
-    pdf.addPageWithContent(textAt(72, 700, "a long line of the column") + textAt(72, 670, "short") +
-                               textAt(72, 640, "a long line again, the last") + textAt(330, 700, "right one") +
-                               textAt(330, 640, "right two") + textAt(330, 400, "right three"),
-                           pdf.defaultResources());
-    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto document = pageOf(textAt(72, 700, "a long line of the column") + textAt(72, 670, "short") +
+                                 textAt(72, 640, "a long line again, the last") + textAt(330, 700, "right one") +
+                                 textAt(330, 640, "right two") + textAt(330, 400, "right three"));
     const auto page = document->page(0);
     const auto lineAt = [&](QPointF point) {
         const auto text = page->text();
@@ -113,26 +116,6 @@ TEST(PageText, TakesTheLineMeantByAPointBesideTheText) {
     EXPECT_EQ(lineAt({150, 403}), QStringLiteral("a long line again, the last")); // below the end of the column
     EXPECT_EQ(lineAt({600, 403}), QStringLiteral("right three"));
     EXPECT_EQ(lineAt({400, 30}), QStringLiteral("right three"));
-}
-
-TEST(PageText, SelectsOverSeveralPages) {
-    PdfFixture pdf;
-    for (const char* word : {"first", "second", "third"})
-        pdf.addPage(
-            {QString::fromLatin1(word) + QStringLiteral(" begin"), QString::fromLatin1(word) + QStringLiteral(" end")});
-    const auto document = PDFDocument::fromData(pdf.bytes());
-    const auto a = document->page(0);
-    const auto c = document->page(2);
-    const QPointF from = boxOf(*a, QStringLiteral("end")).topLeft() + QPointF(0.3, 3);
-    const QRectF begin = boxOf(*c, QStringLiteral("begin"));
-    const QPointF to(begin.right() - 0.3, begin.center().y());
-    const QString expected = QStringLiteral("end\nsecond begin\nsecond end\nthird begin");
-    EXPECT_EQ(document->selection(*a, from, *c, to)->string(), expected);
-    EXPECT_EQ(document->selection(*c, to, *a, from)->string(), expected);
-    EXPECT_EQ(document->selection(*c, to, *a, from)->pages().size(), 3U);
-    EXPECT_EQ(document->selection(*a, from, *c, to)->selectionsByLine().size(), 4U);
-    EXPECT_EQ(document->string(),
-              QStringLiteral("first begin\nfirst end\fsecond begin\nsecond end\fthird begin\nthird end\f"));
 }
 
 TEST(PageText, ReadsColumnsOneAfterTheOtherHoweverTheyWereWritten) {
@@ -152,10 +135,7 @@ TEST(PageText, ReadsColumnsOneAfterTheOtherHoweverTheyWereWritten) {
         expectedRight << QString::fromLatin1(right);
     }
     for (const QByteArray& content : {rowByRow, columnByColumn + rightColumn}) {
-        PdfFixture pdf;
-        pdf.addPageWithContent(content, pdf.defaultResources());
-        EXPECT_EQ(PDFDocument::fromData(pdf.bytes())->page(0)->string(),
-                  (expected + expectedRight).join(QLatin1Char('\n')));
+        EXPECT_EQ(pageOf(content)->page(0)->string(), (expected + expectedRight).join(QLatin1Char('\n')));
     }
     // Rows of a table are read row by row: of short cells, and of long ones that are filled unevenly or are no
     // sentences.
@@ -168,12 +148,8 @@ TEST(PageText, ReadsColumnsOneAfterTheOtherHoweverTheyWereWritten) {
         const QByteArray wide = left + " and more of it";
         for (int i = 0; i < 8; ++i)
             table += textAt(72, 700 - 15 * i, i == 0 ? wide : left) + textAt(380, 700 - 15 * i, right);
-        PdfFixture pdf;
-        pdf.addPageWithContent(table, pdf.defaultResources());
-        EXPECT_TRUE(PDFDocument::fromData(pdf.bytes())
-                        ->page(0)
-                        ->string()
-                        .startsWith(QString::fromLatin1(wide + '\n' + right + '\n' + left + '\n')));
+        const QString read = pageOf(table)->page(0)->string();
+        EXPECT_TRUE(read.startsWith(QString::fromLatin1(wide + '\n' + right + '\n' + left + '\n')));
     }
 }
 
@@ -200,9 +176,7 @@ TEST(PageText, ReadsATableOfContentsLineByLineHoweverItWasWritten) {
     const std::vector<std::pair<QByteArray, QStringList>> pages{
         {rows, expected}, {numbersLast + numbers, expected}, {twoColumns, expected + expectedRight}};
     for (const auto& [content, lines] : pages) {
-        PdfFixture pdf;
-        pdf.addPageWithContent(content, pdf.defaultResources());
-        EXPECT_EQ(PDFDocument::fromData(pdf.bytes())->page(0)->string().replace(QLatin1Char('\n'), QLatin1Char(' ')),
+        EXPECT_EQ(pageOf(content)->page(0)->string().replace(QLatin1Char('\n'), QLatin1Char(' ')),
                   lines.join(QLatin1Char(' ')));
     }
 }
@@ -210,13 +184,10 @@ TEST(PageText, ReadsATableOfContentsLineByLineHoweverItWasWritten) {
 TEST(PageText, JoinsAccentsToLettersAndWordsOverLineEnds) {
     // A dieresis, a step back, and the i below it.
     const QByteArray accent = "BT /F1 12 Tf 72 700 Td [(na\\250) 305 (ive exam-)] TJ ET ";
-    PdfFixture pdf;
-    pdf.addPageWithContent(accent + textAt(72, 680, "ple, a well-known and a well-") +
-                               textAt(72, 660, "known a^b, 20-") + textAt(72, 640, "year, post- and pre-") +
-                               textAt(72, 620, "or not, Anglo-") + textAt(72, 600, "Saxon state-of-the-") +
-                               textAt(72, 580, "art"),
-                           pdf.defaultResources());
-    const auto document = PDFDocument::fromData(pdf.bytes());
+    const auto document =
+        pageOf(accent + textAt(72, 680, "ple, a well-known and a well-") + textAt(72, 660, "known a^b, 20-") +
+               textAt(72, 640, "year, post- and pre-") + textAt(72, 620, "or not, Anglo-") +
+               textAt(72, 600, "Saxon state-of-the-") + textAt(72, 580, "art"));
     const auto page = document->page(0);
     const QString expected =
         QStringLiteral("naïve example, a well-known and a well-known a^b, 20-\nyear, post- and pre-\n"

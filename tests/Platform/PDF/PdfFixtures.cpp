@@ -58,6 +58,13 @@ int PdfFixture::addPage(const QStringList& lines, QSizeF size) {
     return addPageWithContent(textContent(lines, size), defaultResources(), size);
 }
 
+void PdfFixture::addPages(int count, const QString& line) {
+    for (int i = 0; i < count; ++i) {
+        const QString text = QString(line).replace(QLatin1String("%1"), QString::number(i));
+        addPage(text.isEmpty() ? QStringList() : QStringList(text));
+    }
+}
+
 int PdfFixture::addPageWithContent(const QByteArray& content, const QByteArray& resources, QSizeF size) {
     const QByteArray stream = addStream("<< >>", content);
     const QByteArray page =

@@ -25,6 +25,8 @@ public:
 
     /// A page that shows the lines from the upper left in 12 point Helvetica. Returns its index.
     int addPage(const QStringList& lines, QSizeF size = {612, 792});
+    /// So many pages with one line each, in which %1 stands for the page's number from 0.
+    void addPages(int count, const QString& line = {});
     /// A page with this content stream; `resources` is a dictionary or a reference to one.
     int addPageWithContent(const QByteArray& content, const QByteArray& resources = "<< >>", QSizeF size = {612, 792});
     /// The content stream that `addPage` writes for the lines; it needs the font F1 of `defaultResources`.

@@ -16,6 +16,12 @@ PdfPrograms::Result PdfPrograms::run(const QString& program, QStringList argumen
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
+PdfPrograms::Result PdfPrograms::run(const QString& line, const QByteArray& file) {
+    QStringList arguments = line.split(QLatin1Char(' '));
+    const QString program = arguments.takeFirst();
+    return run(program, arguments, file);
+}
+
 std::string PdfPrograms::complaints(const QByteArray& file, const QString& password) {
     const Result result =
         run(QStringLiteral("qpdf"),
@@ -33,11 +39,9 @@ QByteArray PdfPrograms::unpacked(const QByteArray& file, const QString& password
         .output;
 }
 
-QString PdfPrograms::text(const QByteArray& file, int page) {
-    QStringList arguments{QStringLiteral("-layout"), QStringLiteral("FILE"), QStringLiteral("-")};
+QString PdfPrograms::text(const QByteArray& file, int page, const QString& password) {
+    QString line = QStringLiteral("pdftotext -layout -upw %1 FILE -").arg(password);
     if (page > 0)
-        arguments =
-            QStringList{QStringLiteral("-f"), QString::number(page), QStringLiteral("-l"), QString::number(page)} +
-            arguments;
-    return QString::fromUtf8(run(QStringLiteral("pdftotext"), arguments, file).output);
+        line.insert(line.indexOf(QLatin1Char(' ')), QStringLiteral(" -f %1 -l %1").arg(page));
+    return QString::fromUtf8(run(line, file).output);
 }

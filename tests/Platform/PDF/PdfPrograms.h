@@ -18,6 +18,8 @@ struct Result {
 
 /// Runs a program and waits for it. The text "FILE" among the arguments becomes the name of a file with these bytes.
 [[nodiscard]] Result run(const QString& program, QStringList arguments, const QByteArray& file);
+/// The same with program and arguments in one line, with a blank between them.
+[[nodiscard]] Result run(const QString& line, const QByteArray& file);
 
 /// Empty when `qpdf --check` finds neither errors nor warnings, and otherwise what it says.
 [[nodiscard]] std::string complaints(const QByteArray& file, const QString& password = {});
@@ -26,6 +28,6 @@ struct Result {
 [[nodiscard]] QByteArray unpacked(const QByteArray& file, const QString& password = {});
 
 /// The text of one page (one-based, as that program counts) or of all pages for 0.
-[[nodiscard]] QString text(const QByteArray& file, int page = 0);
+[[nodiscard]] QString text(const QByteArray& file, int page = 0, const QString& password = {});
 
 } // namespace PdfPrograms

@@ -17,9 +17,12 @@ namespace {
 namespace Subtype = PDFAnnotationSubtype;
 using Annotation = std::shared_ptr<PDFAnnotation>;
 
-Annotation make(const QString& type, const QRectF& bounds, const QColor& color) {
+/// With a solid border of this width, if any.
+Annotation make(const QString& type, const QRectF& bounds, const QColor& color, double border = 0) {
     auto annotation = std::make_shared<PDFAnnotation>(bounds, type);
     annotation->setColor(color);
+    if (border > 0)
+        annotation->setBorder(PDFBorder{border, PDFBorderStyle::solid, {}});
     return annotation;
 }
 
@@ -62,9 +65,7 @@ QImage picture(const PDFDocument& document) {
 
 /// Poppler's opinion of how the page looks.
 QImage otherPicture(const QByteArray& file) {
-    const auto result = PdfPrograms::run(
-        QStringLiteral("pdftoppm"),
-        {QStringLiteral("-r"), QStringLiteral("144"), QStringLiteral("-singlefile"), QStringLiteral("FILE")}, file);
+    const auto result = PdfPrograms::run(QStringLiteral("pdftoppm -r 144 -singlefile FILE"), file);
     return QImage::fromData(result.output, "PPM").convertToFormat(QImage::Format_RGB32);
 }
 
@@ -89,15 +90,10 @@ struct Kind {
     std::function<Annotation()> make;
 };
 
-std::ostream& operator<<(std::ostream& stream, const Kind& kind) {
-    return stream << kind.name;
-}
-
 const Kind kinds[] = {
     {"ink",
      [] {
-         auto ink = make(Subtype::ink, {40, 40, 120, 80}, Qt::blue);
-         ink->setBorder(PDFBorder{4, PDFBorderStyle::solid, {}});
+         auto ink = make(Subtype::ink, {40, 40, 120, 80}, Qt::blue, 4);
          QPainterPath curve(QPointF(10, 10));
          curve.cubicTo({50, 90}, {80, -20}, {110, 70});
          ink->add(curve);
@@ -125,14 +121,11 @@ const Kind kinds[] = {
      }},
     {"circle",
      [] {
-         auto circle = make(Subtype::circle, {40, 40, 120, 80}, QColor(200, 0, 200, 128));
-         circle->setBorder(PDFBorder{8, PDFBorderStyle::solid, {}});
-         return circle;
+         return make(Subtype::circle, {40, 40, 120, 80}, QColor(200, 0, 200, 128), 8);
      }},
     {"line",
      [] {
-         auto line = make(Subtype::line, {0, 0, 300, 300}, Qt::black);
-         line->setBorder(PDFBorder{5, PDFBorderStyle::solid, {}});
+         auto line = make(Subtype::line, {0, 0, 300, 300}, Qt::black, 5);
          line->setStartPoint({60, 60});
          line->setEndPoint({160, 120});
          line->setStartLineStyle(PDFLineStyle::openArrow);
@@ -141,8 +134,7 @@ const Kind kinds[] = {
      }},
     {"lineWithShapes",
      [] {
-         auto line = make(Subtype::line, {0, 0, 300, 300}, Qt::darkCyan);
-         line->setBorder(PDFBorder{3, PDFBorderStyle::solid, {}});
+         auto line = make(Subtype::line, {0, 0, 300, 300}, Qt::darkCyan, 3);
          line->setStartPoint({60, 60});
          line->setEndPoint({160, 60});
          line->setStartLineStyle(PDFLineStyle::diamond);
@@ -159,34 +151,71 @@ const Kind kinds[] = {
      }},
     {"textField",
      [] {
-         auto field = make(Subtype::widget, {40, 40, 160, 24}, Qt::darkGray);
+         auto field = make(Subtype::widget, {40, 40, 160, 24}, Qt::darkGray, 2);
          field->setWidgetFieldType(PDFWidgetFieldType::text);
-         field->setBorder(PDFBorder{2, PDFBorderStyle::solid, {}});
          field->setBackgroundColor(QColor(0, 0, 255, 20));
          field->setFieldName(QStringLiteral("text_1"));
          return field;
      }},
     {"checkBox",
      [] {
-         auto box = make(Subtype::widget, {40, 40, 40, 40}, Qt::darkGray);
+         auto box = make(Subtype::widget, {40, 40, 40, 40}, Qt::darkGray, 2);
          box->setWidgetFieldType(PDFWidgetFieldType::button);
          box->setWidgetControlType(PDFWidgetControlType::checkBox);
          box->setButtonWidgetState(PDFWidgetCellState::on);
-         box->setBorder(PDFBorder{2, PDFBorderStyle::solid, {}});
          box->setFieldName(QStringLiteral("checkbox_1"));
          return box;
      }},
     {"sticker", [] { return std::make_shared<Sticker>(QRectF(40.5, 40.25, 100.5, 60.75)); }},
 };
 
+void expectSameValues(const PDFAnnotation& read, const PDFAnnotation& saved) {
+    EXPECT_EQ(read.type(), saved.type());
+    const QRectF moved(read.bounds().topLeft() - saved.bounds().topLeft(),
+                       read.bounds().size() - saved.bounds().size());
+    if (saved.type() != Subtype::line) { // whose rectangle is made to fit
+        EXPECT_LT(std::abs(moved.x()) + std::abs(moved.y()) + std::abs(moved.width()) + std::abs(moved.height()), 0.01);
+        EXPECT_EQ(read.quadrilateralPoints(), saved.quadrilateralPoints());
+    }
+    EXPECT_EQ(read.contents(), saved.contents());
+    EXPECT_EQ(read.modificationDate().toUTC(), saved.modificationDate().toUTC());
+    EXPECT_EQ(read.border(), saved.border());
+    EXPECT_EQ(read.values().flags & 4, 4) << "it prints";
+    if (saved.color() && saved.color()->alpha() > 0) {
+        ASSERT_TRUE(read.color());
+        const auto mask = saved.type() == Subtype::widget ? 0xFFFFFF : ~0U;
+        EXPECT_EQ(read.color()->rgba() & mask, saved.color()->rgba() & mask);
+    }
+    EXPECT_EQ(read.startPoint(), saved.startPoint());
+    EXPECT_EQ(read.endPoint(), saved.endPoint());
+    EXPECT_EQ(read.startLineStyle(), saved.startLineStyle());
+    EXPECT_EQ(read.endLineStyle(), saved.endLineStyle());
+    EXPECT_EQ(read.paths().size(), saved.paths().size());
+    EXPECT_EQ(read.fieldName(), saved.fieldName());
+    EXPECT_EQ(read.widgetFieldType(), saved.widgetFieldType());
+    EXPECT_EQ(read.buttonWidgetState(), saved.buttonWidgetState());
+    if (saved.type() != Subtype::widget) {
+        EXPECT_EQ(read.userName(), saved.userName());
+    }
+    if (saved.fontColor()) {
+        EXPECT_EQ(read.fontColor()->rgb(), saved.fontColor()->rgb());
+    }
+    if (saved.font()) {
+        EXPECT_EQ(read.font()->pointSizeF(), saved.font()->pointSizeF());
+    }
+}
+
 class KindTest : public testing::TestWithParam<Kind> {};
 
 } // namespace
 
-TEST_P(KindTest, LooksTheSameInTheSavedFile) {
-    const auto empty = documentWith({});
-    const QImage blank = picture(*empty);
+TEST_P(KindTest, LooksTheSameInTheSavedFileAndHasItsValues) {
+    const QImage blank = picture(*documentWith({}));
     const Annotation annotation = GetParam().make();
+    annotation->setUserName(QStringLiteral("Äda"));
+    if (annotation->contents().isEmpty())
+        annotation->setContents(QStringLiteral("Wörds 日本"));
+    annotation->setModificationDate(QDateTime(QDate(2024, 2, 29), QTime(12, 30, 1), Qt::OffsetFromUTC, -19800));
     const auto document = documentWith({annotation});
     const QImage live = picture(*document);
     const QByteArray file = document->dataRepresentation();
@@ -202,6 +231,7 @@ TEST_P(KindTest, LooksTheSameInTheSavedFile) {
     // Left alone, it stays as it is; moved, it looks the same elsewhere.
     const Annotation again = reopened->page(0)->annotations().at(0);
     EXPECT_FALSE(again->isModified());
+    expectSameValues(*again, *annotation);
     const bool hasCornersOfItsOwn = box.width() > 200 || !again->values().quads.empty();
     if (hasCornersOfItsOwn)
         return;
@@ -272,53 +302,6 @@ TEST(WriterAnnotationsTest, CalloutsCloudsAndDimensionsOfOtherProgramsStayWhatTh
     }
 }
 
-TEST(WriterAnnotationsTest, ValuesComeBack) {
-    for (const Kind& kind : kinds) {
-        SCOPED_TRACE(kind.name);
-        const Annotation saved = kind.make();
-        saved->setUserName(QStringLiteral("Äda"));
-        if (saved->contents().isEmpty())
-            saved->setContents(QStringLiteral("Wörds 日本"));
-        saved->setModificationDate(QDateTime(QDate(2024, 2, 29), QTime(12, 30, 1), Qt::OffsetFromUTC, -19800));
-        const auto document = PDFDocument::fromData(documentWith({saved})->dataRepresentation());
-        const Annotation read = document->page(0)->annotations().at(0);
-        EXPECT_EQ(read->type(), saved->type());
-        const QRectF moved(read->bounds().topLeft() - saved->bounds().topLeft(),
-                           read->bounds().size() - saved->bounds().size());
-        if (saved->type() != Subtype::line) { // whose rectangle is made to fit
-            EXPECT_LT(std::abs(moved.x()) + std::abs(moved.y()) + std::abs(moved.width()) + std::abs(moved.height()),
-                      0.01);
-            EXPECT_EQ(read->quadrilateralPoints(), saved->quadrilateralPoints());
-        }
-        EXPECT_EQ(read->contents(), saved->contents());
-        EXPECT_EQ(read->modificationDate().toUTC(), saved->modificationDate().toUTC());
-        EXPECT_EQ(read->border(), saved->border());
-        EXPECT_EQ(read->values().flags & 4, 4) << "it prints";
-        if (saved->color() && saved->color()->alpha() > 0) {
-            ASSERT_TRUE(read->color());
-            EXPECT_EQ(read->color()->rgba() & (saved->type() == Subtype::widget ? 0xFFFFFF : ~0U),
-                      saved->color()->rgba() & (saved->type() == Subtype::widget ? 0xFFFFFF : ~0U));
-        }
-        EXPECT_EQ(read->startPoint(), saved->startPoint());
-        EXPECT_EQ(read->endPoint(), saved->endPoint());
-        EXPECT_EQ(read->startLineStyle(), saved->startLineStyle());
-        EXPECT_EQ(read->endLineStyle(), saved->endLineStyle());
-        EXPECT_EQ(read->paths().size(), saved->paths().size());
-        EXPECT_EQ(read->fieldName(), saved->fieldName());
-        EXPECT_EQ(read->widgetFieldType(), saved->widgetFieldType());
-        EXPECT_EQ(read->buttonWidgetState(), saved->buttonWidgetState());
-        if (saved->type() != Subtype::widget) {
-            EXPECT_EQ(read->userName(), saved->userName());
-        }
-        if (saved->fontColor()) {
-            EXPECT_EQ(read->fontColor()->rgb(), saved->fontColor()->rgb());
-        }
-        if (saved->font()) {
-            EXPECT_EQ(read->font()->pointSizeF(), saved->font()->pointSizeF());
-        }
-    }
-}
-
 TEST(WriterAnnotationsTest, RecordedLooksAreVectorsAndShareTheirFonts) {
     std::vector<Annotation> stickers;
     for (int i = 0; i < 5; ++i)
@@ -327,11 +310,7 @@ TEST(WriterAnnotationsTest, RecordedLooksAreVectorsAndShareTheirFonts) {
     const QByteArray file = documentWith(stickers)->dataRepresentation();
     EXPECT_EQ(PdfPrograms::complaints(file), "");
     EXPECT_EQ(PdfPrograms::text(file).count(QStringLiteral("Stickery ☃")), 5);
-    const QByteArray fonts =
-        PdfPrograms::run(QStringLiteral("mutool"),
-                         {QStringLiteral("info"), QStringLiteral("-F"), QStringLiteral("FILE")}, file)
-            .output;
-    EXPECT_EQ(PdfPrograms::unpacked(file).count("/FontFile"), 1) << fonts.toStdString();
+    EXPECT_EQ(PdfPrograms::unpacked(file).count("/FontFile"), 1);
     EXPECT_FALSE(PdfPrograms::unpacked(file).contains("/Subtype /Image"));
     EXPECT_LT(file.size(), 40000);
 }
@@ -349,25 +328,24 @@ TEST(WriterAnnotationsTest, LinksLeadWhereTheyDid) {
     document->page(0)->addAnnotation(outside);
 
     auto reopened = PDFDocument::fromData(document->dataRepresentation());
-    const auto read = reopened->page(0)->annotations();
-    ASSERT_TRUE(read.at(0)->destination());
-    EXPECT_EQ(reopened->index(read[0]->destination()->page().get()), 7);
-    EXPECT_FALSE(read[0]->destination()->x());
-    EXPECT_EQ(read[0]->destination()->y(), 300);
-    EXPECT_EQ(read.at(1)->url(), QStringLiteral("https://example.org/?q=a%20b"));
+    const auto link = [&reopened](std::size_t index) { return reopened->page(0)->annotations().at(index); };
+    const auto reopen = [&reopened] { reopened = PDFDocument::fromData(reopened->dataRepresentation()); };
+    EXPECT_EQ(link(0)->destination()->page(), reopened->page(7));
+    EXPECT_FALSE(link(0)->destination()->x());
+    EXPECT_EQ(link(0)->destination()->y(), 300);
+    EXPECT_EQ(link(1)->url(), QStringLiteral("https://example.org/?q=a%20b"));
 
     // A change of something else keeps the target; the two kinds of target replace each other.
-    read[0]->setBounds({10, 10, 60, 20});
-    reopened = PDFDocument::fromData(reopened->dataRepresentation());
-    EXPECT_EQ(reopened->index(reopened->page(0)->annotations()[0]->destination()->page().get()), 7);
-    reopened->page(0)->annotations()[1]->setUrl(QString());
-    reopened->page(0)->annotations()[1]->setDestination(PDFDestination(reopened->page(3), QPointF(0, 0)));
-    reopened = PDFDocument::fromData(reopened->dataRepresentation());
-    EXPECT_EQ(reopened->page(0)->annotations()[1]->url(), QString());
-    EXPECT_EQ(reopened->index(reopened->page(0)->annotations()[1]->destination()->page().get()), 3);
-    reopened->page(0)->annotations()[1]->setDestination(std::nullopt);
-    reopened = PDFDocument::fromData(reopened->dataRepresentation());
-    EXPECT_FALSE(reopened->page(0)->annotations()[1]->destination());
+    link(0)->setBounds({10, 10, 60, 20});
+    link(1)->setUrl(QString());
+    link(1)->setDestination(PDFDestination(reopened->page(3), QPointF(0, 0)));
+    reopen();
+    EXPECT_EQ(link(0)->destination()->page(), reopened->page(7));
+    EXPECT_EQ(link(1)->url(), QString());
+    EXPECT_EQ(link(1)->destination()->page(), reopened->page(3));
+    link(1)->setDestination(std::nullopt);
+    reopen();
+    EXPECT_FALSE(link(1)->destination());
 }
 
 TEST(WriterAnnotationsTest, RemovingANoteTakesItsWindowAndKeepsReplies) {

@@ -125,6 +125,8 @@ TEST(WriterAppendTest, KeepsWhatTheProgramDoesNotKnow) {
     addManyPages(fixture);
     fixture.setInfo("/Title", QStringLiteral("Old title"));
     fixture.setInfo("/Company", QStringLiteral("Unknown Ltd"));
+    fixture.setInfo("/Keywords", QStringLiteral("one, two;three"));
+    fixture.setInfo("/CreationDate", QStringLiteral("D:20240101000000Z"));
     fixture.setTrailerKey("/MyTrailerKey", "(kept)");
     fixture.setRootKey("/MyRootKey", "<< /A [1 2 3] >>");
     fixture.setPageKey(2, "/MyPageKey", "/Yes");
@@ -136,6 +138,9 @@ TEST(WriterAppendTest, KeepsWhatTheProgramDoesNotKnow) {
     const auto document = PDFDocument::fromData(before);
     document->page(2)->annotations()[0]->setContents(QStringLiteral("changed"));
     QVariantMap attributes = document->documentAttributes();
+    EXPECT_EQ(attributes.value(QStringLiteral("Keywords")).toStringList().join(QLatin1Char('|')),
+              QStringLiteral("one|two|three"));
+    EXPECT_EQ(attributes.value(QStringLiteral("CreationDate")), QDateTime(QDate(2024, 1, 1), QTime(0, 0), Qt::UTC));
     attributes.insert(QStringLiteral("Title"), QStringLiteral("Neuer Titel – ☃"));
     attributes.insert(QStringLiteral("Keywords"), QStringList{QStringLiteral("one"), QStringLiteral("two words")});
     document->setDocumentAttributes(attributes);
@@ -161,17 +166,14 @@ TEST(WriterAppendTest, OutlineIsReplacedAndCanBeRemoved) {
     const QByteArray before = fixture.bytes(PdfFixture::Style::objectStreams);
     const auto document = PDFDocument::fromData(before);
 
-    auto root = std::make_shared<PDFOutline>();
-    for (int i = 0; i < 3; ++i) {
-        auto item = std::make_shared<PDFOutline>();
-        item->setLabel(QStringLiteral("Chapter %1 – Überblick").arg(i + 1));
-        item->setDestination(PDFDestination(document->page(i * 10), 0.0, 792.0, 1.5));
-        item->setOpen(i == 1);
-        root->insertChild(item, i);
-        auto child = std::make_shared<PDFOutline>();
-        child->setLabel(QStringLiteral("Section"));
-        child->setUrl(QStringLiteral("https://example.org/a b?ü"));
-        item->insertChild(child, 0);
+    const auto root = std::make_shared<PDFOutline>();
+    for (int i = 0; i < 2; ++i) {
+        root->insertChild(std::make_shared<PDFOutline>(), i);
+        root->child(i)->setLabel(QStringLiteral("Chapter %1 – Überblick").arg(i));
+        root->child(i)->setDestination(PDFDestination(document->page(i * 10), 0.0, 792.0, 1.5));
+        root->child(i)->setOpen(i == 1);
+        root->child(i)->insertChild(std::make_shared<PDFOutline>(), 0);
+        root->child(i)->child(0)->setUrl(QStringLiteral("https://example.org/a b?ü"));
     }
     document->setOutlineRoot(root);
     const QByteArray after = document->dataRepresentation();
@@ -179,17 +181,13 @@ TEST(WriterAppendTest, OutlineIsReplacedAndCanBeRemoved) {
     EXPECT_EQ(PdfPrograms::complaints(after), "");
 
     const auto reopened = PDFDocument::fromData(after);
-    const auto outline = reopened->outlineRoot();
-    ASSERT_TRUE(outline);
-    ASSERT_EQ(outline->numberOfChildren(), 3);
-    for (int i = 0; i < 3; ++i) {
-        const auto item = outline->child(i);
+    ASSERT_EQ(reopened->outlineRoot()->numberOfChildren(), 2);
+    for (int i = 0; i < 2; ++i) {
+        const auto item = reopened->outlineRoot()->child(i);
         EXPECT_EQ(item->label(), root->child(i)->label());
         EXPECT_EQ(item->isOpen(), i == 1);
-        ASSERT_TRUE(item->destination());
-        EXPECT_EQ(reopened->index(item->destination()->page().get()), i * 10);
+        EXPECT_EQ(item->destination()->page(), reopened->page(i * 10));
         EXPECT_EQ(item->destination()->zoom(), 1.5);
-        ASSERT_EQ(item->numberOfChildren(), 1);
         EXPECT_EQ(item->child(0)->url(), QStringLiteral("https://example.org/a%20b?%C3%BC"));
     }
     reopened->setOutlineRoot(nullptr);
@@ -217,23 +215,17 @@ TEST(WriterAppendTest, AttributesGoFromTheMetadataStreamToo) {
     attributes.insert(QStringLiteral("Title"), QStringLiteral("Fruit & <more>"));
     document->setDocumentAttributes(attributes);
     const QByteArray after = document->dataRepresentation();
-    const QString information =
-        QString::fromUtf8(PdfPrograms::run(QStringLiteral("pdfinfo"), {QStringLiteral("FILE")}, after).output);
+    const QString information = QString::fromUtf8(PdfPrograms::run(QStringLiteral("pdfinfo FILE"), after).output);
     EXPECT_TRUE(information.contains(QStringLiteral("Fruit & <more>"))) << information.toStdString();
     EXPECT_FALSE(information.contains(QStringLiteral("Jane")));
     EXPECT_TRUE(information.contains(QStringLiteral("Apples")));
-    const QByteArray packet =
-        PdfPrograms::run(QStringLiteral("pdfinfo"), {QStringLiteral("-meta"), QStringLiteral("FILE")}, after).output;
+    const QByteArray packet = PdfPrograms::run(QStringLiteral("pdfinfo -meta FILE"), after).output;
     EXPECT_FALSE(packet.contains("Jane"));
     EXPECT_TRUE(packet.contains("my:own=\"kept\""));
     EXPECT_TRUE(packet.contains("Fruit &amp; &lt;more&gt;")) << packet.toStdString();
-    const QString date = PDFDocument::fromData(after)
-                             ->documentAttributes()
-                             .value(QStringLiteral("ModDate"))
-                             .toDateTime()
-                             .toUTC()
-                             .toString(QStringLiteral("yyyy-MM-ddThh:mm"));
-    EXPECT_TRUE(packet.contains("<xmp:ModifyDate>" + date.toLatin1())) << packet.toStdString();
+    const QVariant date = PDFDocument::fromData(after)->documentAttributes().value(QStringLiteral("ModDate"));
+    const QString minute = date.toDateTime().toUTC().toString(QStringLiteral("yyyy-MM-ddThh:mm"));
+    EXPECT_TRUE(packet.contains("<xmp:ModifyDate>" + minute.toLatin1())) << packet.toStdString();
     EXPECT_FALSE(packet.contains("2001"));
 
     document->setDocumentAttributes({});

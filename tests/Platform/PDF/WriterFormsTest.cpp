@@ -50,15 +50,6 @@ Annotation field(const PDFDocument& document, const QString& name, int which = 0
     return std::make_shared<PDFAnnotation>(QRectF(), PDFAnnotationSubtype::widget);
 }
 
-void addBulk(PdfFixture& pdf) {
-    for (int i = 0; i < 20; ++i)
-        pdf.addPage({QString(500, QLatin1Char('w'))});
-}
-
-QStringList words(const QByteArray& file, int page) {
-    return PdfPrograms::text(file, page).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
-
 } // namespace
 
 TEST(WriterFormsTest, PlacedFieldsBecomeAForm) {
@@ -92,70 +83,9 @@ TEST(WriterFormsTest, PlacedFieldsBecomeAForm) {
     EXPECT_EQ(last.value(QStringLiteral("text_1_3")), QStringList{QStringLiteral("third")});
 }
 
-class FillingTest : public testing::TestWithParam<bool> {};
-
-TEST_P(FillingTest, ValuesReachTheFieldAndAllItsWidgets) {
-    PdfFixture pdf;
-    pdf.addTextField(pdf.addPage({}), QStringLiteral("name"), {40, 700, 200, 20}, QStringLiteral("old"));
-    pdf.addCheckBox(0, QStringLiteral("agree"), {40, 650, 12, 12}, false);
-    pdf.addRadioGroup(QStringLiteral("choice"), {{0, {40, 600, 12, 12}, "A"}, {0, {60, 600, 12, 12}, "B"}}, "A");
-    pdf.addPage({});
-    pdf.addSharedTextField(QStringLiteral("twice"), {{0, {40, 500, 200, 20}}, {1, {40, 500, 200, 20}}}, QString());
-    pdf.addTextField(0, QStringLiteral("notes"), {40, 300, 120, 80}, QString(), "/Ff 4096");
-    pdf.addTextField(0, QStringLiteral("comb"), {40, 250, 200, 20}, QString(), "/Ff 16777216 /MaxLen 10");
-    pdf.addTextField(0, QStringLiteral("right"), {40, 200, 200, 20}, QString(), "/Q 2 /MK << /BG [1 1 0] /BC [0] >>");
-    pdf.addTextField(0, QStringLiteral("secret"), {40, 150, 200, 20}, QString(), "/Ff 8192");
-    pdf.addTextField(0, QStringLiteral("foreign"), {40, 100, 200, 20}, QString());
-    if (GetParam())
-        addBulk(pdf);
-    const QByteArray before = pdf.bytes();
-    const auto document = PDFDocument::fromData(before);
-    const auto set = [&](const char* name, const QString& value) {
-        field(*document, QString::fromLatin1(name))->setWidgetStringValue(value);
-    };
-    set("name", QStringLiteral("Jürgen (new) \\ €"));
-    set("twice", QStringLiteral("everywhere"));
-    set("notes", QStringLiteral("a longer text that needs more than a line\nand a second paragraph"));
-    set("comb", QStringLiteral("12345"));
-    set("right", QStringLiteral("to the right"));
-    set("secret", QStringLiteral("hidden"));
-    set("foreign", QStringLiteral("Ωδή"));
-    field(*document, QStringLiteral("agree"))->setButtonWidgetState(PDFWidgetCellState::on);
-    field(*document, QStringLiteral("choice"), 0)->setButtonWidgetState(PDFWidgetCellState::off);
-    field(*document, QStringLiteral("choice"), 1)->setButtonWidgetState(PDFWidgetCellState::on);
-
-    const QByteArray file = document->dataRepresentation();
-    EXPECT_EQ(file.startsWith(before), GetParam()) << "appended to a large file only";
-    EXPECT_EQ(PdfPrograms::complaints(file), "");
-    const auto reopened = PDFDocument::fromData(file);
-    auto expected = values(*document);
-    expected[QStringLiteral("twice")] = {QStringLiteral("everywhere"), QStringLiteral("everywhere")};
-    EXPECT_EQ(values(*reopened), expected);
-
-    const QString first = words(file, 1).join(QLatin1Char(' '));
-    EXPECT_TRUE(first.contains(QStringLiteral("Jürgen (new) \\ €"))) << first.toStdString();
-    EXPECT_FALSE(first.contains(QStringLiteral("old")));
-    EXPECT_TRUE(first.contains(QStringLiteral("everywhere")));
-    EXPECT_TRUE(first.contains(QStringLiteral("and a second")));
-    for (const QString& line : words(file, 1))
-        EXPECT_FALSE(line.contains(QStringLiteral("text that needs more than"))) << "it is wrapped";
-    EXPECT_TRUE(first.contains(QString(6, QChar(0x2022)))) << "a dot for each character";
-    EXPECT_FALSE(first.contains(QStringLiteral("hidden")));
-    EXPECT_TRUE(words(file, 2).join(QLatin1Char(' ')).contains(QStringLiteral("everywhere")));
-    for (const QString& line : words(file, 1))
-        if (line.contains(QStringLiteral("to the right"))) {
-            EXPECT_GT(line.indexOf(QStringLiteral("to the right")), 8);
-        }
-    // Shown through an embedded font, since the form's font hasn't these characters.
-    EXPECT_TRUE(first.contains(QStringLiteral("Ωδή"))) << first.toStdString();
-}
-
-INSTANTIATE_TEST_SUITE_P(AppendOrRewrite, FillingTest, testing::Bool());
-
 TEST(WriterFormsTest, WidgetsOnOneFieldGoOneByOne) {
     PdfFixture pdf;
-    for (int i = 0; i < 3; ++i)
-        pdf.addPage({});
+    pdf.addPages(3);
     pdf.addSharedTextField(QStringLiteral("shared"), {{0, {0, 0, 90, 20}}, {1, {0, 0, 90, 20}}, {2, {0, 0, 90, 20}}},
                            QStringLiteral("value"));
     auto document = PDFDocument::fromData(pdf.bytes());
@@ -176,8 +106,7 @@ TEST(WriterFormsTest, FieldsComeAlongWithTheirPages) {
     one.addPage({});
     one.addTextField(0, QStringLiteral("name"), {40, 700, 200, 20}, QStringLiteral("Ann"));
     PdfFixture two;
-    two.addPage({});
-    two.addPage({});
+    two.addPages(2);
     two.addTextField(0, QStringLiteral("name"), {40, 700, 200, 20}, QStringLiteral("Bob"));
     two.addSharedTextField(QStringLiteral("both"), {{0, {40, 500, 200, 20}}, {1, {40, 500, 200, 20}}},
                            QStringLiteral("same"));

@@ -1,6 +1,7 @@
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFError.h"
+#include "PDFOutline.h"
 #include "PDFPage.h"
 #include "PdfFixtures.h"
 #include "PdfPrograms.h"
@@ -25,6 +26,8 @@ int saveInEveryWay(const QByteArray& file) {
         }
         if (document->pageCount() == 0)
             return failures;
+        (void)document->page(0)->string();
+        (void)document->page(0)->bounds(PDFDisplayBox::cropBox);
         PDFDocument other;
         auto note = std::make_shared<PDFAnnotation>(QRectF(0, 0, 50, 50), PDFAnnotationSubtype::square);
         note->setColor(QColor(Qt::red));
@@ -65,8 +68,7 @@ int saveInEveryWay(const QByteArray& file) {
 
 TEST(WriterHostileTest, CirclesEnd) {
     PdfFixture pdf;
-    for (int i = 0; i < 3; ++i)
-        pdf.addPage({QStringLiteral("page")});
+    pdf.addPages(3, QStringLiteral("page"));
     // An outline whose items follow each other in a circle and are their own children.
     const QByteArray item = pdf.reserveObject();
     const QByteArray outlines = pdf.addObject("<< /First " + item + " /Last " + item + " >>");
@@ -105,11 +107,11 @@ TEST(WriterHostileTest, CirclesEnd) {
         pdf.setPageKey(page, "/Resources", "<< /XObject << /X " + form + " >> >>");
     EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0);
     EXPECT_EQ(saveInEveryWay(pdf.bytes(PdfFixture::Style::objectStreams)), 0);
+    EXPECT_EQ(PDFDocument::fromData(pdf.bytes())->outlineRoot()->numberOfChildren(), 1);
 
     // A page tree that is its own kid.
     PdfFixture tree;
-    tree.addPage({});
-    tree.addPage({});
+    tree.addPages(2);
     const QByteArray node = tree.reserveObject();
     tree.fillObject(node, "<< /Type /Pages /Kids [" + node + ' ' + tree.pageReference(0) + "] /Count 2 /Parent " +
                               node + " >>");
@@ -120,8 +122,7 @@ TEST(WriterHostileTest, CirclesEnd) {
 
 TEST(WriterHostileTest, LongChainsDoNotOverflowTheStack) {
     PdfFixture pdf;
-    pdf.addPage({});
-    pdf.addPage({});
+    pdf.addPages(2);
     constexpr int length = 30000; // frames of 280 bytes fill a stack
     // A chain of objects that a page refers to, and a structure tree and an outline as deep.
     QByteArray next = "null";
@@ -141,40 +142,34 @@ TEST(WriterHostileTest, LongChainsDoNotOverflowTheStack) {
 
 TEST(WriterHostileTest, OddValuesAreTakenForWhatTheyAre) {
     const char* const oddities[] = {"null", "7", "(text)", "[]", "[null]", "<< >>", "[[[[1 2]]]]", "/Name", "99 0 R"};
-    for (const char* key : {"/Outlines", "/Names", "/Dests", "/StructTreeRoot", "/AcroForm", "/Threads",
-                            "/OCProperties", "/OpenAction", "/PageLabels", "/Metadata"})
-        for (const char* odd : oddities) {
-            PdfFixture pdf;
-            pdf.addPage({});
-            pdf.addPage({});
-            pdf.setRootKey(key, odd);
-            EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0) << key << ' ' << odd;
-        }
-    for (const char* key :
-         {"/Annots", "/Resources", "/Contents", "/MediaBox", "/Rotate", "/B", "/AA", "/StructParents"})
-        for (const char* odd : oddities) {
-            PdfFixture pdf;
-            pdf.addPage({});
-            pdf.addPage({});
-            pdf.setPageKey(0, key, odd);
-            pdf.setPageKey(1, key, odd);
-            EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0) << key << ' ' << odd;
-        }
-    for (const char* key :
-         {"/AP", "/MK", "/BS", "/Parent", "/Kids", "/Rect", "/DA", "/Dest", "/A", "/Popup", "/IRT", "/V"})
-        for (const char* odd : oddities) {
-            PdfFixture pdf;
-            pdf.addPage({});
-            pdf.addPage({});
-            pdf.setKey(pdf.addTextField(0, QStringLiteral("f"), {0, 0, 50, 20}, QStringLiteral("v")), key, odd);
-            EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0) << key << ' ' << odd;
-        }
+    using Put = void (*)(PdfFixture & pdf, const char* key, const char* odd);
+    const std::pair<Put, std::vector<const char*>> places[] = {
+        {[](PdfFixture& pdf, const char* key, const char* odd) { pdf.setRootKey(key, odd); },
+         {"/Outlines", "/Names", "/Dests", "/StructTreeRoot", "/AcroForm", "/Threads", "/OCProperties", "/OpenAction",
+          "/PageLabels", "/Metadata"}},
+        {[](PdfFixture& pdf, const char* key, const char* odd) {
+             for (const int page : {0, 1})
+                 pdf.setPageKey(page, key, odd);
+         },
+         {"/Annots", "/Resources", "/Contents", "/MediaBox", "/Rotate", "/B", "/AA", "/StructParents"}},
+        {[](PdfFixture& pdf, const char* key, const char* odd) {
+             pdf.setKey(pdf.addTextField(0, QStringLiteral("f"), {0, 0, 50, 20}, QStringLiteral("v")), key, odd);
+         },
+         {"/AP", "/MK", "/BS", "/Parent", "/Kids", "/Rect", "/DA", "/Dest", "/A", "/Popup", "/IRT", "/V"}},
+    };
+    for (const auto& [put, keys] : places)
+        for (const char* key : keys)
+            for (const char* odd : oddities) {
+                PdfFixture pdf;
+                pdf.addPages(2);
+                put(pdf, key, odd);
+                EXPECT_EQ(saveInEveryWay(pdf.bytes()), 0) << key << ' ' << odd;
+            }
 }
 
 TEST(WriterHostileTest, DamagedBytesNeverEndTheProgram) {
     PdfFixture pdf;
-    for (int i = 0; i < 4; ++i)
-        pdf.addPage({QStringLiteral("page")});
+    pdf.addPages(4, QStringLiteral("page"));
     pdf.addTextField(0, QStringLiteral("f"), {0, 0, 50, 20}, QStringLiteral("v"));
     pdf.addNamedDestination("n", 2);
     pdf.tagPage(1, QStringLiteral("t"));
@@ -203,8 +198,7 @@ TEST(WriterHostileTest, WhatWasRepairedIsSavedAsItWasShown) {
     std::vector<Case> cases;
     const auto add = [&cases](const char* what, int pages, const std::function<QByteArray(PdfFixture&)>& make) {
         PdfFixture fixture;
-        for (int i = 0; i < 4; ++i)
-            fixture.addPage({QStringLiteral("Page %1").arg(i)});
+        fixture.addPages(4, QStringLiteral("Page %1"));
         cases.push_back({what, make(fixture), pages});
     };
     add("cut short", 4, [](PdfFixture& fixture) {

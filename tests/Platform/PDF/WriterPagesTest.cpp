@@ -18,18 +18,10 @@
 
 namespace {
 
-void addNumberedPages(PdfFixture& pdf, int count, const QString& prefix = QStringLiteral("p")) {
-    for (int i = 0; i < count; ++i)
-        pdf.addPage({QStringLiteral("%1%2").arg(prefix).arg(i)});
-}
-
 /// What stands on the pages, as another program reads it: "p0|p1|p2".
 std::string pageTexts(const QByteArray& file, const QString& password = {}) {
-    const auto result =
-        PdfPrograms::run(QStringLiteral("pdftotext"),
-                         {QStringLiteral("-upw"), password, QStringLiteral("FILE"), QStringLiteral("-")}, file);
     QStringList pages;
-    for (const QString& page : QString::fromUtf8(result.output).split(QLatin1Char('\f')))
+    for (const QString& page : PdfPrograms::text(file, 0, password).split(QLatin1Char('\f')))
         pages += page.simplified();
     pages.removeLast();
     return pages.join(QLatin1Char('|')).toStdString();
@@ -46,89 +38,83 @@ void move(PDFDocument& document, int from, int to) {
     document.insert(document.removePage(from), to);
 }
 
-class MovingTest : public testing::TestWithParam<std::pair<PdfFixture::Style, int>> {}; // style, pages of a node
+/// With thirty numbered pages, of which the nodes of the page tree have so many each, or all for none.
+class MovingTest : public testing::TestWithParam<std::pair<PdfFixture::Style, int>> {
+protected:
+    MovingTest() {
+        m_pdf.addPages(30, QStringLiteral("p%1"));
+        std::iota(m_expected.begin(), m_expected.end(), 0);
+    }
+    QByteArray bytes() {
+        if (m_isNested)
+            m_pdf.nestPageTree(GetParam().second, "/CropBox [0 0 500 700] /Rotate 90");
+        return m_pdf.bytes(GetParam().first);
+    }
+    /// Saves the document, whose pages are the expected ones and as they were, and opens it again.
+    void saveAndOpen(const PDFDocument& document) {
+        const QByteArray after = document.dataRepresentation();
+        ASSERT_EQ(PdfPrograms::complaints(after), "");
+        ASSERT_EQ(pageTexts(after), numbered(m_expected));
+        m_reopened = PDFDocument::fromData(after);
+        ASSERT_FALSE(m_reopened->wasRepaired());
+        for (int i = 0; i < m_reopened->pageCount(); ++i) {
+            EXPECT_EQ(m_reopened->page(i)->rotation(), m_isNested ? 90 : 0);
+            EXPECT_EQ(m_reopened->page(i)->bounds(PDFDisplayBox::cropBox).width(), m_isNested ? 500 : 612);
+        }
+    }
+
+    const bool m_isNested = GetParam().second > 0;
+    PdfFixture m_pdf;
+    std::vector<int> m_expected = std::vector<int>(30);
+    std::shared_ptr<PDFDocument> m_reopened;
+};
 
 } // namespace
 
 TEST_P(MovingTest, PagesMoveWithAllThatLeadsToThem) {
-    PdfFixture pdf;
-    addNumberedPages(pdf, 30);
-    pdf.setOutline(
+    m_pdf.setOutline(
         {{QStringLiteral("zero"), 0}, {QStringLiteral("ten"), 10}, {QStringLiteral("named"), -1, {}, "twenty"}});
-    pdf.addNamedDestination("twenty", 20);
-    pdf.addLink(0, {0, 0, 20, 20}, 29);
-    pdf.addTextField(10, QStringLiteral("field"), {40, 40, 100, 20}, QString());
-    const auto [style, fanOut] = GetParam();
-    if (fanOut > 0)
-        pdf.nestPageTree(fanOut, "/CropBox [0 0 500 700] /Rotate 90");
-    const QByteArray before = pdf.bytes(style);
+    m_pdf.addNamedDestination("twenty", 20);
+    m_pdf.addLink(0, {0, 0, 20, 20}, 29);
+    m_pdf.addTextField(10, QStringLiteral("field"), {40, 40, 100, 20}, QString());
+    const QByteArray before = bytes();
     const auto document = PDFDocument::fromData(before);
-
-    std::vector<int> expected(30);
-    std::iota(expected.begin(), expected.end(), 0);
+    const auto movePage = [&](int from, int to) {
+        move(*document, from, to);
+        const int number = m_expected[std::size_t(from)];
+        m_expected.erase(m_expected.begin() + from);
+        m_expected.insert(m_expected.begin() + to, number);
+    };
+    const auto placeOf = [&](int page) {
+        return int(std::find(m_expected.begin(), m_expected.end(), page) - m_expected.begin());
+    };
     std::mt19937 random(7);
     for (int round = 0; round < 12; ++round) {
         const int from = int(random() % 30);
-        const int to = int(random() % 30);
-        move(*document, from, to);
-        const int number = expected[std::size_t(from)];
-        expected.erase(expected.begin() + from);
-        expected.insert(expected.begin() + to, number);
-
-        const QByteArray after = document->dataRepresentation();
-        ASSERT_EQ(PdfPrograms::complaints(after), "");
-        ASSERT_EQ(pageTexts(after), numbered(expected));
-        const auto reopened = PDFDocument::fromData(after);
-        ASSERT_FALSE(reopened->wasRepaired());
-        const auto placeOf = [&](int page) {
-            return int(std::find(expected.begin(), expected.end(), page) - expected.begin());
-        };
-        const auto outline = reopened->outlineRoot();
+        movePage(from, int(random() % 30));
+        ASSERT_NO_FATAL_FAILURE(saveAndOpen(*document));
         const int leads[] = {0, 10, 20};
         for (int i = 0; i < 3; ++i)
-            EXPECT_EQ(reopened->index(outline->child(i)->destination()->page().get()), placeOf(leads[i]));
-        const auto link = reopened->page(placeOf(0))->annotations().at(0);
-        EXPECT_EQ(reopened->index(link->destination()->page().get()), placeOf(29));
-        EXPECT_EQ(reopened->page(placeOf(10))->annotations().at(0)->fieldName(), QStringLiteral("field"));
-        for (int i = 0; i < 30; ++i) {
-            EXPECT_EQ(reopened->page(i)->rotation(), fanOut > 0 ? 90 : 0);
-            EXPECT_EQ(reopened->page(i)->bounds(PDFDisplayBox::cropBox).width(), fanOut > 0 ? 500 : 612);
-        }
+            EXPECT_EQ(m_reopened->outlineRoot()->child(i)->destination()->page(), m_reopened->page(placeOf(leads[i])));
+        const auto link = m_reopened->page(placeOf(0))->annotations().at(0);
+        EXPECT_EQ(link->destination()->page(), m_reopened->page(placeOf(29)));
+        EXPECT_EQ(m_reopened->page(placeOf(10))->annotations().at(0)->fieldName(), QStringLiteral("field"));
     }
     // Brought back into their old order, they are the old file.
-    for (int i = 0; i < 30; ++i) {
-        const auto at = std::find(expected.begin(), expected.end(), i);
-        move(*document, int(at - expected.begin()), i);
-        expected.erase(at);
-        expected.insert(expected.begin() + i, i);
-    }
+    for (int i = 0; i < 30; ++i)
+        movePage(placeOf(i), i);
     EXPECT_EQ(document->dataRepresentation(), before);
 }
 
 TEST_P(MovingTest, PagesLeaveTheRestOfTheirTreeAsItIs) {
-    PdfFixture pdf;
-    addNumberedPages(pdf, 30);
-    const auto [style, fanOut] = GetParam();
-    if (fanOut > 0)
-        pdf.nestPageTree(fanOut, "/CropBox [0 0 500 700] /Rotate 90");
-    const auto document = PDFDocument::fromData(pdf.bytes(style));
-    std::vector<int> expected(30);
-    std::iota(expected.begin(), expected.end(), 0);
+    const auto document = PDFDocument::fromData(bytes());
     // One, the ends, all of some nodes, and nearly all.
     for (const auto& [first, count] :
          {std::pair(13, 1), std::pair(28, 1), std::pair(0, 1), std::pair(3, 9), std::pair(2, 15)}) {
         for (int i = 0; i < count; ++i)
             document->removePage(first);
-        expected.erase(expected.begin() + first, expected.begin() + first + count);
-        const QByteArray after = document->dataRepresentation();
-        ASSERT_EQ(PdfPrograms::complaints(after), "");
-        ASSERT_EQ(pageTexts(after), numbered(expected));
-        const auto reopened = PDFDocument::fromData(after);
-        ASSERT_FALSE(reopened->wasRepaired());
-        for (int i = 0; i < reopened->pageCount(); ++i) {
-            EXPECT_EQ(reopened->page(i)->rotation(), fanOut > 0 ? 90 : 0);
-            EXPECT_EQ(reopened->page(i)->bounds(PDFDisplayBox::cropBox).width(), fanOut > 0 ? 500 : 612);
-        }
+        m_expected.erase(m_expected.begin() + first, m_expected.begin() + first + count);
+        ASSERT_NO_FATAL_FAILURE(saveAndOpen(*document));
     }
 }
 
@@ -141,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Trees, MovingTest,
 
 TEST(WriterPagesTest, AMoveIsASmallUpdate) {
     PdfFixture pdf;
-    addNumberedPages(pdf, 200);
+    pdf.addPages(200, QStringLiteral("p%1"));
     pdf.nestPageTree(10);
     const QByteArray before = pdf.bytes(PdfFixture::Style::objectStreams);
     const auto document = PDFDocument::fromData(before);
@@ -153,12 +139,12 @@ TEST(WriterPagesTest, AMoveIsASmallUpdate) {
 
 TEST(WriterPagesTest, PagesOfSeveralFilesComeTogether) {
     PdfFixture one;
-    addNumberedPages(one, 3, QStringLiteral("one"));
+    one.addPages(3, QStringLiteral("one%1"));
     one.addLayer(0, QStringLiteral("Shown"), "", true);
     one.addLayer(1, QStringLiteral("Hidden"), "BT /F1 12 Tf 72 500 Td (hidden words) Tj ET", false);
     one.setPageKey(2, "/UserUnit", "2");
     PdfFixture two;
-    addNumberedPages(two, 2, QStringLiteral("two"));
+    two.addPages(2, QStringLiteral("two%1"));
     two.addNamedDestination("end", 1);
     two.addNamedLink(0, {0, 0, 20, 20}, "end");
     two.nestPageTree(1, "/Rotate 270");
@@ -189,7 +175,7 @@ TEST(WriterPagesTest, PagesOfSeveralFilesComeTogether) {
 
 TEST(WriterPagesTest, PagesInUseTwiceAreTwoPages) {
     PdfFixture pdf;
-    addNumberedPages(pdf, 2);
+    pdf.addPages(2, QStringLiteral("p%1"));
     pdf.addLink(0, {0, 0, 20, 20}, 1);
     const auto document = PDFDocument::fromData(pdf.bytes());
     document->insert(document->page(0)->copy(), 2);
@@ -238,13 +224,15 @@ TEST(WriterPagesTest, OneThatStandsTwiceInTheTreeIsTwoPages) {
 
 TEST_P(ProtectionTest, StaysOnEverySave) {
     PdfFixture pdf;
-    addNumberedPages(pdf, 3);
+    pdf.addPages(3, QStringLiteral("p%1"));
+    pdf.addTextField(0, QStringLiteral("field"), {40, 40, 200, 20}, QStringLiteral("old"));
     const QByteArray before = pdf.encrypted("user", "owner", GetParam());
     const auto document = PDFDocument::fromData(before);
     EXPECT_THROW((void)document->dataRepresentation(), PDFError) << "locked";
     ASSERT_TRUE(document->unlock(QStringLiteral("user")));
     EXPECT_EQ(document->dataRepresentation(), before);
     document->removePage(1);
+    document->page(0)->annotations()[0]->setWidgetStringValue(QStringLiteral("private value"));
     auto note = std::make_shared<PDFAnnotation>(QRectF(9, 9, 50, 50), PDFAnnotationSubtype::text);
     note->setContents(QStringLiteral("a private remark"));
     document->page(0)->addAnnotation(note);
@@ -256,15 +244,16 @@ TEST_P(ProtectionTest, StaysOnEverySave) {
         const auto reopened = PDFDocument::fromData(after);
         EXPECT_TRUE(reopened->isLocked());
         EXPECT_TRUE(reopened->unlock(QString::fromLatin1(password)));
-        EXPECT_EQ(reopened->page(0)->annotations().at(0)->contents(), QStringLiteral("a private remark"));
+        EXPECT_EQ(reopened->page(0)->annotations().at(0)->widgetStringValue(), QStringLiteral("private value"));
+        EXPECT_EQ(reopened->page(0)->annotations().at(1)->contents(), QStringLiteral("a private remark"));
     }
-    EXPECT_EQ(pageTexts(after, QStringLiteral("user")), numbered({0, 2}));
+    EXPECT_EQ(pageTexts(after, QStringLiteral("user")), "p0 private value|p2");
 
     // A copy made page by page is free.
     PDFDocument copy;
     for (int i = 0; i < document->pageCount(); ++i)
         copy.insert(document->page(i)->copy(), i);
-    EXPECT_EQ(pageTexts(copy.dataRepresentation()), numbered({0, 2}));
+    EXPECT_EQ(pageTexts(copy.dataRepresentation()), "p0 private value|p2");
 }
 
 INSTANTIATE_TEST_SUITE_P(Ciphers, ProtectionTest,
@@ -284,14 +273,6 @@ TEST(WriterPagesTest, OutlinesKeepWhatIsNotEdited) {
         {"moved", [](PDFDocument& document) { move(document, 2, 5); }, 5},
         {"removed", [](PDFDocument& document) { document.removePage(0); }, 1},
         {"brought in", [](PDFDocument& document) { document.insert(document.page(1)->copy(), 0); }, 3},
-        {"edited and taken back",
-         [](PDFDocument& document) {
-             const auto old = document.outlineRoot();
-             document.setOutlineRoot(std::make_shared<PDFOutline>());
-             document.setOutlineRoot(old);
-             move(document, 2, 0);
-         },
-         0},
         {"renamed",
          [](PDFDocument& document) {
              document.outlineRoot()->child(0)->setLabel(QStringLiteral("New"));
@@ -303,7 +284,7 @@ TEST(WriterPagesTest, OutlinesKeepWhatIsNotEdited) {
     for (const Case& each : cases) {
         SCOPED_TRACE(each.what);
         PdfFixture pdf;
-        addNumberedPages(pdf, 8);
+        pdf.addPages(8, QStringLiteral("p%1"));
         pdf.setPageKey(7, "/Bulk", pdf.addStream("<< >>", QByteArray(100'000, 'x'))); // so that a save can append
         const QByteArray third = pdf.pageReference(2);
         pdf.setOutline(
@@ -356,27 +337,6 @@ TEST(WriterPagesTest, ImportedPagesKeepTheirLooks) {
     EXPECT_EQ(picture(*PDFDocument::fromData(source->dataRepresentation())), picture(*source));
 }
 
-TEST(WriterPagesTest, LinksAmongImportedPagesWorkAtOnce) {
-    PdfFixture other;
-    addNumberedPages(other, 3);
-    other.addNamedDestination("second", 1);
-    other.addLink(0, {0, 0, 20, 20}, 2);
-    other.addNamedLink(0, {30, 0, 20, 20}, "second");
-    const auto source = PDFDocument::fromData(other.bytes());
-    PdfFixture pdf;
-    addNumberedPages(pdf, 3);
-    const auto document = PDFDocument::fromData(pdf.bytes());
-    document->insert(source->page(2)->copy(), 1);
-    document->insert(source->page(0)->copy(), 3);
-    for (const auto& each : {document, PDFDocument::fromData(document->dataRepresentation())}) {
-        const auto& links = each->page(3)->annotations();
-        ASSERT_EQ(links.size(), 2U);
-        ASSERT_TRUE(links[0]->destination());
-        EXPECT_EQ(each->index(links[0]->destination()->page().get()), 1);
-        EXPECT_FALSE(links[1]->destination()) << "its page didn't come along";
-    }
-}
-
 TEST(WriterPagesTest, WhatAPasswordOpensCanBeSaved) {
     using Encryption = PdfFixture::Encryption;
     struct Case {
@@ -394,7 +354,7 @@ TEST(WriterPagesTest, WhatAPasswordOpensCanBeSaved) {
                              Case{"right to left", Encryption::aes256, "\u0627\u0628", "\u0627\u0628"}}) {
         SCOPED_TRACE(each.what);
         PdfFixture pdf;
-        addNumberedPages(pdf, 2);
+        pdf.addPages(2, QStringLiteral("p%1"));
         const auto document = PDFDocument::fromData(pdf.encrypted(each.bytes, "owner", each.encryption));
         EXPECT_FALSE(document->unlock(QStringLiteral("IX")));
         ASSERT_TRUE(document->unlock(QString::fromUtf8(each.typed)));
@@ -408,7 +368,7 @@ TEST(WriterPagesTest, WhatAPasswordOpensCanBeSaved) {
 
 TEST(WriterPagesTest, ProtectedCopyOpensWithItsPasswordOnly) {
     PdfFixture pdf;
-    addNumberedPages(pdf, 2);
+    pdf.addPages(2, QStringLiteral("p%1"));
     const auto document = PDFDocument::fromData(pdf.bytes(PdfFixture::Style::objectStreams));
     const QString path = QDir::temp().filePath(QStringLiteral("protected.pdf"));
     const QString password = QStringLiteral("pässwört ﬁ");
@@ -422,12 +382,10 @@ TEST(WriterPagesTest, ProtectedCopyOpensWithItsPasswordOnly) {
         EXPECT_EQ(copy->pageCount(), 2);
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const auto told =
-            PdfPrograms::run(QStringLiteral("qpdf"),
-                             {QStringLiteral("--show-encryption"),
-                              QStringLiteral("--password=") + password.normalized(QString::NormalizationForm_KC),
-                              QStringLiteral("FILE")},
-                             file.readAll());
+        const QStringList arguments{QStringLiteral("--show-encryption"),
+                                    QStringLiteral("--password=") + password.normalized(QString::NormalizationForm_KC),
+                                    QStringLiteral("FILE")};
+        const auto told = PdfPrograms::run(QStringLiteral("qpdf"), arguments, file.readAll());
         EXPECT_TRUE(told.output.contains("R = 6")) << told.output.toStdString() << told.errors.toStdString();
         EXPECT_TRUE(told.output.contains("AESv3"));
     }
