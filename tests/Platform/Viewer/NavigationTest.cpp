@@ -68,19 +68,6 @@ TEST(Navigation, goesToPagesAndTellsWhichIsCurrent) {
     }
 }
 
-TEST(Navigation, theBarAndTheWheelChangeThePage) {
-    ShownView view(sampleDocument(5));
-    QSignalSpy changes(&view, &PDFView::pageChanged);
-    view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
-    EXPECT_EQ(view.currentPageIndex(), 4);
-    EXPECT_EQ(changes.count(), 1);
-    for (int i = 0; i < 100 && view.currentPageIndex() != 3; ++i) {
-        view.wheel({100, 100}, {0, 120});
-        view.waitUntilStill();
-    }
-    EXPECT_EQ(view.currentPageIndex(), 3);
-}
-
 TEST(Navigation, jumpsCanBeUndone) {
     ShownView view(sampleDocument(9));
     view.verticalScrollBar()->setValue(137);
@@ -108,8 +95,7 @@ TEST(Navigation, jumpsCanBeUndone) {
 
 TEST(Navigation, destinationsMayLackPartsOrLieOutside) {
     PdfFixture fixture;
-    for (int i = 0; i < 3; ++i)
-        fixture.addPage({QStringLiteral("text")});
+    fixture.addPages(3, QStringLiteral("text"));
     fixture.setPageKey(1, "/Rotate", "90");
     fixture.setPageKey(1, "/MediaBox", "[100 200 712 992]");
     ShownView view(documentOf(fixture));

@@ -20,8 +20,8 @@
 template <typename View>
 class ShownForm {
 public:
-    explicit ShownForm(int rotation = 0, double scale = 1)
-        : document(PDFDocument::fromData(FormFixture::bytes(rotation))) {
+    explicit ShownForm(int rotation = 0, double scale = 1) : ShownForm(FormFixture::bytes(rotation), scale) {}
+    ShownForm(const QByteArray& file, double scale) : document(PDFDocument::fromData(file)) {
         view.resize(700, 700);
         view.setDocument(document);
         view.setScaleFactor(scale);

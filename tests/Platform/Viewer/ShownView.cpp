@@ -6,9 +6,11 @@
 #include "PageText.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QTest>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
@@ -89,9 +91,13 @@ void ShownView::click(QPointF point, Qt::KeyboardModifiers modifiers) {
 }
 
 void ShownView::doubleClick(QPointF point) {
+    pressTwice(point);
+    release(point);
+}
+
+void ShownView::pressTwice(QPointF point) {
     click(point);
     mouse(QEvent::MouseButtonDblClick, point, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-    release(point);
 }
 
 void ShownView::drag(QPointF from, QPointF to) {
@@ -109,6 +115,12 @@ void ShownView::wheel(QPointF point, QPoint angleDelta, Qt::KeyboardModifiers mo
     QWheelEvent event(point, viewport()->mapToGlobal(point), {}, angleDelta, Qt::NoButton, modifiers, Qt::NoScrollPhase,
                       false);
     QApplication::sendEvent(viewport(), &event);
+}
+
+QString ShownView::toolTip(QPointF point) {
+    QHelpEvent event(QEvent::ToolTip, point.toPoint(), viewport()->mapToGlobal(point.toPoint()));
+    QApplication::sendEvent(viewport(), &event);
+    return QToolTip::text();
 }
 
 QString ShownView::selected() const {

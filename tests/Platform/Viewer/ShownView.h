@@ -39,11 +39,15 @@ public:
     void release(QPointF point, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void click(QPointF point, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void doubleClick(QPointF point);
+    /// A double click of which the release is still to come.
+    void pressTwice(QPointF point);
     /// Presses at one point and releases at the other.
     void drag(QPointF from, QPointF to);
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void wheel(QPointF point, QPoint angleDelta, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
+    /// The tool tip that comes there, or the one that was there before.
+    QString toolTip(QPointF point);
     [[nodiscard]] QString selected() const;
     /// The device pixels that the view shows.
     [[nodiscard]] QImage picture();

@@ -6,20 +6,9 @@
 
 #include <QAccessible>
 #include <QAction>
-#include <QMenu>
 #include <QTest>
 
 #include <gtest/gtest.h>
-
-namespace {
-
-class MenuView : public ShownView {
-public:
-    using ShownView::menu;
-    using ShownView::ShownView;
-};
-
-} // namespace
 
 TEST(ViewAccessibility, tellsTheDocumentsTextAndPlace) {
     ShownView view(sampleDocument(4));
@@ -46,9 +35,6 @@ TEST(ViewAccessibility, tellsTheDocumentsTextAndPlace) {
     int end = -1;
     text->selection(0, &start, &end);
     EXPECT_EQ(std::pair(start, end), std::pair(0, 6));
-    view.selectAll();
-    text->selection(0, &start, &end);
-    EXPECT_EQ(std::pair(start, end), std::pair(0, text->characterCount()));
     text->removeSelection(0);
     EXPECT_EQ(text->selectionCount(), 0);
 
@@ -69,12 +55,11 @@ TEST(ViewAccessibility, tellsTheDocumentsTextAndPlace) {
 }
 
 TEST(ViewAccessibility, everyCommandHasANameAndSaysWhenItWorks) {
-    MenuView view(sampleDocument(2));
+    ShownView view(sampleDocument(2));
     for (const QAction* action : view.actions()) {
         EXPECT_FALSE(action->text().isEmpty());
         EXPECT_FALSE(action->objectName().isEmpty());
     }
-    EXPECT_EQ(view.actions().size(), 8);
     const auto enabled = [&](PDFViewCommand command) { return view.action(command)->isEnabled(); };
     EXPECT_FALSE(enabled(PDFViewCommand::copy));
     EXPECT_FALSE(enabled(PDFViewCommand::goToPreviousPage));
@@ -85,9 +70,6 @@ TEST(ViewAccessibility, everyCommandHasANameAndSaysWhenItWorks) {
     EXPECT_FALSE(enabled(PDFViewCommand::goToNextPage));
     view.setDocument(nullptr);
     EXPECT_FALSE(enabled(PDFViewCommand::selectAll));
-
-    const auto menu = view.menu({10, 10});
-    EXPECT_EQ(menu->actions().size(), 2);
 }
 
 TEST(ViewAccessibility, theKeyboardsFocusIsSeenThePointersIsNot) {

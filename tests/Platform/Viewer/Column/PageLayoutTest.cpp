@@ -19,19 +19,16 @@ TEST(PageLayout, laysPagesInOneCentredColumn) {
     EXPECT_EQ(layout.pageRect(2), QRectF(10, 1835, 1500, 150));
 }
 
-TEST(PageLayout, centresAColumnThatIsSmallerThanTheView) {
+TEST(PageLayout, centresAColumnThatIsSmallerThanTheViewOrHasNoPages) {
     const PageLayout layout = layoutOf({{100, 100}}, 1);
     EXPECT_EQ(layout.contentSize(), QSizeF(800, 600));
     EXPECT_EQ(layout.pageRect(0), QRectF(350, 250, 100, 100));
     EXPECT_EQ(layout.pageAtHeight(0), 0);
     EXPECT_EQ(layout.pagesBetween(0, 600), std::pair(0, 1));
-}
-
-TEST(PageLayout, hasNoPagesAnywhereWithoutPages) {
-    const PageLayout layout = layoutOf({}, 1);
-    EXPECT_EQ(layout.pageAtHeight(100), -1);
-    EXPECT_EQ(layout.pagesBetween(0, 600), std::pair(0, 0));
-    EXPECT_EQ(layout.contentSize(), QSizeF(800, 600));
+    const PageLayout none = layoutOf({}, 1);
+    EXPECT_EQ(none.contentSize(), QSizeF(800, 600));
+    EXPECT_EQ(none.pageAtHeight(100), -1);
+    EXPECT_EQ(none.pagesBetween(0, 600), std::pair(0, 0));
 }
 
 // Look-ups are binary searches; here every page is looked at instead.

@@ -15,13 +15,6 @@ using Form = ShownForm<PDFView>;
 
 class FormFilling : public testing::TestWithParam<std::tuple<int, double>> {};
 
-/// Values of the first page's fields as the file has them.
-QStringList read(const QByteArray& file, const QRectF& rect) {
-    const auto document = PDFDocument::fromData(file);
-    const auto field = PDFFormField::of(document->page(0)->annotation(rect.center()));
-    return field ? field->value() : QStringList(QStringLiteral("no field"));
-}
-
 } // namespace
 
 TEST_P(FormFilling, everyKindTakesWhatIsClickedAndTypedAndIsInTheSavedFile) {
@@ -80,7 +73,11 @@ TEST_P(FormFilling, everyKindTakesWhatIsClickedAndTypedAndIsInTheSavedFile) {
     EXPECT_EQ(changes.count(), 9);
     const QByteArray saved = form.document->dataRepresentation();
     EXPECT_EQ(PdfPrograms::complaints(saved), "");
-    const auto value = [&](const QRectF& rect) { return read(saved, rect).join(QLatin1Char('|')).toStdString(); };
+    const auto reopened = PDFDocument::fromData(saved);
+    const auto value = [&](const QRectF& rect) {
+        const auto field = PDFFormField::of(reopened->page(0)->annotation(rect.center()));
+        return field ? field->value().join(QLatin1Char('|')).toStdString() : "no field";
+    };
     EXPECT_EQ(value(FormFixture::name), "Ada Lovelace");
     EXPECT_EQ(value(FormFixture::code), "12345");
     EXPECT_EQ(value(FormFixture::secret), "xyzzy");
@@ -173,31 +170,22 @@ TEST(FormTexts, linesAreEditedAsLargeAndAsFarApartAsTheyWillStand) {
                           pdf.addAnnotation(0, "<< /Type /Annot /Subtype /Widget /FT /Tx /Ff 4096 /F 4 /T (notes) "
                                                "/Rect [50 650 250 710] /DA (/Helv " +
                                                    size + " Tf 0 g) >>"));
-        const auto document = PDFDocument::fromData(pdf.bytes());
-        PDFView view;
-        view.resize(700, 700);
-        view.setDocument(document);
-        view.setScaleFactor(1.5);
-        view.show();
-        view.activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
-        view.setFocus(Qt::MouseFocusReason);
-        QTest::keyClick(&view, Qt::Key_Tab);
-        auto* const editor = qobject_cast<QTextEdit*>(QApplication::focusWidget());
+        Form form(pdf.bytes(), 1.5);
+        form.key(Qt::Key_Tab);
+        auto* const editor = qobject_cast<QTextEdit*>(form.editor());
         ASSERT_NE(editor, nullptr);
-        QTest::keyClicks(editor, QStringLiteral("one"));
-        for (int i = 0; i < 6; ++i) {
-            QTest::keyClick(editor, Qt::Key_Return);
-            QTest::keyClicks(editor, QStringLiteral("more"));
+        for (int i = 0; i < 7; ++i) {
+            form.type(QStringLiteral("more"));
+            form.key(Qt::Key_Return);
         }
-        const double edited = editor->font().pointSizeF() * editor->logicalDpiY() / 72 / view.scaleFactor();
+        const double edited = editor->font().pointSizeF() * editor->logicalDpiY() / 72 / 1.5;
         QTextCursor place(editor->document());
         const double first = editor->cursorRect(place).top();
         place.movePosition(QTextCursor::NextBlock, QTextCursor::MoveAnchor, 3);
-        const double apart = (editor->cursorRect(place).top() - first) / 3 / view.scaleFactor();
-        QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
+        const double apart = (editor->cursorRect(place).top() - first) / 3 / 1.5;
+        form.key(Qt::Key_Return, Qt::ControlModifier);
 
-        const auto look = FieldDrawing::of(document->page(0)->annotations().at(0)->values());
+        const auto look = FieldDrawing::of(form.document->page(0)->annotations().at(0)->values());
         ASSERT_TRUE(look && look->text && look->text->layout.lines.size() > 1U);
         const FieldText::Layout& stands = look->text->layout;
         EXPECT_EQ(size == "0", stands.size < 8);
