@@ -70,7 +70,7 @@ private:
         else if (kind == 6)
             PageOperations::movePage(m_document, index, below(count), &m_undoManager);
         else if (kind == 7 && !annotations.empty() && annotations.back()->type() != PDFAnnotationSubtype::widget)
-            EditedPdf::removeAnnotation(m_document, pdf.page(index), annotations.back());
+            EditedPdf::setAnnotation(m_document, pdf.page(index), annotations.back(), false);
         else
             EditedPdf::addSquare(m_document, index, QStringLiteral("note %1").arg(m_number));
     }
@@ -100,8 +100,6 @@ int run(const QString& folder, const QString& path, unsigned seed) {
     Session session(folder);
     session.recovery.setOn(false);
     const std::shared_ptr<PDFEditorDocument> document = session.open(path);
-    if (!document)
-        return 1;
     // Connected first, so that it is told before the record goes.
     QObject::connect(document.get(), &Document::documentEditedChanged, document.get(), [](bool isEdited) {
         if (!isEdited)

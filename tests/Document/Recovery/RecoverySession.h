@@ -21,21 +21,15 @@
 /// Edits of documents as views make them, and what is left of them in a file.
 namespace EditedPdf {
 
-inline void addAnnotation(PDFEditorDocument& document, const std::shared_ptr<PDFPage>& page,
-                          const std::shared_ptr<PDFAnnotation>& annotation);
-
-inline void removeAnnotation(PDFEditorDocument& document, const std::shared_ptr<PDFPage>& page,
-                             std::shared_ptr<PDFAnnotation> annotation) {
-    page->removeAnnotation(annotation);
+/// Puts the annotation on the page or takes it off.
+inline void setAnnotation(PDFEditorDocument& document, const std::shared_ptr<PDFPage>& page,
+                          std::shared_ptr<PDFAnnotation> annotation, bool isThere) {
+    if (isThere)
+        page->addAnnotation(annotation);
+    else
+        page->removeAnnotation(annotation);
     document.undoManager()->registerUndo(&document,
-                                         [&document, page, annotation] { addAnnotation(document, page, annotation); });
-}
-
-inline void addAnnotation(PDFEditorDocument& document, const std::shared_ptr<PDFPage>& page,
-                          const std::shared_ptr<PDFAnnotation>& annotation) {
-    page->addAnnotation(annotation);
-    document.undoManager()->registerUndo(
-        &document, [&document, page, annotation] { removeAnnotation(document, page, annotation); });
+                                         [=, &document] { setAnnotation(document, page, annotation, !isThere); });
 }
 
 /// Puts a red square on the page.
@@ -44,7 +38,7 @@ inline void addSquare(PDFEditorDocument& document, int page = 0, const QString& 
     square->setColor(Qt::red);
     square->setInteriorColor(Qt::red);
     square->setContents(contents);
-    addAnnotation(document, document.pdfDocument()->page(page), square);
+    setAnnotation(document, document.pdfDocument()->page(page), square, true);
 }
 
 /// On the first page.
