@@ -1,35 +1,22 @@
 #include "PicturePages.h"
 
+#include "FolderTest.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PdfPrograms.h"
 
 #include <QColorSpace>
-#include <QFile>
 #include <QImage>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
 #include <utility>
 
-#include <gtest/gtest.h>
-
 namespace {
 
 const QColor red(255, 0, 0);
-
-QByteArray bytesOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool store(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 /// Columns 4 and 6 to 9 of what another program lists of the file's pictures, one picture a line.
 QString picturesIn(const QByteArray& pdf) {
@@ -42,38 +29,31 @@ QString picturesIn(const QByteArray& pdf) {
     return found.join(u'\n');
 }
 
-class PicturePagesTest : public testing::Test {
+class PicturePagesTest : public FolderTest {
 protected:
-    [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
-
-    /// Four quarters, red at the upper left, with what `arguments` ask for.
-    [[nodiscard]] bool make(const QString& name, const QStringList& arguments) const {
-        const QStringList quarters{
-            QStringLiteral("("),          QStringLiteral("xc:#ff0000"), QStringLiteral("xc:#00a000"),
-            QStringLiteral("+append"),    QStringLiteral(")"),          QStringLiteral("("),
-            QStringLiteral("xc:#0000ff"), QStringLiteral("xc:#ffc000"), QStringLiteral("+append"),
-            QStringLiteral(")"),          QStringLiteral("-append")};
-        return QProcess::execute(QStringLiteral("convert"),
-                                 QStringList{QStringLiteral("-size"), QStringLiteral("30x20")} + quarters + arguments +
-                                     QStringList{path(name)}) == 0;
+    /// Four quarters, red at the upper left, with what `arguments` ask for, separated by spaces.
+    void make(const char* name, const QString& arguments = {}) const {
+        const QString command =
+            QStringLiteral("-size 30x20 ( xc:#ff0000 xc:#00a000 +append ) ( xc:#0000ff xc:#ffc000 +append ) -append ") +
+            arguments;
+        ASSERT_EQ(QProcess::execute(QStringLiteral("convert"),
+                                    command.split(u' ', Qt::SkipEmptyParts) + QStringList{path(name)}),
+                  0);
     }
 
     /// The PDF of it; empty when there is none.
-    [[nodiscard]] QByteArray converted(const QString& name) const {
-        const QString destination = path(QStringLiteral("page.pdf"));
+    [[nodiscard]] QByteArray converted(const char* name) const {
+        const QString destination = path("page.pdf");
         QFile::remove(destination);
         const bool isWritten = PicturePages::write(path(name), destination);
         EXPECT_EQ(QFile::exists(destination), isWritten);
-        return bytesOf(destination);
+        return isWritten ? contentOf("page.pdf") : QByteArray();
     }
-
-    QTemporaryDir m_folder;
 };
 
 } // namespace
 
 TEST_F(PicturePagesTest, EveryKindOfPictureBecomesAPageThatLooksLikeIt) {
-    const auto list = [](const char* words) { return QString::fromLatin1(words).split(u' ', Qt::SkipEmptyParts); };
     const struct {
         const char* name;
         const char* arguments;
@@ -101,9 +81,8 @@ TEST_F(PicturePagesTest, EveryKindOfPictureBecomesAPageThatLooksLikeIt) {
     };
     for (const auto& kind : kinds) {
         SCOPED_TRACE(kind.name);
-        const QString name = QString::fromLatin1(kind.name);
-        ASSERT_TRUE(make(name, list(kind.arguments)));
-        const QByteArray pdf = converted(name);
+        make(kind.name, QLatin1String(kind.arguments));
+        const QByteArray pdf = converted(kind.name);
         ASSERT_FALSE(pdf.isEmpty());
         EXPECT_EQ(PdfPrograms::complaints(pdf), "");
         EXPECT_EQ(picturesIn(pdf).toStdString(), kind.stored);
@@ -114,23 +93,21 @@ TEST_F(PicturePagesTest, EveryKindOfPictureBecomesAPageThatLooksLikeIt) {
         const auto away = [&](auto part) { return std::abs((corner.*part)() - (kind.corner.*part)()); };
         EXPECT_LT(std::max({away(&QColor::red), away(&QColor::green), away(&QColor::blue)}), 24)
             << corner.name().toStdString();
-        EXPECT_EQ(pdf.contains(bytesOf(path(name))), QLatin1String(kind.stored).endsWith(QLatin1String("jpeg")));
+        EXPECT_EQ(pdf.contains(contentOf(kind.name)), QLatin1String(kind.stored).endsWith(QLatin1String("jpeg")));
     }
 }
 
 TEST_F(PicturePagesTest, ATurnedPhotoStandsUprightAndKeepsItsColours) {
-    const QString profile = path(QStringLiteral("wide.icc"));
-    ASSERT_TRUE(store(profile, QColorSpace(QColorSpace::DisplayP3).iccProfile()));
-    const QStringList arguments{QStringLiteral("-quality"), QStringLiteral("95"), QStringLiteral("-profile"), profile};
-    ASSERT_TRUE(make(QStringLiteral("turned.jpg"), arguments) && make(QStringLiteral("wide.png"), arguments));
+    makeFile("wide.icc", QColorSpace(QColorSpace::DisplayP3).iccProfile());
+    for (const char* name : {"turned.jpg", "wide.png"})
+        make(name, QStringLiteral("-quality 95 -profile ") + path("wide.icc"));
     const QByteArray turnedClockwise("\xFF\xE1\0\x22"
                                      "Exif\0\0MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0",
                                      36);
-    ASSERT_TRUE(store(path(QStringLiteral("turned.jpg")),
-                      bytesOf(path(QStringLiteral("turned.jpg"))).insert(2, turnedClockwise)));
+    makeFile("turned.jpg", contentOf("turned.jpg").insert(2, turnedClockwise));
     for (const auto& [name, size] : {std::pair("turned.jpg", QSizeF(40, 60)), {"wide.png", QSizeF(60, 40)}}) {
         SCOPED_TRACE(name);
-        const QByteArray pdf = converted(QString::fromLatin1(name));
+        const QByteArray pdf = converted(name);
         EXPECT_TRUE(pdf.contains("/ICCBased"));
         EXPECT_EQ(PdfPrograms::complaints(pdf), "");
         const auto page = PDFDocument::fromData(pdf)->page(0);
@@ -156,66 +133,57 @@ TEST_F(PicturePagesTest, AScanIsOfTheSizeThatItsFileTells) {
         QByteArray exif;
         const char* page; ///< as another program says it
     } scans[] = {
-        {"scan.jpg", "2550x3300", "300 -units PixelsPerInch", {}, "612 x 792"},
-        {"scan.png", "2550x3300", "300 -units PixelsPerInch", {}, "612 x 792"},
-        {"scan.tif", "2550x3300", "300 -units PixelsPerInch", {}, "612 x 792"},
-        {"scan.bmp", "255x330", "300 -units PixelsPerInch", {}, "61.2 x 79.2"},
-        {"metric.tif", "1200x600", "118.1103 -units PixelsPerCentimeter", {}, "288 x 144"},
-        {"fax.tif", "1728x1078", "204x98 -units PixelsPerInch", {}, "609.882 x 792"},
+        {"scan.jpg", "2550x3300", "-density 300 -units PixelsPerInch", {}, "612 x 792"},
+        {"scan.png", "2550x3300", "-density 300 -units PixelsPerInch", {}, "612 x 792"},
+        {"scan.tif", "2550x3300", "-density 300 -units PixelsPerInch", {}, "612 x 792"},
+        {"scan.bmp", "255x330", "-density 300 -units PixelsPerInch", {}, "61.2 x 79.2"},
+        {"metric.tif", "1200x600", "-density 118.1103 -units PixelsPerCentimeter", {}, "288 x 144"},
+        {"fax.tif", "1728x1078", "-density 204x98 -units PixelsPerInch", {}, "609.882 x 792"},
         {"exif.jpg", "600x300", "", turned, "144 x 144"},
-        {"screen.png", "300x200", "96 -units PixelsPerInch", {}, "300 x 200"},
-        {"hundred.jpg", "300x200", "100 -units PixelsPerInch", {}, "300 x 200"},
+        {"screen.png", "300x200", "-density 96 -units PixelsPerInch", {}, "300 x 200"},
+        {"hundred.jpg", "300x200", "-density 100 -units PixelsPerInch", {}, "300 x 200"},
         {"none.gif", "300x200", "", {}, "300 x 200"},
         {"wide.jpg", "6000x3000", "", {}, "3000 x 1500"},
-        {"poster.png", "6000x3000", "150 -units PixelsPerInch", {}, "2880 x 1440"},
-        {"absurd.png", "300x200", "9600 -units PixelsPerInch", {}, "300 x 200"},
-        {"sliver.png", "300x4", "200 -units PixelsPerInch", {}, "300 x 4"},
+        {"poster.png", "6000x3000", "-density 150 -units PixelsPerInch", {}, "2880 x 1440"},
+        {"absurd.png", "300x200", "-density 9600 -units PixelsPerInch", {}, "300 x 200"},
+        {"sliver.png", "300x4", "-density 200 -units PixelsPerInch", {}, "300 x 4"},
     };
     for (const auto& scan : scans) {
         SCOPED_TRACE(scan.name);
-        QString pixels = QString::fromLatin1(scan.pixels) + u'!';
-        if (*scan.density != '\0')
-            pixels += QStringLiteral(" -density ") + QString::fromLatin1(scan.density);
-        const QString name = QString::fromLatin1(scan.name);
-        ASSERT_TRUE(make(name, (QStringLiteral("-scale ") + pixels).split(u' ')));
-        if (!scan.exif.isEmpty()) { // instead of the segment with a density of none
-            ASSERT_TRUE(store(path(name), bytesOf(path(name)).replace(2, 18, scan.exif)));
-        }
+        make(scan.name, QStringLiteral("-scale %1! ").arg(QLatin1String(scan.pixels)) + QLatin1String(scan.density));
+        if (!scan.exif.isEmpty()) // instead of the segment with a density of none
+            makeFile(scan.name, contentOf(scan.name).replace(2, 18, scan.exif));
         const QString told = QString::fromLatin1(
-            PdfPrograms::run(QStringLiteral("pdfinfo"), {QStringLiteral("FILE")}, converted(name)).output);
+            PdfPrograms::run(QStringLiteral("pdfinfo"), {QStringLiteral("FILE")}, converted(scan.name)).output);
         EXPECT_TRUE(told.simplified().contains(QStringLiteral("Page size: %1 pts").arg(QLatin1String(scan.page))))
             << told.toStdString();
     }
 }
 
 TEST_F(PicturePagesTest, WhatCantBeShownGivesNothing) {
-    ASSERT_TRUE(make(QStringLiteral("sound.png"), {}) && make(QStringLiteral("sound.jpg"), {}) &&
-                make(QStringLiteral("sound.heic"), {}));
-    const QByteArray png = bytesOf(path(QStringLiteral("sound.png")));
-    QByteArray jpeg = bytesOf(path(QStringLiteral("sound.jpg")));
+    for (const char* name : {"sound.png", "sound.jpg", "sound.heic"})
+        make(name);
+    const QByteArray jpeg = contentOf("sound.jpg");
     const qsizetype frame = jpeg.indexOf(QByteArray("\xFF\xC0", 2));
     QByteArray huge = jpeg;
     huge.replace(frame + 5, 4, QByteArray("\x4E\x20\x4E\x20", 4)); // 20,000 by 20,000
     QImage wall(20'000, 20'000, QImage::Format_Mono);
     wall.fill(0);
-    ASSERT_TRUE(wall.save(path(QStringLiteral("wall.png"))));
-    ASSERT_LT(bytesOf(path(QStringLiteral("wall.png"))).size(), 100'000);
-    const struct {
-        const char* name;
-        QByteArray bytes;
-    } files[] = {{"words.jpg", "Dear reader, this is no picture."},
-                 {"empty.png", ""},
-                 {"cut.png", png.chopped(40)},
-                 {"cut.jpg", jpeg.left(frame + 20)},
-                 {"cut.heic", bytesOf(path(QStringLiteral("sound.heic"))).left(300)},
-                 {"huge.jpg", huge},
-                 {"drawing.png", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><rect/></svg>"},
-                 {"wall.png", bytesOf(path(QStringLiteral("wall.png")))},
-                 {"frame.gif", QByteArray("GIF89a\xFF\xFF\xFF\xFF\x80\0\0", 13)}};
+    ASSERT_TRUE(wall.save(path("wall.png")));
+    const std::pair<const char*, QByteArray> files[] = {
+        {"words.jpg", "Dear reader, this is no picture."},
+        {"empty.png", ""},
+        {"cut.png", contentOf("sound.png").chopped(40)},
+        {"cut.jpg", jpeg.left(frame + 20)},
+        {"cut.heic", contentOf("sound.heic").left(300)},
+        {"huge.jpg", huge},
+        {"drawing.png", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><rect/></svg>"},
+        {"wall.png", contentOf("wall.png")},
+        {"frame.gif", QByteArray("GIF89a\xFF\xFF\xFF\xFF\x80\0\0", 13)}};
     for (const auto& [name, bytes] : files) {
-        ASSERT_TRUE(store(path(QString::fromLatin1(name)), bytes));
-        EXPECT_TRUE(converted(QString::fromLatin1(name)).isEmpty()) << name;
+        makeFile(name, bytes);
+        EXPECT_TRUE(converted(name).isEmpty()) << name;
     }
-    EXPECT_TRUE(converted(QStringLiteral("missing.png")).isEmpty());
-    EXPECT_FALSE(PicturePages::write(path(QStringLiteral("sound.png")), path(QStringLiteral("no/such/folder.pdf"))));
+    EXPECT_TRUE(converted("missing.png").isEmpty());
+    EXPECT_FALSE(PicturePages::write(path("sound.png"), path("no/such/folder.pdf")));
 }
