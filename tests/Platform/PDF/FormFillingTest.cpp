@@ -162,6 +162,9 @@ TEST_P(FormFilling, OtherProgramsShowTheValue) {
                       : filling.value);
         const QString shown = PdfPrograms::text(file);
         EXPECT_EQ(shown.simplified(), filling.shown.isNull() ? filling.value.value(0).simplified() : filling.shown);
+        const QByteArray places = PdfPrograms::run(QStringLiteral("pdftotext -bbox FILE -"), file).output;
+        const double left = places.mid(places.indexOf("xMin=\"") + 6, 5).toDouble();
+        EXPECT_EQ(left > area.center().x() + 20, filling.keys.contains("/Q 2")) << left;
         EXPECT_EQ(shown.trimmed().count(QLatin1Char('\n')) > 1,
                   filling.keys.contains("/Ff 4096") || filling.shown.contains(QStringLiteral("Date")));
         const QByteArray all = PdfPrograms::unpacked(file).simplified();
