@@ -1,4 +1,5 @@
 #include "AssistantViewModel.h"
+#include "PdfFixtures.h"
 #include "ThumbnailSidebar.h"
 #include "UndoManager.h"
 #include "WorkspaceTest.h"
@@ -6,7 +7,6 @@
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QPainter>
 #include <QProgressDialog>
 #include <QPushButton>
 
@@ -14,19 +14,15 @@ namespace {
 
 class RecognitionTest : public WorkspaceTest {
 protected:
-    /// Pages that are pictures of a line each, in letters of 12 points at 300 dots per inch.
+    /// Pages that are pictures of a line each at 300 dots per inch.
     void openScans(const QStringList& lines) {
         const auto pdf = std::make_shared<PDFDocument>();
         for (const QString& line : lines) {
-            QImage scan(1500, 1000, QImage::Format_Grayscale8);
-            scan.fill(Qt::white);
-            QPainter painter(&scan);
-            QFont font(QStringLiteral("DejaVu Serif"));
-            font.setPixelSize(50);
-            painter.setFont(font);
-            painter.drawText(QPointF(200, 300), line);
-            painter.end();
-            pdf->insert(PDFPage::fromImage(scan, QSizeF(360, 240)), pdf->pageCount());
+            PdfFixture typed;
+            typed.addPage({line});
+            const auto page = PDFDocument::fromData(typed.bytes())->page(0);
+            pdf->insert(PDFPage::fromImage(page->thumbnail({2550, 3300}, PDFDisplayBox::mediaBox), {612, 792}),
+                        pdf->pageCount());
         }
         m_document = std::make_shared<PDFEditorDocument>();
         m_document->setPdfDocument(pdf);
