@@ -3,8 +3,6 @@
 #include "ToolState.h"
 #include "UndoManager.h"
 
-#include <QScrollBar>
-
 namespace {
 
 class FormFillingUndoTest : public testing::Test {

@@ -10,7 +10,6 @@
 #include "ToolState.h"
 #include "UndoManager.h"
 
-#include <QCoreApplication>
 #include <QTest>
 #include <QTextEdit>
 
