@@ -51,7 +51,7 @@ void DocumentFileMonitor::updatePaths() {
     for (auto& [document, watched] : m_watched) {
         const QString path = document->fileURL().toLocalFile();
         if (path != watched.path) {
-            watched = {path, document->fileStamp(), {}, {}, false, false};
+            watched = {path, document->fileStamp(), {}, {}, {}, false};
             watched.unchangedFor.start();
         }
         if (!path.isEmpty())
@@ -136,7 +136,7 @@ bool DocumentFileMonitor::check(const std::shared_ptr<Document>& document, Watch
     if (!isStable)
         watched.unchangedFor.restart();
     if (stamp == document->fileStamp()) {
-        if (stamp && std::exchange(watched.isGone, false))
+        if (stamp && std::exchange(watched.missed, std::nullopt) == stamp)
             document->findFile();
         return true;
     }
@@ -144,13 +144,14 @@ bool DocumentFileMonitor::check(const std::shared_ptr<Document>& document, Watch
         return false;
     const bool mayChangeYet = !watched.unchangedFor.hasExpired(m_patience.count());
     if (!stamp) {
-        if (mayChangeYet && !watched.isGone)
+        if (watched.missed == document->fileStamp())
+            return true; // what a save put there since is another version
+        if (mayChangeYet)
             return false;
-        if (!watched.isGone)
-            fileIsGone(document, watched, seen.renamed);
+        fileIsGone(document, watched, seen.renamed);
         return true;
     }
-    watched.isGone = false;
+    watched.missed.reset();
     if (!document->fileStamp()) {
         document->setFileStamp(stamp); // it wasn't known what the file was like
         return true;
@@ -178,7 +179,7 @@ void DocumentFileMonitor::fileIsGone(const std::shared_ptr<Document>& document, 
                                   QStringLiteral("“%1” is now called “%2”.").arg(name, document->displayName()));
         return;
     }
-    watched.isGone = true;
+    watched.missed = document->fileStamp();
     document->loseFile();
     m_presenter.presentNotice(
         document, QStringLiteral("“%1” was moved or deleted by another program. Save it to put it back.").arg(name));

@@ -45,7 +45,7 @@ private:
         std::optional<FileStamp> lastSeen; ///< none while there is no file
         QElapsedTimer unchangedFor;
         std::optional<FileStamp> unfinished; ///< the version that couldn't be read yet
-        bool isGone = false;                 ///< the user has been told
+        std::optional<FileStamp> missed;     ///< the version that is gone, when the user has been told
         bool isLookedAt = false;             ///< by another thread, now
     };
     /// What another thread has found.

@@ -130,6 +130,9 @@ TEST_F(DocumentFileMonitorTest, ADocumentFollowsItsFileAndMissesOneThatIsGone) {
     expectCalls(gone("b.txt"));
     EXPECT_TRUE(save(document));
     EXPECT_EQ(seen(document), " | text | saved");
+    move("b.txt", "away/b.txt");
+    expectCalls(gone("b.txt")); // though nobody had looked since the save
+    EXPECT_TRUE(save(document));
     expectNoCalls("told once");
 
     // Unsaved changes stay unsaved when the file comes back.
