@@ -60,6 +60,7 @@ TEST_F(AttributesTest, bookmarksAreFlatAndSortedAndUndoneAnyNumberOfTimes) {
     const QByteArray saved = pdf().dataRepresentation();
     EXPECT_EQ(PdfPrograms::complaints(saved), "");
     EXPECT_EQ(said(*PDFDocument::fromData(saved)), after);
+    EXPECT_EQ(PDFDocument::fromData(saved)->outlineRoot()->child(2)->destination()->y(), 0);
 
     BookmarkOperations::writeBookmarks({}, m_document, nullptr);
     EXPECT_FALSE(PDFDocument::fromData(pdf().dataRepresentation())->outlineRoot());

@@ -83,14 +83,17 @@ TEST_F(CopyProtectionTest, passwordsThatNoFileCanHaveAreRefusedAndReplaceNothing
 }
 
 TEST_F(CopyProtectionTest, unlockedCopiesKeepAllButTheProtection) {
-    const auto document = PDFDocument::fromData(m_fixture.encrypted("secret", "owner", PdfFixture::Encryption::aes256));
-    ASSERT_TRUE(document->unlock(QStringLiteral("secret")));
-    const QByteArray copy = written(*PageOperations::mergeFiles({document}), {});
-    EXPECT_EQ(PdfPrograms::complaints(copy), "");
-    const auto read = PDFDocument::fromData(copy);
-    EXPECT_FALSE(read->isEncrypted());
-    EXPECT_EQ(read->label(1), QStringLiteral("ii"));
-    const QByteArray text = PdfPrograms::unpacked(copy);
-    for (const char* kept : {"hidden words", "packet", "(Ada)", "/Dest", "/AcroForm", "(A title)", "(Chapter)"})
-        EXPECT_TRUE(text.contains(kept)) << kept;
+    using Encryption = PdfFixture::Encryption;
+    for (const auto encryption : {Encryption::rc4, Encryption::aes128, Encryption::aes256}) {
+        const auto document = PDFDocument::fromData(m_fixture.encrypted("secret", "owner", encryption));
+        ASSERT_TRUE(document->unlock(QStringLiteral("secret")));
+        const QByteArray copy = written(*PageOperations::mergeFiles({document}), {});
+        EXPECT_EQ(PdfPrograms::complaints(copy), "");
+        const auto read = PDFDocument::fromData(copy);
+        EXPECT_FALSE(read->isEncrypted());
+        EXPECT_EQ(read->label(1), QStringLiteral("ii"));
+        const QByteArray text = PdfPrograms::unpacked(copy);
+        for (const char* kept : {"hidden words", "packet", "(Ada)", "/Dest", "/AcroForm", "(A title)", "(Chapter)"})
+            EXPECT_TRUE(text.contains(kept)) << kept;
+    }
 }

@@ -41,6 +41,7 @@ TEST_F(PDFCompressorTest, pagesBecomePicturesOfTheirSize) {
     fixture.setPageKey(2, "/Rotate", "90");
     fixture.addAnnotation(
         2, "<< /Type /Annot /Subtype /Square /Rect [200 200 260 260] /C [0 1 0] /IC [0 1 0] >>"); // without a look
+    fixture.setInfo("/Title", QStringLiteral("A title"));
     const auto document = PDFDocument::fromData(fixture.bytes());
     const auto drawn = std::make_shared<RectangleAnnotation>(QRectF(100, 100, 100, 100));
     drawn->setColor(Qt::red);
@@ -56,6 +57,7 @@ TEST_F(PDFCompressorTest, pagesBecomePicturesOfTheirSize) {
         EXPECT_EQ(pictures(file), expected);
         const auto copy = PDFDocument::fromData(file);
         ASSERT_EQ(copy->pageCount(), 3);
+        EXPECT_TRUE(copy->documentAttributes().isEmpty()) << "what a page shows is kept, and nothing else";
         for (int i = 0; i < 3; ++i) {
             EXPECT_EQ(copy->geometry(i), document->geometry(i));
             const QImage before = PDFPageRasterizer::render(*document->page(i), 0.25);
