@@ -123,7 +123,7 @@ TEST(WriterHostileTest, CirclesEnd) {
 TEST(WriterHostileTest, LongChainsDoNotOverflowTheStack) {
     PdfFixture pdf;
     pdf.addPages(2);
-    constexpr int length = 30000; // frames of 280 bytes fill a stack
+    constexpr int length = 20000; // frames of 420 bytes fill a stack
     // A chain of objects that a page refers to, and a structure tree and an outline as deep.
     QByteArray next = "null";
     for (int i = 0; i < length; ++i)
