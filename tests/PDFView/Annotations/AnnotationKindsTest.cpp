@@ -110,11 +110,11 @@ TEST(PDFPageRasterizer, cutsOffFractionsOfAPixelAndDrawsNothingOfAnAbsurdSize) {
         {{100.9, 99.4}, 1.5, {151, 149}}, {letter, 1.0 / 612, {1, 1}},
         {letter, 1.0 / 613, {}},          {{14'400, 14'400}, 2.0, {}}, // the greatest that readers allow
         {{200'000, 10}, 1.0, {}},         {letter, std::nan(""), {}}};
-    for (const auto& [page, scale, size] : cases) {
+    for (const auto& [page, ratio, size] : cases) {
         PdfFixture fixture;
         fixture.addPageWithContent({}, "<< >>", page);
-        const QImage image = PDFPageRasterizer::render(*PDFDocument::fromData(fixture.bytes())->page(0), scale);
-        EXPECT_EQ(image.isNull() ? QSize() : image.size(), size) << page.width() << " at " << scale;
+        const QImage image = PDFPageRasterizer::render(*PDFDocument::fromData(fixture.bytes())->page(0), ratio);
+        EXPECT_EQ(image.isNull() ? QSize() : image.size(), size) << page.width() << " at " << ratio;
     }
 }
 

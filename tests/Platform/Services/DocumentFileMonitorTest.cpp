@@ -8,8 +8,8 @@ using namespace std::chrono_literals;
 
 class DocumentFileMonitorTest : public ControllerFixture {
 protected:
-    DocumentFileMonitorTest() { DocumentFileMonitor::settlingTime = 20ms; }
-    ~DocumentFileMonitorTest() override { DocumentFileMonitor::settlingTime = m_usualSettlingTime; }
+    void SetUp() override { DocumentFileMonitor::settlingTime = 20ms; }
+    void TearDown() override { DocumentFileMonitor::settlingTime = m_usualSettlingTime; }
 
     /// An open document, watched by somebody whose patience has soon come to an end, or never does.
     std::shared_ptr<TextDocument> openWatched(bool hasPatience = false) {
