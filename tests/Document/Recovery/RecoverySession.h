@@ -23,13 +23,14 @@ namespace EditedPdf {
 
 /// Puts the annotation on the page or takes it off.
 inline void setAnnotation(PDFEditorDocument& document, const std::shared_ptr<PDFPage>& page,
-                          std::shared_ptr<PDFAnnotation> annotation, bool isThere) {
+                          const std::shared_ptr<PDFAnnotation>& annotation, bool isThere) {
+    // First: the caller's may be the page's own, which goes.
+    document.undoManager()->registerUndo(&document,
+                                         [=, &document] { setAnnotation(document, page, annotation, !isThere); });
     if (isThere)
         page->addAnnotation(annotation);
     else
         page->removeAnnotation(annotation);
-    document.undoManager()->registerUndo(&document,
-                                         [=, &document] { setAnnotation(document, page, annotation, !isThere); });
 }
 
 /// Puts a red square on the page.
