@@ -64,7 +64,7 @@ TEST_F(DrawingTools, aStrokeIsSmoothAndRunsFromItsFirstPointToItsLast) {
 
 TEST_F(DrawingTools, aFingerDrawsAllOfAShortStroke) {
     m_toolState->setTool(AnnotationTool::ink);
-    QPointingDevice* const screen = QTest::createTouchDevice();
+    static QPointingDevice* const screen = QTest::createTouchDevice(); // nobody deletes it
     const QPoint start = m_view.viewport()->mapTo(&m_view, QPoint(100, 300));
     QTest::touchEvent(&m_view, screen).press(0, start);
     for (const QPoint way : {QPoint(4, 7), QPoint(8, 0)})
