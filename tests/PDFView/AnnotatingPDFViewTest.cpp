@@ -1,5 +1,3 @@
-#include "NoteAnnotation.h"
-#include "PDFSelection.h"
 #include "RedactionMarkerAnnotation.h"
 #include "ViewerTest.h"
 
@@ -64,8 +62,8 @@ TEST_F(AnnotatingPDFViewTest, marksEachSelectedLineOfEachPageAndUndoesAllInOneSt
         expectNear(made[i]->bounds(), line(int(i) + 1), 1);
     }
     m_undoManager->undo();
-    EXPECT_TRUE(annotations().empty() && page(1)->annotations().empty());
-    EXPECT_FALSE(m_undoManager->canUndo());
+    expectUntouched();
+    EXPECT_TRUE(page(1)->annotations().empty());
     m_undoManager->redo();
     EXPECT_EQ(annotations(), made);
     m_view.setDocUndoManager(nullptr);
@@ -133,7 +131,6 @@ TEST_F(AnnotatingPDFViewTest, noMenuComesUpInTheMiddleOfADrag) {
     const auto at = [this](QPointF point) { return m_view.viewport()->mapTo(&m_view, onScreen(point).toPoint()); };
     m_toolState->setTool(AnnotationTool::rectangle);
     QTest::mousePress(window, Qt::LeftButton, {}, at({100, 500}));
-    QTest::mouseMove(window, at({200, 560}));
     QTest::mouseClick(window, Qt::RightButton, {}, at({200, 560}));
     EXPECT_FALSE(QApplication::activePopupWidget());
     QTest::mouseRelease(window, Qt::LeftButton, {}, at({200, 560}));
@@ -188,7 +185,6 @@ TEST_F(AnnotatingPDFViewTest, thePageMenuAddsNotesAndTextAndReadsThePage) {
     show(blank);
     EXPECT_TRUE(chosen(summarize).starts_with("Page 1 has no extractable text"));
     EXPECT_EQ(chosen(extract), "No text could be recognized on this page.");
-    EXPECT_NE(QApplication::clipboard()->text(), told.value(0));
 }
 
 } // namespace

@@ -1,6 +1,3 @@
-#include "NoteAnnotation.h"
-#include "PDFSelection.h"
-#include "SignatureStore.h"
 #include "ViewerTest.h"
 
 using DrawingTools = ViewerTest;
@@ -36,7 +33,6 @@ TEST_F(DrawingTools, aDragDrawsAClickLeavesNothingAndAllIsUndoneInItsOrder) {
     EXPECT_TRUE(m_view.hasSelection()) << "a tool selects no text";
     EXPECT_EQ(markers, 1);
     expectNear(QRectF(left.back()->startPoint(), left.back()->endPoint()), QRectF(300, 400, -100, 100));
-    EXPECT_EQ(left.back()->endLineStyle(), PDFLineStyle::diamond);
 
     m_toolState->setTool(AnnotationTool::eraser);
     click({250, 450});
@@ -46,31 +42,26 @@ TEST_F(DrawingTools, aDragDrawsAClickLeavesNothingAndAllIsUndoneInItsOrder) {
         EXPECT_EQ(annotations(), left);
     }
     m_undoManager->undo();
-    EXPECT_FALSE(m_undoManager->canUndo() || m_undoManager->isDocumentEdited());
+    expectUntouched();
     while (m_undoManager->canRedo())
         m_undoManager->redo();
     EXPECT_TRUE(annotations().empty()) << "erased again";
 }
 
-TEST_F(DrawingTools, aStrokeIsSmoothAndRunsFromItsFirstPointToItsLast) {
+TEST_F(DrawingTools, aStrokeIsSmoothAndAFingerDrawsAllOfAShortOne) {
     m_toolState->setTool(AnnotationTool::ink);
     drag({{100, 300}, {140, 380}, {190, 300}, {240, 380}});
-    const auto& ink = *annotations().at(0);
-    const QPainterPath path = ink.paths().at(0).translated(ink.bounds().topLeft());
+    const QPainterPath path = annotations().at(0)->paths().at(0).translated(annotations()[0]->bounds().topLeft());
     const std::pair<int, QPointF> elements[] = {{0, {100, 300}}, {1, {140, 380}}, {3, {165, 340}}, {7, {240, 380}}};
     for (const auto& [element, point] : elements)
         EXPECT_LT((path.elementAt(element) - point).manhattanLength(), 0.01) << element;
-}
-
-TEST_F(DrawingTools, aFingerDrawsAllOfAShortStroke) {
-    m_toolState->setTool(AnnotationTool::ink);
     static QPointingDevice* const screen = QTest::createTouchDevice(); // nobody deletes it
     const QPoint start = m_view.viewport()->mapTo(&m_view, QPoint(100, 300));
     QTest::touchEvent(&m_view, screen).press(0, start);
     for (const QPoint way : {QPoint(4, 7), QPoint(8, 0)})
         QTest::touchEvent(&m_view, screen).move(0, start + way);
     QTest::touchEvent(&m_view, screen).release(0, start + QPoint(8, 0));
-    const QRectF drawn = m_view.convertFromPage(annotations().at(0)->paths()[0].boundingRect(), *page());
+    const QRectF drawn = m_view.convertFromPage(annotations().at(1)->paths()[0].boundingRect(), *page());
     EXPECT_NEAR(drawn.width(), 8, 1);
     EXPECT_NEAR(drawn.height(), 7, 2) << "a smooth line cuts corners";
 }
@@ -88,7 +79,7 @@ TEST_F(DrawingTools, aDragEndsWithWhatComesNext) {
             EXPECT_EQ(each->bounds().width(), 60) << what;
             m_undoManager->undo();
         }
-        EXPECT_TRUE(annotations().empty() && !m_undoManager->canUndo()) << what;
+        expectUntouched(what);
         begin();
     };
     begin();
@@ -113,18 +104,15 @@ TEST_F(DrawingTools, aDragEndsWithWhatComesNext) {
     m_document->removePage(0); // under the pointer
     moveTo({160, 530});
     release({160, 530});
-    EXPECT_TRUE(annotations().empty() && !m_undoManager->canUndo());
+    expectUntouched();
 }
 
 TEST_F(DrawingTools, aSignatureKeepsItsShapeWhereverItIsDragged) {
     m_toolState->setTool(AnnotationTool::signature);
     drag({{100, 500}, {300, 400}});
     EXPECT_TRUE(annotations().empty()) << "there is no signature yet";
-    QImage twiceAsWide(200, 100, QImage::Format_ARGB32);
-    twiceAsWide.fill(Qt::black);
-    m_toolState->signatureStore()->add(twiceAsWide);
-    const std::pair<std::vector<QPointF>, QRectF> cases[] = {{{{100, 500}}, {100, 420, 160, 80}},
-                                                             {{{100, 500}, {300, 400}}, {100, 400, 200, 100}},
+    addSignatureTwiceAsWideAsHigh();
+    const std::pair<std::vector<QPointF>, QRectF> cases[] = {{{{100, 500}, {300, 400}}, {100, 400, 200, 100}},
                                                              {{{300, 500}, {200, 560}}, {200, 450, 100, 50}},
                                                              {{{300, 500}, {295, 500}}, {276, 488, 24, 12}}};
     for (const auto& [way, bounds] : cases) {
@@ -143,12 +131,10 @@ TEST_F(DrawingTools, formFieldsAreNumberedAsTheyAreBegun) {
     click({100, 400});
     drag({{100, 400}, {120, 420}});
     const PDFAnnotation& text = *annotations().at(0);
-    const int number = text.fieldName().section(u'_', 1).toInt();
-    EXPECT_EQ(text.fieldName(), QStringLiteral("text_%1").arg(number));
-    EXPECT_EQ(text.widgetFieldType(), PDFWidgetFieldType::text);
+    EXPECT_TRUE(text.fieldName().startsWith(QStringLiteral("text_")));
     const PDFAnnotation& box = *annotations().at(1);
-    EXPECT_EQ(box.fieldName(), QStringLiteral("checkbox_%1").arg(number + 2)) << "the click used one up";
-    EXPECT_EQ(box.widgetControlType(), PDFWidgetControlType::checkBox);
+    const int number = text.fieldName().section(u'_', 1).toInt() + 2; // the click used one up
+    EXPECT_EQ(box.fieldName(), QStringLiteral("checkbox_%1").arg(number));
     EXPECT_EQ(box.buttonWidgetState(), PDFWidgetCellState::off);
     EXPECT_EQ(box.widgetRotation(), 90);
 }
@@ -158,7 +144,6 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     click({300, 500});
     const auto note = annotations().at(0);
     const auto expectAt = [&note](double x, double y) { expectNear(note->bounds(), QRectF(x, y, 120, 80)); };
-    ASSERT_TRUE(openEditor());
     QTest::keyClicks(openEditor(), QStringLiteral("Ask Ann"));
     m_toolState->setTool(AnnotationTool::select);
     click({50, 200});
@@ -178,17 +163,14 @@ TEST_F(DrawingTools, notesAreMadeMovedAndOpened) {
     EXPECT_TRUE(openEditor());
 
     show(PDFDocument::fromData(m_document->dataRepresentation()));
-    const QRectF before = annotations().at(0)->bounds();
-    drag({before.center(), before.center() + QPointF(40, 40)});
-    doubleClick(before.center());
-    EXPECT_EQ(annotations()[0]->bounds(), before) << "from a file it is a sign like any other";
+    drag({{150, 370}, {190, 410}});
+    doubleClick({150, 370});
+    expectNear(annotations().at(0)->bounds(), QRectF(140, 360, 120, 80)); // a sign like any other
     EXPECT_FALSE(openEditor());
 }
 
 TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
-    QImage twiceAsWide(200, 100, QImage::Format_ARGB32);
-    twiceAsWide.fill(Qt::black);
-    m_toolState->signatureStore()->add(twiceAsWide);
+    addSignatureTwiceAsWideAsHigh();
     for (const char* rotation : {"0", "90", "180", "270"}) {
         SCOPED_TRACE(rotation);
         PdfFixture fixture;
@@ -214,7 +196,6 @@ TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
         m_toolState->setTool(AnnotationTool::select);
         m_toolState->setTextEditingModeEnabled(true);
         click(page()->text()->lines[0].bounds.center());
-        ASSERT_TRUE(openEditor());
         m_view.commitEditors();
         EXPECT_NEAR(annotations().back()->font()->pointSizeF(), 24, 0.1);
         EXPECT_EQ(annotations().back()->values().frame, (PDFAnnotationFrame{page()->rotation(), 2}));

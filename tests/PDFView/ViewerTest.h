@@ -4,9 +4,11 @@
 #include "PDFAnnotation.h"
 #include "PDFDocument.h"
 #include "PDFPage.h"
+#include "PDFSelection.h"
 #include "PageText.h"
 #include "PdfFixtures.h"
 #include "PdfPrograms.h"
+#include "SignatureStore.h"
 #include "ToolState.h"
 #include "UndoManager.h"
 
@@ -92,6 +94,14 @@ protected:
     }
     /// What the user does next is another undo step.
     static void endTurn() { QCoreApplication::processEvents(); }
+    void expectUntouched(const char* what = "") const {
+        EXPECT_TRUE(annotations().empty() && !m_undoManager->canUndo() && !m_undoManager->isDocumentEdited()) << what;
+    }
+    void addSignatureTwiceAsWideAsHigh() {
+        QImage image(200, 100, QImage::Format_ARGB32);
+        image.fill(Qt::black);
+        m_toolState->signatureStore()->add(image);
+    }
 
     /// From the start of a line to the end of another; lines and pages are zero-based.
     void select(int fromPage, int fromLine, int toPage, int toLine) {

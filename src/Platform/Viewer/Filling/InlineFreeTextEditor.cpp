@@ -18,7 +18,6 @@
 #include <memory>
 
 static constexpr double outlineWidth = 1.5;
-/// Points of a font in an inch.
 
 InlineFreeTextEditor::InlineFreeTextEditor(QWidget* parent) : QTextEdit(parent) {
     setAcceptRichText(false);

@@ -1,9 +1,14 @@
 #include "ShownForm.h"
 
+#include <QContextMenuEvent>
 #include <QHelpEvent>
+#include <QInputMethodEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMouseEvent>
+#include <QTextEdit>
 #include <QToolTip>
+#include <QWheelEvent>
 
 namespace {
 
@@ -38,6 +43,42 @@ TEST(FormPointer, tellsWhatItIsOverAndADragFromAFieldSelectsNothing) {
     drag(QPoint(int(line.left()) - 5, int(form.onScreen(QRectF(72, 700, 1, 60)).top())),
          form.middle(FormFixture::name)); // from outside over a field: that selects
     EXPECT_TRUE(form.view.hasSelection());
+}
+
+TEST(FormPointer, anEditorLendsTheKeyboardToMenusAndWindowsLeavesTheWheelToThePageAndFinishesACompositionFirst) {
+    Form form;
+    form.click(FormFixture::notes);
+    auto* const editor = qobject_cast<QTextEdit*>(form.editor());
+    ASSERT_NE(editor, nullptr);
+    QContextMenuEvent click(QContextMenuEvent::Mouse, {30, 10}, editor->mapToGlobal(QPoint(30, 10)));
+    QApplication::sendEvent(editor->viewport(), &click);
+    auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    menu->close();
+    QWidget other;
+    for (QWidget* const window : {&other, static_cast<QWidget*>(&form.view)}) {
+        window->show();
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    }
+    EXPECT_TRUE(editor->hasFocus());
+
+    const int before = editor->y();
+    QWheelEvent wheel(QPointF(5, 5), editor->viewport()->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(editor->viewport(), &wheel);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return editor->y() < before - 20; }, 20'000));
+
+    QInputMethodEvent composing(QStringLiteral("ni"), {});
+    QApplication::sendEvent(editor, &composing);
+    form.key(Qt::Key_Return, Qt::ControlModifier);
+    form.key(Qt::Key_Escape);
+    ASSERT_EQ(form.editor(), editor);
+    QInputMethodEvent composed;
+    composed.setCommitString(QStringLiteral("你"));
+    QApplication::sendEvent(editor, &composed);
+    form.key(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(form.value(FormFixture::notes), QStringList(QStringLiteral("你")));
 }
 
 TEST(FormPointer, theArrowStaysWhileAComboBoxIsTypedIn) {
