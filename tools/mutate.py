@@ -207,7 +207,6 @@ def put(path, text):
 
 def limit_resources():
     resource.setrlimit(resource.RLIMIT_AS, (8 * GIGABYTE, 8 * GIGABYTE))
-    resource.setrlimit(resource.RLIMIT_FSIZE, (64 * GIGABYTE, 64 * GIGABYTE))  # a test has an empty file of that size
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
