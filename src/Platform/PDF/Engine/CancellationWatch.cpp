@@ -3,13 +3,46 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <ctime>
 #include <mutex>
 #include <thread>
 #include <vector>
 
+#include <pthread.h>
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+/// A thread that waits for a disk or for a busy machine may take so many times its limit by the clock on the wall.
+constexpr int waitingFactor = 4;
+
+/// The processor's time that a thread has used, for the thread with this clock, which lives.
+std::chrono::nanoseconds usedTime(clockid_t clock) {
+    timespec used{};
+    clock_gettime(clock, &used);
+    return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec);
+}
+
+/// When the calling thread has worked enough.
+class TimeLimit {
+public:
+    explicit TimeLimit(CancellationWatch::Limit limit) {
+        if (!limit || pthread_getcpuclockid(pthread_self(), &m_clock) != 0)
+            return;
+        m_mostUsed = usedTime(m_clock) + *limit;
+        m_end = Clock::now() + waitingFactor * *limit;
+    }
+    /// Any thread may ask, as long as the one lives that made it.
+    [[nodiscard]] bool isReached() const {
+        return m_mostUsed && (usedTime(m_clock) >= *m_mostUsed || Clock::now() >= m_end);
+    }
+
+private:
+    clockid_t m_clock{};
+    std::optional<std::chrono::nanoseconds> m_mostUsed;
+    Clock::time_point m_end;
+};
 
 class Watcher {
 public:
@@ -18,13 +51,13 @@ public:
         return *watcher;
     }
 
-    void add(const std::atomic<bool>* cancelled, fz_cookie* cookie, Clock::time_point end) {
+    void add(const std::atomic<bool>* cancelled, fz_cookie* cookie, const TimeLimit& limit) {
         const std::lock_guard guard(m_mutex);
         if (!m_running) {
             std::thread([this] { run(); }).detach();
             m_running = true;
         }
-        m_watched.push_back({cancelled, cookie, end});
+        m_watched.push_back({cancelled, cookie, limit});
         m_wake.notify_one();
     }
 
@@ -39,11 +72,11 @@ private:
     struct Entry {
         const std::atomic<bool>* cancelled;
         fz_cookie* cookie;
-        Clock::time_point end;
+        TimeLimit limit;
     };
 
     [[nodiscard]] static bool shallStop(const Entry& entry) {
-        return (entry.cancelled && entry.cancelled->load(std::memory_order_relaxed)) || Clock::now() >= entry.end;
+        return (entry.cancelled && entry.cancelled->load(std::memory_order_relaxed)) || entry.limit.isReached();
     }
 
     void run() {
@@ -71,7 +104,7 @@ private:
 CancellationWatch::CancellationWatch(const std::atomic<bool>* cancelled, fz_cookie* cookie, Limit limit)
     : m_cookie(cookie), m_outer(setMemoryStop(cookie)), m_watched(cancelled || limit) {
     if (m_watched)
-        Watcher::instance().add(cancelled, cookie, limit ? Clock::now() + *limit : Clock::time_point::max());
+        Watcher::instance().add(cancelled, cookie, TimeLimit(limit));
 }
 
 CancellationWatch::~CancellationWatch() {

@@ -14,8 +14,9 @@ class CancellationWatch {
 public:
     using Limit = std::optional<std::chrono::milliseconds>;
 
-    /// `cancelled` may be null: then only time stops the engine. Both must outlive the watch. `limit` is counted from
-    /// now; without one, time stops nothing.
+    /// `cancelled` may be null: then only time stops the engine. Both must outlive the watch. `limit` is what the
+    /// thread may work from now on, in time of the processor, so that a page is cut short by no other program's work; a
+    /// thread that only waits is stopped some time later. Without a limit, time stops nothing.
     CancellationWatch(const std::atomic<bool>* cancelled, fz_cookie* cookie, Limit limit = std::nullopt);
     ~CancellationWatch();
     CancellationWatch(const CancellationWatch&) = delete;

@@ -15,7 +15,8 @@
 
 namespace {
 
-/// The fullest pages of newspapers and maps take a tenth of it on a slow machine. The main thread reads as well.
+/// Of the processor. The fullest pages of newspapers and maps take a tenth of it on a slow machine. The main thread
+/// reads as well.
 constexpr std::chrono::seconds timeLimit(5);
 
 /// Far more than a page can show. Putting them in order takes its time as well.
