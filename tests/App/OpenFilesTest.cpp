@@ -59,9 +59,13 @@ TEST_F(OpenFilesTest, anotherStartHandsItsFilesOverWhateverTheirNamesAndABadOneB
 
 TEST_F(OpenFilesTest, clearingTheRecentFilesForgetsTheirPagesAndScales) {
     const QUrl url = file("a.pdf");
+    launch({url});
     RecentPageStore::setPageIndex(m_app->defaults(), 1, url);
     RecentScaleStore::setScale(m_app->defaults(), 1.5, url);
-    m_app->controller().clearRecentDocuments();
+    auto* const recents = window()->findChild<QMenu*>(QStringLiteral("openRecent"));
+    Q_EMIT qobject_cast<QMenu*>(recents->parent())->aboutToShow();
+    recents->actions().last()->trigger();
+    EXPECT_TRUE(m_app->controller().recentDocumentURLs().isEmpty());
     EXPECT_EQ(RecentPageStore::pageIndex(m_app->defaults(), url), std::nullopt);
     EXPECT_EQ(RecentScaleStore::scale(m_app->defaults(), url), std::nullopt);
 }

@@ -20,6 +20,7 @@ TEST(PlainText, LeavesNothingOfWordsThatAPlaceWouldObey) {
         {PlainText::line, QStringLiteral("\U0001F600").repeated(400),
          QStringLiteral("\U0001F600").repeated(249) + u'…'},
         {PlainText::line, rightToLeft.repeated(10'000) + u'a', QStringLiteral("…")},
+        {PlainText::line, QString(QChar(0x202A)) + QChar(0x2066) + QChar(0x2069) + u'a', QStringLiteral("a")},
         {PlainText::name, QString(50, u'a') + QString(50, u'b'), QString(40, u'a') + u'…' + QString(39, u'b')},
         {PlainText::paragraphs, QStringLiteral("a\n\nb\r\n"), QStringLiteral("a\n\nb \n")},
         {PlainText::paragraphs, QString(70, u'a'), QString(60, u'a') + QChar(0x200B) + QString(10, u'a')},

@@ -97,8 +97,7 @@ TEST_F(AnnotatingPDFViewTest, theMenuOfSelectedTextMarksCopiesAndAsksTheAssistan
     m_view.setToolState(nullptr);
     EXPECT_FALSE(chooseFor(2, {}).contains(QStringLiteral("Highlight")));
     EXPECT_EQ(sent.toStdString(), "1111100") << "what is to be completed isn't sent";
-    EXPECT_TRUE(asked.endsWith(QStringLiteral("Translate this to <language>: “Third”\nThird\n")))
-        << asked.toStdString();
+    EXPECT_TRUE(asked.endsWith(QStringLiteral("Translate this to <language>: “Third”\nThird\n")));
 }
 
 TEST_F(AnnotatingPDFViewTest, markupIsAsHighAsTheFontOfTheLineKeepsOffItsNeighboursAndTurnsWithTheText) {

@@ -43,9 +43,6 @@ TEST_F(DrawingTools, aDragDrawsAClickLeavesNothingAndAllIsUndoneInItsOrder) {
     }
     m_undoManager->undo();
     expectUntouched();
-    while (m_undoManager->canRedo())
-        m_undoManager->redo();
-    EXPECT_TRUE(annotations().empty()) << "erased again";
 }
 
 TEST_F(DrawingTools, aStrokeIsSmoothAndAFingerDrawsAllOfAShortOne) {
@@ -198,7 +195,6 @@ TEST_F(DrawingTools, placedThingsHaveTheirSizeAndTheirCornersAsThePageIsSeen) {
         click(page()->text()->lines[0].bounds.center());
         m_view.commitEditors();
         EXPECT_NEAR(annotations().back()->font()->pointSizeF(), 24, 0.1);
-        EXPECT_EQ(annotations().back()->values().frame, (PDFAnnotationFrame{page()->rotation(), 2}));
         m_toolState->setTextEditingModeEnabled(false);
     }
 }

@@ -21,6 +21,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <typeinfo>
 
@@ -170,6 +171,10 @@ TEST_P(SavedKindsTest, LookTheSameToEveryReader) {
     const QImage blank = ours(*pageWith({}, rotation));
     for (std::size_t i = 0; i < all.size(); ++i)
         EXPECT_EQ(partOf(live, cell(i)) == partOf(blank, cell(i)), i == all.size() - 1) << i;
+    for (const std::size_t i : {11U, 14U}) { // the highlight and the text field leave the words readable
+        const QImage part = partOf(live, cell(i)).convertToFormat(QImage::Format_Grayscale8);
+        EXPECT_LT(*std::min_element(part.constBits(), part.constBits() + part.sizeInBytes()), 90);
+    }
     const QByteArray file = document->dataRepresentation();
     EXPECT_EQ(PdfPrograms::complaints(file), "");
     expectAlike(ours(*PDFDocument::fromData(file)), live, "reopened");

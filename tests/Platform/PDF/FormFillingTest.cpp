@@ -48,6 +48,7 @@ std::vector<Filling> fillings() {
         {"differences", "/FT /Tx /DA (/Doc 14 Tf 0 g) " + frame, {text("don’t 5 €–")}},
         {"no encoding", "/FT /Tx /DA (/Std 14 Tf 0 g) " + frame, {text("it's ‘so’ ß")}},
         {"composite", "/FT /Tx /DA (/Part 14 Tf 0 g) " + frame, {text("Größe")}, {}, "/Times-Bold"},
+        {"symbols", "/FT /Tx /DA (/Zapf 14 Tf 0 g) " + frame, {text("abc")}},
         {"unknown", "/FT /Tx /Q 2 /DA (/CoBo 14 Tf 0 g) " + frame, {text("mm ii")}, {}, "/Courier-Bold"},
         {"turned", "/FT /Tx /DA (/Helv 14 Tf 0 g) /MK << /R 90 /BC [0] >>", {text("up")}, {}, "/Matrix [ 0 1 -1 0"},
         {"combo", "/FT /Ch /Ff 131072 /DA (/Helv 14 Tf 0 g) " + fruit + frame, {text("b")}, text("Banana"), "/V (b)"},
@@ -83,6 +84,7 @@ QByteArray formWith(const Filling& filling) {
                "/Doc << /Type /Font /Subtype /Type1 /BaseFont /Helvetica /Encoding << /Differences [ 39 /quotesingle "
                "128 /bullet /dagger 133 /endash 140 /quotedblbase 144 /quoteright 160 /uni20AC ] >> >> "
                "/Std << /Type /Font /Subtype /Type1 /BaseFont /Times-Roman >> "
+               "/Zapf << /Type /Font /Subtype /Type1 /BaseFont /ZapfDingbats >> "
                "/Part << /Type /Font /Subtype /Type0 /BaseFont /ABCDEF+Georgia-Bold /Encoding /Identity-H >> >> >>");
     pdf.setKey(pdf.form(), "/XFA", "[(template) " + pdf.addStream("<< >>", "<xdp/>") + ']');
     pdf.setPageKey(0, "/Bulk", pdf.addStream("<< >>", QByteArray(100'000, 'x'))); // so that a save can append

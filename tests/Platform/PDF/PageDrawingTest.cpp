@@ -171,6 +171,8 @@ TEST(PageDrawing, TheFileAloneSaysHowItsAnnotationsLook) {
     for (std::size_t i = 0; i < cases.size(); ++i)
         pdf.addAnnotation(0, "<< /Type /Annot /Rect " + PdfFixture::rectArray(QRectF(20 * double(i), 20, 10, 10)) +
                                  ' ' + cases[i].keys + " >>");
+    pdf.addAnnotation(0,
+                      "<< /Subtype /Stamp /Rect [0 20 10 30] /AP << /N " + filled("0 0 1") + " >> >>"); // below a field
     const auto document = PDFDocument::fromData(pdf.bytes());
     const auto page = document->page(0);
     PageRenderRequest request{
@@ -184,7 +186,7 @@ TEST(PageDrawing, TheFileAloneSaysHowItsAnnotationsLook) {
     EXPECT_EQ(PageRenderer::render(request).pixel(5, 75), white);
     request.deviceRect = QRect(0, 0, 100000, 100000);
     EXPECT_TRUE(PageRenderer::render(request).isNull());
-    EXPECT_EQ(page->annotations().size(), cases.size());
+    EXPECT_EQ(page->annotations().size(), cases.size() + 1);
 }
 
 TEST(PageDrawing, ShapesAndFramesWithoutAnAppearanceLookAsElsewhere) {

@@ -68,7 +68,7 @@ TEST(WriterFormsTest, PlacedFieldsBecomeAForm) {
                                                              {QStringLiteral("text_1_2"), {QString()}},
                                                              {QStringLiteral("checkbox_2"), {QStringLiteral("off")}}}));
     const QByteArray all = PdfPrograms::unpacked(file);
-    for (const char* part : {"/AcroForm", "/Helv", "/ZapfDingbats", "/Yes", "/Off", "/DA (/Helv 0 Tf 0 g)"})
+    for (const char* part : {"/AcroForm", "/Helv", "/ZapfDingbats", "/Yes", "/Off", "/CA (4)", "/DA (/Helv 0 Tf 0 g)"})
         EXPECT_TRUE(all.contains(part)) << part;
 
     // A new field beside those of the file, and one of those goes.

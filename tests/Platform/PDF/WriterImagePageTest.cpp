@@ -4,6 +4,7 @@
 #include "PdfPrograms.h"
 
 #include <QBuffer>
+#include <QColorSpace>
 #include <QDir>
 #include <QImage>
 #include <QImageReader>
@@ -69,6 +70,12 @@ TEST(ImagePageTest, KeepsEveryPixel) {
         EXPECT_EQ(page->bounds(PDFDisplayBox::mediaBox), QRectF(0, 0, 200.5, 100));
         EXPECT_EQ(page->string(), QString());
         EXPECT_TRUE(page->annotations().empty());
+    }
+    for (const auto space : {QColorSpace::SRgb, QColorSpace::DisplayP3}) {
+        QImage image = colourful({9, 9});
+        image.setColorSpace(space);
+        const QByteArray all = PdfPrograms::unpacked(fileOf(PDFPage::fromImage(image, {9, 9})));
+        EXPECT_EQ(all.contains("/ICCBased"), space == QColorSpace::DisplayP3) << "colours that aren't the usual ones";
     }
 }
 

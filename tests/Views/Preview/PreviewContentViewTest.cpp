@@ -47,6 +47,7 @@ TEST_F(PreviewContentViewTest, showsThePagesAndLetsTheAssistantReadTheirWords) {
     EXPECT_EQ(pages->currentWidget()->objectName(), QStringLiteral("previewProgress"));
     auto* ask = find<QAbstractButton>(*view, QStringLiteral("previewAskButton"));
     EXPECT_EQ(ask->toolTip().section(u'(', 0, 0).trimmed(), QStringLiteral("Ask the AI assistant about this document"));
+    EXPECT_FALSE(find<QWidget>(*view, QStringLiteral("assistantPlace"))->isVisible());
     ask->click();
     auto* reading = find<QLabel>(*view, QStringLiteral("readingDocument"));
     EXPECT_TRUE(reading->isVisible());

@@ -153,6 +153,9 @@ TEST_F(ThumbnailSidebarTest, draggingMovesWhatIsSelectedAndEscapeGivesUp) {
     EXPECT_EQ(selected(), QStringLiteral("34"));
     undo();
     EXPECT_EQ(order(), QStringLiteral("12345"));
+    m_list->verticalScrollBar()->setValue(0);
+    QTest::qWait(200);
+    EXPECT_EQ(m_list->verticalScrollBar()->value(), 0) << "nothing is held at the edge any more";
 }
 
 TEST_F(ThumbnailSidebarTest, whatIsDroppedIsUnderstoodOrDoesNothing) {

@@ -142,6 +142,7 @@ TEST_F(WorkspaceTest, lineEndStylesOpenUnderThePointerAndByKeyboard) {
     QTest::mouseMove(button(QStringLiteral("line")));
     EXPECT_TRUE(QTest::qWaitFor([&] { return picker->isVisible(); }));
     EXPECT_TRUE(m_workspace->rect().contains(picker->geometry()));
+    EXPECT_GT(picker->y(), button(QStringLiteral("line"))->mapTo(m_workspace.get(), QPoint(0, 20)).y());
     auto* arrow = find<QAbstractButton>(*picker, QStringLiteral("lineStyle-Arrow"));
     QTest::mouseMove(arrow);
     QTest::qWait(300);

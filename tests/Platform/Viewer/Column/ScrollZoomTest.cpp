@@ -137,6 +137,11 @@ TEST(ScrollZoom, keepsThePlaceWhenTheWindowOrTheScaleChanges) {
     const QRectF below = view.convertFromPage(view.page(11)->bounds(PDFDisplayBox::cropBox), *view.page(11));
     EXPECT_NEAR(above.bottom(), below.top(), 0.01);
     EXPECT_NEAR(below.left(), 0, 1);
+    view.goToPage(view.page(3));
+    for (const double share : {0.2, 0.8}) {
+        view.verticalScrollBar()->setValue(int((3 + share) * below.height()));
+        EXPECT_EQ(view.currentPageIndex(), share < 0.5 ? 3 : 4) << "of which most is seen";
+    }
 }
 
 TEST(ScrollZoom, viewAndPagePointsConvertBothWays) {

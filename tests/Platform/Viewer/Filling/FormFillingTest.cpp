@@ -201,6 +201,8 @@ TEST(FormTexts, characterCellsTakeTheCursorAndTheSelection) {
     ASSERT_NE(line, nullptr);
     form.type(QStringLiteral("ABCD"));
     const auto cell = [&](double index) { return QPoint(int(line->width() / 5.0 * index), line->height() / 2); };
+    QTest::mouseDClick(line, Qt::LeftButton, {}, cell(4.5));
+    EXPECT_EQ(line->selectedText(), QStringLiteral("ABCD"));
     QTest::mouseClick(line, Qt::LeftButton, {}, cell(2.1));
     EXPECT_EQ(line->cursorPosition(), 2);
     QTest::mouseClick(line, Qt::LeftButton, Qt::ShiftModifier, cell(3.9));

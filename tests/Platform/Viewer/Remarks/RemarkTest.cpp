@@ -99,7 +99,8 @@ TEST_F(RemarkTest, AClickOpensAPanelToReadAndCopyFrom) {
     EXPECT_TRUE(m_view.hasFocus());
 
     click(100, 750);
-    EXPECT_TRUE(panel());
+    ASSERT_TRUE(panel());
+    EXPECT_TRUE(panel()->toPlainText().endsWith(QStringLiteral("Other words")));
     click(400, 400);
     EXPECT_FALSE(panel()) << "a click elsewhere closes it";
     for (const QPointF point : {QPointF(475, 625), QPointF(350, 650)}) { // without words; beside the edge
@@ -110,6 +111,9 @@ TEST_F(RemarkTest, AClickOpensAPanelToReadAndCopyFrom) {
     click(100, 310);
     EXPECT_FALSE(panel());
     EXPECT_EQ(followed.count(), 1) << "a link comes first";
+    click(150, 310);
+    ASSERT_TRUE(panel());
+    EXPECT_GT(panel()->y(), at(72, 300).y()) << "what goes on behind marked words stays readable";
 
     m_view.drag(m_view.before(0, 0), m_view.before(0, 4));
     EXPECT_FALSE(panel());
