@@ -78,7 +78,8 @@ TEST_F(AtomicFileTest, PermissionsAndAttributesAreKept) {
 
     const QByteArray file = QFile::encodeName(path("kept"));
     makeFile("kept");
-    const bool hasAttributes = setxattr(file.constData(), "user.tag", "red", 3, 0) == 0;
+    const bool hasAttributes = setxattr(file.constData(), "user.note", "", 0, 0) == 0 &&
+                               setxattr(file.constData(), "user.tag", "red", 3, 0) == 0;
     const bool hasOwner = geteuid() == 0 && chown(file.constData(), 1234, 4321) == 0;
     for (const mode_t mode : {0600, 0644, 0755, 0606, 02750}) {
         setMode("kept", mode);
