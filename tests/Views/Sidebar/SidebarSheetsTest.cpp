@@ -97,6 +97,7 @@ TEST_F(SidebarSheetsTest, bookmarksAreAddedRenamedMovedDeletedAndUndone) {
     click(*sheet, "addBookmark");
     QTest::keyClicks(openTitle(), QStringLiteral("Übersicht"));
     m_document->commitEditing(); // as a save does
+    EXPECT_EQ(bookmarks(), QStringLiteral("Page 3, Übersicht"));
     m_view->goToPage(m_document->pdfDocument()->page(0));
     click(*sheet, "addBookmark");
     type(QStringLiteral("never"), Qt::Key_Escape);

@@ -119,6 +119,13 @@ TEST(ScrollZoom, theMiddleButtonMovesThePages) {
     QTest::mouseMove(view.viewport(), {300, 300});
     expectHeld();
     EXPECT_FALSE(view.hasSelection());
+    // The second of two quick presses.
+    for (const auto& [type, x] : {std::pair(QEvent::MouseButtonDblClick, 150), {QEvent::MouseMove, 140}}) {
+        QMouseEvent again(type, QPointF(x, 120), view.viewport()->mapToGlobal(QPointF(x, 120)), Qt::MiddleButton,
+                          Qt::MiddleButton, {});
+        QApplication::sendEvent(view.viewport(), &again);
+    }
+    EXPECT_NEAR(view.convertFromPage(held, *view.page(1)).x(), 140, 1);
 }
 
 TEST(ScrollZoom, keepsThePlaceWhenTheWindowOrTheScaleChanges) {

@@ -76,7 +76,7 @@ TEST(FormulaDialect, whatModelsWriteIsWhatTheyMean) {
         {"\\not\\in \\not=", "\\notin \\neq"},
         {"\\left\\lvert x\\right\\rVert", "\\left|x\\right\\|"},
         {"\\abs*{x}", "\\left|x\\right|"},
-        {"\\begin{array}{@{}c|>{a}c@{}}1&2\\end{array}", "\\begin{array}{c|c}1&2\\end{array}"},
+        {"\\begin{array}{@{}c | >{a}c@{}}1&2\\end{array}", "\\begin{array}{c|c}1&2\\end{array}"},
         {"\\begin{align*}a&=b\\\\[6pt]c&=d\\\\ \\end{align*}", "\\begin{aligned}a&=b\\\\c&=d\\end{aligned}"},
         {"a&=b\\\\c&=d", "\\begin{aligned}a&=b\\\\c&=d\\end{aligned}"},
         {"\\begin{cases}a\\\\b\\end{cases}", "\\begin{cases}a&\\\\b&\\end{cases}"},
