@@ -6,7 +6,6 @@
 #include "TextBoxEditor.h"
 #include "ViewerTest.h"
 
-#include <QApplication>
 #include <QBitmap>
 #include <QScrollBar>
 
