@@ -28,20 +28,21 @@ std::chrono::nanoseconds usedTime(clockid_t clock) {
 class TimeLimit {
 public:
     explicit TimeLimit(CancellationWatch::Limit limit) {
-        if (!limit || pthread_getcpuclockid(pthread_self(), &m_clock) != 0)
+        if (!limit)
             return;
-        m_mostUsed = usedTime(m_clock) + *limit;
         m_end = Clock::now() + waitingFactor * *limit;
+        if (pthread_getcpuclockid(pthread_self(), &m_clock) == 0)
+            m_mostUsed = usedTime(m_clock) + *limit;
     }
     /// Any thread may ask, as long as the one lives that made it.
     [[nodiscard]] bool isReached() const {
-        return m_mostUsed && (usedTime(m_clock) >= *m_mostUsed || Clock::now() >= m_end);
+        return Clock::now() >= m_end || (m_mostUsed && usedTime(m_clock) >= *m_mostUsed);
     }
 
 private:
     clockid_t m_clock{};
     std::optional<std::chrono::nanoseconds> m_mostUsed;
-    Clock::time_point m_end;
+    Clock::time_point m_end = Clock::time_point::max();
 };
 
 class Watcher {
