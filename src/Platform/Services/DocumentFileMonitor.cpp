@@ -90,13 +90,13 @@ void DocumentFileMonitor::checkAll() {
     updatePaths();
 }
 
-/// The name of the file in that folder that has that place on the disk; empty when there is none.
-static QString fileWithInode(const QString& folder, const FileStamp& sought) {
+/// The name of the file in that folder that is that version; empty when there is none. A file in its place on the disk
+/// alone won't do: a file system soon gives the place of one that was deleted to another.
+static QString fileWithStamp(const QString& folder, const FileStamp& sought) {
     QDirIterator entries(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
     for (int count = 0; entries.hasNext() && count < mostEntries; ++count) {
         QString path = entries.next();
-        const std::optional<FileStamp> stamp = FileStamp::of(path);
-        if (stamp && stamp->device == sought.device && stamp->inode == sought.inode)
+        if (FileStamp::of(path) == sought)
             return path;
     }
     return {};
@@ -110,7 +110,7 @@ void DocumentFileMonitor::look(const std::shared_ptr<Document>& document, Watche
         if (seen.stamp && seen.stamp != known)
             seen.isWhole = looksWhole(url);
         else if (!seen.stamp && known)
-            seen.renamed = fileWithInode(QFileInfo(path).absolutePath(), *known);
+            seen.renamed = fileWithStamp(QFileInfo(path).absolutePath(), *known);
         return seen;
     };
     FileWork::run(

@@ -126,7 +126,8 @@ TEST_F(DocumentFileMonitorTest, ADocumentFollowsItsFileAndMissesOneThatIsGone) {
     // Back again, it is as before; gone for good, a save puts it back.
     move("away/b.txt", "b.txt");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !document->isDocumentEdited(); }, 30'000));
-    QFile::remove(path("b.txt"));
+    move("b.txt", "stranger");
+    makeFile("stranger", "what has taken the place on the disk that was free again");
     expectCalls(gone("b.txt"));
     EXPECT_TRUE(save(document));
     EXPECT_EQ(seen(document), " | text | saved");
