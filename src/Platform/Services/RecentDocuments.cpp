@@ -4,6 +4,7 @@
 #include "UserDefaults.h"
 
 #include <QFileInfo>
+#include <QSet>
 
 #include <algorithm>
 
@@ -71,9 +72,11 @@ void RecentDocuments::lookUp() {
 }
 
 void RecentDocuments::lookUp(const QString& path) {
-    if (m_lookedUp.contains(path))
+    if (const auto running = m_lookedUp.find(path); running != m_lookedUp.end()) {
+        *running = true; // it may have looked before what is to be seen now
         return;
-    m_lookedUp.insert(path);
+    }
+    m_lookedUp.insert(path, false);
     FileWork::run(
         this,
         [path] {
@@ -84,7 +87,8 @@ void RecentDocuments::lookUp(const QString& path) {
 }
 
 void RecentDocuments::take(const QString& path, const Found& found) {
-    m_lookedUp.remove(path);
+    if (m_lookedUp.take(path))
+        lookUp(path);
     const QStringList former = paths();
     if (!former.contains(path))
         return; // cleared or pushed out meanwhile

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QObject>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
@@ -51,5 +51,7 @@ private:
 
     UserDefaults& m_defaults;
     std::map<QString, Found> m_found; ///< as last seen
-    QSet<QString> m_lookedUp;         ///< now; one that hangs isn't tried a second time
+    /// The files that are being looked up, and whether that is to be done again afterwards: one that hangs isn't tried
+    /// a second time.
+    QHash<QString, bool> m_lookedUp;
 };
