@@ -292,11 +292,13 @@ TEST(WriterPagesTest, OutlinesKeepWhatIsNotEdited) {
              {QStringLiteral("By place"), -1, {}, {}, {}, true, "/A << /S /GoTo /D [ 2 /FitB ] >>"},
              {QStringLiteral("Print"), -1, {}, {}, {}, true, "/F 1 /A << /N /Print /S /Named >>"},
              {QStringLiteral("Other"), -1, {}, {}, {}, true, "/A << /D (x) /F (o.pdf) /S /GoToR >>"}});
+        pdf.setRootKey("/AA", "<< /WP << /S /GoTo /D [ 2 /FitBH 5 ] >> >>");
         const auto document = PDFDocument::fromData(pdf.bytes());
         each.change(*document);
         const QByteArray file = document->dataRepresentation();
         EXPECT_EQ(PdfPrograms::complaints(file), "");
         const QByteArray all = PdfPrograms::unpacked(file).simplified();
+        EXPECT_EQ(all.count("[ 2 /FitB"), each.place == 2 ? 2 : 0) << "a number leads to another page now";
         for (const char* kept : {"/C [ 1 0 0 ]", "/F 3", "/FitH 7", "/FitB", "/F 1", "/N /Print", "/F (o.pdf)"})
             EXPECT_TRUE(all.contains(kept)) << kept;
         const auto reopened = PDFDocument::fromData(file);
