@@ -102,9 +102,10 @@ std::unique_ptr<QMenu> AnnotatingPDFView::buildSelectionMenu() {
 void AnnotatingPDFView::addAskAIMenu(QMenu& menu) {
     // The text is read when an entry is chosen: that of a whole book takes its time.
     const auto ask = [this](const QString& prefix, bool send) {
-        const std::optional<PDFSelection> selection = currentSelection();
-        if (selection && onAskAI)
-            onAskAI(prefix.isEmpty() ? selection->string() : prefix + u'“' + selection->string() + u'”', send);
+        readSelectedText([this, prefix, send](const QString& text) {
+            if (!text.isEmpty() && onAskAI)
+                onAskAI(prefix.isEmpty() ? text : prefix + u'“' + text + u'”', send);
+        });
     };
     QMenu& submenu = addSubmenu(menu);
     for (const SelectionPrompt& prompt : selectionPrompts())
@@ -133,15 +134,14 @@ void AnnotatingPDFView::askAIAboutPage(const std::shared_ptr<PDFPage>& page) {
     const int index = document() ? document()->index(page.get()) : -1;
     if (index < 0 || !onAskAI)
         return;
-    const QString number = QString::number(index + 1);
-    const QString text = page->string().trimmed();
-    if (text.isEmpty())
-        onAskAI(
-            QStringLiteral(
-                "Page %1 has no extractable text (it may be a scanned image). Let me know that directly rather than "
-                "guessing its content.")
-                .arg(number),
-            true);
-    else
-        onAskAI(QStringLiteral("Summarize page ") + number + QStringLiteral(": “") + text + u'”', true);
+    readText(*page, [this, number = QString::number(index + 1)](const QString& read) {
+        const QString text = read.trimmed();
+        if (text.isEmpty())
+            onAskAI(QStringLiteral("Page %1 has no extractable text (it may be a scanned image). Let me know that "
+                                   "directly rather than guessing its content.")
+                        .arg(number),
+                    true);
+        else
+            onAskAI(QStringLiteral("Summarize page ") + number + QStringLiteral(": “") + text + u'”', true);
+    });
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-bool isSame(const SelectionCopier::Span& a, const SelectionCopier::Span& b) {
+bool isSame(const SpanReader::Span& a, const SpanReader::Span& b) {
     return a.content == b.content && a.start == b.start && a.end == b.end;
 }
 
@@ -49,12 +49,10 @@ QCoro::Task<void> SelectionReader::prepare() {
     const auto self = shared_from_this();
     Spans selected = spans();
     m_preparedSpans.clear();
-    if (SelectionCopier::isShort(selected))
+    if (SpanReader::isShort(selected))
         co_return;
     // Named, because GCC 12 destroys a closure twice that is made within a co_await expression.
-    std::function<QString()> work = [selected, stop = m_ahead.stopToken()] {
-        return SelectionCopier::read(selected, stop);
-    };
+    std::function<QString()> work = [selected, stop = m_ahead.stopToken()] { return SpanReader::read(selected, stop); };
     const auto text = co_await m_ahead.read(std::move(work));
     if (!text)
         co_return;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ReadingAhead.h"
-#include "SelectionCopier.h"
+#include "SpanReader.h"
 
 #include <QPointer>
 #include <QString>
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] QCoro::Task<void> prepare();
 
 private:
-    using Spans = std::vector<SelectionCopier::Span>;
+    using Spans = std::vector<SpanReader::Span>;
 
     /// What is selected, without reading it.
     [[nodiscard]] Spans spans() const;

@@ -263,9 +263,9 @@ void PDFView::selectAll() {
 }
 
 bool PDFView::hasSelectedText() const {
-    std::vector<SelectionCopier::Span> spans = m_parts->selection.spans();
+    std::vector<SpanReader::Span> spans = m_parts->selection.spans();
     const std::vector<PlacedPage> seen = m_parts->pages(false);
-    std::stable_partition(spans.begin(), spans.end(), [&](const SelectionCopier::Span& span) {
+    std::stable_partition(spans.begin(), spans.end(), [&](const SpanReader::Span& span) {
         return std::any_of(seen.begin(), seen.end(),
                            [&](const PlacedPage& page) { return page.look.content == span.content; });
     });
@@ -273,15 +273,24 @@ bool PDFView::hasSelectedText() const {
 }
 
 void PDFView::copy() {
-    m_parts->selection.copy();
+    if (hasSelection())
+        m_parts->selection.reader().copy(m_parts->selection.spans());
 }
 
-bool PDFView::isCopying() const {
-    return m_parts->selection.copier().isReading();
+void PDFView::readSelectedText(const std::function<void(const QString&)>& use) {
+    m_parts->selection.reader().readFor(m_parts->selection.spans(), use);
 }
 
-void PDFView::cancelCopying() {
-    m_parts->selection.copier().cancel();
+void PDFView::readText(const PDFPage& page, const std::function<void(const QString&)>& use) {
+    m_parts->selection.reader().readFor({{page.content(), 0, std::nullopt}}, use);
+}
+
+bool PDFView::isReadingText() const {
+    return m_parts->selection.reader().isReading();
+}
+
+void PDFView::cancelReadingText() {
+    m_parts->selection.reader().cancel();
 }
 
 // Forms

@@ -7,6 +7,7 @@
 #include <QPointF>
 #include <QRectF>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -150,12 +151,16 @@ public:
     void clearSelection();
     /// Selects the text of all pages. Takes no time: no text is read for it.
     void selectAll();
-    /// Puts the selected text on the clipboard. Many pages are read on another thread, and the text is there when that
-    /// is done; until then Escape gives it up.
+    /// Puts the selected text on the clipboard. What takes its time is read on another thread, and the text is there
+    /// when that is done; until then Escape gives it up. One such reading goes on at a time: the next gives it up too.
     void copy();
-    [[nodiscard]] bool isCopying() const;
+    /// The same for `use`, which is called on this thread, maybe at once, unless the reading is given up.
+    void readSelectedText(const std::function<void(const QString& text)>& use);
+    /// The same for the text of a page.
+    void readText(const PDFPage& page, const std::function<void(const QString& text)>& use);
+    [[nodiscard]] bool isReadingText() const;
     /// Gives up what is still being read; the clipboard stays as it is.
-    void cancelCopying();
+    void cancelReadingText();
 
     // Forms
 
@@ -202,10 +207,10 @@ Q_SIGNALS:
     void scaleChanged();
     void selectionChanged();
     void historyChanged();
-    /// How many pages of a selection over many have been read for the clipboard.
-    void copyProgressed(int pagesRead, int pageCount);
-    /// They are on the clipboard, or were given up.
-    void copyEnded();
+    /// How many pages have been read of a selection over many.
+    void textReadingProgressed(int pagesRead, int pageCount);
+    /// They were put to their use, or given up.
+    void textReadingEnded();
     /// The user gave a form field another value than `before`.
     void formFieldChanged(const PDFFormField& field, const QStringList& before);
     /// The editor of a form field was opened or closed.

@@ -232,8 +232,8 @@ void PDFView::keyPressEvent(QKeyEvent* event) {
 }
 
 bool PDFView::cancelOperation() {
-    if (isCopying()) {
-        cancelCopying();
+    if (isReadingText()) {
+        cancelReadingText();
         return true;
     }
     if (m_parts->links.focused() || m_parts->remarks.focused() || m_parts->forms.focused()) {

@@ -47,8 +47,8 @@ PDFViewParts::PDFViewParts(PDFView& owner)
         view.viewport()->update();
         Q_EMIT view.selectionChanged();
     });
-    QObject::connect(&selection.copier(), &SelectionCopier::progressed, &view, &PDFView::copyProgressed);
-    QObject::connect(&selection.copier(), &SelectionCopier::ended, &view, &PDFView::copyEnded);
+    QObject::connect(&selection.reader(), &SpanReader::progressed, &view, &PDFView::textReadingProgressed);
+    QObject::connect(&selection.reader(), &SpanReader::ended, &view, &PDFView::textReadingEnded);
     QObject::connect(&texts, &PageTexts::loaded, &view, [this] {
         if (!selection.isEmpty())
             view.viewport()->update();

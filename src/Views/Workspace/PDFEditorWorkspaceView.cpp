@@ -110,7 +110,7 @@ PDFEditorWorkspaceView::PDFEditorWorkspaceView(std::shared_ptr<PDFEditorDocument
     connect(m_toolbar, &WorkspaceToolbar::openRequested, this, &PDFEditorWorkspaceView::openNewDocument);
     connect(m_toolbar, &WorkspaceToolbar::settingsRequested, this, &PDFEditorWorkspaceView::settingsRequested);
     connect(m_pdfView, &PDFView::linkActivated, this, [this](const QUrl& url) { WebLink::confirmAndOpen(url, this); });
-    connect(m_pdfView, &PDFView::copyProgressed, this, &PDFEditorWorkspaceView::showCopying);
+    connect(m_pdfView, &PDFView::textReadingProgressed, this, &PDFEditorWorkspaceView::showReading);
     connect(m_pdfView, &AnnotatingPDFView::editingTextChanged, m_document.get(), &Document::setBeingTyped);
     connect(m_pdfView, &AnnotatingPDFView::typed, m_document.get(), &PDFEditorDocument::typed);
     connect(m_document.get(), &PDFEditorDocument::draftRequested, m_pdfView, &PDFView::addTo);
@@ -359,19 +359,19 @@ void PDFEditorWorkspaceView::print() {
                      this, {done, failed});
 }
 
-/// A moment after the copy of a long selection has begun, and until it ends.
-void PDFEditorWorkspaceView::showCopying(int pagesRead, int pageCount) {
-    auto* progress = findChild<QProgressDialog*>(QStringLiteral("copyProgress"));
+/// A moment after the reading of a long selection has begun, and until it ends.
+void PDFEditorWorkspaceView::showReading(int pagesRead, int pageCount) {
+    auto* progress = findChild<QProgressDialog*>(QStringLiteral("readingProgress"));
     if (!progress) {
-        progress = new QProgressDialog(QStringLiteral("Copying the selected text…"), QStringLiteral("Cancel"), 0,
+        progress = new QProgressDialog(QStringLiteral("Reading the selected text…"), QStringLiteral("Cancel"), 0,
                                        pageCount, this);
-        progress->setObjectName(QStringLiteral("copyProgress"));
-        progress->setWindowTitle(QStringLiteral("Copy"));
+        progress->setObjectName(QStringLiteral("readingProgress"));
+        progress->setWindowTitle(QStringLiteral("Selected Text"));
         progress->setMinimumDuration(500); // milliseconds
         progress->setAutoReset(false);
-        connect(progress, &QProgressDialog::canceled, m_pdfView, &PDFView::cancelCopying);
-        connect(m_pdfView, &PDFView::copyEnded, progress, [progress] {
-            progress->setObjectName({}); // the next copy gets its own
+        connect(progress, &QProgressDialog::canceled, m_pdfView, &PDFView::cancelReadingText);
+        connect(m_pdfView, &PDFView::textReadingEnded, progress, [progress] {
+            progress->setObjectName({}); // the next reading gets its own
             progress->hide();
             progress->deleteLater();
         });

@@ -102,7 +102,7 @@ private:
     [[nodiscard]] AssistantContext assistantContext() const;
     void openNewDocument();
     void print();
-    void showCopying(int pagesRead, int pageCount);
+    void showReading(int pagesRead, int pageCount);
     void shareWidth();
 
     std::shared_ptr<PDFEditorDocument> m_document;

@@ -12,14 +12,14 @@ TEST_F(WorkspaceTest, copyingALongDocumentTellsHowFarItIsAndCanBeStopped) {
     openWorkspace({.pageCount = 40});
     QGuiApplication::clipboard()->clear();
     int told = 0;
-    QObject::connect(m_view, &PDFView::copyProgressed, m_workspace.get(), [&] {
-        const auto* progress = find<QProgressDialog>(*m_workspace, QStringLiteral("copyProgress"));
+    QObject::connect(m_view, &PDFView::textReadingProgressed, m_workspace.get(), [&] {
+        const auto* progress = find<QProgressDialog>(*m_workspace, QStringLiteral("readingProgress"));
         ASSERT_EQ(progress->value(), ++told);
         progress->findChild<QPushButton*>()->click();
     });
     m_view->selectAll();
     m_view->copy();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !m_view->isCopying(); }));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !m_view->isReadingText(); }));
     EXPECT_EQ(told, 1);
     EXPECT_TRUE(QGuiApplication::clipboard()->text().isEmpty());
 }

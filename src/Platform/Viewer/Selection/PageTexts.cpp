@@ -2,37 +2,10 @@
 
 #include "PDFSource.h"
 #include "PageText.h"
+#include "StopAfter.h"
 
 #include <algorithm>
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <stop_token>
-#include <thread>
-
-namespace {
-
-constexpr std::chrono::milliseconds longestWait(400);
-
-/// Requests a stop once the time has passed.
-class StopAfter {
-public:
-    explicit StopAfter(std::chrono::milliseconds time)
-        : m_timer([this, time](const std::stop_token& ended) {
-              std::mutex mutex;
-              std::unique_lock lock(mutex);
-              if (!std::condition_variable_any().wait_for(lock, ended, time,
-                                                          [&ended] { return ended.stop_requested(); }))
-                  m_stop.request_stop();
-          }) {}
-    [[nodiscard]] std::stop_token token() const { return m_stop.get_token(); }
-
-private:
-    std::stop_source m_stop;
-    std::jthread m_timer; // last: it ends first
-};
-
-} // namespace
 
 void PageTexts::want(const std::vector<PDFPageContent>& contents) {
     if (contents == m_wanted)
@@ -75,7 +48,7 @@ std::shared_ptr<const PageText> PageTexts::textNow(const PDFPageContent& content
         return loaded;
     if (!content.source || std::find(m_slow.begin(), m_slow.end(), content) != m_slow.end())
         return nullptr;
-    const StopAfter patience(longestWait);
+    const StopAfter patience;
     auto read = content.source->text(content.pageNumber, patience.token());
     if (!patience.token().stop_requested())
         return read;
@@ -83,9 +56,9 @@ std::shared_ptr<const PageText> PageTexts::textNow(const PDFPageContent& content
     return nullptr;
 }
 
-bool PageTexts::holdText(const std::vector<SelectionCopier::Span>& stretches) const {
-    const StopAfter patience(longestWait);
-    for (const SelectionCopier::Span& stretch : stretches) {
+bool PageTexts::holdText(const std::vector<SpanReader::Span>& stretches) const {
+    const StopAfter patience;
+    for (const SpanReader::Span& stretch : stretches) {
         const PDFPageContent& content = stretch.content;
         auto page = text(content);
         // Past the cache of texts, which a long document would empty.

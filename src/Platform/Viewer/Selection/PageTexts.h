@@ -2,7 +2,7 @@
 
 #include "BackgroundTask.h"
 #include "PDFPageContent.h"
-#include "SelectionCopier.h"
+#include "SpanReader.h"
 
 #include <QObject>
 
@@ -30,7 +30,7 @@ public:
 
     /// Whether there is text in any of the stretches. Those whose texts aren't there are read on this thread, in their
     /// order, for as long as a person who clicked waits gladly; what isn't reached by then counts as without.
-    [[nodiscard]] bool holdText(const std::vector<SelectionCopier::Span>& stretches) const;
+    [[nodiscard]] bool holdText(const std::vector<SpanReader::Span>& stretches) const;
 
 Q_SIGNALS:
     void loaded();

@@ -14,7 +14,7 @@ ViewSelection::ViewSelection(QObject* parent) : QObject(parent) {}
 
 void ViewSelection::setDocument(const std::shared_ptr<PDFDocument>& document) {
     m_document = document;
-    m_copier.cancel();
+    m_reader.cancel();
     set(std::optional<PDFSelection>());
 }
 
@@ -106,8 +106,8 @@ std::vector<QRectF> ViewSelection::rects(const PDFPage& page, const PageText& te
     return rects;
 }
 
-std::vector<SelectionCopier::Span> ViewSelection::spans() const {
-    std::vector<SelectionCopier::Span> spans;
+std::vector<SpanReader::Span> ViewSelection::spans() const {
+    std::vector<SpanReader::Span> spans;
     const std::shared_ptr<PDFDocument> document = m_document.lock();
     if (m_stretch && document) {
         const std::vector<PDFPageContent> contents = document->pageContents();
@@ -123,14 +123,9 @@ std::vector<SelectionCopier::Span> ViewSelection::spans() const {
     return spans;
 }
 
-void ViewSelection::copy() {
-    if (!isEmpty())
-        m_copier.copy(spans());
-}
-
 void ViewSelection::offerForMiddleButton() {
     QClipboard* clipboard = QGuiApplication::clipboard();
-    const std::vector<SelectionCopier::Span> selected = spans();
-    if (!selected.empty() && clipboard->supportsSelection() && SelectionCopier::isShort(selected))
-        clipboard->setText(SelectionCopier::read(selected), QClipboard::Selection);
+    const std::vector<SpanReader::Span> selected = spans();
+    if (!selected.empty() && clipboard->supportsSelection() && SpanReader::isShort(selected))
+        clipboard->setText(SpanReader::read(selected), QClipboard::Selection);
 }

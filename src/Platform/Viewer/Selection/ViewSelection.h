@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PDFSelection.h"
-#include "SelectionCopier.h"
+#include "SpanReader.h"
 #include "TextStretch.h"
 
 #include <QObject>
@@ -31,7 +31,7 @@ public:
     /// True while nothing is selected. All of a document without text counts as something until it is asked for.
     [[nodiscard]] bool isEmpty() const { return !m_stretch && !m_ranges; }
     /// None when nothing is selected or it holds no text. The first call for a stretch over several pages reads their
-    /// texts, which takes seconds for a thousand pages; `isEmpty`, `rects` and `copy` don't.
+    /// texts, which takes seconds for a thousand pages; `isEmpty`, `rects` and `spans` don't.
     [[nodiscard]] std::optional<PDFSelection> current() const;
 
     void set(const std::optional<PDFSelection>& selection);
@@ -43,12 +43,10 @@ public:
     /// The same for `text`, that of the page: one rectangle a line, page coordinates.
     [[nodiscard]] std::vector<QRectF> rects(const PDFPage& page, const PageText& text) const;
 
-    /// Puts the text on the clipboard: at once for a few pages, and as soon as it has been read for many.
-    void copy();
-    /// Tells how far a copy has come, and gives it up.
-    [[nodiscard]] SelectionCopier& copier() { return m_copier; }
+    /// Reads what is selected, tells how far it has come, and gives it up.
+    [[nodiscard]] SpanReader& reader() { return m_reader; }
     /// What is selected, page by page.
-    [[nodiscard]] std::vector<SelectionCopier::Span> spans() const;
+    [[nodiscard]] std::vector<SpanReader::Span> spans() const;
     /// Offers the text of a few pages for pasting with the middle button, where the desktop has that.
     void offerForMiddleButton();
 
@@ -59,5 +57,5 @@ private:
     std::weak_ptr<PDFDocument> m_document;
     std::optional<TextStretch> m_stretch;
     mutable std::optional<PDFSelection> m_ranges; // also that of the stretch, once it was asked for
-    SelectionCopier m_copier;
+    SpanReader m_reader;
 };

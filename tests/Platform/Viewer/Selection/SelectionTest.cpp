@@ -166,28 +166,54 @@ TEST(Selection, allOfALongDocumentIsSelectedAtOnceAndCopiedWhenItIsRead) {
     EXPECT_TRUE(view.hasSelection());
     EXPECT_EQ(changes.count(), 1);
     QGuiApplication::clipboard()->clear();
-    QSignalSpy progress(&view, &PDFView::copyProgressed);
-    QSignalSpy ends(&view, &PDFView::copyEnded);
+    QSignalSpy progress(&view, &PDFView::textReadingProgressed);
+    QSignalSpy ends(&view, &PDFView::textReadingEnded);
     view.copy();
     view.key(Qt::Key_Escape);
-    EXPECT_FALSE(view.isCopying());
+    EXPECT_FALSE(view.isReadingText());
     EXPECT_EQ(ends.count(), 1);
     QTest::qWait(0);
     EXPECT_TRUE(QGuiApplication::clipboard()->text().isEmpty() && progress.isEmpty()) << "it was given up";
     EXPECT_TRUE(view.hasSelection());
 
-    view.copy();
+    QString used;
+    const auto use = [&used](const QString& text) { used += text + u'|'; };
+    view.readSelectedText(use);
+    view.copy(); // in its place
     view.waitUntil([] { return !QGuiApplication::clipboard()->text().isEmpty(); }, "the text");
     const QString copied = QGuiApplication::clipboard()->text();
     EXPECT_EQ(progress.count(), 299);
     EXPECT_EQ(progress.last(), QVariantList({299, 300}));
-    EXPECT_EQ(ends.count(), 2);
+    EXPECT_EQ(ends.count(), 3);
     EXPECT_EQ(copied, view.selected());
+    view.readText(*document->page(0), use);
+    EXPECT_FALSE(view.isReadingText()) << "a page is read at once";
+    view.readSelectedText(use);
+    view.waitUntil([&view] { return !view.isReadingText(); }, "the whole text");
+    EXPECT_EQ(used, copied.left(copied.indexOf(QStringLiteral("\nPage 2"))) + u'|' + copied + u'|');
     EXPECT_TRUE(copied.startsWith(QStringLiteral("Page 1 of the sample\np1 line 1")));
     EXPECT_TRUE(copied.endsWith(QStringLiteral("p300 line 10")));
     EXPECT_EQ(copied.count(QLatin1Char('\n')), 300 * 11 - 1);
     view.key(Qt::Key_Escape);
     EXPECT_FALSE(view.hasSelection());
+}
+
+TEST(Selection, aPageThatAsksForTooMuchWorkDoesNotHoldUpTheWindow) {
+    PdfFixture fixture;
+    const QByteArray head = "<< /Type /XObject /Subtype /Form /BBox [0 0 9 9] /Resources << /XObject << /F ";
+    QByteArray form = fixture.addStream(head + "null >> >> >>", "q Q");
+    for (int level = 0; level < 4; ++level)
+        form = fixture.addStream(head + form + " >> >> >>", QByteArray("/F Do ").repeated(100));
+    fixture.addPageWithContent("/F Do", "<< /XObject << /F " + form + " >> >>");
+    const auto document = documentOf(fixture);
+    ShownView view(document);
+    int used = 0;
+    view.readText(*document->page(0), [&used](const QString&) { ++used; });
+    EXPECT_TRUE(view.isReadingText());
+    view.key(Qt::Key_Escape);
+    EXPECT_FALSE(view.isReadingText());
+    QTest::qWait(0);
+    EXPECT_EQ(used, 0) << "it was given up";
 }
 
 TEST(Selection, ofTheProgramIsKeptUntilItsPagesLeave) {

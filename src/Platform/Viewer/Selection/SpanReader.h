@@ -11,11 +11,13 @@
 #include <stop_token>
 #include <vector>
 
-/// Puts the text of pages on the clipboard, without holding up the main thread for a long document.
-class SelectionCopier : public QObject {
+/// Reads the text of pages, for the clipboard or for whoever else wants it, without holding up the main thread for
+/// long.
+class SpanReader : public QObject {
     Q_OBJECT
 
 public:
+    using Use = std::function<void(const QString& text)>;
     struct Span {
         PDFPageContent content;
         int start = 0;
@@ -29,20 +31,22 @@ public:
     [[nodiscard]] static QString read(const std::vector<Span>& spans, const std::stop_token& stop = {},
                                       const std::function<void(int)>& spanRead = {});
 
-    /// An earlier copy that still reads is dropped. The clipboard is left alone when there is no text.
+    /// Gives the text to `use`, on this thread: at once when it is soon read, and otherwise when it has been read on
+    /// another. What is still being read for an earlier call is dropped, and its `use` isn't called.
+    void readFor(std::vector<Span> spans, Use use);
+    /// The same for the clipboard, which is left alone when there is no text.
     void copy(std::vector<Span> spans);
-    /// What is still being read isn't put on the clipboard.
+    /// What is still being read is used for nothing.
     void cancel();
     [[nodiscard]] bool isReading() const { return m_isReading; }
 
 Q_SIGNALS:
     /// While many spans are read.
     void progressed(int spansRead, int spanCount);
-    /// It was copied, or given up.
+    /// Such a reading was used, or given up.
     void ended();
 
 private:
-    static void put(const QString& text);
     void end();
 
     int m_job = 0; // what an earlier one still sends is too late

@@ -1,8 +1,9 @@
-#include "SelectionCopier.h"
+#include "SpanReader.h"
 
 #include "FlowingText.h"
 #include "PDFSource.h"
 #include "PageText.h"
+#include "StopAfter.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -11,12 +12,12 @@
 
 static constexpr std::size_t shortSpans = 4;
 
-bool SelectionCopier::isShort(const std::vector<Span>& spans) {
+bool SpanReader::isShort(const std::vector<Span>& spans) {
     return spans.size() <= shortSpans;
 }
 
-QString SelectionCopier::read(const std::vector<Span>& spans, const std::stop_token& stop,
-                              const std::function<void(int)>& spanRead) {
+QString SpanReader::read(const std::vector<Span>& spans, const std::stop_token& stop,
+                         const std::function<void(int)>& spanRead) {
     QString text;
     int count = 0;
     for (const Span& span : spans) {
@@ -40,11 +41,15 @@ QString SelectionCopier::read(const std::vector<Span>& spans, const std::stop_to
     return text;
 }
 
-void SelectionCopier::copy(std::vector<Span> spans) {
+void SpanReader::readFor(std::vector<Span> spans, Use use) {
     cancel();
     if (isShort(spans)) {
-        put(read(spans));
-        return;
+        const StopAfter patience;
+        const QString text = read(spans, patience.token());
+        if (!patience.token().stop_requested()) {
+            use(text);
+            return;
+        }
     }
     m_isReading = true;
     const auto later = [this, job = m_job](auto act) {
@@ -56,32 +61,34 @@ void SelectionCopier::copy(std::vector<Span> spans) {
             },
             Qt::QueuedConnection);
     };
-    m_reading.start([this, later, spans = std::move(spans)](const std::stop_token& stop) {
+    m_reading.start([this, later, spans = std::move(spans), use = std::move(use)](const std::stop_token& stop) {
         const int total = static_cast<int>(spans.size());
         const QString text = read(spans, stop, [this, &later, total](int count) {
             later([this, count, total] { Q_EMIT progressed(count, total); });
         });
         if (stop.stop_requested())
             return;
-        later([this, text] {
-            put(text);
+        later([this, text, use] {
             end();
+            use(text);
         });
     });
 }
 
-void SelectionCopier::cancel() {
+void SpanReader::copy(std::vector<Span> spans) {
+    readFor(std::move(spans), [](const QString& text) {
+        if (!text.isEmpty())
+            QGuiApplication::clipboard()->setText(text);
+    });
+}
+
+void SpanReader::cancel() {
     m_reading.cancel();
     end();
 }
 
-void SelectionCopier::end() {
+void SpanReader::end() {
     ++m_job;
     if (std::exchange(m_isReading, false))
         Q_EMIT ended();
-}
-
-void SelectionCopier::put(const QString& text) {
-    if (!text.isEmpty())
-        QGuiApplication::clipboard()->setText(text);
 }
