@@ -4,6 +4,7 @@
 #include "EngineBudget.h"
 #include "EngineCopy.h"
 #include "HeldBytes.h"
+#include "LooseReferences.h"
 #include "OutlineReader.h"
 #include "PDFError.h"
 #include "PageLabelReader.h"
@@ -143,6 +144,11 @@ std::shared_ptr<const std::vector<int>> PDFSource::pagesWithContents(const QStri
     m_soughtContents = contents;
     m_pagesFound = pages;
     return pages;
+}
+
+bool PDFSource::hasLooseReferences() const {
+    std::call_once(m_referencesRead, [this] { m_hasLooseReferences = LooseReferences::areIn(bytes(), *m_engine); });
+    return m_hasLooseReferences;
 }
 
 QByteArray PDFSource::repairedBytes() const {

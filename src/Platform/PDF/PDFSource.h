@@ -70,6 +70,8 @@ public:
     /// The same, past the cache: for reading a whole document once.
     [[nodiscard]] std::shared_ptr<const PageText> readText(int pageNumber, const std::stop_token& stop = {}) const;
 
+    /// Whether the drawing engine follows references that lead nowhere for others. Looks at all bytes on first use.
+    [[nodiscard]] bool hasLooseReferences() const;
     /// The file as the drawing engine has repaired it, for whoever can't read it as it came: its objects keep their
     /// numbers. Empty when that fails.
     [[nodiscard]] QByteArray repairedBytes() const;
@@ -97,6 +99,8 @@ private:
     mutable PageLabels m_labels;
     mutable std::once_flag m_outlineRead;
     mutable PDFFileOutline m_outline;
+    mutable std::once_flag m_referencesRead;
+    mutable bool m_hasLooseReferences = false;
     mutable std::mutex m_searching;  // held for as long as a search for contents takes
     mutable std::mutex m_cacheMutex; // guards what follows
     mutable QString m_soughtContents;

@@ -219,6 +219,13 @@ TEST(WriterHostileTest, WhatWasRepairedIsSavedAsItWasShown) {
         const qsizetype header = file.lastIndexOf(" obj", file.indexOf("(Page 0)"));
         return file.replace(header - 1, 1, "7");
     });
+    for (const char* key : {"/Contents ", "/Root "})
+        add("references with another generation", 4, [key](PdfFixture& fixture) {
+            QByteArray file = fixture.bytes();
+            for (qsizetype at = file.indexOf(key); at >= 0; at = file.indexOf(key, at + 1))
+                file[file.indexOf(" R", at) - 1] = '7';
+            return file;
+        });
     add("a page in two nodes", 3, [](PdfFixture& fixture) {
         const auto node = [&fixture](const QByteArray& kids) {
             return fixture.addObject("<< /Type /Pages /Count " + QByteArray::number(kids.count('R')) + " /Kids [" +
@@ -235,6 +242,7 @@ TEST(WriterHostileTest, WhatWasRepairedIsSavedAsItWasShown) {
     const QByteArray two = start + "/Count 2 /Kids [ 3 0 R 9 0 R ] >>\nendobj\n3 0 obj\n" + page + "\nendobj\n";
     cases.push_back({"a page that isn't there", two, 2});
     cases.push_back({"an object that can't be read", two + "5 0 obj\n<< /A 1 2 /B ) >>\nendobj\n", 2});
+    cases.push_back({"an object without a number", two + "trailer\n<< /Root 1 0 R /Info 0 0 R /X 99 0 R >>\n", 2});
     cases.push_back({"a number past all others", two + "2147483647 0 obj\n<< /Root 1 0 R >>\nendobj\n", 2});
     cases.push_back({"a protection that can't be read",
                      two + "6 0 obj\nE< /Filter /Standard >>\nendobj\ntrailer\n<< /Root 1 0 R /Encrypt 6 0 R >>\n", 2});

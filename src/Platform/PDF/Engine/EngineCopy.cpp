@@ -5,15 +5,75 @@
 
 #include <string>
 
-/// Objects that can't be read keep the engine from writing the others.
-static void dropUnreadable(fz_context* context, pdf_document* document) {
-    // A file that was shown without being repaired isn't repaired now: that could leave less of it.
-    document->repair_attempted = 1;
-    const int count = pdf_xref_len(context, document);
-    for (int number = 1; number < count; ++number)
-        if (!engineTry(context, [&] { pdf_drop_obj(context, pdf_load_object(context, document, number)); }))
-            engineTry(context, [&] { pdf_delete_object(context, document, number); });
-}
+namespace {
+
+/// Readies a document for being written by the engine and read by others.
+class Tidying {
+public:
+    Tidying(fz_context* context, pdf_document* document) : m_context(context), m_document(document) {}
+
+    void run() {
+        // A file that was shown without being repaired isn't repaired now: that could leave less of it.
+        m_document->repair_attempted = 1;
+        const int count = pdf_xref_len(m_context, m_document);
+        // Objects that can't be read keep the engine from writing the others.
+        for (int number = 1; number < count; ++number)
+            if (!engineTry(m_context, [&] { tidyObject(number); }))
+                engineTry(m_context, [&] { pdf_delete_object(m_context, m_document, number); });
+        engineTry(m_context, [&] { tidy(pdf_trailer(m_context, m_document), 0); });
+    }
+
+private:
+    /// May throw the engine's way.
+    void tidyObject(int number) {
+        pdf_obj* object = pdf_load_object(m_context, m_document, number);
+        fz_try(m_context) {
+            pdf_set_obj_parent(m_context, object, 0); // or each of its values would count as edited
+            tidy(object, 0);
+            pdf_set_obj_parent(m_context, object, number);
+        }
+        fz_always(m_context) pdf_drop_obj(m_context, object);
+        fz_catch(m_context) fz_rethrow(m_context);
+    }
+
+    /// Gives references the generations of their objects, by which others look them up. May throw the engine's way.
+    void tidy(pdf_obj* object, int depth) {
+        constexpr int deepest = 100; // what stands deeper stays as it is
+        if (depth > deepest || pdf_is_indirect(m_context, object))
+            return;
+        const bool isArray = pdf_is_array(m_context, object) != 0;
+        const int count = isArray ? pdf_array_len(m_context, object) : pdf_dict_len(m_context, object);
+        for (int i = 0; i < count; ++i) {
+            pdf_obj* value = isArray ? pdf_array_get(m_context, object, i) : pdf_dict_get_val(m_context, object, i);
+            if (!pdf_is_indirect(m_context, value))
+                tidy(value, depth + 1);
+            else if (const int generation = generationOf(pdf_to_num(m_context, value));
+                     generation != pdf_to_gen(m_context, value))
+                put(object, i, pdf_new_indirect(m_context, m_document, pdf_to_num(m_context, value), generation));
+        }
+    }
+
+    /// Takes the value over. May throw the engine's way.
+    void put(pdf_obj* object, int index, pdf_obj* value) {
+        if (pdf_is_array(m_context, object))
+            pdf_array_put_drop(m_context, object, index, value);
+        else
+            pdf_dict_put_drop(m_context, object, pdf_dict_get_key(m_context, object, index), value);
+    }
+
+    /// Of an object as the engine writes it. May throw the engine's way.
+    [[nodiscard]] int generationOf(int number) {
+        if (number <= 0 || number >= pdf_xref_len(m_context, m_document))
+            return 0;
+        const pdf_xref_entry* entry = pdf_get_xref_entry(m_context, m_document, number);
+        return entry->type == 'n' ? entry->gen : 0; // in an object stream it is a place there
+    }
+
+    fz_context* m_context;
+    pdf_document* m_document;
+};
+
+} // namespace
 
 QByteArray EngineCopy::of(SourceEngine& engine) {
     SourceEngine::Lease lease = engine.lease();
@@ -21,7 +81,7 @@ QByteArray EngineCopy::of(SourceEngine& engine) {
         return {};
     lease.abandon(); // writing leaves traces in the document
     fz_context* context = lease.context();
-    dropUnreadable(context, lease.document());
+    Tidying(context, lease.document()).run();
     fz_buffer* buffer = nullptr;
     fz_output* output = nullptr;
     std::string error;

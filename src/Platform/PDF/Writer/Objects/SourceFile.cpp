@@ -68,7 +68,7 @@ SourceFile::SourceFile(std::shared_ptr<PDFSource> source, Base base) : m_source(
     if (!m_pdf)
         throw PDFError(PDFError::Kind::writeFailed, QStringLiteral("It is too damaged to be saved."));
     noteGenerations();
-    if (base == Base::repaired && isInDoubt() && !holdsPages())
+    if (base == Base::repaired && isInDoubt() && (m_source->hasLooseReferences() || !holdsPages()))
         openCopy();
 }
 
@@ -77,6 +77,10 @@ void SourceFile::noteGenerations() {
     for (const auto& [id, place] : m_pdf->getXRefTable())
         if (id.getGen() != 0)
             m_generations[id.getObj()] = id.getGen();
+}
+
+bool SourceFile::isInDoubt() const {
+    return m_bytes.isEmpty() && (m_pdf->anyWarnings() || m_source->hasLooseReferences());
 }
 
 bool SourceFile::holdsPages() {

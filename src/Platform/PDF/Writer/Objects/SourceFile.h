@@ -18,7 +18,7 @@ class SourceFile {
 public:
     enum class Base {
         asItCame, ///< damage throws `QPDFExc`
-        repaired, ///< of a file in which damage was seen the drawing engine's copy, where it is needed
+        repaired, ///< the drawing engine's copy where that has seen more in the file, as in one that is damaged
         copy,     ///< the drawing engine's copy in any case, if there is one
     };
 
@@ -26,8 +26,8 @@ public:
     SourceFile(std::shared_ptr<PDFSource> source, Base base);
 
     [[nodiscard]] QPDF& pdf() { return *m_pdf; }
-    /// True when damage was found that the drawing engine may have read in another way. Ask again after reading.
-    [[nodiscard]] bool isInDoubt() const { return m_bytes.isEmpty() && m_pdf->anyWarnings(); }
+    /// True when something was found that the drawing engine may have read in another way. Ask again after reading.
+    [[nodiscard]] bool isInDoubt() const;
     [[nodiscard]] const std::shared_ptr<PDFSource>& source() const { return m_source; }
 
     /// Lets the links be texts, for a file that is going to be copied as a whole and of which nothing was asked yet.
