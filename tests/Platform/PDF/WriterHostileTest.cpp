@@ -242,7 +242,10 @@ TEST(WriterHostileTest, WhatWasRepairedIsSavedAsItWasShown) {
     const QByteArray two = start + "/Count 2 /Kids [ 3 0 R 9 0 R ] >>\nendobj\n3 0 obj\n" + page + "\nendobj\n";
     cases.push_back({"a page that isn't there", two, 2});
     cases.push_back({"an object that can't be read", two + "5 0 obj\n<< /A 1 2 /B ) >>\nendobj\n", 2});
-    cases.push_back({"an object without a number", two + "trailer\n<< /Root 1 0 R /Info 0 0 R /X 99 0 R >>\n", 2});
+    cases.push_back({"a page without a number", QByteArray(two).replace("9 0 R", "0 0 R"), 2});
+    cases.push_back(
+        {"an object zero",
+         two + "5 0 obj\n<< /Type /ObjStm /N 1 /First 4 /Length 8 >>\nstream\n0 0 null\nendstream\nendobj\n", 2});
     cases.push_back({"a number past all others", two + "2147483647 0 obj\n<< /Root 1 0 R >>\nendobj\n", 2});
     cases.push_back({"a protection that can't be read",
                      two + "6 0 obj\nE< /Filter /Standard >>\nendobj\ntrailer\n<< /Root 1 0 R /Encrypt 6 0 R >>\n", 2});

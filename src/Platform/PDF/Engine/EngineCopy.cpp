@@ -16,6 +16,8 @@ public:
         // A file that was shown without being repaired isn't repaired now: that could leave less of it.
         m_document->repair_attempted = 1;
         const int count = pdf_xref_len(m_context, m_document);
+        // No object has the number zero, though a repair may have found one.
+        engineTry(m_context, [&] { pdf_get_xref_entry(m_context, m_document, 0)->type = 'f'; });
         // Objects that can't be read keep the engine from writing the others.
         for (int number = 1; number < count; ++number)
             if (!engineTry(m_context, [&] { tidyObject(number); }))

@@ -138,9 +138,13 @@ QPDFObjectHandle SourceFile::page(int pageNumber) {
             return page;
     }
     // A page that stands directly in its node of the tree, or a file whose objects had to be found again.
-    const std::vector<QPDFObjectHandle>& pages = m_pdf->getAllPages();
-    if (int(pages.size()) == m_source->pageCount() && pageNumber >= 0 && pageNumber < int(pages.size()))
-        return pages[std::size_t(pageNumber)];
+    try {
+        const std::vector<QPDFObjectHandle>& pages = m_pdf->getAllPages();
+        if (int(pages.size()) == m_source->pageCount() && pageNumber >= 0 && pageNumber < int(pages.size()))
+            return pages[std::size_t(pageNumber)];
+    } catch (const std::exception& error) { // another page can't be read
+        qCWarning(Logging::pdf) << "walking through the pages of a file failed:" << Logging::causes(error);
+    }
     return QPDFObjectHandle::newNull();
 }
 
