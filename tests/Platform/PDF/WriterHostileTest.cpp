@@ -219,12 +219,17 @@ TEST(WriterHostileTest, WhatWasRepairedIsSavedAsItWasShown) {
         const qsizetype header = file.lastIndexOf(" obj", file.indexOf("(Page 0)"));
         return file.replace(header - 1, 1, "7");
     });
+    const auto loosen = [](QByteArray file, const char* key) {
+        for (qsizetype at = file.indexOf(key); at >= 0; at = file.indexOf(key, at + 1))
+            file[file.indexOf(" R", at) - 1] = '7';
+        return file;
+    };
     for (const char* key : {"/Contents ", "/Root "})
-        add("references with another generation", 4, [key](PdfFixture& fixture) {
-            QByteArray file = fixture.bytes();
-            for (qsizetype at = file.indexOf(key); at >= 0; at = file.indexOf(key, at + 1))
-                file[file.indexOf(" R", at) - 1] = '7';
-            return file;
+        add("references with another generation", 4, [&](PdfFixture& fixture) { return loosen(fixture.bytes(), key); });
+    for (const auto cipher : {PdfFixture::Encryption::rc4, PdfFixture::Encryption::aes256})
+        add("such ones in a protected file that is cut short", 4, [&](PdfFixture& fixture) {
+            const QByteArray file = loosen(fixture.encrypted("", "owner", cipher), "/Contents ");
+            return file.left(file.lastIndexOf("startxref"));
         });
     add("a page in two nodes", 3, [](PdfFixture& fixture) {
         const auto node = [&fixture](const QByteArray& kids) {

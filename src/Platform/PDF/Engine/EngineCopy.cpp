@@ -3,6 +3,7 @@
 #include "Logging.h"
 #include "SourceEngine.h"
 
+#include <array>
 #include <string>
 
 namespace {
@@ -23,6 +24,7 @@ public:
             if (!engineTry(m_context, [&] { tidyObject(number); }))
                 engineTry(m_context, [&] { pdf_delete_object(m_context, m_document, number); });
         engineTry(m_context, [&] { tidy(pdf_trailer(m_context, m_document), 0); });
+        engineTry(m_context, [&] { restoreProtection(); });
     }
 
 private:
@@ -36,6 +38,47 @@ private:
         }
         fz_always(m_context) pdf_drop_obj(m_context, object);
         fz_catch(m_context) fz_rethrow(m_context);
+    }
+
+    /// A dictionary of the protection that was read again, as by a repair, was decrypted like all others, though none
+    /// is encrypted. Its strings as they came (ISO 32000-2, 7.6.4.2). May throw the engine's way.
+    void restoreProtection() {
+        pdf_crypt* crypt = m_document->crypt;
+        pdf_obj* dictionary = pdf_dict_get(m_context, pdf_trailer(m_context, m_document), PDF_NAME(Encrypt));
+        if (!crypt || !pdf_is_dict(m_context, dictionary))
+            return;
+        const auto put = [&](pdf_obj* key, const unsigned char* bytes, std::size_t size) {
+            pdf_dict_put_string(m_context, dictionary, key, reinterpret_cast<const char*>(bytes), size);
+        };
+        constexpr int firstLong = 5; // revision: hashes with salts, and the keys encrypted with them
+        const bool isLong = pdf_crypt_revision(m_context, crypt) >= firstLong;
+        put(PDF_NAME(O), pdf_crypt_owner_password(m_context, crypt), isLong ? 48 : 32);
+        put(PDF_NAME(U), pdf_crypt_user_password(m_context, crypt), isLong ? 48 : 32);
+        if (!isLong)
+            return;
+        put(PDF_NAME(OE), pdf_crypt_owner_encryption(m_context, crypt), 32);
+        put(PDF_NAME(UE), pdf_crypt_user_encryption(m_context, crypt), 32);
+        const Block permissions = encryptedPermissions(crypt);
+        put(PDF_NAME(Perms), permissions.data(), permissions.size());
+    }
+
+    using Block = std::array<unsigned char, 16>;
+
+    /// The engine keeps no such string of a file that it reads (ISO 32000-2, 7.6.4.4.9, algorithm 10).
+    [[nodiscard]] Block encryptedPermissions(pdf_crypt* crypt) {
+        const auto flags = static_cast<unsigned>(pdf_crypt_permissions(m_context, crypt));
+        Block plain{0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 'F', 'a', 'd', 'b'};
+        for (std::size_t i = 0; i < sizeof flags; ++i)
+            plain[i] = static_cast<unsigned char>(flags >> (8 * i));
+        if (pdf_crypt_encrypt_metadata(m_context, crypt))
+            plain[8] = 'T';
+        fz_aes key;
+        constexpr int keyBits = 256;
+        fz_aes_setkey_enc(&key, pdf_crypt_key(m_context, crypt), keyBits);
+        Block noVector{}; // a single block, so chained to nothing
+        Block encrypted{};
+        fz_aes_crypt_cbc(&key, FZ_AES_ENCRYPT, plain.size(), noVector.data(), plain.data(), encrypted.data());
+        return encrypted;
     }
 
     /// Gives references the generations of their objects, by which others look them up. May throw the engine's way.
