@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t idleLimit = 3;
 constexpr std::size_t recordingLimit = 8;
 constexpr std::size_t stateLookLimit = 4096; // some hundred bytes each
-constexpr int lookupsBeforeTable = 64;
+constexpr std::size_t lookupsBeforeTable = 64;
 
 PDFError openFailure(QByteArrayView bytes, const std::string& reason) {
     const QString message = QString::fromStdString(reason);
@@ -155,9 +155,17 @@ std::shared_ptr<const SourceEngine::PageTable> SourceEngine::table() const {
     return m_table;
 }
 
-bool SourceEngine::countLookup() {
+std::optional<PDFPageGeometry> SourceEngine::knownGeometry(int pageNumber) const {
     const std::lock_guard guard(m_mutex);
-    return ++m_lookups > lookupsBeforeTable;
+    if (m_table)
+        return m_table->geometries[std::size_t(pageNumber)];
+    const auto known = m_geometries.find(pageNumber);
+    return known == m_geometries.end() ? std::nullopt : std::optional(known->second);
+}
+
+bool SourceEngine::isTableWorthIt() const {
+    const std::lock_guard guard(m_mutex);
+    return m_geometries.size() >= lookupsBeforeTable;
 }
 
 std::shared_ptr<const SourceEngine::PageTable> SourceEngine::makeTable() {
@@ -203,17 +211,20 @@ PDFPageGeometry SourceEngine::geometry(int pageNumber) {
     PDFPageGeometry geometry = PageObjects::fallbackGeometry();
     if (pageNumber < 0 || pageNumber >= m_pageCount)
         return geometry;
-    auto all = table();
-    if (!all && countLookup())
-        all = makeTable();
-    if (all)
-        return all->geometries[std::size_t(pageNumber)];
-    const Lease borrowed = lease();
-    if (borrowed)
-        engineTry(borrowed.context(), [&] {
-            pdf_obj* page = pdf_lookup_page_obj(borrowed.context(), borrowed.document(), pageNumber);
-            PageObjects::readGeometry(borrowed.context(), page, geometry);
-        });
+    if (const auto known = knownGeometry(pageNumber))
+        return *known;
+    if (isTableWorthIt())
+        return makeTable()->geometries[std::size_t(pageNumber)];
+    {
+        const Lease borrowed = lease();
+        if (borrowed)
+            engineTry(borrowed.context(), [&] {
+                pdf_obj* page = pdf_lookup_page_obj(borrowed.context(), borrowed.document(), pageNumber);
+                PageObjects::readGeometry(borrowed.context(), page, geometry);
+            });
+    }
+    const std::lock_guard guard(m_mutex);
+    m_geometries.emplace(pageNumber, geometry);
     return geometry;
 }
 

@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
@@ -171,8 +172,9 @@ private:
     void readSummary(const OpenedDocument& opened);
     [[nodiscard]] std::shared_ptr<const PageTable> table() const;
     std::shared_ptr<const PageTable> makeTable();
+    [[nodiscard]] std::optional<PDFPageGeometry> knownGeometry(int pageNumber) const;
     /// True when enough single pages were looked up to make the table worth its time.
-    bool countLookup();
+    [[nodiscard]] bool isTableWorthIt() const;
 
     const QByteArrayView m_bytes;
     QString m_password;
@@ -187,7 +189,7 @@ private:
     mutable std::mutex m_mutex; // guards what follows
     std::vector<std::unique_ptr<OpenedDocument>> m_idle;
     std::shared_ptr<const PageTable> m_table;
-    int m_lookups = 0;
+    std::unordered_map<int, PDFPageGeometry> m_geometries; // of pages that were looked up one by one
     std::vector<std::pair<RecordingKey, std::shared_ptr<const RecordedPage>>> m_recordings; // most recent last
     std::map<StateKey, std::shared_ptr<const RecordedPage>> m_stateLooks;
     std::unordered_set<int> m_pagesWithBareAnnotations;
