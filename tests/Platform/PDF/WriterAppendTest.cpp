@@ -33,6 +33,7 @@ class AppendTest : public testing::TestWithParam<PdfFixture::Style> {};
 TEST_P(AppendTest, KeepsTheBytesAndAddsWhatChanged) {
     PdfFixture fixture;
     addManyPages(fixture);
+    fixture.setPageKey(0, "/Bulk", fixture.addStream("<< >>", "% 4 7 R")); // which is no reference
     const QByteArray before = fixture.bytes(GetParam());
     const auto document = PDFDocument::fromData(before);
     EXPECT_EQ(document->dataRepresentation(), before) << "nothing changed";
