@@ -215,16 +215,24 @@ PDFPageGeometry SourceEngine::geometry(int pageNumber) {
         return *known;
     if (isTableWorthIt())
         return makeTable()->geometries[std::size_t(pageNumber)];
+    bool isKnown = false;
     {
         const Lease borrowed = lease();
-        if (borrowed)
-            engineTry(borrowed.context(), [&] {
-                pdf_obj* page = pdf_lookup_page_obj(borrowed.context(), borrowed.document(), pageNumber);
-                PageObjects::readGeometry(borrowed.context(), page, geometry);
-            });
+        if (!borrowed)
+            return geometry;
+        fz_context* context = borrowed.context();
+        // Damage that is found on the way makes the engine read the whole file anew, and the page in another way.
+        const int repaired = pdf_was_repaired(context, borrowed.document());
+        isKnown = engineTry(context, [&] {
+            pdf_obj* page = pdf_lookup_page_obj(context, borrowed.document(), pageNumber);
+            PageObjects::readGeometry(context, page, geometry);
+        });
+        isKnown = isKnown && pdf_was_repaired(context, borrowed.document()) == repaired;
     }
-    const std::lock_guard guard(m_mutex);
-    m_geometries.emplace(pageNumber, geometry);
+    if (isKnown) {
+        const std::lock_guard guard(m_mutex);
+        m_geometries.emplace(pageNumber, geometry);
+    }
     return geometry;
 }
 
