@@ -136,6 +136,8 @@ void AnnotatingPDFView::askAIAboutPage(const std::shared_ptr<PDFPage>& page) {
         return;
     readText(*page, [this, number = QString::number(index + 1)](const QString& read) {
         const QString text = read.trimmed();
+        if (!onAskAI)
+            return;
         if (text.isEmpty())
             onAskAI(QStringLiteral("Page %1 has no extractable text (it may be a scanned image). Let me know that "
                                    "directly rather than guessing its content.")

@@ -207,7 +207,7 @@ Q_SIGNALS:
     void scaleChanged();
     void selectionChanged();
     void historyChanged();
-    /// How many pages have been read of a selection over many.
+    /// How many pages have been read of those whose text takes its time.
     void textReadingProgressed(int pagesRead, int pageCount);
     /// They were put to their use, or given up.
     void textReadingEnded();

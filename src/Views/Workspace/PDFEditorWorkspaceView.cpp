@@ -359,14 +359,14 @@ void PDFEditorWorkspaceView::print() {
                      this, {done, failed});
 }
 
-/// A moment after the reading of a long selection has begun, and until it ends.
+/// A moment after the reading of much text has begun, and until it ends.
 void PDFEditorWorkspaceView::showReading(int pagesRead, int pageCount) {
     auto* progress = findChild<QProgressDialog*>(QStringLiteral("readingProgress"));
     if (!progress) {
-        progress = new QProgressDialog(QStringLiteral("Reading the selected text…"), QStringLiteral("Cancel"), 0,
-                                       pageCount, this);
+        progress = new QProgressDialog(QStringLiteral("Reading the text…"), QStringLiteral("Cancel"), 0,
+                                       pageCount > 1 ? pageCount : 0, this);
         progress->setObjectName(QStringLiteral("readingProgress"));
-        progress->setWindowTitle(QStringLiteral("Selected Text"));
+        progress->setWindowTitle(QStringLiteral("Text"));
         progress->setMinimumDuration(500); // milliseconds
         progress->setAutoReset(false);
         connect(progress, &QProgressDialog::canceled, m_pdfView, &PDFView::cancelReadingText);

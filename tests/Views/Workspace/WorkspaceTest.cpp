@@ -14,7 +14,7 @@ TEST_F(WorkspaceTest, copyingALongDocumentTellsHowFarItIsAndCanBeStopped) {
     int told = 0;
     QObject::connect(m_view, &PDFView::textReadingProgressed, m_workspace.get(), [&] {
         const auto* progress = find<QProgressDialog>(*m_workspace, QStringLiteral("readingProgress"));
-        ASSERT_EQ(progress->value(), ++told);
+        ASSERT_EQ(progress->value(), told++);
         progress->findChild<QPushButton*>()->click();
     });
     m_view->selectAll();

@@ -23,9 +23,8 @@ QString SpanReader::read(const std::vector<Span>& spans, const std::stop_token& 
     for (const Span& span : spans) {
         if (stop.stop_requested())
             break;
-        if (spanRead && count > 0)
-            spanRead(count);
-        ++count;
+        if (spanRead)
+            spanRead(count++);
         if (!span.content.source)
             continue;
         // A long document would push the pages on the screen out of the cache of texts.

@@ -27,7 +27,7 @@ public:
     /// True for what can be read while the reader waits.
     [[nodiscard]] static bool isShort(const std::vector<Span>& spans);
     /// The text, spans joined with a newline, as `PDFSelection::string` joins its ranges. Any thread; stops early with
-    /// what it has when `stop` is requested. Tells `spanRead` how many have been read, after each.
+    /// what it has when `stop` is requested. Tells `spanRead` how many have been read, before each.
     [[nodiscard]] static QString read(const std::vector<Span>& spans, const std::stop_token& stop = {},
                                       const std::function<void(int)>& spanRead = {});
 
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] bool isReading() const { return m_isReading; }
 
 Q_SIGNALS:
-    /// While many spans are read.
+    /// While spans are read on another thread.
     void progressed(int spansRead, int spanCount);
     /// Such a reading was used, or given up.
     void ended();

@@ -3,6 +3,7 @@
 #include "PDFDocument.h"
 #include "PDFPage.h"
 #include "PageText.h"
+#include "StopAfter.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -126,6 +127,10 @@ std::vector<SpanReader::Span> ViewSelection::spans() const {
 void ViewSelection::offerForMiddleButton() {
     QClipboard* clipboard = QGuiApplication::clipboard();
     const std::vector<SpanReader::Span> selected = spans();
-    if (!selected.empty() && clipboard->supportsSelection() && SpanReader::isShort(selected))
-        clipboard->setText(SpanReader::read(selected), QClipboard::Selection);
+    if (selected.empty() || !clipboard->supportsSelection() || !SpanReader::isShort(selected))
+        return;
+    const StopAfter patience;
+    const QString text = SpanReader::read(selected, patience.token());
+    if (!patience.token().stop_requested())
+        clipboard->setText(text, QClipboard::Selection);
 }
