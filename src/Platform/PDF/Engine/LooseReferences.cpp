@@ -22,9 +22,9 @@ int generationOf(fz_context* context, pdf_document* document, int number) {
 }
 
 /// A walk through an object, up to the references to others.
-class Walk {
+class ReferenceWalk {
 public:
-    Walk(fz_context* context, pdf_document* document, bool mends)
+    ReferenceWalk(fz_context* context, pdf_document* document, bool mends)
         : m_context(context), m_document(document), m_mends(mends) {}
 
     /// True when there were loose ones. May throw the engine's way.
@@ -134,7 +134,7 @@ bool LooseReferences::areIn(QByteArrayView bytes, SourceEngine& engine) {
         return false;
     lease.abandon();                        // with all objects in its memory
     lease.document()->repair_attempted = 1; // nothing is to be read in another way than it was shown
-    Walk walk(lease.context(), lease.document(), false);
+    ReferenceWalk walk(lease.context(), lease.document(), false);
     bool isLoose = false;
     const int count = pdf_xref_len(lease.context(), lease.document());
     for (int number = 0; number < count && !isLoose; ++number)
@@ -143,5 +143,5 @@ bool LooseReferences::areIn(QByteArrayView bytes, SourceEngine& engine) {
 }
 
 void LooseReferences::mend(fz_context* context, pdf_document* document, int number) {
-    Walk(context, document, true).through(number);
+    ReferenceWalk(context, document, true).through(number);
 }
